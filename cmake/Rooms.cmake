@@ -1,0 +1,31 @@
+# ostrelon_room(NAME SEES rooms… LIBRARIES targets…): an object library of src/NAME. Objects, since the
+# members of the one central class live in several rooms. A room is compiled against the libraries of
+# those that it sees; which headers it may include is checked by tests/rooms.
+function(ostrelon_room name)
+  cmake_parse_arguments(ROOM "" "" "SEES;LIBRARIES" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/*.cpp)
+  if(NOT sources)
+    # A room that is not furnished yet.
+    file(WRITE ${CMAKE_BINARY_DIR}/empty_room.cpp "")
+    set(sources ${CMAKE_BINARY_DIR}/empty_room.cpp)
+  endif()
+  add_library(ostrelon_${name} OBJECT ${sources})
+  target_include_directories(ostrelon_${name} PUBLIC ${CMAKE_SOURCE_DIR}/src ${CMAKE_BINARY_DIR}/generated)
+  target_link_libraries(ostrelon_${name} PUBLIC ${ROOM_LIBRARIES})
+  foreach(seen ${ROOM_SEES})
+    target_link_libraries(ostrelon_${name} PUBLIC
+      $<TARGET_PROPERTY:ostrelon_${seen},INTERFACE_LINK_LIBRARIES>)
+  endforeach()
+endfunction()
+
+# ostrelon_logic_library(rooms…): all of them as the one static library `ostrelon_logic`.
+function(ostrelon_logic_library)
+  add_library(ostrelon_logic STATIC)
+  target_include_directories(ostrelon_logic PUBLIC ${CMAKE_SOURCE_DIR}/src ${CMAKE_BINARY_DIR}/generated)
+  target_link_libraries(ostrelon_logic PUBLIC Threads::Threads ICU::data)
+  foreach(room ${ARGN})
+    target_sources(ostrelon_logic PRIVATE $<TARGET_OBJECTS:ostrelon_${room}>)
+    target_link_libraries(ostrelon_logic PUBLIC
+      $<TARGET_PROPERTY:ostrelon_${room},INTERFACE_LINK_LIBRARIES>)
+  endforeach()
+endfunction()

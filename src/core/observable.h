@@ -1,0 +1,143 @@
+// Observation of a long-lived object: fields that everyone may read and only their object writes,
+// and observers that hear of changes once an operation has ended.
+//
+//   class Counter {
+//     ChangeTracker tracker_;
+//    public:
+//     Observable<int, Counter> count{tracker_, 0 /* field number */, 5 /* initial value */};
+//     void raise() { ChangeScope scope(tracker_); count = count + 1; }
+//   };
+//
+// Scopes nest. The end of the outermost one raises the revision and, if a field was written, tells
+// the observers once with the set of fields. A value written over its equal is dropped.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace ostrelon {
+
+/// A set of field numbers below 64.
+using FieldMask = std::uint64_t;
+inline constexpr FieldMask kAllFields = ~FieldMask{0};
+constexpr FieldMask fieldBit(unsigned field) { return FieldMask{1} << field; }
+
+/// Ends an observation when it is destroyed. Move-only.
+class Subscription {
+ public:
+  Subscription() = default;
+  explicit Subscription(std::shared_ptr<bool> active) : active_(std::move(active)) {}
+  Subscription(Subscription&&) noexcept = default;
+  Subscription& operator=(Subscription&& other) noexcept {
+    if (this != &other) {
+      cancel();
+      active_ = std::move(other.active_);
+    }
+    return *this;
+  }
+  Subscription(const Subscription&) = delete;
+  Subscription& operator=(const Subscription&) = delete;
+  ~Subscription() { cancel(); }
+  void cancel() {
+    if (active_) *active_ = false;
+    active_.reset();
+  }
+
+ private:
+  std::shared_ptr<bool> active_;
+};
+
+class ChangeTracker {
+ public:
+  using Callback = std::function<void(FieldMask changed)>;
+
+  ChangeTracker() = default;
+  ChangeTracker(const ChangeTracker&) = delete;
+  ChangeTracker& operator=(const ChangeTracker&) = delete;
+
+  /// Calls back after each operation that changed one of the fields. Observers read; they must not
+  /// change the object from within. Observers added or removed meanwhile are safe.
+  [[nodiscard]] Subscription observe(FieldMask fields, Callback callback);
+
+  /// The number of operations that have changed something.
+  std::uint64_t revision() const { return revision_; }
+  bool isOpen() const { return depth_ > 0; }
+  /// Called when the outermost scope opens, and when it has ended but before observers are told.
+  void setHooks(std::function<void()> opened, std::function<void(FieldMask)> closing) {
+    opened_ = std::move(opened);
+    closing_ = std::move(closing);
+  }
+
+  void open();
+  void close();
+  void mark(unsigned field) { changed_ |= fieldBit(field); }
+
+ private:
+  struct Observer {
+    FieldMask fields;
+    Callback callback;
+    std::shared_ptr<bool> active;
+  };
+
+  int depth_ = 0;
+  FieldMask changed_ = 0;
+  std::uint64_t revision_ = 0;
+  std::vector<std::shared_ptr<Observer>> observers_;
+  std::function<void()> opened_;
+  std::function<void(FieldMask)> closing_;
+};
+
+/// One operation. No scope may span a wait.
+class ChangeScope {
+ public:
+  explicit ChangeScope(ChangeTracker& tracker) : tracker_(tracker) { tracker_.open(); }
+  ChangeScope(const ChangeScope&) = delete;
+  ChangeScope& operator=(const ChangeScope&) = delete;
+  ~ChangeScope() { tracker_.close(); }
+
+ private:
+  ChangeTracker& tracker_;
+};
+
+/// A field of `Owner`: read like its value, written by `Owner` alone.
+template <class T, class Owner>
+class Observable {
+ public:
+  Observable(ChangeTracker& tracker, unsigned field, T initial = {})
+      : tracker_(tracker), field_(field), value_(std::move(initial)) {}
+  Observable(const Observable&) = delete;
+
+  const T& get() const { return value_; }
+  operator const T&() const { return value_; }  // NOLINT(google-explicit-constructor)
+  const T& operator*() const { return value_; }
+  const T* operator->() const { return &value_; }
+
+  friend bool operator==(const Observable& a, const T& b) { return a.value_ == b; }
+
+ private:
+  friend Owner;
+
+  Observable& operator=(T value) {
+    if (!(value_ == value)) {
+      const ChangeScope scope(tracker_);
+      value_ = std::move(value);
+      tracker_.mark(field_);
+    }
+    return *this;
+  }
+
+  /// Marks the field as changed and gives the value to change in place. Only within a scope.
+  T& edit() {
+    tracker_.mark(field_);
+    return value_;
+  }
+
+  ChangeTracker& tracker_;
+  unsigned field_;
+  T value_;
+};
+
+}  // namespace ostrelon

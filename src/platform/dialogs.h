@@ -1,0 +1,90 @@
+// Questions to the user, asked through the host: the window shows a panel, automation answers from
+// a queue, a test answers itself. The answer arrives through a continuation, at once or later.
+#pragma once
+
+#include <deque>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace ostrelon {
+
+/// Choose a document to open. The answer is a path.
+struct OpenPanel {
+  std::filesystem::path startingFolder;  ///< empty: the panel's own default
+};
+
+/// Choose where to save a document. The answer is a path.
+struct SavePanel {
+  std::filesystem::path startingFolder;  ///< empty: the panel's own default
+  std::string suggestedName;
+};
+
+/// Choose where to write something that is not a document. The answer is a path.
+struct ExportPanel {
+  std::filesystem::path startingFolder;
+  std::string suggestedName;
+};
+
+/// Choose a folder. The answer is a path.
+struct FolderPanel {
+  std::string message;
+  std::filesystem::path startingFolder;
+};
+
+/// Ask for one line of text. The answer is the text.
+struct TextPrompt {
+  std::string title;
+  std::string informativeText;
+  std::string initialText;
+  std::string confirmButton;
+};
+
+/// Ask a question with buttons, the default one first. The answer is the title of a button.
+struct Alert {
+  std::string message;
+  std::string informativeText;
+  std::vector<std::string> buttons;
+};
+
+using DialogRequest = std::variant<OpenPanel, SavePanel, ExportPanel, FolderPanel, TextPrompt, Alert>;
+
+/// A path, a text or a button's title; absent when the user cancelled.
+using DialogAnswer = std::optional<std::string>;
+
+class Dialogs {
+ public:
+  Dialogs() = default;
+  Dialogs(const Dialogs&) = delete;
+  Dialogs& operator=(const Dialogs&) = delete;
+  virtual ~Dialogs() = default;
+
+  /// Asks, and calls `answered` exactly once.
+  virtual void ask(const DialogRequest& request, std::function<void(DialogAnswer)> answered) = 0;
+};
+
+/// Answers from a queue, at once; with nothing queued every dialog is cancelled.
+class QueuedDialogs final : public Dialogs {
+ public:
+  void queue(DialogAnswer answer) { answers_.push_back(std::move(answer)); }
+  const std::vector<DialogRequest>& asked() const { return asked_; }
+
+  void ask(const DialogRequest& request, std::function<void(DialogAnswer)> answered) override {
+    asked_.push_back(request);
+    DialogAnswer answer;
+    if (!answers_.empty()) {
+      answer = std::move(answers_.front());
+      answers_.pop_front();
+    }
+    answered(std::move(answer));
+  }
+
+ private:
+  std::deque<DialogAnswer> answers_;
+  std::vector<DialogRequest> asked_;
+};
+
+}  // namespace ostrelon

@@ -1,0 +1,76 @@
+// Files, as the host gives them. Everything that the program keeps goes through this interface, so
+// that tests can make any step fail. Errors are thrown as `FileError` with a sentence for a person.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/date.h"
+#include "platform/user_error.h"
+
+namespace ostrelon {
+
+using FilePath = std::filesystem::path;
+
+class FileError : public UserError {
+ public:
+  using UserError::UserError;
+};
+
+/// What the system tells of one file. Two reads of the same unchanged file give equal values.
+struct FileInfo {
+  bool isRegularFile = false;
+  bool isFolder = false;
+  std::uint64_t size = 0;
+  std::optional<Date> modifiedAt;
+  std::uint64_t device = 0;
+  std::uint64_t inode = 0;
+  std::int64_t modifiedNanoseconds = 0;  ///< since 1970, as fine as the file system keeps it
+
+  friend bool operator==(const FileInfo&, const FileInfo&) = default;
+};
+
+class FileSystem {
+ public:
+  /// Takes the next piece of a file that is being written.
+  using Writer = std::function<void(std::string_view bytes)>;
+
+  FileSystem() = default;
+  FileSystem(const FileSystem&) = delete;
+  FileSystem& operator=(const FileSystem&) = delete;
+  virtual ~FileSystem() = default;
+
+  /// The whole content of a regular file.
+  virtual std::string readFile(const FilePath& path) = 0;
+  /// Writes what `produce` hands to its writer into a temporary file beside the target, makes it
+  /// last (file and folder reach the disk), and moves it over the target: after a crash the old
+  /// file is there or the new one, never a part. Permissions of an old file are kept; a symbolic
+  /// link is followed to its target. Missing folders are not made. If `produce` throws, the target
+  /// is left alone and the exception passes on.
+  virtual void writeFile(const FilePath& path, const std::function<void(const Writer&)>& produce) = 0;
+  /// Absent when nothing is there or it cannot be looked at. Links are followed.
+  virtual std::optional<FileInfo> info(const FilePath& path) = 0;
+  /// The names in a folder, hidden ones included, in no order.
+  virtual std::vector<std::string> list(const FilePath& folder) = 0;
+  /// Makes the folder and those above it; no error when it is there already.
+  virtual void createFolders(const FilePath& folder) = 0;
+  /// Copies a file to a place where nothing is yet, as durably as `writeFile`.
+  virtual void copyFile(const FilePath& from, const FilePath& to) = 0;
+  /// Removes a file; no error when nothing is there.
+  virtual void removeFile(const FilePath& path) = 0;
+
+  bool exists(const FilePath& path) { return info(path).has_value(); }
+  void writeFile(const FilePath& path, std::string_view bytes) {
+    writeFile(path, [bytes](const Writer& write) { write(bytes); });
+  }
+};
+
+/// An absolute path with "." and ".." taken out, and no trailing slash.
+FilePath standardizedPath(const FilePath& path);
+
+}  // namespace ostrelon

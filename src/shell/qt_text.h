@@ -1,0 +1,15 @@
+// Texts between the logic (UTF-8) and Qt.
+#pragma once
+
+#include <QString>
+#include <string>
+#include <string_view>
+
+namespace ostrelon {
+
+inline QString qtText(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+inline std::string plainText(const QString& text) { return text.toStdString(); }
+
+}  // namespace ostrelon
