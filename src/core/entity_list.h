@@ -104,8 +104,8 @@ class EntityList {
   Node& ownNode(std::size_t node);
   Chunk& ownChunk(std::size_t node, std::size_t chunk);
   void settle(std::size_t node, std::size_t chunk);
-  static void recount(Node& node, std::size_t from = 0);
-  static void recount(Root& root, std::size_t from = 0);
+  static void recount(Node& node);
+  static void recount(Root& root);
 
   std::shared_ptr<Root> root_;
 

@@ -65,7 +65,7 @@ class ChangeTracker {
   /// The number of operations that have changed something.
   std::uint64_t revision() const { return revision_; }
   bool isOpen() const { return depth_ > 0; }
-  /// Called when the outermost scope opens, and when it has ended but before observers are told.
+  /// Called when the outermost scope opens, and when it has ended and the observers have been told.
   void setHooks(std::function<void()> opened, std::function<void(FieldMask)> closing) {
     opened_ = std::move(opened);
     closing_ = std::move(closing);

@@ -1,0 +1,88 @@
+#include "console/command_interpreter.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+
+#include "console/drawing_commands.h"
+#include "console/general_commands.h"
+#include "platform/unicode.h"
+
+namespace ostrelon::CommandInterpreter {
+namespace {
+
+using Handler = Reply (*)(const ResolvedCommand& command, SketchViewModel& sketch);
+
+struct HandlerRow {
+  std::string_view word;
+  Handler handler;
+};
+
+// The order of the tests. Rows behind a word of the same handler are its further spellings, which no
+// alias resolves.
+constexpr std::array kHandlers{
+    HandlerRow{"help", helpCommand},      HandlerRow{"clear", clearCommand},
+    HandlerRow{"spec", specCommand},      HandlerRow{"line", lineCommand},
+    HandlerRow{"wall", wallCommand},      HandlerRow{"circle", circleCommand},
+    HandlerRow{"rect", rectangleCommand}, HandlerRow{"poly", polygonCommand},
+};
+
+}  // namespace
+
+Reply executeCommandLine(std::string_view text, SketchViewModel& sketch) {
+  const std::string_view line = trimmed(text);
+  const auto resolved = resolveCommandLine(splitAtWhiteSpace(line));
+  if (!resolved) return std::nullopt;
+  for (const HandlerRow& row : kHandlers) {
+    if (row.word == resolved->command) return row.handler(*resolved, sketch);
+  }
+  return "Unknown command \"" + resolved->head + "\". Type help for commands.";
+}
+
+std::optional<ResolvedCommand> resolveCommandLine(const std::vector<std::string>& tokens) {
+  if (tokens.empty()) return std::nullopt;
+  ResolvedCommand resolved;
+  resolved.head = lowerCased(tokens.front());
+  const auto& aliases = aliasTable();
+  const auto alias = std::find_if(aliases.begin(), aliases.end(),
+                                  [&](const CommandAlias& row) { return row.alias == resolved.head; });
+  resolved.command = alias == aliases.end() ? resolved.head : alias->command;
+  resolved.arguments = tokens;
+  resolved.arguments.front() = resolved.command;
+  return resolved;
+}
+
+const std::vector<CommandAlias>& aliasTable() {
+  static const std::vector<CommandAlias> sorted = [] {
+    std::vector<CommandAlias> rows{{"polygon", "poly"},   {"pl", "poly"}, {"poly", "poly"},
+                                   {"rectangle", "rect"}, {"l", "line"},  {"m", "move"},
+                                   {"ex", "extend"},      {"z", "zoom"},  {"?", "help"}};
+    std::sort(rows.begin(), rows.end(), [](const CommandAlias& a, const CommandAlias& b) {
+      const std::size_t lengthA = characterCount(a.alias);
+      const std::size_t lengthB = characterCount(b.alias);
+      return lengthA != lengthB ? lengthA > lengthB : a.alias < b.alias;
+    });
+    return rows;
+  }();
+  return sorted;
+}
+
+std::string aliasHelpText() {
+  std::string text;
+  for (const CommandAlias& row : aliasTable()) {
+    if (!text.empty()) text += '\n';
+    text += "    " + row.alias + " -> " + row.command;
+  }
+  return text;
+}
+
+std::vector<std::string> commandWords() {
+  std::vector<std::string> words;
+  for (const HandlerRow& row : kHandlers) words.emplace_back(row.word);
+  for (const CommandAlias& row : aliasTable()) words.push_back(row.alias);
+  std::sort(words.begin(), words.end());
+  words.erase(std::unique(words.begin(), words.end()), words.end());
+  return words;
+}
+
+}  // namespace ostrelon::CommandInterpreter

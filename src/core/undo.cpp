@@ -1,0 +1,118 @@
+// Undo, redo, and the folding of many changes into one step.
+#include "core/sketch_view_model.h"
+
+namespace ostrelon {
+namespace {
+
+// The identifiers of the set that the list still holds.
+std::unordered_set<UUID> stillPresent(const std::unordered_set<UUID>& ids, const EntityList& entities) {
+  std::unordered_set<UUID> present;
+  if (ids.empty()) return present;
+  for (const SketchEntity& entity : entities) {
+    if (!ids.contains(entityID(entity))) continue;
+    present.insert(entityID(entity));
+    if (present.size() == ids.size()) break;
+  }
+  return present;
+}
+
+}  // namespace
+
+void SketchViewModel::captureUndoCheckpoint() {
+  if (isApplyingUndoRedo_ || undoCheckpointSuppressionDepth_ != 0) return;
+  const ChangeScope scope(tracker_);
+  undoStack_.pushUndoSnapshot({entities.get()});
+  tracker_.mark(n(SketchField::undoStack));
+}
+
+void SketchViewModel::undo() {
+  auto snapshot = undoStack_.popUndoSnapshot();
+  if (!snapshot) return;
+  const ChangeScope scope(tracker_);
+  undoStack_.pushRedoSnapshot({entities.get()});
+  tracker_.mark(n(SketchField::undoStack));
+  restoreSnapshot(snapshot->entities);
+  appendConsoleLine("Undo.", false, true);
+}
+
+void SketchViewModel::redo() {
+  auto snapshot = undoStack_.popRedoSnapshot();
+  if (!snapshot) return;
+  const ChangeScope scope(tracker_);
+  undoStack_.appendUndoSnapshot({entities.get()});
+  tracker_.mark(n(SketchField::undoStack));
+  restoreSnapshot(snapshot->entities);
+  appendConsoleLine("Redo.", false, true);
+}
+
+void SketchViewModel::restoreSnapshot(const EntityList& restored) {
+  const ChangeScope scope(tracker_);
+  isApplyingUndoRedo_ = true;
+  entities = restored;
+  selectedEntityIDs = stillPresent(selectedEntityIDs, entities);
+  if (selectedEntityIDs->empty()) {
+    primarySelectedEntityID = std::nullopt;
+    isEntityInspectorVisible = false;
+  } else if (*primarySelectedEntityID && !selectedEntityIDs->contains(**primarySelectedEntityID)) {
+    primarySelectedEntityID = *selectedEntityIDs->begin();
+  }
+  draft = std::nullopt;
+  selectDrag = std::nullopt;
+  selectMarquee = std::nullopt;
+  selectDragUndoBaseline = std::nullopt;
+  hoveredEntityID = std::nullopt;
+  hoverViewPoint = std::nullopt;
+  clearSnapState();
+  isDocumentDirty = true;
+  isApplyingUndoRedo_ = false;
+}
+
+void SketchViewModel::clearUndoHistory() {
+  const ChangeScope scope(tracker_);
+  undoStack_.clear();
+  tracker_.mark(n(SketchField::undoStack));
+  selectDragUndoBaseline = std::nullopt;
+}
+
+void SketchViewModel::replaceUndoSnapshots(std::vector<SketchUndoSnapshot> snapshots) {
+  const ChangeScope scope(tracker_);
+  undoStack_.replaceUndoSnapshots(std::move(snapshots));
+  tracker_.mark(n(SketchField::undoStack));
+  selectDragUndoBaseline = std::nullopt;
+}
+
+SketchCommandMutationState SketchViewModel::captureCommandMutationState() const {
+  return {{entities.get()},        selectedEntityIDs,      primarySelectedEntityID, selectedTool, draft,
+          trimCuttingEdgeEntityID, activeWallSystemSpecID, isDocumentDirty};
+}
+
+void SketchViewModel::restoreCommandMutationState(const SketchCommandMutationState& state) {
+  const ChangeScope scope(tracker_);
+  isApplyingUndoRedo_ = true;
+  entities = state.undoSnapshot.entities;
+  selectedEntityIDs = state.selectedEntityIDs;
+  primarySelectedEntityID = state.primarySelectedEntityID;
+  selectedTool = state.selectedTool;
+  draft = state.draft;
+  trimCuttingEdgeEntityID = state.trimCuttingEdgeEntityID;
+  activeWallSystemSpecID = state.activeWallSystemSpecID;
+  selectDrag = std::nullopt;
+  selectMarquee = std::nullopt;
+  selectDragUndoBaseline = std::nullopt;
+  hoveredEntityID = std::nullopt;
+  hoverViewPoint = std::nullopt;
+  clearSnapState();
+  isDocumentDirty = state.isDocumentDirty;
+  isApplyingUndoRedo_ = false;
+}
+
+void SketchViewModel::commitCommandMutationState(const SketchCommandMutationState& state) {
+  if (state.undoSnapshot.entities == entities.get()) return;
+  const ChangeScope scope(tracker_);
+  undoStack_.pushUndoSnapshot(state.undoSnapshot);
+  tracker_.mark(n(SketchField::undoStack));
+}
+
+void SketchViewModel::changeUndoCheckpointSuppressionDepth(int by) { undoCheckpointSuppressionDepth_ += by; }
+
+}  // namespace ostrelon
