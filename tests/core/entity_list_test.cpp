@@ -1,0 +1,133 @@
+#include "core/entity_list.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace ostrelon {
+namespace {
+
+SketchEntity line(double x) { return LineEntity{UUID::random(), {x, 0}, {x, 1}}; }
+
+std::vector<SketchEntity> lines(std::size_t count) {
+  std::vector<SketchEntity> all;
+  for (std::size_t i = 0; i < count; ++i) all.push_back(line(static_cast<double>(i)));
+  return all;
+}
+
+void expectSame(const EntityList& list, const std::vector<SketchEntity>& expected) {
+  ASSERT_EQ(list.size(), expected.size());
+  EXPECT_TRUE(std::equal(list.begin(), list.end(), expected.begin(), expected.end()));
+  EXPECT_TRUE(std::equal(list.rbegin(), list.rend(), expected.rbegin(), expected.rend()));
+  for (std::size_t i = 0; i < expected.size(); i += 1 + expected.size() / 50) EXPECT_EQ(list[i], expected[i]);
+  EXPECT_EQ(list, EntityList(expected));
+}
+
+TEST(EntityList, HoldsWhatAVectorHoldsThroughRandomEdits) {
+  const auto seed = std::random_device{}();
+  SCOPED_TRACE(seed);
+  std::mt19937 random(seed);
+  const auto below = [&](std::size_t limit) { return random() % (limit + 1); };
+
+  EntityList list(lines(3000));
+  std::vector<SketchEntity> expected(list.begin(), list.end());
+  std::vector<std::pair<EntityList, std::vector<SketchEntity>>> snapshots;
+  for (int round = 0; round < 400; ++round) {
+    const std::size_t at = below(expected.empty() ? 0 : expected.size() - 1);
+    switch (random() % 7) {
+      case 0: {
+        auto more = lines(random() % 5 == 0 ? 2500 : 3);
+        expected.insert(expected.begin() + static_cast<std::ptrdiff_t>(at), more.begin(), more.end());
+        list.insert(at, std::move(more));
+        break;
+      }
+      case 1:
+        expected.push_back(line(-1));
+        list.append(expected.back());
+        break;
+      case 2: {
+        auto more = lines(random() % 700);
+        expected.insert(expected.end(), more.begin(), more.end());
+        list.append(std::move(more));
+        break;
+      }
+      case 3:
+        if (expected.empty()) break;
+        expected[at] = line(-2);
+        list.replace(at, expected[at]);
+        break;
+      case 4:
+        if (expected.empty()) break;
+        expected.erase(expected.begin() + static_cast<std::ptrdiff_t>(at));
+        list.remove(at);
+        break;
+      case 5: {
+        std::unordered_set<UUID> gone;
+        const bool isMany = random() % 2 == 0;
+        for (const SketchEntity& entity : expected) {
+          if (random() % (isMany ? 3 : 500) == 0) gone.insert(entityID(entity));
+        }
+        std::erase_if(expected, [&](const SketchEntity& entity) { return gone.contains(entityID(entity)); });
+        list.removeAll(gone);
+        break;
+      }
+      case 6:
+        snapshots.emplace_back(list, expected);
+        break;
+    }
+    ASSERT_EQ(list.size(), expected.size());
+  }
+  expectSame(list, expected);
+  for (const auto& [snapshot, then] : snapshots) expectSame(snapshot, then);
+}
+
+TEST(EntityList, DifferenceTellsWhatWasAddedRemovedAndChanged) {
+  const auto seed = std::random_device{}();
+  SCOPED_TRACE(seed);
+  std::mt19937 random(seed);
+  EntityList before(lines(20'000));
+  EntityList after = before;
+  const SketchEntity changed = LineEntity{entityID(after[7777]), {1, 2}, {3, 4}};
+  const SketchEntity old = after[7777];
+  after.replace(7777, changed);
+  const SketchEntity removed = after[12];
+  after.remove(12);
+  const SketchEntity added = line(5);
+  after.insert(random() % 15'000, {added});
+
+  const auto difference = EntityList::difference(before, after);
+  EXPECT_THAT(difference.removed, ::testing::ElementsAre(removed));
+  EXPECT_THAT(difference.added, ::testing::ElementsAre(added));
+  EXPECT_THAT(difference.changed, ::testing::ElementsAre(::testing::Pair(old, changed)));
+  EXPECT_TRUE(EntityList::difference(after, after).empty());
+  EXPECT_EQ(EntityList::difference(EntityList(), before).added.size(), before.size());
+  EXPECT_EQ(EntityList::difference(before, EntityList()).removed.size(), before.size());
+}
+
+TEST(EntityList, OneEditCopiesOneChunkAndSharesTheRest) {
+  EntityList before(lines(100'000));
+  EntityList after = before;
+  after.replace(50'000, line(1));
+  const auto old = before.chunks();
+  const auto now = after.chunks();
+  ASSERT_EQ(old.size(), now.size());
+  std::size_t differing = 0;
+  for (std::size_t i = 0; i < old.size(); ++i) differing += old[i] != now[i] ? 1 : 0;
+  EXPECT_EQ(differing, 1u);
+  EXPECT_NE(before, after);
+  after.replace(50'000, before[50'000]);
+  EXPECT_EQ(before, after);
+}
+
+TEST(EntityList, ShrinksToNothing) {
+  EntityList list(lines(5000));
+  while (!list.empty()) list.remove(list.size() / 2);
+  EXPECT_EQ(list, EntityList());
+  EXPECT_EQ(list.begin(), list.end());
+  list.append(line(1));
+  EXPECT_EQ(list.size(), 1u);
+}
+
+}  // namespace
+}  // namespace ostrelon
