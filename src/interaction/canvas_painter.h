@@ -1,0 +1,153 @@
+// What the canvas is painted with: a small set of strokes, fills and one text, in view points with y
+// pointing down. The window, the picture files and the tests each bring their own painter, so that
+// one renderer serves them all. Colours are values; a painter keeps no state between its calls.
+#pragma once
+
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "core/sketch_point.h"
+#include "core/theme_palette.h"
+
+namespace ostrelon {
+
+enum class LineCap { butt, round };
+enum class LineJoin { miter, round };
+
+/// Lengths in view points that are painted and left out in turn; 0 and 0 for a solid line.
+struct LineDash {
+  double on = 0;
+  double off = 0;
+  friend bool operator==(const LineDash&, const LineDash&) = default;
+};
+
+/// The miter limit of every stroke: joins longer than this many half widths are cut off.
+inline constexpr double kMiterLimit = 10.0;
+
+struct Stroke {
+  Color color;
+  double opacity = 1;  ///< 0 to 1
+  double width = 1;    ///< view points
+  LineCap cap = LineCap::butt;
+  LineJoin join = LineJoin::miter;
+  LineDash dash = {};
+  double dashOffset = 0;  ///< where in the dash the path begins, view points
+
+  bool isDashed() const { return dash.on > 0 && dash.off > 0; }
+  friend bool operator==(const Stroke&, const Stroke&) = default;
+};
+
+struct Fill {
+  Color color;
+  double opacity = 1;  ///< 0 to 1
+  friend bool operator==(const Fill&, const Fill&) = default;
+};
+
+/// A rectangle in view points; `minX` ≤ `maxX` and `minY` ≤ `maxY`.
+struct ViewRect {
+  double minX = 0;
+  double minY = 0;
+  double maxX = 0;
+  double maxY = 0;
+
+  double width() const { return maxX - minX; }
+  double height() const { return maxY - minY; }
+  SketchPoint center() const { return {minX + width() / 2, minY + height() / 2}; }
+  /// Grown by so many view points on every side.
+  ViewRect grown(double by) const { return {minX - by, minY - by, maxX + by, maxY + by}; }
+  /// True where the two share a point; false when a coordinate is not a number.
+  bool touches(const ViewRect& other) const {
+    return minX <= other.maxX && other.minX <= maxX && minY <= other.maxY && other.minY <= maxY;
+  }
+  bool contains(SketchPoint point) const {
+    return minX <= point.x && point.x <= maxX && minY <= point.y && point.y <= maxY;
+  }
+  bool contains(const ViewRect& other) const {
+    return minX <= other.minX && other.maxX <= maxX && minY <= other.minY && other.maxY <= maxY;
+  }
+  static ViewRect centered(SketchPoint center, double halfSide) {
+    return ViewRect{center.x, center.y, center.x, center.y}.grown(halfSide);
+  }
+  friend bool operator==(const ViewRect&, const ViewRect&) = default;
+};
+
+struct CanvasSegment {
+  SketchPoint from;
+  SketchPoint to;
+  friend bool operator==(const CanvasSegment&, const CanvasSegment&) = default;
+};
+
+/// Straight pieces, each open or closed. One stroke of a path covers no point twice, also where its
+/// pieces cross.
+class CanvasPath {
+ public:
+  struct Piece {
+    std::size_t begin = 0;  ///< into the points
+    std::size_t end = 0;
+    bool closed = false;
+  };
+
+  void clear() {
+    points_.clear();
+    pieces_.clear();
+  }
+  bool empty() const { return pieces_.empty(); }
+
+  void begin() { pieces_.push_back({points_.size(), points_.size(), false}); }
+  /// Adds to the piece begun last.
+  void add(SketchPoint point) {
+    points_.push_back(point);
+    pieces_.back().end = points_.size();
+  }
+  void close() { pieces_.back().closed = true; }
+  void addPiece(std::span<const SketchPoint> points, bool closed) {
+    begin();
+    for (const SketchPoint point : points) add(point);
+    pieces_.back().closed = closed;
+  }
+  void addSegment(SketchPoint from, SketchPoint to) {
+    begin();
+    add(from);
+    add(to);
+  }
+
+  const std::vector<Piece>& pieces() const { return pieces_; }
+  std::span<const SketchPoint> points(const Piece& piece) const {
+    return std::span(points_).subspan(piece.begin, piece.end - piece.begin);
+  }
+
+ private:
+  std::vector<SketchPoint> points_;
+  std::vector<Piece> pieces_;
+};
+
+struct CanvasEllipse {
+  SketchPoint center;
+  double radius = 0;  ///< view points; the canvas scales both axes alike
+  friend bool operator==(const CanvasEllipse&, const CanvasEllipse&) = default;
+};
+
+class CanvasPainter {
+ public:
+  CanvasPainter() = default;
+  CanvasPainter(const CanvasPainter&) = delete;
+  CanvasPainter& operator=(const CanvasPainter&) = delete;
+  virtual ~CanvasPainter() = default;
+
+  virtual void strokePath(const CanvasPath& path, const Stroke& stroke) = 0;
+  /// Segments that share nothing but the stroke, which is opaque and solid.
+  virtual void strokeSegments(std::span<const CanvasSegment> segments, const Stroke& stroke) = 0;
+  virtual void strokeEllipse(const CanvasEllipse& ellipse, const Stroke& stroke) = 0;
+  virtual void strokeRoundedRect(const ViewRect& rect, double cornerRadius, const Stroke& stroke) = 0;
+
+  /// Fills the pieces, each taken as closed, by the non-zero winding rule.
+  virtual void fillPath(const CanvasPath& path, const Fill& fill) = 0;
+  virtual void fillEllipse(const CanvasEllipse& ellipse, const Fill& fill) = 0;
+  virtual void fillRoundedRect(const ViewRect& rect, double cornerRadius, const Fill& fill) = 0;
+
+  /// One line of text in the measurement type, centred on a point. `height`: of the type, view points.
+  virtual void drawText(std::string_view text, SketchPoint center, double height, const Fill& fill) = 0;
+};
+
+}  // namespace ostrelon
