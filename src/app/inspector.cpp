@@ -1,0 +1,127 @@
+#include "app/inspector.h"
+
+#include <fmt/format.h>
+
+#include <array>
+
+#include "app/wall_panel.h"
+#include "core/length_text.h"
+
+namespace ostrelon {
+
+void SketchViewModel::showEntityInspector() {
+  if (!selectedEntityIDs->empty()) isEntityInspectorVisible = true;
+}
+
+void SketchViewModel::toggleEntityInspector() {
+  isEntityInspectorVisible = !selectedEntityIDs->empty() && !*isEntityInspectorVisible;
+}
+
+void SketchViewModel::setEntityInspectorVisible(bool visible) { isEntityInspectorVisible = visible; }
+
+namespace {
+
+std::string pointText(SketchPoint point) { return fmt::format("({:.1f}, {:.1f})", point.x, point.y); }
+
+std::string pluralKind(std::string_view kind, std::size_t count) {
+  return fmt::format("{} {}{}", count, kind, count == 1 ? "" : "s");
+}
+
+}  // namespace
+
+std::vector<InspectorMetricRow> inspectorMetricRows(const SketchEntity& entity,
+                                                    std::optional<double> wallThickness) {
+  const EntityMetrics metrics = entityMetrics(entity, wallThickness);
+  std::vector<InspectorMetricRow> rows;
+  const auto add = [&rows](std::string label, std::string value) {
+    rows.push_back({std::move(label), std::move(value)});
+  };
+  const auto addLength = [&](std::string label) {
+    if (metrics.length) add(std::move(label), formatFeetInches(*metrics.length));
+  };
+  const auto addDecimal = [&](std::string label, const std::optional<double>& value) {
+    if (value) add(std::move(label), fmt::format("{:.1f}", *value));
+  };
+  const auto addAngle = [&] {
+    if (metrics.angle) add("Angle", formatShortNumber(*metrics.angle) + "°");
+  };
+
+  if (metrics.from) add("From", pointText(*metrics.from));
+  if (metrics.to) add("To", pointText(*metrics.to));
+  std::visit(Overloaded{
+                 [&](const LineEntity&) {
+                   addLength("Length");
+                   addAngle();
+                 },
+                 [&](const WallEntity&) {
+                   addLength("Length");
+                   addDecimal("Thickness", metrics.width);
+                   addAngle();
+                 },
+                 [&](const CircleEntity&) { addLength("Diameter"); },
+                 [&](const ArcEntity&) {
+                   addLength("Length");
+                   addAngle();
+                 },
+                 [&](const RectangleEntity&) {
+                   addDecimal("Width", metrics.width);
+                   addLength("Height");
+                 },
+                 [&](const PolygonEntity&) {
+                   addLength("Perimeter");
+                   if (metrics.area) add("Area", fmt::format("{:.1f} sq ft", *metrics.area));
+                   if (metrics.vertexCount) add("Vertices", std::to_string(*metrics.vertexCount));
+                 },
+             },
+             entity);
+  return rows;
+}
+
+std::string inspectorSelectionHeading(const SketchViewModel& sketch) {
+  std::array<std::size_t, std::variant_size_v<SketchEntity>> counts{};
+  std::array<std::string_view, std::variant_size_v<SketchEntity>> kinds{};
+  std::size_t total = 0;
+  for (const UUID& id : *sketch.selectedEntityIDs) {
+    const SketchEntity* entity = sketch.entity(id);
+    if (entity == nullptr) continue;
+    ++total;
+    ++counts[entity->index()];
+    kinds[entity->index()] = entityKindName(*entity);
+  }
+  // Walls lead, since plans are about walls; the other kinds follow in the order of the model.
+  constexpr std::array<std::size_t, std::variant_size_v<SketchEntity>> order{1, 0, 2, 3, 4, 5};
+  std::string list;
+  for (const std::size_t kind : order) {
+    if (counts[kind] == 0) continue;
+    if (!list.empty()) list += ", ";
+    list += pluralKind(kinds[kind], counts[kind]);
+  }
+  return fmt::format("{} selected · {}", total, list);
+}
+
+bool inspectorSupportsLength(const SketchEntity& entity) {
+  return std::visit(Overloaded{
+                        [](const LineEntity&) { return true; },
+                        [](const WallEntity&) { return true; },
+                        [](const CircleEntity&) { return true; },
+                        [](const ArcEntity&) { return true; },
+                        [](const RectangleEntity&) { return true; },
+                        [](const PolygonEntity&) { return false; },
+                    },
+                    entity);
+}
+
+std::string inspectorLengthText(const SketchEntity& entity) {
+  if (!inspectorSupportsLength(entity)) return {};
+  const auto length = entityMetrics(entity).length;
+  return length ? formatFeetInches(*length) : std::string();
+}
+
+std::string inspectorConvertTitle(const SketchViewModel& sketch, const SketchEntity& entity) {
+  if (std::holds_alternative<WallEntity>(entity)) return "Convert to Line";
+  const WallSystemSpec* active = sketch.activeWallSystemSpec();
+  if (!std::holds_alternative<LineEntity>(entity) || active == nullptr) return {};
+  return "Convert to Wall (" + active->name + ")";
+}
+
+}  // namespace ostrelon

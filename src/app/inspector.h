@@ -1,0 +1,42 @@
+// What the entity inspector shows and does, without its window.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/sketch_view_model.h"
+
+namespace ostrelon {
+
+struct InspectorMetricRow {
+  std::string label;
+  std::string value;
+  friend bool operator==(const InspectorMetricRow&, const InspectorMetricRow&) = default;
+};
+
+/// The metric rows of one entity, in their order; a row is there only when its value is.
+/// `wallThickness`: of the wall's system, where it is known.
+std::vector<InspectorMetricRow> inspectorMetricRows(const SketchEntity& entity,
+                                                    std::optional<double> wallThickness);
+/// "3 selected · 2 walls, 1 circle".
+std::string inspectorSelectionHeading(const SketchViewModel& sketch);
+/// True when the entity has a length that can be set.
+bool inspectorSupportsLength(const SketchEntity& entity);
+/// The entity's length as feet and inches, or empty when it has none that can be set.
+std::string inspectorLengthText(const SketchEntity& entity);
+/// "Convert to Wall (W2-INT)", "Convert to Line", or empty for an entity that cannot be converted.
+std::string inspectorConvertTitle(const SketchViewModel& sketch, const SketchEntity& entity);
+
+// --- Operations on the selected entity. Each reports through the console.
+
+/// The Apply button beside the length field. True when the length was set or stood already.
+bool applyInspectorLength(SketchViewModel& sketch, std::string_view lengthText);
+/// The Nudge button: both texts are plain finite decimal numbers, in sketch units.
+bool applyInspectorNudge(SketchViewModel& sketch, std::string_view xText, std::string_view yText);
+/// The convert button: a line becomes a wall of the active system, a wall a line.
+void applyInspectorConvert(SketchViewModel& sketch);
+/// The wall system picker: the selected wall takes the system. Nothing when it has it already.
+void applyInspectorWallSystem(SketchViewModel& sketch, const UUID& specID);
+
+}  // namespace ostrelon
