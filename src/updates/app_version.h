@@ -19,9 +19,9 @@ using PreReleaseIdentifier = std::variant<std::int64_t, std::string>;
 
 struct AppVersion {
   std::int64_t major = 0;
-  std::int64_t minor = 0;                  ///< 0 when not written
-  std::int64_t patch = 0;                  ///< 0 when not written
-  std::optional<std::string> prerelease;   ///< between "-" and "+" or the end; never empty
+  std::int64_t minor = 0;                    ///< 0 when not written
+  std::int64_t patch = 0;                    ///< 0 when not written
+  std::optional<std::string> prerelease;     ///< between "-" and "+" or the end; never empty
   std::optional<std::string> buildMetadata;  ///< behind "+"; never empty, and no part of the order
   std::vector<PreReleaseIdentifier> prereleaseIdentifiers;  ///< `prerelease` at its dots
 

@@ -45,7 +45,8 @@ class ReleaseReader {
   std::string secureAddress(const char* key) const {
     std::string address = text(key);
     if (!isWebAddress(address)) fail(fmt::format("has a \"{}\" that is not a web address", key));
-    if (!isSecureWebAddress(address)) fail(fmt::format("has a \"{}\" that does not begin with https://", key));
+    if (!isSecureWebAddress(address))
+      fail(fmt::format("has a \"{}\" that does not begin with https://", key));
     return address;
   }
 
@@ -187,7 +188,8 @@ std::vector<AppUpdateChangeGroup> changeGroups(const AppUpdateAvailability& avai
     // Versions and plain texts side by side have no order that is sound for std::sort ("9" < "10" <
     // "a" but "a" may stand between). Inserting one after the other is safe with any comparison.
     for (auto next = entries.begin(); next != entries.end(); ++next) {
-      const auto place = std::find_if(entries.begin(), next, [&](const Entry& e) { return isBelow(*next, e); });
+      const auto place =
+          std::find_if(entries.begin(), next, [&](const Entry& e) { return isBelow(*next, e); });
       std::rotate(place, next, next + 1);
     }
   }

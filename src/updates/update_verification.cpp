@@ -88,7 +88,9 @@ void checkSignatureForm(std::string_view der) {
   // Writing it again shows whether it was in the one form that DER allows, with nothing behind it.
   const bool isExact =
       size >= 0 && der == std::string_view(reinterpret_cast<char*>(encoded), static_cast<std::size_t>(size));
-  const auto fits = [](const BIGNUM* number) { return !BN_is_negative(number) && BN_num_bits(number) <= 256; };
+  const auto fits = [](const BIGNUM* number) {
+    return !BN_is_negative(number) && BN_num_bits(number) <= 256;
+  };
   if (!isExact || !fits(ECDSA_SIG_get0_r(signature.get())) || !fits(ECDSA_SIG_get0_s(signature.get()))) {
     throw SignatureFormatError("The update signature is not a DER-encoded ECDSA signature.");
   }
@@ -96,8 +98,7 @@ void checkSignatureForm(std::string_view der) {
 
 bool isSigned(std::string_view payload, std::string_view signature, const Key& key) {
   const DigestContext context(EVP_MD_CTX_new());
-  return context &&
-         EVP_DigestVerifyInit(context.get(), nullptr, EVP_sha256(), nullptr, key.get()) == 1 &&
+  return context && EVP_DigestVerifyInit(context.get(), nullptr, EVP_sha256(), nullptr, key.get()) == 1 &&
          EVP_DigestVerify(context.get(), bytesOf(signature), signature.size(), bytesOf(payload),
                           payload.size()) == 1;
 }
