@@ -1,6 +1,7 @@
 #include "core/entity_list.h"
 
 #include <algorithm>
+#include <atomic>
 #include <utility>
 
 namespace ostrelon {
@@ -52,50 +53,52 @@ const SketchEntity* EntityList::find(const UUID& id) const {
   return nullptr;
 }
 
-void EntityList::append(SketchEntity entity) {
+std::uint64_t EntityList::freshIdentity() {
+  static std::atomic<std::uint64_t> last{0};
+  return ++last;
+}
+
+void EntityList::addChunk(Node& node, ChunkPointer chunk, std::uint64_t identity) {
+  node.ends.push_back(node.size() + chunk->size());
+  node.chunks.push_back(std::move(chunk));
+  node.identities.push_back(identity);
+}
+
+// The last node, owned, or a new one when it is full.
+EntityList::Node& EntityList::nodeWithRoom() {
   Root& root = ownRoot();
-  if (root.nodes.empty()) {
+  if (root.nodes.empty() || root.nodes.back()->chunks.size() >= kNodeSize) {
     root.nodes.push_back(std::make_shared<Node>());
-    root.ends.push_back(0);
+    root.ends.push_back(root.size());
   }
-  if (root.nodes.back()->chunks.empty() || root.nodes.back()->chunks.back()->size() >= kChunkSize) {
-    if (root.nodes.back()->chunks.size() >= kNodeSize) {
-      root.nodes.push_back(std::make_shared<Node>());
-      root.ends.push_back(root.ends.back());
-    }
-    Node& node = ownNode(root.nodes.size() - 1);
-    node.chunks.push_back(std::make_shared<Chunk>());
-    node.ends.push_back(node.size());
+  return ownNode(root.nodes.size() - 1);
+}
+
+void EntityList::append(SketchEntity entity) {
+  if (empty() || root_->nodes.back()->chunks.back()->size() >= kChunkSize) {
+    addChunk(nodeWithRoom(), std::make_shared<Chunk>());
   }
-  const std::size_t nodeIndex = root.nodes.size() - 1;
-  const std::size_t chunkIndex = root.nodes.back()->chunks.size() - 1;
+  const std::size_t nodeIndex = root_->nodes.size() - 1;
+  const std::size_t chunkIndex = root_->nodes.back()->chunks.size() - 1;
   ownChunk(nodeIndex, chunkIndex).push_back(std::move(entity));
-  ++root.nodes.back()->ends.back();
-  ++root.ends.back();
+  ++root_->nodes.back()->ends.back();
+  ++root_->ends.back();
 }
 
 void EntityList::append(std::vector<SketchEntity> entities) {
-  if (entities.empty()) return;
   // The open chunk at the end takes what it has room for; the rest goes in as whole chunks.
   std::size_t next = 0;
   while (next < entities.size() && !empty() && root_->nodes.back()->chunks.back()->size() % kChunkSize != 0) {
     append(std::move(entities[next++]));
   }
   while (next < entities.size()) {
-    Root& root = ownRoot();
-    if (root.nodes.empty() || root.nodes.back()->chunks.size() >= kNodeSize) {
-      root.nodes.push_back(std::make_shared<Node>());
-      root.ends.push_back(root.size());
-    }
-    Node& node = ownNode(root.nodes.size() - 1);
     const std::size_t end = std::min(entities.size(), next + kChunkSize);
     auto chunk = std::make_shared<Chunk>();
     chunk->reserve(end - next);
     moveAppend(*chunk, entities.begin() + static_cast<std::ptrdiff_t>(next),
                entities.begin() + static_cast<std::ptrdiff_t>(end));
-    node.ends.push_back(node.size() + chunk->size());
-    root.ends.back() += chunk->size();
-    node.chunks.push_back(std::move(chunk));
+    addChunk(nodeWithRoom(), std::move(chunk));
+    root_->ends.back() += end - next;
     next = end;
   }
 }
@@ -133,14 +136,19 @@ void EntityList::removeAll(const std::vector<std::size_t>& ascendingIndices) {
     return;
   }
   // Many are taken out in one walk that keeps the untouched chunks as they are.
-  std::vector<std::shared_ptr<const Chunk>> kept;
+  struct Kept {
+    ChunkPointer chunk;
+    std::uint64_t identity;
+  };
+  std::vector<Kept> kept;
   std::size_t start = 0;
   auto next = ascendingIndices.begin();
   for (const NodePointer& node : root_->nodes) {
-    for (const ChunkPointer& chunk : node->chunks) {
+    for (std::size_t i = 0; i < node->chunks.size(); ++i) {
+      const ChunkPointer& chunk = node->chunks[i];
       const std::size_t end = start + chunk->size();
       if (next == ascendingIndices.end() || *next >= end) {
-        kept.push_back(chunk);
+        kept.push_back({chunk, node->identities[i]});
       } else {
         auto rest = std::make_shared<Chunk>();
         for (std::size_t index = start; index < end; ++index) {
@@ -150,20 +158,26 @@ void EntityList::removeAll(const std::vector<std::size_t>& ascendingIndices) {
             rest->push_back((*chunk)[index - start]);
           }
         }
-        const bool joins = !kept.empty() && kept.back()->size() + rest->size() <= kChunkSize &&
-                           (rest->size() < kSmallestChunk || kept.back()->size() < kSmallestChunk);
+        const bool joins = !kept.empty() && kept.back().chunk->size() + rest->size() <= kChunkSize &&
+                           (rest->size() < kSmallestChunk || kept.back().chunk->size() < kSmallestChunk);
         if (joins) {
-          auto joined = std::make_shared<Chunk>(*kept.back());
+          auto joined = std::make_shared<Chunk>(*kept.back().chunk);
           moveAppend(*joined, rest->begin(), rest->end());
-          kept.back() = std::move(joined);
-        } else {
-          kept.push_back(std::move(rest));
+          kept.back().chunk = std::move(joined);
+        } else if (!rest->empty()) {
+          kept.push_back({std::move(rest), node->identities[i]});
         }
       }
       start = end;
     }
   }
-  *this = fromChunks(std::move(kept));
+  EntityList list;
+  for (Kept& row : kept) {
+    const std::size_t count = row.chunk->size();
+    addChunk(list.nodeWithRoom(), std::move(row.chunk), row.identity);
+    list.root_->ends.back() += count;
+  }
+  *this = std::move(list);
 }
 
 void EntityList::removeAll(const std::unordered_set<UUID>& ids) {
@@ -234,69 +248,124 @@ std::vector<std::shared_ptr<const EntityList::Chunk>> EntityList::chunks() const
 EntityList EntityList::fromChunks(std::vector<std::shared_ptr<const Chunk>> chunks) {
   EntityList list;
   for (std::shared_ptr<const Chunk>& chunk : chunks) {
-    if (chunk->empty()) continue;
-    Root& root = list.ownRoot();
-    if (root.nodes.empty() || root.nodes.back()->chunks.size() >= kNodeSize) {
-      root.nodes.push_back(std::make_shared<Node>());
-      root.ends.push_back(root.size());
-    }
-    Node& node = *root.nodes.back();
-    node.ends.push_back(node.size() + chunk->size());
-    root.ends.back() += chunk->size();
+    const std::size_t count = chunk->size();
+    if (count == 0) continue;
     // Chunks are made non-const by this class alone and written only while nobody else holds them,
     // which is what `ownChunk` sees to.
-    node.chunks.push_back(std::const_pointer_cast<Chunk>(std::move(chunk)));
+    addChunk(list.nodeWithRoom(), std::const_pointer_cast<Chunk>(std::move(chunk)));
+    list.root_->ends.back() += count;
   }
   return list;
 }
 
+std::vector<EntityList::LooseChunk> EntityList::looseChunks(const EntityList& list, const EntityList& other) {
+  std::vector<LooseChunk> loose;
+  if (!list.root_) return loose;
+  const auto take = [&](const Node& node) {
+    for (std::size_t i = 0; i < node.chunks.size(); ++i) {
+      loose.push_back({node.identities[i], node.chunks[i].get()});
+    }
+  };
+  // Most edits leave the nodes where they are, and comparing them in step finds the one that differs.
+  if (other.root_ && other.root_->nodes.size() == list.root_->nodes.size()) {
+    for (std::size_t i = 0; i < list.root_->nodes.size(); ++i) {
+      if (list.root_->nodes[i] != other.root_->nodes[i]) take(*list.root_->nodes[i]);
+    }
+    return loose;
+  }
+  std::unordered_set<const Node*> shared;
+  if (other.root_) {
+    for (const NodePointer& node : other.root_->nodes) shared.insert(node.get());
+  }
+  for (const NodePointer& node : list.root_->nodes) {
+    if (!shared.contains(node.get())) take(*node);
+  }
+  return loose;
+}
+
+void EntityList::compare(const EntityList& before, const EntityList& after, const Steps& steps) {
+  if (before.root_ == after.root_) return;
+  const std::vector<LooseChunk> oldChunks = looseChunks(before, after);
+  const std::vector<LooseChunk> newChunks = looseChunks(after, before);
+  std::unordered_map<std::uint64_t, const Chunk*> oldByIdentity;
+  for (const LooseChunk& loose : oldChunks) oldByIdentity.emplace(loose.identity, loose.chunk);
+
+  // Entities that stand on one side of their chunk alone; some may have moved to another chunk.
+  std::vector<const SketchEntity*> leavers;
+  struct Arrival {
+    const SketchEntity* entity;
+    std::uint64_t identity;
+    std::size_t offset;
+  };
+  std::vector<Arrival> arrivals;
+  std::unordered_set<std::uint64_t> paired;
+  for (const LooseChunk& loose : newChunks) {
+    const auto match = oldByIdentity.find(loose.identity);
+    const Chunk* old = match == oldByIdentity.end() ? nullptr : match->second;
+    if (old == loose.chunk || !paired.insert(loose.identity).second) {
+      paired.insert(loose.identity);
+      if (old == loose.chunk) continue;
+      old = nullptr;
+    }
+    std::size_t i = 0;
+    std::size_t k = 0;
+    const std::size_t oldSize = old != nullptr ? old->size() : 0;
+    const Chunk& now = *loose.chunk;
+    while (i < oldSize && k < now.size()) {
+      const UUID& oldID = entityID((*old)[i]);
+      const UUID& newID = entityID(now[k]);
+      if (oldID == newID) {
+        if (!((*old)[i] == now[k])) steps.changed((*old)[i], now[k]);
+        ++i;
+        ++k;
+      } else if (oldSize - i > now.size() - k) {
+        leavers.push_back(&(*old)[i++]);
+      } else if (oldSize - i < now.size() - k) {
+        arrivals.push_back({&now[k], loose.identity, k});
+        ++k;
+      } else {
+        leavers.push_back(&(*old)[i++]);
+        arrivals.push_back({&now[k], loose.identity, k});
+        ++k;
+      }
+    }
+    for (; i < oldSize; ++i) leavers.push_back(&(*old)[i]);
+    for (; k < now.size(); ++k) arrivals.push_back({&now[k], loose.identity, k});
+  }
+  for (const LooseChunk& loose : oldChunks) {
+    if (paired.contains(loose.identity)) continue;
+    for (const SketchEntity& entity : *loose.chunk) leavers.push_back(&entity);
+  }
+
+  std::unordered_multimap<UUID, const SketchEntity*> left;
+  left.reserve(leavers.size());
+  for (const SketchEntity* entity : leavers) left.emplace(entityID(*entity), entity);
+  for (const Arrival& arrival : arrivals) {
+    const auto match = left.find(entityID(*arrival.entity));
+    if (match == left.end()) {
+      steps.added(*arrival.entity);
+    } else {
+      if (!(*match->second == *arrival.entity)) steps.changed(*match->second, *arrival.entity);
+      left.erase(match);
+    }
+    if (steps.placed) steps.placed(*arrival.entity, arrival.identity, arrival.offset);
+  }
+  for (const SketchEntity* entity : leavers) {
+    const auto [first, last] = left.equal_range(entityID(*entity));
+    const auto match = std::find_if(first, last, [&](const auto& row) { return row.second == entity; });
+    if (match == last) continue;
+    left.erase(match);
+    steps.removed(*entity);
+  }
+}
+
 EntityList::Difference EntityList::difference(const EntityList& before, const EntityList& after) {
   Difference result;
-  if (before.root_ == after.root_) return result;
-
-  // The storage that only one side holds: first whole nodes, then chunks of the nodes that differ.
-  const auto loose = [](const EntityList& list, const EntityList& other) {
-    std::unordered_set<const Node*> shared;
-    if (other.root_) {
-      for (const NodePointer& node : other.root_->nodes) shared.insert(node.get());
-    }
-    std::vector<const Chunk*> chunks;
-    if (list.root_) {
-      for (const NodePointer& node : list.root_->nodes) {
-        if (shared.contains(node.get())) continue;
-        for (const ChunkPointer& chunk : node->chunks) chunks.push_back(chunk.get());
-      }
-    }
-    return chunks;
-  };
-  std::vector<const Chunk*> oldChunks = loose(before, after);
-  std::vector<const Chunk*> newChunks = loose(after, before);
-  const std::unordered_set<const Chunk*> oldSet(oldChunks.begin(), oldChunks.end());
-  const std::unordered_set<const Chunk*> newSet(newChunks.begin(), newChunks.end());
-  std::erase_if(oldChunks, [&](const Chunk* chunk) { return newSet.contains(chunk); });
-  std::erase_if(newChunks, [&](const Chunk* chunk) { return oldSet.contains(chunk); });
-
-  std::unordered_map<UUID, const SketchEntity*> old;
-  for (const Chunk* chunk : oldChunks) {
-    for (const SketchEntity& entity : *chunk) old.emplace(entityID(entity), &entity);
-  }
-  for (const Chunk* chunk : newChunks) {
-    for (const SketchEntity& entity : *chunk) {
-      const auto match = old.find(entityID(entity));
-      if (match == old.end()) {
-        result.added.push_back(entity);
-        continue;
-      }
-      if (!(*match->second == entity)) result.changed.emplace_back(*match->second, entity);
-      old.erase(match);
-    }
-  }
-  for (const Chunk* chunk : oldChunks) {
-    for (const SketchEntity& entity : *chunk) {
-      const auto left = old.find(entityID(entity));
-      if (left != old.end() && left->second == &entity) result.removed.push_back(entity);
-    }
-  }
+  compare(before, after,
+          {[&](const SketchEntity& entity) { result.removed.push_back(entity); },
+           [&](const SketchEntity& entity) { result.added.push_back(entity); },
+           [&](const SketchEntity& old, const SketchEntity& now) { result.changed.emplace_back(old, now); },
+           nullptr});
   return result;
 }
 
@@ -336,45 +405,55 @@ void EntityList::settle(std::size_t nodeIndex, std::size_t chunkIndex) {
   Root& root = *root_;
   Node& node = *root.nodes[nodeIndex];
   Chunk& chunk = *node.chunks[chunkIndex];
+  const auto at = [](auto& list, std::size_t index) {
+    return list.begin() + static_cast<std::ptrdiff_t>(index);
+  };
+  const auto drop = [&](std::size_t index) {
+    node.chunks.erase(at(node.chunks, index));
+    node.identities.erase(at(node.identities, index));
+  };
   if (chunk.size() > kLargestChunk) {
+    // The first piece stays the chunk that it was; the others are new chunks behind it.
     std::vector<ChunkPointer> pieces;
-    for (std::size_t start = 0; start < chunk.size(); start += kChunkSize) {
+    std::vector<std::uint64_t> identities;
+    for (std::size_t start = kChunkSize; start < chunk.size(); start += kChunkSize) {
       const std::size_t end = std::min(chunk.size(), start + kChunkSize);
       auto piece = std::make_shared<Chunk>();
       piece->reserve(end - start);
-      moveAppend(*piece, chunk.begin() + static_cast<std::ptrdiff_t>(start),
-                 chunk.begin() + static_cast<std::ptrdiff_t>(end));
+      moveAppend(*piece, at(chunk, start), at(chunk, end));
       pieces.push_back(std::move(piece));
+      identities.push_back(freshIdentity());
     }
-    const auto place = node.chunks.erase(node.chunks.begin() + static_cast<std::ptrdiff_t>(chunkIndex));
-    node.chunks.insert(place, std::make_move_iterator(pieces.begin()), std::make_move_iterator(pieces.end()));
+    chunk.resize(kChunkSize);
+    node.chunks.insert(at(node.chunks, chunkIndex + 1), pieces.begin(), pieces.end());
+    node.identities.insert(at(node.identities, chunkIndex + 1), identities.begin(), identities.end());
   } else if (chunk.empty()) {
-    node.chunks.erase(node.chunks.begin() + static_cast<std::ptrdiff_t>(chunkIndex));
+    drop(chunkIndex);
   } else if (chunk.size() < kSmallestChunk && node.chunks.size() > 1) {
     const std::size_t left = chunkIndex == 0 ? 0 : chunkIndex - 1;
     if (node.chunks[left]->size() + node.chunks[left + 1]->size() <= kChunkSize) {
       auto joined = std::make_shared<Chunk>(*node.chunks[left]);
       joined->insert(joined->end(), node.chunks[left + 1]->begin(), node.chunks[left + 1]->end());
       node.chunks[left] = std::move(joined);
-      node.chunks.erase(node.chunks.begin() + static_cast<std::ptrdiff_t>(left + 1));
+      drop(left + 1);
     }
   }
   recount(node);
 
   if (node.chunks.empty()) {
-    root.nodes.erase(root.nodes.begin() + static_cast<std::ptrdiff_t>(nodeIndex));
+    root.nodes.erase(at(root.nodes, nodeIndex));
   } else if (node.chunks.size() > kLargestNode) {
     std::vector<NodePointer> pieces;
     for (std::size_t start = 0; start < node.chunks.size(); start += kNodeSize) {
       const std::size_t end = std::min(node.chunks.size(), start + kNodeSize);
       auto piece = std::make_shared<Node>();
-      moveAppend(piece->chunks, node.chunks.begin() + static_cast<std::ptrdiff_t>(start),
-                 node.chunks.begin() + static_cast<std::ptrdiff_t>(end));
+      piece->chunks.assign(at(node.chunks, start), at(node.chunks, end));
+      piece->identities.assign(at(node.identities, start), at(node.identities, end));
       recount(*piece);
       pieces.push_back(std::move(piece));
     }
-    const auto place = root.nodes.erase(root.nodes.begin() + static_cast<std::ptrdiff_t>(nodeIndex));
-    root.nodes.insert(place, std::make_move_iterator(pieces.begin()), std::make_move_iterator(pieces.end()));
+    const auto place = root.nodes.erase(at(root.nodes, nodeIndex));
+    root.nodes.insert(place, pieces.begin(), pieces.end());
   }
   recount(root);
   if (root.nodes.empty()) root_.reset();

@@ -9,6 +9,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <iterator>
 #include <memory>
@@ -84,6 +86,9 @@ class EntityList {
   using ChunkPointer = std::shared_ptr<Chunk>;
   struct Node {
     std::vector<ChunkPointer> chunks;
+    // A number that a chunk keeps through all its edits, also where copies of the list part ways;
+    // it lets a change be found by comparing a chunk with its own earlier state.
+    std::vector<std::uint64_t> identities;
     std::vector<std::size_t> ends;  // ends[i]: entities of this node up to and with chunk i
     std::size_t size() const { return ends.empty() ? 0 : ends.back(); }
   };
@@ -106,10 +111,31 @@ class EntityList {
   void settle(std::size_t node, std::size_t chunk);
   static void recount(Node& node);
   static void recount(Root& root);
+  static void addChunk(Node& node, ChunkPointer chunk, std::uint64_t identity = freshIdentity());
+  static std::uint64_t freshIdentity();
+  Node& nodeWithRoom();
+
+  // One side of a comparison: a chunk that the other list does not hold.
+  struct LooseChunk {
+    std::uint64_t identity = 0;
+    const Chunk* chunk = nullptr;
+  };
+  static std::vector<LooseChunk> looseChunks(const EntityList& list, const EntityList& other);
+
+  // The steps between two lists, told one by one. `placed` tells every entity whose chunk has another
+  // identity than before, new ones included.
+  struct Steps {
+    std::function<void(const SketchEntity&)> removed;
+    std::function<void(const SketchEntity&)> added;
+    std::function<void(const SketchEntity& before, const SketchEntity& after)> changed;
+    std::function<void(const SketchEntity&, std::uint64_t identity, std::size_t offset)> placed;
+  };
+  static void compare(const EntityList& before, const EntityList& after, const Steps& steps);
 
   std::shared_ptr<Root> root_;
 
   friend class Iterator;
+  friend class EntityIndex;
 };
 
 /// Walks the list in either direction, a chunk at a time.

@@ -23,6 +23,7 @@
 #include "core/document_history_state.h"
 #include "core/document_toast.h"
 #include "core/entity_edits.h"
+#include "core/entity_index.h"
 #include "core/entity_list.h"
 #include "core/observable.h"
 #include "core/select_drag_state.h"
@@ -226,6 +227,8 @@ class SketchViewModel {
 
   // --- Entities by identifier (core/sketch_view_model.cpp)
 
+  /// The index over `entities`, brought up to date. Valid until the entities change.
+  const EntityIndex& index() const;
   const SketchEntity* entity(const UUID& id) const;
   std::optional<std::size_t> entityIndex(const UUID& id) const;
   /// The label with number and wall system name; absent for an unknown identifier.
@@ -426,6 +429,7 @@ class SketchViewModel {
 
   Host host_;
   EntityList entitiesBefore_;
+  mutable EntityIndex index_;  // follows `entities`, lazily
   SketchUndoStack undoStack_;
   bool isApplyingUndoRedo_ = false;
   int undoCheckpointSuppressionDepth_ = 0;

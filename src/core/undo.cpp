@@ -4,14 +4,11 @@
 namespace ostrelon {
 namespace {
 
-// The identifiers of the set that the list still holds.
-std::unordered_set<UUID> stillPresent(const std::unordered_set<UUID>& ids, const EntityList& entities) {
+// The identifiers of the set that are still in the list.
+std::unordered_set<UUID> stillPresent(const std::unordered_set<UUID>& ids, const EntityIndex& index) {
   std::unordered_set<UUID> present;
-  if (ids.empty()) return present;
-  for (const SketchEntity& entity : entities) {
-    if (!ids.contains(entityID(entity))) continue;
-    present.insert(entityID(entity));
-    if (present.size() == ids.size()) break;
+  for (const UUID& id : ids) {
+    if (index.find(id) != nullptr) present.insert(id);
   }
   return present;
 }
@@ -49,7 +46,7 @@ void SketchViewModel::restoreSnapshot(const EntityList& restored) {
   const ChangeScope scope(tracker_);
   isApplyingUndoRedo_ = true;
   entities = restored;
-  selectedEntityIDs = stillPresent(selectedEntityIDs, entities);
+  selectedEntityIDs = stillPresent(selectedEntityIDs, index());
   if (selectedEntityIDs->empty()) {
     primarySelectedEntityID = std::nullopt;
     isEntityInspectorVisible = false;
