@@ -27,10 +27,15 @@ Subscription SketchViewModel::observe(FieldMask fields, std::function<void(const
   });
 }
 
-const SketchEntity* SketchViewModel::entity(const UUID& id) const { return entities->find(id); }
+const EntityIndex& SketchViewModel::index() const {
+  index_.update(entities);
+  return index_;
+}
+
+const SketchEntity* SketchViewModel::entity(const UUID& id) const { return index().find(id); }
 
 std::optional<std::size_t> SketchViewModel::entityIndex(const UUID& id) const {
-  return entities->indexOf(id);
+  return index().positionOf(id);
 }
 
 std::optional<std::string> SketchViewModel::entityLabelText(const UUID& id) const {
