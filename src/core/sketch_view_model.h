@@ -349,6 +349,8 @@ class SketchViewModel {
   // --- Snapping (interaction/snap_state.cpp)
 
   SketchSnapResult snapDraftEnd(SketchPoint anchor, SketchPoint pointer) const;
+  /// Entity point, then grid if asked for, then the point itself: the snap of a pointer with no start.
+  SketchSnapResult snapPointer(SketchPoint point, bool useGrid) const;
   void publishSnap(const SketchSnapResult& result, std::optional<SketchPoint> guideAnchor = std::nullopt);
 
   // --- Tracking (interaction/tracking.cpp)
@@ -426,6 +428,20 @@ class SketchViewModel {
   void selectOnly(const UUID& id);
   /// Takes the identifier out of the selection; a primary that goes is replaced by some member.
   void deselect(const UUID& id);
+
+  void publishSnap(const SketchSnapResult& result, std::optional<SketchPoint> guideAnchor,
+                   std::optional<std::string> feedback);
+  /// While a point is locked, a result without an entity point marks the locked one.
+  void publishDraftSnap(const SketchSnapResult& result, SketchPoint anchor);
+  void publishTrackedTarget(const EntitySnapTarget& target, std::string feedback);
+  /// Stops the dwell and lets go of the lock.
+  void releaseTracking();
+  /// One look of the dwell task at the clock.
+  void pollTrackingDwell();
+  /// What hovering shows for a tool whose first point is not placed yet: entity points alone.
+  void showEntityPointFeedback(SketchPoint point);
+  /// Ends a drag and a marquee before the tool changes.
+  void endSelectGestures();
 
   Host host_;
   EntityList entitiesBefore_;

@@ -1,0 +1,26 @@
+// The measures of the drawing tools, shared by the tools, the gestures and the previews of drafts.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+
+#include "core/sketch_draft.h"
+#include "core/sketch_entity.h"
+#include "core/sketch_tool.h"
+
+namespace ostrelon {
+
+/// The shortest line, wall or radius, and the smallest side of a rectangle, sketch units. Smaller
+/// gestures end without an entity.
+inline constexpr double kMinimumDraftSize = 1.0;
+/// A polygon closes only with at least this many vertices.
+inline constexpr std::size_t kMinimumPolygonVertices = 3;
+
+/// The shape that this tool makes of a draft, whatever its size: with a null identifier, and for a
+/// wall with `wallSystemID`. Absent for the tools that draw nothing with two points.
+std::optional<SketchEntity> draftedEntity(SketchTool tool, const SketchDraft& draft,
+                                          const UUID& wallSystemID);
+/// True when a draft is large enough for the tool to make an entity of it.
+bool isDraftLargeEnough(SketchTool tool, const SketchDraft& draft);
+
+}  // namespace ostrelon

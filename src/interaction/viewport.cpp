@@ -1,0 +1,67 @@
+// Moving the view. It is neither undoable nor part of what makes a document dirty.
+#include <cmath>
+
+#include "core/sketch_view_model.h"
+#include "interaction/canvas_transform.h"
+#include "interaction/drawing_bounds.h"
+
+namespace ostrelon {
+namespace {
+
+bool isFinite(SketchPoint point) { return std::isfinite(point.x) && std::isfinite(point.y); }
+
+SketchViewport centredViewport(SketchSize canvas) {
+  return {{canvas.width * 0.5, canvas.height * 0.5}, kDefaultViewportScale};
+}
+
+}  // namespace
+
+void SketchViewModel::zoomViewport(double factor, SketchPoint viewAnchor) {
+  if (!(factor > 0)) return;
+  const SketchViewport& old = viewport;
+  const double scale = clampedViewportScale(factor * old.scale);
+  const SketchPoint underAnchor{(viewAnchor.x - old.pan.x) / old.scale,
+                                (viewAnchor.y - old.pan.y) / old.scale};
+  const SketchPoint pan = viewAnchor - underAnchor * scale;
+  if (std::isfinite(scale) && isFinite(pan)) viewport = SketchViewport{pan, scale};
+}
+
+void SketchViewModel::zoomToFit(SketchSize canvas) {
+  const auto bounds = drawingBounds(entities);
+  if (!bounds) {
+    resetViewport(canvas);
+    return;
+  }
+  const double width = bounds->maxX - bounds->minX + 2 * kFitMargin;
+  const double height = bounds->maxY - bounds->minY + 2 * kFitMargin;
+  const double scale = clampedViewportScale(std::min((canvas.width - 2 * kFitMargin) / width,
+                                                     (canvas.height - 2 * kFitMargin) / height));
+  // Halved before they are added, so that the middle of the widest drawing is still a number.
+  const double midX = bounds->minX * 0.5 + bounds->maxX * 0.5;
+  const double midY = bounds->minY * 0.5 + bounds->maxY * 0.5;
+  viewport =
+      SketchViewport{{canvas.width * 0.5 - midX * scale, canvas.height * 0.5 + midY * scale}, scale};
+}
+
+void SketchViewModel::resetViewport(SketchSize canvas) { viewport = centredViewport(canvas); }
+
+void SketchViewModel::panViewport(double dx, double dy) {
+  const SketchPoint pan = viewport->pan + SketchPoint{dx, dy};
+  if (isFinite(pan)) viewport = SketchViewport{pan, viewport->scale};
+}
+
+void SketchViewModel::updateCanvasSize(SketchSize size) {
+  if (!(size.width > 0) || !(size.height > 0) || !isFinite({size.width, size.height})) return;
+  const ChangeScope scope(tracker_);
+  const bool needsCentring = !hasInitializedViewport || canvasSize->width <= 1 || canvasSize->height <= 1;
+  canvasSize = size;
+  if (!needsCentring) return;
+  viewport = centredViewport(size);
+  hasInitializedViewport = true;
+}
+
+void SketchViewModel::setViewport(double panX, double panY, double scale) {
+  viewport = SketchViewport{{panX, panY}, scale};
+}
+
+}  // namespace ostrelon
