@@ -123,9 +123,8 @@ std::vector<EntitySnapTarget> entitySnapTargets(const SketchEntity& entity, cons
 std::optional<EntitySnapTarget> nearestEntityTarget(const EntityList& entities, const EntityIDs& excluded,
                                                     SketchPoint point, double scale,
                                                     std::optional<SketchPoint> fromPoint) {
-  const auto found = nearestPoint(entities, point, kSnapRadius / scale, fromPoint, [&](const UUID& id) {
-    return excluded.empty() || !excluded.contains(id);
-  });
+  const auto found = nearestPoint(entities, point, kSnapRadius / scale, fromPoint,
+                                  [&](const UUID& id) { return excluded.empty() || !excluded.contains(id); });
   if (!found) return std::nullopt;
   return targetOf(*found);
 }
@@ -267,15 +266,18 @@ std::optional<TrackingCandidate> trackingCandidate(SketchPoint anchor, SketchPoi
 // The snap points of the moved entity, shifted, and those of the others that could be near one of
 // them are gathered first: a polygon of a thousand corners must not walk the whole drawing a thousand
 // times. The order of both lists is that of the plain double loop.
-std::optional<std::pair<EntitySnapTarget, EntitySnapTarget>> snapEntityMove(
-    SketchPoint delta, const SketchViewport& viewport, const SketchEntity& moved, const EntityList& entities,
-    const EntityIDs& excluded) {
+std::optional<std::pair<EntitySnapTarget, EntitySnapTarget>> snapEntityMove(SketchPoint delta,
+                                                                            const SketchViewport& viewport,
+                                                                            const SketchEntity& moved,
+                                                                            const EntityList& entities,
+                                                                            const EntityIDs& excluded) {
   const double radius = kSnapRadius / viewport.scale;
   const UUID& movedID = entityID(moved);
-  const auto targets = entitySnapTargets(moved, entityLabel(moved, entityNumber(movedID, entities).value_or(0)));
-  const std::vector<FoundPoint> nearby = pointsAround(boxAround(targets, delta, radius), entities, [&](const UUID& id) {
-    return id != movedID && (excluded.empty() || !excluded.contains(id));
-  });
+  const auto targets =
+      entitySnapTargets(moved, entityLabel(moved, entityNumber(movedID, entities).value_or(0)));
+  const std::vector<FoundPoint> nearby = pointsAround(
+      boxAround(targets, delta, radius), entities,
+      [&](const UUID& id) { return id != movedID && (excluded.empty() || !excluded.contains(id)); });
 
   const EntitySnapTarget* source = nullptr;
   const FoundPoint* match = nullptr;

@@ -108,9 +108,11 @@ std::optional<TrackingCandidate> trackingCandidate(SketchPoint anchor, SketchPoi
 /// nearest to each other, within the snap radius, when it is moved by `delta`. Ties keep the first
 /// point of the moved entity, then the first in list order. The moved entity and the excluded ones
 /// are no targets.
-std::optional<std::pair<EntitySnapTarget, EntitySnapTarget>> snapEntityMove(
-    SketchPoint delta, const SketchViewport& viewport, const SketchEntity& moved, const EntityList& entities,
-    const EntityIDs& excluded = {});
+std::optional<std::pair<EntitySnapTarget, EntitySnapTarget>> snapEntityMove(SketchPoint delta,
+                                                                            const SketchViewport& viewport,
+                                                                            const SketchEntity& moved,
+                                                                            const EntityList& entities,
+                                                                            const EntityIDs& excluded = {});
 
 /// The point that stays while the handle moves; absent for handles that turn about nothing.
 std::optional<SketchPoint> handleAnchor(const SelectionHandle& handle, const SketchEntity& entity);
