@@ -1,0 +1,317 @@
+#include "interaction/canvas_overlays.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "core/sketch_view_model.h"
+#include "interaction/canvas_clipping.h"
+#include "interaction/drawing_tools.h"
+#include "interaction/entity_shape.h"
+#include "interaction/segment_label.h"
+
+namespace ostrelon {
+
+namespace {
+
+constexpr double kGuideReach = 40;  // sketch units beyond the visible part
+constexpr double kGuideOpacity = 0.85;
+constexpr double kGuideWidth = 1.25;
+constexpr LineDash kGuideDash{6, 4};
+
+constexpr double kHoverWidth = 1.75;
+constexpr LineDash kHoverDash{5, 4};
+constexpr double kCuttingEdgeWidth = 2.25;
+
+constexpr double kSelectionFillOpacity = 0.14;
+constexpr double kSelectionGlowWidth = 7.0;
+constexpr double kSelectionGlowOpacity = 0.24;
+constexpr double kSelectionWidth = 2.75;
+constexpr double kHandleRadius = 6.0;
+constexpr double kHandleRingWidth = 2.0;
+
+constexpr double kMarqueeWidth = 1.25;
+constexpr LineDash kMarqueeDash{4, 3};
+constexpr double kMarqueeOpacity = 0.9;
+constexpr double kCrossingFillOpacity = 0.08;
+constexpr double kWindowFillOpacity = 0.04;
+
+constexpr double kDraftWidth = 1.25;
+constexpr double kVertexDotRadius = 3.0;
+
+constexpr double kLabelOpacity = 0.96;
+constexpr double kLabelBorderWidth = 1.0;
+
+constexpr double kMarkerHalfSide = 5.0;
+constexpr double kMarkerOutlineWidth = 1.0;
+constexpr double kMarkerOutlineOpacity = 0.9;
+constexpr double kGridMarkerWidth = 1.5;
+/// Points nearer than this, sketch units, count as the same.
+constexpr double kSamePointDistance = 0.5;
+
+constexpr double kPulseWidth = 1.75;
+
+constexpr double kLockOpacity = 0.9;
+constexpr double kLockCrossWidth = 1.5;
+constexpr double kLockLineWidth = 2.0;
+constexpr double kLockHalfSide = 6.5;
+constexpr double kLockFillOpacity = 0.85;
+constexpr double kLockOutlineWidth = 1.5;
+
+double wallThickness(const SketchEntity& entity, const SketchViewModel& model) {
+  const auto* wall = std::get_if<WallEntity>(&entity);
+  return wall != nullptr ? paintedWallThickness(*wall, *model.wallSystemSpecs) : 0;
+}
+
+/// The entity's outline once more, in the active colour. An unknown identifier paints nothing.
+void paintHighlight(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame,
+                    const std::optional<UUID>& id, double width, LineDash dash) {
+  const SketchEntity* entity = id ? model.entity(*id) : nullptr;
+  if (entity == nullptr) return;
+  EntityShape shape;
+  outlineEntity(*entity, wallThickness(*entity, model), frame, shape);
+  Stroke stroke{.color = frame.palette.active, .width = width, .dash = dash};
+  if (!stroke.isDashed()) {
+    stroke.cap = LineCap::round;
+    stroke.join = LineJoin::round;
+  }
+  strokeShape(painter, frame, shape, stroke);
+}
+
+/// The grips of the entity, sketch units.
+std::vector<SketchPoint> handlePoints(const SketchEntity& entity) {
+  return std::visit(Overloaded{
+                        [](const LineEntity& line) -> std::vector<SketchPoint> {
+                          return {line.from, line.to};
+                        },
+                        [](const WallEntity& wall) -> std::vector<SketchPoint> {
+                          return {wall.from, wall.to};
+                        },
+                        [](const CircleEntity& circle) -> std::vector<SketchPoint> {
+                          return {circle.center, circle.center + SketchPoint{circle.radius, 0}};
+                        },
+                        [](const ArcEntity& arc) -> std::vector<SketchPoint> {
+                          return {pointOnCircle(arc.center, arc.radius, arc.startAngle),
+                                  pointOnCircle(arc.center, arc.radius, arc.endAngle)};
+                        },
+                        [](const RectangleEntity& r) -> std::vector<SketchPoint> {
+                          return {r.origin, r.origin + SketchPoint{r.size.width, 0},
+                                  r.origin + SketchPoint{r.size.width, r.size.height},
+                                  r.origin + SketchPoint{0, r.size.height}};
+                        },
+                        [](const PolygonEntity& polygon) { return polygon.vertices.list(); },
+                    },
+                    entity);
+}
+
+/// A square around a sketch point, filled and then outlined; either may be left out.
+void paintSquare(CanvasPainter& painter, const CanvasFrame& frame, SketchPoint point, double halfSide,
+                 const std::optional<Fill>& fill, const std::optional<Stroke>& outline) {
+  const SketchPoint center = frame.toView(point);
+  if (!isFinite(center) || !frame.clipBox().contains(center)) return;
+  const ViewRect square = ViewRect::centered(center, halfSide);
+  if (fill) painter.fillRoundedRect(square, 0, *fill);
+  if (outline) painter.strokeRoundedRect(square, 0, *outline);
+}
+
+Stroke draftStroke(const CanvasFrame& frame) {
+  return {
+      .color = frame.palette.active, .width = kDraftWidth, .cap = LineCap::round, .join = LineJoin::round};
+}
+
+void paintPolygonDraft(CanvasPainter& painter, const CanvasFrame& frame, const PolygonDraft& draft) {
+  EntityShape shape;
+  shape.kind = EntityShape::Kind::polyline;
+  shape.path.begin();
+  for (const SketchPoint vertex : draft.vertices) shape.path.add(frame.toView(vertex));
+  shape.path.add(frame.toView(draft.current));
+  strokeShape(painter, frame, shape, draftStroke(frame));
+
+  shape.kind = EntityShape::Kind::ellipse;
+  for (const SketchPoint vertex : draft.vertices) {
+    shape.ellipse = {frame.toView(vertex), kVertexDotRadius};
+    fillShape(painter, frame, shape, {frame.palette.active});
+  }
+}
+
+}  // namespace
+
+void paintSnapGuides(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
+  const auto& anchor = *model.snapGuideAnchor;
+  if (!anchor) return;
+  const VisibleSketchRect visible = visibleSketchRect(frame.transform.canvasSize, frame.transform.viewport);
+  const double minX = visible.minX - kGuideReach;
+  const double maxX = visible.maxX() + kGuideReach;
+  const auto diagonal = [&](double slope) {
+    const auto at = [&](double x) { return SketchPoint{x, anchor->y + slope * (x - anchor->x)}; };
+    return CanvasSegment{at(minX), at(maxX)};
+  };
+  const auto guide = [&](AxisSnap axis) -> CanvasSegment {
+    switch (axis) {
+      case AxisSnap::horizontal:
+        return {{minX, anchor->y}, {maxX, anchor->y}};
+      case AxisSnap::vertical:
+        return {{anchor->x, visible.minY - kGuideReach}, {anchor->x, visible.maxY() + kGuideReach}};
+      case AxisSnap::diagonalUp:
+        return diagonal(1);
+      case AxisSnap::diagonalDown:
+        return diagonal(-1);
+    }
+    return {};
+  };
+  for (const AxisSnap axis : *model.activeAxisSnaps) {
+    const CanvasSegment line = guide(axis);
+    strokeSegment(
+        painter, frame, {frame.toView(line.from), frame.toView(line.to)},
+        {.color = frame.palette.active, .opacity = kGuideOpacity, .width = kGuideWidth, .dash = kGuideDash});
+  }
+}
+
+void paintHover(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
+  const auto& hovered = *model.hoveredEntityID;
+  if (*model.selectedTool != SketchTool::select || !hovered) return;
+  if (model.selectedEntityIDs->contains(*hovered)) return;
+  paintHighlight(painter, model, frame, hovered, kHoverWidth, kHoverDash);
+}
+
+void paintSelectedEntity(CanvasPainter& painter, const CanvasFrame& frame, const SketchEntity& entity,
+                         std::span<const WallSystemSpec> systems) {
+  const auto* wall = std::get_if<WallEntity>(&entity);
+  const double thickness = wall != nullptr ? paintedWallThickness(*wall, systems) : 0;
+  const ViewRect visible = frame.paintedRect().grown(kSelectionGlowWidth);
+  if (!entityViewBounds(entity, thickness, frame.transform.viewport).touches(visible)) return;
+  EntityShape shape;
+  outlineEntity(entity, thickness, frame, shape);
+  const Color active = frame.palette.active;
+  fillShape(painter, frame, shape, {active, kSelectionFillOpacity});
+  Stroke stroke{.color = active,
+                .opacity = kSelectionGlowOpacity,
+                .width = kSelectionGlowWidth,
+                .cap = LineCap::round,
+                .join = LineJoin::round};
+  strokeShape(painter, frame, shape, stroke);
+  stroke.opacity = 1;
+  stroke.width = kSelectionWidth;
+  strokeShape(painter, frame, shape, stroke);
+}
+
+void paintSelection(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
+  const std::unordered_set<UUID>& selected = *model.selectedEntityIDs;
+  if (selected.empty()) return;
+  if (selected.size() > 1) {
+    for (const SketchEntity& entity : *model.entities) {
+      if (!selected.contains(entityID(entity))) continue;
+      paintSelectedEntity(painter, frame, entity, *model.wallSystemSpecs);
+    }
+    return;
+  }
+  const SketchEntity* entity = model.entity(*selected.begin());
+  if (entity == nullptr) return;
+  paintSelectedEntity(painter, frame, *entity, *model.wallSystemSpecs);
+  const ViewRect visible = frame.paintedRect().grown(kHandleRadius + kHandleRingWidth);
+  for (const SketchPoint point : handlePoints(*entity)) {
+    const CanvasEllipse grip{frame.toView(point), kHandleRadius};
+    if (!visible.contains(grip.center)) continue;
+    painter.fillEllipse(grip, {frame.palette.active});
+    painter.strokeEllipse(grip, {.color = frame.palette.card, .width = kHandleRingWidth});
+  }
+}
+
+void paintMarquee(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
+  const auto& marquee = *model.selectMarquee;
+  if (!marquee) return;
+  const bool isCrossing = marquee->currentViewX < marquee->startViewX;
+  const Color color = isCrossing ? frame.palette.active : frame.palette.foreground;
+  const SketchPoint a = marquee->startSketchPoint;
+  const SketchPoint b = marquee->currentSketchPoint;
+  EntityShape shape;
+  outlineEntity(RectangleEntity{{}, a, {b.x - a.x, b.y - a.y}}, 0, frame, shape);
+  fillShape(painter, frame, shape, {color, isCrossing ? kCrossingFillOpacity : kWindowFillOpacity});
+  strokeShape(painter, frame, shape,
+              {.color = color, .opacity = kMarqueeOpacity, .width = kMarqueeWidth, .dash = kMarqueeDash});
+}
+
+void paintTrim(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
+  if (*model.selectedTool != SketchTool::trim) return;
+  paintHighlight(painter, model, frame, *model.trimCuttingEdgeEntityID, kCuttingEdgeWidth, {});
+  paintHighlight(painter, model, frame, *model.hoveredEntityID, kHoverWidth, kHoverDash);
+}
+
+void paintDrafts(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
+  const SketchTool tool = *model.selectedTool;
+  const auto& draft = *model.draft;
+  const auto entity = draft && isDraftLargeEnough(tool, *draft)
+                          ? draftedEntity(tool, *draft, *model.activeWallSystemSpecID)
+                          : std::nullopt;
+  if (entity) {
+    EntityShape shape;
+    outlineEntity(*entity, wallThickness(*entity, model), frame, shape);
+    const auto* wall = std::get_if<WallEntity>(&*entity);
+    if (wall != nullptr) fillShape(painter, frame, shape, wallFill(frame.palette));
+    strokeShape(painter, frame, shape, draftStroke(frame));
+    if (wall != nullptr) {
+      strokeWallCenterLine(painter, frame, wall->from, wall->to, frame.palette.active);
+    }
+  }
+  if (*model.polygonDraft) paintPolygonDraft(painter, frame, **model.polygonDraft);
+}
+
+void paintSegmentLabel(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
+  if (*model.isSegmentLengthEditing) return;
+  const auto label = segmentLabel(model, frame.transform.viewport);
+  if (!label || !label->pill.touches(frame.paintedRect())) return;
+  painter.fillRoundedRect(label->pill, kSegmentLabelCornerRadius, {frame.palette.card, kLabelOpacity});
+  painter.strokeRoundedRect(label->pill, kSegmentLabelCornerRadius,
+                            {.color = frame.palette.border, .width = kLabelBorderWidth});
+  painter.drawText(label->text, label->pill.center(), kSegmentLabelTextHeight, {frame.palette.foreground});
+}
+
+void paintMarkers(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
+  const Color active = frame.palette.active;
+  const Stroke outline{.color = active, .opacity = kMarkerOutlineOpacity, .width = kMarkerOutlineWidth};
+  const auto& target = *model.activeEntitySnapPoint;
+  const auto& source = *model.activeEntitySnapSourcePoint;
+  if (source && (!target || distanceBetween(*source, *target) > kSamePointDistance)) {
+    paintSquare(painter, frame, *source, kMarkerHalfSide, Fill{active}, outline);
+  }
+  if (target) paintSquare(painter, frame, *target, kMarkerHalfSide, Fill{active}, outline);
+  if (const auto& grid = *model.activeGridSnapPoint) {
+    paintSquare(painter, frame, *grid, kMarkerHalfSide, std::nullopt,
+                Stroke{.color = kThemeGreen, .opacity = kMarkerOutlineOpacity, .width = kGridMarkerWidth});
+  }
+}
+
+void paintDwellPulse(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
+  const double progress = *model.trackingAcquireProgress;
+  const auto& pending = *model.pendingTrackingAcquire;
+  if (!pending || !(progress < 1)) return;
+  const SketchPoint center = frame.toView(pending->point);
+  if (!isFinite(center) || !frame.clipBox().contains(center)) return;
+  const Color active = frame.palette.active;
+  const double halfSide = 5 + 2 * progress;
+  painter.fillRoundedRect(ViewRect::centered(center, halfSide), 0, {active, 0.35 + 0.45 * progress});
+  const double swing = 0.5 + 0.5 * std::sin(8 * std::numbers::pi * progress);
+  painter.strokeEllipse({center, halfSide + 3 + 4 * swing + 3 * progress},
+                        {.color = active, .opacity = 0.45 + 0.45 * swing, .width = kPulseWidth});
+}
+
+void paintLock(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
+  const auto& lock = *model.acquiredEntitySnap;
+  if (!lock) return;
+  const Color active = frame.palette.active;
+  const SketchPoint point = frame.toView(lock->point);
+  if (!isFinite(point)) return;
+  const ViewRect canvas = frame.canvasRect();
+  Stroke stroke{.color = active, .opacity = kLockOpacity, .width = kLockCrossWidth};
+  strokeSegment(painter, frame, {{canvas.minX, point.y}, {canvas.maxX, point.y}}, stroke);
+  strokeSegment(painter, frame, {{point.x, canvas.minY}, {point.x, canvas.maxY}}, stroke);
+  if (const auto& draft = *model.draft;
+      draft && distanceBetween(draft->current, lock->point) > kSamePointDistance) {
+    stroke.width = kLockLineWidth;
+    strokeSegment(painter, frame, {point, frame.toView(draft->current)}, stroke);
+  }
+  paintSquare(painter, frame, lock->point, kLockHalfSide, Fill{active, kLockFillOpacity},
+              Stroke{.color = active, .width = kLockOutlineWidth});
+}
+
+}  // namespace ostrelon

@@ -1,0 +1,48 @@
+// The layers over and between grid and entities, one function each; `canvas_renderer.h` gives their
+// order. Each paints what the model's state asks for, and nothing otherwise.
+#pragma once
+
+#include <span>
+
+#include "interaction/canvas_frame.h"
+
+namespace ostrelon {
+
+class SketchViewModel;
+
+/// Lines through the anchor of the last snap, one for each locked direction.
+void paintSnapGuides(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+/// Under the select tool: the entity under the pointer, unless it is selected.
+void paintHover(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+/// The selected entities, and the handles of a single one.
+void paintSelection(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+void paintMarquee(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+/// Under the trim tool: the cutting edge, and the entity under the pointer.
+void paintTrim(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+/// What the gesture in progress would add, and the polygon that is growing.
+void paintDrafts(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+/// The length pill of a segment; while its length is edited the editor stands in its place.
+void paintSegmentLabel(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+/// The points of the last snap.
+void paintMarkers(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+/// The point that is about to lock. The only thing on the canvas that moves by itself.
+void paintDwellPulse(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+/// The locked point.
+void paintLock(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+
+// --- Pieces of these layers
+
+/// The highlight of one selected entity, without handles; nothing outside the painted part.
+void paintSelectedEntity(CanvasPainter& painter, const CanvasFrame& frame, const SketchEntity& entity,
+                         std::span<const WallSystemSpec> systems);
+
+// --- What entities and drafts have in common
+
+/// The stroke of every entity: width 1.5, round caps and joins.
+Stroke entityStroke(Color color);
+Fill wallFill(const ThemePalette& palette);
+/// The dashed middle of a wall; sketch units.
+void strokeWallCenterLine(CanvasPainter& painter, const CanvasFrame& frame, SketchPoint from, SketchPoint to,
+                          Color color);
+
+}  // namespace ostrelon

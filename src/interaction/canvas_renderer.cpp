@@ -1,0 +1,197 @@
+#include "interaction/canvas_renderer.h"
+
+#include <cmath>
+
+#include "core/entity_list.h"
+#include "core/sketch_view_model.h"
+#include "interaction/canvas_overlays.h"
+
+namespace ostrelon {
+
+namespace {
+
+constexpr double kMinorGridWidth = 1.0;
+constexpr double kMajorGridWidth = 1.25;
+constexpr double kMajorGridOpacity = 0.35;
+constexpr double kAxisWidth = 1.5;
+constexpr double kAxisOpacity = 0.25;
+/// Lines beyond the visible part on each side, in minor steps.
+constexpr double kGridOverhang = 2;
+/// More lines than any canvas can show apart; a count above it comes of numbers too large to add up.
+constexpr double kMostGridLines = 20000;
+
+constexpr double kWallFillOpacity = 0.55;
+constexpr double kCenterLineWidth = 0.75;
+constexpr LineDash kCenterLineDash{4, 3};
+/// Below this extent, view points, an entity is a dot.
+constexpr double kDotExtent = 1.0;
+/// How far strokes reach beyond what they outline, view points.
+constexpr double kStrokeReach = 2.0;
+
+struct GridExtents {
+  double startX = 0;
+  double endX = 0;
+  double startY = 0;
+  double endY = 0;
+};
+
+/// All lines of one spacing, as one path.
+class GridPath {
+ public:
+  GridPath(const CanvasFrame& frame, GridExtents extents) : frame_(frame), extents_(extents) {}
+
+  void addLines(double startX, double startY, double step) {
+    // Counted, not summed up: far from the origin adding a step to a coordinate may not change it.
+    const double columns = std::floor((extents_.endX - startX) / step);
+    const double rows = std::floor((extents_.endY - startY) / step);
+    if (!(columns < kMostGridLines) || !(rows < kMostGridLines)) return;
+    for (int i = 0; i <= static_cast<int>(columns); ++i) addColumn(startX + i * step);
+    for (int i = 0; i <= static_cast<int>(rows); ++i) addRow(startY + i * step);
+  }
+  void addColumn(double x) {
+    const double viewX = onPixelCenter(frame_.toView({x, 0}).x);
+    if (!std::isfinite(viewX)) return;
+    path_.addSegment({viewX, frame_.toView({0, extents_.startY}).y},
+                     {viewX, frame_.toView({0, extents_.endY}).y});
+  }
+  void addRow(double y) {
+    const double viewY = onPixelCenter(frame_.toView({0, y}).y);
+    if (!std::isfinite(viewY)) return;
+    path_.addSegment({frame_.toView({extents_.startX, 0}).x, viewY},
+                     {frame_.toView({extents_.endX, 0}).x, viewY});
+  }
+  void stroke(CanvasPainter& painter, Color color, double opacity, double width) {
+    if (!path_.empty()) painter.strokePath(path_, {.color = color, .opacity = opacity, .width = width});
+    path_.clear();
+  }
+
+ private:
+  double onPixelCenter(double view) const {
+    if (frame_.gridPixelRatio <= 0) return view;
+    return (std::floor(view * frame_.gridPixelRatio) + 0.5) / frame_.gridPixelRatio;
+  }
+
+  const CanvasFrame& frame_;
+  GridExtents extents_;
+  CanvasPath path_;
+};
+
+}  // namespace
+
+void paintBackground(CanvasPainter& painter, const CanvasFrame& frame) {
+  painter.fillRoundedRect(frame.paintedRect(), 0, {frame.palette.background});
+}
+
+void paintGrid(CanvasPainter& painter, const CanvasFrame& frame) {
+  const double step = gridStep(frame.scale());
+  const double majorStep = step * kGridMajorEvery;
+  const VisibleSketchRect visible = visibleSketchRect(frame.transform.canvasSize, frame.transform.viewport);
+  const auto before = [](double value, double by) { return std::floor(value / by) * by; };
+  const auto beyond = [](double value, double by) { return std::ceil(value / by) * by; };
+  const double overhang = kGridOverhang * step;
+  const GridExtents extents{before(visible.minX - overhang, step), beyond(visible.maxX() + overhang, step),
+                            before(visible.minY - overhang, step), beyond(visible.maxY() + overhang, step)};
+  const ThemePalette& palette = frame.palette;
+
+  GridPath path(frame, extents);
+  path.addLines(extents.startX, extents.startY, step);
+  path.stroke(painter, palette.border, 1, kMinorGridWidth);
+
+  path.addLines(before(extents.startX, majorStep), before(extents.startY, majorStep), majorStep);
+  path.stroke(painter, palette.mutedForeground, kMajorGridOpacity, kMajorGridWidth);
+
+  if (extents.startX <= 0 && 0 <= extents.endX) path.addColumn(0);
+  if (extents.startY <= 0 && 0 <= extents.endY) path.addRow(0);
+  path.stroke(painter, palette.foreground, kAxisOpacity, kAxisWidth);
+}
+
+EntityLayerPainter::EntityLayerPainter(CanvasFrame frame, std::span<const WallSystemSpec> systems)
+    : frame_(std::move(frame)), systems_(systems), visible_(frame_.paintedRect().grown(kStrokeReach)) {}
+
+void EntityLayerPainter::paint(CanvasPainter& painter, const SketchEntity& entity) {
+  const auto* wall = std::get_if<WallEntity>(&entity);
+  const double thickness = wall != nullptr ? paintedWallThickness(*wall, systems_) : 0;
+  const ViewRect bounds = entityViewBounds(entity, thickness, frame_.transform.viewport);
+  if (!bounds.touches(visible_)) return;
+
+  const Color color = frame_.palette.foreground;
+  if (bounds.width() < kDotExtent && bounds.height() < kDotExtent) {
+    const CanvasSegment dot{bounds.center(), bounds.center()};
+    painter.strokeSegments({&dot, 1}, entityStroke(color));
+    return;
+  }
+  outlineEntity(entity, thickness, frame_, shape_);
+  if (wall != nullptr) fillShape(painter, frame_, shape_, {frame_.palette.muted, kWallFillOpacity});
+  strokeShape(painter, frame_, shape_, entityStroke(color));
+  if (wall != nullptr) strokeWallCenterLine(painter, frame_, wall->from, wall->to, color);
+}
+
+void paintEntities(CanvasPainter& painter, const CanvasFrame& frame, const EntityList& entities,
+                   std::span<const WallSystemSpec> systems, const std::unordered_set<UUID>& leftOut) {
+  EntityLayerPainter layer(frame, systems);
+  for (const SketchEntity& entity : entities) {
+    if (!leftOut.empty() && leftOut.contains(entityID(entity))) continue;
+    layer.paint(painter, entity);
+  }
+}
+
+Stroke entityStroke(Color color) {
+  return {.color = color, .width = 1.5, .cap = LineCap::round, .join = LineJoin::round};
+}
+
+void strokeWallCenterLine(CanvasPainter& painter, const CanvasFrame& frame, SketchPoint from, SketchPoint to,
+                          Color color) {
+  strokeSegment(painter, frame, {frame.toView(from), frame.toView(to)},
+                {.color = color, .width = kCenterLineWidth, .dash = kCenterLineDash});
+}
+
+Fill wallFill(const ThemePalette& palette) { return {palette.muted, kWallFillOpacity}; }
+
+void paintLayer(CanvasPainter& painter, CanvasLayer layer, const SketchViewModel& model,
+                const CanvasFrame& frame) {
+  switch (layer) {
+    case CanvasLayer::grid:
+      if (*model.showGrid) paintGrid(painter, frame);
+      return;
+    case CanvasLayer::snapGuides:
+      paintSnapGuides(painter, model, frame);
+      return;
+    case CanvasLayer::entities:
+      paintEntities(painter, frame, *model.entities, *model.wallSystemSpecs);
+      return;
+    case CanvasLayer::hover:
+      paintHover(painter, model, frame);
+      return;
+    case CanvasLayer::selection:
+      paintSelection(painter, model, frame);
+      return;
+    case CanvasLayer::marquee:
+      paintMarquee(painter, model, frame);
+      return;
+    case CanvasLayer::trim:
+      paintTrim(painter, model, frame);
+      return;
+    case CanvasLayer::drafts:
+      paintDrafts(painter, model, frame);
+      return;
+    case CanvasLayer::segmentLabel:
+      paintSegmentLabel(painter, model, frame);
+      return;
+    case CanvasLayer::markers:
+      paintMarkers(painter, model, frame);
+      return;
+    case CanvasLayer::dwellPulse:
+      paintDwellPulse(painter, model, frame);
+      return;
+    case CanvasLayer::lock:
+      paintLock(painter, model, frame);
+      return;
+  }
+}
+
+void paintCanvas(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
+  paintBackground(painter, frame);
+  for (const CanvasLayer layer : kAllCanvasLayers) paintLayer(painter, layer, model, frame);
+}
+
+}  // namespace ostrelon

@@ -1,0 +1,77 @@
+// What the canvas paints, in named layers from bottom to top, against a `CanvasPainter`. The window
+// paints the lower layers into pictures that it keeps and the upper ones live; the picture files and
+// the tests paint the same layers. Nothing here changes the state that it reads.
+//
+//   CanvasFrame frame{{*model.viewport, *model.canvasSize}, lightPalette()};
+//   paintCanvas(painter, model, frame);
+#pragma once
+
+#include <array>
+#include <unordered_set>
+
+#include "interaction/canvas_frame.h"
+#include "interaction/entity_shape.h"
+
+namespace ostrelon {
+
+class EntityList;
+class SketchViewModel;
+
+enum class CanvasLayer {
+  grid,
+  snapGuides,
+  entities,
+  hover,
+  selection,  ///< the highlights, and the handles of a single selection
+  marquee,
+  trim,
+  drafts,
+  segmentLabel,
+  markers,
+  dwellPulse,
+  lock,
+};
+
+/// All layers, in the order in which they are painted.
+inline constexpr std::array kAllCanvasLayers{
+    CanvasLayer::grid,         CanvasLayer::snapGuides, CanvasLayer::entities,   CanvasLayer::hover,
+    CanvasLayer::selection,    CanvasLayer::marquee,    CanvasLayer::trim,       CanvasLayer::drafts,
+    CanvasLayer::segmentLabel, CanvasLayer::markers,    CanvasLayer::dwellPulse, CanvasLayer::lock,
+};
+
+/// Fills the painted part with the background.
+void paintBackground(CanvasPainter& painter, const CanvasFrame& frame);
+/// One layer, as the state of the model asks for it; nothing where it asks for none.
+void paintLayer(CanvasPainter& painter, CanvasLayer layer, const SketchViewModel& model,
+                const CanvasFrame& frame);
+/// The background and all layers.
+void paintCanvas(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+
+// --- The two layers that a picture of the drawing consists of
+
+/// Minor lines, major lines and axes, whatever the setting that shows them. A view so far out that
+/// lines can no longer be told apart has none.
+void paintGrid(CanvasPainter& painter, const CanvasFrame& frame);
+
+/// Paints entities one by one, in the order of the calls, so that a caller can stop in between.
+class EntityLayerPainter {
+ public:
+  /// `systems` must outlive the painter.
+  EntityLayerPainter(CanvasFrame frame, std::span<const WallSystemSpec> systems);
+
+  /// Nothing, where the entity does not touch the painted part. What would be smaller than a view
+  /// point is painted as a dot.
+  void paint(CanvasPainter& painter, const SketchEntity& entity);
+
+ private:
+  CanvasFrame frame_;
+  std::span<const WallSystemSpec> systems_;
+  ViewRect visible_;
+  EntityShape shape_;
+};
+
+/// All entities but those left out.
+void paintEntities(CanvasPainter& painter, const CanvasFrame& frame, const EntityList& entities,
+                   std::span<const WallSystemSpec> systems, const std::unordered_set<UUID>& leftOut = {});
+
+}  // namespace ostrelon

@@ -1,0 +1,73 @@
+// The canvas: paints the view model's state and hands pointer events to it.
+//
+// Grid and entities are kept as pictures; hover, selection, drafts and snaps are painted live over
+// them, so a pointer that moves costs two copies and a few strokes. Badges and controls are child
+// widgets of the canvas; they lie over the drawing, and those that set
+// `Qt::WA_TransparentForMouseEvents` let the pointer through.
+#pragma once
+
+#include <QWidget>
+#include <memory>
+#include <optional>
+#include <unordered_set>
+
+#include "core/observable.h"
+#include "core/theme_palette.h"
+#include "shell/entity_picture.h"
+
+namespace ostrelon {
+
+class SketchViewModel;
+
+class CanvasWidget : public QWidget {
+  Q_OBJECT
+
+ public:
+  /// `model` must outlive the widget.
+  explicit CanvasWidget(SketchViewModel& model, QWidget* parent = nullptr);
+  ~CanvasWidget() override;
+
+  const ThemePalette& themePalette() const { return palette_; }
+  void setThemePalette(const ThemePalette& palette);
+
+  /// Paints all that is still being painted in pieces. For tests and for pictures of the window.
+  void finishPainting();
+
+ Q_SIGNALS:
+  /// The canvas has a new size, which the view model knows already. For laying out what lies over it.
+  void resized();
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  using IDs = std::shared_ptr<const std::unordered_set<UUID>>;
+
+  PictureView view() const;
+  void modelChanged(FieldMask fields);
+  void updateCursor();
+
+  /// Brings the pictures up to the state within the time of a frame; asks for another turn if that
+  /// is not enough.
+  void updatePictures(EntityPicture::Deadline deadline);
+  void updateGrid(const PictureView& view);
+  void paintLive(QPainter& painter, const PictureView& view);
+
+  SketchViewModel& model_;
+  ThemePalette palette_;
+  Subscription subscription_;
+
+  QImage grid_;
+  std::optional<PictureView> gridView_;
+  bool gridShown_ = false;
+
+  EntityPicture entities_{EntityPicture::Kind::entitiesWithout};
+  EntityPicture dragged_{EntityPicture::Kind::entitiesNamed};
+  EntityPicture selection_{EntityPicture::Kind::selection};
+  IDs draggedIDs_;   // null while nothing is dragged
+  IDs selectedIDs_;  // null while the selection is small enough to be painted live
+  bool isTurnAsked_ = false;
+};
+
+}  // namespace ostrelon
