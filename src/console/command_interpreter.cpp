@@ -78,6 +78,7 @@ std::string aliasHelpText() {
 
 std::vector<std::string> commandWords() {
   std::vector<std::string> words;
+  words.reserve(kHandlers.size() + aliasTable().size());
   for (const HandlerRow& row : kHandlers) words.emplace_back(row.word);
   for (const CommandAlias& row : aliasTable()) words.push_back(row.alias);
   std::sort(words.begin(), words.end());

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <ranges>
 #include <utility>
 
 namespace ostrelon {
@@ -132,7 +133,7 @@ void EntityList::removeAll(const std::vector<std::size_t>& ascendingIndices) {
   if (ascendingIndices.empty()) return;
   // A few positions are taken out where they stand, from the last to the first.
   if (ascendingIndices.size() <= 32) {
-    for (auto index = ascendingIndices.rbegin(); index != ascendingIndices.rend(); ++index) remove(*index);
+    for (const std::size_t index : std::ranges::reverse_view(ascendingIndices)) remove(index);
     return;
   }
   // Many are taken out in one walk that keeps the untouched chunks as they are.

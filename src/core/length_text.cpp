@@ -1,7 +1,7 @@
 #include "core/length_text.h"
 
 #include <fmt/format.h>
-#include <locale.h>
+#include <clocale>
 
 #include <charconv>
 #include <cmath>
