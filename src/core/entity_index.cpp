@@ -332,10 +332,12 @@ void EntityIndex::growTable() {
 
 void EntityIndex::setBounds(Slot& slot, const SketchEntity& entity) {
   const SketchBox box = entityBounds(entity);
-  slot.minX = roundedDown(box.minX);
-  slot.minY = roundedDown(box.minY);
-  slot.maxX = roundedUp(box.maxX);
-  slot.maxY = roundedUp(box.maxY);
+  // Crossing tests let a segment reach a millionth of its length beyond its ends; so does its box.
+  const double slack = 2e-6 * std::max(box.maxX - box.minX, box.maxY - box.minY);
+  slot.minX = roundedDown(box.minX - slack);
+  slot.minY = roundedDown(box.minY - slack);
+  slot.maxX = roundedUp(box.maxX + slack);
+  slot.maxY = roundedUp(box.maxY + slack);
 }
 
 // --- Cells, by place
