@@ -1,0 +1,296 @@
+#include "shell/controls.h"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <QStyle>
+#include <QStyleOptionFrame>
+#include <algorithm>
+
+#include "app/shortcut_text.h"
+#include "shell/qt_text.h"
+
+namespace ostrelon {
+
+// --- TextLabel
+
+TextLabel::TextLabel(Theme& theme, TextStyle style, Rank rank, const QString& text, QWidget* parent)
+    : QLabel(text, parent), theme_(theme), rank_(rank) {
+  setFont(fontOf(style));
+  setTextFormat(Qt::PlainText);
+  setMinimumHeight(lineHeightOf(style));
+  connect(&theme, &Theme::changed, this, [this] { applyColor(); });
+  applyColor();
+}
+
+void TextLabel::setRank(Rank rank) {
+  rank_ = rank;
+  applyColor();
+}
+
+void TextLabel::applyColor() {
+  QPalette colors = palette();
+  colors.setColor(QPalette::WindowText,
+                  rank_ == Rank::primary ? theme_.foreground() : theme_.secondaryOnCard());
+  setPalette(colors);
+}
+
+// --- Button
+
+Button::Button(Theme& theme, Kind kind, const QString& text, QWidget* parent)
+    : QPushButton(text, parent), theme_(theme), kind_(kind) {
+  setFocusPolicy(Qt::TabFocus);
+  setAutoDefault(false);
+  setCursor(Qt::ArrowCursor);
+  setAttribute(Qt::WA_Hover);
+  setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
+  if (kind == Kind::plain) horizontalPadding_ = 8;
+  connect(&theme, &Theme::changed, this, [this] { update(); });
+}
+
+void Button::setKind(Kind kind) {
+  if (kind_ == kind) return;
+  kind_ = kind;
+  update();
+}
+
+void Button::setIconDrawing(Icon icon, int size) {
+  icon_ = icon;
+  iconSize_ = size;
+  updateGeometry();
+  update();
+}
+
+void Button::setKeyHint(const QString& hint) {
+  keyHint_ = hint;
+  updateGeometry();
+}
+
+void Button::setKeyHintVisible(bool visible) {
+  if (keyHintVisible_ == visible) return;
+  keyHintVisible_ = visible;
+  updateGeometry();
+  update();
+}
+
+void Button::setTextStyle(TextStyle style) {
+  textStyle_ = style;
+  updateGeometry();
+}
+
+void Button::setRadius(int radius) {
+  radius_ = radius;
+  setProperty("focusRadius", radius);
+}
+
+void Button::setPaddings(int horizontal, int height) {
+  horizontalPadding_ = horizontal;
+  height_ = height;
+  updateGeometry();
+}
+
+void Button::setUnderlined(bool underlined) { isUnderlined_ = underlined; }
+
+QSize Button::sizeHint() const {
+  int width = 2 * horizontalPadding_;
+  if (!text().isEmpty()) width += QFontMetrics(fontOf(textStyle_)).horizontalAdvance(text());
+  if (icon_ != Icon::none) width += iconSize_ + (text().isEmpty() ? 0 : 8);
+  if (keyHintVisible_ && !keyHint_.isEmpty()) {
+    width += 8 + QFontMetrics(fontOf(TextStyle::caption)).horizontalAdvance(keyHint_);
+  }
+  return {width, height_};
+}
+
+bool Button::isFilled() const { return kind_ == Kind::primary && isEnabled(); }
+
+void Button::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  const bool isHovered = isEnabled() && underMouse();
+  const bool isPressed = isEnabled() && isDown();
+
+  QColor fill;
+  QColor line;
+  QColor words = isEnabled() ? theme_.foreground() : theme_.mutedForeground();
+  QColor drawing = isEnabled() ? (text().isEmpty() ? theme_.mutedForeground() : theme_.foreground())
+                               : theme_.mutedForeground();
+  if (isHovered && text().isEmpty()) drawing = theme_.foreground();
+  switch (kind_) {
+    case Kind::plain:
+      if (isPressed) {
+        fill = theme_.border();
+      } else if (isHovered || isChecked()) {
+        fill = theme_.muted();
+      }
+      break;
+    case Kind::outlined:
+      line = theme_.border();
+      fill = isPressed ? theme_.border() : isHovered ? theme_.muted() : theme_.card();
+      if (!isEnabled()) fill = QColor();
+      if (text().isEmpty() && isEnabled()) drawing = theme_.foreground();
+      break;
+    case Kind::primary:
+      fill = isPressed   ? theme_.overCard(theme_.fill(), 0.76)
+             : isHovered ? theme_.overCard(theme_.fill(), 0.88)
+                         : theme_.fill();
+      if (!isEnabled()) fill = theme_.muted();
+      words = isEnabled() ? theme_.fillText() : theme_.mutedForeground();
+      drawing = words;
+      break;
+    case Kind::dangerous:
+      line = isEnabled() ? theme_.destructive() : theme_.border();
+      fill = isPressed   ? theme_.overCard(theme_.destructive(), 0.16)
+             : isHovered ? theme_.overCard(theme_.destructive(), 0.08)
+                         : theme_.card();
+      drawing = isEnabled() ? theme_.destructive() : theme_.mutedForeground();
+      break;
+  }
+  if (fill.isValid() || line.isValid()) paintBox(painter, rect(), radius_, fill, line);
+
+  // Icon, title and key stand in the middle as one group.
+  QFont font = fontOf(textStyle_);
+  font.setUnderline(isUnderlined_);
+  const QFontMetrics metrics(font);
+  const QFont hintFont = fontOf(TextStyle::caption);
+  const bool showsHint = keyHintVisible_ && !keyHint_.isEmpty();
+  const int hintWidth = showsHint ? 8 + QFontMetrics(hintFont).horizontalAdvance(keyHint_) : 0;
+  const int iconWidth = icon_ == Icon::none ? 0 : iconSize_ + (text().isEmpty() ? 0 : 8);
+  const int room = width() - 2 * std::min(horizontalPadding_, 8) - hintWidth - iconWidth;
+  const QString title = metrics.elidedText(text(), Qt::ElideRight, std::max(0, room));
+  const int titleWidth = title.isEmpty() ? 0 : metrics.horizontalAdvance(title);
+  int x = (width() - iconWidth - titleWidth - hintWidth) / 2;
+  if (icon_ != Icon::none) {
+    paintIcon(painter, icon_, QRectF(x, 0, iconSize_, height()), iconSize_, drawing);
+    x += iconWidth;
+  }
+  painter.setFont(font);
+  painter.setPen(words);
+  painter.drawText(QRect(x, 0, titleWidth + 1, height()), Qt::AlignVCenter | Qt::AlignLeft, title);
+  x += titleWidth;
+  if (showsHint) {
+    painter.setFont(hintFont);
+    const bool onCard = !isHovered && !isPressed && !isFilled();
+    painter.setPen(isEnabled() ? (onCard ? theme_.secondaryOnCard() : words) : theme_.mutedForeground());
+    painter.drawText(QRect(x + 8, 0, hintWidth, height()), Qt::AlignVCenter | Qt::AlignLeft, keyHint_);
+  }
+}
+
+void Button::enterEvent(QEnterEvent* event) {
+  QPushButton::enterEvent(event);
+  update();
+}
+
+void Button::leaveEvent(QEvent* event) {
+  QPushButton::leaveEvent(event);
+  update();
+}
+
+// --- Switch
+
+namespace {
+constexpr int kSwitchWidth = 30;
+constexpr int kSwitchHeight = 18;
+constexpr int kSwitchGap = 8;
+}  // namespace
+
+Switch::Switch(Theme& theme, const QString& title, QWidget* parent)
+    : QCheckBox(title, parent), theme_(theme) {
+  setFocusPolicy(Qt::TabFocus);
+  setProperty("focusRadius", 9);
+  setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+  connect(&theme, &Theme::changed, this, [this] { update(); });
+}
+
+QSize Switch::sizeHint() const {
+  const int titleWidth =
+      text().isEmpty() ? 0 : QFontMetrics(fontOf(TextStyle::control)).horizontalAdvance(text()) + kSwitchGap;
+  return {titleWidth + kSwitchWidth, 20};
+}
+
+void Switch::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setFont(fontOf(TextStyle::control));
+  painter.setPen(isEnabled() ? theme_.foreground() : theme_.mutedForeground());
+  painter.drawText(rect(), Qt::AlignVCenter | Qt::AlignLeft, text());
+  const QRectF track(width() - kSwitchWidth, (height() - kSwitchHeight) / 2.0, kSwitchWidth, kSwitchHeight);
+  QColor color = isChecked() ? theme_.accent() : theme_.border();
+  if (!isEnabled()) color = theme_.muted();
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(color);
+  painter.drawRoundedRect(track, 9, 9);
+  const double knob = 14;
+  const double x = isChecked() ? track.right() - knob - 2 : track.left() + 2;
+  painter.setBrush(theme_.card());
+  painter.drawEllipse(QRectF(x, track.top() + 2, knob, knob));
+}
+
+// --- Field
+
+Field::Field(Theme& theme, bool isNumeric, QWidget* parent) : QLineEdit(parent), theme_(theme) {
+  setFont(fontOf(isNumeric ? TextStyle::mono : TextStyle::small));
+  setFixedHeight(28);
+  connect(&theme, &Theme::changed, this, [this] { update(); });
+}
+
+void Field::setPrefix(const QString& prefix) {
+  prefix_ = prefix;
+  setTextMargins(fontMetrics().horizontalAdvance(prefix) + 6, 0, 0, 0);
+}
+
+void Field::setItalicPlaceholder(const QString& placeholder) {
+  placeholder_ = placeholder;
+  setAccessibleDescription(placeholder);
+}
+
+void Field::paintEvent(QPaintEvent* event) {
+  QLineEdit::paintEvent(event);
+  QPainter painter(this);
+  painter.setPen(theme_.secondaryOnCard());
+  if (!prefix_.isEmpty()) {
+    painter.setFont(font());
+    painter.drawText(rect().adjusted(9, 0, 0, 0), Qt::AlignVCenter | Qt::AlignLeft, prefix_);
+  }
+  if (text().isEmpty() && !placeholder_.isEmpty()) {
+    QFont italic = font();
+    italic.setItalic(true);
+    painter.setFont(italic);
+    const QMargins margins = textMargins();
+    painter.drawText(rect().adjusted(11 + margins.left(), 0, -8, 0), Qt::AlignVCenter | Qt::AlignLeft,
+                     placeholder_);
+  }
+}
+
+// --- Lines and panels
+
+Hairline::Hairline(Theme& theme, Qt::Orientation orientation, QWidget* parent)
+    : QWidget(parent), theme_(theme), orientation_(orientation) {
+  if (orientation == Qt::Horizontal) {
+    setFixedHeight(1);
+  } else {
+    setFixedWidth(1);
+  }
+  connect(&theme, &Theme::changed, this, [this] { update(); });
+}
+
+void Hairline::paintEvent(QPaintEvent* /*event*/) { QPainter(this).fillRect(rect(), theme_.border()); }
+
+Panel::Panel(Theme& theme, Qt::Edges lines, QWidget* parent) : QWidget(parent), theme_(theme), lines_(lines) {
+  connect(&theme, &Theme::changed, this, [this] { update(); });
+}
+
+void Panel::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  painter.fillRect(rect(), theme_.card());
+  const QColor line = theme_.border();
+  if (lines_ & Qt::LeftEdge) painter.fillRect(0, 0, 1, height(), line);
+  if (lines_ & Qt::RightEdge) painter.fillRect(width() - 1, 0, 1, height(), line);
+  if (lines_ & Qt::TopEdge) painter.fillRect(0, 0, width(), 1, line);
+  if (lines_ & Qt::BottomEdge) painter.fillRect(0, height() - 1, width(), 1, line);
+}
+
+QString toolTipWithKey(const QString& text, std::string_view shortcut) {
+  if (shortcut.empty()) return text;
+  return QStringLiteral("%1 (%2)").arg(text, qtText(desktopNotation(shortcut)));
+}
+
+}  // namespace ostrelon

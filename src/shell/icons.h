@@ -1,0 +1,63 @@
+// The icons: our own drawings on a grid of 24, kept as SVG and painted in one colour, sharp at every
+// device pixel ratio.
+#pragma once
+
+#include <QColor>
+#include <QPixmap>
+#include <QRectF>
+
+#include "core/sketch_entity.h"
+#include "core/sketch_tool.h"
+
+class QPainter;
+
+namespace ostrelon {
+
+class Theme;
+
+enum class Icon {
+  none,
+  select,
+  pan,
+  line,
+  wall,
+  circle,
+  rectangle,
+  polygon,
+  arc,
+  trim,
+  scope,
+  ruler,
+  stack,
+  alignHorizontal,
+  alignVertical,
+  fit,
+  reset,
+  run,
+  plus,
+  minus,
+  check,
+  chevronDown,
+  chevronRight,
+  close,
+  branch,
+  alert,
+  folder,
+  bin,
+  spinner,
+  count_,
+};
+
+Icon iconOf(SketchTool tool);
+/// The icon of an entity's kind.
+Icon iconOf(const SketchEntity& entity);
+
+/// `size`: width and height, px at 1x.
+QPixmap iconPixmap(Icon icon, int size, const QColor& color, qreal devicePixelRatio);
+/// Paints the icon with its middle in the middle of `box`.
+void paintIcon(QPainter& painter, Icon icon, const QRectF& box, int size, const QColor& color);
+
+/// The mark of the program: an O in plan, its last quarter the swing of a door.
+QPixmap logoPixmap(int size, const Theme& theme, qreal devicePixelRatio);
+
+}  // namespace ostrelon

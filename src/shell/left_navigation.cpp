@@ -1,0 +1,267 @@
+#include "shell/left_navigation.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+
+#include "shell/qt_text.h"
+
+namespace ostrelon {
+namespace {
+
+constexpr int kLogoHeight = 44;
+constexpr int kEdge = 16;
+constexpr int kInset = 8;
+constexpr int kToolHeight = 30;
+constexpr int kToolGap = 2;
+constexpr int kHeadingHeight = 16;
+constexpr int kEntityHeight = 26;
+constexpr int kCoordinatesHeight = 92;
+
+constexpr FieldMask kShownFields =
+    fieldMask(SketchField::entities, SketchField::selectedEntityIDs, SketchField::primarySelectedEntityID,
+              SketchField::selectedTool, SketchField::wallSystemSpecs);
+
+}  // namespace
+
+// --- The tools
+
+NavToolRow::NavToolRow(Theme& theme, SketchTool tool, QWidget* parent)
+    : QPushButton(qtText(displayName(tool)), parent), theme_(theme), tool_(tool) {
+  setObjectName(QStringLiteral("leftNav.tool.") + qtText(rawValue(tool)));
+  setCheckable(true);
+  setFocusPolicy(Qt::TabFocus);
+  setAttribute(Qt::WA_Hover);
+  connect(&theme, &Theme::changed, this, [this] { update(); });
+}
+
+void NavToolRow::setIconOnly(bool iconOnly) {
+  iconOnly_ = iconOnly;
+  update();
+}
+
+void NavToolRow::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  QColor words = theme_.foreground();
+  QColor drawing = theme_.mutedForeground();
+  QColor fill;
+  if (isChecked()) {
+    fill = isDown()       ? theme_.overCard(theme_.fill(), 0.76)
+           : underMouse() ? theme_.overCard(theme_.fill(), 0.88)
+                          : theme_.fill();
+    words = theme_.fillText();
+    drawing = words;
+  } else if (isDown()) {
+    fill = theme_.border();
+  } else if (underMouse()) {
+    fill = theme_.muted();
+    drawing = theme_.foreground();
+  }
+  if (fill.isValid()) paintBox(painter, rect(), 6, fill, QColor());
+  const QRectF iconBox = iconOnly_ ? QRectF(rect()) : QRectF(8, 0, 18, height());
+  paintIcon(painter, iconOf(tool_), iconBox, 18, drawing);
+  if (iconOnly_) return;
+  painter.setFont(fontOf(TextStyle::control));
+  painter.setPen(words);
+  painter.drawText(rect().adjusted(36, 0, -8, 0), Qt::AlignVCenter | Qt::AlignLeft, text());
+}
+
+// --- The mark
+
+OstrelLogoView::OstrelLogoView(Theme& theme, QWidget* parent) : QWidget(parent), theme_(theme) {
+  setAccessibleName(QStringLiteral("Ostrelon"));
+  connect(&theme, &Theme::changed, this, [this] { update(); });
+}
+
+void OstrelLogoView::setMarkOnly(bool markOnly) {
+  markOnly_ = markOnly;
+  update();
+}
+
+void OstrelLogoView::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  const int mark = 22;
+  const int x = markOnly_ ? (width() - mark) / 2 : kEdge;
+  painter.drawPixmap(QPoint(x, (height() - mark) / 2), logoPixmap(mark, theme_, devicePixelRatioF()));
+  if (markOnly_) return;
+  painter.setFont(fontOf(TextStyle::title));
+  painter.setPen(theme_.foreground());
+  painter.drawText(rect().adjusted(x + mark + 10, 0, 0, 0), Qt::AlignVCenter | Qt::AlignLeft,
+                   QStringLiteral("Ostrelon"));
+}
+
+// --- The entities
+
+class EntityRowsView final : public RowsView {
+ public:
+  EntityRowsView(Theme& theme, EntityListModel& model, QWidget* parent)
+      : RowsView(theme, parent), model_(model) {
+    setModel(&model);
+    setSelectionMode(SingleSelection);
+  }
+
+ protected:
+  int rowTop(int row) const override { return row * kEntityHeight; }
+  int rowHeight(int /*row*/) const override { return kEntityHeight; }
+  int rowAt(int y) const override { return std::clamp(y / kEntityHeight, 0, std::max(0, rowCount() - 1)); }
+  int contentHeight() const override { return rowCount() * kEntityHeight; }
+
+  void paintRow(QPainter& painter, const QRect& box, int row, bool isHovered) override {
+    const bool isSelected = model_.isSelected(row);
+    const QRect inner = box.adjusted(kInset, 0, -1, 0);
+    if (isSelected || isHovered) paintBox(painter, inner, 4, theme().muted(), QColor());
+    if (isSelected) {
+      painter.fillRect(QRect(inner.left(), box.top() + 5, 2, 16), theme().active());
+    }
+    if (hasFocus() && currentIndex().row() == row) {
+      paintBox(painter, inner, 4, QColor(), theme().foreground());
+    }
+    paintIcon(painter, model_.icon(row), QRectF(kEdge, box.top(), 14, box.height()), 14,
+              isSelected || isHovered ? theme().foreground() : theme().mutedForeground());
+    painter.setFont(fontOf(isSelected ? TextStyle::smallStrong : TextStyle::small));
+    painter.setPen(theme().foreground());
+    const QRect words = box.adjusted(kEdge + 24, 0, -8, 0);
+    const QString label = model_.data(model_.index(row), Qt::DisplayRole).toString();
+    painter.drawText(words, Qt::AlignVCenter | Qt::AlignLeft,
+                     painter.fontMetrics().elidedText(label, Qt::ElideRight, words.width()));
+  }
+
+  void keyPressEvent(QKeyEvent* event) override {
+    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && currentIndex().isValid()) {
+      Q_EMIT clicked(currentIndex());
+      return;
+    }
+    RowsView::keyPressEvent(event);
+  }
+
+ private:
+  EntityListModel& model_;
+};
+
+// --- The panel
+
+LeftNavView::LeftNavView(SketchViewModel& sketch, Theme& theme, QWidget* parent)
+    : Panel(theme, Qt::RightEdge, parent),
+      sketch_(sketch),
+      logo_(new OstrelLogoView(theme, this)),
+      logoLine_(new Hairline(theme, Qt::Horizontal, this)),
+      toolsHeading_(new TextLabel(theme, TextStyle::heading, TextLabel::Rank::secondary, "TOOLS", this)),
+      entitiesHeading_(
+          new TextLabel(theme, TextStyle::heading, TextLabel::Rank::secondary, "ENTITIES", this)),
+      emptyText_(new TextLabel(theme, TextStyle::small, TextLabel::Rank::secondary, "No entities", this)),
+      model_(new EntityListModel(sketch, this)),
+      list_(new EntityRowsView(theme, *model_, this)),
+      coordinatesLine_(new Hairline(theme, Qt::Horizontal, this)),
+      coordinatesHeading_(
+          new TextLabel(theme, TextStyle::heading, TextLabel::Rank::secondary, "COORDINATES", this)),
+      originText_(new TextLabel(theme, TextStyle::caption, TextLabel::Rank::secondary,
+                                QStringLiteral("0,0 at center  ·  Y ↑"), this)),
+      gesturesText_(new TextLabel(theme, TextStyle::caption, TextLabel::Rank::secondary,
+                                  QStringLiteral("two-finger pan  ·  pinch zoom"), this)),
+      unfoldButton_(new Button(theme, Button::Kind::plain, QString(), this)),
+      update_(sketch, kShownFields, this, [this] { refresh(); }) {
+  setObjectName(QStringLiteral("leftNav"));
+  setAccessibleName(QStringLiteral("Navigation"));
+  for (const SketchTool tool : kAllSketchTools) {
+    auto* row = new NavToolRow(theme, tool, this);
+    connect(row, &QPushButton::clicked, this, [this, row] {
+      sketch_.activateTool(row->tool());
+      refresh();
+    });
+    toolRows_.push_back(row);
+  }
+  emptyText_->setObjectName(QStringLiteral("leftNav.noEntities"));
+  list_->setObjectName(QStringLiteral("leftNav.entities"));
+  list_->setAccessibleName(QStringLiteral("Entities"));
+  connect(list_, &QAbstractItemView::clicked, this,
+          [this](const QModelIndex& index) { chooseEntity(index.row()); });
+  originText_->setObjectName(QStringLiteral("leftNav.coordinates.centerOrigin"));
+  gesturesText_->setObjectName(QStringLiteral("leftNav.coordinates.gestures"));
+  unfoldButton_->setObjectName(QStringLiteral("leftNav.unfold"));
+  unfoldButton_->setIconDrawing(Icon::stack, 18);
+  unfoldButton_->setPaddings(9, 30);
+  unfoldButton_->setAccessibleName(QStringLiteral("Show entities and coordinates"));
+  unfoldButton_->setToolTip(QStringLiteral("Show entities and coordinates"));
+  connect(unfoldButton_, &QPushButton::clicked, this, &LeftNavView::unfoldRequested);
+  setRail(false);
+  refresh();
+}
+
+void LeftNavView::setRail(bool rail) {
+  rail_ = rail;
+  logo_->setMarkOnly(rail);
+  for (NavToolRow* row : toolRows_) {
+    row->setIconOnly(rail);
+    row->setToolTip(rail ? row->text() : QString());
+  }
+  for (QWidget* widget : {static_cast<QWidget*>(toolsHeading_), static_cast<QWidget*>(entitiesHeading_),
+                          static_cast<QWidget*>(coordinatesLine_), static_cast<QWidget*>(coordinatesHeading_),
+                          static_cast<QWidget*>(originText_), static_cast<QWidget*>(gesturesText_)}) {
+    widget->setVisible(!rail);
+  }
+  unfoldButton_->setVisible(rail);
+  refresh();
+  place();
+}
+
+void LeftNavView::resizeEvent(QResizeEvent* event) {
+  Panel::resizeEvent(event);
+  place();
+}
+
+void LeftNavView::place() {
+  const int inner = width() - 1;
+  logo_->setGeometry(0, 0, inner, kLogoHeight);
+  logoLine_->setGeometry(0, kLogoHeight - 1, inner, 1);
+  int y = kLogoHeight + kEdge;
+  if (!rail_) {
+    toolsHeading_->setGeometry(kEdge, y, inner - 2 * kEdge, kHeadingHeight);
+    y += kHeadingHeight + 8;
+  } else {
+    y = kLogoHeight + kInset;
+  }
+  for (NavToolRow* row : toolRows_) {
+    row->setGeometry(kInset, y, inner - 2 * kInset, kToolHeight);
+    y += kToolHeight + kToolGap;
+  }
+  y += 24 - kToolGap;
+  entitiesHeading_->setGeometry(kEdge, y, inner - 2 * kEdge, kHeadingHeight);
+  y += kHeadingHeight + 8;
+  const int foot = std::max(y, height() - kCoordinatesHeight);
+  list_->setGeometry(0, y, inner - 1, std::max(0, foot - y));
+  emptyText_->setGeometry(kEdge, y, inner - 2 * kEdge, 18);
+  coordinatesLine_->setGeometry(0, foot, inner, 1);
+  coordinatesHeading_->setGeometry(kEdge, foot + 16, inner - 2 * kEdge, kHeadingHeight);
+  originText_->setGeometry(kEdge, foot + 40, inner - kEdge, 16);
+  gesturesText_->setGeometry(kEdge, foot + 58, inner - kEdge, 16);
+  unfoldButton_->setGeometry(kInset, height() - kToolHeight - kInset, inner - 2 * kInset, kToolHeight);
+}
+
+void LeftNavView::chooseEntity(int row) {
+  const UUID id = model_->entityAt(row);
+  const SketchEntity* entity = sketch_.entity(id);
+  if (entity == nullptr) return;
+  const bool isWall = std::holds_alternative<WallEntity>(*entity);
+  if (isWall && sketch_.selectedTool != SketchTool::select) sketch_.activateSelectTool();
+  shownPrimary_ = id;  // the row is in sight: it was clicked
+  sketch_.selectSingleEntity(id);
+}
+
+void LeftNavView::refresh() {
+  for (NavToolRow* row : toolRows_) row->setChecked(row->tool() == sketch_.selectedTool.get());
+  model_->update();
+  const bool isEmpty = model_->rowCount() == 0;
+  emptyText_->setVisible(!rail_ && isEmpty);
+  list_->setVisible(!rail_ && !isEmpty);
+  list_->viewport()->update();
+  if (*sketch_.primarySelectedEntityID == shownPrimary_) return;
+  shownPrimary_ = sketch_.primarySelectedEntityID;
+  if (!shownPrimary_) return;
+  if (const auto position = sketch_.entityIndex(*shownPrimary_)) {
+    const QModelIndex index = model_->index(static_cast<int>(*position));
+    list_->setCurrentIndex(index);
+    list_->scrollTo(index);
+  }
+}
+
+}  // namespace ostrelon

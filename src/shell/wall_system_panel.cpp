@@ -1,0 +1,345 @@
+#include "shell/wall_system_panel.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <algorithm>
+#include <cmath>
+
+#include "shell/entity_list_model.h"
+#include "shell/qt_text.h"
+
+namespace ostrelon {
+namespace {
+
+constexpr int kEdge = 16;
+constexpr int kInset = 8;
+constexpr int kRowHeight = 48;
+constexpr int kRowGap = 2;
+constexpr int kLabelColumn = 66;
+constexpr int kPreviewHeight = 88;
+constexpr double kSwatchScale = 1.6;   // px a sketch unit
+constexpr double kPreviewScale = 4.0;  // px a sketch unit
+// Heading, preview, fields and button with their gaps.
+constexpr int kInspectorHeight = 16 + 16 + 12 + kPreviewHeight + 16 + 3 * 36 + 8 + 28 + 16;
+
+constexpr FieldMask kShownFields =
+    fieldMask(SketchField::wallSystemSpecs, SketchField::activeWallSystemSpecID, SketchField::entities,
+              SketchField::selectedEntityIDs, SketchField::primarySelectedEntityID);
+
+// A wall in section: two faces, the fill between them, and a dashed centre.
+void paintBand(QPainter& painter, const Theme& theme, const QRectF& band, bool hasEnds) {
+  QColor fill = theme.muted();
+  fill.setAlphaF(0.55F);
+  painter.fillRect(band, fill);
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(QPen(theme.foreground(), 1.5));
+  if (hasEnds) {
+    painter.drawRect(band);
+  } else {
+    painter.drawLine(band.topLeft(), band.topRight());
+    painter.drawLine(band.bottomLeft(), band.bottomRight());
+  }
+  QPen dashed(theme.foreground(), 0.75);
+  dashed.setCapStyle(Qt::FlatCap);
+  dashed.setDashPattern({4 / 0.75, 3 / 0.75});
+  painter.setPen(dashed);
+  painter.drawLine(QPointF(band.left(), band.center().y()), QPointF(band.right(), band.center().y()));
+}
+
+}  // namespace
+
+// --- The rows
+
+int WallSystemListModel::rowCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+}
+
+QVariant WallSystemListModel::data(const QModelIndex& index, int role) const {
+  if (!index.isValid() || index.row() >= rowCount()) return {};
+  const WallSystemRow& shown = row(index.row());
+  switch (role) {
+    case Qt::DisplayRole:
+      return qtText(shown.spec.name);
+    case Qt::AccessibleTextRole: {
+      QString words = qtText(shown.spec.name + ", " + wallSystemMeasures(shown.spec));
+      if (shown.isActive) words += QStringLiteral(", active");
+      if (shown.isAssignedToSelection) words += QStringLiteral(", used by the selected wall");
+      return words;
+    }
+    case Qt::ToolTipRole:
+      return qtText(shown.spec.assemblyNotes);
+    case kIdentifierRole:
+      return QStringLiteral("wallSystems.row.") + qtText(shown.spec.name);
+    case kSelectedRole:
+      return shown.isShown;
+    default:
+      return {};
+  }
+}
+
+void WallSystemListModel::setRows(std::vector<WallSystemRow> rows) {
+  if (rows == rows_) return;
+  if (rows.size() == rows_.size()) {
+    rows_ = std::move(rows);
+    if (!rows_.empty()) Q_EMIT dataChanged(index(0), index(rowCount() - 1));
+    return;
+  }
+  beginResetModel();
+  rows_ = std::move(rows);
+  endResetModel();
+}
+
+class WallSystemRowsView final : public RowsView {
+ public:
+  WallSystemRowsView(Theme& theme, WallSystemListModel& model, QWidget* parent)
+      : RowsView(theme, parent), model_(model) {
+    setModel(&model);
+    setSelectionMode(SingleSelection);
+  }
+
+  int wantedHeight() const { return contentHeight(); }
+
+ protected:
+  int rowTop(int row) const override { return row * (kRowHeight + kRowGap); }
+  int rowHeight(int /*row*/) const override { return kRowHeight; }
+  int rowAt(int y) const override {
+    return std::clamp(y / (kRowHeight + kRowGap), 0, std::max(0, rowCount() - 1));
+  }
+  int contentHeight() const override { return std::max(0, rowCount() * (kRowHeight + kRowGap) - kRowGap); }
+
+  void paintRow(QPainter& painter, const QRect& box, int row, bool isHovered) override {
+    const WallSystemRow& shown = model_.row(row);
+    const bool onMuted = shown.isShown || isHovered;
+    if (onMuted) paintBox(painter, box, 6, theme().muted(), QColor());
+    if (hasFocus() && currentIndex().row() == row) paintBox(painter, box, 6, QColor(), theme().foreground());
+
+    const QRectF swatch(box.left() + 8, box.center().y() - 13, 32, 28);
+    paintBox(painter, swatch, 4, theme().background(), theme().border());
+    painter.save();
+    painter.setClipRect(swatch.adjusted(1, 1, -1, -1));
+    const double thickness = std::clamp(shown.spec.thickness * kSwatchScale, 2.0, 22.0);
+    const double centre = swatch.center().y();
+    paintBand(painter, theme(), QRectF(swatch.left(), centre - thickness / 2, swatch.width(), thickness),
+              false);
+    painter.restore();
+
+    // The marks at the right first, so that the name knows its room.
+    int right = box.right() - 10;
+    if (shown.isActive) {
+      const QFont font = fontOf(TextStyle::tag);
+      const QString tag = QStringLiteral("Active");
+      const int width = QFontMetrics(font).horizontalAdvance(tag) + 14;
+      const QRectF tagBox(right - width, box.center().y() - 8.5, width, 18);
+      paintBox(painter, tagBox, 4, theme().card(), theme().border());
+      painter.setFont(font);
+      painter.setPen(theme().foreground());
+      painter.drawText(tagBox, Qt::AlignCenter, tag);
+      right -= width + 8;
+    }
+    if (shown.isAssignedToSelection) {
+      paintIcon(painter, Icon::check, QRectF(right - 18, box.top(), 18, box.height()), 18, theme().active());
+      right -= 18 + 8;
+    }
+
+    const QRect words(box.left() + 52, box.top(), right - box.left() - 52, box.height());
+    painter.setFont(fontOf(TextStyle::bodyStrong));
+    painter.setPen(theme().foreground());
+    painter.drawText(
+        words.adjusted(0, 5, 0, -23), Qt::AlignVCenter | Qt::AlignLeft,
+        painter.fontMetrics().elidedText(qtText(shown.spec.name), Qt::ElideRight, words.width()));
+    painter.setFont(fontOf(TextStyle::caption));
+    painter.setPen(onMuted ? theme().foreground() : theme().secondaryOnCard());
+    painter.drawText(words.adjusted(0, 25, 0, -6), Qt::AlignVCenter | Qt::AlignLeft,
+                     painter.fontMetrics().elidedText(qtText(wallSystemMeasures(shown.spec)), Qt::ElideRight,
+                                                      words.width()));
+  }
+
+  void keyPressEvent(QKeyEvent* event) override {
+    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && currentIndex().isValid()) {
+      Q_EMIT clicked(currentIndex());
+      return;
+    }
+    RowsView::keyPressEvent(event);
+  }
+
+ private:
+  WallSystemListModel& model_;
+};
+
+// --- The preview
+
+WallPreview::WallPreview(Theme& theme, QWidget* parent) : QWidget(parent), theme_(theme) {
+  setObjectName(QStringLiteral("wallSystems.preview"));
+  connect(&theme, &Theme::changed, this, [this] { update(); });
+}
+
+void WallPreview::setThickness(double thickness) {
+  thickness_ = thickness;
+  setAccessibleName(QStringLiteral("Wall %1 thick").arg(qtText(plainDecimalText(thickness))));
+  update();
+}
+
+void WallPreview::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  paintBox(painter, rect(), 8, theme_.background(), theme_.border());
+  if (!(thickness_ > 0)) return;
+  const QString text = qtText(plainDecimalText(thickness_));
+  const QFont font = fontOf(TextStyle::mono);
+  const int textWidth = std::min(QFontMetrics(font).horizontalAdvance(text), 60);
+  const double band = std::clamp(thickness_ * kPreviewScale, 2.0, height() - 28.0);
+  const double top = std::round((height() - band) / 2) + 0.5;
+  const double dimensionX = std::round(width() - 16.0 - textWidth - 14) + 0.5;
+  paintBand(painter, theme_, QRectF(20.5, top, dimensionX - 13 - 20.5, band), true);
+
+  painter.setPen(QPen(theme_.mutedForeground(), 1));
+  painter.drawLine(QPointF(dimensionX, top), QPointF(dimensionX, top + band));
+  for (const double y : {top, top + band}) {
+    painter.drawLine(QPointF(dimensionX - 5, y), QPointF(dimensionX + 5, y));
+    painter.drawLine(QPointF(dimensionX - 3.5, y + 3.5), QPointF(dimensionX + 3.5, y - 3.5));
+  }
+  painter.setFont(font);
+  painter.setPen(theme_.foreground());
+  painter.drawText(QRectF(dimensionX + 9, 0, textWidth + 4, height()), Qt::AlignVCenter | Qt::AlignLeft,
+                   text);
+}
+
+// --- The panel
+
+WallSystemPanelView::WallSystemPanelView(SketchViewModel& sketch, Theme& theme, QWidget* parent)
+    : Panel(theme, Qt::LeftEdge, parent),
+      sketch_(sketch),
+      heading_(new TextLabel(theme, TextStyle::heading, TextLabel::Rank::secondary, "WALL SYSTEMS", this)),
+      model_(new WallSystemListModel(this)),
+      list_(new WallSystemRowsView(theme, *model_, this)),
+      divider_(new Hairline(theme, Qt::Horizontal, this)),
+      contextTitle_(new TextLabel(theme, TextStyle::heading, TextLabel::Rank::secondary, {}, this)),
+      preview_(new WallPreview(theme, this)),
+      assignButton_(
+          new Button(theme, Button::Kind::outlined, QStringLiteral("Assign to selected wall"), this)),
+      unfoldButton_(new Button(theme, Button::Kind::plain, QString(), this)),
+      update_(sketch, kShownFields, this, [this] { refresh(); }) {
+  setObjectName(QStringLiteral("wallSystems"));
+  setAccessibleName(QStringLiteral("Wall systems"));
+  list_->setObjectName(QStringLiteral("wallSystems.list"));
+  list_->setAccessibleName(QStringLiteral("Wall systems"));
+  contextTitle_->setObjectName(QStringLiteral("wallSystems.contextTitle"));
+  connect(list_, &QAbstractItemView::clicked, this, [this](const QModelIndex& index) {
+    selectWallSystemRow(sketch_, UUID(model_->row(index.row()).spec.id));
+  });
+
+  struct FieldText {
+    WallSystemField field;
+    const char* label;
+    const char* identifier;
+  };
+  constexpr std::array<FieldText, 3> texts{
+      FieldText{WallSystemField::thickness, "Thickness", "wallSystems.thickness"},
+      FieldText{WallSystemField::height, "Height", "wallSystems.height"},
+      FieldText{WallSystemField::assemblyNotes, "Assembly", "wallSystems.assembly"}};
+  for (std::size_t i = 0; i < fields_.size(); ++i) {
+    const bool isNumeric = texts[i].field != WallSystemField::assemblyNotes;
+    fields_[i].field = texts[i].field;
+    fields_[i].label =
+        new TextLabel(theme, TextStyle::small, TextLabel::Rank::secondary, texts[i].label, this);
+    auto* input = new Field(theme, isNumeric, this);
+    fields_[i].input = input;
+    input->setObjectName(texts[i].identifier);
+    input->setAccessibleName(texts[i].label);
+    if (!isNumeric) input->setItalicPlaceholder(QStringLiteral("notes"));
+    input->installEventFilter(this);
+    connect(input, &QLineEdit::returnPressed, this, [this, i] { commit(fields_[i]); });
+    if (i > 0) setTabOrder(fields_[i - 1].input, input);
+  }
+  assignButton_->setObjectName(QStringLiteral("wallSystems.assign"));
+  setTabOrder(fields_.back().input, assignButton_);
+  connect(assignButton_, &QPushButton::clicked, this, [this] { assignPanelSystemToSelection(sketch_); });
+
+  unfoldButton_->setObjectName(QStringLiteral("wallSystems.unfold"));
+  unfoldButton_->setIconDrawing(Icon::wall, 18);
+  unfoldButton_->setPaddings(7, 30);
+  unfoldButton_->setAccessibleName(QStringLiteral("Show wall systems"));
+  unfoldButton_->setToolTip(QStringLiteral("Wall systems"));
+  connect(unfoldButton_, &QPushButton::clicked, this, &WallSystemPanelView::unfoldRequested);
+  setRail(false);
+  refresh();
+}
+
+void WallSystemPanelView::setRail(bool rail) {
+  rail_ = rail;
+  for (QObject* child : children()) {
+    auto* widget = qobject_cast<QWidget*>(child);
+    if (widget != nullptr) widget->setVisible((widget == unfoldButton_) == rail);
+  }
+  place();
+}
+
+void WallSystemPanelView::resizeEvent(QResizeEvent* event) {
+  Panel::resizeEvent(event);
+  place();
+}
+
+void WallSystemPanelView::place() {
+  unfoldButton_->setGeometry((width() - 32 + 1) / 2, 8, 32, 30);
+  const int inner = width() - 2 * kEdge;
+  int y = kEdge;
+  heading_->setGeometry(kEdge, y, inner, 16);
+  y += 16 + 8;
+  const int listHeight = std::clamp(height() - y - 16 - kInspectorHeight, kRowHeight,
+                                    std::max(kRowHeight, list_->wantedHeight()));
+  list_->setGeometry(kInset + 1, y, width() - 2 * kInset - 1, listHeight);
+  y += listHeight + 12;
+  divider_->setGeometry(1, y, width() - 1, 1);
+  y += 1 + 16;
+  contextTitle_->setGeometry(kEdge, y, inner, 16);
+  y += 16 + 12;
+  preview_->setGeometry(kEdge, y, inner, kPreviewHeight);
+  y += kPreviewHeight + 16;
+  for (const FieldRow& row : fields_) {
+    row.label->setGeometry(kEdge, y, kLabelColumn, 28);
+    row.input->setGeometry(kEdge + kLabelColumn, y, inner - kLabelColumn, 28);
+    y += 36;
+  }
+  assignButton_->setGeometry(kEdge, y + 8, inner, 28);
+}
+
+bool WallSystemPanelView::eventFilter(QObject* object, QEvent* event) {
+  // A field that is left without Return shows again what holds.
+  if (event->type() == QEvent::FocusOut && qobject_cast<Field*>(object) != nullptr) showFieldTexts(true);
+  return Panel::eventFilter(object, event);
+}
+
+void WallSystemPanelView::refresh() {
+  model_->setRows(wallSystemRows(sketch_));
+  const QString title = qtText(panelContextTitle(sketch_));
+  contextTitle_->setText(contextTitle_->fontMetrics().elidedText(title, Qt::ElideRight, kWidth - 2 * kEdge));
+  contextTitle_->setAccessibleName(title);
+  assignButton_->setEnabled(selectedWallEntity(sketch_) != nullptr);
+  const WallSystemSpec* spec = panelSystem(sketch_);
+  const bool isAnother = !spec || !shown_ || shown_->id != spec->id;
+  shown_ = spec != nullptr ? std::optional(*spec) : std::nullopt;
+  preview_->setThickness(spec != nullptr ? spec->thickness : 0);
+  showFieldTexts(isAnother);
+  list_->viewport()->update();
+  place();
+}
+
+void WallSystemPanelView::showFieldTexts(bool evenWhileEditing) {
+  for (const FieldRow& row : fields_) {
+    row.input->setEnabled(shown_.has_value());
+    if (!evenWhileEditing && row.input->hasFocus() && row.input->isModified()) continue;
+    const QString text = shown_ ? qtText(wallSystemFieldText(*shown_, row.field)) : QString();
+    if (row.input->text() != text) row.input->setText(text);
+    row.input->setModified(false);
+  }
+}
+
+void WallSystemPanelView::commit(const FieldRow& row) {
+  if (!shown_) return;
+  commitWallSystemField(sketch_, shown_->id, row.field, plainText(row.input->text()));
+  row.input->setModified(false);
+  refresh();
+}
+
+}  // namespace ostrelon
