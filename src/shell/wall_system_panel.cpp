@@ -306,7 +306,7 @@ void WallSystemPanelView::place() {
 
 bool WallSystemPanelView::eventFilter(QObject* object, QEvent* event) {
   // A field that is left without Return shows again what holds.
-  if (event->type() == QEvent::FocusOut && qobject_cast<Field*>(object) != nullptr) showFieldTexts(true);
+  if (event->type() == QEvent::FocusOut) showFieldTexts(true);
   return Panel::eventFilter(object, event);
 }
 

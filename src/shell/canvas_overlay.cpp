@@ -1,0 +1,489 @@
+#include "shell/canvas_overlay.h"
+
+#include <fmt/format.h>
+
+#include <QFocusEvent>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+
+#include "app/align.h"
+#include "interaction/canvas_transform.h"
+#include "interaction/segment_label.h"
+#include "shell/qt_text.h"
+
+namespace ostrelon {
+namespace {
+
+constexpr int kEdge = 16;
+constexpr int kStackGap = 8;
+constexpr int kToastHeight = 40;
+constexpr int kToastWidest = 480;
+constexpr int kToastRaisedBelow = 720;
+
+// Everything that the badges tell.
+constexpr FieldMask kShownFields = fieldMask(
+    SketchField::entities, SketchField::wallSystemSpecs, SketchField::activeWallSystemSpecID,
+    SketchField::selectedEntityIDs, SketchField::primarySelectedEntityID, SketchField::selectedTool,
+    SketchField::draft, SketchField::polygonDraft, SketchField::hoveredEntityID, SketchField::hoverViewPoint,
+    SketchField::cursorSketchPoint, SketchField::activeEntitySnapPoint, SketchField::activeGridSnapPoint,
+    SketchField::snapFeedback, SketchField::acquiredEntitySnap, SketchField::pendingTrackingAcquire,
+    SketchField::trimCuttingEdgeEntityID, SketchField::viewport, SketchField::canvasSize,
+    SketchField::selectDrag, SketchField::isSegmentLengthEditing, SketchField::segmentLengthEditText,
+    SketchField::segmentLengthEditError, SketchField::documentToast);
+
+QString entityCount(std::size_t count) {
+  return QStringLiteral("%1 %2").arg(count).arg(count == 1 ? "entity" : "entities");
+}
+
+void showBadge(Badge& badge, const std::optional<std::string>& text, Icon icon, TextStyle style) {
+  badge.setVisible(text.has_value());
+  if (!text) return;
+  badge.setParts({{.icon = icon, .words = qtText(*text), .iconInk = BadgePart::Ink::active, .style = style}});
+  badge.resize(badge.sizeHint());
+}
+
+}  // namespace
+
+// --- The hover label
+
+EntityHoverLabel::EntityHoverLabel(Theme& theme, QWidget* parent)
+    : Badge(theme, QStringLiteral("canvas.hoverLabel"), parent) {}
+
+void EntityHoverLabel::show(const QString& label, bool accent) {
+  setFilled(accent);
+  setParts({{.words = label}});
+  resize(sizeHint());
+  setVisible(true);
+}
+
+// --- The toast
+
+ToastView::ToastView(Theme& theme, QWidget* parent) : QWidget(parent), theme_(theme) {
+  setObjectName(QStringLiteral("canvas.toast"));
+  setAttribute(Qt::WA_TransparentForMouseEvents);
+  hide();
+  slide_.setStartValue(0.0);
+  slide_.setEndValue(1.0);
+  slide_.setEasingCurve(QEasingCurve::OutCubic);
+  connect(&slide_, &QVariantAnimation::valueChanged, this, [this] { place(); });
+  connect(&theme, &Theme::changed, this, [this] { update(); });
+}
+
+void ToastView::setToast(const std::optional<DocumentToastState>& toast) {
+  if (toast == toast_) return;
+  const bool slidesIn = !toast_ && toast;
+  toast_ = toast;
+  if (spinnerTimer_ != 0) killTimer(std::exchange(spinnerTimer_, 0));
+  if (!toast) {
+    slide_.stop();
+    hide();
+    return;
+  }
+  setAccessibleName(qtText(toast->message));
+  if (toast->style == DocumentToastState::Style::saving && animationMilliseconds(1) > 0) {
+    spinnerTimer_ = startTimer(40);
+  }
+  show();
+  raise();
+  if (slidesIn) {
+    slide_.setDuration(animationMilliseconds(120));
+    slide_.start();
+    if (animationMilliseconds(120) == 0) place();
+  }
+  place();
+  update();
+}
+
+void ToastView::setAnchor(QPoint bottomMiddle, int canvasWidth) {
+  anchor_ = bottomMiddle;
+  room_ = std::min(kToastWidest, canvasWidth - 2 * kEdge);
+  if (toast_) place();
+}
+
+void ToastView::place() {
+  if (!toast_) return;
+  const int words = QFontMetrics(fontOf(TextStyle::control)).horizontalAdvance(qtText(toast_->message));
+  const int width = std::clamp(words + 16 + 12 + 2 * 14, 120, std::max(120, room_));
+  const int reach = shadowReach(2);
+  const double shown = slide_.state() == QAbstractAnimation::Running ? slide_.currentValue().toDouble() : 1.0;
+  const int rise = static_cast<int>(std::lround((1 - shown) * 12));
+  setGeometry(anchor_.x() - width / 2 - reach, anchor_.y() - kToastHeight - reach + rise, width + 2 * reach,
+              kToastHeight + 2 * reach);
+}
+
+void ToastView::paintEvent(QPaintEvent* /*event*/) {
+  if (!toast_) return;
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  if (slide_.state() == QAbstractAnimation::Running) painter.setOpacity(slide_.currentValue().toDouble());
+  const int reach = shadowReach(2);
+  const QRectF box = QRectF(rect()).adjusted(reach, reach, -reach, -reach);
+  paintShadow(painter, box, theme_, 2, 10);
+  paintBox(painter, box, 10, theme_.card(), theme_.border());
+  const QRectF iconBox(box.left() + 14, box.top(), 16, box.height());
+  switch (toast_->style) {
+    case DocumentToastState::Style::saving:
+      painter.save();
+      painter.translate(iconBox.center());
+      painter.rotate(spinnerAngle_);
+      painter.drawPixmap(QPointF(-8, -8),
+                         iconPixmap(Icon::spinner, 16, theme_.mutedForeground(), devicePixelRatioF()));
+      painter.restore();
+      break;
+    case DocumentToastState::Style::success:
+      paintIcon(painter, Icon::check, iconBox, 16, theme_.green());
+      break;
+    case DocumentToastState::Style::error:
+      paintIcon(painter, Icon::alert, iconBox, 16, theme_.destructive());
+      break;
+  }
+  const QRectF words = box.adjusted(14 + 16 + 12, 0, -14, 0);
+  painter.setFont(fontOf(TextStyle::control));
+  painter.setPen(theme_.foreground());
+  painter.drawText(words, Qt::AlignVCenter | Qt::AlignLeft,
+                   painter.fontMetrics().elidedText(qtText(toast_->message), Qt::ElideRight,
+                                                    static_cast<int>(words.width())));
+}
+
+void ToastView::timerEvent(QTimerEvent* event) {
+  if (event->timerId() != spinnerTimer_) return;
+  spinnerAngle_ = (spinnerAngle_ + 15) % 360;
+  update();
+}
+
+// --- The controls of the view
+
+ViewportButton::ViewportButton(Theme& theme, const QString& title, Icon icon, const QString& identifier,
+                               QWidget* parent)
+    : Button(theme, Kind::plain, QString(), parent) {
+  setObjectName(identifier);
+  setAccessibleName(title);
+  setIconDrawing(icon, 16);
+  setRadius(4);
+  setFixedSize(28, 24);
+}
+
+// The canvas paints the pill of the length; the button over it takes the click, and shows itself while
+// the pointer or the focus is on it.
+class LengthLabelButton final : public Button {
+ public:
+  LengthLabelButton(Theme& theme, QWidget* parent) : Button(theme, Kind::outlined, QString(), parent) {}
+
+ protected:
+  void paintEvent(QPaintEvent* event) override {
+    if (underMouse() || hasFocus()) Button::paintEvent(event);
+  }
+};
+
+// --- The whole
+
+CanvasOverlay::CanvasOverlay(Application& application, Theme& theme, QWidget& canvas)
+    : QObject(&canvas),
+      application_(application),
+      sketch_(application.sketch()),
+      theme_(theme),
+      canvas_(canvas),
+      status_(new Badge(theme, QStringLiteral("canvas.statusBadge"), &canvas)),
+      coordinates_(new Badge(theme, QStringLiteral("canvas.cursorCoordinates"), &canvas)),
+      trimInstruction_(new Badge(theme, QStringLiteral("canvas.trimInstruction"), &canvas)),
+      snapFeedback_(new Badge(theme, QStringLiteral("canvas.snapFeedback"), &canvas)),
+      measurement_(new Badge(theme, QStringLiteral("canvas.draftMeasurement"), &canvas)),
+      hoverLabel_(new EntityHoverLabel(theme, &canvas)),
+      alignBar_(new BadgeBox(theme, 8, &canvas)),
+      alignHorizontal_(new Button(theme, Button::Kind::plain, QStringLiteral("Align horizontal"), alignBar_)),
+      alignVertical_(new Button(theme, Button::Kind::plain, QStringLiteral("Align vertical"), alignBar_)),
+      viewport_(new BadgeBox(theme, 8, &canvas)),
+      gridScale_(new TextLabel(theme, TextStyle::mono, TextLabel::Rank::secondary, {}, viewport_)),
+      percentage_(new TextLabel(theme, TextStyle::measurement, TextLabel::Rank::primary, {}, viewport_)),
+      lengthLabel_(new LengthLabelButton(theme, &canvas)),
+      lengthEditor_(new Field(theme, true, &canvas)),
+      lengthError_(new Badge(theme, QStringLiteral("canvas.segmentLengthError"), &canvas)),
+      toast_(new ToastView(theme, &canvas)),
+      update_(sketch_, kShownFields, this, [this] { refresh(); }) {
+  coordinates_->setMinimumBadgeWidth(132);
+
+  // The align bar.
+  alignBar_->setObjectName(QStringLiteral("canvas.alignBar"));
+  struct AlignButton {
+    Button* button;
+    const char* identifier;
+    Icon icon;
+    AlignmentAxis axis;
+  };
+  auto* alignRow = new QHBoxLayout(alignBar_);
+  alignRow->setContentsMargins(2, 2, 2, 2);
+  alignRow->setSpacing(2);
+  for (const AlignButton& row :
+       {AlignButton{alignHorizontal_, "canvas.alignHorizontal", Icon::alignHorizontal,
+                    AlignmentAxis::horizontal},
+        AlignButton{alignVertical_, "canvas.alignVertical", Icon::alignVertical, AlignmentAxis::vertical}}) {
+    row.button->setObjectName(row.identifier);
+    row.button->setIconDrawing(row.icon, 16);
+    row.button->setTextStyle(TextStyle::badge);
+    row.button->setRadius(4);
+    row.button->setPaddings(8, 24);
+    row.button->setToolTip(row.axis == AlignmentAxis::horizontal
+                               ? QStringLiteral("Bring the centres onto one horizontal line")
+                               : QStringLiteral("Bring the centres onto one vertical line"));
+    connect(row.button, &QPushButton::clicked, this,
+            [this, axis = row.axis] { alignSelectionAndReport(sketch_, axis); });
+    alignRow->addWidget(row.button);
+  }
+
+  // The viewport cluster.
+  viewport_->setObjectName(QStringLiteral("viewport"));
+  auto* cluster = new QHBoxLayout(viewport_);
+  cluster->setContentsMargins(3, 3, 3, 3);
+  cluster->setSpacing(0);
+  gridScale_->setObjectName(QStringLiteral("viewport.gridScale"));
+  gridScale_->setAlignment(Qt::AlignCenter);
+  gridScale_->setMinimumWidth(40);
+  gridScale_->setToolTip(QStringLiteral("Grid step"));
+  percentage_->setObjectName(QStringLiteral("viewport.zoomPercentage"));
+  percentage_->setAlignment(Qt::AlignCenter);
+  percentage_->setFixedWidth(44);
+  percentage_->setToolTip(QStringLiteral("Zoom"));
+  const auto addButton = [&](const QString& title, Icon icon, const char* identifier, std::string_view key,
+                             auto action) {
+    auto* button = new ViewportButton(theme, title, icon, identifier, viewport_);
+    button->setToolTip(toolTipWithKey(title, key));
+    connect(button, &QPushButton::clicked, this, action);
+    cluster->addWidget(button);
+  };
+  const auto addLine = [&] {
+    auto* line = new Hairline(theme, Qt::Vertical, viewport_);
+    line->setFixedHeight(12);
+    cluster->addSpacing(4);
+    cluster->addWidget(line, 0, Qt::AlignVCenter);
+    cluster->addSpacing(4);
+  };
+  const auto zoom = [this](double factor) {
+    const SketchSize size = sketch_.canvasSize;
+    sketch_.zoomViewport(factor, {size.width * 0.5, size.height * 0.5});
+  };
+  cluster->addWidget(gridScale_);
+  addLine();
+  addButton(QStringLiteral("Zoom out"), Icon::minus, "viewport.zoomOut", "⌘-",
+            [zoom] { zoom(kZoomOutFactor); });
+  cluster->addWidget(percentage_);
+  addButton(QStringLiteral("Zoom in"), Icon::plus, "viewport.zoomIn", "⌘+", [zoom] { zoom(kZoomInFactor); });
+  addLine();
+  addButton(QStringLiteral("Zoom to fit"), Icon::fit, "viewport.fit", "⌘0",
+            [this] { sketch_.zoomToFit(sketch_.canvasSize); });
+  addButton(QStringLiteral("Reset view"), Icon::reset, "viewport.reset", "⇧⌘0",
+            [this] { sketch_.resetViewport(sketch_.canvasSize); });
+
+  // The length of a segment: the canvas paints the pill, a button over it takes the click.
+  lengthLabel_->setObjectName(QStringLiteral("canvas.segmentLengthLabel"));
+  lengthLabel_->setTextStyle(TextStyle::measurement);
+  lengthLabel_->setRadius(5);
+  lengthLabel_->setPaddings(7, 20);
+  lengthLabel_->setToolTip(QStringLiteral("Type a length"));
+  connect(lengthLabel_, &QPushButton::clicked, this, [this] { beginLengthEdit(); });
+  lengthEditor_->setObjectName(QStringLiteral("canvas.segmentLengthEditor"));
+  lengthEditor_->setAccessibleName(QStringLiteral("Length in feet and inches"));
+  lengthEditor_->setFixedHeight(24);
+  lengthEditor_->setAlignment(Qt::AlignCenter);
+  lengthEditor_->installEventFilter(this);
+  connect(lengthEditor_, &QLineEdit::textEdited, this,
+          [this](const QString& text) { sketch_.setSegmentLengthEditText(plainText(text)); });
+  connect(lengthEditor_, &QLineEdit::returnPressed, this, [this] { sketch_.commitSegmentLengthEdit(); });
+  for (QWidget* widget : {static_cast<QWidget*>(lengthLabel_), static_cast<QWidget*>(lengthEditor_),
+                          static_cast<QWidget*>(lengthError_), static_cast<QWidget*>(alignBar_)}) {
+    widget->hide();
+  }
+  refresh();
+}
+
+bool CanvasOverlay::eventFilter(QObject* object, QEvent* event) {
+  // An editor that loses the focus closes without a result.
+  if (object == lengthEditor_ && event->type() == QEvent::FocusOut &&
+      static_cast<QFocusEvent*>(event)->reason() != Qt::ActiveWindowFocusReason &&
+      static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason && *sketch_.isSegmentLengthEditing) {
+    sketch_.closeSegmentLengthEdit();
+  }
+  return QObject::eventFilter(object, event);
+}
+
+void CanvasOverlay::beginLengthEdit() {
+  sketch_.beginSegmentLengthEdit();
+  refreshSegmentLabel();
+}
+
+void CanvasOverlay::refresh() {
+  refreshStatus();
+  refreshPointerBadges();
+  refreshViewport();
+  refreshSegmentLabel();
+  toast_->setToast(sketch_.documentToast);
+  place();
+}
+
+void CanvasOverlay::refreshStatus() {
+  const WallSystemSpec* active = sketch_.activeWallSystemSpec();
+  std::vector<BadgePart> parts{
+      {.icon = Icon::stack, .words = entityCount(sketch_.entities->size())},
+      {.words = qtText(displayName(sketch_.selectedTool)), .hasLineBefore = true},
+      {.words = qtText(sketch_.selectionSummary()), .hasLineBefore = true, .elides = true},
+  };
+  if (active != nullptr)
+    parts.push_back({.icon = Icon::wall, .words = qtText(active->name), .hasLineBefore = true});
+  status_->setParts(std::move(parts));
+  alignBar_->setVisible(sketch_.selectedEntityIDs->size() >= 2);
+}
+
+void CanvasOverlay::refreshPointerBadges() {
+  const auto& cursor = *sketch_.cursorSketchPoint;
+  coordinates_->setVisible(cursor.has_value());
+  if (cursor) {
+    const auto number = [](double value) { return qtText(fmt::format("{:.1f}", value)); };
+    coordinates_->setParts(
+        {{.words = QStringLiteral("X"), .ink = BadgePart::Ink::secondary, .style = TextStyle::mono},
+         {.words = number(cursor->x), .style = TextStyle::measurement},
+         {.words = QStringLiteral("Y"), .ink = BadgePart::Ink::secondary, .style = TextStyle::mono},
+         {.words = number(cursor->y), .style = TextStyle::measurement}});
+    coordinates_->setAccessibleName(
+        QStringLiteral("Cursor coordinates X %1 Y %2").arg(number(cursor->x), number(cursor->y)));
+  }
+  trimInstruction_->setVisible(false);
+  if (sketch_.selectedTool == SketchTool::trim) {
+    if (const auto instruction = sketch_.trimInstruction()) {
+      trimInstruction_->setVisible(true);
+      trimInstruction_->setParts({{.icon = Icon::trim, .words = qtText(*instruction)}});
+    }
+  }
+  showBadge(*snapFeedback_, sketch_.snapFeedback, Icon::scope, TextStyle::badge);
+  showBadge(*measurement_, sketch_.draftMeasurementText(), Icon::ruler, TextStyle::measurement);
+
+  const auto& hovered = *sketch_.hoveredEntityID;
+  const auto label = hovered && *sketch_.hoverViewPoint ? sketch_.entityLabelText(*hovered) : std::nullopt;
+  if (label) {
+    hoverLabel_->show(qtText(*label), sketch_.selectedTool == SketchTool::trim);
+  } else {
+    hoverLabel_->hide();
+  }
+}
+
+void CanvasOverlay::refreshViewport() {
+  gridScale_->setText(qtText(gridScaleLabel(sketch_.viewport->scale)));
+  percentage_->setText(qtText(zoomPercentageLabel(sketch_.viewport->scale)));
+  gridScale_->setAccessibleName(QStringLiteral("Grid step ") + gridScale_->text());
+  percentage_->setAccessibleName(QStringLiteral("Zoom ") + percentage_->text());
+}
+
+void CanvasOverlay::refreshSegmentLabel() {
+  const auto label = segmentLabel(sketch_, sketch_.viewport);
+  const bool isEditing = label && *sketch_.isSegmentLengthEditing;
+  lengthLabel_->setVisible(label && !isEditing);
+  if (label) {
+    const QRectF pill(label->pill.minX, label->pill.minY, label->pill.width(), label->pill.height());
+    lengthLabel_->setText(qtText(label->text));
+    lengthLabel_->setAccessibleName(QStringLiteral("Length ") + qtText(label->text));
+    lengthLabel_->setGeometry(pill.toAlignedRect());
+    const int width = std::max(72, static_cast<int>(pill.width()) + 24);
+    const QRect editor(static_cast<int>(std::lround(pill.center().x())) - width / 2,
+                       static_cast<int>(std::lround(pill.center().y())) - 12, width, 24);
+    lengthEditor_->setGeometry(editor);
+    const auto& error = *sketch_.segmentLengthEditError;
+    if (isEditing && error) {
+      lengthError_->setParts(
+          {{.icon = Icon::alert, .words = qtText(*error), .iconInk = BadgePart::Ink::foreground}});
+      lengthError_->resize(lengthError_->sizeHint());
+      lengthError_->move(std::clamp(editor.center().x() - lengthError_->width() / 2, 4,
+                                    std::max(4, canvas_.width() - lengthError_->width() - 4)),
+                         editor.bottom() + 6);
+    }
+    lengthError_->setVisible(isEditing && error.has_value());
+  } else {
+    lengthError_->hide();
+  }
+  const QString text = qtText(*sketch_.segmentLengthEditText);
+  if (isEditing && !lengthEditor_->isVisible()) {
+    lengthEditor_->setText(text);
+    lengthEditor_->show();
+    lengthEditor_->setFocus(Qt::OtherFocusReason);
+    lengthEditor_->selectAll();
+  } else if (!isEditing && lengthEditor_->isVisible()) {
+    const bool hadFocus = lengthEditor_->hasFocus();
+    lengthEditor_->hide();
+    if (hadFocus) canvas_.setFocus(Qt::OtherFocusReason);
+  } else if (isEditing && lengthEditor_->text() != text) {
+    lengthEditor_->setText(text);
+  }
+}
+
+void CanvasOverlay::place() {
+  const int width = canvas_.width();
+  const int height = canvas_.height();
+  status_->setGeometry(kEdge, kEdge, std::min(status_->sizeHint().width(), std::max(80, width - 2 * kEdge)),
+                       28);
+
+  // The instruction stands in the middle of the top edge, one row down where the status is in the way.
+  int middleTop = kEdge;
+  const auto rowFor = [&](int wanted) {
+    const int left = (width - wanted) / 2;
+    return left < status_->geometry().right() + 16 ? std::max(middleTop, kEdge + 28 + kStackGap) : middleTop;
+  };
+  if (!trimInstruction_->isHidden()) {
+    const int wanted = std::min(trimInstruction_->sizeHint().width(), width - 2 * kEdge);
+    middleTop = rowFor(wanted);
+    trimInstruction_->setGeometry((width - wanted) / 2, middleTop, wanted, 28);
+    middleTop += 28 + kStackGap;
+  }
+  if (!alignBar_->isHidden()) {
+    const QSize wanted = alignBar_->sizeHint();
+    middleTop = rowFor(wanted.width());
+    alignBar_->setGeometry((width - wanted.width()) / 2, middleTop, wanted.width(), 28);
+  }
+
+  coordinates_->setGeometry(kEdge, height - kEdge - 28, coordinates_->sizeHint().width(), 28);
+  const QSize cluster = viewport_->sizeHint();
+  const int clusterWidth = cluster.width();
+  viewport_->setGeometry(width - kEdge - clusterWidth, height - kEdge - 32, clusterWidth, 32);
+  const int toastRise = width < kToastRaisedBelow ? 60 : kEdge;
+  toast_->setAnchor({width / 2, height - toastRise}, width);
+  placePointerBadges();
+}
+
+void CanvasOverlay::placePointerBadges() {
+  const SketchViewport& view = sketch_.viewport;
+  const QSize room = canvas_.size();
+  // Beside a point: to its right and below, on the other side where the edge of the canvas is near.
+  const auto besidePoint = [room](SketchPoint point, QSize size, int right, int below) {
+    int x = static_cast<int>(std::lround(point.x)) + right;
+    int y = static_cast<int>(std::lround(point.y)) + below;
+    if (x + size.width() > room.width() - 8)
+      x = static_cast<int>(std::lround(point.x)) - right - size.width();
+    if (y + size.height() > room.height() - 8)
+      y = static_cast<int>(std::lround(point.y)) - below - size.height();
+    return QPoint(std::max(8, x), std::max(8, y));
+  };
+
+  std::optional<SketchPoint> snapped = sketch_.activeEntitySnapPoint;
+  if (!snapped) snapped = sketch_.activeGridSnapPoint;
+  if (!snapped && *sketch_.draft) snapped = (*sketch_.draft)->current;
+  if (!snapped && *sketch_.polygonDraft) snapped = (*sketch_.polygonDraft)->current;
+  if (!snapped) snapped = sketch_.cursorSketchPoint;
+  const SketchPoint at = snapped ? sketchPointToView(*snapped, view) : SketchPoint{0, 0};
+  QSize both(0, 0);
+  std::vector<Badge*> stack;
+  for (Badge* badge : {snapFeedback_, measurement_}) {
+    if (badge->isHidden()) continue;
+    both = QSize(std::max(both.width(), badge->width()),
+                 both.height() + (stack.empty() ? 0 : 4) + badge->height());
+    stack.push_back(badge);
+  }
+  QPoint corner = besidePoint(at, both, 20, 22);
+  for (Badge* badge : stack) {
+    badge->move(corner);
+    corner.ry() += badge->height() + 4;
+  }
+  if (!hoverLabel_->isHidden() && *sketch_.hoverViewPoint) {
+    hoverLabel_->move(besidePoint(**sketch_.hoverViewPoint, hoverLabel_->size(), 14, 18));
+  }
+}
+
+}  // namespace ostrelon

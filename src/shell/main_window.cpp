@@ -1,0 +1,219 @@
+#include "shell/main_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QDragEnterEvent>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QTextEdit>
+#include <algorithm>
+#include <cmath>
+
+#include "shell/qt_text.h"
+
+namespace ostrelon {
+namespace {
+
+constexpr QSize kDefaultSize(1200, 800);
+constexpr QSize kSmallestSize(760, 560);
+constexpr int kKeyHintsWidth = 1160;
+constexpr int kWallPanelWidth = 1080;
+constexpr int kNavigationWidth = 920;
+constexpr int kShortHeight = 640;
+
+constexpr const char* kGeometryKey = "ostrel.mainWindowGeometry";
+constexpr const char* kConsoleHeightKey = "ostrel.consoleHeight";
+
+// "[*]" marks where Qt shows that a window is modified; a name may hold it too.
+QString titleOf(const std::string& documentName) {
+  return qtText(documentName).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")) +
+         QStringLiteral("[*]");
+}
+
+bool isTextControl(const QWidget* widget) {
+  if (const auto* combo = qobject_cast<const QComboBox*>(widget)) return combo->isEditable();
+  return qobject_cast<const QLineEdit*>(widget) != nullptr ||
+         qobject_cast<const QTextEdit*>(widget) != nullptr ||
+         qobject_cast<const QPlainTextEdit*>(widget) != nullptr;
+}
+
+}  // namespace
+
+MainWindow::MainWindow(Application& application, Theme& theme, QWidget* parent)
+    : QWidget(parent),
+      application_(application),
+      theme_(theme),
+      navigation_(new LeftNavView(application.sketch(), theme, this)),
+      topBar_(new TopMenuBarView(application, theme, this)),
+      canvas_(new CanvasWidget(application.sketch(), this)),
+      overlay_(new CanvasOverlay(application, theme, *canvas_)),
+      console_(new ConsoleView(application.sketch(), theme, this)),
+      wallSystems_(new WallSystemPanelView(application.sketch(), theme, this)),
+      titleUpdate_(
+          application.sketch(),
+          fieldMask(SketchField::documentName, SketchField::documentFileURL, SketchField::isDocumentDirty),
+          this, [this] { refreshTitle(); }) {
+  setObjectName(QStringLiteral("main"));
+  setAcceptDrops(true);
+  setMinimumSize(kSmallestSize);
+  resize(kDefaultSize);
+  canvas_->setObjectName(QStringLiteral("canvas"));
+  canvas_->setAccessibleName(QStringLiteral("Drawing"));
+  canvas_->setProperty("noFocusHalo", true);
+  canvas_->setThemePalette(theme.palette());
+  connect(&theme, &Theme::changed, this, [this] { canvas_->setThemePalette(theme_.palette()); });
+  connect(canvas_, &CanvasWidget::resized, overlay_, &CanvasOverlay::place);
+  connect(console_, &ConsoleView::panelHeightChanged, this, [this] { place(); });
+  connect(navigation_, &LeftNavView::unfoldRequested, this, [this] { unfold(navigation_); });
+  connect(wallSystems_, &WallSystemPanelView::unfoldRequested, this, [this] { unfold(wallSystems_); });
+  qApp->installEventFilter(this);
+  refreshTitle();
+}
+
+MainWindow::~MainWindow() { qApp->removeEventFilter(this); }
+
+// --- Layout
+
+void MainWindow::place() {
+  const int w = width();
+  const int h = height();
+  const bool navigationFolds = w < kNavigationWidth;
+  const bool wallsFold = w < kWallPanelWidth;
+  topBar_->setKeyHintsVisible(w >= kKeyHintsWidth);
+  if ((unfolded_ == navigation_ && !navigationFolds) || (unfolded_ == wallSystems_ && !wallsFold))
+    unfolded_ = nullptr;
+  navigation_->setRail(navigationFolds && unfolded_ != navigation_);
+  wallSystems_->setRail(wallsFold && unfolded_ != wallSystems_);
+
+  const int left = navigationFolds ? LeftNavView::kRailWidth : LeftNavView::kWidth;
+  const int right = wallsFold ? WallSystemPanelView::kRailWidth : WallSystemPanelView::kWidth;
+  const int top = TopMenuBarView::kHeight;
+  const int wanted = static_cast<int>(std::lround(console_->panelHeight()));
+  // A short window shows the console at its least height; its own comes back when there is room.
+  const int consoleHeight = h < kShortHeight ? static_cast<int>(kConsoleMinimumHeight)
+                                             : std::clamp(wanted, static_cast<int>(kConsoleMinimumHeight),
+                                                          std::max(120, h - top - 200));
+  const int canvasWidth = w - left - right;
+
+  navigation_->setGeometry(0, 0, unfolded_ == navigation_ ? LeftNavView::kWidth : left, h);
+  topBar_->setGeometry(left, 0, w - left, top);
+  canvas_->setGeometry(left, top, canvasWidth, h - top - consoleHeight);
+  console_->setGeometry(left, h - consoleHeight, canvasWidth, consoleHeight);
+  const int wallsWidth = unfolded_ == wallSystems_ ? WallSystemPanelView::kWidth : right;
+  wallSystems_->setGeometry(w - wallsWidth, top, wallsWidth, h - top);
+  if (unfolded_ != nullptr) unfolded_->raise();
+}
+
+void MainWindow::unfold(QWidget* panel) {
+  unfolded_ = panel;
+  place();
+}
+
+void MainWindow::foldBack() {
+  if (unfolded_ == nullptr) return;
+  unfolded_ = nullptr;
+  place();
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  place();
+}
+
+void MainWindow::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  place();
+  if (hasAppeared_) return;
+  hasAppeared_ = true;
+  console_->input()->setFocus(Qt::OtherFocusReason);
+  application_.mainViewAppeared();
+}
+
+void MainWindow::restoreLayout() {
+  if (const auto geometry = application_.defaults().text(kGeometryKey)) {
+    restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(*geometry)));
+  }
+  const auto height = application_.defaults().value(kConsoleHeightKey);
+  if (height && std::holds_alternative<double>(*height)) console_->setPanelHeight(std::get<double>(*height));
+}
+
+void MainWindow::saveLayout() {
+  application_.defaults().set(kGeometryKey, saveGeometry().toBase64().toStdString());
+  application_.defaults().set(kConsoleHeightKey, console_->panelHeight());
+}
+
+void MainWindow::refreshTitle() {
+  const SketchViewModel& sketch = application_.sketch();
+  const auto& file = *sketch.documentFileURL;
+  setWindowFilePath(file ? qtText(file->string()) : QString());
+  setWindowTitle(titleOf(*sketch.documentName));
+  setWindowModified(*sketch.isDocumentDirty);
+}
+
+// --- Closing and dropping
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  saveLayout();
+  event->accept();
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+  for (const QUrl& url : event->mimeData()->urls()) {
+    if (url.isLocalFile() && url.toLocalFile().endsWith(QStringLiteral(".ostrel"), Qt::CaseInsensitive)) {
+      event->acceptProposedAction();
+      return;
+    }
+  }
+}
+
+void MainWindow::dropEvent(QDropEvent* /*event*/) {}
+
+// --- Keys and clicks
+
+bool MainWindow::eventFilter(QObject* object, QEvent* event) {
+  auto* widget = qobject_cast<QWidget*>(object);
+  if (widget == nullptr) return false;
+  switch (event->type()) {
+    case QEvent::KeyPress:
+      return routeKey(*static_cast<QKeyEvent*>(event), widget);
+    case QEvent::MouseButtonPress:
+      if (widget->window() == this && unfolded_ != nullptr && widget != unfolded_ &&
+          !unfolded_->isAncestorOf(widget)) {
+        foldBack();
+      }
+      // The canvas leaves the focus with the console, where numbers are typed while drawing; other
+      // fields give it up.
+      if (widget == canvas_ && QApplication::focusWidget() != console_->input()) {
+        canvas_->setFocus(Qt::MouseFocusReason);
+      }
+      return false;
+    default:
+      return false;
+  }
+}
+
+bool MainWindow::routeKey(QKeyEvent& event, QWidget* receiver) {
+  // Each key is looked at once, on its way to the control that has the focus.
+  QWidget* focus = QApplication::focusWidget();
+  if (QApplication::activePopupWidget() != nullptr || QApplication::activeModalWidget() != nullptr)
+    return false;
+  if (focus != nullptr ? receiver != focus : receiver != this) return false;
+  return !isTextControl(focus) && typeIntoConsole(event);
+}
+
+// Words typed with no field focused go to the console.
+bool MainWindow::typeIntoConsole(const QKeyEvent& event) {
+  const Qt::KeyboardModifiers held = event.modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier);
+  QWidget* focus = QApplication::focusWidget();
+  const bool onCanvas = focus == nullptr || focus == canvas_ || focus == this;
+  if (held != Qt::NoModifier || !onCanvas || event.text().isEmpty() || !event.text().front().isPrint())
+    return false;
+  console_->input()->setFocus(Qt::ShortcutFocusReason);
+  console_->input()->setText(console_->input()->text() + event.text());
+  return true;
+}
+
+}  // namespace ostrelon

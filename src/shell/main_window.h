@@ -1,0 +1,65 @@
+// The main window: navigation at the left, the bar above, the canvas with its console strip, and the
+// wall systems at the right. It is laid out by arithmetic, since its panels fold by the window's width.
+#pragma once
+
+#include <QWidget>
+#include <memory>
+
+#include "app/application.h"
+#include "shell/canvas_overlay.h"
+#include "shell/canvas_widget.h"
+#include "shell/console_panel.h"
+#include "shell/left_navigation.h"
+#include "shell/top_bar.h"
+#include "shell/wall_system_panel.h"
+
+namespace ostrelon {
+
+class MainWindow final : public QWidget {
+  Q_OBJECT
+
+ public:
+  MainWindow(Application& application, Theme& theme, QWidget* parent = nullptr);
+  ~MainWindow() override;
+
+  CanvasWidget& canvas() { return *canvas_; }
+  ConsoleView& console() { return *console_; }
+  TopMenuBarView& topBar() { return *topBar_; }
+  LeftNavView& navigation() { return *navigation_; }
+  WallSystemPanelView& wallSystems() { return *wallSystems_; }
+  CanvasOverlay& overlay() { return *overlay_; }
+
+  /// The size and place of the window and its panels, as the last run left them.
+  void restoreLayout();
+  void saveLayout();
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+  bool eventFilter(QObject* object, QEvent* event) override;
+
+ private:
+  void place();
+  void refreshTitle();
+  void unfold(QWidget* panel);
+  void foldBack();
+  bool routeKey(QKeyEvent& event, QWidget* receiver);
+  bool typeIntoConsole(const QKeyEvent& event);
+
+  Application& application_;
+  Theme& theme_;
+  LeftNavView* navigation_;
+  TopMenuBarView* topBar_;
+  CanvasWidget* canvas_;
+  CanvasOverlay* overlay_;
+  ConsoleView* console_;
+  WallSystemPanelView* wallSystems_;
+  QWidget* unfolded_ = nullptr;  // a folded panel that lies unfolded over the canvas
+  bool hasAppeared_ = false;
+  ScheduledUpdate titleUpdate_;
+};
+
+}  // namespace ostrelon
