@@ -155,7 +155,10 @@ void Button::paintEvent(QPaintEvent* /*event*/) {
   const int hintWidth = showsHint ? 8 + QFontMetrics(hintFont).horizontalAdvance(keyHint_) : 0;
   const int iconWidth = icon_ == Icon::none ? 0 : iconSize_ + (text().isEmpty() ? 0 : 8);
   const int room = width() - 2 * std::min(horizontalPadding_, 8) - hintWidth - iconWidth;
-  const QString title = metrics.elidedText(text(), Qt::ElideRight, std::max(0, room));
+  // Widths are rounded one by one, so that a title may seem to miss its room by a pixel.
+  const int wholeWidth = metrics.horizontalAdvance(text());
+  const QString title =
+      wholeWidth <= room + 2 ? text() : metrics.elidedText(text(), Qt::ElideRight, std::max(0, room));
   const int titleWidth = title.isEmpty() ? 0 : metrics.horizontalAdvance(title);
   int x = (width() - iconWidth - titleWidth - hintWidth) / 2;
   if (icon_ != Icon::none) {
@@ -164,7 +167,7 @@ void Button::paintEvent(QPaintEvent* /*event*/) {
   }
   painter.setFont(font);
   painter.setPen(words);
-  painter.drawText(QRect(x, 0, titleWidth + 1, height()), Qt::AlignVCenter | Qt::AlignLeft, title);
+  painter.drawText(QRect(x, 0, titleWidth + 4, height()), Qt::AlignVCenter | Qt::AlignLeft, title);
   x += titleWidth;
   if (showsHint) {
     painter.setFont(hintFont);

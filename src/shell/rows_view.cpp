@@ -71,6 +71,8 @@ QModelIndex RowsView::indexAt(const QPoint& point) const {
 }
 
 void RowsView::updateRange() {
+  // Qt asks while the view is being built, when there are no heights yet.
+  if (model() == nullptr) return;
   QScrollBar* bar = verticalScrollBar();
   const int page = viewport()->height();
   bar->setPageStep(page);

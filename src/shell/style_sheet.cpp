@@ -33,7 +33,7 @@ QComboBox QAbstractItemView::item {{ min-height: 28px; padding: 0 6px; border-ra
 
 QMenuBar {{ background: transparent; border: none; padding: 0; spacing: 0; }}
 QMenuBar::item {{
-  background: transparent; color: {foreground}; padding: 4px 10px; border-radius: 6px;
+  background: transparent; color: {foreground}; padding: 6px 10px; border-radius: 6px;
 }}
 QMenuBar::item:selected {{ background: {muted}; }}
 QMenuBar::item:pressed {{ background: {border}; }}

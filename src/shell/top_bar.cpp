@@ -141,13 +141,11 @@ void TopMenuBarView::place() {
     right -= size.width();
     (*button)->setGeometry(right, middle - 14, size.width(), 28);
   }
-  // The name stands in the middle of the bar where there is room, else in the middle of what is left.
+  // The name stands in the middle of what is left between the menus and the actions.
   const int left = 8 + menus.width() + 12;
   const int room = right - 12 - left;
   const int wanted = std::min(title_->sizeHint().width(), std::max(0, room));
-  const int centred = (width() - wanted) / 2;
-  const int x = std::clamp(centred, left, std::max(left, right - 12 - wanted));
-  title_->setGeometry(x, middle - 14, wanted, 28);
+  title_->setGeometry(left + std::max(0, (room - wanted) / 2), middle - 14, wanted, 28);
 }
 
 void TopMenuBarView::refresh() {
