@@ -443,6 +443,14 @@ class SketchViewModel {
   /// Ends a drag and a marquee before the tool changes.
   void endSelectGestures();
 
+  /// Writes what `edit` makes of the one selected entity, as one undo step.
+  EntityEditResult applyToSelectedEntity(
+      const std::function<std::optional<SketchEntity>(const SketchEntity&)>& edit);
+  /// The positions of the selected entities, ascending.
+  std::vector<std::size_t> selectedPositions() const;
+  /// Appends one or more copies as one undo step and makes them the selection, the first one primary.
+  void appendCopies(std::vector<SketchEntity> copies);
+
   Host host_;
   EntityList entitiesBefore_;
   mutable EntityIndex index_;  // follows `entities`, lazily
