@@ -141,7 +141,7 @@ void HeldFile::append(std::string_view bytes) {
 }
 
 void HeldFile::seal() {
-  if (::fsync(descriptor_) != 0 || ::fchmod(descriptor_, S_IRUSR) != 0) fail(path_, "written");
+  if (::fchmod(descriptor_, S_IRUSR) != 0) fail(path_, "written");
   removesFile_ = false;
 }
 

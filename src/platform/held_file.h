@@ -40,7 +40,7 @@ class HeldFile {
   std::uint64_t size() const { return size_; }
 
   void append(std::string_view bytes);
-  /// Everything has been appended: the bytes reach the disk, and the file stays when the object goes.
+  /// Everything has been appended: the file becomes read-only, and stays when the object goes.
   void seal();
   /// Hands over the whole content from its start, piece by piece. Safe away from the main thread.
   void read(const std::function<void(std::string_view piece)>& take) const;
