@@ -21,6 +21,7 @@
 
 #include "core/console_line.h"
 #include "core/document_history_state.h"
+#include "core/document_on_disk.h"
 #include "core/document_toast.h"
 #include "core/entity_edits.h"
 #include "core/entity_index.h"
@@ -40,6 +41,7 @@
 
 namespace ostrelon {
 
+class DocumentSave;           // documents/document_save.h
 struct LoadedSketchDocument;  // documents/sketch_document.h
 struct SketchDocumentV2;      // documents/sketch_document.h
 struct TrimResult;            // geometry/trim.h
@@ -402,6 +404,11 @@ class SketchViewModel {
   void applyLoadedDocument(LoadedSketchDocument document);
   void saveDocumentFile(const std::filesystem::path& url);
   void openDocumentFile(const std::filesystem::path& url);
+  /// The second half of a save whose file has been written: moves it into its place. The document is
+  /// clean then, unless it has changed since the save was begun.
+  void finishDocumentSave(DocumentSave& save);
+  /// What was last read from or written to a document file; absent before the first time.
+  const std::optional<DocumentOnDisk>& documentOnDisk() const { return documentOnDisk_; }
   void setSaveDialogActive(bool active);
 
   // --- History (documents/history_operations.cpp); failures are thrown as UserError
@@ -455,6 +462,7 @@ class SketchViewModel {
   EntityList entitiesBefore_;
   mutable EntityIndex index_;  // follows `entities`, lazily
   SketchUndoStack undoStack_;
+  std::optional<DocumentOnDisk> documentOnDisk_;
   bool isApplyingUndoRedo_ = false;
   int undoCheckpointSuppressionDepth_ = 0;
   std::optional<ScheduledTask> documentToastDismissTask_;

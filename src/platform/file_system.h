@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -35,10 +36,38 @@ struct FileInfo {
   friend bool operator==(const FileInfo&, const FileInfo&) = default;
 };
 
+/// A new content of a file that lies beside its target, whole and on the disk, but not yet in its
+/// place. Dropping it leaves the target as it was.
+class PendingFile {
+ public:
+  PendingFile() = default;
+  PendingFile(const PendingFile&) = delete;
+  PendingFile& operator=(const PendingFile&) = delete;
+  virtual ~PendingFile() = default;
+
+  /// What the system will tell of the target once this has taken its place.
+  virtual FileInfo info() const = 0;
+  /// Moves the content over the target, at once and for good. Called at most once.
+  virtual void commit() = 0;
+};
+
+/// Held while one of several running copies of the program works on a shared file; let go when
+/// destroyed.
+class FileLock {
+ public:
+  FileLock() = default;
+  FileLock(const FileLock&) = delete;
+  FileLock& operator=(const FileLock&) = delete;
+  virtual ~FileLock() = default;
+};
+
+/// Holds no state, so that a thread of its own may read or prepare a file.
 class FileSystem {
  public:
   /// Takes the next piece of a file that is being written.
   using Writer = std::function<void(std::string_view bytes)>;
+  /// Hands the content of a file to the writer, piece by piece.
+  using Producer = std::function<void(const Writer& write)>;
 
   FileSystem() = default;
   FileSystem(const FileSystem&) = delete;
@@ -47,12 +76,10 @@ class FileSystem {
 
   /// The whole content of a regular file.
   virtual std::string readFile(const FilePath& path) = 0;
-  /// Writes what `produce` hands to its writer into a temporary file beside the target, makes it
-  /// last (file and folder reach the disk), and moves it over the target: after a crash the old
-  /// file is there or the new one, never a part. Permissions of an old file are kept; a symbolic
-  /// link is followed to its target. Missing folders are not made. If `produce` throws, the target
-  /// is left alone and the exception passes on.
-  virtual void writeFile(const FilePath& path, const std::function<void(const Writer&)>& produce) = 0;
+  /// Writes what `produce` hands out into a temporary file beside the target and makes it last.
+  /// Permissions of an old file are kept; a symbolic link is followed to its target. Missing folders
+  /// are not made. If `produce` throws, nothing is left behind and the exception passes on.
+  virtual std::unique_ptr<PendingFile> prepareFile(const FilePath& path, const Producer& produce) = 0;
   /// Absent when nothing is there or it cannot be looked at. Links are followed.
   virtual std::optional<FileInfo> info(const FilePath& path) = 0;
   /// The names in a folder, hidden ones included, in no order.
@@ -64,7 +91,14 @@ class FileSystem {
   /// Removes a file; no error when nothing is there.
   virtual void removeFile(const FilePath& path) = 0;
 
+  /// Waits a short while for the lock of this name, and goes on without it when it does not come:
+  /// a lock orders the writes of two copies and is never a reason to lose one.
+  virtual std::unique_ptr<FileLock> lock(const FilePath& path);
+
   bool exists(const FilePath& path) { return info(path).has_value(); }
+  /// Writes the file and moves it over the target: after a crash the old file is there or the new
+  /// one, never a part.
+  void writeFile(const FilePath& path, const Producer& produce) { prepareFile(path, produce)->commit(); }
   void writeFile(const FilePath& path, std::string_view bytes) {
     writeFile(path, [bytes](const Writer& write) { write(bytes); });
   }
@@ -72,5 +106,7 @@ class FileSystem {
 
 /// An absolute path with "." and ".." taken out, and no trailing slash.
 FilePath standardizedPath(const FilePath& path);
+/// The last part of a path in quotation marks, as messages name it.
+std::string quotedName(const FilePath& path);
 
 }  // namespace ostrelon

@@ -15,9 +15,8 @@ namespace ostrelon::testing {
 /// A file system with nothing in it, on which nothing can be written.
 class NoFileSystem final : public FileSystem {
  public:
-  using FileSystem::writeFile;
   std::string readFile(const FilePath&) override { throw FileError("There is no file."); }
-  void writeFile(const FilePath&, const std::function<void(const Writer&)>&) override {
+  std::unique_ptr<PendingFile> prepareFile(const FilePath&, const Producer&) override {
     throw FileError("Nothing can be written.");
   }
   std::optional<FileInfo> info(const FilePath&) override { return std::nullopt; }

@@ -1,0 +1,48 @@
+// One save of a document, in steps: what is to be saved is held at once and costs nothing that grows
+// with the document, the long part (encoding and writing) may run away from the main thread, and the
+// end belongs to it again.
+//
+//   DocumentSave save(sketch, url);          // main thread
+//   save.write(files);                       // any thread: a temporary file beside the target
+//   sketch.finishDocumentSave(save);         // main thread: into its place, and the document is clean
+#pragma once
+
+#include <memory>
+
+#include "core/document_on_disk.h"
+#include "core/sketch_view_model.h"
+#include "documents/sketch_document.h"
+#include "platform/file_system.h"
+
+namespace ostrelon {
+
+class DocumentSave {
+ public:
+  /// Throws `invalidFileExtension`.
+  DocumentSave(const SketchViewModel& sketch, const FilePath& url);
+
+  const FilePath& url() const { return url_; }
+  /// Encodes and writes. Throws the file system's error or the format's.
+  void write(FileSystem& files);
+  /// Moves what was written into its place.
+  void commit() { pending_->commit(); }
+  /// What lies on the disk after `commit`.
+  const DocumentOnDisk& onDisk() const { return onDisk_; }
+  /// Whether nothing that a document's file holds of the drawing has changed since the save began.
+  bool holdsStateOf(const SketchViewModel& sketch) const;
+  /// Lets go of the entities. To be called on the main thread after a write elsewhere, since the
+  /// storage that lists share is owned by that thread.
+  void release();
+
+ private:
+  FilePath url_;
+  SketchDocumentV2 document_;
+  std::unique_ptr<PendingFile> pending_;
+  DocumentOnDisk onDisk_;
+};
+
+/// Whether the file of the document is there and no longer holds what was last read from it or
+/// written to it. Looks at its identity, size and time, and only where those differ at its content.
+bool documentChangedOnDisk(const SketchViewModel& sketch);
+
+}  // namespace ostrelon

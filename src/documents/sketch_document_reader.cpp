@@ -1,0 +1,207 @@
+#include <algorithm>
+#include <utility>
+
+#include "documents/entity_rows.h"
+#include "documents/json_reading.h"
+#include "documents/sketch_document_io.h"
+#include "documents/verbose_document_reader.h"
+
+namespace ostrelon::SketchDocumentIO {
+namespace {
+
+using Value = JsonReading::Value;
+
+constexpr std::int64_t kCompactFormat = 2;
+constexpr std::int64_t kVerboseFormat = 1;
+
+// Chunks of a list that has undo snapshots beside it are kept small enough that each of the stored
+// steps, which costs a chunk, costs little of the whole.
+constexpr std::size_t kUsualChunk = 512;
+constexpr std::size_t kSmallestChunk = 16;
+constexpr std::size_t kWantedChunks = 200;
+constexpr std::size_t kUsualRowBytes = 70;
+
+// What the first look at a file finds: its format, and how the second is best done.
+struct VersionPeek {
+  std::optional<std::int64_t> v;
+  std::optional<std::int64_t> formatVersion;
+  bool hasUndo = false;
+  bool readsInOrder = true;  // one "ws", and no rows before it
+  std::size_t entityBytes = 0;
+};
+
+VersionPeek peek(JsonReading& reading) {
+  VersionPeek found;
+  bool sawRows = false;
+  bool sawSystems = false;
+  const char* entitiesStart = nullptr;
+  const JsonPlace place;
+  reading.forEachField(reading.root(), [&](std::string_view key, Value& value) {
+    const char* start = JsonReading::start(value);
+    if (entitiesStart != nullptr) {
+      found.entityBytes = static_cast<std::size_t>(start - entitiesStart);
+      entitiesStart = nullptr;
+    }
+    if (key == "v") {
+      found.v = reading.optionalInteger(value, place.under("v"));
+    } else if (key == "formatVersion") {
+      found.formatVersion = reading.optionalInteger(value, place.under("formatVersion"));
+    } else if (key == "ws") {
+      if (sawRows || sawSystems) found.readsInOrder = false;
+      sawSystems = true;
+    } else if (key == "e") {
+      sawRows = true;
+      entitiesStart = start;
+    } else if (key == "undo") {
+      sawRows = true;
+      found.hasUndo = *start == '[';
+    }
+  });
+  if (entitiesStart != nullptr) found.entityBytes = reading.bytesFrom(entitiesStart);
+  reading.expectEnd();
+  return found;
+}
+
+WallSystemSpec readWallSystem(JsonReading& reading, Value& value, const JsonPlace& place) {
+  WallSystemSpec system;
+  bool hasID = false;
+  bool hasName = false;
+  bool hasThickness = false;
+  bool hasHeight = false;
+  bool hasNotes = false;
+  reading.forEachField(reading.object(value, place), [&](std::string_view key, Value& field) {
+    const JsonPlace here = place.under(key);
+    if (key == "i") {
+      system.id = reading.uuid(field, here);
+      hasID = true;
+    } else if (key == "n") {
+      system.name = reading.text(field, here);
+      hasName = true;
+    } else if (key == "t") {
+      system.thickness = reading.number32(field, here);
+      hasThickness = true;
+    } else if (key == "h") {
+      system.height = reading.number32(field, here);
+      hasHeight = true;
+    } else if (key == "a") {
+      system.assemblyNotes = reading.text(field, here);
+      hasNotes = true;
+    } else {
+      reading.pass(field, here);
+    }
+  });
+  if (!hasID) JsonReading::failMissing(place, "i");
+  if (!hasName) JsonReading::failMissing(place, "n");
+  if (!hasThickness) JsonReading::failMissing(place, "t");
+  if (!hasHeight) JsonReading::failMissing(place, "h");
+  if (!hasNotes) JsonReading::failMissing(place, "a");
+  return system;
+}
+
+WallSystemsV2 readWallSystems(JsonReading& reading, Value& value, const JsonPlace& place) {
+  std::optional<std::int64_t> active;
+  std::optional<std::vector<WallSystemSpec>> items;
+  reading.forEachField(reading.object(value, place), [&](std::string_view key, Value& field) {
+    const JsonPlace here = place.under(key);
+    if (key == "active") {
+      active = reading.integer(field, here);
+    } else if (key == "items") {
+      items.emplace();
+      JsonReading::Elements elements(reading, reading.array(field, here));
+      Value element;
+      while (elements.next(element)) {
+        items->push_back(readWallSystem(reading, element, here.at(items->size())));
+      }
+    } else {
+      reading.pass(field, here);
+    }
+  });
+  if (!active) JsonReading::failMissing(place, "active");
+  if (!items) JsonReading::failMissing(place, "items");
+  return {*active, std::move(*items)};
+}
+
+// The wall systems alone, for a file that tells them behind the rows that need them.
+WallSystemsV2 findWallSystems(JsonReading& reading) {
+  WallSystemsV2 found;
+  const JsonPlace place;
+  reading.forEachField(reading.root(), [&](std::string_view key, Value& value) {
+    if (key == "ws") found = readWallSystems(reading, value, place.under("ws"));
+  });
+  return found;
+}
+
+std::vector<double> readViewport(JsonReading& reading, Value& value, const JsonPlace& place) {
+  std::vector<double> numbers;
+  JsonReading::Elements elements(reading, reading.array(value, place));
+  Value element;
+  while (elements.next(element)) numbers.push_back(reading.number(element, place.at(numbers.size())));
+  return numbers;
+}
+
+SketchDocumentV2 readCompactDocument(JsonReading& reading, const VersionPeek& shape) {
+  SketchDocumentV2 document;
+  if (!shape.readsInOrder) document.ws = findWallSystems(reading);
+  const std::size_t rowsInChunk =
+      shape.hasUndo
+          ? std::clamp(shape.entityBytes / kUsualRowBytes / kWantedChunks, kSmallestChunk, kUsualChunk)
+          : kUsualChunk;
+  EntityRows rows(reading, document.ws.items, rowsInChunk, shape.hasUndo);
+
+  bool hasName = false;
+  bool hasGrid = false;
+  bool hasViewport = false;
+  bool hasSystems = false;
+  bool hasEntities = false;
+  const JsonPlace root;
+  reading.forEachField(reading.root(), [&](std::string_view key, Value& value) {
+    const JsonPlace here = root.under(key);
+    if (key == "name") {
+      document.name = reading.text(value, here);
+      hasName = true;
+    } else if (key == "grid") {
+      document.grid = reading.boolean(value, here);
+      hasGrid = true;
+    } else if (key == "vp") {
+      document.vp = readViewport(reading, value, here);
+      hasViewport = true;
+    } else if (key == "ws") {
+      WallSystemsV2 systems = readWallSystems(reading, value, here);
+      if (shape.readsInOrder) document.ws = std::move(systems);
+      hasSystems = true;
+    } else if (key == "e") {
+      document.e = rows.readList(value, here);
+      hasEntities = true;
+    } else if (key == "undo") {
+      document.undo.reset();
+      if (reading.isNull(value)) return;
+      document.undo.emplace();
+      JsonReading::Elements snapshots(reading, reading.array(value, here));
+      Value snapshot;
+      while (snapshots.next(snapshot)) {
+        document.undo->push_back(rows.readList(snapshot, here.at(document.undo->size())));
+      }
+    } else {
+      reading.pass(value, here);
+    }
+  });
+  if (!hasName) JsonReading::failMissing(root, "name");
+  if (!hasGrid) JsonReading::failMissing(root, "grid");
+  if (!hasViewport) JsonReading::failMissing(root, "vp");
+  if (!hasSystems) JsonReading::failMissing(root, "ws");
+  if (!hasEntities) JsonReading::failMissing(root, "e");
+  reading.expectEnd();
+  return document;
+}
+
+}  // namespace
+
+LoadedSketchDocument decodeDocument(std::string bytes) {
+  JsonReading reading(bytes);
+  const VersionPeek shape = peek(reading);
+  if (shape.v == kCompactFormat) return {readCompactDocument(reading, shape)};
+  if (shape.formatVersion == kVerboseFormat) return {readVerboseDocument(reading)};
+  throw DocumentFormatError("Unsupported .ostrel format version.");
+}
+
+}  // namespace ostrelon::SketchDocumentIO

@@ -1,0 +1,315 @@
+#include "platform/disk_file_system.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "platform/uuid.h"
+
+namespace ostrelon {
+namespace {
+
+constexpr int kMostLinks = 40;  // as many links in a row as the system itself follows
+constexpr std::size_t kReadAtOnce = std::size_t{1} << 20;
+constexpr std::size_t kSpareCapacity = 64;  // lets parsers that read in blocks work without a copy
+constexpr auto kLockPatience = std::chrono::milliseconds(1000);
+constexpr auto kLockPause = std::chrono::milliseconds(5);
+
+enum class Doing { reading, writing, listing, makingFolder, removing };
+
+std::string attemptText(Doing doing, const FilePath& path) {
+  switch (doing) {
+    case Doing::reading:
+      return "read " + quotedName(path);
+    case Doing::writing:
+      return "write " + quotedName(path);
+    case Doing::listing:
+      return "look into the folder " + quotedName(path);
+    case Doing::makingFolder:
+      return "make the folder " + quotedName(path);
+    case Doing::removing:
+      return "remove " + quotedName(path);
+  }
+  return {};
+}
+
+// What the system's number means, in words.
+FileError systemError(int number, Doing doing, const FilePath& path) {
+  const std::string attempt = attemptText(doing, path);
+  switch (number) {
+    case ENOENT:
+      if (doing == Doing::writing) {
+        return FileError("The folder " + quotedName(path.parent_path()) + " does not exist.");
+      }
+      return FileError(doing == Doing::listing ? "The folder " + quotedName(path) + " does not exist."
+                                               : "The file " + quotedName(path) + " does not exist.");
+    case ENOTDIR:
+      return FileError("Could not " + attempt + ": a part of its path is not a folder.");
+    case EISDIR:
+      return FileError("Could not " + attempt + ": it is a folder.");
+    case EACCES:
+    case EPERM:
+      return FileError("You do not have permission to " + attempt + ".");
+    case EROFS:
+      return FileError("Could not " + attempt + ": the disk can only be read.");
+    case ENOSPC:
+      return FileError("Could not " + attempt + ": the disk is full.");
+    case EDQUOT:
+      return FileError("Could not " + attempt + ": your share of the disk is used up.");
+    case EFBIG:
+      return FileError("Could not " + attempt + ": the file would be too large.");
+    case ENAMETOOLONG:
+      return FileError("Could not " + attempt + ": the name is too long.");
+    case ELOOP:
+      return FileError("Could not " + attempt + ": its links lead in a circle.");
+    case EMFILE:
+    case ENFILE:
+      return FileError("Could not " + attempt + ": too many files are open.");
+    case EIO:
+      return FileError("Could not " + attempt + ": the disk reported an error.");
+    default:
+      return FileError("Could not " + attempt + ": " + std::generic_category().message(number) + ".");
+  }
+}
+
+// An open file that closes itself.
+class OpenFile {
+ public:
+  explicit OpenFile(int file) : file_(file) {}
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+  ~OpenFile() {
+    if (file_ >= 0) ::close(file_);
+  }
+  int get() const { return file_; }
+  int release() { return std::exchange(file_, -1); }
+
+ private:
+  int file_;
+};
+
+FileInfo infoOf(const struct stat& status) {
+  FileInfo info;
+  info.isRegularFile = S_ISREG(status.st_mode);
+  info.isFolder = S_ISDIR(status.st_mode);
+  info.size = static_cast<std::uint64_t>(status.st_size);
+  info.device = static_cast<std::uint64_t>(status.st_dev);
+  info.inode = static_cast<std::uint64_t>(status.st_ino);
+  const std::chrono::nanoseconds time =
+      std::chrono::seconds(status.st_mtim.tv_sec) + std::chrono::nanoseconds(status.st_mtim.tv_nsec);
+  info.modifiedNanoseconds = time.count();
+  info.modifiedAt = Date(std::chrono::floor<std::chrono::microseconds>(time));
+  return info;
+}
+
+// The file that a path means once links are followed. It need not exist.
+FilePath followLinks(FilePath path) {
+  for (int links = 0; links < kMostLinks; ++links) {
+    std::error_code notALink;
+    const FilePath target = std::filesystem::read_symlink(path, notALink);
+    if (notALink) return path;
+    path = path.parent_path() / target;
+  }
+  throw systemError(ELOOP, Doing::writing, path);
+}
+
+// The file beside the target while it waits to take its place.
+class PendingDiskFile final : public PendingFile {
+ public:
+  PendingDiskFile(const FileSystemCalls& calls, FilePath target, FilePath temporary)
+      : calls_(calls), target_(std::move(target)), temporary_(std::move(temporary)) {}
+  PendingDiskFile(const PendingDiskFile&) = delete;
+  PendingDiskFile& operator=(const PendingDiskFile&) = delete;
+  ~PendingDiskFile() override {
+    if (!committed_) calls_.unlink(temporary_.c_str());
+  }
+
+  void setInfo(const FileInfo& info) { info_ = info; }
+  FileInfo info() const override { return info_; }
+
+  void commit() override {
+    if (calls_.rename(temporary_.c_str(), target_.c_str()) != 0) {
+      throw systemError(errno, Doing::writing, target_);
+    }
+    committed_ = true;
+    // The new name lasts only once the folder has reached the disk too.
+    const FilePath folder = target_.parent_path();
+    const int file = calls_.open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0);
+    if (file < 0) {
+      if (errno == EACCES) return;  // a folder that may be written but not read cannot be made to last
+      throw systemError(errno, Doing::writing, target_);
+    }
+    const OpenFile open(file);
+    // Some file systems know no such thing for folders and say so by EINVAL.
+    if (calls_.fsync(file) != 0 && errno != EINVAL) throw systemError(errno, Doing::writing, target_);
+  }
+
+ private:
+  FileSystemCalls calls_;
+  FilePath target_;
+  FilePath temporary_;
+  FileInfo info_;
+  bool committed_ = false;
+};
+
+class DiskFileLock final : public FileLock {
+ public:
+  explicit DiskFileLock(int file) : file_(file) {}
+
+ private:
+  OpenFile file_;  // closing it lets the lock go
+};
+
+}  // namespace
+
+FileSystemCalls FileSystemCalls::ofTheSystem() {
+  return {
+      [](const char* path, int flags, mode_t mode) { return ::open(path, flags, mode); },
+      ::write,
+      ::fchmod,
+      ::fsync,
+      ::close,
+      [](const char* from, const char* to) { return std::rename(from, to); },
+      ::unlink,
+  };
+}
+
+DiskFileSystem::DiskFileSystem(FileSystemCalls calls) : calls_(std::move(calls)) {
+  std::signal(SIGXFSZ, SIG_IGN);
+}
+
+std::string DiskFileSystem::readFile(const FilePath& path) {
+  // Without blocking, so that opening a pipe with no writer cannot hold the program.
+  const OpenFile file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  if (file.get() < 0) throw systemError(errno, Doing::reading, path);
+  struct stat status {};
+  if (::fstat(file.get(), &status) != 0) throw systemError(errno, Doing::reading, path);
+  if (S_ISDIR(status.st_mode)) throw systemError(EISDIR, Doing::reading, path);
+  if (!S_ISREG(status.st_mode)) {
+    throw FileError("Could not " + attemptText(Doing::reading, path) + ": it is not an ordinary file.");
+  }
+  std::string bytes;
+  const auto expected = static_cast<std::size_t>(status.st_size);
+  bytes.reserve(expected + kSpareCapacity);
+  std::size_t filled = 0;
+  while (true) {
+    // The size is a hint: the file may grow or shrink meanwhile, and some tell none.
+    const std::size_t wanted = filled < expected ? expected : filled + kReadAtOnce;
+    bytes.resize(wanted);
+    const ssize_t count = ::read(file.get(), bytes.data() + filled, wanted - filled);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) throw systemError(errno, Doing::reading, path);
+    filled += static_cast<std::size_t>(count);
+    if (count == 0 || (filled == expected && expected > 0)) break;
+  }
+  bytes.resize(filled);
+  return bytes;
+}
+
+std::unique_ptr<PendingFile> DiskFileSystem::prepareFile(const FilePath& path, const Producer& produce) {
+  const FilePath target = followLinks(path);
+  struct stat old {};
+  const bool replaces = ::stat(target.c_str(), &old) == 0;
+  if (replaces) {
+    if (S_ISDIR(old.st_mode)) throw systemError(EISDIR, Doing::writing, target);
+    if (!S_ISREG(old.st_mode)) {
+      throw FileError("Could not " + attemptText(Doing::writing, target) + ": it is not an ordinary file.");
+    }
+    // The new file would take the place of one that is protected from writing: ask the system whether
+    // it may be written, as for a write in place.
+    if (::access(target.c_str(), W_OK) != 0) throw systemError(errno, Doing::writing, target);
+  }
+
+  const FilePath temporary = target.parent_path() / (".ostrelon-" + UUID::random().text() + ".tmp");
+  // A file that will take over the permissions of an old one is closed to others until it has them.
+  const mode_t firstMode = replaces ? 0600 : 0666;
+  const int created = calls_.open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, firstMode);
+  if (created < 0) throw systemError(errno, Doing::writing, target);
+  OpenFile file(created);
+  auto pending = std::make_unique<PendingDiskFile>(calls_, target, temporary);
+
+  produce([&](std::string_view bytes) {
+    while (!bytes.empty()) {
+      const ssize_t count = calls_.write(file.get(), bytes.data(), bytes.size());
+      if (count < 0 && errno == EINTR) continue;
+      if (count < 0) throw systemError(errno, Doing::writing, target);
+      bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+  });
+
+  if (replaces) {
+    struct stat made {};
+    if (::fstat(file.get(), &made) == 0 && (made.st_uid != old.st_uid || made.st_gid != old.st_gid)) {
+      // Only some users may give files away; for all others the new file is simply their own.
+      [[maybe_unused]] const int owned = ::fchown(file.get(), old.st_uid, old.st_gid);
+    }
+    if (calls_.fchmod(file.get(), old.st_mode & 07777U) != 0) {
+      throw systemError(errno, Doing::writing, target);
+    }
+  }
+  if (calls_.fsync(file.get()) != 0) throw systemError(errno, Doing::writing, target);
+  struct stat written {};
+  if (::fstat(file.get(), &written) != 0) throw systemError(errno, Doing::writing, target);
+  pending->setInfo(infoOf(written));
+  if (calls_.close(file.release()) != 0) throw systemError(errno, Doing::writing, target);
+  return pending;
+}
+
+std::optional<FileInfo> DiskFileSystem::info(const FilePath& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+  return infoOf(status);
+}
+
+std::vector<std::string> DiskFileSystem::list(const FilePath& folder) {
+  std::error_code error;
+  std::vector<std::string> names;
+  std::filesystem::directory_iterator entry(folder, error);
+  if (error) throw systemError(error.value(), Doing::listing, folder);
+  while (entry != std::filesystem::directory_iterator()) {
+    names.push_back(entry->path().filename().string());
+    entry.increment(error);
+    if (error) throw systemError(error.value(), Doing::listing, folder);
+  }
+  return names;
+}
+
+void DiskFileSystem::createFolders(const FilePath& folder) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (error) throw systemError(error.value(), Doing::makingFolder, folder);
+  const auto there = info(folder);
+  if (!there || !there->isFolder) throw systemError(ENOTDIR, Doing::makingFolder, folder);
+}
+
+void DiskFileSystem::copyFile(const FilePath& from, const FilePath& to) {
+  if (exists(to)) throw FileError("Could not write " + quotedName(to) + ": a file of that name is there.");
+  const std::string bytes = readFile(from);
+  writeFile(to, bytes);
+}
+
+void DiskFileSystem::removeFile(const FilePath& path) {
+  if (calls_.unlink(path.c_str()) != 0 && errno != ENOENT) throw systemError(errno, Doing::removing, path);
+}
+
+std::unique_ptr<FileLock> DiskFileSystem::lock(const FilePath& path) {
+  const int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  if (file < 0) return std::make_unique<FileLock>();
+  auto held = std::make_unique<DiskFileLock>(file);
+  const auto end = std::chrono::steady_clock::now() + kLockPatience;
+  while (::flock(file, LOCK_EX | LOCK_NB) != 0 && std::chrono::steady_clock::now() < end) {
+    std::this_thread::sleep_for(kLockPause);
+  }
+  return held;
+}
+
+}  // namespace ostrelon
