@@ -15,8 +15,21 @@ constexpr double kBeyondIntegers = 9'223'372'036'854'775'808.0;  // 2 to the 63r
 
 bool startsNumber(char first) { return first == '-' || (first >= '0' && first <= '9'); }
 
-bool startsValue(char first) {
-  return startsNumber(first) || std::string_view("\"[{tfn").find(first) != std::string_view::npos;
+bool beginsValue(std::string_view token) {
+  switch (token.front()) {
+    case '"':
+    case '[':
+    case '{':
+      return true;
+    case 't':
+      return token.starts_with("true");
+    case 'f':
+      return token.starts_with("false");
+    case 'n':
+      return token.starts_with("null");
+    default:
+      return startsNumber(token.front());
+  }
 }
 
 // The first byte that is not part of a UTF-8 text.
@@ -224,8 +237,9 @@ void JsonReading::failHere() { failAt(here()); }
 
 void JsonReading::failAt(const char* place) {
   const std::size_t offset = place < end() ? static_cast<std::size_t>(place - bytes_.data()) : bytes_.size();
-  throw DocumentFormatError("The file is damaged at byte " + std::to_string(offset) +
-                            (offset == bytes_.size() ? ": its JSON ends too early." : ": it is not JSON."));
+  throw DocumentFormatError(
+      "The file is damaged at byte " + std::to_string(offset) +
+      (offset == bytes_.size() ? ": its JSON does not end as it should." : ": it is not JSON."));
 }
 
 void JsonReading::failStart(simdjson::error_code error) {
@@ -256,9 +270,8 @@ void JsonReading::failNumber(Value& value, const JsonPlace& place) {
 }
 
 void JsonReading::failType(Value& value, const JsonPlace& place, std::string_view expected) {
-  const char* first = start(value);
-  simdjson::ondemand::json_type type{};
-  if (!startsValue(*first) || value.type().get(type) != simdjson::SUCCESS) failAt(first);
+  const std::string_view token = value.raw_json_token();
+  if (!beginsValue(token)) failAt(token.data());
   fail(place, "expected " + std::string(expected));
 }
 

@@ -238,7 +238,7 @@ TEST(DocumentFormat, NamesAMissingKeyOrAMistypedValue) {
 TEST(DocumentFormat, GivesThePlaceWhereTheTextStopsBeingJSON) {
   EXPECT_EQ(failure(""), "The file is empty.");
   EXPECT_EQ(failure(R"({"v":2,"name":tru})"), "The file is damaged at byte 14: it is not JSON.");
-  EXPECT_EQ(failure(R"({"v":2} x)"), "The file is damaged at byte 8: it is not JSON.");
+  EXPECT_EQ(failure(R"({"v":2} x)"), "The file is damaged at byte 9: its JSON does not end as it should.");
   EXPECT_EQ(failure(R"({"v":02})"), "The file is damaged at byte 5: it is not JSON.");
   EXPECT_EQ(failure("{\"v\":2,\"name\":\"a\nb\"}"), "The file is damaged at byte 16: it is not JSON.");
   EXPECT_EQ(failure("{\"name\":\"\xC3\x28\"}"), "The file is damaged at byte 9: it is not UTF-8 text.");
