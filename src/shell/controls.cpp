@@ -1,5 +1,6 @@
 #include "shell/controls.h"
 
+#include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QStyle>
@@ -187,6 +188,19 @@ void Button::leaveEvent(QEvent* event) {
   update();
 }
 
+void Button::keyPressEvent(QKeyEvent* event) {
+  if (isPressingKey(*event)) {
+    click();
+    return;
+  }
+  QPushButton::keyPressEvent(event);
+}
+
+bool isPressingKey(const QKeyEvent& event) {
+  return (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter) &&
+         (event.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+}
+
 // --- Switch
 
 namespace {
@@ -225,6 +239,14 @@ void Switch::paintEvent(QPaintEvent* /*event*/) {
   const double x = isChecked() ? track.right() - knob - 2 : track.left() + 2;
   painter.setBrush(theme_.card());
   painter.drawEllipse(QRectF(x, track.top() + 2, knob, knob));
+}
+
+void Switch::keyPressEvent(QKeyEvent* event) {
+  if (isPressingKey(*event)) {
+    click();
+    return;
+  }
+  QCheckBox::keyPressEvent(event);
 }
 
 // --- Field

@@ -57,6 +57,7 @@ class Button : public QPushButton {
   void paintEvent(QPaintEvent* event) override;
   void enterEvent(QEnterEvent* event) override;
   void leaveEvent(QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
   bool isFilled() const;
@@ -82,6 +83,7 @@ class Switch : public QCheckBox {
 
  protected:
   void paintEvent(QPaintEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
   bool hitButton(const QPoint& position) const override { return rect().contains(position); }
 
  private:
@@ -132,6 +134,9 @@ class Panel : public QWidget {
   Theme& theme_;
   Qt::Edges lines_;
 };
+
+/// Return presses the control that has the focus: Space belongs to the drawing board.
+bool isPressingKey(const QKeyEvent& event);
 
 /// "Save (Ctrl+S)".
 QString toolTipWithKey(const QString& text, std::string_view shortcut);

@@ -39,6 +39,14 @@ void NavToolRow::setIconOnly(bool iconOnly) {
   update();
 }
 
+void NavToolRow::keyPressEvent(QKeyEvent* event) {
+  if (isPressingKey(*event)) {
+    click();
+    return;
+  }
+  QPushButton::keyPressEvent(event);
+}
+
 void NavToolRow::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);

@@ -25,6 +25,7 @@ class NavToolRow final : public QPushButton {
   QSize sizeHint() const override { return {iconOnly_ ? 36 : 204, 30}; }
 
  protected:
+  void keyPressEvent(QKeyEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
  private:

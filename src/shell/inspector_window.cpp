@@ -1,0 +1,390 @@
+#include "shell/inspector_window.h"
+
+#include <QAbstractItemView>
+#include <QCloseEvent>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QScreen>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "app/shortcut_text.h"
+#include "shell/qt_text.h"
+
+namespace ostrelon {
+namespace {
+
+constexpr int kPadding = 16;
+constexpr int kRowHeight = 26;
+constexpr int kButtonColumn = 76;
+
+constexpr FieldMask kShownFields =
+    fieldMask(SketchField::entities, SketchField::selectedEntityIDs, SketchField::primarySelectedEntityID,
+              SketchField::wallSystemSpecs, SketchField::activeWallSystemSpecID);
+
+QVBoxLayout* columnOf(QWidget& page, int spacing) {
+  auto* column = new QVBoxLayout(&page);
+  column->setContentsMargins(kPadding, kPadding, kPadding, kPadding);
+  column->setSpacing(spacing);
+  return column;
+}
+
+}  // namespace
+
+// --- The picker
+
+Picker::Picker(Theme& theme, QWidget* parent) : QComboBox(parent), theme_(theme) {
+  setFont(fontOf(TextStyle::small));
+  setFixedHeight(28);
+  setFocusPolicy(Qt::TabFocus);
+  setAttribute(Qt::WA_Hover);
+  view()->setFont(fontOf(TextStyle::body));
+  connect(&theme, &Theme::changed, this, [this] { update(); });
+}
+
+void Picker::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  paintBox(painter, rect(), 6, underMouse() && isEnabled() ? theme_.muted() : theme_.card(), theme_.border());
+  const QColor words = isEnabled() ? theme_.foreground() : theme_.mutedForeground();
+  const QRect inner = rect().adjusted(9, 0, -26, 0);
+  painter.setFont(font());
+  painter.setPen(words);
+  painter.drawText(inner, Qt::AlignVCenter | Qt::AlignLeft,
+                   fontMetrics().elidedText(currentText(), Qt::ElideRight, inner.width()));
+  paintIcon(painter, Icon::chevronDown, QRectF(width() - 22, 0, 14, height()), 14, theme_.mutedForeground());
+}
+
+// --- The view
+
+EntityInspectorView::EntityInspectorView(SketchViewModel& sketch, Theme& theme, QWidget* parent)
+    : QWidget(parent),
+      sketch_(sketch),
+      theme_(theme),
+      pages_(new QStackedWidget(this)),
+      update_(sketch, kShownFields, this, [this] { refresh(); }) {
+  setObjectName(QStringLiteral("inspector"));
+  setFixedWidth(kWidth);
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->addWidget(pages_);
+  emptyPage_ = makeEmptyPage();
+  manyPage_ = makeManyPage();
+  onePage_ = makeOnePage();
+  for (QWidget* page : {emptyPage_, manyPage_, onePage_}) pages_->addWidget(page);
+  connect(&theme, &Theme::changed, this, [this] {
+    shownIcon_ = Icon::none;
+    refresh();
+  });
+  refresh();
+}
+
+QWidget* EntityInspectorView::makeEmptyPage() {
+  auto* page = new QWidget(pages_);
+  auto* column = columnOf(*page, 4);
+  column->setContentsMargins(24, 28, 24, 28);
+  auto* drawing = new QLabel(page);
+  drawing->setAlignment(Qt::AlignCenter);
+  const auto paint = [this, drawing] {
+    drawing->setPixmap(iconPixmap(Icon::select, 24, theme_.mutedForeground(), devicePixelRatioF()));
+  };
+  paint();
+  connect(&theme_, &Theme::changed, drawing, paint);
+  auto* title = new TextLabel(theme_, TextStyle::bodyStrong, TextLabel::Rank::primary,
+                              QStringLiteral("No selection"), page);
+  title->setObjectName(QStringLiteral("inspector.noSelection"));
+  title->setAlignment(Qt::AlignCenter);
+  auto* hint = new TextLabel(theme_, TextStyle::small, TextLabel::Rank::secondary,
+                             qtText(desktopNotation("Select an entity on the canvas, then press ⌘I.")), page);
+  hint->setAlignment(Qt::AlignCenter);
+  hint->setWordWrap(true);
+  column->addWidget(drawing);
+  column->addSpacing(8);
+  column->addWidget(title);
+  column->addWidget(hint);
+  column->addStretch();
+  return page;
+}
+
+QWidget* EntityInspectorView::makeManyPage() {
+  auto* page = new QWidget(pages_);
+  auto* column = columnOf(*page, 8);
+  manyHeading_ = new TextLabel(theme_, TextStyle::bodyStrong, TextLabel::Rank::primary, {}, page);
+  manyHeading_->setObjectName(QStringLiteral("inspector.selectionHeading"));
+  manyHeading_->setWordWrap(true);
+  auto* hint = new TextLabel(
+      theme_, TextStyle::small, TextLabel::Rank::secondary,
+      QStringLiteral("Shift-click or drag a marquee to add or remove entities from the selection."), page);
+  hint->setWordWrap(true);
+  column->addWidget(manyHeading_);
+  column->addWidget(hint);
+  column->addSpacing(8);
+  auto* duplicate =
+      addAction(*page, Button::Kind::outlined, QStringLiteral("Duplicate All"), "inspector.duplicateAll");
+  connect(duplicate, &QPushButton::clicked, this,
+          [this] { sketch_.duplicateSelection(kDuplicateOffset.x, kDuplicateOffset.y); });
+  auto* remove =
+      addAction(*page, Button::Kind::dangerous, QStringLiteral("Delete All"), "inspector.deleteAll");
+  remove->setIconDrawing(Icon::bin, 16);
+  connect(remove, &QPushButton::clicked, this, [this] { sketch_.deleteSelection(); });
+  column->addStretch();
+  return page;
+}
+
+Button* EntityInspectorView::addAction(QWidget& page, Button::Kind kind, const QString& title,
+                                       const char* identifier) {
+  auto* button = new Button(theme_, kind, title, &page);
+  button->setObjectName(identifier);
+  static_cast<QVBoxLayout*>(page.layout())->addWidget(button);
+  return button;
+}
+
+QWidget* EntityInspectorView::makeOnePage() {
+  auto* page = new QWidget(pages_);
+  auto* column = columnOf(*page, 8);
+
+  auto* titleRow = new QHBoxLayout;
+  titleRow->setSpacing(10);
+  kindIcon_ = new QLabel(page);
+  name_ = new TextLabel(theme_, TextStyle::title, TextLabel::Rank::primary, {}, page);
+  name_->setObjectName(QStringLiteral("inspector.title"));
+  titleRow->addWidget(kindIcon_);
+  titleRow->addWidget(name_, 1);
+  column->addLayout(titleRow);
+
+  metrics_ = new QGridLayout;
+  metrics_->setHorizontalSpacing(8);
+  metrics_->setVerticalSpacing(0);
+  metrics_->setColumnStretch(1, 1);
+  column->addLayout(metrics_);
+  auto* systemRow = new QHBoxLayout;
+  systemLabel_ = new TextLabel(theme_, TextStyle::small, TextLabel::Rank::secondary, "Wall system", page);
+  systemPicker_ = new Picker(theme_, page);
+  systemPicker_->setObjectName(QStringLiteral("inspector.wallSystem"));
+  systemPicker_->setAccessibleName(QStringLiteral("Wall system"));
+  systemPicker_->setFixedWidth(128);
+  connect(systemPicker_, &QComboBox::activated, this, [this](int index) {
+    if (const auto id = UUID::parse(plainText(systemPicker_->itemData(index).toString()))) {
+      applyInspectorWallSystem(sketch_, *id);
+    }
+  });
+  systemRow->addWidget(systemLabel_);
+  systemRow->addStretch();
+  systemRow->addWidget(systemPicker_);
+  column->addLayout(systemRow);
+
+  column->addSpacing(8);
+  column->addWidget(new Hairline(theme_, Qt::Horizontal, page));
+  column->addSpacing(8);
+  column->addWidget(new TextLabel(theme_, TextStyle::bodyStrong, TextLabel::Rank::primary, "Adjust", page));
+
+  lengthRow_ = new QWidget(page);
+  auto* lengthColumns = new QHBoxLayout(lengthRow_);
+  lengthColumns->setContentsMargins(0, 0, 0, 0);
+  lengthColumns->setSpacing(8);
+  lengthField_ = new Field(theme_, true, lengthRow_);
+  lengthField_->setObjectName(QStringLiteral("inspector.length"));
+  lengthField_->setAccessibleName(QStringLiteral("Length in feet and inches"));
+  auto* apply = new Button(theme_, Button::Kind::outlined, QStringLiteral("Apply"), lengthRow_);
+  apply->setObjectName(QStringLiteral("inspector.applyLength"));
+  apply->setFixedWidth(kButtonColumn);
+  lengthColumns->addWidget(lengthField_, 1);
+  lengthColumns->addWidget(apply);
+  column->addWidget(lengthRow_);
+  const auto applyLength = [this] {
+    applyInspectorLength(sketch_, plainText(lengthField_->text()));
+    if (const SketchEntity* entity = sketch_.selectedEntity()) {
+      lengthField_->setText(qtText(inspectorLengthText(*entity)));
+    }
+  };
+  connect(apply, &QPushButton::clicked, this, applyLength);
+  connect(lengthField_, &QLineEdit::returnPressed, this, applyLength);
+
+  auto* nudgeRow = new QHBoxLayout;
+  nudgeRow->setSpacing(8);
+  nudgeX_ = new Field(theme_, true, page);
+  nudgeY_ = new Field(theme_, true, page);
+  nudgeX_->setPrefix(QStringLiteral("x"));
+  nudgeY_->setPrefix(QStringLiteral("y"));
+  nudgeX_->setObjectName(QStringLiteral("inspector.nudgeX"));
+  nudgeY_->setObjectName(QStringLiteral("inspector.nudgeY"));
+  nudgeX_->setAccessibleName(QStringLiteral("Nudge along x"));
+  nudgeY_->setAccessibleName(QStringLiteral("Nudge along y"));
+  auto* nudge = new Button(theme_, Button::Kind::outlined, QStringLiteral("Nudge"), page);
+  nudge->setObjectName(QStringLiteral("inspector.nudge"));
+  nudge->setFixedWidth(kButtonColumn);
+  nudgeRow->addWidget(nudgeX_, 1);
+  nudgeRow->addWidget(nudgeY_, 1);
+  nudgeRow->addWidget(nudge);
+  column->addLayout(nudgeRow);
+  const auto applyNudge = [this] {
+    applyInspectorNudge(sketch_, plainText(nudgeX_->text()), plainText(nudgeY_->text()));
+  };
+  connect(nudge, &QPushButton::clicked, this, applyNudge);
+  connect(nudgeX_, &QLineEdit::returnPressed, this, applyNudge);
+  connect(nudgeY_, &QLineEdit::returnPressed, this, applyNudge);
+
+  convertButton_ = addAction(*page, Button::Kind::outlined, {}, "inspector.convert");
+  connect(convertButton_, &QPushButton::clicked, this, [this] { applyInspectorConvert(sketch_); });
+
+  column->addSpacing(8);
+  column->addWidget(new Hairline(theme_, Qt::Horizontal, page));
+  column->addSpacing(8);
+  const auto onShown = [this](auto action) {
+    return [this, action] {
+      if (shown_) action(UUID(entityID(*shown_)));
+    };
+  };
+  auto* duplicate =
+      addAction(*page, Button::Kind::outlined, QStringLiteral("Duplicate"), "inspector.duplicate");
+  connect(duplicate, &QPushButton::clicked, this, onShown([this](const UUID& id) {
+            sketch_.duplicateEntity(id, kDuplicateOffset.x, kDuplicateOffset.y);
+          }));
+  auto* log = addAction(*page, Button::Kind::outlined, QStringLiteral("Log Details to Console"),
+                        "inspector.logDetails");
+  connect(log, &QPushButton::clicked, this,
+          onShown([this](const UUID& id) { sketch_.printEntityDescription(id); }));
+  auto* remove = addAction(*page, Button::Kind::dangerous, QStringLiteral("Delete"), "inspector.delete");
+  remove->setIconDrawing(Icon::bin, 16);
+  connect(remove, &QPushButton::clicked, this, onShown([this](const UUID& id) { sketch_.deleteEntity(id); }));
+  column->addStretch();
+  return page;
+}
+
+void EntityInspectorView::refresh() {
+  const std::size_t count = sketch_.selectedEntityIDs->size();
+  const SketchEntity* entity = sketch_.selectedEntity();
+  QWidget* page = count > 1 ? manyPage_ : entity != nullptr ? onePage_ : emptyPage_;
+  if (page == manyPage_) manyHeading_->setText(qtText(inspectorSelectionHeading(sketch_)));
+  if (page == onePage_) {
+    showEntity(*entity);
+  } else {
+    shown_.reset();
+  }
+  pages_->setCurrentWidget(page);
+  // The stack is as high as the page in front, not as the highest one.
+  page->layout()->activate();
+  const int wanted = page->layout()->hasHeightForWidth() ? page->layout()->heightForWidth(kWidth)
+                                                         : page->sizeHint().height();
+  if (wanted != height()) {
+    setFixedHeight(wanted);
+    Q_EMIT heightChanged();
+  }
+}
+
+void EntityInspectorView::showEntity(const SketchEntity& entity) {
+  const Icon drawing = iconOf(entity);
+  if (drawing != shownIcon_) {
+    kindIcon_->setPixmap(iconPixmap(drawing, 18, theme_.foreground(), devicePixelRatioF()));
+    shownIcon_ = drawing;
+  }
+  const QString label = qtText(sketch_.entityLabelText(entityID(entity)).value_or(""));
+  name_->setText(name_->fontMetrics().elidedText(label, Qt::ElideRight, kWidth - 2 * kPadding - 28));
+  name_->setAccessibleName(label);
+
+  const auto* wall = std::get_if<WallEntity>(&entity);
+  const WallSystemSpec* system = wall != nullptr ? sketch_.wallSystemSpec(wall->systemSpecID) : nullptr;
+  showMetricRows(
+      inspectorMetricRows(entity, system != nullptr ? std::optional(system->thickness) : std::nullopt));
+
+  systemLabel_->setVisible(wall != nullptr);
+  systemPicker_->setVisible(wall != nullptr);
+  if (wall != nullptr) {
+    systemPicker_->clear();
+    int current = -1;
+    for (const WallSystemSpec& spec : *sketch_.wallSystemSpecs) {
+      if (spec.id == wall->systemSpecID) current = systemPicker_->count();
+      systemPicker_->addItem(qtText(spec.name), qtText(spec.id.text()));
+    }
+    systemPicker_->setCurrentIndex(current);
+  }
+
+  lengthRow_->setVisible(inspectorSupportsLength(entity));
+  const QString convert = qtText(inspectorConvertTitle(sketch_, entity));
+  convertButton_->setText(convert);
+  convertButton_->setVisible(!convert.isEmpty());
+  if (!shown_ || !(*shown_ == entity)) {
+    const bool isAnother = !shown_ || entityID(*shown_) != entityID(entity);
+    if (isAnother || !(lengthField_->hasFocus() && lengthField_->isModified())) {
+      lengthField_->setText(qtText(inspectorLengthText(entity)));
+    }
+    shown_ = entity;
+  }
+}
+
+void EntityInspectorView::showMetricRows(const std::vector<InspectorMetricRow>& rows) {
+  while (metricLabels_.size() < rows.size()) {
+    const int row = static_cast<int>(metricLabels_.size());
+    auto* label = new TextLabel(theme_, TextStyle::small, TextLabel::Rank::secondary, {}, onePage_);
+    auto* value = new TextLabel(theme_, TextStyle::mono, TextLabel::Rank::primary, {}, onePage_);
+    value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    value->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    for (TextLabel* text : {label, value}) text->setFixedHeight(kRowHeight);
+    metrics_->addWidget(label, row, 0);
+    metrics_->addWidget(value, row, 1);
+    metricLabels_.push_back(label);
+    metricValues_.push_back(value);
+  }
+  for (std::size_t i = 0; i < metricLabels_.size(); ++i) {
+    const bool isUsed = i < rows.size();
+    metricLabels_[i]->setVisible(isUsed);
+    metricValues_[i]->setVisible(isUsed);
+    if (!isUsed) continue;
+    metricLabels_[i]->setText(qtText(rows[i].label));
+    metricValues_[i]->setText(qtText(rows[i].value));
+    metricValues_[i]->setObjectName(QStringLiteral("inspector.metric.") + qtText(rows[i].label));
+    metricValues_[i]->setAccessibleName(qtText(rows[i].label + ": " + rows[i].value));
+  }
+}
+
+// --- The window
+
+InspectorWindow::InspectorWindow(SketchViewModel& sketch, Theme& theme, QWidget* mainWindow)
+    : QWidget(mainWindow,
+              Qt::Tool | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::CustomizeWindowHint),
+      sketch_(sketch),
+      view_(new EntityInspectorView(sketch, theme, this)),
+      update_(sketch, fieldMask(SketchField::isEntityInspectorVisible), this, [this] { followFlag(); }) {
+  setObjectName(QStringLiteral("entity-inspector"));
+  setWindowTitle(QStringLiteral("Entity Inspector"));
+  connect(view_, &EntityInspectorView::heightChanged, this, [this] { fitContent(); });
+  fitContent();
+  followFlag();
+}
+
+void InspectorWindow::fitContent() { setFixedSize(EntityInspectorView::kWidth, view_->height()); }
+
+void InspectorWindow::followFlag() {
+  const bool isWanted = *sketch_.isEntityInspectorVisible;
+  if (isWanted == isVisible()) return;
+  if (!isWanted) {
+    hide();
+    return;
+  }
+  if (!wasPlaced_ && parentWidget() != nullptr) {
+    // Over the canvas, clear of the wall systems.
+    const QWidget* main = parentWidget()->window();
+    const QRect frame = main->frameGeometry();
+    move(frame.right() - 264 - width() - 24, frame.top() + 44 + 72);
+    wasPlaced_ = true;
+  }
+  show();
+  raise();
+}
+
+void InspectorWindow::closeEvent(QCloseEvent* event) {
+  sketch_.setEntityInspectorVisible(false);
+  event->accept();
+}
+
+void InspectorWindow::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape) {
+    close();
+    return;
+  }
+  QWidget::keyPressEvent(event);
+}
+
+}  // namespace ostrelon

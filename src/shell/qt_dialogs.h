@@ -1,0 +1,30 @@
+// Questions to the user, as Qt shows them: the desktop's own panels for files and folders, and our
+// sheets over the main window for prompts and alerts.
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+
+#include "platform/dialogs.h"
+#include "shell/theme.h"
+
+namespace ostrelon {
+
+class QtDialogs final : public Dialogs {
+ public:
+  explicit QtDialogs(Theme& theme) : theme_(theme) {}
+  /// The window over which questions are asked. Without one they are cancelled.
+  void setWindow(QWidget* window) { window_ = window; }
+
+  void ask(const DialogRequest& request, std::function<void(DialogAnswer)> answered) override;
+
+ private:
+  void askForFile(QWidget& window, const DialogRequest& request, std::function<void(DialogAnswer)> answered);
+  void askForText(QWidget& window, const TextPrompt& prompt, std::function<void(DialogAnswer)> answered);
+  void askAlert(QWidget& window, const Alert& alert, std::function<void(DialogAnswer)> answered);
+
+  Theme& theme_;
+  QPointer<QWidget> window_;
+};
+
+}  // namespace ostrelon
