@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <cmath>
 
 #include "app/wall_panel.h"
 #include "core/length_text.h"
@@ -122,6 +123,91 @@ std::string inspectorConvertTitle(const SketchViewModel& sketch, const SketchEnt
   const WallSystemSpec* active = sketch.activeWallSystemSpec();
   if (!std::holds_alternative<LineEntity>(entity) || active == nullptr) return {};
   return "Convert to Wall (" + active->name + ")";
+}
+
+// --- Reports
+
+EntityEditMessage entityEditMessage(const EntityEditKind& kind, EntityEditResult result) {
+  switch (result) {
+    case EntityEditResult::applied: {
+      const auto target = [](EntityConversionTarget to) {
+        return to == EntityConversionTarget::line ? "line" : "wall";
+      };
+      std::string text = std::visit(
+          Overloaded{
+              [](const LengthEdit& edit) { return fmt::format("Length set to {:g}.", edit.value); },
+              [](const NudgeEdit& edit) {
+                return fmt::format("Selection nudged by ({:g}, {:g}).", edit.dx, edit.dy);
+              },
+              [&](const ConvertEdit& edit) {
+                return fmt::format("Selection converted to {}.", target(edit.target));
+              },
+          },
+          kind);
+      return {std::move(text), false, true};
+    }
+    case EntityEditResult::unchanged:
+      return {"No change.", false, true};
+    case EntityEditResult::noSelection:
+      return {"Select an entity first.", true, false};
+    case EntityEditResult::invalidValue:
+      return {"Invalid edit value.", true, false};
+    case EntityEditResult::unsupported:
+      return {"Edit is not supported for this selection.", true, false};
+  }
+  return {};
+}
+
+namespace {
+
+void report(SketchViewModel& sketch, const EntityEditKind& kind, EntityEditResult result) {
+  EntityEditMessage message = entityEditMessage(kind, result);
+  sketch.appendConsoleLine(std::move(message.text), message.isError, message.isSystem);
+}
+
+}  // namespace
+
+// --- Operations
+
+bool applyInspectorLength(SketchViewModel& sketch, std::string_view lengthText) {
+  const auto value = parseFeetInches(lengthText);
+  if (!value || !(*value > 0) || !std::isfinite(*value)) {
+    sketch.appendConsoleLine("Enter a valid feet/inches length.", true, false);
+    return false;
+  }
+  const EntityEditResult result = sketch.setSelectedEntityLength(*value);
+  report(sketch, LengthEdit{*value}, result);
+  return result == EntityEditResult::applied || result == EntityEditResult::unchanged;
+}
+
+bool applyInspectorNudge(SketchViewModel& sketch, std::string_view xText, std::string_view yText) {
+  const auto dx = parsePlainDecimal(xText);
+  const auto dy = parsePlainDecimal(yText);
+  if (!dx || !dy) {
+    sketch.appendConsoleLine("Enter numeric nudge values.", true, false);
+    return false;
+  }
+  const EntityEditResult result = sketch.nudgeSelectedEntity(*dx, *dy);
+  report(sketch, NudgeEdit{*dx, *dy}, result);
+  return result == EntityEditResult::applied || result == EntityEditResult::unchanged;
+}
+
+void applyInspectorConvert(SketchViewModel& sketch) {
+  const SketchEntity* entity = sketch.selectedEntity();
+  if (entity == nullptr) return;
+  const bool isWall = std::holds_alternative<WallEntity>(*entity);
+  const auto target = isWall ? EntityConversionTarget::line : EntityConversionTarget::wall;
+  report(sketch, ConvertEdit{target}, sketch.convertSelectedEntity(target));
+}
+
+void applyInspectorWallSystem(SketchViewModel& sketch, const UUID& specID) {
+  const WallSystemSpec* spec = sketch.wallSystemSpec(specID);
+  const WallEntity* wall = selectedWallEntity(sketch);
+  if (spec == nullptr || wall == nullptr || wall->systemSpecID == specID) return;
+  const std::string name = spec->name;
+  if (sketch.assignWallSystem(specID, UUID(wall->id))) {
+    sketch.appendConsoleLine("Wall system set to " + name + ".", false, true);
+  }
 }
 
 }  // namespace ostrelon

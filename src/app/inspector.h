@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 #include "core/sketch_view_model.h"
@@ -27,6 +28,29 @@ bool inspectorSupportsLength(const SketchEntity& entity);
 std::string inspectorLengthText(const SketchEntity& entity);
 /// "Convert to Wall (W2-INT)", "Convert to Line", or empty for an entity that cannot be converted.
 std::string inspectorConvertTitle(const SketchViewModel& sketch, const SketchEntity& entity);
+
+// --- Reports
+
+/// The common report of the inspector's edits: what a result says in the console.
+struct EntityEditMessage {
+  std::string text;
+  bool isError = false;
+  bool isSystem = false;
+  friend bool operator==(const EntityEditMessage&, const EntityEditMessage&) = default;
+};
+/// What was asked for. Sketch units.
+struct LengthEdit {
+  double value = 0;
+};
+struct NudgeEdit {
+  double dx = 0;
+  double dy = 0;
+};
+struct ConvertEdit {
+  EntityConversionTarget target = EntityConversionTarget::line;
+};
+using EntityEditKind = std::variant<LengthEdit, NudgeEdit, ConvertEdit>;
+EntityEditMessage entityEditMessage(const EntityEditKind& kind, EntityEditResult result);
 
 // --- Operations on the selected entity. Each reports through the console.
 

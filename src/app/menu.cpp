@@ -4,6 +4,7 @@
 
 #include "app/application.h"
 #include "console/command_interpreter.h"
+#include "interaction/canvas_transform.h"
 
 namespace ostrelon {
 namespace {
@@ -15,6 +16,11 @@ bool canUndo(const Application& app) { return !app.sketch().undoStack().undoSnap
 bool canRedo(const Application& app) { return !app.sketch().undoStack().redoSnapshots().empty(); }
 
 void showHelp(Application& app) { CommandInterpreter::executeCommandLine("help", app.sketch()); }
+void duplicate(Application& app) { app.sketch().duplicateSelection(kDuplicateOffset.x, kDuplicateOffset.y); }
+void zoomBy(Application& app, double factor) {
+  const SketchSize canvas = app.sketch().canvasSize;
+  app.sketch().zoomViewport(factor, {canvas.width * 0.5, canvas.height * 0.5});
+}
 void toggleGrid(Application& app) { app.sketch().setShowGrid(!*app.sketch().showGrid); }
 
 constexpr std::array kMenuCommands{
@@ -23,9 +29,16 @@ constexpr std::array kMenuCommands{
     MenuCommand{"Edit", "Redo", "⇧⌘Z", [](Application& app) { app.sketch().redo(); }, canRedo},
     MenuCommand{"Sketch", "Inspect", "⌘I", [](Application& app) { app.sketch().showEntityInspector(); },
                 hasSelection},
+    MenuCommand{"Sketch", "Duplicate", "⌘D", duplicate, hasSelection},
     MenuCommand{"Sketch", "Clear Sketch", "⇧⌘K", [](Application& app) { app.sketch().clearSketch(); }},
     MenuCommand{"Sketch", "Toggle Grid", "⌘G", toggleGrid},
     MenuCommand{"Console", "Show Help", "", showHelp},
+    MenuCommand{"View", "Zoom In", "⌘+", [](Application& app) { zoomBy(app, kZoomInFactor); }},
+    MenuCommand{"View", "Zoom Out", "⌘-", [](Application& app) { zoomBy(app, kZoomOutFactor); }},
+    MenuCommand{"View", "Zoom to Fit", "⌘0",
+                [](Application& app) { app.sketch().zoomToFit(app.sketch().canvasSize); }},
+    MenuCommand{"View", "Reset View", "⇧⌘0",
+                [](Application& app) { app.sketch().resetViewport(app.sketch().canvasSize); }},
 };
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QHBoxLayout>
+#include <QHideEvent>
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QPainter>
@@ -39,10 +40,12 @@ DialogSheet::DialogSheet(Theme& theme, QWidget& window, int width, int padding)
   hide();
 }
 
-DialogSheet::~DialogSheet() {
-  if (isHidden()) return;
-  const bool isLast = window_.findChildren<DialogSheet*>(Qt::FindDirectChildrenOnly).size() <= 1;
-  if (auto* menus = window_.findChild<QMenuBar*>(); menus != nullptr && isLast) menus->setEnabled(true);
+void DialogSheet::hideEvent(QHideEvent* event) {
+  QWidget::hideEvent(event);
+  if (event->spontaneous()) return;
+  if (auto* menus = window_.findChild<QMenuBar*>(); menus != nullptr && inFrontOf(window_) == nullptr) {
+    menus->setEnabled(true);
+  }
   if (focusBefore_) focusBefore_->setFocus(Qt::OtherFocusReason);
 }
 

@@ -18,7 +18,6 @@ class DialogSheet : public QWidget {
  public:
   /// Covers `window`. `width` and `padding`: of the card, px.
   DialogSheet(Theme& theme, QWidget& window, int width, int padding);
-  ~DialogSheet() override;
 
   QVBoxLayout& content() { return *content_; }
   /// Where a button joins the row at the foot: behind the others, or in front of them.
@@ -42,6 +41,7 @@ class DialogSheet : public QWidget {
  protected:
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   bool focusNextPrevChild(bool next) override;

@@ -35,6 +35,8 @@ Face faceOf(TextStyle style) {
     case TextStyle::bodyStrong:
       return {Family::text, 13, 20, QFont::DemiBold};
     case TextStyle::title:
+      return {Family::text, 15, 22, QFont::DemiBold};
+    case TextStyle::wordmark:
       return {Family::display, 15, 22, QFont::DemiBold};
     case TextStyle::display:
       return {Family::display, 20, 28, QFont::DemiBold};

@@ -17,6 +17,7 @@ enum class TextStyle {
   control,      ///< 13/20, 500: buttons
   bodyStrong,   ///< 13/20, 600
   title,        ///< 15/22, 600
+  wordmark,     ///< 15/22, 600, drawn for display
   display,      ///< 20/28, 600
   mono,         ///< 12/18
   measurement,  ///< mono, 500

@@ -92,7 +92,7 @@ void OstrelLogoView::paintEvent(QPaintEvent* /*event*/) {
   const int x = markOnly_ ? (width() - mark) / 2 : kEdge;
   painter.drawPixmap(QPoint(x, (height() - mark) / 2), logoPixmap(mark, theme_, devicePixelRatioF()));
   if (markOnly_) return;
-  painter.setFont(fontOf(TextStyle::title));
+  painter.setFont(fontOf(TextStyle::wordmark));
   painter.setPen(theme_.foreground());
   painter.drawText(rect().adjusted(x + mark + 10, 0, 0, 0), Qt::AlignVCenter | Qt::AlignLeft,
                    QStringLiteral("Ostrelon"));
