@@ -6,6 +6,7 @@
 
 #include "console/drawing_commands.h"
 #include "console/general_commands.h"
+#include "console/zoom_command.h"
 #include "platform/unicode.h"
 
 namespace ostrelon::CommandInterpreter {
@@ -21,10 +22,11 @@ struct HandlerRow {
 // The order of the tests. Rows behind a word of the same handler are its further spellings, which no
 // alias resolves.
 constexpr std::array kHandlers{
-    HandlerRow{"help", helpCommand},      HandlerRow{"clear", clearCommand},
-    HandlerRow{"spec", specCommand},      HandlerRow{"line", lineCommand},
-    HandlerRow{"wall", wallCommand},      HandlerRow{"circle", circleCommand},
-    HandlerRow{"rect", rectangleCommand}, HandlerRow{"poly", polygonCommand},
+    HandlerRow{"help", helpCommand},     HandlerRow{"clear", clearCommand},
+    HandlerRow{"spec", specCommand},     HandlerRow{"line", lineCommand},
+    HandlerRow{"zoom", zoomCommand},     HandlerRow{"wall", wallCommand},
+    HandlerRow{"circle", circleCommand}, HandlerRow{"rect", rectangleCommand},
+    HandlerRow{"poly", polygonCommand},
 };
 
 }  // namespace

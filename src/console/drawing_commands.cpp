@@ -1,10 +1,12 @@
 #include "console/drawing_commands.h"
 
 #include "console/command_arguments.h"
+#include "console/tool_commands.h"
 
 namespace ostrelon::CommandInterpreter {
 
 Reply lineCommand(const ResolvedCommand& command, SketchViewModel& sketch) {
+  if (command.arguments.size() == 1) return activateToolCommand(SketchTool::line, sketch);
   const auto numbers = command.arguments.size() == 5 ? readNumbers(command.arguments) : std::nullopt;
   if (!numbers) return "Usage: line [<x1> <y1> <x2> <y2>]";
   const auto& n = *numbers;
@@ -47,6 +49,7 @@ Reply rectangleCommand(const ResolvedCommand& command, SketchViewModel& sketch) 
 }
 
 Reply polygonCommand(const ResolvedCommand& command, SketchViewModel& sketch) {
+  if (command.arguments.size() == 1) return activateToolCommand(SketchTool::polygon, sketch);
   const auto numbers = readNumbers(command.arguments);
   if (!numbers || numbers->size() < 4 || numbers->size() % 2 != 0) {
     return "Usage: poly [<x1> <y1> <x2> <y2> ...]  (≥3 vertices)";

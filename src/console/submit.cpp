@@ -1,5 +1,6 @@
 // The one road from the console field into the system.
 #include "console/command_interpreter.h"
+#include "console/numeric_draft_input.h"
 #include "platform/unicode.h"
 
 namespace ostrelon {
@@ -17,6 +18,10 @@ void SketchViewModel::submitCommandInput() {
   commandInput = std::string();
   if (trimmed(text).empty()) return;
   appendConsoleLine("> " + text, false, false);
+  if (auto reply = applyNumericDraftInput(text)) {
+    appendConsoleLine(std::move(reply->message), reply->isError, false);
+    return;
+  }
   if (auto reply = CommandInterpreter::executeCommandLine(text, *this)) {
     const bool isError = readsAsError(*reply);
     appendConsoleLine(std::move(*reply), isError, false);

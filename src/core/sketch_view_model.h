@@ -378,10 +378,12 @@ class SketchViewModel {
   void activateTool(SketchTool tool);
   void activateSelectTool();
   void handleEscape();
-  /// View points; absent when the pointer has left the canvas.
+  std::optional<std::string> draftMeasurementText() const;
+
+  // --- Hovering (interaction/hover.cpp); view points, absent when the pointer has left the canvas
+
   void hoverMoved(std::optional<SketchPoint> viewPoint);
   void recordPointer(std::optional<SketchPoint> viewPoint);
-  std::optional<std::string> draftMeasurementText() const;
 
   // --- The select tool's drags (interaction/select_drag.cpp)
 
@@ -447,8 +449,14 @@ class SketchViewModel {
   void pollTrackingDwell();
   /// What hovering shows for a tool whose first point is not placed yet: entity points alone.
   void showEntityPointFeedback(SketchPoint point);
+  void showHovered(std::optional<UUID> id, std::optional<SketchPoint> viewPoint);
+  /// Clears the snap state unless a draft or a drag shows it.
+  void clearIdleSnapState();
   /// Ends a drag and a marquee before the tool changes.
   void endSelectGestures();
+  void updateHandleDrag(const HandleDrag& drag, SketchPoint point);
+  void updateBodyDrag(const BodyDrag& drag, SketchPoint point);
+  void updateGroupDrag(const MultiBodyDrag& drag, SketchPoint point);
 
   /// Writes what `edit` makes of the one selected entity, as one undo step.
   EntityEditResult applyToSelectedEntity(

@@ -1,9 +1,135 @@
 // The select tool's drags: of a handle, of one entity, of a group. A drag always computes from the
 // entities as they were at its start, so that rounding and snapping do not add up over the moves; its
 // whole course is one undo step.
+#include <cmath>
+
 #include "core/sketch_view_model.h"
+#include "geometry/entity_geometry.h"
+#include "geometry/selection_handles.h"
+#include "interaction/sketch_snapping.h"
 
 namespace ostrelon {
+namespace {
+
+// The movement of a whole entity (or of the group that it leads) whose pointer went by `delta`, as a
+// snap result whose point is the movement: entity points first, then the grid, then the axes.
+SketchSnapResult snappedMove(SketchPoint delta, const SketchViewport& viewport, const SketchEntity& lead,
+                             const EntityList& entities, const SketchSnapping::EntityIDs& excluded,
+                             std::optional<SketchPoint> gridStart) {
+  if (const auto match = SketchSnapping::snapEntityMove(delta, viewport, lead, entities, excluded)) {
+    const auto& [source, target] = *match;
+    SketchSnapResult result;
+    result.point = target.point - source.point;
+    result.entitySnap = target;
+    result.entitySnapSourcePoint = source.point + delta;
+    return result;
+  }
+  if (gridStart) {
+    if (auto grid = SketchSnapping::gridSnap(*gridStart + delta, viewport.scale)) {
+      SketchSnapResult result;
+      result.point = grid->point - *gridStart;
+      result.gridSnap = std::move(grid);
+      return result;
+    }
+  }
+  return SketchSnapping::axisSnapDelta(delta.x, delta.y);
+}
+
+}  // namespace
+
+bool SketchViewModel::beginSelectDrag(SketchPoint press) {
+  const ChangeScope scope(tracker_);
+  selectDragUndoBaseline = std::nullopt;
+  selectMarquee = std::nullopt;
+
+  // Handles come before picking, and only a selection of one has them.
+  if (const SketchEntity* selected = selectedEntity()) {
+    if (const auto handle = hitSelectionHandle(*selected, press, viewport->scale)) {
+      const SketchEntity anchor = *selected;
+      const auto handles = selectionHandles(anchor);
+      const auto position = handles.find(*handle);
+      const auto fixed = handleFixedPoint(*handle, anchor);
+      std::optional<double> reference;
+      if (fixed && position != handles.end()) {
+        const SketchPoint reach = position->second - *fixed;
+        reference = directionDegrees(reach.x, reach.y);
+      }
+      selectDragUndoBaseline = SketchUndoSnapshot{entities};
+      handleDragReferenceAngle = reference;
+      selectDrag = HandleDrag{*handle, entityID(anchor), anchor};
+      return true;
+    }
+  }
+
+  const auto pick = pickEntityAtPoint(entities, press, viewport->scale);
+  if (!pick) return false;
+  const SketchEntity hit = pick->entity;
+  const UUID hitID = entityID(hit);
+  if (!selectedEntityIDs->contains(hitID)) selectOnly(hitID);
+  selectDragUndoBaseline = SketchUndoSnapshot{entities};
+  if (selectedEntityIDs->size() == 1) {
+    selectDrag = BodyDrag{hitID, hit, press};
+    return true;
+  }
+  MultiBodyDrag group{selectedEntityIDs, {}, hitID, press};
+  for (const UUID& id : group.entityIDs) {
+    if (const SketchEntity* member = entity(id)) group.anchors.emplace(id, *member);
+  }
+  selectDrag = std::move(group);
+  return true;
+}
+
+void SketchViewModel::updateSelectDrag(SketchPoint point) {
+  if (!*selectDrag || !std::isfinite(point.x) || !std::isfinite(point.y)) return;
+  const ChangeScope scope(tracker_);
+  std::visit(Overloaded{
+                 [&](const HandleDrag& drag) { updateHandleDrag(drag, point); },
+                 [&](const BodyDrag& drag) { updateBodyDrag(drag, point); },
+                 [&](const MultiBodyDrag& drag) { updateGroupDrag(drag, point); },
+             },
+             **selectDrag);
+}
+
+void SketchViewModel::updateHandleDrag(const HandleDrag& drag, SketchPoint point) {
+  const SketchEntity* current = entity(drag.entityID);
+  if (current == nullptr) return;
+  const SketchSnapResult snap = SketchSnapping::snapHandleDrag(drag.handle, drag.anchor, entities, point,
+                                                               viewport, showGrid, handleDragReferenceAngle);
+  auto moved = applyHandleDrag(drag.handle, *current, drag.anchor, snap.point);
+  if (!moved) return;
+  replaceEntity(drag.entityID, std::move(*moved));
+  publishSnap(snap, handleFixedPoint(drag.handle, drag.anchor));
+}
+
+void SketchViewModel::updateBodyDrag(const BodyDrag& drag, SketchPoint point) {
+  if (entity(drag.entityID) == nullptr) return;
+  const auto gridStart = showGrid ? std::optional(drag.startSketchPoint) : std::nullopt;
+  const SketchSnapResult move =
+      snappedMove(point - drag.startSketchPoint, viewport, drag.anchor, entities, {}, gridStart);
+  replaceEntity(drag.entityID, translatedEntity(drag.anchor, move.point.x, move.point.y));
+  publishSnap(move);
+}
+
+// A group does not use the grid: its members stand on many lines at once.
+void SketchViewModel::updateGroupDrag(const MultiBodyDrag& drag, SketchPoint point) {
+  const auto lead = drag.anchors.find(drag.leadEntityID);
+  if (lead == drag.anchors.end()) return;
+  const SketchSnapResult move = snappedMove(point - drag.startSketchPoint, viewport, lead->second, entities,
+                                            drag.entityIDs, std::nullopt);
+  // All are found before the first is written: finding and writing in turn would copy a chunk of the
+  // list for each member.
+  std::vector<std::pair<std::size_t, const SketchEntity*>> places;
+  places.reserve(drag.anchors.size());
+  for (const auto& [id, anchor] : drag.anchors) {
+    if (const auto place = entityIndex(id)) places.emplace_back(*place, &anchor);
+  }
+  auto& moved = entities.edit();
+  for (const auto& [place, anchor] : places) {
+    moved.replace(place, translatedEntity(*anchor, move.point.x, move.point.y));
+  }
+  isDocumentDirty = true;
+  publishSnap(move);
+}
 
 void SketchViewModel::finishSelectDrag() {
   const ChangeScope scope(tracker_);

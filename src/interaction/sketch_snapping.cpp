@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "geometry/selection_handles.h"
 #include "interaction/axis_directions.h"
 #include "interaction/canvas_transform.h"
 #include "interaction/snap_points.h"
@@ -294,6 +295,25 @@ std::optional<std::pair<EntitySnapTarget, EntitySnapTarget>> snapEntityMove(Sket
   }
   if (match == nullptr) return std::nullopt;
   return std::pair(*source, targetOf(*match));
+}
+
+std::optional<SketchPoint> handleAnchor(const SelectionHandle& handle, const SketchEntity& entity) {
+  return handleFixedPoint(handle, entity);
+}
+
+SketchSnapResult snapHandleDrag(const SelectionHandle& handle, const SketchEntity& entity,
+                                const EntityList& entities, SketchPoint point, const SketchViewport& viewport,
+                                bool useGrid, std::optional<double> referenceAngle) {
+  const auto anchor = handleAnchor(handle, entity);
+  if (!anchor) return snapPoint(point, viewport, entities, {entityID(entity)}, useGrid);
+  if (const auto target = nearestEntityTarget(entities, {entityID(entity)}, point, viewport.scale, anchor)) {
+    return atTarget(*target);
+  }
+  SketchSnapResult locked = axisSnap(*anchor, point, referenceAngle);
+  if (locked.axes.empty() && useGrid) {
+    if (auto grid = gridSnap(point, viewport.scale)) return atGrid(std::move(*grid));
+  }
+  return locked;
 }
 
 }  // namespace ostrelon::SketchSnapping

@@ -1,0 +1,114 @@
+#include "console/numeric_draft_input.h"
+
+#include <cmath>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "core/length_text.h"
+#include "core/sketch_view_model.h"
+#include "interaction/axis_directions.h"
+#include "platform/unicode.h"
+
+namespace ostrelon {
+namespace {
+
+// Where a typed size puts the end of the draft, and how the console tells it.
+struct TypedEnd {
+  SketchPoint current;
+  std::string message;
+};
+
+// The numbers of a line; absent when one does not read or is not finite.
+std::optional<std::vector<double>> readSizes(std::span<const std::string> tokens) {
+  std::vector<double> sizes;
+  for (const std::string& token : tokens) {
+    const auto size = parseDegrees(token);
+    if (!size || !std::isfinite(*size)) return std::nullopt;
+    sizes.push_back(*size);
+  }
+  return sizes;
+}
+
+std::optional<TypedEnd> typedSegment(SketchTool tool, const SketchDraft& draft,
+                                     const std::vector<double>& sizes) {
+  if (sizes.size() > 2 || !(sizes[0] >= kMinimumTypedSize)) return std::nullopt;
+  const SketchPoint span = draft.current - draft.start;
+  SketchPoint direction{1, 0};
+  double degrees = directionDegrees(span.x, span.y);
+  if (sizes.size() == 2) {
+    direction = unitVector(sizes[1]);
+    degrees = std::fmod(sizes[1], 360);
+    if (degrees < 0) degrees += 360;
+  } else if (const double length = std::hypot(span.x, span.y); length > 0) {
+    // A draft that is locked to an axis stays exactly on it.
+    direction = {span.x / length, span.y / length};
+  }
+  return TypedEnd{draft.start + direction * sizes[0], std::string(displayName(tool)) + " added (length " +
+                                                          formatShortNumber(sizes[0]) + ", angle " +
+                                                          formatShortNumber(degrees) + "°)."};
+}
+
+std::optional<TypedEnd> typedCircle(const SketchDraft& draft, const std::vector<double>& sizes) {
+  if (sizes.size() != 1 || !(sizes[0] >= kMinimumTypedSize)) return std::nullopt;
+  return TypedEnd{{draft.start.x + sizes[0], draft.start.y},
+                  "Circle added (radius " + formatShortNumber(sizes[0]) + ")."};
+}
+
+std::optional<TypedEnd> typedRectangle(const SketchDraft& draft, const std::vector<double>& sizes) {
+  if (sizes.size() > 2) return std::nullopt;
+  const double width = sizes.front();
+  const double height = sizes.back();
+  if (!(width >= kMinimumTypedSize) || !(height >= kMinimumTypedSize)) return std::nullopt;
+  const double signX = draft.current.x < draft.start.x ? -1 : 1;
+  const double signY = draft.current.y < draft.start.y ? -1 : 1;
+  return TypedEnd{
+      {draft.start.x + signX * width, draft.start.y + signY * height},
+      "Rectangle added (width " + formatShortNumber(width) + ", height " + formatShortNumber(height) + ")."};
+}
+
+// Null for the tools that take no numbers.
+const char* usageOf(SketchTool tool) {
+  switch (tool) {
+    case SketchTool::line:
+    case SketchTool::wall:
+      return "Usage: <length> [angle] while drawing";
+    case SketchTool::circle:
+      return "Usage: <radius> while drawing circle";
+    case SketchTool::rectangle:
+      return "Usage: <width> [height] while drawing rectangle";
+    case SketchTool::select:
+    case SketchTool::pan:
+    case SketchTool::polygon:
+    case SketchTool::trim:
+      return nullptr;
+  }
+  return nullptr;
+}
+
+std::optional<TypedEnd> typedEnd(SketchTool tool, const SketchDraft& draft,
+                                 const std::vector<double>& sizes) {
+  if (tool == SketchTool::circle) return typedCircle(draft, sizes);
+  if (tool == SketchTool::rectangle) return typedRectangle(draft, sizes);
+  return typedSegment(tool, draft, sizes);
+}
+
+}  // namespace
+
+std::optional<NumericDraftReply> SketchViewModel::applyNumericDraftInput(std::string_view text) {
+  const char* usage = usageOf(selectedTool);
+  if (!*draft || usage == nullptr) return std::nullopt;
+  const auto tokens = splitAtWhiteSpace(text);
+  if (tokens.empty() || !parseDegrees(tokens.front())) return std::nullopt;
+
+  const auto sizes = readSizes(tokens);
+  const auto end = sizes ? typedEnd(selectedTool, **draft, *sizes) : std::nullopt;
+  if (!end) return NumericDraftReply{usage, true};
+  const ChangeScope scope(tracker_);
+  setDraftCurrent(end->current);
+  clearSnapState();
+  commitDraft();
+  return NumericDraftReply{end->message, false};
+}
+
+}  // namespace ostrelon

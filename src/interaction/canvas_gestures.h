@@ -1,0 +1,85 @@
+// The pointer over the canvas, without a window: presses, drags, scrolling and pinching in view points
+// become operations of the view model. The window and the automation interface feed this same layer.
+//
+//   CanvasGestures gestures(sketch);
+//   gestures.press({100, 100});          // the primary button goes down
+//   gestures.drag({180, 100});           // … moves while it is held
+//   gestures.release({180, 100}, shift);  // … and comes up
+//
+// A gesture has changed events, the press being the first, and one end; so a click is a drag of no
+// length. The tool is looked at for each event: the rest of a gesture goes to a tool that is chosen
+// meanwhile. The press is kept in view points and turned into sketch points with the viewport of the
+// moment at which it is used. The end is no change: a draft keeps the point of the last changed event.
+//
+// Events with coordinates that are not finite are ignored, as are drags and releases without a press.
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include "core/sketch_point.h"
+#include "interaction/context_menu.h"
+
+namespace ostrelon {
+
+class SketchViewModel;
+
+/// A press that travels this far is a drag and no click, view points.
+inline constexpr double kDragStartThreshold = 8.0;
+/// A press with the polygon tool that travels this far places no vertex, view points.
+inline constexpr double kPolygonTapSlop = 8.0;
+
+class CanvasGestures {
+ public:
+  /// `sketch` must outlive the object.
+  explicit CanvasGestures(SketchViewModel& sketch) : sketch_(sketch) {}
+
+  // --- The primary button
+
+  void press(SketchPoint viewPoint);
+  void drag(SketchPoint viewPoint);
+  /// `shift` is the state of the Shift key now, at the release.
+  void release(SketchPoint viewPoint, bool shift = false);
+  /// What the platform delivers after the second release of a double click.
+  void doubleClick();
+  bool isPressed() const { return press_.has_value(); }
+  /// Forgets a press whose release will never come. What it has begun stays as it is.
+  void forgetPress() { press_.reset(); }
+
+  // --- The pointer with no button held
+
+  void hover(SketchPoint viewPoint);
+  void leave();
+
+  // --- The view
+
+  /// Moves the view by the deltas of the event, view points.
+  void scroll(double dx, double dy);
+  /// A pinch: zooms by 1 + `magnification` about the pointer.
+  void magnify(SketchPoint viewPoint, double magnification);
+
+  // --- The secondary button
+
+  /// Selects what is under the pointer, with any tool, and gives its menu; absent, with the selection
+  /// cleared, when nothing is there. While an entity is being dragged there is no menu either, and
+  /// nothing changes.
+  std::optional<ContextMenu> contextMenu(SketchPoint viewPoint);
+
+ private:
+  void changed(SketchPoint viewPoint);
+  void selectChanged(SketchPoint viewPoint);
+  void selectEnded(SketchPoint viewPoint, bool additive);
+  void polygonEnded(SketchPoint viewPoint);
+  void draftChanged(SketchPoint viewPoint);
+  void draftEnded(SketchPoint viewPoint);
+  void trimClicked();
+  SketchPoint toSketch(SketchPoint viewPoint) const;
+  /// How far a view point lies from the press, view points.
+  double travelTo(SketchPoint viewPoint) const;
+  bool hasCanvas() const;
+
+  SketchViewModel& sketch_;
+  std::optional<SketchPoint> press_;  // view points
+};
+
+}  // namespace ostrelon

@@ -1,0 +1,48 @@
+// The menu of a secondary click on an entity, as values: the window shows it, the automation
+// interface lists its titles.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "core/sketch_view_model.h"
+
+namespace ostrelon {
+
+struct ContextMenuItem;
+
+/// What choosing an item does.
+enum class ContextMenuCommand { inspect, duplicateSelection, deleteSelection };
+/// Gives this wall system to every selected wall, and says so in the console.
+struct AssignWallSystemChoice {
+  UUID wallSystemID;
+  friend bool operator==(const AssignWallSystemChoice&, const AssignWallSystemChoice&) = default;
+};
+struct ContextMenuSeparator {};
+using ContextMenuSubmenu = std::vector<ContextMenuItem>;
+
+struct ContextMenuItem {
+  std::string title;          ///< empty for a separator
+  std::string_view shortcut;  ///< "⌘I"; empty: none
+  std::variant<ContextMenuSeparator, ContextMenuCommand, AssignWallSystemChoice, ContextMenuSubmenu> content;
+
+  bool isSeparator() const { return std::holds_alternative<ContextMenuSeparator>(content); }
+};
+
+using ContextMenu = std::vector<ContextMenuItem>;
+
+/// The menu for the primary selected entity; absent when there is none.
+std::optional<ContextMenu> entityContextMenu(const SketchViewModel& sketch);
+
+/// Does what the item stands for. A separator and a submenu do nothing. `showInspector` opens the
+/// inspector for the selection.
+void runContextMenuItem(const ContextMenuItem& item, SketchViewModel& sketch,
+                        void (*showInspector)(SketchViewModel&));
+
+/// The titles in order, "-" for a separator.
+std::vector<std::string> contextMenuTitles(const ContextMenu& menu);
+
+}  // namespace ostrelon
