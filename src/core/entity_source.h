@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 #include "core/entity_bounds.h"
@@ -23,6 +24,10 @@ class EntitySource {
       : list_(&index.list()), index_(&index) {}
 
   const EntityList& list() const { return *list_; }
+  /// The first position of the identifier.
+  std::optional<std::size_t> positionOf(const UUID& id) const {
+    return index_ == nullptr ? list_->indexOf(id) : index_->positionOf(id);
+  }
 
   /// Calls `visit(entity, position)` in list order for every entity whose bounds touch the box, and
   /// for others where that is cheaper. `position` is 0-based.

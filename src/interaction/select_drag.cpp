@@ -14,7 +14,7 @@ namespace {
 // The movement of a whole entity (or of the group that it leads) whose pointer went by `delta`, as a
 // snap result whose point is the movement: entity points first, then the grid, then the axes.
 SketchSnapResult snappedMove(SketchPoint delta, const SketchViewport& viewport, const SketchEntity& lead,
-                             const EntityList& entities, const SketchSnapping::EntityIDs& excluded,
+                             EntitySource entities, const SketchSnapping::EntityIDs& excluded,
                              std::optional<SketchPoint> gridStart) {
   if (const auto match = SketchSnapping::snapEntityMove(delta, viewport, lead, entities, excluded)) {
     const auto& [source, target] = *match;
@@ -93,7 +93,7 @@ void SketchViewModel::updateSelectDrag(SketchPoint point) {
 void SketchViewModel::updateHandleDrag(const HandleDrag& drag, SketchPoint point) {
   const SketchEntity* current = entity(drag.entityID);
   if (current == nullptr) return;
-  const SketchSnapResult snap = SketchSnapping::snapHandleDrag(drag.handle, drag.anchor, entities, point,
+  const SketchSnapResult snap = SketchSnapping::snapHandleDrag(drag.handle, drag.anchor, index(), point,
                                                                viewport, showGrid, handleDragReferenceAngle);
   auto moved = applyHandleDrag(drag.handle, *current, drag.anchor, snap.point);
   if (!moved) return;
@@ -105,7 +105,7 @@ void SketchViewModel::updateBodyDrag(const BodyDrag& drag, SketchPoint point) {
   if (entity(drag.entityID) == nullptr) return;
   const auto gridStart = showGrid ? std::optional(drag.startSketchPoint) : std::nullopt;
   const SketchSnapResult move =
-      snappedMove(point - drag.startSketchPoint, viewport, drag.anchor, entities, {}, gridStart);
+      snappedMove(point - drag.startSketchPoint, viewport, drag.anchor, index(), {}, gridStart);
   replaceEntity(drag.entityID, translatedEntity(drag.anchor, move.point.x, move.point.y));
   publishSnap(move);
 }
@@ -114,7 +114,7 @@ void SketchViewModel::updateBodyDrag(const BodyDrag& drag, SketchPoint point) {
 void SketchViewModel::updateGroupDrag(const MultiBodyDrag& drag, SketchPoint point) {
   const auto lead = drag.anchors.find(drag.leadEntityID);
   if (lead == drag.anchors.end()) return;
-  const SketchSnapResult move = snappedMove(point - drag.startSketchPoint, viewport, lead->second, entities,
+  const SketchSnapResult move = snappedMove(point - drag.startSketchPoint, viewport, lead->second, index(),
                                             drag.entityIDs, std::nullopt);
   // All are found before the first is written: finding and writing in turn would copy a chunk of the
   // list for each member.

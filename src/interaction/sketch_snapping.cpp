@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cmath>
-#include <limits>
 
 #include "geometry/selection_handles.h"
 #include "interaction/axis_directions.h"
@@ -15,75 +14,47 @@ namespace {
 // A snap point on its way to become a target: the name is written for the winner alone.
 struct FoundPoint {
   const SketchEntity* entity = nullptr;
-  std::size_t index = 0;
+  std::size_t position = 0;  // 0-based, in the whole document
   SketchPoint point;
   EntitySnapKind kind = EntitySnapKind::endpoint;
-  double distance = 0;
 };
 
-// The nearest snap point within `radius` that `accepts` the entity's identifier. This scan is the
-// definition: entities in list order, points in their own order, and only a nearer one replaces the
-// best so far.
-template <class Accepts>
-std::optional<FoundPoint> nearestPoint(const EntityList& entities, SketchPoint point, double radius,
-                                       std::optional<SketchPoint> fromPoint, Accepts&& accepts) {
-  std::optional<FoundPoint> best;
-  std::size_t index = 0;
-  for (const SketchEntity& entity : entities) {
-    if (accepts(entityID(entity))) {
-      forEachSnapPoint(entity, fromPoint, [&](SketchPoint candidate, EntitySnapKind kind) {
-        const double distance = std::hypot(candidate.x - point.x, candidate.y - point.y);
-        if (!(distance <= radius) || (best && !(distance < best->distance))) return;
-        best = FoundPoint{&entity, index, candidate, kind, distance};
-      });
-    }
-    ++index;
-  }
-  return best;
+// A little wider than what a search can find, so that rounding loses nothing at the edge.
+constexpr double kBoxMargin = 1.001;
+
+// All snap points in the box of the entities that are not excluded, in list order; outside an index
+// also points beside it.
+template <class Visit>
+void visitSnapPoints(const SketchBox& box, EntitySource entities, const EntityIDs& excluded,
+                     std::optional<SketchPoint> fromPoint, Visit visit) {
+  entities.visitNear(box, [&](const SketchEntity& entity, std::size_t position) {
+    if (!excluded.empty() && excluded.contains(entityID(entity))) return;
+    forEachSnapPoint(entity, fromPoint, [&](SketchPoint point, EntitySnapKind kind) {
+      visit(FoundPoint{&entity, position, point, kind});
+    });
+  });
 }
 
-// A box in sketch units, edges included. A box with a coordinate that is not a number holds nothing.
-struct Box {
-  double minX = std::numeric_limits<double>::infinity();
-  double minY = std::numeric_limits<double>::infinity();
-  double maxX = -std::numeric_limits<double>::infinity();
-  double maxY = -std::numeric_limits<double>::infinity();
-
-  bool contains(SketchPoint point) const {
-    return minX <= point.x && point.x <= maxX && minY <= point.y && point.y <= maxY;
-  }
-};
-
-Box boxAround(const std::vector<EntitySnapTarget>& targets, SketchPoint delta, double margin) {
-  Box box;
+SketchBox boxAroundTargets(const std::vector<EntitySnapTarget>& targets, SketchPoint delta, double reach) {
+  SketchBox box = boxAround(targets.front().point + delta, reach);
   for (const EntitySnapTarget& target : targets) {
-    const SketchPoint point = target.point + delta;
-    box.minX = std::fmin(box.minX, point.x - margin);
-    box.minY = std::fmin(box.minY, point.y - margin);
-    box.maxX = std::fmax(box.maxX, point.x + margin);
-    box.maxY = std::fmax(box.maxY, point.y + margin);
+    const SketchBox one = boxAround(target.point + delta, reach);
+    box = {std::fmin(box.minX, one.minX), std::fmin(box.minY, one.minY), std::fmax(box.maxX, one.maxX),
+           std::fmax(box.maxY, one.maxY)};
   }
   return box;
 }
 
-template <class Accepts>
-std::vector<FoundPoint> pointsAround(const Box& box, const EntityList& entities, Accepts&& accepts) {
-  std::vector<FoundPoint> points;
-  std::size_t index = 0;
-  for (const SketchEntity& entity : entities) {
-    if (accepts(entityID(entity))) {
-      forEachSnapPoint(entity, std::nullopt, [&](SketchPoint point, EntitySnapKind kind) {
-        if (box.contains(point)) points.push_back({&entity, index, point, kind, 0});
-      });
-    }
-    ++index;
-  }
-  return points;
+bool contains(const SketchBox& box, SketchPoint point) {
+  return box.minX <= point.x && point.x <= box.maxX && box.minY <= point.y && point.y <= box.maxY;
 }
+
+// Entities are numbered from 1 in the order of the whole document.
+int numberAt(std::size_t position) { return static_cast<int>(position) + 1; }
 
 EntitySnapTarget targetOf(const FoundPoint& found) {
   return {found.point, found.kind, entityID(*found.entity),
-          entityLabel(*found.entity, static_cast<int>(found.index) + 1)};
+          entityLabel(*found.entity, numberAt(found.position))};
 }
 
 SketchSnapResult atTarget(const EntitySnapTarget& target) {
@@ -121,16 +92,25 @@ std::vector<EntitySnapTarget> entitySnapTargets(const SketchEntity& entity, cons
   return targets;
 }
 
-std::optional<EntitySnapTarget> nearestEntityTarget(const EntityList& entities, const EntityIDs& excluded,
+std::optional<EntitySnapTarget> nearestEntityTarget(EntitySource entities, const EntityIDs& excluded,
                                                     SketchPoint point, double scale,
                                                     std::optional<SketchPoint> fromPoint) {
-  const auto found = nearestPoint(entities, point, kSnapRadius / scale, fromPoint,
-                                  [&](const UUID& id) { return excluded.empty() || !excluded.contains(id); });
-  if (!found) return std::nullopt;
-  return targetOf(*found);
+  const double radius = kSnapRadius / scale;
+  if (!(radius >= 0)) return std::nullopt;
+  std::optional<FoundPoint> best;
+  double bestDistance = radius;
+  visitSnapPoints(boxAround(point, radius * kBoxMargin), entities, excluded, fromPoint,
+                  [&](const FoundPoint& found) {
+                    const double distance = distanceBetween(found.point, point);
+                    if (!(best ? distance < bestDistance : distance <= radius)) return;
+                    best = found;
+                    bestDistance = distance;
+                  });
+  if (!best) return std::nullopt;
+  return targetOf(*best);
 }
 
-std::optional<EntitySnapTarget> nearestAcquirableTarget(const EntityList& entities, const EntityIDs& excluded,
+std::optional<EntitySnapTarget> nearestAcquirableTarget(EntitySource entities, const EntityIDs& excluded,
                                                         SketchPoint point, double scale) {
   auto target = nearestEntityTarget(entities, excluded, point, scale);
   if (target && target->kind != EntitySnapKind::endpoint && target->kind != EntitySnapKind::midpoint) {
@@ -219,7 +199,7 @@ SketchSnapResult axisSnapDelta(double dx, double dy) {
   return result;
 }
 
-SketchSnapResult snapPoint(SketchPoint point, const SketchViewport& viewport, const EntityList& entities,
+SketchSnapResult snapPoint(SketchPoint point, const SketchViewport& viewport, EntitySource entities,
                            const EntityIDs& excluded, bool useGrid) {
   if (const auto target = nearestEntityTarget(entities, excluded, point, viewport.scale)) {
     return atTarget(*target);
@@ -264,37 +244,41 @@ std::optional<TrackingCandidate> trackingCandidate(SketchPoint anchor, SketchPoi
   return best;
 }
 
-// The snap points of the moved entity, shifted, and those of the others that could be near one of
-// them are gathered first: a polygon of a thousand corners must not walk the whole drawing a thousand
-// times. The order of both lists is that of the plain double loop.
+// The snap points of the others that could be near one of the moved ones are gathered first: a polygon
+// of a thousand corners must not walk the drawing a thousand times. The order of both lists is that of
+// the plain double loop.
 std::optional<std::pair<EntitySnapTarget, EntitySnapTarget>> snapEntityMove(SketchPoint delta,
                                                                             const SketchViewport& viewport,
                                                                             const SketchEntity& moved,
-                                                                            const EntityList& entities,
+                                                                            EntitySource entities,
                                                                             const EntityIDs& excluded) {
   const double radius = kSnapRadius / viewport.scale;
   const UUID& movedID = entityID(moved);
-  const auto targets =
-      entitySnapTargets(moved, entityLabel(moved, entityNumber(movedID, entities).value_or(0)));
-  const std::vector<FoundPoint> nearby = pointsAround(
-      boxAround(targets, delta, radius), entities,
-      [&](const UUID& id) { return id != movedID && (excluded.empty() || !excluded.contains(id)); });
+  const auto position = entities.positionOf(movedID);
+  const auto sources = entitySnapTargets(moved, entityLabel(moved, position ? numberAt(*position) : 0));
+  if (sources.empty() || !(radius >= 0)) return std::nullopt;
 
-  const EntitySnapTarget* source = nullptr;
-  const FoundPoint* match = nullptr;
+  const SketchBox box = boxAroundTargets(sources, delta, radius * kBoxMargin);
+  std::vector<FoundPoint> nearby;
+  visitSnapPoints(box, entities, excluded, std::nullopt, [&](const FoundPoint& found) {
+    if (contains(box, found.point) && entityID(*found.entity) != movedID) nearby.push_back(found);
+  });
+
+  const EntitySnapTarget* bestSource = nullptr;
+  const FoundPoint* best = nullptr;
   double bestDistance = radius;
-  for (const EntitySnapTarget& target : targets) {
-    const SketchPoint shifted = target.point + delta;
-    for (const FoundPoint& candidate : nearby) {
-      const double distance = distanceBetween(shifted, candidate.point);
-      if (!(match == nullptr ? distance <= bestDistance : distance < bestDistance)) continue;
-      source = &target;
-      match = &candidate;
+  for (const EntitySnapTarget& source : sources) {
+    const SketchPoint shifted = source.point + delta;
+    for (const FoundPoint& found : nearby) {
+      const double distance = distanceBetween(shifted, found.point);
+      if (!(best == nullptr ? distance <= radius : distance < bestDistance)) continue;
+      bestSource = &source;
+      best = &found;
       bestDistance = distance;
     }
   }
-  if (match == nullptr) return std::nullopt;
-  return std::pair(*source, targetOf(*match));
+  if (best == nullptr) return std::nullopt;
+  return std::pair(*bestSource, targetOf(*best));
 }
 
 std::optional<SketchPoint> handleAnchor(const SelectionHandle& handle, const SketchEntity& entity) {
@@ -302,7 +286,7 @@ std::optional<SketchPoint> handleAnchor(const SelectionHandle& handle, const Ske
 }
 
 SketchSnapResult snapHandleDrag(const SelectionHandle& handle, const SketchEntity& entity,
-                                const EntityList& entities, SketchPoint point, const SketchViewport& viewport,
+                                EntitySource entities, SketchPoint point, const SketchViewport& viewport,
                                 bool useGrid, std::optional<double> referenceAngle) {
   const auto anchor = handleAnchor(handle, entity);
   if (!anchor) return snapPoint(point, viewport, entities, {entityID(entity)}, useGrid);

@@ -6,6 +6,9 @@
 // fixed: entity point, then tracking, then grid, then axis lock. And a draft end that nothing else
 // claimed still lands on whole sketch units, since the axis lock rounds.
 //
+// The entities come as a list or as the index over it; both give the same answer, which is defined by
+// the order of the list.
+//
 // Points and distances are sketch units, angles are degrees, `scale` is view points a sketch unit.
 // Rounding is half away from zero. A coordinate that is not a number is near nothing.
 #pragma once
@@ -17,7 +20,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/entity_list.h"
+#include "core/entity_source.h"
 #include "core/select_drag_state.h"
 #include "core/sketch_entity.h"
 #include "core/sketch_point.h"
@@ -50,13 +53,13 @@ std::vector<EntitySnapTarget> entitySnapTargets(const SketchEntity& entity, cons
 
 /// The nearest snap point within the snap radius, of all entities but the excluded ones. Every kind
 /// competes on distance alone; of equally near points the first in list order stands.
-std::optional<EntitySnapTarget> nearestEntityTarget(const EntityList& entities, const EntityIDs& excluded,
+std::optional<EntitySnapTarget> nearestEntityTarget(EntitySource entities, const EntityIDs& excluded,
                                                     SketchPoint point, double scale,
                                                     std::optional<SketchPoint> fromPoint = std::nullopt);
 
 /// The nearest snap point if tracking may lock it, that is, if it is an endpoint or a midpoint. A
 /// nearer point of another kind hides those behind it.
-std::optional<EntitySnapTarget> nearestAcquirableTarget(const EntityList& entities, const EntityIDs& excluded,
+std::optional<EntitySnapTarget> nearestAcquirableTarget(EntitySource entities, const EntityIDs& excluded,
                                                         SketchPoint point, double scale);
 
 // --- Grid
@@ -86,7 +89,7 @@ SketchSnapResult axisSnapDelta(double dx, double dy);
 
 /// Entity point, then grid if asked for, then the raw point: for the first point of a gesture, for
 /// the tools without an axis lock, and for hovering.
-SketchSnapResult snapPoint(SketchPoint point, const SketchViewport& viewport, const EntityList& entities,
+SketchSnapResult snapPoint(SketchPoint point, const SketchViewport& viewport, EntitySource entities,
                            const EntityIDs& excluded, bool useGrid);
 
 /// A proposed end of a draft in line with a tracked point.
@@ -111,7 +114,7 @@ std::optional<TrackingCandidate> trackingCandidate(SketchPoint anchor, SketchPoi
 std::optional<std::pair<EntitySnapTarget, EntitySnapTarget>> snapEntityMove(SketchPoint delta,
                                                                             const SketchViewport& viewport,
                                                                             const SketchEntity& moved,
-                                                                            const EntityList& entities,
+                                                                            EntitySource entities,
                                                                             const EntityIDs& excluded = {});
 
 /// The point that stays while the handle moves; absent for handles that turn about nothing.
@@ -120,7 +123,7 @@ std::optional<SketchPoint> handleAnchor(const SelectionHandle& handle, const Ske
 /// Where a dragged handle goes: entity point, then the axis lock about the point that stays, then
 /// grid. `referenceAngle` is the direction from that point to the handle when the drag began.
 SketchSnapResult snapHandleDrag(const SelectionHandle& handle, const SketchEntity& entity,
-                                const EntityList& entities, SketchPoint point, const SketchViewport& viewport,
+                                EntitySource entities, SketchPoint point, const SketchViewport& viewport,
                                 bool useGrid, std::optional<double> referenceAngle);
 
 }  // namespace ostrelon::SketchSnapping

@@ -10,7 +10,7 @@ namespace ostrelon {
 SketchSnapResult SketchViewModel::snapDraftEnd(SketchPoint anchor, SketchPoint pointer) const {
   const double scale = viewport->scale;
   SketchSnapResult result;
-  if (auto target = SketchSnapping::nearestEntityTarget(entities, {}, pointer, scale, anchor)) {
+  if (auto target = SketchSnapping::nearestEntityTarget(index(), {}, pointer, scale, anchor)) {
     result.point = target->point;
     result.entitySnap = std::move(target);
     return result;
@@ -41,7 +41,7 @@ SketchSnapResult SketchViewModel::snapDraftEnd(SketchPoint anchor, SketchPoint p
 }
 
 SketchSnapResult SketchViewModel::snapPointer(SketchPoint point, bool useGrid) const {
-  return SketchSnapping::snapPoint(point, viewport, entities, {}, useGrid);
+  return SketchSnapping::snapPoint(point, viewport, index(), {}, useGrid);
 }
 
 void SketchViewModel::publishSnap(const SketchSnapResult& result, std::optional<SketchPoint> guideAnchor) {

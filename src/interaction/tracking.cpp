@@ -22,7 +22,7 @@ void SketchViewModel::tickTrackingAcquire(SketchPoint pointer, Date now) {
     releaseTracking();
     return;
   }
-  const auto target = SketchSnapping::nearestAcquirableTarget(entities, {}, pointer, viewport->scale);
+  const auto target = SketchSnapping::nearestAcquirableTarget(index(), {}, pointer, viewport->scale);
   if (!target) {
     cancelTrackingDwell();
   } else if (target == *pendingTrackingAcquire) {
