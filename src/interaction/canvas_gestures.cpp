@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "core/sketch_view_model.h"
-#include "geometry/entity_geometry.h"
+#include "geometry/hit_testing.h"
 #include "interaction/canvas_transform.h"
 
 namespace ostrelon {
@@ -136,7 +136,7 @@ void CanvasGestures::draftEnded(SketchPoint viewPoint) {
 
 void CanvasGestures::trimClicked() {
   const SketchPoint point = toSketch(*press_);
-  if (!pickEntityAtPoint(sketch_.entities, point, sketch_.viewport->scale)) {
+  if (!pickEntityAtPoint(sketch_.index(), point, sketch_.viewport->scale)) {
     sketch_.clearTrimCuttingEdge();
     return;
   }

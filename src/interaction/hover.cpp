@@ -1,7 +1,7 @@
 // What the pointer shows while no button is held: the coordinates, the entity under it, and the snap
 // that a press would take.
 #include "core/sketch_view_model.h"
-#include "geometry/entity_geometry.h"
+#include "geometry/hit_testing.h"
 #include "geometry/trim.h"
 #include "interaction/canvas_transform.h"
 
@@ -34,7 +34,7 @@ void SketchViewModel::hoverMoved(std::optional<SketchPoint> viewPoint) {
     case SketchTool::select:
     case SketchTool::trim: {
       releaseTracking();
-      const auto pick = pickEntityAtPoint(entities, point, viewport->scale);
+      const auto pick = pickEntityAtPoint(index(), point, viewport->scale);
       const bool counts = pick && (selectedTool == SketchTool::select || isTrimmable(pick->entity));
       showHovered(counts ? std::optional(entityID(pick->entity)) : std::nullopt, viewPoint);
       clearIdleSnapState();

@@ -5,6 +5,7 @@
 
 #include "core/sketch_view_model.h"
 #include "geometry/entity_geometry.h"
+#include "geometry/hit_testing.h"
 #include "geometry/selection_handles.h"
 #include "interaction/sketch_snapping.h"
 
@@ -61,7 +62,7 @@ bool SketchViewModel::beginSelectDrag(SketchPoint press) {
     }
   }
 
-  const auto pick = pickEntityAtPoint(entities, press, viewport->scale);
+  const auto pick = pickEntityAtPoint(index(), press, viewport->scale);
   if (!pick) return false;
   const SketchEntity hit = pick->entity;
   const UUID hitID = entityID(hit);
