@@ -10,16 +10,6 @@
 
 namespace ostrelon {
 
-void SketchViewModel::showEntityInspector() {
-  if (!selectedEntityIDs->empty()) isEntityInspectorVisible = true;
-}
-
-void SketchViewModel::toggleEntityInspector() {
-  isEntityInspectorVisible = !selectedEntityIDs->empty() && !*isEntityInspectorVisible;
-}
-
-void SketchViewModel::setEntityInspectorVisible(bool visible) { isEntityInspectorVisible = visible; }
-
 namespace {
 
 std::string pointText(SketchPoint point) { return fmt::format("({:.1f}, {:.1f})", point.x, point.y); }

@@ -1,4 +1,4 @@
-// Putting fields back to rest.
+// Putting fields back to rest, and showing and hiding the inspector.
 #include "core/sketch_view_model.h"
 
 namespace ostrelon {
@@ -68,5 +68,15 @@ void SketchViewModel::cancelDraft() {
   clearDraft();
   polygonDraft = std::nullopt;
 }
+
+void SketchViewModel::showEntityInspector() {
+  if (!selectedEntityIDs->empty()) isEntityInspectorVisible = true;
+}
+
+void SketchViewModel::toggleEntityInspector() {
+  isEntityInspectorVisible = !selectedEntityIDs->empty() && !*isEntityInspectorVisible;
+}
+
+void SketchViewModel::setEntityInspectorVisible(bool visible) { isEntityInspectorVisible = visible; }
 
 }  // namespace ostrelon

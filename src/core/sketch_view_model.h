@@ -422,7 +422,7 @@ class SketchViewModel {
   DocumentHistoryBranch switchBranch(const std::string& nameOrID);
   std::string documentHistoryText() const;
 
-  // --- The inspector (app/inspector.cpp)
+  // --- The inspector (core/resets.cpp)
 
   void showEntityInspector();
   void toggleEntityInspector();

@@ -38,8 +38,7 @@ std::optional<ContextMenu> entityContextMenu(const SketchViewModel& sketch) {
   return menu;
 }
 
-void runContextMenuItem(const ContextMenuItem& item, SketchViewModel& sketch,
-                        void (*showInspector)(SketchViewModel&)) {
+void runContextMenuItem(const ContextMenuItem& item, SketchViewModel& sketch) {
   std::visit(
       Overloaded{
           [](const ContextMenuSeparator&) {},
@@ -48,7 +47,7 @@ void runContextMenuItem(const ContextMenuItem& item, SketchViewModel& sketch,
           [&](const ContextMenuCommand& command) {
             switch (command) {
               case ContextMenuCommand::inspect:
-                showInspector(sketch);
+                sketch.showEntityInspector();
                 break;
               case ContextMenuCommand::duplicateSelection:
                 sketch.duplicateSelection(kDuplicateOffset.x, kDuplicateOffset.y);

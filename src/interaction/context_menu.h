@@ -37,10 +37,8 @@ using ContextMenu = std::vector<ContextMenuItem>;
 /// The menu for the primary selected entity; absent when there is none.
 std::optional<ContextMenu> entityContextMenu(const SketchViewModel& sketch);
 
-/// Does what the item stands for. A separator and a submenu do nothing. `showInspector` opens the
-/// inspector for the selection.
-void runContextMenuItem(const ContextMenuItem& item, SketchViewModel& sketch,
-                        void (*showInspector)(SketchViewModel&));
+/// Does what the item stands for. A separator and a submenu do nothing.
+void runContextMenuItem(const ContextMenuItem& item, SketchViewModel& sketch);
 
 /// The titles in order, "-" for a separator.
 std::vector<std::string> contextMenuTitles(const ContextMenu& menu);

@@ -36,8 +36,9 @@ struct Board : TestSketch {
   const LineEntity& line(std::size_t index) const { return std::get<LineEntity>(entities()[index]); }
   std::string feedback() const { return sketch.snapFeedback->value_or("none"); }
   bool hasNoSnapState() const {
-    return sketch.activeAxisSnaps->empty() && !*sketch.activeEntitySnapPoint && !*sketch.activeGridSnapPoint &&
-           !*sketch.activeEntitySnapSourcePoint && !*sketch.snapGuideAnchor && !*sketch.snapFeedback;
+    return sketch.activeAxisSnaps->empty() && !*sketch.activeEntitySnapPoint &&
+           !*sketch.activeGridSnapPoint && !*sketch.activeEntitySnapSourcePoint && !*sketch.snapGuideAnchor &&
+           !*sketch.snapFeedback;
   }
 };
 

@@ -3,13 +3,16 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
+#include <limits>
+
 #include "interaction/board.h"
 
 namespace ostrelon {
 namespace {
 
-using ::testing::ElementsAre;
 using testing::Board;
+using ::testing::ElementsAre;
 
 TEST(LineTool, AStrokeDrawsALineFromSnapToSnapAndStaysActive) {
   Board board;
@@ -56,8 +59,8 @@ TEST(LineTool, LocksToAnAxisBetweenTheGridLines) {
   board.drag({29, 5.5});
   EXPECT_EQ(board.sketch.draft->value().current, (SketchPoint{30, 5.5})) << "a grid line beats the lock";
   EXPECT_EQ(board.feedback(), "Grid line");
-  board.drag({25, 8});
-  EXPECT_EQ(board.sketch.draft->value().current, (SketchPoint{25, 8})) << "9 degrees: rounded, no lock";
+  board.drag({23.2, 2.1});
+  EXPECT_EQ(board.sketch.draft->value().current, (SketchPoint{23, 2})) << "9 degrees: rounded, no lock";
   EXPECT_TRUE(board.sketch.activeAxisSnaps->empty());
 }
 
@@ -157,7 +160,7 @@ TEST(PolygonTool, GrowsByClicksAndClosesOverItsVertices) {
   board.click({40, 30});
   EXPECT_TRUE(board.sketch.closePolygon());
   ASSERT_EQ(board.entities().size(), 1U);
-  EXPECT_THAT(std::get<PolygonEntity>(board.entities()[0]).vertices,
+  EXPECT_THAT(std::get<PolygonEntity>(board.entities()[0]).vertices.list(),
               ElementsAre(SketchPoint{0, 0}, SketchPoint{40, 0}, SketchPoint{40, 30}));
   EXPECT_EQ(board.sketch.selectedTool, SketchTool::polygon);
   EXPECT_TRUE(board.hasNoSnapState());
@@ -208,12 +211,12 @@ TEST(Tools, ChangingTheToolEndsADrag) {
   Board board;
   board.sketch.addLine({0, 0}, {40, 0});
   board.press({13, 0});
-  board.drag({13, 23});
-  board.sketch.activateTool(SketchTool::circle);
+  board.drag({13, 21});
+  board.sketch.activateTool(SketchTool::pan);
   EXPECT_FALSE(*board.sketch.selectDrag);
   EXPECT_EQ(board.line(0).from.y, 20) << "another tool finishes the drag";
   EXPECT_EQ(board.undoSteps(), 2U);
-  board.release({13, 23});
+  board.release({13, 21});
 
   board.sketch.activateSelectTool();
   board.press({13, 20});

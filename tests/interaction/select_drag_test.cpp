@@ -7,8 +7,8 @@
 namespace ostrelon {
 namespace {
 
-using ::testing::UnorderedElementsAre;
 using testing::Board;
+using ::testing::UnorderedElementsAre;
 
 TEST(SelectClick, PicksAtThePressWhenTheReleaseIsNear) {
   Board board;
@@ -119,7 +119,8 @@ TEST(HandleDrag, TakesPrecedenceAndKeepsTheReferenceAngle) {
   board.click({20, 0});
   board.press({41, 0.5});
   board.drag({55, 0.5});
-  EXPECT_EQ(board.line(0).to, (SketchPoint{55, 0})) << "the end of the selected line, though the other is nearer";
+  EXPECT_EQ(board.line(0).to, (SketchPoint{55, 0}))
+      << "the end of the selected line, though the other is nearer";
   EXPECT_EQ(*board.sketch.handleDragReferenceAngle, 0);
   EXPECT_EQ(*board.sketch.snapGuideAnchor, (SketchPoint{0, 0}));
   EXPECT_EQ(board.feedback(), "Snapped to X-axis");

@@ -1,0 +1,162 @@
+// Typed sizes while a draft is in progress, the tool forms of the commands, and `zoom`.
+#include "console/numeric_draft_input.h"
+
+#include <gtest/gtest.h>
+
+#include "console/tool_commands.h"
+#include "support/test_sketch.h"
+
+namespace ostrelon {
+namespace {
+
+using testing::TestSketch;
+
+struct DrawingSketch : TestSketch {
+  DrawingSketch() { sketch.updateCanvasSize({800, 600}); }
+  void draft(SketchTool tool, SketchPoint start, SketchPoint current) {
+    sketch.activateTool(tool);
+    sketch.beginDraft(start);
+    sketch.setDraftCurrent(current);
+  }
+  template <class Entity>
+  Entity last() const {
+    return std::get<Entity>(sketch.entities->back());
+  }
+};
+
+TEST(TypedLength, EndsTheLineAlongItsPresentDirection) {
+  DrawingSketch test;
+  test.draft(SketchTool::line, {0, 0}, {-7, 0});
+  EXPECT_EQ(test.reply("12"), "Line added (length 12, angle 180°).");
+  EXPECT_EQ(test.last<LineEntity>().to, (SketchPoint{-12, 0}));
+  EXPECT_FALSE(*test.sketch.draft);
+  EXPECT_EQ(test.sketch.selectedTool, SketchTool::line);
+  EXPECT_EQ(test.sketch.undoStack().undoSnapshots().size(), 1U);
+
+  test.draft(SketchTool::wall, {0, 0}, {0, 0});
+  EXPECT_EQ(test.reply(" 2.55 "), "Wall added (length 2.6, angle 0°).");
+  EXPECT_EQ(test.last<WallEntity>().to, (SketchPoint{2.55, 0})) << "a draft without direction goes right";
+}
+
+TEST(TypedLength, TakesAnAngleInDegrees) {
+  DrawingSketch test;
+  test.draft(SketchTool::line, {10, 10}, {20, 13});
+  EXPECT_EQ(test.reply("12 90"), "Line added (length 12, angle 90°).");
+  EXPECT_EQ(test.last<LineEntity>().to, (SketchPoint{10, 22})) << "straight up, to the last digit";
+  test.draft(SketchTool::line, {0, 0}, {20, 13});
+  EXPECT_EQ(test.reply("2° -90°"), "Line added (length 2, angle 270°).");
+  test.draft(SketchTool::line, {0, 0}, {20, 13});
+  EXPECT_EQ(test.reply("2 359.97"), "Line added (length 2, angle 360°).");
+}
+
+TEST(TypedSize, OfCirclesAndRectangles) {
+  DrawingSketch test;
+  test.draft(SketchTool::circle, {5, 5}, {5, 9});
+  EXPECT_EQ(test.reply("3"), "Circle added (radius 3).");
+  EXPECT_EQ(test.last<CircleEntity>().radius, 3);
+  test.draft(SketchTool::rectangle, {0, 0}, {-4, -2});
+  EXPECT_EQ(test.reply("10"), "Rectangle added (width 10, height 10).");
+  EXPECT_EQ(test.last<RectangleEntity>().origin, (SketchPoint{-10, -10})) << "to the lower left, as drafted";
+  test.draft(SketchTool::rectangle, {0, 0}, {4, -2});
+  EXPECT_EQ(test.reply("8 3"), "Rectangle added (width 8, height 3).");
+  EXPECT_EQ(test.last<RectangleEntity>().origin, (SketchPoint{0, -3}));
+}
+
+TEST(TypedSize, ThatDoesNotReadLeavesTheDraft) {
+  DrawingSketch test;
+  const auto expectUsage = [&](SketchTool tool, const std::string& text, const std::string& usage) {
+    test.draft(tool, {0, 0}, {20, 0});
+    const auto lines = test.run(text);
+    ASSERT_EQ(lines.size(), 1U) << text;
+    EXPECT_EQ(lines[0].text, usage);
+    EXPECT_TRUE(lines[0].isError);
+    EXPECT_FALSE(lines[0].isSystem);
+    EXPECT_EQ(test.sketch.draft->value(), (SketchDraft{{0, 0}, {20, 0}}));
+    EXPECT_TRUE(test.sketch.entities->empty());
+  };
+  const std::string segment = "Usage: <length> [angle] while drawing";
+  for (const char* text : {"12 north", "0.5", "-3", "1 2 3", "nan", "inf", "12 inf", "1e999"}) {
+    expectUsage(SketchTool::line, text, segment);
+  }
+  expectUsage(SketchTool::circle, "10 20", "Usage: <radius> while drawing circle");
+  expectUsage(SketchTool::rectangle, "10 0.9", "Usage: <width> [height] while drawing rectangle");
+  expectUsage(SketchTool::rectangle, "10 x", "Usage: <width> [height] while drawing rectangle");
+}
+
+TEST(TypedSize, IsOnlyForDraftsAndLinesThatBeginWithANumber) {
+  DrawingSketch test;
+  EXPECT_EQ(test.reply("12"), "Unknown command \"12\". Type help for commands.");
+  test.draft(SketchTool::line, {0, 0}, {20, 0});
+  EXPECT_EQ(test.reply("zoom in"), "Zoomed in.");
+  EXPECT_TRUE(*test.sketch.draft);
+  EXPECT_FALSE(test.sketch.applyNumericDraftInput("12; line 0 0 1 1")) << "a chain is no number";
+  EXPECT_FALSE(test.sketch.applyNumericDraftInput("   "));
+
+  test.sketch.activateTool(SketchTool::polygon);
+  test.sketch.addPolygonVertex({0, 0});
+  EXPECT_FALSE(test.sketch.applyNumericDraftInput("12"));
+}
+
+TEST(TypedSize, OfHugeNumbersNeitherHangsNorCrashes) {
+  DrawingSketch test;
+  test.draft(SketchTool::line, {0, 0}, {20, 5});
+  test.run("1e300 1e300");
+  test.draft(SketchTool::rectangle, {1e308, 0}, {1.5e308, 1});
+  test.run("1e308 1e308");
+  test.sketch.zoomToFit({800, 600});
+  test.sketch.hoverMoved(SketchPoint{400, 300});
+}
+
+// --- Tool forms
+
+TEST(ToolForms, ActivateTheToolAndEndWhatIsUnderWay) {
+  DrawingSketch test;
+  test.draft(SketchTool::circle, {0, 0}, {20, 0});
+  EXPECT_EQ(test.reply("line"), "Line tool active.");
+  EXPECT_EQ(test.sketch.selectedTool, SketchTool::line);
+  EXPECT_FALSE(*test.sketch.draft);
+  EXPECT_EQ(test.reply("PL"), "Polygon tool active.");
+  EXPECT_EQ(test.sketch.selectedTool, SketchTool::polygon);
+  EXPECT_EQ(CommandInterpreter::activateToolCommand(SketchTool::select, test.sketch), "Select tool active.");
+  EXPECT_EQ(test.reply("l 1 2 3"), "Usage: line [<x1> <y1> <x2> <y2>]");
+  EXPECT_EQ(test.sketch.selectedTool, SketchTool::select);
+}
+
+TEST(ToolForms, TrimStartsWithNothingSelectedAndOnlyDropsItsEdgeWhenChosenAgain) {
+  DrawingSketch test;
+  test.sketch.addLine({0, 0}, {40, 0});
+  test.sketch.selectAll();
+  const std::string reply = "Trim tool active. Select cutting edge, then click entities to trim.";
+  EXPECT_EQ(CommandInterpreter::activateToolCommand(SketchTool::trim, test.sketch), reply);
+  EXPECT_TRUE(test.sketch.selectedEntityIDs->empty());
+  test.sketch.handleTrimClick({20, 0});
+  EXPECT_TRUE(*test.sketch.trimCuttingEdgeEntityID);
+  EXPECT_EQ(CommandInterpreter::activateToolCommand(SketchTool::trim, test.sketch), reply);
+  EXPECT_FALSE(*test.sketch.trimCuttingEdgeEntityID);
+  EXPECT_EQ(test.sketch.selectedEntityIDs->size(), 1U);
+  EXPECT_EQ(test.reply("line"), "Line tool active.");
+  EXPECT_TRUE(test.sketch.selectedEntityIDs->empty());
+}
+
+// --- Zoom
+
+TEST(ZoomCommand, MovesTheViewAboutTheMiddleOfTheCanvas) {
+  DrawingSketch test;
+  EXPECT_EQ(test.reply("z"), "Zoomed in.");
+  EXPECT_EQ(test.sketch.viewport->scale, 5);
+  EXPECT_EQ(test.reply("zoom OUT"), "Zoomed out.");
+  EXPECT_EQ(*test.sketch.viewport, (SketchViewport{{400, 300}, 4}));
+  EXPECT_EQ(test.reply("zoom +"), "Zoomed in.");
+  EXPECT_EQ(test.reply("zoom -"), "Zoomed out.");
+  test.sketch.panViewport(30, 30);
+  EXPECT_EQ(test.reply("zoom reset"), "View reset.");
+  EXPECT_EQ(*test.sketch.viewport, (SketchViewport{{400, 300}, 4}));
+  test.sketch.addLine({100, 0}, {200, 0});
+  EXPECT_EQ(test.reply("zoom fit"), "Zoomed to fit.");
+  EXPECT_NEAR(test.sketch.viewport->scale, (800.0 - 96) / (100 + 96), 1e-12);
+  EXPECT_EQ(test.reply("zoom 2"), "Usage: zoom [in|out|fit|reset]");
+  EXPECT_EQ(test.reply("zoom in in"), "Usage: zoom [in|out|fit|reset]");
+}
+
+}  // namespace
+}  // namespace ostrelon
