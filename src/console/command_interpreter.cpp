@@ -4,8 +4,12 @@
 #include <array>
 #include <span>
 
+#include "console/command_chain.h"
 #include "console/drawing_commands.h"
+#include "console/edit_commands.h"
 #include "console/general_commands.h"
+#include "console/selection_commands.h"
+#include "console/trim_commands.h"
 #include "console/zoom_command.h"
 #include "platform/unicode.h"
 
@@ -23,8 +27,16 @@ struct HandlerRow {
 // alias resolves.
 constexpr std::array kHandlers{
     HandlerRow{"help", helpCommand},     HandlerRow{"clear", clearCommand},
-    HandlerRow{"spec", specCommand},     HandlerRow{"line", lineCommand},
-    HandlerRow{"zoom", zoomCommand},     HandlerRow{"wall", wallCommand},
+    HandlerRow{"select", selectCommand}, HandlerRow{"s", selectCommand},
+    HandlerRow{"assign", assignCommand}, HandlerRow{"copy", copyCommand},
+    HandlerRow{"co", copyCommand},       HandlerRow{"cp", copyCommand},
+    HandlerRow{"paste", pasteCommand},   HandlerRow{"spec", specCommand},
+    HandlerRow{"line", lineCommand},     HandlerRow{"trim", trimCommand},
+    HandlerRow{"tr", trimCommand},       HandlerRow{"move", moveCommand},
+    HandlerRow{"extend", extendCommand}, HandlerRow{"zoom", zoomCommand},
+    HandlerRow{"length", lengthCommand}, HandlerRow{"nudge", nudgeCommand},
+    HandlerRow{"center", centerCommand}, HandlerRow{"convert", convertCommand},
+    HandlerRow{"type", convertCommand},  HandlerRow{"wall", wallCommand},
     HandlerRow{"circle", circleCommand}, HandlerRow{"rect", rectangleCommand},
     HandlerRow{"poly", polygonCommand},
 };
@@ -33,6 +45,7 @@ constexpr std::array kHandlers{
 
 Reply executeCommandLine(std::string_view text, SketchViewModel& sketch) {
   const std::string_view line = trimmed(text);
+  if (line.find(';') != std::string_view::npos) return runChain(text, sketch);
   const auto resolved = resolveCommandLine(splitAtWhiteSpace(line));
   if (!resolved) return std::nullopt;
   for (const HandlerRow& row : kHandlers) {

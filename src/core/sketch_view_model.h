@@ -400,6 +400,12 @@ class SketchViewModel {
 
   void activateToolFromConsole(SketchTool tool);
 
+  // --- Chains (console/command_chain_run.cpp)
+
+  /// Moves the end of the line or wall at this position; a wall becomes the selection. No undo step
+  /// of its own: the chain takes one.
+  void extendChainSegment(std::size_t index, SketchPoint to);
+
   // --- Documents (documents/document_operations.cpp); failures are thrown as UserError
 
   SketchDocumentV2 makeDocumentV2(bool includeUndo) const;

@@ -1,0 +1,189 @@
+#include "geometry/trim.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+
+#include "support/random_drawing.h"
+#include "support/test_sketch.h"
+
+namespace ostrelon {
+namespace {
+
+constexpr double kPi = std::numbers::pi;
+
+UUID id() { return UUID::random(); }
+
+template <class Kind>
+Kind keptAs(const TrimGeometry& geometry) {
+  return std::get<Kind>(std::get<TrimReplace>(std::get<TrimOutcome>(geometry)).entity);
+}
+
+bool isDeleted(const TrimGeometry& geometry) {
+  const auto* outcome = std::get_if<TrimOutcome>(&geometry);
+  return outcome != nullptr && std::holds_alternative<TrimDelete>(*outcome);
+}
+
+TEST(Trim, ALineLosesTheSideOfThePoint) {
+  const LineEntity line{id(), {0, 0}, {10, 0}};
+  const LineEntity cutter{id(), {4, -5}, {4, 5}};
+  EXPECT_EQ(keptAs<LineEntity>(trimSegment(line, cutter, {8, 1})).to, (SketchPoint{4, 0}));
+  EXPECT_EQ(keptAs<LineEntity>(trimSegment(line, cutter, {1, 1})).from, (SketchPoint{4, 0}));
+  EXPECT_EQ(keptAs<LineEntity>(trimSegment(line, cutter, {4, 1})).from, (SketchPoint{4, 0}))
+      << "a point exactly over the hit removes the start";
+  EXPECT_EQ(std::get<TrimFailure>(trimSegment(line, LineEntity{id(), {0, -1}, {0, 1}}, {5, 0})),
+            TrimFailure::intersectionAtEndpoint);
+  EXPECT_EQ(std::get<TrimFailure>(trimSegment(line, LineEntity{id(), {0, 1}, {10, 1}}, {5, 0})),
+            TrimFailure::noIntersection);
+  const WallEntity wall{id(), {0, 0}, {10, 0}, id()};
+  const WallEntity trimmed = keptAs<WallEntity>(trimSegment(wall, cutter, {8, 0}));
+  EXPECT_EQ(trimmed.id, wall.id);
+  EXPECT_EQ(trimmed.systemSpecID, wall.systemSpecID);
+}
+
+TEST(Trim, TheFirstSideOfARectangleThatCutsWins) {
+  const LineEntity line{id(), {-10, 2}, {20, 2}};
+  const RectangleEntity cutter{id(), {0, 0}, {10, 5}};
+  EXPECT_EQ(keptAs<LineEntity>(trimSegment(line, cutter, {-5, 2})).from, (SketchPoint{10, 2}));
+  EXPECT_EQ(std::get<TrimFailure>(trimSegment(LineEntity{id(), {10, 2}, {20, 2}}, cutter, {15, 2})),
+            TrimFailure::noIntersection)
+      << "the failure is that of the last side";
+}
+
+TEST(Trim, ALineThroughACircleKeepsTheFarSide) {
+  const LineEntity line{id(), {0, 0}, {10, 0}};
+  const CircleEntity circle{id(), {4, 0}, 1};
+  EXPECT_EQ(keptAs<LineEntity>(trimSegment(line, circle, {1, 0})).from, (SketchPoint{3, 0}));
+  EXPECT_EQ(keptAs<LineEntity>(trimSegment(line, circle, {9, 0})).to, (SketchPoint{5, 0}));
+  EXPECT_EQ(keptAs<LineEntity>(trimSegment(line, circle, {4, 0})).from, (SketchPoint{5, 0}))
+      << "between the hits the longer stub stays";
+  EXPECT_EQ(keptAs<LineEntity>(trimSegment(line, CircleEntity{id(), {5, 0}, 1}, {5, 0})).to,
+            (SketchPoint{4, 0}))
+      << "of equal stubs the first";
+  EXPECT_EQ(std::get<TrimFailure>(trimSegment(line, CircleEntity{id(), {0, 0}, 1}, {5, 0})),
+            TrimFailure::intersectionAtEndpoint);
+  EXPECT_EQ(std::get<TrimFailure>(trimSegment(line, CircleEntity{id(), {0, 9}, 1}, {5, 0})),
+            TrimFailure::noIntersection);
+}
+
+TEST(Trim, ACircleKeepsTheArcWithoutThePoint) {
+  const CircleEntity circle{id(), {0, 0}, 5};
+  const LineEntity chord{id(), {3, -10}, {3, 10}};
+  const ArcEntity big = keptAs<ArcEntity>(trimCircle(circle, chord, {5, 0}));
+  EXPECT_EQ(big.id, circle.id);
+  EXPECT_FALSE(angleInArcSpan(0, big.startAngle, big.endAngle));
+  const ArcEntity small = keptAs<ArcEntity>(trimCircle(circle, chord, {-5, 0}));
+  EXPECT_TRUE(angleInArcSpan(0, small.startAngle, small.endAngle)) << "through angle 0";
+  EXPECT_NEAR(arcSpan(big.startAngle, big.endAngle) + arcSpan(small.startAngle, small.endAngle), 2 * kPi,
+              1e-9);
+  EXPECT_TRUE(isDeleted(trimCircle(circle, LineEntity{id(), {5, -10}, {5, 10}}, {-5, 0}))) << "a tangent";
+  EXPECT_EQ(std::get<TrimFailure>(trimCircle(circle, LineEntity{id(), {3, 0}, {3, 10}}, {5, 0})),
+            TrimFailure::noIntersection)
+      << "a cutter that ends inside";
+  EXPECT_EQ(std::get<TrimFailure>(trimCircle(circle, CircleEntity{id(), {0, 0}, 5}, {5, 0})),
+            TrimFailure::noIntersection);
+  const ArcEntity bitten = keptAs<ArcEntity>(trimCircle(circle, CircleEntity{id(), {6, 0}, 5}, {5, 0}));
+  EXPECT_FALSE(angleInArcSpan(0, bitten.startAngle, bitten.endAngle));
+  EXPECT_NEAR(std::fabs(pointOnCircle({0, 0}, 5, bitten.startAngle).x), 3, 1e-9);
+}
+
+TEST(Trim, AnArcIsCutOnItsChordByACircleAndAsACircleByALine) {
+  const ArcEntity arc{id(), {0, 0}, 5, 0, kPi};
+  const ArcEntity left = keptAs<ArcEntity>(trimArc(arc, CircleEntity{id(), {3, 0}, 1}, {5, 0}));
+  EXPECT_NEAR(left.startAngle, 0, 1e-9);
+  EXPECT_NEAR(left.endAngle, kPi, 1e-9);
+  EXPECT_EQ(std::get<TrimFailure>(trimArc(arc, CircleEntity{id(), {5, 0}, 1}, {5, 0})),
+            TrimFailure::intersectionAtEndpoint);
+  const ArcEntity whole = keptAs<ArcEntity>(trimArc(arc, LineEntity{id(), {-9, -3}, {9, -3}}, {0, 5}));
+  EXPECT_TRUE(angleInArcSpan(1.5 * kPi, whole.startAngle, whole.endAngle))
+      << "the arc's own span plays no part";
+}
+
+TEST(Trim, ARectangleIsCutAsAPolygon) {
+  const RectangleEntity rectangle{id(), {0, 0}, {10, 10}};
+  const RectangleEntity half =
+      keptAs<RectangleEntity>(trimRectangle(rectangle, LineEntity{id(), {4, -1}, {4, 11}}, {9, 5}));
+  EXPECT_EQ(half.id, rectangle.id);
+  EXPECT_EQ(half.size, (SketchSize{4, 10}));
+  const TrimGeometry cut = trimRectangle(rectangle, LineEntity{id(), {0, 5}, {5, 0}}, {9, 9});
+  const auto& lines = std::get<TrimReplaceMany>(std::get<TrimOutcome>(cut)).entities;
+  ASSERT_EQ(lines.size(), 3u);
+  for (const SketchEntity& line : lines) EXPECT_NE(entityID(line), rectangle.id);
+  EXPECT_TRUE(isDeleted(trimRectangle(rectangle, LineEntity{id(), {20, 0}, {20, 1}}, {5, 5})))
+      << "a line that misses it counts as infinite";
+  EXPECT_EQ(keptAs<RectangleEntity>(trimRectangle(rectangle, LineEntity{id(), {20, 0}, {20, 1}}, {30, 5})),
+            rectangle);
+  EXPECT_TRUE(isDeleted(trimRectangle(rectangle, CircleEntity{id(), {0, 0}, 11}, {1, 1})))
+      << "a circle that leaves one corner";
+  EXPECT_EQ(keptAs<RectangleEntity>(trimRectangle(rectangle, CircleEntity{id(), {5, 5}, 1}, {5, 5})),
+            rectangle);
+}
+
+TEST(Extend, OnlyTheEndTowardsTheBoundaryMoves) {
+  const auto extended = [](SketchPoint c, SketchPoint d) {
+    return extendSegmentToBoundary({0, 0}, {10, 0}, c, d);
+  };
+  EXPECT_EQ(extended({20, -5}, {20, 5}), (Segment{{0, 0}, {20, 0}}));
+  EXPECT_EQ(extended({-7, -5}, {-7, 5}), (Segment{{-7, 0}, {10, 0}}));
+  EXPECT_EQ(extended({20, 1}, {20, 5}), std::nullopt) << "beyond the boundary's ends";
+  EXPECT_EQ(extended({5, -5}, {5, 5}), std::nullopt) << "it meets already";
+  EXPECT_EQ(extended({15, 0}, {12, 0}), (Segment{{0, 0}, {12, 0}})) << "collinear";
+  EXPECT_EQ(extended({-3, 0}, {-9, 0}), (Segment{{-3, 0}, {10, 0}}));
+  EXPECT_EQ(extended({0, 1}, {10, 1}), std::nullopt);
+  EXPECT_EQ(extended({20, 0}, {20, 0}), std::nullopt);
+}
+
+TEST(TrimTool, TakesAnEdgeFirstAndThenTrims) {
+  testing::TestSketch t;
+  t.sketch.setViewport(0, 0, 4);
+  t.sketch.addLine({0, 0}, {10, 0});
+  t.sketch.addLine({4, -5}, {4, 5});
+  t.sketch.addPolygon({{50, 50}, {60, 50}, {60, 60}});
+  t.sketch.activateTool(SketchTool::trim);
+  EXPECT_EQ(t.sketch.trimInstruction(), "Click an entity to use as the cutting edge");
+  EXPECT_EQ(t.sketch.handleTrimClick({50, 50}), "Entity type cannot be trimmed.");
+  EXPECT_EQ(t.sketch.handleTrimClick({100, 0}), "Click an entity to use as the cutting edge.");
+  EXPECT_EQ(t.sketch.handleTrimClick({4, 4}), "Line 2 set as cutting edge. Click entities to trim.");
+  EXPECT_EQ(t.sketch.trimInstruction(), "Line 2: click entities to trim");
+  EXPECT_EQ(t.sketch.handleTrimClick({4, 4}), "Cannot trim the cutting edge with itself.");
+  EXPECT_EQ(t.sketch.handleTrimClick({9, 0}), "Entity 1 trimmed at intersection with Entity 2.");
+  EXPECT_EQ(t.sketch.handleTrimClick({1, 0}), "Segment already ends at that intersection.");
+  t.sketch.deleteEntity(entityID(t.sketch.entities.get()[1]));
+  EXPECT_EQ(t.sketch.trimInstruction(), "Click entities to trim");
+  EXPECT_EQ(t.sketch.handleTrimClick({1, 0}), "Cutting edge no longer exists.");
+  EXPECT_TRUE(t.sketch.selectedEntityIDs->empty());
+}
+
+TEST(TrimTool, RandomTrimsNeverMoveTheSideTheyKeep) {
+  const auto seed = std::random_device{}();
+  SCOPED_TRACE(seed);
+  testing::RandomDrawing drawing(seed);
+  testing::TestSketch t;
+  int cuts = 0;
+  for (int i = 0; i < 3000; ++i) {
+    const SketchEntity target = drawing.entity(t.sketch);
+    const SketchEntity cutter = drawing.entity(t.sketch);
+    if (!isTrimmable(target) || !isTrimmable(cutter)) continue;
+    const TrimGeometry geometry = trimEntity(target, cutter, drawing.point());
+    const auto* outcome = std::get_if<TrimOutcome>(&geometry);
+    const auto* kept = outcome != nullptr ? std::get_if<TrimReplace>(outcome) : nullptr;
+    if (kept == nullptr) continue;
+    ++cuts;
+    EXPECT_EQ(entityID(kept->entity), entityID(target));
+    if (const auto* line = std::get_if<LineEntity>(&target)) {
+      const auto& rest = std::get<LineEntity>(kept->entity);
+      EXPECT_TRUE(rest.from == line->from || rest.to == line->to);
+      EXPECT_LE(distanceBetween(rest.from, rest.to), distanceBetween(line->from, line->to) + 1e-9);
+    } else if (const auto* circle = std::get_if<CircleEntity>(&target)) {
+      if (const auto* arc = std::get_if<ArcEntity>(&kept->entity)) {
+        EXPECT_EQ(arc->center, circle->center);
+        EXPECT_EQ(arc->radius, circle->radius);
+      }
+    }
+  }
+  EXPECT_GT(cuts, 100);
+}
+
+}  // namespace
+}  // namespace ostrelon
