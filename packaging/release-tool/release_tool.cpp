@@ -1,14 +1,10 @@
 #include "release_tool.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
-#include <system_error>
 #include <utility>
 
+#include "platform/disk_file_system.h"
 #include "platform/held_file.h"
 #include "platform/user_error.h"
 #include "updates/app_version.h"
@@ -28,24 +24,6 @@ std::string readManifest(const std::filesystem::path& path) {
     if (text.size() > kLargestManifest) throw UserError("The manifest is larger than 4 MiB.");
   });
   return text;
-}
-
-/// Writes beside the old file and moves it over that one, so that a server never hands out half a feed.
-void replaceFile(const std::filesystem::path& path, const std::string& text) {
-  std::filesystem::path temporary = path;
-  temporary += "." + std::to_string(::getpid()) + ".new";
-  std::error_code error;
-  {
-    std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
-    file << text << std::flush;
-    if (!file) error = std::make_error_code(std::errc::io_error);
-  }
-  if (!error) std::filesystem::rename(temporary, path, error);
-  if (error) {
-    std::error_code ignored;
-    std::filesystem::remove(temporary, ignored);
-    throw UserError("\"" + path.string() + "\" could not be written: " + error.message() + ".");
-  }
 }
 
 void checkFields(const AppUpdateRelease& release) {
@@ -102,7 +80,7 @@ AppUpdateRelease addRelease(const std::filesystem::path& manifest, const std::fi
   const AppUpdateRelease* found = findRelease(written, release.version);
   if (!found) throw UserError("The release could not be added.");
   verifyInstaller(*found, file, key.publicKey());
-  replaceFile(manifest, text);
+  DiskFileSystem().writeFile(manifest, text);  // whole or not at all
   return *found;
 }
 

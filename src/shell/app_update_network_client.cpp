@@ -54,7 +54,9 @@ class Transfer final : public QObject {
     silence_.setSingleShot(true);
     silence_.callOnTimeout(this, [this] { end(networkFailure("The server does not answer")); });
     silence_.start(silence);
-    QTimer::singleShot(wholeTime, this, [this] { end(networkFailure("The server answers too slowly")); });
+    deadline_.setSingleShot(true);
+    deadline_.callOnTimeout(this, [this] { end(networkFailure("The server answers too slowly")); });
+    deadline_.start(wholeTime);
   }
 
  private:
@@ -101,6 +103,7 @@ class Transfer final : public QObject {
   void end(const std::exception_ptr& failure) {
     if (std::exchange(hasEnded_, true)) return;
     silence_.stop();
+    deadline_.stop();
     const std::uint64_t size = expectedSize();
     reply_->abort();
     deleteLater();
@@ -110,7 +113,8 @@ class Transfer final : public QObject {
   QNetworkReply* reply_;
   PieceHandler take_;
   EndHandler ended_;
-  QTimer silence_;
+  QTimer silence_;   // since something came last
+  QTimer deadline_;  // of the whole answer
   QString certificateProblem_;
   std::uint64_t received_ = 0;
   bool hasEnded_ = false;
