@@ -80,7 +80,7 @@ AppUpdateRelease addRelease(const std::filesystem::path& manifest, const std::fi
   const AppUpdateRelease* found = findRelease(written, release.version);
   if (!found) throw UserError("The release could not be added.");
   verifyInstaller(*found, file, key.publicKey());
-  DiskFileSystem().writeFile(manifest, text);  // whole or not at all
+  DiskFileSystem().writeFile(standardizedPath(manifest), text);  // whole or not at all
   return *found;
 }
 

@@ -84,6 +84,16 @@ TEST_F(ReleaseTool, WritesAReleaseThatTheApplicationAndOpensslBothAccept) {
             "Verified OK");
 }
 
+TEST_F(ReleaseTool, WorksInTheFolderItIsCalledFrom) {
+  const Ended added =
+      runCommand("cd '" + folder_.path().string() +
+                 "' && " OSTRELON_RELEASE_TOOL
+                 " add --manifest r.json --private-key key.pem --installer Ostrelon.deb --version 1 "
+                 "--url https://updates.example/o.deb");
+  EXPECT_THAT(added.output, StartsWith("Signed 1, SHA-256 "));
+  EXPECT_EQ(decodeManifest(readBytes(folder_ / "r.json")).releases.size(), 1U);
+}
+
 TEST_F(ReleaseTool, KeepsWhatTheManifestHolds) {
   ASSERT_EQ(add("1.2.0").status, 0);
   std::string text = readBytes(folder_ / "releases.json");

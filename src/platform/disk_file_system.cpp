@@ -13,6 +13,7 @@
 #include <thread>
 #include <utility>
 
+#include "platform/system_file_error.h"
 #include "platform/uuid.h"
 
 namespace ostrelon {
@@ -23,63 +24,6 @@ constexpr std::size_t kReadAtOnce = std::size_t{1} << 20;
 constexpr std::size_t kSpareCapacity = 64;  // lets parsers that read in blocks work without a copy
 constexpr auto kLockPatience = std::chrono::milliseconds(1000);
 constexpr auto kLockPause = std::chrono::milliseconds(5);
-
-enum class Doing { reading, writing, listing, makingFolder, removing };
-
-std::string attemptText(Doing doing, const FilePath& path) {
-  switch (doing) {
-    case Doing::reading:
-      return "read " + quotedName(path);
-    case Doing::writing:
-      return "write " + quotedName(path);
-    case Doing::listing:
-      return "look into the folder " + quotedName(path);
-    case Doing::makingFolder:
-      return "make the folder " + quotedName(path);
-    case Doing::removing:
-      return "remove " + quotedName(path);
-  }
-  return {};
-}
-
-// What the system's number means, in words.
-FileError systemError(int number, Doing doing, const FilePath& path) {
-  const std::string attempt = attemptText(doing, path);
-  switch (number) {
-    case ENOENT:
-      if (doing == Doing::writing) {
-        return FileError("The folder " + quotedName(path.parent_path()) + " does not exist.");
-      }
-      return FileError(doing == Doing::listing ? "The folder " + quotedName(path) + " does not exist."
-                                               : "The file " + quotedName(path) + " does not exist.");
-    case ENOTDIR:
-      return FileError("Could not " + attempt + ": a part of its path is not a folder.");
-    case EISDIR:
-      return FileError("Could not " + attempt + ": it is a folder.");
-    case EACCES:
-    case EPERM:
-      return FileError("You do not have permission to " + attempt + ".");
-    case EROFS:
-      return FileError("Could not " + attempt + ": the disk can only be read.");
-    case ENOSPC:
-      return FileError("Could not " + attempt + ": the disk is full.");
-    case EDQUOT:
-      return FileError("Could not " + attempt + ": your share of the disk is used up.");
-    case EFBIG:
-      return FileError("Could not " + attempt + ": the file would be too large.");
-    case ENAMETOOLONG:
-      return FileError("Could not " + attempt + ": the name is too long.");
-    case ELOOP:
-      return FileError("Could not " + attempt + ": its links lead in a circle.");
-    case EMFILE:
-    case ENFILE:
-      return FileError("Could not " + attempt + ": too many files are open.");
-    case EIO:
-      return FileError("Could not " + attempt + ": the disk reported an error.");
-    default:
-      return FileError("Could not " + attempt + ": " + std::generic_category().message(number) + ".");
-  }
-}
 
 // An open file that closes itself.
 class OpenFile {
@@ -119,7 +63,7 @@ FilePath followLinks(FilePath path) {
     if (notALink) return path;
     path = path.parent_path() / target;
   }
-  throw systemError(ELOOP, Doing::writing, path);
+  throw systemError(ELOOP, FileAttempt::writing, path);
 }
 
 // The file beside the target while it waits to take its place.
@@ -138,7 +82,7 @@ class PendingDiskFile final : public PendingFile {
 
   void commit() override {
     if (calls_.rename(temporary_.c_str(), target_.c_str()) != 0) {
-      throw systemError(errno, Doing::writing, target_);
+      throw systemError(errno, FileAttempt::writing, target_);
     }
     committed_ = true;
     // The new name lasts only once the folder has reached the disk too.
@@ -146,11 +90,11 @@ class PendingDiskFile final : public PendingFile {
     const int file = calls_.open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0);
     if (file < 0) {
       if (errno == EACCES) return;  // a folder that may be written but not read cannot be made to last
-      throw systemError(errno, Doing::writing, target_);
+      throw systemError(errno, FileAttempt::writing, target_);
     }
     const OpenFile open(file);
     // Some file systems know no such thing for folders and say so by EINVAL.
-    if (calls_.fsync(file) != 0 && errno != EINVAL) throw systemError(errno, Doing::writing, target_);
+    if (calls_.fsync(file) != 0 && errno != EINVAL) throw systemError(errno, FileAttempt::writing, target_);
   }
 
  private:
@@ -190,12 +134,12 @@ DiskFileSystem::DiskFileSystem(FileSystemCalls calls) : calls_(std::move(calls))
 std::string DiskFileSystem::readFile(const FilePath& path) {
   // Without blocking, so that opening a pipe with no writer cannot hold the program.
   const OpenFile file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  if (file.get() < 0) throw systemError(errno, Doing::reading, path);
+  if (file.get() < 0) throw systemError(errno, FileAttempt::reading, path);
   struct stat status {};
-  if (::fstat(file.get(), &status) != 0) throw systemError(errno, Doing::reading, path);
-  if (S_ISDIR(status.st_mode)) throw systemError(EISDIR, Doing::reading, path);
+  if (::fstat(file.get(), &status) != 0) throw systemError(errno, FileAttempt::reading, path);
+  if (S_ISDIR(status.st_mode)) throw systemError(EISDIR, FileAttempt::reading, path);
   if (!S_ISREG(status.st_mode)) {
-    throw FileError("Could not " + attemptText(Doing::reading, path) + ": it is not an ordinary file.");
+    throw FileError("Could not " + attemptText(FileAttempt::reading, path) + ": it is not an ordinary file.");
   }
   std::string bytes;
   const auto expected = static_cast<std::size_t>(status.st_size);
@@ -207,7 +151,7 @@ std::string DiskFileSystem::readFile(const FilePath& path) {
     bytes.resize(wanted);
     const ssize_t count = ::read(file.get(), bytes.data() + filled, wanted - filled);
     if (count < 0 && errno == EINTR) continue;
-    if (count < 0) throw systemError(errno, Doing::reading, path);
+    if (count < 0) throw systemError(errno, FileAttempt::reading, path);
     filled += static_cast<std::size_t>(count);
     if (count == 0 || (filled == expected && expected > 0)) break;
   }
@@ -220,20 +164,21 @@ std::unique_ptr<PendingFile> DiskFileSystem::prepareFile(const FilePath& path, c
   struct stat old {};
   const bool replaces = ::stat(target.c_str(), &old) == 0;
   if (replaces) {
-    if (S_ISDIR(old.st_mode)) throw systemError(EISDIR, Doing::writing, target);
+    if (S_ISDIR(old.st_mode)) throw systemError(EISDIR, FileAttempt::writing, target);
     if (!S_ISREG(old.st_mode)) {
-      throw FileError("Could not " + attemptText(Doing::writing, target) + ": it is not an ordinary file.");
+      throw FileError("Could not " + attemptText(FileAttempt::writing, target) +
+                      ": it is not an ordinary file.");
     }
     // The new file would take the place of one that is protected from writing: ask the system whether
     // it may be written, as for a write in place.
-    if (::access(target.c_str(), W_OK) != 0) throw systemError(errno, Doing::writing, target);
+    if (::access(target.c_str(), W_OK) != 0) throw systemError(errno, FileAttempt::writing, target);
   }
 
   const FilePath temporary = target.parent_path() / (".ostrelon-" + UUID::random().text() + ".tmp");
   // A file that will take over the permissions of an old one is closed to others until it has them.
   const mode_t firstMode = replaces ? 0600 : 0666;
   const int created = calls_.open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, firstMode);
-  if (created < 0) throw systemError(errno, Doing::writing, target);
+  if (created < 0) throw systemError(errno, FileAttempt::writing, target);
   OpenFile file(created);
   auto pending = std::make_unique<PendingDiskFile>(calls_, target, temporary);
 
@@ -241,7 +186,7 @@ std::unique_ptr<PendingFile> DiskFileSystem::prepareFile(const FilePath& path, c
     while (!bytes.empty()) {
       const ssize_t count = calls_.write(file.get(), bytes.data(), bytes.size());
       if (count < 0 && errno == EINTR) continue;
-      if (count < 0) throw systemError(errno, Doing::writing, target);
+      if (count < 0) throw systemError(errno, FileAttempt::writing, target);
       bytes.remove_prefix(static_cast<std::size_t>(count));
     }
   });
@@ -253,14 +198,14 @@ std::unique_ptr<PendingFile> DiskFileSystem::prepareFile(const FilePath& path, c
       [[maybe_unused]] const int owned = ::fchown(file.get(), old.st_uid, old.st_gid);
     }
     if (calls_.fchmod(file.get(), old.st_mode & 07777U) != 0) {
-      throw systemError(errno, Doing::writing, target);
+      throw systemError(errno, FileAttempt::writing, target);
     }
   }
-  if (calls_.fsync(file.get()) != 0) throw systemError(errno, Doing::writing, target);
+  if (calls_.fsync(file.get()) != 0) throw systemError(errno, FileAttempt::writing, target);
   struct stat written {};
-  if (::fstat(file.get(), &written) != 0) throw systemError(errno, Doing::writing, target);
+  if (::fstat(file.get(), &written) != 0) throw systemError(errno, FileAttempt::writing, target);
   pending->setInfo(infoOf(written));
-  if (calls_.close(file.release()) != 0) throw systemError(errno, Doing::writing, target);
+  if (calls_.close(file.release()) != 0) throw systemError(errno, FileAttempt::writing, target);
   return pending;
 }
 
@@ -274,11 +219,11 @@ std::vector<std::string> DiskFileSystem::list(const FilePath& folder) {
   std::error_code error;
   std::vector<std::string> names;
   std::filesystem::directory_iterator entry(folder, error);
-  if (error) throw systemError(error.value(), Doing::listing, folder);
+  if (error) throw systemError(error.value(), FileAttempt::listing, folder);
   while (entry != std::filesystem::directory_iterator()) {
     names.push_back(entry->path().filename().string());
     entry.increment(error);
-    if (error) throw systemError(error.value(), Doing::listing, folder);
+    if (error) throw systemError(error.value(), FileAttempt::listing, folder);
   }
   return names;
 }
@@ -286,9 +231,9 @@ std::vector<std::string> DiskFileSystem::list(const FilePath& folder) {
 void DiskFileSystem::createFolders(const FilePath& folder) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
-  if (error) throw systemError(error.value(), Doing::makingFolder, folder);
+  if (error) throw systemError(error.value(), FileAttempt::makingFolder, folder);
   const auto there = info(folder);
-  if (!there || !there->isFolder) throw systemError(ENOTDIR, Doing::makingFolder, folder);
+  if (!there || !there->isFolder) throw systemError(ENOTDIR, FileAttempt::makingFolder, folder);
 }
 
 void DiskFileSystem::copyFile(const FilePath& from, const FilePath& to) {
@@ -298,7 +243,8 @@ void DiskFileSystem::copyFile(const FilePath& from, const FilePath& to) {
 }
 
 void DiskFileSystem::removeFile(const FilePath& path) {
-  if (calls_.unlink(path.c_str()) != 0 && errno != ENOENT) throw systemError(errno, Doing::removing, path);
+  if (calls_.unlink(path.c_str()) != 0 && errno != ENOENT)
+    throw systemError(errno, FileAttempt::removing, path);
 }
 
 std::unique_ptr<FileLock> DiskFileSystem::lock(const FilePath& path) {

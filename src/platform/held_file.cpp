@@ -14,15 +14,12 @@
 #include <utility>
 #include <vector>
 
+#include "platform/system_file_error.h"
+
 namespace ostrelon {
 namespace {
 
 constexpr std::string_view kFolderPrefix = "ostrelon-private-";
-
-[[noreturn]] void fail(const FilePath& path, const char* whatFailed) {
-  const std::string reason = std::generic_category().message(errno);
-  throw FileError("\"" + path.filename().string() + "\" could not be " + whatFailed + ": " + reason + ".");
-}
 
 bool isOwnFolder(const FilePath& path) {
   struct stat status {};
@@ -56,7 +53,9 @@ void removeAbandonedFolders(const FilePath& temporaryFolder) {
 
 FilePath makePrivateFolder(const FilePath& temporaryFolder) {
   std::string pattern = (temporaryFolder / (std::string(kFolderPrefix) + "XXXXXX")).string();
-  if (::mkdtemp(pattern.data()) == nullptr) fail(temporaryFolder, "written to");  // makes it 0700
+  if (::mkdtemp(pattern.data()) == nullptr) {
+    throw systemError(errno, FileAttempt::makingFolder, temporaryFolder / kFolderPrefix);
+  }
   return pattern;
 }
 
@@ -65,10 +64,7 @@ FilePath makePrivateFolder(const FilePath& temporaryFolder) {
 HeldFile HeldFile::createPrivate(const FilePath& temporaryFolder, const std::string& name) {
   std::error_code error;
   std::filesystem::create_directories(temporaryFolder, error);
-  if (error) {
-    errno = error.value();
-    fail(temporaryFolder, "made");
-  }
+  if (error) throw systemError(error.value(), FileAttempt::makingFolder, temporaryFolder);
   removeAbandonedFolders(temporaryFolder);
 
   HeldFile file;
@@ -78,7 +74,7 @@ HeldFile HeldFile::createPrivate(const FilePath& temporaryFolder, const std::str
   file.folderLock_ = lockFolder(folder);
   file.descriptor_ =
       ::open(file.path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
-  if (file.descriptor_ < 0) fail(file.path_, "written");
+  if (file.descriptor_ < 0) throw systemError(errno, FileAttempt::writing, file.path_);
   return file;
 }
 
@@ -87,12 +83,12 @@ HeldFile HeldFile::open(const FilePath& path) {
   file.path_ = path;
   // Without O_NONBLOCK a named pipe would hold the program up for ever.
   file.descriptor_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-  if (file.descriptor_ < 0) fail(path, "read");
+  if (file.descriptor_ < 0) throw systemError(errno, FileAttempt::reading, path);
   struct stat status {};
-  if (::fstat(file.descriptor_, &status) != 0) fail(path, "read");
+  if (::fstat(file.descriptor_, &status) != 0) throw systemError(errno, FileAttempt::reading, path);
+  if (S_ISDIR(status.st_mode)) throw systemError(EISDIR, FileAttempt::reading, path);
   if (!S_ISREG(status.st_mode)) {
-    errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
-    fail(path, "read");
+    throw FileError("Could not " + attemptText(FileAttempt::reading, path) + ": it is not an ordinary file.");
   }
   file.size_ = static_cast<std::uint64_t>(status.st_size);
   return file;
@@ -133,7 +129,7 @@ void HeldFile::append(std::string_view bytes) {
     const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
     if (written < 0) {
       if (errno == EINTR) continue;
-      fail(path_, "written");
+      throw systemError(errno, FileAttempt::writing, path_);
     }
     bytes.remove_prefix(static_cast<std::size_t>(written));
     size_ += static_cast<std::uint64_t>(written);
@@ -141,7 +137,7 @@ void HeldFile::append(std::string_view bytes) {
 }
 
 void HeldFile::seal() {
-  if (::fchmod(descriptor_, S_IRUSR) != 0) fail(path_, "written");
+  if (::fchmod(descriptor_, S_IRUSR) != 0) throw systemError(errno, FileAttempt::writing, path_);
   removesFile_ = false;
 }
 
@@ -152,7 +148,7 @@ void HeldFile::read(const std::function<void(std::string_view piece)>& take) con
     const ssize_t count = ::pread(descriptor_, buffer.data(), buffer.size(), position);
     if (count < 0) {
       if (errno == EINTR) continue;
-      fail(path_, "read");
+      throw systemError(errno, FileAttempt::reading, path_);
     }
     if (count == 0) return;
     take({buffer.data(), static_cast<std::size_t>(count)});

@@ -64,6 +64,11 @@ enum class UpdateField : unsigned {
   downloadProgress,
 };
 
+template <class... Fields>
+constexpr FieldMask updateMask(Fields... fields) {
+  return (fieldBit(static_cast<unsigned>(fields)) | ... | FieldMask{0});
+}
+
 class AppUpdateManager {
   ChangeTracker tracker_;
 
@@ -96,8 +101,9 @@ class AppUpdateManager {
   /// A check, a download or a verification is under way.
   bool isBusy() const;
 
-  [[nodiscard]] Subscription observe(ChangeTracker::Callback callback) {
-    return tracker_.observe(kAllFields, std::move(callback));
+  /// Calls back once after each operation that changed one of the fields.
+  [[nodiscard]] Subscription observe(FieldMask fields, ChangeTracker::Callback changed) {
+    return tracker_.observe(fields, std::move(changed));
   }
 
   // --- Checks

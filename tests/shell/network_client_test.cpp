@@ -6,9 +6,13 @@
 #include <QTimer>
 #include <optional>
 
+#include "documents/app_settings.h"
+#include "platform/disk_file_system.h"
+#include "platform/user_defaults.h"
 #include "shell/app_update_network_client.h"
 #include "shell/https_server.h"
 #include "updates/app_update_error.h"
+#include "updates/app_update_manager.h"
 #include "updates/update_test_support.h"
 
 namespace ostrelon {
@@ -18,6 +22,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using testing::HttpsServer;
 using ::testing::Not;
+using testing::Publisher;
 using testing::readBytes;
 using ::testing::StartsWith;
 using testing::TemporaryFolder;
@@ -248,6 +253,41 @@ TEST_F(NetworkClient, NothingIsToldAfterItsEnd) {
   QTest::qWait(100);
   EXPECT_FALSE(isTold);
   EXPECT_TRUE(leftNothing());
+}
+
+TEST_F(NetworkClient, CarriesAWholeUpdate) {
+  makeClient();
+  const std::string bytes(200'000, 'i');
+  const Publisher publisher;
+  AppUpdateRelease release = publisher.release("1.3.0", bytes);
+  release.downloadURL = server_.url("/Ostrelon-1.3.0.deb");
+  release.signature = publisher.sign(signedPayload(release));
+  server_.serve("/feed.json", encodeManifest({{release}}));
+  server_.serve("/Ostrelon-1.3.0.deb", bytes);
+
+  VirtualScheduler scheduler;
+  MemoryUserDefaults defaults;
+  DiskFileSystem files;
+  AppSettings settings(defaults, files, folder_ / "Documents");
+  std::string opened;
+  AppUpdateManager manager(scheduler, settings, *client_,
+                           updateConfiguration("1.2.0", "", server_.url("/feed.json"), publisher.publicKey()),
+                           [&](const FilePath& path) {
+                             opened = readBytes(path);
+                             return true;
+                           });
+  const auto settle = [&](AppUpdateStatus::Case wanted) {
+    const bool isThere =
+        QTest::qWaitFor([&] { return manager.status->value == wanted || !manager.isBusy(); }, 10'000);
+    EXPECT_TRUE(isThere && manager.status->value == wanted) << manager.statusText();
+  };
+  manager.checkForUpdates(true);
+  settle(AppUpdateStatus::Case::updateAvailable);
+  manager.downloadAndInstall();
+  settle(AppUpdateStatus::Case::verifying);
+  scheduler.advance(Seconds(0));
+  settle(AppUpdateStatus::Case::installerOpened);
+  EXPECT_EQ(opened, bytes);
 }
 
 }  // namespace

@@ -86,7 +86,7 @@ TEST_F(UpdateVerification, TheChecksumComesBeforeTheSignature) {
 
 TEST_F(UpdateVerification, AFileThatCannotBeReadIsToldFirst) {
   std::filesystem::remove(file_);
-  EXPECT_EQ(outcome(release_, "x"), "\"installer\" could not be read: No such file or directory.");
+  EXPECT_EQ(outcome(release_, "x"), "The file “installer” does not exist.");
   EXPECT_THROW(verifyInstaller(release_, folder_.path(), "x"), FileError);
 }
 
