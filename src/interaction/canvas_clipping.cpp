@@ -33,6 +33,11 @@ std::vector<SketchPoint> corners(const ViewRect& box) {
   return {{box.minX, box.minY}, {box.maxX, box.minY}, {box.maxX, box.maxY}, {box.minX, box.maxY}};
 }
 
+/// The point itself, but for what rounding has added to a point that lies in the box.
+SketchPoint within(SketchPoint point, const ViewRect& box) {
+  return {std::clamp(point.x, box.minX, box.maxX), std::clamp(point.y, box.minY, box.maxY)};
+}
+
 SketchPoint circlePoint(SketchPoint center, double radius, double angle) {
   return {center.x + radius * std::cos(angle), center.y + radius * std::sin(angle)};
 }
@@ -84,7 +89,8 @@ std::optional<CanvasSegment> clippedSegment(const CanvasSegment& segment, const 
       !cut(d.y, box.maxY - from.y)) {
     return std::nullopt;
   }
-  return CanvasSegment{start > 0 ? from + d * start : from, end < 1 ? from + d * end : to};
+  return CanvasSegment{start > 0 ? within(from + d * start, box) : from,
+                       end < 1 ? within(from + d * end, box) : to};
 }
 
 void addClippedPolyline(std::span<const SketchPoint> points, bool closed, const ViewRect& box,
@@ -120,7 +126,9 @@ std::vector<SketchPoint> clippedPolygon(std::span<const SketchPoint> vertices, c
   polygon = cutPolygon(polygon, [&box](SketchPoint p) { return p.x - box.minX; });
   polygon = cutPolygon(polygon, [&box](SketchPoint p) { return box.maxX - p.x; });
   polygon = cutPolygon(polygon, [&box](SketchPoint p) { return p.y - box.minY; });
-  return cutPolygon(polygon, [&box](SketchPoint p) { return box.maxY - p.y; });
+  polygon = cutPolygon(polygon, [&box](SketchPoint p) { return box.maxY - p.y; });
+  for (SketchPoint& point : polygon) point = within(point, box);
+  return polygon;
 }
 
 void addClippedCircle(SketchPoint center, double radius, const ViewRect& box, CanvasPath& path) {
@@ -128,6 +136,7 @@ void addClippedCircle(SketchPoint center, double radius, const ViewRect& box, Ca
   const std::vector<double> angles = crossingAngles(center, radius, box);
   // A chord over an angle leaves its circle by radius · (1 − cos(angle / 2)), about radius · angle² / 8.
   const double step = std::min(std::numbers::pi / 8, std::sqrt(8 * kCirclePrecision / radius));
+  const auto at = [&](double angle) { return within(circlePoint(center, radius, angle), box); };
   std::optional<double> reached;
   for (std::size_t i = 0; i + 1 < angles.size(); ++i) {
     const double span = angles[i + 1] - angles[i];
@@ -136,10 +145,10 @@ void addClippedCircle(SketchPoint center, double radius, const ViewRect& box, Ca
     if (span <= 0 || !box.contains(middle)) continue;
     if (!reached || *reached != angles[i]) {
       path.begin();
-      path.add(circlePoint(center, radius, angles[i]));
+      path.add(at(angles[i]));
     }
     const int steps = static_cast<int>(std::clamp(std::ceil(span / step), 1.0, 4096.0));
-    for (int s = 1; s <= steps; ++s) path.add(circlePoint(center, radius, angles[i] + span * s / steps));
+    for (int s = 1; s <= steps; ++s) path.add(at(angles[i] + span * s / steps));
     reached = angles[i + 1];
   }
 }

@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "core/sketch_view_model.h"
+#include "geometry/selection_handles.h"
 #include "interaction/canvas_clipping.h"
 #include "interaction/drawing_tools.h"
 #include "interaction/entity_shape.h"
@@ -76,32 +77,6 @@ void paintHighlight(CanvasPainter& painter, const SketchViewModel& model, const 
     stroke.join = LineJoin::round;
   }
   strokeShape(painter, frame, shape, stroke);
-}
-
-/// The grips of the entity, sketch units.
-std::vector<SketchPoint> handlePoints(const SketchEntity& entity) {
-  return std::visit(Overloaded{
-                        [](const LineEntity& line) -> std::vector<SketchPoint> {
-                          return {line.from, line.to};
-                        },
-                        [](const WallEntity& wall) -> std::vector<SketchPoint> {
-                          return {wall.from, wall.to};
-                        },
-                        [](const CircleEntity& circle) -> std::vector<SketchPoint> {
-                          return {circle.center, circle.center + SketchPoint{circle.radius, 0}};
-                        },
-                        [](const ArcEntity& arc) -> std::vector<SketchPoint> {
-                          return {pointOnCircle(arc.center, arc.radius, arc.startAngle),
-                                  pointOnCircle(arc.center, arc.radius, arc.endAngle)};
-                        },
-                        [](const RectangleEntity& r) -> std::vector<SketchPoint> {
-                          return {r.origin, r.origin + SketchPoint{r.size.width, 0},
-                                  r.origin + SketchPoint{r.size.width, r.size.height},
-                                  r.origin + SketchPoint{0, r.size.height}};
-                        },
-                        [](const PolygonEntity& polygon) { return polygon.vertices.list(); },
-                    },
-                    entity);
 }
 
 /// A square around a sketch point, filled and then outlined; either may be left out.
@@ -209,7 +184,7 @@ void paintSelection(CanvasPainter& painter, const SketchViewModel& model, const 
   if (entity == nullptr) return;
   paintSelectedEntity(painter, frame, *entity, *model.wallSystemSpecs);
   const ViewRect visible = frame.paintedRect().grown(kHandleRadius + kHandleRingWidth);
-  for (const SketchPoint point : handlePoints(*entity)) {
+  for (const auto& [handle, point] : selectionHandles(*entity)) {
     const CanvasEllipse grip{frame.toView(point), kHandleRadius};
     if (!visible.contains(grip.center)) continue;
     painter.fillEllipse(grip, {frame.palette.active});

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "interaction/canvas_transform.h"
+
 namespace ostrelon {
 namespace {
 
@@ -29,6 +31,23 @@ std::optional<SketchBox> drawingBounds(const EntityList& entities) {
                     std::max(all->maxX, box.maxX), std::max(all->maxY, box.maxY)};
   }
   return all;
+}
+
+SketchViewport centredViewport(SketchSize canvas) {
+  return {{canvas.width * 0.5, canvas.height * 0.5}, kDefaultViewportScale};
+}
+
+SketchViewport fittedViewport(const EntityList& entities, SketchSize canvas) {
+  const auto bounds = drawingBounds(entities);
+  if (!bounds) return centredViewport(canvas);
+  const double width = bounds->maxX - bounds->minX + 2 * kFitMargin;
+  const double height = bounds->maxY - bounds->minY + 2 * kFitMargin;
+  const double scale = clampedViewportScale(
+      std::min((canvas.width - 2 * kFitMargin) / width, (canvas.height - 2 * kFitMargin) / height));
+  // Halved before they are added, so that the middle of the widest drawing is still a number.
+  const double midX = bounds->minX * 0.5 + bounds->maxX * 0.5;
+  const double midY = bounds->minY * 0.5 + bounds->maxY * 0.5;
+  return {{canvas.width * 0.5 - midX * scale, canvas.height * 0.5 + midY * scale}, scale};
 }
 
 }  // namespace ostrelon

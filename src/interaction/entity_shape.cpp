@@ -13,7 +13,7 @@ namespace {
 /// How far beyond the painted part geometry is let through, view points.
 constexpr double kClipMargin = 4096;
 /// Dashes far outside would only be counted, so dashed lines are cut closer.
-constexpr double kDashClipMargin = 64;
+constexpr double kDashClipMargin = 1024;
 /// Circles of a larger radius, view points, are painted by what is seen of them.
 constexpr double kLargestPlainRadius = 8192;
 

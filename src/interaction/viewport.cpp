@@ -1,5 +1,4 @@
 // Moving the view. It is neither undoable nor part of what makes a document dirty.
-#include <algorithm>
 #include <cmath>
 
 #include "core/sketch_view_model.h"
@@ -10,10 +9,6 @@ namespace ostrelon {
 namespace {
 
 bool isFinite(SketchPoint point) { return std::isfinite(point.x) && std::isfinite(point.y); }
-
-SketchViewport centredViewport(SketchSize canvas) {
-  return {{canvas.width * 0.5, canvas.height * 0.5}, kDefaultViewportScale};
-}
 
 }  // namespace
 
@@ -27,21 +22,7 @@ void SketchViewModel::zoomViewport(double factor, SketchPoint viewAnchor) {
   if (std::isfinite(scale) && isFinite(pan)) viewport = SketchViewport{pan, scale};
 }
 
-void SketchViewModel::zoomToFit(SketchSize canvas) {
-  const auto bounds = drawingBounds(entities);
-  if (!bounds) {
-    resetViewport(canvas);
-    return;
-  }
-  const double width = bounds->maxX - bounds->minX + 2 * kFitMargin;
-  const double height = bounds->maxY - bounds->minY + 2 * kFitMargin;
-  const double scale = clampedViewportScale(
-      std::min((canvas.width - 2 * kFitMargin) / width, (canvas.height - 2 * kFitMargin) / height));
-  // Halved before they are added, so that the middle of the widest drawing is still a number.
-  const double midX = bounds->minX * 0.5 + bounds->maxX * 0.5;
-  const double midY = bounds->minY * 0.5 + bounds->maxY * 0.5;
-  viewport = SketchViewport{{canvas.width * 0.5 - midX * scale, canvas.height * 0.5 + midY * scale}, scale};
-}
+void SketchViewModel::zoomToFit(SketchSize canvas) { viewport = fittedViewport(entities, canvas); }
 
 void SketchViewModel::resetViewport(SketchSize canvas) { viewport = centredViewport(canvas); }
 

@@ -1,8 +1,13 @@
 #include "shell/canvas_widget.h"
 
+#include <QContextMenuEvent>
+#include <QMouseEvent>
+#include <QNativeGestureEvent>
 #include <QPaintEvent>
 #include <QTimer>
+#include <QWheelEvent>
 #include <cmath>
+#include <utility>
 
 #include "core/sketch_view_model.h"
 #include "interaction/canvas_renderer.h"
@@ -19,6 +24,13 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds kSlice{8};
 /// So many entities, dragged or selected, are painted live; more are kept in a picture.
 constexpr std::size_t kMostLiveEntities = 32;
+
+/// What the wheel tells for one notch, eighths of a degree.
+constexpr double kWheelNotch = 120;
+/// How far one notch scrolls, view points.
+constexpr double kScrollStep = 60;
+
+SketchPoint viewPoint(QPointF position) { return {position.x(), position.y()}; }
 
 /// Everything that the canvas shows.
 constexpr FieldMask kPaintedFields = fieldMask(
@@ -54,7 +66,7 @@ SketchPoint dragMovement(const MultiBodyDrag& drag, const SketchViewModel& model
 }  // namespace
 
 CanvasWidget::CanvasWidget(SketchViewModel& model, QWidget* parent)
-    : QWidget(parent), model_(model), palette_(lightPalette()) {
+    : QWidget(parent), model_(model), gestures_(model), palette_(lightPalette()) {
   setAttribute(Qt::WA_OpaquePaintEvent);
   setMouseTracking(true);
   setFocusPolicy(Qt::ClickFocus);
@@ -104,6 +116,87 @@ void CanvasWidget::resizeEvent(QResizeEvent* event) {
   Q_EMIT resized();
 }
 
+bool CanvasWidget::event(QEvent* event) {
+  if (event->type() == QEvent::NativeGesture) {
+    const auto* gesture = static_cast<QNativeGestureEvent*>(event);
+    if (gesture->gestureType() == Qt::ZoomNativeGesture) {
+      gestures_.magnify(viewPoint(gesture->position()), gesture->value());
+      return true;
+    }
+    // A double tap that would zoom ends here as well.
+    if (gesture->gestureType() == Qt::SmartZoomNativeGesture) return true;
+  }
+  return QWidget::event(event);
+}
+
+void CanvasWidget::mousePressEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton) {
+    gestures_.press(viewPoint(event->position()));
+  } else if (event->button() == Qt::MiddleButton) {
+    panFrom_ = event->position();
+  } else {
+    event->ignore();
+  }
+}
+
+void CanvasWidget::mouseDoubleClickEvent(QMouseEvent* event) {
+  // It stands for the second press; the double click is told behind the second release.
+  mousePressEvent(event);
+  isDoubleClick_ = event->button() == Qt::LeftButton;
+}
+
+void CanvasWidget::mouseMoveEvent(QMouseEvent* event) {
+  if (panFrom_) {
+    const QPointF moved = event->position() - *panFrom_;
+    panFrom_ = event->position();
+    gestures_.scroll(moved.x(), moved.y());
+  } else if (event->buttons() & Qt::LeftButton) {
+    gestures_.drag(viewPoint(event->position()));
+  } else {
+    gestures_.hover(viewPoint(event->position()));
+  }
+}
+
+void CanvasWidget::mouseReleaseEvent(QMouseEvent* event) {
+  if (event->button() == Qt::MiddleButton) panFrom_.reset();
+  if (event->button() != Qt::LeftButton) return;
+  gestures_.release(viewPoint(event->position()), event->modifiers().testFlag(Qt::ShiftModifier));
+  if (std::exchange(isDoubleClick_, false)) gestures_.doubleClick();
+}
+
+void CanvasWidget::wheelEvent(QWheelEvent* event) {
+  const QPointF notches = QPointF(event->angleDelta()) / kWheelNotch;
+  if (event->modifiers().testFlag(Qt::ControlModifier)) {
+    gestures_.magnify(viewPoint(event->position()), std::pow(kZoomInFactor, notches.y()) - 1);
+  } else {
+    QPointF moved = event->pixelDelta().isNull() ? notches * kScrollStep : QPointF(event->pixelDelta());
+    // A wheel that turns one way only goes sideways with Shift held.
+    if (event->modifiers().testFlag(Qt::ShiftModifier) && moved.x() == 0) moved = moved.transposed();
+    gestures_.scroll(moved.x(), moved.y());
+  }
+  event->accept();
+}
+
+void CanvasWidget::leaveEvent(QEvent* event) {
+  gestures_.leave();
+  QWidget::leaveEvent(event);
+}
+
+void CanvasWidget::hideEvent(QHideEvent* event) {
+  gestures_.forgetPress();
+  panFrom_.reset();
+  isDoubleClick_ = false;
+  QWidget::hideEvent(event);
+}
+
+void CanvasWidget::contextMenuEvent(QContextMenuEvent* event) {
+  const QPoint at =
+      event->reason() == QContextMenuEvent::Keyboard ? mapFromGlobal(QCursor::pos()) : event->pos();
+  if (const auto menu = gestures_.contextMenu({static_cast<double>(at.x()), static_cast<double>(at.y())})) {
+    Q_EMIT contextMenuRequested(*menu, mapToGlobal(at));
+  }
+}
+
 void CanvasWidget::finishPainting() { updatePictures(Clock::time_point::max()); }
 
 void CanvasWidget::updateGrid(const PictureView& view) {
@@ -129,19 +222,20 @@ void CanvasWidget::updatePictures(EntityPicture::Deadline deadline) {
   const PictureView now = view();
   updateGrid(now);
   const auto& systems = *model_.wallSystemSpecs;
-  bool isDone = entities_.update(now, {*model_.entities, systems, draggedIDs_}, deadline);
+  const EntityIndex& index = model_.index();
+  bool isDone = entities_.update(now, {*model_.entities, systems, draggedIDs_}, index, deadline);
 
   // A group that is dragged keeps its looks: what is shown of it is painted once, from the start of
   // the drag, and moved.
   const auto& baseline = *model_.selectDragUndoBaseline;
   const EntityList& atRest = draggedIDs_ && baseline ? baseline->entities : *model_.entities;
   if (draggedIDs_ && draggedIDs_->size() > kMostLiveEntities) {
-    isDone &= dragged_.update(now, {atRest, systems, draggedIDs_}, deadline);
+    isDone &= dragged_.update(now, {atRest, systems, draggedIDs_}, index, deadline);
   } else {
     dragged_.clear();
   }
   if (selectedIDs_) {
-    isDone &= selection_.update(now, {atRest, systems, selectedIDs_}, deadline);
+    isDone &= selection_.update(now, {atRest, systems, selectedIDs_}, index, deadline);
   } else {
     selection_.clear();
   }

@@ -1,7 +1,8 @@
 // The canvas: paints the view model's state and hands pointer events to it.
 //
 // Grid and entities are kept as pictures; hover, selection, drafts and snaps are painted live over
-// them, so a pointer that moves costs two copies and a few strokes. Badges and controls are child
+// them, so a pointer that moves costs two copies and a few strokes. The wheel scrolls, and zooms with
+// Ctrl held; the middle button drags the view. Badges and controls are child
 // widgets of the canvas; they lie over the drawing, and those that set
 // `Qt::WA_TransparentForMouseEvents` let the pointer through.
 #pragma once
@@ -13,6 +14,7 @@
 
 #include "core/observable.h"
 #include "core/theme_palette.h"
+#include "interaction/canvas_gestures.h"
 #include "shell/entity_picture.h"
 
 namespace ostrelon {
@@ -36,10 +38,21 @@ class CanvasWidget : public QWidget {
  Q_SIGNALS:
   /// The canvas has a new size, which the view model knows already. For laying out what lies over it.
   void resized();
+  /// A secondary click on an entity, which is selected by now.
+  void contextMenuRequested(const ContextMenu& menu, const QPoint& globalPosition);
 
  protected:
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+  bool event(QEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void leaveEvent(QEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
 
  private:
   using IDs = std::shared_ptr<const std::unordered_set<UUID>>;
@@ -55,6 +68,9 @@ class CanvasWidget : public QWidget {
   void paintLive(QPainter& painter, const PictureView& view);
 
   SketchViewModel& model_;
+  CanvasGestures gestures_;
+  std::optional<QPointF> panFrom_;  // while the middle button drags the view
+  bool isDoubleClick_ = false;      // from a double click's press to its release
   ThemePalette palette_;
   Subscription subscription_;
 

@@ -4,10 +4,10 @@
 #include <cmath>
 #include <cstring>
 
-#include "interaction/canvas_batching.h"
+#include "core/entity_source.h"
 #include "interaction/canvas_overlays.h"
 #include "interaction/canvas_renderer.h"
-#include "shell/qt_canvas_painter.h"
+#include "shell/pixel_canvas_painter.h"
 
 namespace ostrelon {
 
@@ -41,6 +41,14 @@ void shiftPixels(QImage& image, int dx, int dy) {
   }
 }
 
+void clearPixels(QImage& image, const QRect& rect) {
+  const QRect part = rect & image.rect();
+  for (int y = part.top(); y <= part.bottom(); ++y) {
+    auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
+    std::fill_n(row + part.left(), part.width(), QRgb{0});
+  }
+}
+
 /// The whole number that a movement in device pixels is, if it is one.
 std::optional<int> wholePixels(double movement) {
   const double rounded = std::round(movement);
@@ -53,24 +61,31 @@ bool isShown(EntityPicture::Kind kind, const PictureContent& content, const UUID
   return named == (kind != EntityPicture::Kind::entitiesWithout);
 }
 
+/// A box that holds whatever could leave a stroke in this part of the view, sketch units. Walls are
+/// known by their centre lines, so the widest wall counts.
+SketchBox sketchBoxAround(const ViewRect& part, const PictureView& view,
+                          const std::vector<WallSystemSpec>& systems) {
+  double thickness = kUnknownWallThickness;
+  for (const WallSystemSpec& spec : systems) thickness = std::max(thickness, std::abs(spec.thickness));
+  const ViewRect reached = part.grown(kWidestReach + thickness / 2 * view.transform.viewport.scale);
+  const SketchPoint a = viewPointToSketch({reached.minX, reached.maxY}, view.transform.viewport);
+  const SketchPoint b = viewPointToSketch({reached.maxX, reached.minY}, view.transform.viewport);
+  return {a.x, a.y, b.x, b.y};
+}
+
 /// Paints entities of a picture's kind with one painter.
 class Brush {
  public:
-  Brush(EntityPicture::Kind kind, const CanvasFrame& frame, const PictureContent& content, QPainter& painter)
-      : kind_(kind),
-        frame_(frame),
-        content_(content),
-        layer_(frame, content.systems),
-        canvas_(painter),
-        batches_(canvas_, frame.paintedRect()) {}
+  Brush(EntityPicture::Kind kind, const CanvasFrame& frame, const PictureContent& content,
+        CanvasPainter& painter)
+      : kind_(kind), frame_(frame), content_(content), layer_(frame, content.systems), painter_(painter) {}
 
-  void flush() { batches_.flush(); }
   void paint(const SketchEntity& entity) {
     if (!isShown(kind_, content_, entityID(entity))) return;
     if (kind_ == EntityPicture::Kind::selection) {
-      paintSelectedEntity(batches_, frame_, entity, content_.systems);
+      paintSelectedEntity(painter_, frame_, entity, content_.systems);
     } else {
-      layer_.paint(batches_, entity);
+      layer_.paint(painter_, entity);
     }
   }
 
@@ -79,8 +94,7 @@ class Brush {
   const CanvasFrame& frame_;
   const PictureContent& content_;
   EntityLayerPainter layer_;
-  QtCanvasPainter canvas_;
-  BatchingPainter batches_;
+  CanvasPainter& painter_;
 };
 
 }  // namespace
@@ -90,10 +104,11 @@ void EntityPicture::clear() {
   job_.reset();
 }
 
-bool EntityPicture::update(const PictureView& view, const PictureContent& content, Deadline deadline) {
-  if (picture_ && follows(view, content) && pan(view)) {
+bool EntityPicture::update(const PictureView& view, const PictureContent& content, const EntityIndex& index,
+                           Deadline deadline) {
+  if (picture_ && follows(view, content) && pan(view, index)) {
     job_.reset();
-    applyEdits(content);
+    applyEdits(content, index);
     if (!job_) return true;
   } else if (!job_ || job_->picture.view != view || job_->picture.content.ids != content.ids ||
              job_->picture.content.systems != content.systems ||
@@ -112,7 +127,7 @@ bool EntityPicture::follows(const PictureView& view, const PictureContent& conte
          (kind_ == Kind::entitiesWithout || picture_->content.ids == content.ids);
 }
 
-bool EntityPicture::pan(const PictureView& view) {
+bool EntityPicture::pan(const PictureView& view, const EntityIndex& index) {
   const SketchPoint moved = view.transform.viewport.pan - picture_->view.transform.viewport.pan;
   if (moved == SketchPoint{}) return true;
   const auto dx = wholePixels(moved.x * view.pixelRatio);
@@ -122,11 +137,11 @@ bool EntityPicture::pan(const PictureView& view) {
   picture_->view = view;
   shiftPixels(image, *dx, *dy);
   const QRect all = image.rect();
-  for (const QRect& strip : QRegion(all) - QRegion(all.translated(*dx, *dy))) repaint(strip);
+  for (const QRect& strip : QRegion(all) - QRegion(all.translated(*dx, *dy))) repaint(strip, index);
   return true;
 }
 
-void EntityPicture::applyEdits(const PictureContent& content) {
+void EntityPicture::applyEdits(const PictureContent& content, const EntityIndex& index) {
   Picture& picture = *picture_;
   const bool sameIDs = picture.content.ids == content.ids;
   if (sameIDs && picture.content.entities.sharesAllStorage(content.entities)) return;
@@ -166,7 +181,7 @@ void EntityPicture::applyEdits(const PictureContent& content) {
   picture.content = content;
   // Many small pieces cost more than the box around them.
   if (dirty.rectCount() > 8) dirty = dirty.boundingRect();
-  for (const QRect& rect : dirty) repaint(rect);
+  for (const QRect& rect : dirty) repaint(rect, index);
 }
 
 QRect EntityPicture::deviceBounds(const SketchEntity& entity,
@@ -195,17 +210,16 @@ CanvasFrame EntityPicture::frameOf(const PictureView& view, const std::optional<
   return frame;
 }
 
-void EntityPicture::repaint(const QRect& deviceRect) {
+void EntityPicture::repaint(const QRect& deviceRect, const EntityIndex& index) {
   Picture& picture = *picture_;
-  QPainter painter(&picture.image);
-  painter.setClipRect(deviceRect);
-  painter.setCompositionMode(QPainter::CompositionMode_Source);
-  painter.fillRect(deviceRect, Qt::transparent);
-  painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-  painter.scale(picture.view.pixelRatio, picture.view.pixelRatio);
+  clearPixels(picture.image, deviceRect);
+  PixelCanvasPainter painter(picture.image, picture.view.pixelRatio, deviceRect);
   const CanvasFrame frame = frameOf(picture.view, deviceRect);
   Brush brush(kind_, frame, picture.content, painter);
-  for (const SketchEntity& entity : picture.content.entities) brush.paint(entity);
+  const bool isIndexed = index.list().sharesAllStorage(picture.content.entities);
+  const EntitySource source = isIndexed ? EntitySource(index) : EntitySource(picture.content.entities);
+  source.visitNear(sketchBoxAround(*frame.part, picture.view, picture.content.systems),
+                   [&brush](const SketchEntity& entity, std::size_t) { brush.paint(entity); });
 }
 
 void EntityPicture::startJob(const PictureView& view, const PictureContent& content) {
@@ -218,15 +232,13 @@ void EntityPicture::startJob(const PictureView& view, const PictureContent& cont
 bool EntityPicture::runJob(Deadline deadline) {
   Picture& picture = job_->picture;
   if (!picture.image.isNull()) {
-    QPainter painter(&picture.image);
-    painter.scale(picture.view.pixelRatio, picture.view.pixelRatio);
+    PixelCanvasPainter painter(picture.image, picture.view.pixelRatio);
     const CanvasFrame frame = frameOf(picture.view, std::nullopt);
     Brush brush(kind_, frame, picture.content, painter);
     const EntityList::Iterator end = picture.content.entities.end();
     int untilLook = kEntitiesPerLook;
     for (; job_->next != end; ++job_->next) {
       if (--untilLook == 0) {
-        brush.flush();
         if (std::chrono::steady_clock::now() >= deadline) return false;
         untilLook = kEntitiesPerLook;
       }

@@ -12,6 +12,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "core/entity_index.h"
 #include "core/entity_list.h"
 #include "core/wall_system.h"
 #include "interaction/canvas_frame.h"
@@ -47,8 +48,9 @@ class EntityPicture {
   explicit EntityPicture(Kind kind) : kind_(kind) {}
 
   /// Brings the picture up to the state, or nearer to it until the deadline. True once it is there;
-  /// until then call again.
-  bool update(const PictureView& view, const PictureContent& content, Deadline deadline);
+  /// until then call again. Small parts are painted through `index` where it is one over the content.
+  bool update(const PictureView& view, const PictureContent& content, const EntityIndex& index,
+              Deadline deadline);
   /// Draws the picture, scaled where it is still that of another view.
   void paint(QPainter& painter, const PictureView& view) const;
   /// Lets go of the picture.
@@ -67,9 +69,9 @@ class EntityPicture {
   };
 
   bool follows(const PictureView& view, const PictureContent& content) const;
-  bool pan(const PictureView& view);
-  void applyEdits(const PictureContent& content);
-  void repaint(const QRect& deviceRect);
+  bool pan(const PictureView& view, const EntityIndex& index);
+  void applyEdits(const PictureContent& content, const EntityIndex& index);
+  void repaint(const QRect& deviceRect, const EntityIndex& index);
   void startJob(const PictureView& view, const PictureContent& content);
   bool runJob(Deadline deadline);
   QRect deviceBounds(const SketchEntity& entity, const std::vector<WallSystemSpec>& systems) const;

@@ -1,7 +1,9 @@
 #include "shell/qt_canvas_painter.h"
 
 #include <QFont>
+#include <QPaintEngine>
 #include <QPainterPath>
+#include <algorithm>
 
 #include "shell/qt_text.h"
 
@@ -29,15 +31,15 @@ QPainterPath pathOf(const CanvasPath& path) {
   return result;
 }
 
-QPen penOf(const Stroke& stroke) {
+/// `dashUnit`: what the paint engine takes as the unit of a dash, view points.
+QPen penOf(const Stroke& stroke, double dashUnit) {
   QPen pen(colorOf(stroke.color, stroke.opacity), stroke.width, Qt::SolidLine,
            stroke.cap == LineCap::round ? Qt::RoundCap : Qt::FlatCap,
            stroke.join == LineJoin::round ? Qt::RoundJoin : Qt::SvgMiterJoin);
   pen.setMiterLimit(kMiterLimit);
   if (stroke.isDashed()) {
-    // A pen counts its dashes in widths.
-    pen.setDashPattern({stroke.dash.on / stroke.width, stroke.dash.off / stroke.width});
-    pen.setDashOffset(stroke.dashOffset / stroke.width);
+    pen.setDashPattern({stroke.dash.on / dashUnit, stroke.dash.off / dashUnit});
+    pen.setDashOffset(stroke.dashOffset / dashUnit);
   }
   return pen;
 }
@@ -50,7 +52,9 @@ QtCanvasPainter::QtCanvasPainter(QPainter& painter) : painter_(painter) {
 
 void QtCanvasPainter::useStroke(const Stroke& stroke) {
   if (stroke_ != stroke) {
-    painter_.setPen(penOf(stroke));
+    // A pen counts its dashes in widths; painting to pixels, Qt takes no width for less than 1.
+    const bool isRaster = painter_.paintEngine()->type() == QPaintEngine::Raster;
+    painter_.setPen(penOf(stroke, isRaster ? std::max(stroke.width, 1.0) : stroke.width));
     painter_.setBrush(Qt::NoBrush);
     stroke_ = stroke;
   }

@@ -1,0 +1,35 @@
+// Running a script in the console, for starts without a window.
+#pragma once
+
+#include <functional>
+#include <string_view>
+
+namespace ostrelon {
+
+class SketchViewModel;
+
+/// Prints the lines of the transcript as they come, each once.
+class TranscriptPrinter {
+ public:
+  using Print = std::function<void(std::string_view line)>;
+
+  TranscriptPrinter(const SketchViewModel& sketch, Print print) : sketch_(sketch), print_(std::move(print)) {}
+
+  /// Prints what has been added since the last call.
+  void printNewLines();
+  /// True when one of the printed lines was an error.
+  bool hasSeenError() const { return hasSeenError_; }
+
+ private:
+  const SketchViewModel& sketch_;
+  Print print_;
+  std::size_t printed_ = 0;
+  bool hasSeenError_ = false;
+};
+
+/// Submits every line of the script as if it had been typed; `afterLine` runs behind each, for what
+/// the line has set going. Lines end in "\n" or "\r\n"; the last one need not.
+void runConsoleScript(SketchViewModel& sketch, std::string_view script,
+                      const std::function<void()>& afterLine);
+
+}  // namespace ostrelon

@@ -1,0 +1,258 @@
+#include "interaction/pixel_raster.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace ostrelon {
+
+namespace {
+
+/// Two 8-bit components at once, each times `by` / 255, rounded.
+std::uint32_t scaledPair(std::uint32_t pair, std::uint32_t by) {
+  const std::uint32_t product = pair * by + 0x00800080;
+  return ((product + ((product >> 8) & 0x00FF00FF)) >> 8) & 0x00FF00FF;
+}
+
+std::uint32_t scaled(std::uint32_t pixel, std::uint32_t by) {
+  return scaledPair(pixel & 0x00FF00FF, by) | (scaledPair((pixel >> 8) & 0x00FF00FF, by) << 8);
+}
+
+/// Lays one colour over pixels by coverage.
+class Ink {
+ public:
+  explicit Ink(PixelColor color)
+      : full_(scaled(0xFF000000 | (color.red << 16) | (color.green << 8) | color.blue, color.alpha)),
+        isOpaque_(color.alpha == 255) {}
+
+  void lay(std::uint32_t& pixel, double coverage) const {
+    if (!(coverage > 0)) return;
+    if (coverage >= 1) {
+      pixel = isOpaque_ ? full_ : over(full_, pixel);
+    } else {
+      pixel = over(scaled(full_, static_cast<std::uint32_t>(coverage * 255 + 0.5)), pixel);
+    }
+  }
+
+ private:
+  static std::uint32_t over(std::uint32_t top, std::uint32_t below) {
+    return top + scaled(below, 255 - (top >> 24));
+  }
+
+  std::uint32_t full_;  // premultiplied
+  bool isOpaque_;
+};
+
+struct IntRange {
+  int begin = 0;
+  int end = 0;  ///< not included
+};
+
+/// The pixels whose middles may lie between two coordinates, within a range.
+IntRange pixelsBetween(double from, double to, int least, int most) {
+  // Held to the range before the conversion, which has no meaning for larger numbers.
+  const double first = std::clamp(std::floor(from), static_cast<double>(least), static_cast<double>(most));
+  const double last = std::clamp(std::ceil(to) + 1, static_cast<double>(least), static_cast<double>(most));
+  return {static_cast<int>(first), static_cast<int>(last)};
+}
+
+std::uint32_t* rowOf(const PixelBuffer& buffer, int y) { return buffer.pixels + y * buffer.stride; }
+
+/// Calls `cover(middle)` for the pixels of a band around a line, and lays the ink.
+template <class Cover>
+void rasterBand(const PixelBuffer& buffer, const CanvasSegment& line, SketchPoint direction, double reach,
+                const Ink& ink, const Cover& cover) {
+  const auto [from, to] = line;
+  const IntRange rows = pixelsBetween(std::min(from.y, to.y) - reach, std::max(from.y, to.y) + reach,
+                                      buffer.clipMinY, buffer.clipMaxY);
+  const double minX = std::min(from.x, to.x) - reach;
+  const double maxX = std::max(from.x, to.x) + reach;
+  const SketchPoint normal{-direction.y, direction.x};
+  for (int y = rows.begin; y < rows.end; ++y) {
+    const double middleY = y + 0.5;
+    double left = minX;
+    double right = maxX;
+    if (std::abs(normal.x) > 1e-9) {
+      // Where the row crosses the band: |(x - from.x) · normal.x + (y - from.y) · normal.y| ≤ reach.
+      const double across = (middleY - from.y) * normal.y;
+      const double a = from.x + (-reach - across) / normal.x;
+      const double b = from.x + (reach - across) / normal.x;
+      left = std::max(left, std::min(a, b));
+      right = std::min(right, std::max(a, b));
+    }
+    if (!(left <= right)) continue;
+    const IntRange columns = pixelsBetween(left, right, buffer.clipMinX, buffer.clipMaxX);
+    std::uint32_t* row = rowOf(buffer, y);
+    for (int x = columns.begin; x < columns.end; ++x) {
+      ink.lay(row[x], cover(SketchPoint{x + 0.5, middleY}));
+    }
+  }
+}
+
+double cross(SketchPoint a, SketchPoint b) { return a.x * b.y - a.y * b.x; }
+
+}  // namespace
+
+PixelColor PixelColor::of(Color color, double opacity) {
+  const auto component = [](double value) {
+    return static_cast<std::uint32_t>(std::lround(std::clamp(value, 0.0, 1.0) * 255));
+  };
+  return {component(color.red), component(color.green), component(color.blue), component(opacity)};
+}
+
+void rasterRoundLine(const PixelBuffer& buffer, const CanvasSegment& line, double width, PixelColor color) {
+  const double half = width / 2;
+  const double most = std::min(1.0, width);
+  const double length = distanceBetween(line.from, line.to);
+  const SketchPoint direction = length > 0 ? (line.to - line.from) * (1 / length) : SketchPoint{1, 0};
+  const SketchPoint from = line.from;
+  rasterBand(buffer, line, direction, half + 0.5, Ink(color), [=](SketchPoint middle) {
+    const SketchPoint d = middle - from;
+    const double along = d.x * direction.x + d.y * direction.y;
+    const double across = cross(direction, d);
+    const double beyond = along < 0 ? along : along > length ? along - length : 0;
+    const double distance = beyond == 0 ? std::abs(across) : std::sqrt(across * across + beyond * beyond);
+    return std::min(half + 0.5 - distance, most);
+  });
+}
+
+void rasterButtLine(const PixelBuffer& buffer, const CanvasSegment& line, double width, PixelColor color) {
+  const double half = width / 2;
+  const double most = std::min(1.0, width);
+  const double length = distanceBetween(line.from, line.to);
+  if (!(length > 0)) return;
+  const double mostAlong = std::min(1.0, length);
+  const SketchPoint direction = (line.to - line.from) * (1 / length);
+  const SketchPoint from = line.from;
+  rasterBand(buffer, line, direction, half + 0.5, Ink(color), [=](SketchPoint middle) {
+    const SketchPoint d = middle - from;
+    const double along = d.x * direction.x + d.y * direction.y;
+    const double ends = std::clamp(std::min(along, length - along) + 0.5, 0.0, mostAlong);
+    const double sides = std::clamp(half + 0.5 - std::abs(cross(direction, d)), 0.0, most);
+    return ends * sides;
+  });
+}
+
+void rasterCircle(const PixelBuffer& buffer, SketchPoint center, double radius, double width,
+                  PixelColor color) {
+  const Ink ink(color);
+  const double half = width / 2;
+  const double most = std::min(1.0, width);
+  const double reach = half + 0.5;
+  const double outer = radius + reach;
+  const double inner = std::max(0.0, radius - reach);
+  const IntRange rows = pixelsBetween(center.y - outer, center.y + outer, buffer.clipMinY, buffer.clipMaxY);
+  for (int y = rows.begin; y < rows.end; ++y) {
+    const double dy = y + 0.5 - center.y;
+    const double outerSquared = outer * outer - dy * dy;
+    if (outerSquared < 0) continue;
+    const double outerX = std::sqrt(outerSquared);
+    const double innerSquared = inner * inner - dy * dy;
+    const double innerX = innerSquared > 0 ? std::sqrt(innerSquared) : 0;
+    std::uint32_t* row = rowOf(buffer, y);
+    const auto cover = [&](IntRange columns) {
+      for (int x = columns.begin; x < columns.end; ++x) {
+        const double dx = x + 0.5 - center.x;
+        const double distance = std::abs(std::sqrt(dx * dx + dy * dy) - radius);
+        ink.lay(row[x], std::min(reach - distance, most));
+      }
+    };
+    const IntRange left =
+        pixelsBetween(center.x - outerX, center.x - innerX, buffer.clipMinX, buffer.clipMaxX);
+    IntRange right = pixelsBetween(center.x + innerX, center.x + outerX, buffer.clipMinX, buffer.clipMaxX);
+    // Near the top and the bottom the two sides meet; no pixel is laid twice.
+    right.begin = std::max(right.begin, left.end);
+    cover(left);
+    cover(right);
+  }
+}
+
+bool isSmallConvex(std::span<const SketchPoint> corners) {
+  if (corners.size() < 3 || corners.size() > kMostConvexCorners) return false;
+  double least = 0;
+  double most = 0;
+  double turned = 0;
+  for (std::size_t i = 0; i < corners.size(); ++i) {
+    const SketchPoint a = corners[i];
+    const SketchPoint b = corners[(i + 1) % corners.size()];
+    const SketchPoint c = corners[(i + 2) % corners.size()];
+    const double turn = cross(b - a, c - b);
+    least = std::min(least, turn);
+    most = std::max(most, turn);
+    // A star turns one way as well, but more than once around.
+    turned += std::atan2(turn, (b - a).x * (c - b).x + (b - a).y * (c - b).y);
+  }
+  return least * most == 0 && least + most != 0 && std::abs(turned) < 7;
+}
+
+void rasterConvexArea(const PixelBuffer& buffer, std::span<const SketchPoint> corners, PixelColor color) {
+  struct Edge {
+    SketchPoint inward;  // unit normal
+    double offset = 0;
+  };
+  std::array<Edge, kMostConvexCorners> edges;
+  const std::size_t count = std::min(corners.size(), kMostConvexCorners);
+  double turn = 0;
+  double minX = corners[0].x, maxX = minX, minY = corners[0].y, maxY = minY;
+  for (std::size_t i = 0; i < count; ++i) {
+    const SketchPoint a = corners[i];
+    turn += cross(a, corners[(i + 1) % count]);
+    minX = std::min(minX, a.x);
+    maxX = std::max(maxX, a.x);
+    minY = std::min(minY, a.y);
+    maxY = std::max(maxY, a.y);
+  }
+  std::size_t used = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    const SketchPoint a = corners[i];
+    const SketchPoint d = corners[(i + 1) % count] - a;
+    const double length = std::hypot(d.x, d.y);
+    if (length == 0) continue;
+    const double side = (turn > 0 ? 1 : -1) / length;
+    const SketchPoint inward{-d.y * side, d.x * side};
+    edges[used++] = {inward, a.x * inward.x + a.y * inward.y};
+  }
+  const Ink ink(color);
+  const IntRange rows = pixelsBetween(minY - 0.5, maxY + 0.5, buffer.clipMinY, buffer.clipMaxY);
+  for (int y = rows.begin; y < rows.end; ++y) {
+    const double middleY = y + 0.5;
+    // Between these columns the row is touched, and between the solid ones it is full.
+    double left = minX - 0.5, right = maxX + 0.5;
+    double solidLeft = left, solidRight = right;
+    for (std::size_t i = 0; i < used; ++i) {
+      const auto [inward, offset] = edges[i];
+      // The distance inwards is x · inward.x + rest.
+      const double rest = middleY * inward.y - offset;
+      if (std::abs(inward.x) < 1e-9) {
+        if (rest < -0.5) right = left - 1;
+        if (rest < 0.5) solidRight = solidLeft - 1;
+        continue;
+      }
+      const double touched = (-0.5 - rest) / inward.x;
+      const double full = (0.5 - rest) / inward.x;
+      if (inward.x > 0) {
+        left = std::max(left, touched);
+        solidLeft = std::max(solidLeft, full);
+      } else {
+        right = std::min(right, touched);
+        solidRight = std::min(solidRight, full);
+      }
+    }
+    if (!(left <= right)) continue;
+    const IntRange columns = pixelsBetween(left, right, buffer.clipMinX, buffer.clipMaxX);
+    std::uint32_t* row = rowOf(buffer, y);
+    for (int x = columns.begin; x < columns.end; ++x) {
+      const double middleX = x + 0.5;
+      double coverage = 1;
+      if (middleX < solidLeft || middleX > solidRight) {
+        for (std::size_t i = 0; i < used; ++i) {
+          const double inside = middleX * edges[i].inward.x + middleY * edges[i].inward.y - edges[i].offset;
+          coverage = std::min(coverage, inside + 0.5);
+        }
+      }
+      ink.lay(row[x], coverage);
+    }
+  }
+}
+
+}  // namespace ostrelon

@@ -1,0 +1,44 @@
+// The canvas painter for pictures: thin solid lines, circles and small areas straight into the
+// pixels, everything else through Qt.
+#pragma once
+
+#include <QImage>
+#include <QPainter>
+#include <QRect>
+
+#include "interaction/pixel_raster.h"
+#include "shell/qt_canvas_painter.h"
+
+namespace ostrelon {
+
+class PixelCanvasPainter final : public CanvasPainter {
+ public:
+  /// `image` is RGB32 or premultiplied ARGB32 and is not shared; only `part` of it, in pixels, is
+  /// painted. One view point is `pixelRatio` pixels.
+  PixelCanvasPainter(QImage& image, double pixelRatio, const QRect& part);
+  PixelCanvasPainter(QImage& image, double pixelRatio)
+      : PixelCanvasPainter(image, pixelRatio, image.rect()) {}
+
+  void strokePath(const CanvasPath& path, const Stroke& stroke) override;
+  void strokeSegments(std::span<const CanvasSegment> segments, const Stroke& stroke) override;
+  void strokeEllipse(const CanvasEllipse& ellipse, const Stroke& stroke) override;
+  void strokeRoundedRect(const ViewRect& rect, double cornerRadius, const Stroke& stroke) override;
+  void fillPath(const CanvasPath& path, const Fill& fill) override;
+  void fillEllipse(const CanvasEllipse& ellipse, const Fill& fill) override;
+  void fillRoundedRect(const ViewRect& rect, double cornerRadius, const Fill& fill) override;
+  void drawText(std::string_view text, SketchPoint center, double height, const Fill& fill) override;
+
+ private:
+  SketchPoint toPixels(SketchPoint point) const { return point * ratio_; }
+  CanvasSegment toPixels(const CanvasSegment& segment) const {
+    return {toPixels(segment.from), toPixels(segment.to)};
+  }
+  void strokeDashes(const CanvasSegment& line, const Stroke& stroke);
+
+  double ratio_;
+  PixelBuffer buffer_;
+  QPainter painter_;
+  QtCanvasPainter canvas_;
+};
+
+}  // namespace ostrelon
