@@ -1,5 +1,7 @@
 #include "interaction/canvas_transform.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -33,7 +35,7 @@ double gridStep(double scale) {
 std::string gridScaleLabel(double scale) { return std::to_string(std::lround(gridStep(scale))) + "'"; }
 
 std::string zoomPercentageLabel(double scale) {
-  return std::to_string(std::lround(scale / kDefaultViewportScale * 100)) + "%";
+  return fmt::format("{:.0f}%", std::round(scale / kDefaultViewportScale * 100));
 }
 
 double clampedViewportScale(double scale) {
