@@ -5,33 +5,20 @@
 #include <cmath>
 
 #include "core/sketch_view_model.h"
+#include "geometry/selection_handles.h"
 #include "interaction/canvas_gestures.h"
 #include "interaction/canvas_transform.h"
 #include "platform/dialogs.h"
-#include "platform/file_system.h"
+#include "platform/disk_file_system.h"
 
 namespace ostrelon {
 namespace {
-
-class NoFiles final : public FileSystem {
- public:
-  using FileSystem::writeFile;
-  std::string readFile(const FilePath&) override { throw FileError("There is no file."); }
-  void writeFile(const FilePath&, const std::function<void(const Writer&)>&) override {
-    throw FileError("Nothing can be written.");
-  }
-  std::optional<FileInfo> info(const FilePath&) override { return std::nullopt; }
-  std::vector<std::string> list(const FilePath&) override { return {}; }
-  void createFolders(const FilePath&) override {}
-  void copyFile(const FilePath&, const FilePath&) override {}
-  void removeFile(const FilePath&) override {}
-};
 
 // Lines, circles and rectangles on a square lattice of 20 units, and a hand in the middle of it.
 struct PointerSketch {
   VirtualScheduler scheduler;
   QueuedDialogs dialogs;
-  NoFiles files;
+  DiskFileSystem files;
   SketchViewModel sketch{Host{scheduler, dialogs, files}};
   CanvasGestures gestures{sketch};
 
@@ -76,32 +63,24 @@ void BM_DrawLine(benchmark::State& state) {
   for (auto _ : state) pointer.gestures.drag(pointer.step());
 }
 
-void BM_DragEntity(benchmark::State& state) {
-  PointerSketch pointer(state.range(0));
+void dragFromTheMiddle(benchmark::State& state, PointerSketch& pointer) {
   const SketchEntity& grabbed = pointer.sketch.entities.get()[pointer.sketch.entities->size() / 2];
-  const SketchPoint press = sketchPointToView(std::visit(
-                                                  [](const auto& entity) {
-                                                    if constexpr (requires { entity.from; })
-                                                      return entity.from;
-                                                    else if constexpr (requires { entity.radius; })
-                                                      return entity.center + SketchPoint{entity.radius, 0};
-                                                    else if constexpr (requires { entity.origin; })
-                                                      return entity.origin;
-                                                    else
-                                                      return entity.vertices[0];
-                                                  },
-                                                  grabbed),
-                                              pointer.sketch.viewport);
+  const SketchPoint press =
+      sketchPointToView(selectionHandles(grabbed).rbegin()->second, pointer.sketch.viewport);
   pointer.gestures.press(press);
   for (auto _ : state) pointer.gestures.drag(pointer.step());
   if (!*pointer.sketch.selectDrag) state.SkipWithError("nothing was grabbed");
 }
 
+void BM_DragEntity(benchmark::State& state) {
+  PointerSketch pointer(state.range(0));
+  dragFromTheMiddle(state, pointer);
+}
+
 void BM_DragSelection(benchmark::State& state) {
   PointerSketch pointer(state.range(0));
   pointer.sketch.selectAll();
-  pointer.gestures.press({800, 500});
-  for (auto _ : state) pointer.gestures.drag(pointer.step());
+  dragFromTheMiddle(state, pointer);
 }
 
 BENCHMARK(BM_HoverSelect)->Arg(10'000)->Arg(1'000'000)->Unit(benchmark::kMicrosecond);
