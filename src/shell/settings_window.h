@@ -1,0 +1,130 @@
+// The window of preferences: updates, appearance, auto-save, and the projects folder.
+#pragma once
+
+#include <QProgressBar>
+#include <QRadioButton>
+#include <QSpinBox>
+#include <functional>
+#include <vector>
+
+#include "app/application.h"
+#include "shell/controls.h"
+
+class QVBoxLayout;
+class QScrollArea;
+
+namespace ostrelon {
+
+/// A small board in the colours of a theme, with its name below.
+class ThemeCard final : public QRadioButton {
+ public:
+  ThemeCard(Theme& theme, AppearanceMode mode, QWidget* parent = nullptr);
+  AppearanceMode mode() const { return mode_; }
+  QSize sizeHint() const override { return {120, 108}; }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  bool hitButton(const QPoint& position) const override { return rect().contains(position); }
+
+ private:
+  Theme& theme_;
+  AppearanceMode mode_;
+};
+
+/// A number between a minus and a plus.
+class Stepper final : public QWidget {
+  Q_OBJECT
+
+ public:
+  Stepper(Theme& theme, int least, int most, const QString& suffix, QWidget* parent = nullptr);
+  int value() const { return field_->value(); }
+  void setValue(int value);
+  QSpinBox* field() { return field_; }
+
+ Q_SIGNALS:
+  void changed(int value);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  void stepBy(int steps);
+
+  Theme& theme_;
+  Button* minus_;
+  QSpinBox* field_;
+  Button* plus_;
+};
+
+class AppSettingsView final : public QWidget {
+  Q_OBJECT
+
+ public:
+  static constexpr int kWidth = 720;
+
+  /// `projectsFolderChanged` runs after another folder has been set.
+  AppSettingsView(Application& application, Theme& theme, std::function<void()> projectsFolderChanged,
+                  QWidget* parent = nullptr);
+
+ private:
+  QVBoxLayout* addSection(const QString& title, const QString& identifier, bool isLast);
+  void makeUpdates();
+  void makeAppearance();
+  void makeAutoSave();
+  void makeProjectsFolder();
+  TextLabel* addValueRow(QVBoxLayout& column, const QString& label, const QString& identifier);
+  void refreshUpdates();
+  void refreshSettings();
+  void showChanges();
+  void setFolder(const std::function<void()>& set);
+
+  Application& application_;
+  Theme& theme_;
+  std::function<void()> projectsFolderChanged_;
+  QVBoxLayout* sections_;
+
+  TextLabel* currentVersion_ = nullptr;
+  TextLabel* latestVersion_ = nullptr;
+  TextLabel* lastChecked_ = nullptr;
+  QLabel* statusMark_ = nullptr;
+  TextLabel* status_ = nullptr;
+  QWidget* progressRow_ = nullptr;
+  QProgressBar* progress_ = nullptr;
+  QWidget* changesBox_ = nullptr;
+  QVBoxLayout* changes_ = nullptr;
+  TextLabel* omitted_ = nullptr;
+  Button* fullNotes_ = nullptr;
+  Button* checkButton_ = nullptr;
+  Button* postponeButton_ = nullptr;
+  Button* installButton_ = nullptr;
+  std::optional<AppUpdateAvailability> shownUpdate_;
+
+  std::vector<ThemeCard*> themeCards_;
+  Switch* autoSaveSwitch_ = nullptr;
+  Stepper* interval_ = nullptr;
+  QWidget* pathBox_ = nullptr;
+  TextLabel* path_ = nullptr;
+  TextLabel* folderError_ = nullptr;
+
+  QTimer* settingsTimer_;
+  QTimer* updatesTimer_;
+  Subscription settingsSubscription_;
+  Subscription updatesSubscription_;
+};
+
+class SettingsWindow final : public QWidget {
+ public:
+  SettingsWindow(Application& application, Theme& theme, std::function<void()> projectsFolderChanged,
+                 QWidget* mainWindow);
+  void open();
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  QScrollArea* scroll_;
+  AppSettingsView* view_;
+};
+
+}  // namespace ostrelon

@@ -1,0 +1,158 @@
+#include "shell/sheets.h"
+
+#include <QPainter>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include "platform/user_error.h"
+#include "shell/date_text.h"
+#include "shell/qt_text.h"
+
+namespace ostrelon {
+namespace {
+
+constexpr int kSheetWidth = 480;
+constexpr int kSheetPadding = 32;
+
+TextLabel* addText(DialogSheet& sheet, Theme& theme, TextStyle style, const QString& text) {
+  auto* label = new TextLabel(theme, style, TextLabel::Rank::primary, text);
+  label->setWordWrap(true);
+  sheet.content().addWidget(label);
+  return label;
+}
+
+// The document that the offer is about.
+class CandidateBox final : public QWidget {
+ public:
+  CandidateBox(Theme& theme, const AutoSaveRecoveryCandidate& candidate) : theme_(theme) {
+    setFixedHeight(56);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(16, 8, 16, 8);
+    column->setSpacing(0);
+    column->addWidget(new TextLabel(theme, TextStyle::bodyStrong, TextLabel::Rank::primary,
+                                    qtText(candidate.displayName), this));
+    if (candidate.savedAt) {
+      column->addWidget(new TextLabel(theme, TextStyle::small, TextLabel::Rank::primary,
+                                      QStringLiteral("Autosaved ") + abbreviatedDateText(*candidate.savedAt),
+                                      this));
+    }
+  }
+
+ protected:
+  void paintEvent(QPaintEvent* /*event*/) override {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    paintBox(painter, rect(), 8, theme_.background(), theme_.border());
+  }
+
+ private:
+  Theme& theme_;
+};
+
+}  // namespace
+
+ProjectsFolderSetupView::ProjectsFolderSetupView(Application& application, Theme& theme, QWidget& window)
+    : DialogSheet(theme, window, kSheetWidth, kSheetPadding) {
+  setObjectName(QStringLiteral("projectsFolderSetup"));
+  setAccessibleName(QStringLiteral("Welcome to Ostrelon"));
+  auto* logo = new QLabel;
+  logo->setFixedHeight(40);
+  const auto paint = [this, logo, &theme] { logo->setPixmap(logoPixmap(40, theme, devicePixelRatioF())); };
+  paint();
+  connect(&theme, &Theme::changed, logo, paint);
+  content().addWidget(logo);
+  content().addSpacing(16);
+  addText(*this, theme, TextStyle::display, QStringLiteral("Welcome to Ostrelon"));
+  content().addSpacing(8);
+  addText(
+      *this, theme, TextStyle::body,
+      QStringLiteral("Choose where new projects are saved. Auto-save and untitled projects use this folder. "
+                     "You can change it later in Settings."));
+  error_ = addText(*this, theme, TextStyle::small, {});
+  error_->setObjectName(QStringLiteral("projectsFolderSetup.error"));
+  error_->hide();
+
+  Button* choose = addButton(QStringLiteral("Choose Another Folder…"), Button::Kind::outlined,
+                             QStringLiteral("projectsFolderSetup.chooseFolder"));
+  Button* useDefault = addButton(QStringLiteral("Use default projects folder"), Button::Kind::primary,
+                                 QStringLiteral("projectsFolderSetup.useDefault"));
+  setDefaultButton(useDefault);
+  setFirstFocus(useDefault);
+  const auto set = [this, &application](const std::function<void()>& setFolder) {
+    try {
+      setFolder();
+    } catch (const UserError& error) {
+      // The sheet stays until a folder has been set.
+      showError(QString::fromUtf8(error.what()));
+      return;
+    }
+    application.completeProjectsFolderSetup();
+  };
+  connect(useDefault, &QPushButton::clicked, this,
+          [set, &application] { set([&] { application.settings().useDefaultProjectsFolder(); }); });
+  connect(choose, &QPushButton::clicked, this, [set, &application] {
+    application.chooseProjectsFolder([set, &application](const FilePath& folder) {
+      set([&] { application.settings().setCustomProjectsFolder(folder); });
+    });
+  });
+}
+
+void ProjectsFolderSetupView::showError(const QString& sentence) {
+  error_->setText(sentence);
+  error_->show();
+  content().invalidate();
+  open();
+}
+
+AutoSaveRecoverySheet::AutoSaveRecoverySheet(Application& application, Theme& theme, QWidget& window)
+    : DialogSheet(theme, window, kSheetWidth, kSheetPadding) {
+  setObjectName(QStringLiteral("autoSaveRecovery"));
+  setAccessibleName(QStringLiteral("Restore autosave?"));
+  addText(*this, theme, TextStyle::display, QStringLiteral("Restore autosave?"));
+  content().addSpacing(8);
+  addText(*this, theme, TextStyle::body,
+          QStringLiteral(
+              "Ostrelon did not shut down cleanly last time. You can restore the last autosaved document "
+              "or continue with a new session."));
+  if (const auto& candidate = *application.settings().autoSaveRecoveryCandidate) {
+    content().addSpacing(16);
+    auto* box = new CandidateBox(theme, *candidate);
+    box->setObjectName(QStringLiteral("autoSaveRecovery.candidate"));
+    content().addWidget(box);
+  }
+  Button* skip =
+      addButton(QStringLiteral("Skip"), Button::Kind::outlined, QStringLiteral("autoSaveRecovery.skip"));
+  Button* restore = addButton(QStringLiteral("Restore Autosave"), Button::Kind::primary,
+                              QStringLiteral("autoSaveRecovery.restore"));
+  setDefaultButton(restore);
+  setFirstFocus(restore);
+  connect(skip, &QPushButton::clicked, this, [&application] { application.skipAutoSaveRecovery(); });
+  connect(restore, &QPushButton::clicked, this, [&application] { application.restoreAutoSaveFromOffer(); });
+}
+
+SheetPresenter::SheetPresenter(Application& application, Theme& theme, QWidget& window)
+    : QObject(&window), application_(application), theme_(theme), window_(window) {
+  subscription_ =
+      application.observe([this](FieldMask) { QTimer::singleShot(0, this, [this] { refresh(); }); });
+  refresh();
+}
+
+void SheetPresenter::refresh() {
+  const bool setupIsDue = *application_.showProjectsFolderSetup;
+  const bool recoveryIsDue = *application_.showAutoSaveRecoveryOffer && !setupIsDue;
+  const auto follow = [](QPointer<DialogSheet>& sheet, bool isDue, auto make) {
+    if (isDue && sheet == nullptr) {
+      sheet = make();
+      sheet->open();
+    } else if (!isDue && sheet != nullptr) {
+      sheet->hide();
+      sheet->deleteLater();
+      sheet = nullptr;
+    }
+  };
+  follow(setup_, setupIsDue, [this] { return new ProjectsFolderSetupView(application_, theme_, window_); });
+  follow(recovery_, recoveryIsDue,
+         [this] { return new AutoSaveRecoverySheet(application_, theme_, window_); });
+}
+
+}  // namespace ostrelon
