@@ -1,48 +1,101 @@
 // The program without its windows: the long-lived objects, and what happens at each event of its
-// life. The window, the automation host and the tests each make one of these over their own host.
+// life. The window, the automation host and the tests each make one of these over their own services.
 //
-//   Application app(host, defaults, options);
+//   Application app(services, options);
 //   app.mainViewAppeared();   // once, when the main window first shows
 //   …
 //   app.willTerminate();      // a normal end; a killed process never gets here
+//
+// The operations below are those that need more than one of the objects, or a question to the user.
 #pragma once
 
+#include <functional>
+
+#include "app/close_question.h"
+#include "core/observable.h"
 #include "core/sketch_view_model.h"
+#include "documents/app_settings.h"
 #include "platform/host.h"
 #include "platform/user_defaults.h"
+#include "updates/app_update_client.h"
+#include "updates/app_update_manager.h"
+#include "updates/update_configuration.h"
 
 namespace ostrelon {
 
+/// What the program needs of its surroundings. All of it must outlive the application.
+struct ApplicationServices {
+  Host host;
+  UserDefaults& defaults;
+  AppUpdateClient& updateClient;
+  AppUpdateManager::InstallerOpener openInstaller;
+};
+
 /// What the start of the process decides.
 struct ApplicationOptions {
+  FilePath documentsFolder;  ///< the user's own; the default projects folder lies in it
+  UpdateConfiguration updates;
   /// Resets the projects folder at the start and shows neither the first-run sheet nor the recovery
   /// offer.
   bool isUITesting = false;
 };
 
+/// What a window does for the program. Without one nothing happens.
+struct WindowActions {
+  std::function<void()> showSettings;
+  std::function<void()> close;  ///< asks the main window to close
+};
+
 class Application {
+  ChangeTracker tracker_;
+
  public:
-  /// `host` and `defaults` must outlive the object.
-  Application(Host host, UserDefaults& defaults, ApplicationOptions options = {});
+  Application(ApplicationServices services, ApplicationOptions options);
 
   SketchViewModel& sketch() { return sketch_; }
   const SketchViewModel& sketch() const { return sketch_; }
+  AppSettings& settings() { return settings_; }
+  const AppSettings& settings() const { return settings_; }
+  AppUpdateManager& updates() { return updates_; }
+  const AppUpdateManager& updates() const { return updates_; }
   UserDefaults& defaults() { return defaults_; }
   const Host& host() const { return host_; }
 
   // --- Life
 
-  /// The main window shows for the first time. From here until `willTerminate` the session counts as
-  /// one that has not ended cleanly.
+  /// The main window shows for the first time: decides which sheets are due, marks the session as one
+  /// that has not ended cleanly, and starts auto-save and the checks for updates.
   void mainViewAppeared();
   /// The program is about to end by the user's wish.
   void willTerminate();
 
+  void setWindowActions(WindowActions actions) { windowActions_ = std::move(actions); }
+  const WindowActions& windowActions() const { return windowActions_; }
+
+  // --- Sheets
+
+  Observable<bool, Application> showProjectsFolderSetup{tracker_, 0};
+  Observable<bool, Application> showAutoSaveRecoveryOffer{tracker_, 1};
+  /// Calls back when a sheet comes or goes.
+  [[nodiscard]] Subscription observe(ChangeTracker::Callback changed) {
+    return tracker_.observe(kAllFields, std::move(changed));
+  }
+  /// Asks for a folder for new projects; nothing happens when the user cancels.
+  void chooseProjectsFolder(std::function<void(const FilePath&)> chosen);
+  /// A projects folder has been set.
+  void completeProjectsFolderSetup();
+  void restoreAutoSaveFromOffer();
+  void skipAutoSaveRecovery();
+
  private:
   Host host_;
   UserDefaults& defaults_;
-  ApplicationOptions options_;
   SketchViewModel sketch_;
+  AppSettings settings_;
+  AppUpdateManager updates_;
+  WindowActions windowActions_;
+  Subscription selectionSubscription_;
+  ScheduledTask inspectorTask_;
 };
 
 }  // namespace ostrelon

@@ -1,0 +1,46 @@
+// The question before unsaved changes would be lost: when the window closes, and before another
+// document takes the place of this one.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "core/sketch_view_model.h"
+
+namespace ostrelon {
+
+class CloseQuestion {
+ public:
+  /// Saves the current document as the Save command does, and calls back when that has ended, well or
+  /// not.
+  using Save = std::function<void(std::function<void()> ended)>;
+  enum class Reply { allowed, refused };
+
+  /// `sketch` must outlive the object.
+  CloseQuestion(SketchViewModel& sketch, Save save) : sketch_(sketch), save_(std::move(save)) {}
+
+  /// The window is asked to close. A clean document is allowed at once; with changes the user is asked,
+  /// and the reply comes with the answer. "Save" refuses for now: the document is saved by a task of its
+  /// own, and `closeNow` runs once it is clean. While the question is open, another request is refused.
+  void windowShouldClose(const std::function<void(Reply)>& reply, std::function<void()> closeNow);
+
+  /// Something is about to replace the document: `proceed` runs when nothing would be lost by it, or
+  /// the user does not mind.
+  void beforeReplacing(std::function<void()> proceed);
+
+  bool isClosingAfterSave() const { return isClosingAfterSave_; }
+
+ private:
+  enum class Answer { save, cancel, dontSave };
+  void ask(std::function<void(Answer)> answered);
+  void saveThen(std::function<void()> whenClean);
+
+  SketchViewModel& sketch_;
+  Save save_;
+  bool isAsking_ = false;
+  bool isClosingAfterSave_ = false;
+  // Answers that come after the object's end find this gone.
+  std::shared_ptr<CloseQuestion*> self_ = std::make_shared<CloseQuestion*>(this);
+};
+
+}  // namespace ostrelon
