@@ -281,7 +281,7 @@ AppSettingsView::AppSettingsView(Application& application, Theme& theme,
   settingsSubscription_ =
       application.settings().observe(kAllFields, [timer = settingsTimer_](FieldMask) { timer->start(); });
   updatesSubscription_ =
-      application.updates().observe([timer = updatesTimer_](FieldMask) { timer->start(); });
+      application.updates().observe(kAllFields, [timer = updatesTimer_](FieldMask) { timer->start(); });
   connect(&theme, &Theme::changed, this, [this] { refreshUpdates(); });
   refreshUpdates();
   refreshSettings();

@@ -1,0 +1,80 @@
+#include "shell/windowed_program.h"
+
+#include <QApplication>
+#include <QTimer>
+
+#include "build_information.h"
+#include "platform/disk_file_system.h"
+#include "platform/json_user_defaults.h"
+#include "platform/user_paths.h"
+#include "shell/app_update_network_client.h"
+#include "shell/installer_opener.h"
+#include "shell/qt_scheduler.h"
+#include "shell/qt_text.h"
+
+namespace ostrelon {
+
+WindowedProgram::WindowedProgram(Application& application, Theme& theme, QtDialogs& dialogs)
+    : application_(application), theme_(theme) {
+  theme.setPalette(application.settings().activePalette);
+  mainWindow_ = std::make_unique<MainWindow>(application, theme);
+  inspector_ = new InspectorWindow(application.sketch(), theme, mainWindow_.get());
+  new SheetPresenter(application, theme, *mainWindow_);
+  dialogs.setWindow(mainWindow_.get());
+  paletteSubscription_ =
+      application.settings().observe(settingsMask(SettingsField::activePalette), [this](FieldMask) {
+        QTimer::singleShot(0, &theme_, [this] { theme_.setPalette(application_.settings().activePalette); });
+      });
+  application.setWindowActions(
+      {.showSettings = [this] { settings().open(); }, .close = [this] { mainWindow_->close(); }});
+}
+
+SettingsWindow& WindowedProgram::settings() {
+  if (settings_ == nullptr) settings_ = new SettingsWindow(application_, theme_, {}, mainWindow_.get());
+  return *settings_;
+}
+
+void WindowedProgram::show() {
+  mainWindow_->restoreLayout();
+  mainWindow_->show();
+}
+
+int runWithWindows(int& argc, char** argv, const WindowStart& start) {
+  QApplication::setApplicationName(QStringLiteral("Ostrelon"));
+  QApplication::setApplicationDisplayName(QStringLiteral("Ostrelon"));
+  QApplication::setApplicationVersion(QString::fromUtf8(kBuildVersion));
+  QApplication::setDesktopFileName(QStringLiteral("ostrelon"));
+  QApplication qt(argc, argv);
+
+  DiskFileSystem files;
+  const UserPaths paths =
+      start.home ? userPathsBelow(*start.home) : userPaths(files, [](const std::string& name) {
+        return qEnvironmentVariable(name.c_str()).toStdString();
+      });
+  JsonUserDefaults defaults(files, paths.settingsFile);
+  QtScheduler scheduler;
+  Theme theme;
+  QtDialogs dialogs(theme);
+  AppUpdateNetworkClient client(paths.temporaryFolder);
+  Application application({.host = {scheduler, dialogs, files},
+                           .defaults = defaults,
+                           .updateClient = client,
+                           .openInstaller = openInstallerWithDesktop},
+                          {.documentsFolder = paths.documentsFolder,
+                           .updates = updateConfiguration(kBuildVersion, kBuildNumber, kOstrelonUpdateFeedURL,
+                                                          kOstrelonUpdateSigningPublicKey),
+                           .isUITesting = start.isUITesting});
+  // The desktop's scheme is asked before the program dresses in its own colours.
+  const ColorSchemeWatcher colorScheme(
+      [&application](ColorScheme scheme) { application.settings().updateColorScheme(scheme); });
+  installBaseStyle(theme);
+  WindowedProgram program(application, theme, dialogs);
+  for (const std::string& note : defaults.takeNotes())
+    application.sketch().appendConsoleLine(note, false, true);
+  program.show();
+  const int status = QApplication::exec();
+  application.willTerminate();
+  return status;
+}
+
+}  // namespace ostrelon
