@@ -5,6 +5,7 @@
 #include <QPageSize>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QRegularExpression>
 #include <QSvgGenerator>
 
 #include "interaction/canvas_renderer.h"
@@ -45,6 +46,17 @@ QByteArray pngPicture(const EntityList& entities, std::span<const WallSystemSpec
   return bytes;
 }
 
+/// Qt tells the size of an SVG in millimetres of some resolution; here it is that of the view box.
+QByteArray withSizeInPixels(QByteArray svg, QSize size) {
+  static const QRegularExpression millimetres(
+      QStringLiteral("<svg width=\"[0-9.e+]+mm\" height=\"[0-9.e+]+mm\""));
+  constexpr qsizetype kHead = 1000;
+  QString head = QString::fromUtf8(svg.left(kHead));
+  head.replace(millimetres,
+               QStringLiteral("<svg width=\"%1\" height=\"%2\"").arg(size.width()).arg(size.height()));
+  return svg.replace(0, kHead, head.toUtf8());
+}
+
 QByteArray svgPicture(const EntityList& entities, std::span<const WallSystemSpec> systems,
                       const PictureOptions& options) {
   QByteArray bytes;
@@ -53,15 +65,13 @@ QByteArray svgPicture(const EntityList& entities, std::span<const WallSystemSpec
   generator.setOutputDevice(&buffer);
   generator.setSize(pixelSize(options));
   generator.setViewBox(QRect(QPoint(0, 0), pixelSize(options)));
-  // At this resolution the picture's size is told in pixels of CSS, one a view point.
-  generator.setResolution(96);
   generator.setTitle(QStringLiteral("Ostrelon drawing"));
   generator.setDescription(QString());
   QPainter painter(&generator);
   QtCanvasPainter canvas(painter);
   paintPicture(canvas, entities, systems, options);
   painter.end();
-  return bytes;
+  return withSizeInPixels(std::move(bytes), pixelSize(options));
 }
 
 QByteArray pdfPicture(const EntityList& entities, std::span<const WallSystemSpec> systems,

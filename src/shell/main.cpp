@@ -1,1 +1,64 @@
-int main() { return 0; }
+// The program: reads its options and starts the way they ask for.
+#include <QtGlobal>
+#include <cstdio>
+#include <exception>
+
+#include "app/command_line.h"
+#include "build_information.h"
+#include "shell/run_without_window.h"
+#include "shell/windowed_program.h"
+
+namespace {
+
+/// Without one Qt would end the process by a signal.
+bool hasDisplay() {
+#if defined(Q_OS_LINUX)
+  const auto isSet = [](const char* name) { return !qEnvironmentVariableIsEmpty(name); };
+  return isSet("QT_QPA_PLATFORM") || isSet("DISPLAY") || isSet("WAYLAND_DISPLAY");
+#else
+  return true;
+#endif
+}
+
+int run(int argc, char** argv) {
+  using ostrelon::CommandLine;
+  CommandLine line;
+  try {
+    line = ostrelon::parseCommandLine({argv + (argc > 0 ? 1 : 0), argv + argc});
+  } catch (const ostrelon::CommandLineError& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 2;
+  }
+  switch (line.mode) {
+    case CommandLine::Mode::help:
+      std::fputs(ostrelon::commandLineHelp().c_str(), stdout);
+      return 0;
+    case CommandLine::Mode::version:
+      std::printf("Ostrelon %s\n", ostrelon::kBuildVersion);
+      return 0;
+    case CommandLine::Mode::withoutWindow:
+      return ostrelon::runWithoutWindow(line);
+    case CommandLine::Mode::automation:
+      std::fputs("This build has no automation.\n", stderr);
+      return 2;
+    case CommandLine::Mode::window:
+      if (!hasDisplay()) {
+        std::fputs("There is no display to open a window on; --help tells what works without one.\n", stderr);
+        return 2;
+      }
+      return ostrelon::runWithWindows(
+          argc, argv, {.home = line.home, .document = line.document, .isUITesting = line.isUITesting});
+  }
+  return 2;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "Ostrelon cannot go on: %s.\n", error.what());
+    return 2;
+  }
+}

@@ -1,0 +1,13 @@
+// Starts that open no window: console lines from files, then files from the drawing.
+#pragma once
+
+#include "app/command_line.h"
+
+namespace ostrelon {
+
+/// Opens, runs, saves and exports as the line asks. The transcript goes to standard output, trouble to
+/// standard error in one sentence. Settings are neither read nor written. The exit status is 0, 1
+/// when a console line was answered with an error, and 2 for a file that cannot be read or written.
+int runWithoutWindow(const CommandLine& line);
+
+}  // namespace ostrelon

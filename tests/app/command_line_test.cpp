@@ -1,0 +1,86 @@
+#include "app/command_line.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "app/console_run.h"
+#include "support/test_sketch.h"
+
+namespace ostrelon {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using Mode = CommandLine::Mode;
+
+std::string refusal(const std::vector<std::string>& arguments) {
+  try {
+    parseCommandLine(arguments);
+  } catch (const CommandLineError& error) {
+    return error.what();
+  }
+  return "";
+}
+
+TEST(CommandLineTest, OpensTheWindowUnlessThereIsWorkWithoutOne) {
+  EXPECT_EQ(parseCommandLine({}).mode, Mode::window);
+  const CommandLine withDocument = parseCommandLine({"house.ostrel", "--home", "/h"});
+  EXPECT_EQ(withDocument.mode, Mode::window);
+  EXPECT_EQ(withDocument.document, "house.ostrel");
+  EXPECT_EQ(withDocument.home, "/h");
+  EXPECT_TRUE(parseCommandLine({"-uiTestingResetProjectsFolder"}).isUITesting);
+  EXPECT_EQ(parseCommandLine({"--automation", "--clock", "2026-01-01T00:00:00Z"}).mode, Mode::automation);
+  EXPECT_EQ(parseCommandLine({"--open", "x.ostrel"}).mode, Mode::withoutWindow);
+  EXPECT_EQ(parseCommandLine({"--console", "a", "--version"}).mode, Mode::version);
+  EXPECT_EQ(parseCommandLine({"--help"}).mode, Mode::help);
+}
+
+TEST(CommandLineTest, ReadsWhatToDoWithoutAWindow) {
+  const CommandLine line = parseCommandLine({"--console", "a.txt", "--console", "-", "--open", "in.ostrel",
+                                             "--save=out.OSTREL", "--export", "a.png", "--export", "b.SVG",
+                                             "--size", "640x480", "--theme", "tansy", "--grid"});
+  EXPECT_EQ(line.mode, Mode::withoutWindow);
+  EXPECT_THAT(line.consoleFiles, ElementsAre("a.txt", "-"));
+  EXPECT_EQ(line.document, "in.ostrel");
+  EXPECT_EQ(line.saveAs, "out.OSTREL");
+  ASSERT_EQ(line.exports.size(), 2u);
+  EXPECT_EQ(line.exports[0].format, ExportFormat::png);
+  EXPECT_EQ(line.exports[1].format, ExportFormat::svg);
+  EXPECT_EQ(line.exportSize, (SketchSize{640, 480}));
+  EXPECT_EQ(line.exportTheme, ExportTheme::tansy);
+  EXPECT_TRUE(line.exportGrid);
+}
+
+TEST(CommandLineTest, RefusesWhatItDoesNotUnderstandInOneSentence) {
+  EXPECT_THAT(refusal({"--frobnicate"}), HasSubstr("--frobnicate"));
+  EXPECT_THAT(refusal({"--console"}), HasSubstr("--console needs a value"));
+  EXPECT_THAT(refusal({"--export", "a.bmp"}), HasSubstr(".png, .svg or .pdf"));
+  EXPECT_THAT(refusal({"--open", "a.txt"}), HasSubstr(".ostrel"));
+  EXPECT_THAT(refusal({"--theme", "blue", "--export", "a.png"}), HasSubstr("light, dark and tansy"));
+  for (const char* size :
+       {"", "640", "640x", "x480", "0x10", "10x-1", "1e3x10", "99999x10", "1x2x3", " 1x2"}) {
+    EXPECT_NE(refusal({"--export", "a.png", "--size", size}), "") << size;
+  }
+  EXPECT_THAT(refusal({"--grid"}), HasSubstr("needs --export"));
+  EXPECT_THAT(refusal({"--clock", "x"}), HasSubstr("belongs to --automation"));
+  EXPECT_NE(refusal({"--automation", "--console", "a"}), "");
+  EXPECT_NE(refusal({"a.ostrel", "b.ostrel"}), "");
+  EXPECT_NE(refusal({"a.ostrel", "--open", "b.ostrel"}), "");
+  EXPECT_NE(refusal({"a.txt"}), "");
+}
+
+TEST(ConsoleRun, PrintsTheTranscriptOnceAndNoticesErrors) {
+  testing::TestSketch test;
+  std::vector<std::string> printed;
+  TranscriptPrinter transcript(test.sketch, [&](std::string_view text) { printed.emplace_back(text); });
+  runConsoleScript(test.sketch, "line 0 0 1 1\r\n\nclear\n", [&] { transcript.printNewLines(); });
+  EXPECT_FALSE(transcript.hasSeenError());
+  EXPECT_THAT(printed, ::testing::Contains("> line 0 0 1 1"));
+  const auto count = printed.size();
+  runConsoleScript(test.sketch, "line 1", [&] { transcript.printNewLines(); });
+  EXPECT_TRUE(transcript.hasSeenError());
+  EXPECT_EQ(printed.size(), count + 2) << "the echo and the reply";
+}
+
+}  // namespace
+}  // namespace ostrelon
