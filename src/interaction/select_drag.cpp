@@ -2,6 +2,8 @@
 // entities as they were at its start, so that rounding and snapping do not add up over the moves; its
 // whole course is one undo step.
 #include <cmath>
+#include <utility>
+#include <vector>
 
 #include "core/sketch_view_model.h"
 #include "geometry/entity_geometry.h"
@@ -12,23 +14,24 @@
 namespace ostrelon {
 namespace {
 
-// The movement of a whole entity (or of the group that it leads) whose pointer went by `delta`, as a
-// snap result whose point is the movement: entity points first, then the grid, then the axes.
-SketchSnapResult snappedMove(SketchPoint delta, const SketchViewport& viewport, const SketchEntity& lead,
-                             EntitySource entities, const SketchSnapping::EntityIDs& excluded,
-                             std::optional<SketchPoint> gridStart) {
+// The movement of a whole entity (or of the group that it leads) whose pointer went from `start` to
+// `pointer`, as a snap result whose point is the movement: entity points first, then the grid if asked
+// for, then the axes.
+SketchSnapResult snappedMove(SketchPoint start, SketchPoint pointer, const SketchViewport& viewport,
+                             const SketchEntity& lead, EntitySource entities,
+                             const SketchSnapping::EntityIDs& excluded, bool useGrid) {
+  const SketchPoint delta = pointer - start;
+  SketchSnapResult result;
   if (const auto match = SketchSnapping::snapEntityMove(delta, viewport, lead, entities, excluded)) {
     const auto& [source, target] = *match;
-    SketchSnapResult result;
     result.point = target.point - source.point;
     result.entitySnap = target;
     result.entitySnapSourcePoint = source.point + delta;
     return result;
   }
-  if (gridStart) {
-    if (auto grid = SketchSnapping::gridSnap(*gridStart + delta, viewport.scale)) {
-      SketchSnapResult result;
-      result.point = grid->point - *gridStart;
+  if (useGrid) {
+    if (auto grid = SketchSnapping::gridSnap(pointer, viewport.scale)) {
+      result.point = grid->point - start;
       result.gridSnap = std::move(grid);
       return result;
     }
@@ -104,9 +107,8 @@ void SketchViewModel::updateHandleDrag(const HandleDrag& drag, SketchPoint point
 
 void SketchViewModel::updateBodyDrag(const BodyDrag& drag, SketchPoint point) {
   if (entity(drag.entityID) == nullptr) return;
-  const auto gridStart = showGrid ? std::optional(drag.startSketchPoint) : std::nullopt;
   const SketchSnapResult move =
-      snappedMove(point - drag.startSketchPoint, viewport, drag.anchor, index(), {}, gridStart);
+      snappedMove(drag.startSketchPoint, point, viewport, drag.anchor, index(), {}, showGrid);
   replaceEntity(drag.entityID, translatedEntity(drag.anchor, move.point.x, move.point.y));
   publishSnap(move);
 }
@@ -115,8 +117,8 @@ void SketchViewModel::updateBodyDrag(const BodyDrag& drag, SketchPoint point) {
 void SketchViewModel::updateGroupDrag(const MultiBodyDrag& drag, SketchPoint point) {
   const auto lead = drag.anchors.find(drag.leadEntityID);
   if (lead == drag.anchors.end()) return;
-  const SketchSnapResult move = snappedMove(point - drag.startSketchPoint, viewport, lead->second, index(),
-                                            drag.entityIDs, std::nullopt);
+  const SketchSnapResult move =
+      snappedMove(drag.startSketchPoint, point, viewport, lead->second, index(), drag.entityIDs, false);
   // All are found before the first is written: finding and writing in turn would copy a chunk of the
   // list for each member.
   std::vector<std::pair<std::size_t, const SketchEntity*>> places;
@@ -124,6 +126,7 @@ void SketchViewModel::updateGroupDrag(const MultiBodyDrag& drag, SketchPoint poi
   for (const auto& [id, anchor] : drag.anchors) {
     if (const auto place = entityIndex(id)) places.emplace_back(*place, &anchor);
   }
+  if (places.empty()) return;
   auto& moved = entities.edit();
   for (const auto& [place, anchor] : places) {
     moved.replace(place, translatedEntity(*anchor, move.point.x, move.point.y));

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "console/tool_commands.h"
 #include "support/test_sketch.h"
 
 namespace ostrelon {
@@ -117,7 +116,7 @@ TEST(ToolForms, ActivateTheToolAndEndWhatIsUnderWay) {
   EXPECT_FALSE(*test.sketch.draft);
   EXPECT_EQ(test.reply("PL"), "Polygon tool active.");
   EXPECT_EQ(test.sketch.selectedTool, SketchTool::polygon);
-  EXPECT_EQ(CommandInterpreter::activateToolCommand(SketchTool::select, test.sketch), "Select tool active.");
+  EXPECT_EQ(test.reply("s"), "Select tool active.");
   EXPECT_EQ(test.reply("l 1 2 3"), "Usage: line [<x1> <y1> <x2> <y2>]");
   EXPECT_EQ(test.sketch.selectedTool, SketchTool::select);
 }
@@ -127,11 +126,11 @@ TEST(ToolForms, TrimStartsWithNothingSelectedAndOnlyDropsItsEdgeWhenChosenAgain)
   test.sketch.addLine({0, 0}, {40, 0});
   test.sketch.selectAll();
   const std::string reply = "Trim tool active. Select cutting edge, then click entities to trim.";
-  EXPECT_EQ(CommandInterpreter::activateToolCommand(SketchTool::trim, test.sketch), reply);
+  EXPECT_EQ(test.reply("tr"), reply);
   EXPECT_TRUE(test.sketch.selectedEntityIDs->empty());
   test.sketch.handleTrimClick({20, 0});
   EXPECT_TRUE(*test.sketch.trimCuttingEdgeEntityID);
-  EXPECT_EQ(CommandInterpreter::activateToolCommand(SketchTool::trim, test.sketch), reply);
+  EXPECT_EQ(test.reply("trim"), reply);
   EXPECT_FALSE(*test.sketch.trimCuttingEdgeEntityID);
   EXPECT_EQ(test.sketch.selectedEntityIDs->size(), 1U);
   EXPECT_EQ(test.reply("line"), "Line tool active.");

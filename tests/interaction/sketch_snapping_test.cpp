@@ -312,7 +312,7 @@ TEST(Snapping, TheIndexGivesWhatAWalkGives) {
   index.update(list);
   std::uniform_real_distribution<double> place(-520, 520);
   std::uniform_int_distribution<std::size_t> anyEntity(0, list.size() - 1);
-  for (int i = 0; i < 300; ++i) {
+  for (int i = 0; i < 150; ++i) {
     const SketchPoint point =
         i % 2 == 0 ? SketchPoint{place(random), place(random)}
                    : SketchPoint{std::round(place(random) / 5) * 5, std::round(place(random) / 5) * 5};
