@@ -247,8 +247,8 @@ void DiskFileSystem::removeFile(const FilePath& path) {
     throw systemError(errno, FileAttempt::removing, path);
 }
 
-std::unique_ptr<FileLock> DiskFileSystem::lock(const FilePath& path) {
-  const int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+std::unique_ptr<FileLock> DiskFileSystem::lock(const FilePath& folder) {
+  const int file = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (file < 0) return std::make_unique<FileLock>();
   auto held = std::make_unique<DiskFileLock>(file);
   const auto end = std::chrono::steady_clock::now() + kLockPatience;

@@ -38,7 +38,7 @@ class DiskFileSystem final : public FileSystem {
   void createFolders(const FilePath& folder) override;
   void copyFile(const FilePath& from, const FilePath& to) override;
   void removeFile(const FilePath& path) override;
-  std::unique_ptr<FileLock> lock(const FilePath& path) override;
+  std::unique_ptr<FileLock> lock(const FilePath& folder) override;
 
  private:
   FileSystemCalls calls_;

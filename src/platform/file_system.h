@@ -51,7 +51,7 @@ class PendingFile {
   virtual void commit() = 0;
 };
 
-/// Held while one of several running copies of the program works on a shared file; let go when
+/// Held while one of several running copies of the program works on the files of a folder; let go when
 /// destroyed.
 class FileLock {
  public:
@@ -91,9 +91,9 @@ class FileSystem {
   /// Removes a file; no error when nothing is there.
   virtual void removeFile(const FilePath& path) = 0;
 
-  /// Waits a short while for the lock of this name, and goes on without it when it does not come:
-  /// a lock orders the writes of two copies and is never a reason to lose one.
-  virtual std::unique_ptr<FileLock> lock(const FilePath& path);
+  /// Waits a short while for the lock of a folder, and goes on without it when it does not come: the
+  /// lock orders the writes of two copies and is never a reason to lose one.
+  virtual std::unique_ptr<FileLock> lock(const FilePath& folder);
 
   bool exists(const FilePath& path) { return info(path).has_value(); }
   /// Writes the file and moves it over the target: after a crash the old file is there or the new

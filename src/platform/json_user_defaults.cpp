@@ -132,9 +132,7 @@ void JsonUserDefaults::setAside(const std::string& bytes) {
 void JsonUserDefaults::write() {
   try {
     files_.createFolders(path_.parent_path());
-    FilePath lockPath = path_;
-    lockPath += ".lock";
-    const auto lock = files_.lock(lockPath);
+    const auto lock = files_.lock(path_.parent_path());
     read();
     bool changesFile = false;
     for (const auto& [key, changed] : contents_->changes) {

@@ -1,0 +1,55 @@
+// Auto-save writes the open document into its own file on a timer; after an unclean end the next start
+// offers what was written last.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "core/sketch_view_model.h"
+#include "documents/app_settings.h"
+#include "platform/scheduler.h"
+
+namespace ostrelon {
+
+/// One auto-save, done when it returns. Nothing happens to a clean document, with auto-save off, or
+/// while a save panel is up. A file that another program has changed is left alone. The failure text,
+/// as the console tells it for a failed save and without prefix for a skipped one; absent otherwise.
+std::optional<std::string> autoSaveTick(SketchViewModel& sketch, AppSettings& settings);
+
+/// Opens the offered auto-save and withdraws the offer, whatever the result. False when it failed.
+bool restoreAutoSave(SketchViewModel& sketch, AppSettings& settings);
+/// Opens the document of the last auto-save; unsaved changes are dropped. False when it failed.
+bool revertToLastAutoSave(SketchViewModel& sketch, AppSettings& settings);
+/// Opens the candidate's document and says so; without one says `missingText`. False when it failed.
+bool restoreCandidate(SketchViewModel& sketch, const std::optional<AutoSaveRecoveryCandidate>& candidate,
+                      const std::string& successText, const std::string& missingText);
+
+/// Saves on a timer that follows the settings. The encoding and writing go on away from the main thread
+/// where there is one to spare; the document stays free to change and to be saved meanwhile.
+class AutoSaveController {
+ public:
+  /// `sketch` and `settings` must outlive the object.
+  AutoSaveController(SketchViewModel& sketch, AppSettings& settings);
+  AutoSaveController(const AutoSaveController&) = delete;
+  AutoSaveController& operator=(const AutoSaveController&) = delete;
+
+  /// Puts a fresh timer in the place of the old one, or none when auto-save is off. Also happens by
+  /// itself when one of the two settings changes.
+  void rescheduleAutoSave();
+  bool hasTimer() const { return timer_.has_value(); }
+
+ private:
+  struct Running;
+
+  void tick();
+  void finish(Running& running);
+
+  SketchViewModel& sketch_;
+  AppSettings& settings_;
+  Subscription settingsObservation_;
+  std::optional<ScheduledTask> timer_;
+  std::optional<ScheduledTask> running_;
+};
+
+}  // namespace ostrelon

@@ -1,0 +1,45 @@
+// Puts documents on disk and takes them off again, with what the user is told of it: the commands
+// Save, Save As and Open, the names of new documents, and the recent ones. No state of its own; the
+// reading and writing are members of the view model.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/sketch_view_model.h"
+#include "documents/app_settings.h"
+
+namespace ostrelon {
+
+enum class SaveOutcome { saved, failed, cancelled };
+using SaveDone = std::function<void(SaveOutcome)>;
+
+/// The Save command: to the document's file, else to a free name in the projects folder, else as Save
+/// As. With `announce` the steps show as toasts, and the work starts once the first one has been drawn.
+/// Asks before it overwrites what another program has written. `done` is called once, at the end.
+void saveCurrentDocument(SketchViewModel& sketch, AppSettings& settings, bool announce, SaveDone done = {});
+/// Asks where, and saves there. A name without extension gets the document's.
+void saveDocumentAs(SketchViewModel& sketch, AppSettings& settings, bool announce, SaveDone done = {});
+/// Saves and tells of it. The failure text, prefix included; absent when the document was saved.
+std::optional<std::string> saveToURL(SketchViewModel& sketch, AppSettings& settings, const FilePath& url,
+                                     bool announce);
+/// Opens and tells of it. The failure text, prefix included; absent when the document was opened.
+std::optional<std::string> openDocument(SketchViewModel& sketch, AppSettings& settings, const FilePath& url);
+
+/// The first of "Untitled Project.ostrel", "Untitled Project (1).ostrel", … that is free.
+FilePath nextUntitledURL(FileSystem& files, const FilePath& folder);
+
+/// The documents of the projects folder, the one written last first, at most `limit` of them. Throws
+/// `projectsFolderNotConfigured`, and the file system's error when the folder cannot be listed.
+std::vector<FilePath> recentDocuments(const AppSettings& settings, std::int64_t limit);
+
+// --- The two ends of a save, for those that write on their own
+
+/// History, the console line and, with `announce`, the toast of a save that went well.
+void reportSaved(SketchViewModel& sketch, AppSettings& settings, bool announce);
+/// The same of one that did not. Gives the whole text.
+std::string reportSaveFailed(SketchViewModel& sketch, const std::string& description, bool announce);
+
+}  // namespace ostrelon
