@@ -8,6 +8,7 @@
 #include "console/drawing_commands.h"
 #include "console/edit_commands.h"
 #include "console/general_commands.h"
+#include "console/history_commands.h"
 #include "console/selection_commands.h"
 #include "console/trim_commands.h"
 #include "console/zoom_command.h"
@@ -26,18 +27,33 @@ struct HandlerRow {
 // The order of the tests. Rows behind a word of the same handler are its further spellings, which no
 // alias resolves.
 constexpr std::array kHandlers{
-    HandlerRow{"help", helpCommand},     HandlerRow{"clear", clearCommand},
-    HandlerRow{"select", selectCommand}, HandlerRow{"s", selectCommand},
-    HandlerRow{"assign", assignCommand}, HandlerRow{"copy", copyCommand},
-    HandlerRow{"co", copyCommand},       HandlerRow{"cp", copyCommand},
-    HandlerRow{"paste", pasteCommand},   HandlerRow{"spec", specCommand},
-    HandlerRow{"line", lineCommand},     HandlerRow{"trim", trimCommand},
-    HandlerRow{"tr", trimCommand},       HandlerRow{"move", moveCommand},
-    HandlerRow{"extend", extendCommand}, HandlerRow{"zoom", zoomCommand},
-    HandlerRow{"length", lengthCommand}, HandlerRow{"nudge", nudgeCommand},
-    HandlerRow{"center", centerCommand}, HandlerRow{"convert", convertCommand},
-    HandlerRow{"type", convertCommand},  HandlerRow{"wall", wallCommand},
-    HandlerRow{"circle", circleCommand}, HandlerRow{"rect", rectangleCommand},
+    HandlerRow{"help", helpCommand},
+    HandlerRow{"clear", clearCommand},
+    HandlerRow{"select", selectCommand},
+    HandlerRow{"s", selectCommand},
+    HandlerRow{"assign", assignCommand},
+    HandlerRow{"copy", copyCommand},
+    HandlerRow{"co", copyCommand},
+    HandlerRow{"cp", copyCommand},
+    HandlerRow{"paste", pasteCommand},
+    HandlerRow{"spec", specCommand},
+    HandlerRow{"checkpoint", checkpointCommand},
+    HandlerRow{"history", historyCommand},
+    HandlerRow{"branch", branchCommand},
+    HandlerRow{"line", lineCommand},
+    HandlerRow{"trim", trimCommand},
+    HandlerRow{"tr", trimCommand},
+    HandlerRow{"move", moveCommand},
+    HandlerRow{"extend", extendCommand},
+    HandlerRow{"zoom", zoomCommand},
+    HandlerRow{"length", lengthCommand},
+    HandlerRow{"nudge", nudgeCommand},
+    HandlerRow{"center", centerCommand},
+    HandlerRow{"convert", convertCommand},
+    HandlerRow{"type", convertCommand},
+    HandlerRow{"wall", wallCommand},
+    HandlerRow{"circle", circleCommand},
+    HandlerRow{"rect", rectangleCommand},
     HandlerRow{"poly", polygonCommand},
 };
 

@@ -11,17 +11,18 @@
 namespace ostrelon::CommandInterpreter {
 namespace {
 
-// The reply of work that a question may come before. An answer at once makes it the command's reply;
-// one that comes later has it written when it comes.
-Reply replyBehindQuestion(SketchViewModel& sketch, const std::string& failurePrefix,
-                          std::function<std::string()> work) {
+using Answered = std::function<void(std::optional<std::string> refusal)>;
+
+// The reply of work that a question comes before. An answer at once makes it the command's reply; one
+// that comes later has it written when it comes.
+Reply replyBehindQuestion(SketchViewModel& sketch, const std::function<void(Answered)>& ask,
+                          const std::string& failurePrefix, std::function<std::string()> work) {
   struct Waiting {
     bool isLate = false;
     Reply reply;
   };
   auto waiting = std::make_shared<Waiting>();
-  askBeforeOverwriting(sketch, [&sketch, waiting, failurePrefix,
-                                work = std::move(work)](const std::optional<std::string>& refusal) {
+  ask([&sketch, waiting, failurePrefix, work = std::move(work)](const std::optional<std::string>& refusal) {
     std::string text;
     try {
       text = refusal ? failurePrefix + *refusal : work();
@@ -68,16 +69,20 @@ Reply createBranchReply(const std::vector<std::string>& arguments, SketchViewMod
 
 Reply switchBranchReply(const std::vector<std::string>& arguments, SketchViewModel& sketch) {
   if (arguments.size() != 3) return "Usage: branch switch <name>";
-  return replyBehindQuestion(sketch, "Switch branch failed: ", [&sketch, name = arguments[2]] {
-    return "Switched to branch " + sketch.switchBranch(name).name + ".";
-  });
+  const std::string& name = arguments[2];
+  return replyBehindQuestion(
+      sketch, [&](Answered answered) { askBeforeSwitching(sketch, name, std::move(answered)); },
+      "Switch branch failed: ",
+      [&sketch, name] { return "Switched to branch " + sketch.switchBranch(name).name + "."; });
 }
 
 }  // namespace
 
 Reply checkpointCommand(const ResolvedCommand& command, SketchViewModel& sketch) {
   return replyBehindQuestion(
-      sketch, "Checkpoint failed: ", [&sketch, message = joined(command.arguments, 1)] {
+      sketch, [&](Answered answered) { askBeforeOverwriting(sketch, std::move(answered)); },
+      "Checkpoint failed: ",
+      [&sketch, message = joined(command.arguments, 1)] {
         const DocumentCheckpoint checkpoint = sketch.saveCheckpoint(message);
         return "Checkpoint saved (" + checkpoint.id + "): " + checkpoint.message;
       });

@@ -54,8 +54,8 @@ std::optional<std::string> autoSaveTick(SketchViewModel& sketch, AppSettings& se
 }
 
 bool restoreAutoSave(SketchViewModel& sketch, AppSettings& settings) {
-  const bool restored = restoreCandidate(sketch, settings.autoSaveRecoveryCandidate, "Restored last autosave.",
-                                         "No autosave recovery is available.");
+  const bool restored = restoreCandidate(sketch, settings.autoSaveRecoveryCandidate,
+                                         "Restored last autosave.", "No autosave recovery is available.");
   settings.clearAutoSaveRecoveryCandidate();
   return restored;
 }
@@ -137,8 +137,8 @@ void AutoSaveController::tick() {
 
 void AutoSaveController::finish(Running& running) {
   // The user may have saved, opened or begun another document meanwhile, or be about to choose a file.
-  const bool isSameFile = sketch_.documentFileURL.get() == running.documentURL &&
-                          sketch_.documentOnDisk() == running.onDisk;
+  const bool isSameFile =
+      sketch_.documentFileURL.get() == running.documentURL && sketch_.documentOnDisk() == running.onDisk;
   if (!isSameFile || !sketch_.isDocumentDirty || sketch_.isSaveDialogActive) return;
   if (running.failure) {
     reportSaveFailed(sketch_, *running.failure, false);

@@ -102,9 +102,9 @@ DocumentHistoryState loadDocumentHistory(FileSystem& files, const FilePath& url)
   state.checkpointsByBranch.clear();
   for (const DocumentHistoryBranch& branch : state.metadata.branches) {
     const FilePath timeline = timelineURL(path, branch.id);
-    state.checkpointsByBranch[branch.id] =
-        files.exists(timeline) ? decodeBranchTimeline(files.readFile(timeline)).checkpoints
-                               : std::vector<DocumentCheckpoint>();
+    state.checkpointsByBranch[branch.id] = files.exists(timeline)
+                                               ? decodeBranchTimeline(files.readFile(timeline)).checkpoints
+                                               : std::vector<DocumentCheckpoint>();
   }
   return state;
 }
@@ -118,8 +118,8 @@ DocumentHistoryState ensureDocumentHistory(FileSystem& files, const FilePath& ur
   return loadDocumentHistory(files, url);
 }
 
-DocumentCheckpoint createCheckpoint(FileSystem& files, const FilePath& url, std::string_view message, Date date,
-                                    const SketchDocumentV2& snapshot) {
+DocumentCheckpoint createCheckpoint(FileSystem& files, const FilePath& url, std::string_view message,
+                                    Date date, const SketchDocumentV2& snapshot) {
   const FilePath path = checkedDocumentURL(url);
   files.createFolders(storeFolder(path));
   const auto lock = lockDocumentHistory(files, path);
@@ -140,7 +140,8 @@ DocumentCheckpoint createCheckpoint(FileSystem& files, const FilePath& url, std:
   if (files.exists(target)) {
     throw FileError("Could not write " + quotedName(target) + ": a file of that name is there.");
   }
-  files.writeFile(target, [&](const FileSystem::Writer& write) { SketchDocumentIO::encodeDocument(snapshot, write); });
+  files.writeFile(
+      target, [&](const FileSystem::Writer& write) { SketchDocumentIO::encodeDocument(snapshot, write); });
 
   state.checkpointsByBranch[branchID].push_back(checkpoint);
   for (DocumentHistoryBranch& branch : state.metadata.branches) {

@@ -55,8 +55,8 @@ DocumentHistoryState loadDocumentHistory(FileSystem& files, const FilePath& url)
 DocumentHistoryState ensureDocumentHistory(FileSystem& files, const FilePath& url);
 
 /// Adds a checkpoint with this snapshot to the current branch. A blank message becomes "Checkpoint n".
-DocumentCheckpoint createCheckpoint(FileSystem& files, const FilePath& url, std::string_view message, Date date,
-                                    const SketchDocumentV2& snapshot);
+DocumentCheckpoint createCheckpoint(FileSystem& files, const FilePath& url, std::string_view message,
+                                    Date date, const SketchDocumentV2& snapshot);
 /// Adds a branch that starts with a copy of a checkpoint of any branch. The current branch stays.
 DocumentHistoryBranch createBranch(FileSystem& files, const FilePath& url, const std::string& name,
                                    const std::string& sourceCheckpointID, Date date);

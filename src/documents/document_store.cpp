@@ -67,9 +67,8 @@ void saveCurrentDocument(SketchViewModel& sketch, AppSettings& settings, bool an
     saveAsIsOrAsk(sketch, settings, false, done);
     return;
   }
-  announceSaving(sketch, [&sketch, &settings, done = std::move(done)] {
-    saveAsIsOrAsk(sketch, settings, true, done);
-  });
+  announceSaving(
+      sketch, [&sketch, &settings, done = std::move(done)] { saveAsIsOrAsk(sketch, settings, true, done); });
 }
 
 void saveDocumentAs(SketchViewModel& sketch, AppSettings& settings, bool announce, SaveDone done) {
@@ -163,7 +162,8 @@ std::vector<FilePath> recentDocuments(const AppSettings& settings, std::int64_t 
     if (a.modifiedNanoseconds != b.modifiedNanoseconds) return a.modifiedNanoseconds > b.modifiedNanoseconds;
     return compareForPeople(a.path.filename().string(), b.path.filename().string()) < 0;
   };
-  const auto count = static_cast<std::ptrdiff_t>(std::min<std::uint64_t>(found.size(), static_cast<std::uint64_t>(limit)));
+  const auto count =
+      static_cast<std::ptrdiff_t>(std::min<std::uint64_t>(found.size(), static_cast<std::uint64_t>(limit)));
   std::partial_sort(found.begin(), found.begin() + count, found.end(), isBefore);
   std::vector<FilePath> recent;
   for (std::ptrdiff_t index = 0; index < count; ++index) {

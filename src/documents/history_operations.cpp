@@ -12,8 +12,8 @@ namespace {
 
 using Error = DocumentHistoryStoreError;
 
-const DocumentCheckpoint* findCheckpointOf(const DocumentHistoryState& state, const DocumentHistoryBranch& branch,
-                                           const std::string& id) {
+const DocumentCheckpoint* findCheckpointOf(const DocumentHistoryState& state,
+                                           const DocumentHistoryBranch& branch, const std::string& id) {
   const auto checkpoints = state.checkpointsByBranch.find(branch.id);
   if (checkpoints == state.checkpointsByBranch.end()) return nullptr;
   for (const DocumentCheckpoint& checkpoint : checkpoints->second) {
@@ -42,8 +42,8 @@ DocumentCheckpoint SketchViewModel::saveCheckpoint(std::optional<std::string> me
   const std::optional<FilePath> url = documentFileURL;
   if (!url) throw Error(Error::Case::documentMustBeSaved);
   saveDocumentFile(*url);
-  DocumentCheckpoint checkpoint = createCheckpoint(host_.files, *url, message.value_or(""),
-                                                   host_.scheduler.now(), makeDocumentV2(false));
+  DocumentCheckpoint checkpoint =
+      createCheckpoint(host_.files, *url, message.value_or(""), host_.scheduler.now(), makeDocumentV2(false));
   refreshDocumentHistory();
   return checkpoint;
 }
@@ -80,19 +80,19 @@ DocumentHistoryBranch SketchViewModel::switchBranch(const std::string& nameOrID)
   if (!branch.headCheckpointID) throw Error(Error::Case::branchHasNoCheckpoint, branch.name);
   const DocumentCheckpoint* head = findCheckpointOf(state, branch, *branch.headCheckpointID);
   if (head == nullptr) throw Error(Error::Case::checkpointNotFound, *branch.headCheckpointID);
-  LoadedSketchDocument document = SketchDocumentIO::decodeDocument(
-      host_.files.readFile(checkpointURL(*url, branch.id, head->fileName)));
+  LoadedSketchDocument document =
+      SketchDocumentIO::decodeDocument(host_.files.readFile(checkpointURL(*url, branch.id, head->fileName)));
 
   const ChangeScope scope(tracker_);
   const std::optional<DocumentOnDisk> onDisk = documentOnDisk_;
   // All that loading replaces, should the new content not reach the document's file.
-  const auto putBack = [this, name = documentName.get(), held = entities.get(), systems = wallSystemSpecs.get(),
-                        activeSystem = activeWallSystemSpecID.get(), view = viewport.get(), grid = showGrid.get(),
-                        selection = selectedEntityIDs.get(), primary = primarySelectedEntityID.get(),
-                        line = draft.get(), polygon = polygonDraft.get(), drag = selectDrag.get(),
-                        marquee = selectMarquee.get(), hasView = hasInitializedViewport.get(),
-                        clipboard = entityClipboard.get(), stack = undoStack_,
-                        baseline = selectDragUndoBaseline.get()] {
+  const auto putBack = [this, name = documentName.get(), held = entities.get(),
+                        systems = wallSystemSpecs.get(), activeSystem = activeWallSystemSpecID.get(),
+                        view = viewport.get(), grid = showGrid.get(), selection = selectedEntityIDs.get(),
+                        primary = primarySelectedEntityID.get(), line = draft.get(),
+                        polygon = polygonDraft.get(), drag = selectDrag.get(), marquee = selectMarquee.get(),
+                        hasView = hasInitializedViewport.get(), clipboard = entityClipboard.get(),
+                        stack = undoStack_, baseline = selectDragUndoBaseline.get()] {
     documentName = name;
     entities = held;
     wallSystemSpecs = systems;

@@ -79,7 +79,7 @@ void promptForBranch(SketchViewModel& sketch) {
 }
 
 void switchBranchFromMenu(SketchViewModel& sketch, const std::string& nameOrID) {
-  askBeforeOverwriting(sketch, [&sketch, nameOrID](const std::optional<std::string>& refusal) {
+  askBeforeSwitching(sketch, nameOrID, [&sketch, nameOrID](const std::optional<std::string>& refusal) {
     if (refusal) {
       reportFailure(sketch, "Switch branch failed: " + *refusal);
       return;

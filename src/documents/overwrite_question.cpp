@@ -36,4 +36,17 @@ void askBeforeOverwriting(SketchViewModel& sketch,
   });
 }
 
+void askBeforeSwitching(SketchViewModel& sketch, const std::string& nameOrID,
+                        std::function<void(std::optional<std::string> refusal)> answered) {
+  sketch.refreshDocumentHistory();
+  const DocumentHistoryBranch* branch = sketch.documentHistoryState->findBranch(nameOrID);
+  const bool writes = !sketch.isDocumentDirty && branch != nullptr &&
+                      branch->id != sketch.documentHistoryState->metadata.currentBranchID;
+  if (writes) {
+    askBeforeOverwriting(sketch, std::move(answered));
+  } else {
+    answered(std::nullopt);
+  }
+}
+
 }  // namespace ostrelon

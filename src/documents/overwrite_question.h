@@ -18,4 +18,9 @@ std::string changedOnDiskText(const FilePath& url);
 void askBeforeOverwriting(SketchViewModel& sketch,
                           std::function<void(std::optional<std::string> refusal)> answered);
 
+/// The same before a switch to this branch, which writes over the document's file. There is no question
+/// where the switch would be refused or nothing would change.
+void askBeforeSwitching(SketchViewModel& sketch, const std::string& nameOrID,
+                        std::function<void(std::optional<std::string> refusal)> answered);
+
 }  // namespace ostrelon
