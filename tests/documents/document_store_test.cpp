@@ -1,0 +1,405 @@
+// Saving, opening, names and recent documents, on real files.
+#include "documents/document_store.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <functional>
+#include <limits>
+
+#include "documents/document_paths.h"
+#include "documents/random_document.h"
+#include "documents/sketch_document_io.h"
+#include "support/disk_sketch.h"
+
+namespace ostrelon {
+namespace {
+
+using testing::DiskSketch;
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using testing::readBytes;
+using ::testing::StartsWith;
+using testing::writeBytes;
+
+std::string messageOf(const std::function<void()>& work) {
+  try {
+    work();
+  } catch (const UserError& error) {
+    return error.what();
+  }
+  return "(no failure)";
+}
+
+struct DocumentStoreTest : ::testing::Test, DiskSketch {
+  FilePath plan = home / "plan.ostrel";
+
+  void draw() { sketch.addLine({0, 0}, {120.5, 0}); }
+  /// Another program writes the file.
+  void changeOnDisk(const FilePath& url) {
+    DiskSketch other;
+    other.sketch.openDocumentFile(url);
+    other.sketch.addCircle({1, 2}, 3);
+    other.sketch.saveDocumentFile(url);
+  }
+};
+
+TEST_F(DocumentStoreTest, SavesAndOpensWithTheUndoSteps) {
+  for (int step = 0; step < 25; ++step) sketch.addLine({0, 0}, {step + 1.0, 0.1});
+  sketch.setShowGrid(false);
+  sketch.setViewport(10, 20, 2.5);
+  sketch.saveDocumentFile(home / "a/../plan.OSTREL");
+  EXPECT_EQ(sketch.documentFileURL.get(), home / "plan.OSTREL");
+  EXPECT_EQ(sketch.documentName.get(), "plan");
+  EXPECT_FALSE(sketch.isDocumentDirty);
+  EXPECT_EQ(sketch.lastSavedAt.get(), scheduler.now());
+
+  DiskSketch other;
+  other.sketch.addLine({0, 0}, {1, 1});
+  other.sketch.copySelection();
+  other.sketch.openDocumentFile(home / "plan.OSTREL");
+  EXPECT_EQ(other.sketch.entities->size(), 25U);
+  EXPECT_EQ(std::get<LineEntity>(other.sketch.entities->back()).to, (SketchPoint{25, double{0.1F}}));
+  EXPECT_EQ(*other.sketch.wallSystemSpecs, *sketch.wallSystemSpecs);
+  EXPECT_EQ(*other.sketch.activeWallSystemSpecID, *sketch.activeWallSystemSpecID);
+  EXPECT_EQ(*other.sketch.viewport, *sketch.viewport);
+  EXPECT_FALSE(other.sketch.showGrid);
+  EXPECT_FALSE(other.sketch.hasInitializedViewport);
+  EXPECT_TRUE(other.sketch.entityClipboard->empty());
+  EXPECT_EQ(other.sketch.undoStack().undoSnapshots().size(), 20U);
+  EXPECT_EQ(other.sketch.undoStack().redoSnapshots().size(), 0U);
+  for (int step = 0; step < 30; ++step) other.sketch.undo();
+  EXPECT_EQ(other.sketch.entities->size(), 5U);
+}
+
+TEST_F(DocumentStoreTest, OpensFormat1AndSavesFormat2) {
+  writeBytes(plan, R"({"formatVersion":1,"documentName":"Old","entities":[{"circle":{"id":
+      "5D7A1C3E-0B1F-4E6A-9C55-0F1E2D3C4B5A","center":{"x":0.1,"y":0},"radius":5}}],"wallSystemSpecs":[],
+      "activeWallSystemSpecID":"5D7A1C3E-0B1F-4E6A-9C55-0F1E2D3C4B5A","viewport":{"panX":1,"panY":2,"scale":3},
+      "showGrid":true})");
+  const UUID activeBefore = sketch.activeWallSystemSpecID;
+  sketch.openDocumentFile(plan);
+  EXPECT_EQ(std::get<CircleEntity>(sketch.entities->front()).center.x, 0.1);
+  EXPECT_EQ(*sketch.activeWallSystemSpecID, activeBefore) << "a file without wall systems";
+  EXPECT_EQ(sketch.documentName.get(), "plan") << "the name inside gives way to that of the file";
+  // With no wall system at all, walls and commands cope.
+  EXPECT_EQ(sketch.activeWallSystemSpec(), nullptr);
+  reply("wall 0 0 10 10");
+  reply("spec list");
+  reply("spec show");
+  reply("undo");
+  sketch.saveDocumentFile(plan);
+  EXPECT_THAT(readBytes(plan), StartsWith(R"({"v":2,"name":"plan")"));
+}
+
+TEST_F(DocumentStoreTest, RefusesWithoutTouchingAnything) {
+  draw();
+  const std::string wrong = "Ostrelon documents must use the .ostrel extension.";
+  EXPECT_EQ(messageOf([&] { sketch.saveDocumentFile(home / "plan.json"); }), wrong);
+  EXPECT_EQ(messageOf([&] { sketch.openDocumentFile(home / ".ostrel"); }), wrong);
+  EXPECT_EQ(messageOf([&] { sketch.saveDocumentFile(home / "none/plan.ostrel"); }),
+            "The folder “none” does not exist.");
+  EXPECT_EQ(messageOf([&] { sketch.openDocumentFile(plan); }), "The file “plan.ostrel” does not exist.");
+  files.createFolders(home / "dir.ostrel");
+  ::mkfifo((home / "pipe.ostrel").c_str(), 0600);
+  for (const std::string name : {"dir.ostrel", "pipe.ostrel"}) {
+    EXPECT_THAT(messageOf([&] { sketch.openDocumentFile(home / name); }), HasSubstr("Could not read"));
+    EXPECT_THAT(messageOf([&] { sketch.saveDocumentFile(home / name); }), HasSubstr("Could not write"));
+  }
+  writeBytes(plan, "{\"v\":2}");
+  EXPECT_THAT(messageOf([&] { sketch.openDocumentFile(plan); }), HasSubstr("\"name\" is missing"));
+  EXPECT_TRUE(sketch.isDocumentDirty);
+  EXPECT_EQ(sketch.lastSavedAt.get(), std::nullopt);
+  EXPECT_EQ(sketch.documentFileURL.get(), std::nullopt);
+  EXPECT_EQ(sketch.entities->size(), 1U);
+  EXPECT_EQ(files.list(home.path()).size(), 3U) << "no file is left behind";
+}
+
+TEST_F(DocumentStoreTest, KeepsTheFileWhenWhatIsDrawnCannotBeWritten) {
+  draw();
+  sketch.saveDocumentFile(plan);
+  const std::string before = readBytes(plan);
+  sketch.addCircle({0, 0}, 1e300);
+  EXPECT_THAT(messageOf([&] { sketch.saveDocumentFile(plan); }), HasSubstr("Circle 2"));
+  EXPECT_EQ(readBytes(plan), before);
+  EXPECT_TRUE(sketch.isDocumentDirty);
+  // Once it is gone the document can be saved again, though an undo step still holds it.
+  sketch.deleteEntity(entityID(sketch.entities->back()));
+  sketch.saveDocumentFile(plan);
+  EXPECT_FALSE(sketch.isDocumentDirty);
+}
+
+TEST_F(DocumentStoreTest, FollowsLinksAndKeepsPermissions) {
+  draw();
+  sketch.saveDocumentFile(plan);
+  ::chmod(plan.c_str(), 0640);
+  std::filesystem::create_symlink("plan.ostrel", home / "link.ostrel");
+  sketch.saveDocumentFile(home / "link.ostrel");
+  EXPECT_TRUE(std::filesystem::is_symlink(home / "link.ostrel"));
+  EXPECT_THAT(readBytes(plan), HasSubstr("\"name\":\"plan\""));
+  struct stat status {};
+  ::stat(plan.c_str(), &status);
+  EXPECT_EQ(status.st_mode & 07777U, 0640U);
+  std::filesystem::create_symlink("new.ostrel", home / "dangling.ostrel");
+  sketch.saveDocumentFile(home / "dangling.ostrel");
+  EXPECT_TRUE(std::filesystem::is_regular_file(home / "new.ostrel"));
+  std::filesystem::create_symlink("circle.ostrel", home / "circle.ostrel");
+  EXPECT_THAT(messageOf([&] { sketch.saveDocumentFile(home / "circle.ostrel"); }), HasSubstr("circle"));
+}
+
+TEST(DocumentStoreFailures, TellsEveryStepThatFailsAndLeavesTheOldFile) {
+  struct Row {
+    std::function<void(testing::FailingCalls&)> fail;
+    int error;
+    std::string text;
+  };
+  const std::vector<Row> rows{
+      {[](auto& calls) { calls.fail(&FileSystemCalls::open); }, EACCES,
+       "You do not have permission to write"},
+      {[](auto& calls) { calls.fail(&FileSystemCalls::open); }, EROFS, "the disk can only be read"},
+      {[](auto& calls) { calls.fail(&FileSystemCalls::write); }, ENOSPC, "the disk is full"},
+      {[](auto& calls) { calls.fail(&FileSystemCalls::write); }, EDQUOT, "your share of the disk is used up"},
+      {[](auto& calls) { calls.fail(&FileSystemCalls::fchmod); }, EPERM, "You do not have permission"},
+      {[](auto& calls) { calls.fail(&FileSystemCalls::fsync); }, EIO, "the disk reported an error"},
+      {[](auto& calls) { calls.fail(&FileSystemCalls::close); }, EIO, "the disk reported an error"},
+      {[](auto& calls) { calls.fail(&FileSystemCalls::rename); }, ENOSPC, "the disk is full"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.text);
+    testing::FailingCalls failing;
+    row.fail(failing);
+    DiskSketch on(failing.calls);
+    const FilePath url = on.home / "plan.ostrel";
+    on.sketch.addLine({0, 0}, {1, 1});
+    on.sketch.saveDocumentFile(url);
+    const std::string before = readBytes(url);
+    on.sketch.addLine({0, 0}, {2, 2});
+    on.scheduler.advance(Seconds(10));
+    *failing.error = row.error;
+    EXPECT_THAT(saveToURL(on.sketch, on.settings, url, true), ::testing::Optional(HasSubstr(row.text)));
+    EXPECT_THAT(on.lastLine(), StartsWith("E Save failed: "));
+    EXPECT_EQ(on.toast(), on.sketch.consoleLines->back().text);
+    EXPECT_EQ(readBytes(url), before);
+    EXPECT_TRUE(on.sketch.isDocumentDirty);
+    EXPECT_EQ(secondsBetween(**on.sketch.lastSavedAt, on.scheduler.now()), 10);
+    *failing.error = 0;
+    EXPECT_THAT(on.files.list(on.home.path()), ElementsAre("plan.ostrel"));
+    EXPECT_EQ(saveToURL(on.sketch, on.settings, url, true), std::nullopt);
+  }
+}
+
+TEST(DocumentStoreFailures, KnowsItsOwnFileWhenOnlyTheFolderCouldNotBeMadeToLast) {
+  testing::FailingCalls failing;
+  int syncs = 0;
+  failing.calls.fsync = [&](int file) {
+    if (++syncs != 4) return ::fsync(file);  // of the second save, the folder's
+    errno = EIO;
+    return -1;
+  };
+  DiskSketch on(failing.calls);
+  on.sketch.addLine({0, 0}, {1, 1});
+  on.sketch.saveDocumentFile(on.home / "plan.ostrel");
+  on.sketch.addLine({0, 0}, {2, 2});
+  EXPECT_NE(saveToURL(on.sketch, on.settings, on.home / "plan.ostrel", false), std::nullopt);
+  EXPECT_TRUE(on.sketch.isDocumentDirty);
+  saveCurrentDocument(on.sketch, on.settings, false);
+  EXPECT_EQ(on.lastLine(), "S Saved plan.") << "without a question: nobody else has written the file";
+}
+
+// Runs `work` in a process of its own; gives the status that it exits with.
+int inChild(const std::function<int()>& work) {
+  const pid_t child = ::fork();
+  if (child == 0) ::_exit(work());
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST_F(DocumentStoreTest, KeepsTheOldFileWhenTheDiskIsFull) {
+  draw();
+  sketch.saveDocumentFile(plan);
+  const std::string before = readBytes(plan);
+  for (int count = 0; count < 20'000; ++count) sketch.addCircle({1.5, 2.5}, count);
+  const int status = inChild([&] {
+    const rlimit limit{100'000, 100'000};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    const auto failure = saveToURL(sketch, settings, plan, false);
+    const bool isTold = failure && failure->find("the file would be too large") != std::string::npos;
+    return isTold && sketch.isDocumentDirty ? 7 : 1;
+  });
+  EXPECT_EQ(status, 7);
+  EXPECT_EQ(readBytes(plan), before);
+  EXPECT_THAT(files.list(home.path()), ElementsAre("plan.ostrel"));
+}
+
+TEST_F(DocumentStoreTest, TellsOfAFolderOrFileThatMayNotBeWritten) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs to become another user";
+  draw();
+  sketch.saveDocumentFile(plan);
+  const std::string before = readBytes(plan);
+  ::chmod(home.path().c_str(), 0777);
+  ::chmod(plan.c_str(), 0444);
+  const auto asAnother = [&](const FilePath& url) {
+    return inChild([&] {
+      if (::setgid(65534) != 0 || ::setuid(65534) != 0) return 1;
+      const auto failure = saveToURL(sketch, settings, url, false);
+      return failure && failure->find("You do not have permission to write") != std::string::npos ? 7 : 2;
+    });
+  };
+  EXPECT_EQ(asAnother(plan), 7) << "a file protected from writing, in a folder that may be written";
+  ::chmod(plan.c_str(), 0666);
+  ::chmod(home.path().c_str(), 0555);
+  EXPECT_EQ(asAnother(plan), 7) << "a folder that may not be written";
+  EXPECT_EQ(asAnother(home / "new.ostrel"), 7);
+  EXPECT_EQ(readBytes(plan), before);
+}
+
+TEST_F(DocumentStoreTest, IsWholeOldOrNewWhenKilledAtAnyMoment) {
+  const auto write = [&](int generation) {
+    sketch.addRectangle({0, 0}, {1.0 + generation, 2});
+    sketch.saveDocumentFile(plan);
+  };
+  for (int count = 0; count < 3000; ++count) sketch.addCircle({count + 0.5, 2.5}, count);
+  write(0);
+  for (int round = 0; round < 12; ++round) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+      for (int generation = 1;; ++generation) write(generation);
+    }
+    ::usleep(static_cast<useconds_t>(3000 + 3700 * round));
+    ::kill(child, SIGKILL);
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    DiskSketch reader;
+    ASSERT_NO_THROW(reader.sketch.openDocumentFile(plan));
+    ASSERT_GE(reader.sketch.entities->size(), 3001U);
+    ASSERT_EQ(reader.sketch.entities->size() - 3000,
+              std::get<RectangleEntity>(reader.sketch.entities->back()).size.width);
+  }
+}
+
+// --- The commands
+
+TEST_F(DocumentStoreTest, SavesANewDocumentIntoTheProjectsFolderAndAnnouncesIt) {
+  settings.useDefaultProjectsFolder();
+  const FilePath folder = home / "Documents/Ostrelon";
+  writeBytes(folder / "Untitled Project (1).ostrel", "");
+  draw();
+  int done = 0;
+  saveCurrentDocument(sketch, settings, true,
+                      [&](SaveOutcome outcome) { done += outcome == SaveOutcome::saved ? 1 : 10; });
+  EXPECT_EQ(toast(), "Saving…");
+  EXPECT_EQ(done, 0) << "the toast is drawn first";
+  scheduler.advance(Seconds(0));
+  EXPECT_EQ(done, 1);
+  EXPECT_EQ(toast(), "Saved Untitled Project");
+  EXPECT_EQ(lastLine(), "S Saved Untitled Project.");
+  EXPECT_EQ(sketch.documentFileURL.get(), folder / "Untitled Project.ostrel");
+  EXPECT_EQ(nextUntitledURL(files, folder), folder / "Untitled Project (2).ostrel");
+  EXPECT_FALSE(defaults.has(SettingsKey::documentBookmarks));
+}
+
+TEST_F(DocumentStoreTest, AsksWhereWithoutAProjectsFolder) {
+  draw();
+  std::vector<SaveOutcome> outcomes;
+  const auto done = [&](SaveOutcome outcome) { outcomes.push_back(outcome); };
+  saveCurrentDocument(sketch, settings, true, done);
+  scheduler.advance(Seconds(0));
+  EXPECT_EQ(toast(), "") << "nothing is being saved while the panel is up";
+  EXPECT_FALSE(sketch.isSaveDialogActive);
+  dialogs.queue((home / "house").string());
+  saveDocumentAs(sketch, settings, false, done);
+  EXPECT_EQ(sketch.documentFileURL.get(), home / "house.ostrel");
+  EXPECT_EQ(defaults.map(SettingsKey::documentBookmarks),
+            (DefaultsMap{{(home / "house.ostrel").string(), (home / "house.ostrel").string()}}));
+  dialogs.queue((home / "house.json").string());
+  saveDocumentAs(sketch, settings, false, done);
+  EXPECT_EQ(lastLine(), "E Save failed: Ostrelon documents must use the .ostrel extension.");
+  EXPECT_THAT(outcomes, ElementsAre(SaveOutcome::cancelled, SaveOutcome::saved, SaveOutcome::failed));
+  const auto& panel = std::get<SavePanel>(dialogs.asked().back());
+  EXPECT_EQ(panel.startingFolder, home.path());
+  EXPECT_EQ(panel.suggestedName, "house.ostrel");
+}
+
+TEST_F(DocumentStoreTest, AsksBeforeItOverwritesWhatAnotherProgramHasWritten) {
+  draw();
+  sketch.saveDocumentFile(plan);
+  saveCurrentDocument(sketch, settings, false);
+  EXPECT_THAT(dialogs.asked(), IsEmpty());
+  changeOnDisk(plan);
+  const std::string theirs = readBytes(plan);
+  draw();
+  saveCurrentDocument(sketch, settings, true);
+  scheduler.advance(Seconds(0));
+  EXPECT_EQ(lastLine(),
+            "E Save failed: “plan.ostrel” has been changed by another program and was not overwritten.");
+  EXPECT_EQ(toast(), sketch.consoleLines->back().text);
+  EXPECT_EQ(readBytes(plan), theirs);
+  EXPECT_TRUE(sketch.isDocumentDirty);
+  EXPECT_EQ(std::get<Alert>(dialogs.asked().back()).message,
+            "“plan.ostrel” has been changed by another program.");
+  dialogs.queue("Overwrite");
+  saveCurrentDocument(sketch, settings, false);
+  EXPECT_EQ(lastLine(), "S Saved plan.");
+  // The same bytes written anew are no change, and a file that is gone is no loss.
+  const std::string same = readBytes(plan);
+  std::filesystem::remove(plan);
+  writeBytes(plan, same);
+  saveCurrentDocument(sketch, settings, false);
+  std::filesystem::remove(plan);
+  saveCurrentDocument(sketch, settings, false);
+  EXPECT_EQ(lastLine(), "S Saved plan.");
+  EXPECT_EQ(dialogs.asked().size(), 2U);
+}
+
+TEST_F(DocumentStoreTest, OpensWithFeedback) {
+  draw();
+  sketch.saveDocumentFile(plan);
+  DiskSketch other;
+  EXPECT_EQ(openDocument(other.sketch, other.settings, plan), std::nullopt);
+  EXPECT_EQ(other.lastLine(), "S Opened plan.");
+  EXPECT_EQ(openDocument(other.sketch, other.settings, home / "no.ostrel"),
+            "Open failed: The file “no.ostrel” does not exist.");
+  EXPECT_EQ(other.lastLine(), "E Open failed: The file “no.ostrel” does not exist.");
+  EXPECT_EQ(other.sketch.documentName.get(), "plan");
+}
+
+TEST_F(DocumentStoreTest, ListsTheLatestDocumentsOfTheProjectsFolder) {
+  EXPECT_EQ(messageOf([&] { recentDocuments(settings, 0); }),
+            "Set a default projects folder in Ostrelon Settings before saving.");
+  settings.setCustomProjectsFolder(home.path());
+  const auto put = [&](const std::string& name, int age) {
+    writeBytes(home / name, "");
+    std::filesystem::last_write_time(home / name,
+                                     std::filesystem::file_time_type::clock::now() - std::chrono::hours(age));
+  };
+  put("b10.ostrel", 2);
+  put("b2.ostrel", 2);
+  put("B2.ostrel", 2);
+  put("newest.OSTREL", 1);
+  put("other.txt", 0);
+  put(".hidden.ostrel", 0);
+  const auto same = std::filesystem::last_write_time(home / "b10.ostrel");
+  std::filesystem::last_write_time(home / "b2.ostrel", same);
+  std::filesystem::last_write_time(home / "B2.ostrel", same);
+  files.createFolders(home / "x.ostrel");
+  ::mkfifo((home / "pipe.ostrel").c_str(), 0600);
+  EXPECT_THAT(recentDocuments(settings, 10), ElementsAre(home / "newest.OSTREL", home / "B2.ostrel",
+                                                         home / "b2.ostrel", home / "b10.ostrel"));
+  EXPECT_THAT(recentDocuments(settings, 2), ElementsAre(home / "newest.OSTREL", home / "B2.ostrel"));
+  EXPECT_THAT(recentDocuments(settings, 0), IsEmpty());
+  std::filesystem::remove_all(home.path());
+  EXPECT_THAT(recentDocuments(settings, -1), IsEmpty()) << "no limit, no look at the disk";
+  EXPECT_THAT(messageOf([&] { recentDocuments(settings, 1); }), EndsWith("does not exist."));
+}
+
+}  // namespace
+}  // namespace ostrelon

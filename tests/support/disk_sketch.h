@@ -1,0 +1,62 @@
+// A view model and settings over real files in a folder of their own, on a virtual clock.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "core/sketch_view_model.h"
+#include "documents/app_settings.h"
+#include "platform/dialogs.h"
+#include "platform/disk_file_system.h"
+#include "platform/scheduler.h"
+#include "support/temporary_folder.h"
+
+namespace ostrelon::testing {
+
+struct DiskSketch {
+  explicit DiskSketch(FileSystemCalls calls = FileSystemCalls::ofTheSystem()) : files(std::move(calls)) {}
+
+  TemporaryFolder home;
+  DiskFileSystem files;
+  VirtualScheduler scheduler{dateFromSeconds(1'767'225'600)};
+  QueuedDialogs dialogs;
+  MemoryUserDefaults defaults;
+  AppSettings settings{defaults, files, home / "Documents"};
+  SketchViewModel sketch{Host{scheduler, dialogs, files}};
+
+  /// The last console line, marked "E " when it is an error and "S " when the system wrote it.
+  std::string lastLine() const {
+    const ConsoleLine& line = sketch.consoleLines->back();
+    return (line.isError ? "E " : line.isSystem ? "S " : "") + line.text;
+  }
+  /// The reply to a console line.
+  std::string reply(std::string text) {
+    sketch.setCommandInput(std::move(text));
+    sketch.submitCommandInput();
+    return sketch.consoleLines->back().text;
+  }
+  std::string toast() const {
+    return sketch.documentToast->has_value() ? (*sketch.documentToast)->message : std::string();
+  }
+};
+
+/// Steps of the system that fail with `error` while the switch is on.
+struct FailingCalls {
+  std::shared_ptr<int> error = std::make_shared<int>(0);  ///< an `errno`; 0: nothing fails
+  FileSystemCalls calls = FileSystemCalls::ofTheSystem();
+
+  /// Lets one of the steps fail from now on, by its member of `FileSystemCalls`.
+  template <class... Arguments, class Result>
+  FailingCalls& fail(std::function<Result(Arguments...)> FileSystemCalls::*step) {
+    auto real = calls.*step;
+    calls.*step = [real, switched = error](Arguments... arguments) -> Result {
+      if (*switched == 0) return real(arguments...);
+      errno = *switched;
+      return -1;
+    };
+    return *this;
+  }
+};
+
+}  // namespace ostrelon::testing
