@@ -25,10 +25,7 @@ bool DocumentSave::holdsStateOf(const SketchViewModel& sketch) const {
          document_.e == *sketch.entities;
 }
 
-void DocumentSave::release() {
-  document_ = {};
-  pending_.reset();
-}
+void DocumentSave::release() { document_ = {}; }
 
 bool documentChangedOnDisk(const SketchViewModel& sketch) {
   const std::optional<DocumentOnDisk>& known = sketch.documentOnDisk();

@@ -1,7 +1,5 @@
 #include "geometry/entity_edits.h"
 
-#include <fmt/format.h>
-
 #include "geometry/entity_geometry.h"
 
 namespace ostrelon {
@@ -34,22 +32,6 @@ Edited draggedToLength(const SelectionHandle& handle, Straight segment, double v
   }
   if (handle.kind == SelectionHandle::Kind::lineEnd) return resizedSegment(segment, value);
   return std::nullopt;
-}
-
-EntityEditMessage editMessage(EntityEditResult result, std::string applied) {
-  switch (result) {
-    case EntityEditResult::applied:
-      return {std::move(applied), false, true};
-    case EntityEditResult::unchanged:
-      return {"No change.", false, true};
-    case EntityEditResult::noSelection:
-      return {"Select an entity first.", true, false};
-    case EntityEditResult::invalidValue:
-      return {"Invalid edit value.", true, false};
-    case EntityEditResult::unsupported:
-      return {"Edit is not supported for this selection.", true, false};
-  }
-  return {};
 }
 
 }  // namespace
@@ -143,19 +125,6 @@ std::optional<SketchEntity> dragSegmentLength(const SelectionHandle& handle, con
                         [](const PolygonEntity&) { return Edited(); },
                     },
                     entity);
-}
-
-EntityEditMessage lengthEditMessage(EntityEditResult result, double value) {
-  return editMessage(result, fmt::format("Length set to {:g}.", value));
-}
-
-EntityEditMessage nudgeEditMessage(EntityEditResult result, double dx, double dy) {
-  return editMessage(result, fmt::format("Selection nudged by ({:g}, {:g}).", dx, dy));
-}
-
-EntityEditMessage convertEditMessage(EntityEditResult result, EntityConversionTarget target) {
-  return editMessage(result, target == EntityConversionTarget::line ? "Selection converted to line."
-                                                                    : "Selection converted to wall.");
 }
 
 }  // namespace ostrelon

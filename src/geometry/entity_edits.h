@@ -1,4 +1,4 @@
-// Edits of single entities as pure functions, and what they report.
+// Edits of single entities as pure functions, and the copies and labels that go with them.
 #pragma once
 
 #include <optional>
@@ -37,17 +37,5 @@ std::optional<SegmentLengthIndicator> segmentLengthIndicator(const SketchEntity&
 /// units) from the other end. Absent for other handles and kinds, a value not above 0, or no length.
 std::optional<SketchEntity> dragSegmentLength(const SelectionHandle& handle, const SketchEntity& entity,
                                               double value);
-
-/// What the console is told of an edit.
-struct EntityEditMessage {
-  std::string text;
-  bool isError = false;
-  bool isSystem = false;
-  friend bool operator==(const EntityEditMessage&, const EntityEditMessage&) = default;
-};
-
-EntityEditMessage lengthEditMessage(EntityEditResult result, double value);
-EntityEditMessage nudgeEditMessage(EntityEditResult result, double dx, double dy);
-EntityEditMessage convertEditMessage(EntityEditResult result, EntityConversionTarget target);
 
 }  // namespace ostrelon

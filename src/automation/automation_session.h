@@ -1,0 +1,64 @@
+// What the operations of the automation interface act on, and how a request's arguments are read.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "app/application.h"
+#include "automation/json_values.h"
+#include "interaction/canvas_gestures.h"
+#include "platform/dialogs.h"
+#include "platform/scheduler.h"
+#include "updates/served_update_client.h"
+
+namespace ostrelon {
+
+/// The parts of the running program.
+struct AutomationSession {
+  Application& application;
+  VirtualScheduler& scheduler;
+  QueuedDialogs& dialogs;
+  CanvasGestures& gestures;
+  CloseQuestion& closeQuestion;
+  ServedUpdateClient& updateClient;
+
+  SketchViewModel& sketch() const { return application.sketch(); }
+  ReadContext readContext() const { return {application.sketch()}; }
+};
+
+/// A member of a request by its type; an error names the member.
+template <class T>
+T requestMember(const AutomationSession& session, const Json& request, const char* key) {
+  try {
+    return Reader<T>::read(memberOf(request, key), session.readContext());
+  } catch (const ArgumentError& error) {
+    throw ArgumentError("\"" + std::string(key) + "\": " + error.what() + ".");
+  }
+}
+
+// --- Operations called by name: {"op":"call","name":"zoomViewport","args":[1.25,[0,0]]}
+
+using Call = std::function<Json(AutomationSession& session, const Json& arguments)>;
+using CallTable = std::map<std::string, Call, std::less<>>;
+
+/// All operations that `call` reaches, by the names that they have in the code.
+const CallTable& callTable();
+
+// Each adds the rows of one part of the program.
+void addSketchCalls(CallTable& table);
+void addEditCalls(CallTable& table);
+void addGeometryCalls(CallTable& table);
+void addInteractionCalls(CallTable& table);
+void addDocumentCalls(CallTable& table);
+void addUpdateCalls(CallTable& table);
+
+// --- State
+
+/// The observable fields of the view model by name; all but the console lines unless named.
+Json stateOf(const SketchViewModel& sketch, const std::optional<std::vector<std::string>>& names);
+Json settingsOf(const AppSettings& settings);
+Json updateOf(const AppUpdateManager& updates);
+
+}  // namespace ostrelon

@@ -1,0 +1,105 @@
+// Calls of documents, their history, and the settings.
+#include "automation/call_binding.h"
+#include "documents/auto_save.h"
+#include "documents/document_history.h"
+#include "documents/document_store.h"
+#include "documents/sketch_document_io.h"
+
+namespace ostrelon {
+
+void addDocumentCalls(CallTable& table) {
+  // --- Format
+  table["makeDocumentV2"] = sketchCall(&SketchViewModel::makeDocumentV2);
+  table["applyLoadedDocument"] = sketchCall(&SketchViewModel::applyLoadedDocument);
+  table["decodeDocument"] = functionCall(SketchDocumentIO::decodeDocument);
+  table["encodeDocument"] = sessionCall([](AutomationSession&, const SketchDocumentV2& document) {
+    return SketchDocumentIO::encodeDocument(document);
+  });
+
+  // --- Store
+  table["saveDocumentFile"] = sketchCall(&SketchViewModel::saveDocumentFile);
+  table["openDocumentFile"] = sketchCall(&SketchViewModel::openDocumentFile);
+  table["setSaveDialogActive"] = sketchCall(&SketchViewModel::setSaveDialogActive);
+  table["saveCurrentDocument"] = sessionCall([](AutomationSession& session, std::optional<bool> announce) {
+    saveCurrentDocument(session.sketch(), session.application.settings(), announce.value_or(true));
+  });
+  table["saveDocumentAs"] = sessionCall([](AutomationSession& session, std::optional<bool> announce) {
+    saveDocumentAs(session.sketch(), session.application.settings(), announce.value_or(true));
+  });
+  table["saveToURL"] =
+      sessionCall([](AutomationSession& session, const FilePath& url, std::optional<bool> announce) {
+        return saveToURL(session.sketch(), session.application.settings(), url, announce.value_or(true));
+      });
+  table["openDocument"] = sessionCall([](AutomationSession& session, const FilePath& url) {
+    return openDocument(session.sketch(), session.application.settings(), url);
+  });
+  table["nextUntitledURL"] = sessionCall([](AutomationSession& session, const FilePath& folder) {
+    return nextUntitledURL(session.application.settings().files(), folder);
+  });
+  table["recentDocuments"] = sessionCall([](AutomationSession& session, std::int64_t limit) {
+    return recentDocuments(session.application.settings(), limit);
+  });
+
+  // --- History
+  table["refreshDocumentHistory"] = sketchCall(&SketchViewModel::refreshDocumentHistory);
+  table["saveCheckpoint"] = sketchCall(&SketchViewModel::saveCheckpoint);
+  table["createHistoryBranch"] = sketchCall(&SketchViewModel::createHistoryBranch);
+  table["switchBranch"] = sketchCall(&SketchViewModel::switchBranch);
+  table["documentHistoryText"] = sketchCall(&SketchViewModel::documentHistoryText);
+  table["currentBranch"] = sessionCall(
+      [](AutomationSession& session) { return session.sketch().documentHistoryState->currentBranch(); });
+  table["allCheckpoints"] = sessionCall(
+      [](AutomationSession& session) { return session.sketch().documentHistoryState->allCheckpoints(); });
+  table["findBranch"] = sessionCall([](AutomationSession& session, const std::string& nameOrID) {
+    return session.sketch().documentHistoryState->findBranch(nameOrID);
+  });
+  table["findCheckpoint"] = sessionCall([](AutomationSession& session, const std::string& id) {
+    return session.sketch().documentHistoryState->findCheckpoint(id);
+  });
+  table["normalizeBranchID"] = functionCall(normalizeBranchID);
+
+  // --- Auto-save
+  table["autoSaveTick"] = sessionCall([](AutomationSession& session) {
+    return autoSaveTick(session.sketch(), session.application.settings());
+  });
+  table["restoreAutoSave"] = sessionCall(
+      [](AutomationSession& session) { restoreAutoSave(session.sketch(), session.application.settings()); });
+  table["revertToLastAutoSave"] = sessionCall([](AutomationSession& session) {
+    revertToLastAutoSave(session.sketch(), session.application.settings());
+  });
+
+  // --- Settings
+  table["setAppearanceMode"] = sessionCall([](AutomationSession& session, AppearanceMode mode) {
+    session.application.settings().setAppearanceMode(mode);
+  });
+  table["setAutoSaveEnabled"] = sessionCall([](AutomationSession& session, bool enabled) {
+    session.application.settings().setAutoSaveEnabled(enabled);
+  });
+  table["setAutoSaveIntervalMinutes"] = sessionCall([](AutomationSession& session, int minutes) {
+    session.application.settings().setAutoSaveIntervalMinutes(minutes);
+  });
+  table["updateColorScheme"] = sessionCall([](AutomationSession& session, std::optional<ColorScheme> scheme) {
+    session.application.settings().updateColorScheme(scheme);
+  });
+  table["resolvePalette"] = functionCall(resolvePalette);
+  table["useDefaultProjectsFolder"] = sessionCall(
+      [](AutomationSession& session) { session.application.settings().useDefaultProjectsFolder(); });
+  table["setCustomProjectsFolder"] = sessionCall([](AutomationSession& session, const FilePath& url) {
+    session.application.settings().setCustomProjectsFolder(url);
+  });
+  table["clearProjectsFolder"] =
+      sessionCall([](AutomationSession& session) { session.application.settings().clearProjectsFolder(); });
+  table["resetProjectsFolderForUITesting"] = sessionCall(
+      [](AutomationSession& session) { session.application.settings().resetProjectsFolderForUITesting(); });
+  table["recordLastAutoSave"] = sessionCall([](AutomationSession& session, const FilePath& url,
+                                               const std::string& name, const std::optional<Date>& savedAt) {
+    session.application.settings().recordLastAutoSave(url, name, savedAt);
+  });
+  table["isInsideProjectsFolder"] = sessionCall([](AutomationSession& session, const FilePath& url) {
+    return session.application.settings().isInsideProjectsFolder(url);
+  });
+  table["isProjectsFolderConfigured"] = sessionCall(
+      [](AutomationSession& session) { return session.application.settings().isProjectsFolderConfigured(); });
+}
+
+}  // namespace ostrelon
