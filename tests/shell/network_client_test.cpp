@@ -76,6 +76,7 @@ class NetworkClient : public ::testing::Test {
             text = readBytes(installer_->path());
           } catch (const UserError& error) {
             text = error.what();
+            EXPECT_TRUE(leftNothing());
           }
         });
     EXPECT_TRUE(QTest::qWaitFor([&] { return text.has_value(); }, 10'000));
@@ -128,9 +129,10 @@ TEST_F(NetworkClient, FetchesAManifestWithAPlainRequest) {
 
 TEST_F(NetworkClient, ARefusalIsToldAsOne) {
   makeClient();
-  server_.answer("/404", "404 Not Found", "Content-Length: 15\r\n", kEmptyManifest);
+  server_.answer("/404", "404 Not Found", "Content-Length: 70000\r\n", std::string(70'000, ' '));
   EXPECT_EQ(fetch(server_.url("/404")), kRefused);
   EXPECT_EQ(download(server_.url("/404")), kRefused);
+  EXPECT_TRUE(progress_.empty());
   server_.answer("/500", "500 Oh", "Content-Length: 0\r\n", "");
   EXPECT_EQ(fetch(server_.url("/500")), kRefused);
   server_.answer("/304", "304 Not Modified", "", "");
@@ -138,7 +140,6 @@ TEST_F(NetworkClient, ARefusalIsToldAsOne) {
   server_.answer("/401", "401 Unauthorized", "WWW-Authenticate: Basic realm=\"x\"\r\nContent-Length: 0\r\n",
                  "");
   EXPECT_EQ(fetch(server_.url("/401")), kRefused);
-  EXPECT_TRUE(leftNothing());
 }
 
 TEST_F(NetworkClient, FollowsRedirectionsToHttpsAlone) {
@@ -153,7 +154,6 @@ TEST_F(NetworkClient, FollowsRedirectionsToHttpsAlone) {
   EXPECT_THAT(download(server_.url("/insecure")), StartsWith(kUnreachable));
   server_.answer("/circle", "302 Found", "Location: /circle\r\nContent-Length: 0\r\n", "");
   EXPECT_THAT(fetch(server_.url("/circle")), StartsWith(kUnreachable));
-  EXPECT_TRUE(leftNothing());
 }
 
 TEST_F(NetworkClient, TrustsOnlyACertificateOfTheHostByAKnownAuthority) {
@@ -185,7 +185,6 @@ TEST_F(NetworkClient, ATruncatedAnswerIsANetworkFailure) {
   EXPECT_THAT(download(server_.url("/cut")), StartsWith(kUnreachable));
   server_.answer("/chunks", "200 OK", "Transfer-Encoding: chunked\r\n", "5\r\n{\"rel\r\na\r\neas");
   EXPECT_THAT(fetch(server_.url("/chunks")), StartsWith(kUnreachable));
-  EXPECT_TRUE(leftNothing());
 }
 
 TEST_F(NetworkClient, GivesUpOnASilentServerAndOnOneThatDrips) {
@@ -205,7 +204,6 @@ TEST_F(NetworkClient, GivesUpOnASilentServerAndOnOneThatDrips) {
   });
   EXPECT_EQ(fetch(server_.url("/drip")), std::string(kUnreachable) + "The server answers too slowly.");
   EXPECT_EQ(download(server_.url("/drip")), std::string(kUnreachable) + "The server answers too slowly.");
-  EXPECT_TRUE(leftNothing());
 }
 
 TEST_F(NetworkClient, StopsAnEndlessBody) {
@@ -219,7 +217,6 @@ TEST_F(NetworkClient, StopsAnEndlessBody) {
   EXPECT_EQ(fetch(server_.url("/endless")), "Update metadata is invalid: It is larger than 4 MiB.");
   EXPECT_EQ(download(server_.url("/endless")), "The update is larger than an installer may be.");
   EXPECT_EQ(download(server_.url("/announced")), "The update is larger than an installer may be.");
-  EXPECT_TRUE(leftNothing());
 }
 
 TEST_F(NetworkClient, StreamsAnInstallerToAPrivateFile) {

@@ -76,6 +76,17 @@ TEST_F(ServedUpdateClientTest, AnswersFromWhatItServes) {
   EXPECT_EQ(fetch(), "Update metadata is invalid: It is not JSON (at byte 2).");
 }
 
+TEST(ServedUpdateClient, RequestsDoNotOutliveIt) {
+  VirtualScheduler scheduler;
+  bool isAnswered = false;
+  {
+    ServedUpdateClient client(scheduler, "unused");
+    client.fetchManifest("https://h.example/feed", [&](const auto&) { isAnswered = true; });
+  }
+  scheduler.advance(Seconds(0));
+  EXPECT_FALSE(isAnswered);
+}
+
 TEST_F(ServedUpdateClientTest, WritesTheInstaller) {
   DownloadedInstaller installer;
   std::string failure;

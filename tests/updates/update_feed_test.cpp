@@ -128,11 +128,17 @@ TEST(UpdateFeed, IsUpToDateWithTheNewestKnownVersion) {
 }
 
 TEST(UpdateFeed, ReleasesThatCompareEqualKeepTheirOrder) {
-  const auto result = evaluateManifest(releasesOf({"2.0.0+b", "1.5", "2.0.0+a", "v2"}), "1.0.0");
-  const auto& available = std::get<AppUpdateAvailability>(result);
-  EXPECT_EQ(versionsOf(available.interveningReleases),
-            (std::vector<std::string>{"1.5", "2.0.0+b", "2.0.0+a", "v2"}));
-  EXPECT_EQ(available.latestRelease.version, "v2");
+  // Enough of them that an unstable sort would show.
+  std::vector<std::string> versions{"2.1", "1.5"};
+  std::vector<std::string> expected{"1.5"};
+  for (int i = 50; i > 0; --i) {
+    versions.push_back("2.0.0+" + std::to_string(i));
+    expected.push_back(versions.back());
+  }
+  expected.push_back("2.1");
+  const auto result = evaluateManifest(releasesOf(versions), "1.0.0");
+  EXPECT_EQ(versionsOf(std::get<AppUpdateAvailability>(result).interveningReleases), expected);
+  EXPECT_EQ(std::get<UpToDate>(evaluateManifest(releasesOf({"2", "v2.0"}), "2.0.0")).latestVersion, "v2.0");
 }
 
 TEST(UpdateFeed, GroupsTheChangesByRelease) {
