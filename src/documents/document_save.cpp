@@ -25,7 +25,10 @@ bool DocumentSave::holdsStateOf(const SketchViewModel& sketch) const {
          document_.e == *sketch.entities;
 }
 
-void DocumentSave::release() { document_ = {}; }
+void DocumentSave::release() {
+  document_ = {};
+  pending_.reset();
+}
 
 bool documentChangedOnDisk(const SketchViewModel& sketch) {
   const std::optional<DocumentOnDisk>& known = sketch.documentOnDisk();

@@ -227,7 +227,7 @@ TEST_F(DocumentStoreTest, KeepsTheOldFileWhenTheDiskIsFull) {
   draw();
   sketch.saveDocumentFile(plan);
   const std::string before = readBytes(plan);
-  for (int count = 0; count < 20'000; ++count) sketch.addCircle({1.5, 2.5}, count);
+  for (int count = 0; count < 2500; ++count) sketch.addCircle({1.5, 2.5}, count);
   const int status = inChild([&] {
     const rlimit limit{100'000, 100'000};
     ::setrlimit(RLIMIT_FSIZE, &limit);
@@ -267,7 +267,7 @@ TEST_F(DocumentStoreTest, IsWholeOldOrNewWhenKilledAtAnyMoment) {
     sketch.addRectangle({0, 0}, {1.0 + generation, 2});
     sketch.saveDocumentFile(plan);
   };
-  for (int count = 0; count < 3000; ++count) sketch.addCircle({count + 0.5, 2.5}, count);
+  for (int count = 0; count < 400; ++count) sketch.addCircle({count + 0.5, 2.5}, count);
   write(0);
   for (int round = 0; round < 12; ++round) {
     const pid_t child = ::fork();
@@ -280,8 +280,8 @@ TEST_F(DocumentStoreTest, IsWholeOldOrNewWhenKilledAtAnyMoment) {
     ::waitpid(child, &status, 0);
     DiskSketch reader;
     ASSERT_NO_THROW(reader.sketch.openDocumentFile(plan));
-    ASSERT_GE(reader.sketch.entities->size(), 3001U);
-    ASSERT_EQ(reader.sketch.entities->size() - 3000,
+    ASSERT_GE(reader.sketch.entities->size(), 401U);
+    ASSERT_EQ(reader.sketch.entities->size() - 400,
               std::get<RectangleEntity>(reader.sketch.entities->back()).size.width);
   }
 }

@@ -1,0 +1,327 @@
+// Checkpoints and branches, on real files; their console commands and menu prompts.
+#include "documents/document_history.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "documents/history_files.h"
+#include "documents/history_prompts.h"
+#include "documents/sketch_document.h"
+#include "documents/sketch_document_io.h"
+#include "support/disk_sketch.h"
+
+namespace ostrelon {
+namespace {
+
+using testing::DiskSketch;
+using ::testing::HasSubstr;
+using ::testing::MatchesRegex;
+using ::testing::Not;
+using testing::readBytes;
+using ::testing::StartsWith;
+using testing::writeBytes;
+
+std::string messageOf(const std::function<void()>& work) {
+  try {
+    work();
+  } catch (const UserError& error) {
+    return error.what();
+  }
+  return "(no failure)";
+}
+
+struct DocumentHistoryTest : ::testing::Test, DiskSketch {
+  FilePath plan = home / "plan.ostrel";
+  FilePath store = home / ".ostrel-history";
+
+  DocumentHistoryTest() {
+    sketch.addLine({0, 0}, {1, 1});
+    sketch.saveDocumentFile(plan);
+  }
+  std::string metadataText() { return readBytes(store / "meta.json"); }
+  std::string head(const std::string& branch) {
+    return *sketch.documentHistoryState->findBranch(branch)->headCheckpointID;
+  }
+};
+
+TEST_F(DocumentHistoryTest, NamesBranchesByTheirLettersAndDigits) {
+  EXPECT_EQ(normalizeBranchID("Option A / Rev 2"), "option-a-rev-2");
+  EXPECT_EQ(normalizeBranchID("Küche"), "k-che");
+  EXPECT_EQ(normalizeBranchID(" --A__\tb-- \n"), "a-b");
+  for (const std::string name : {"", " ", "-.,/", "é"}) {
+    EXPECT_EQ(messageOf([&] { normalizeBranchID(name); }),
+              "Branch name must include at least one letter or number.");
+  }
+}
+
+TEST_F(DocumentHistoryTest, WritesItsFilesByTheLetter) {
+  scheduler.advance(Seconds(0.75));
+  const DocumentCheckpoint checkpoint = sketch.saveCheckpoint("  First \"milestone\"\n");
+  EXPECT_THAT(checkpoint.id, MatchesRegex("cp-[0-9a-f-]{36}"));
+  EXPECT_EQ(metadataText(), R"({
+  "branches": [
+    {
+      "createdAt": "1970-01-01T00:00:00Z",
+      "headCheckpointID": ")" + checkpoint.id +
+                                R"(",
+      "id": "main",
+      "name": "main"
+    }
+  ],
+  "currentBranchID": "main",
+  "documentFileName": "plan.ostrel",
+  "v": 1
+})");
+  EXPECT_EQ(readBytes(store / "branches/main/timeline.json"), R"({
+  "branchID": "main",
+  "checkpoints": [
+    {
+      "createdAt": "2026-01-01T00:00:00Z",
+      "fileName": ")" + checkpoint.id + R"(.ostrel",
+      "id": ")" + checkpoint.id + R"(",
+      "message": "First \"milestone\""
+    }
+  ]
+})");
+  const std::string snapshot = readBytes(store / "branches/main/checkpoints" / checkpoint.fileName);
+  EXPECT_THAT(snapshot, Not(HasSubstr("undo")));
+  EXPECT_EQ(std::get<SketchDocumentV2>(SketchDocumentIO::decodeDocument(snapshot).document).e,
+            *sketch.entities);
+  EXPECT_EQ(decodeHistoryMetadata(metadataText()), sketch.documentHistoryState->metadata);
+}
+
+TEST_F(DocumentHistoryTest, BranchesAndSwitchesThroughTheConsole) {
+  EXPECT_EQ(reply("history"), "No checkpoints yet. Use checkpoint <message> to save one.");
+  EXPECT_EQ(reply("branch create option"),
+            "Branch failed: Branch main does not have a checkpoint to switch to.");
+  EXPECT_FALSE(files.exists(store)) << "a refusal makes no store";
+  const std::string first = reply("checkpoint");
+  EXPECT_THAT(first, MatchesRegex("Checkpoint saved \\(cp-.*\\): Checkpoint 1"));
+  EXPECT_EQ(reply("branch create Option-A"), "Branch created: Option-A");
+  EXPECT_EQ(sketch.documentHistoryState->metadata.currentBranchID, "main") << "creating does not switch";
+  sketch.addLine({0, 0}, {2, 2});
+  EXPECT_EQ(reply("branch switch main"),
+            "Switch branch failed: Save or checkpoint current changes before switching branches.");
+  // The default number counts the checkpoints of all branches, the copy that began one included.
+  EXPECT_THAT(reply("checkpoint"), MatchesRegex(".*: Checkpoint 3"));
+  EXPECT_EQ(reply("branch switch OPTION-a"), "Switched to branch Option-A.");
+  EXPECT_EQ(sketch.entities->size(), 1U);
+  EXPECT_EQ(sketch.undoStack().undoSnapshots().size(), 0U);
+  EXPECT_FALSE(sketch.isDocumentDirty);
+  EXPECT_EQ(sketch.documentName.get(), "plan");
+  EXPECT_EQ(sketch.documentHistoryState->metadata.currentBranchID, "option-a");
+  EXPECT_THAT(metadataText(), HasSubstr("\"currentBranchID\": \"option-a\""));
+  DiskSketch other;
+  other.sketch.openDocumentFile(plan);
+  EXPECT_EQ(other.sketch.entities->size(), 1U) << "the head's content lies in the document's file";
+
+  const std::string mainHead = head("main");
+  const std::string copy = head("option-a");
+  const std::string source =
+      *sketch.documentHistoryState->findCheckpoint(copy)->checkpoint.sourceCheckpointID;
+  EXPECT_NE(copy, source);
+  EXPECT_EQ(reply("history"), "Current branch: Option-A\n  main\n    " + source + " — Checkpoint 1\n    " +
+                                  mainHead + " — Checkpoint 3\n* Option-A\n    " + copy +
+                                  " — Branch Option-A from " + source.substr(0, 11));
+  EXPECT_EQ(reply("branch LIST x"), sketch.documentHistoryText());
+  EXPECT_EQ(reply("branch create b " + mainHead), "Branch created: b");
+  EXPECT_EQ(reply("branch create c cp-none"), "Branch failed: No checkpoint named cp-none exists.");
+  EXPECT_EQ(reply("branch create MAIN"), "Branch failed: A branch named MAIN already exists.");
+  EXPECT_EQ(reply("branch create option/a"), "Branch failed: A branch named option/a already exists.");
+  EXPECT_EQ(reply("branch create ?"),
+            "Branch failed: Branch name must include at least one letter or number.");
+  EXPECT_EQ(reply("branch switch d"), "Switch branch failed: No branch named d exists.");
+  EXPECT_EQ(reply("branch create"), "Usage: branch create <name> [checkpoint-id]");
+  EXPECT_EQ(reply("branch switch"), "Usage: branch switch <name>");
+  EXPECT_EQ(reply("branch x"),
+            "Usage: branch list | branch create <name> [checkpoint-id] | branch switch <name>");
+}
+
+TEST_F(DocumentHistoryTest, NeedsADocumentWithAFile) {
+  sketch.newDocument();
+  const std::string text = "Save the document before using checkpoints.";
+  EXPECT_EQ(reply("history"), text);
+  EXPECT_EQ(reply("checkpoint x"), "Checkpoint failed: " + text);
+  EXPECT_EQ(reply("branch create x"), "Branch failed: " + text);
+  EXPECT_EQ(reply("branch switch x"), "Switch branch failed: " + text);
+}
+
+TEST_F(DocumentHistoryTest, SharesTheStoreBetweenTheDocumentsOfAFolder) {
+  sketch.saveCheckpoint("from plan");
+  DiskSketch other;
+  other.sketch.addCircle({0, 0}, 1);
+  other.sketch.saveDocumentFile(home / "other.ostrel");
+  other.sketch.saveCheckpoint("from other");
+  sketch.saveCheckpoint("again");
+  EXPECT_EQ(sketch.documentHistoryState->allCheckpoints().size(), 3U);
+  EXPECT_EQ(sketch.documentHistoryState->metadata.documentFileName, "plan.ostrel");
+}
+
+TEST_F(DocumentHistoryTest, LeavesDocumentAndModelAloneWhenASwitchFails) {
+  sketch.saveCheckpoint("one");
+  sketch.createHistoryBranch("b");
+  sketch.addLine({0, 0}, {3, 3});
+  sketch.saveDocumentFile(plan);
+  sketch.selectAll();
+  const auto held = sketch.makeDocumentV2(true);
+  const std::string file = readBytes(plan);
+  const auto expectUntouched = [&](const std::string& failure) {
+    EXPECT_THAT(messageOf([&] { sketch.switchBranch("b"); }), HasSubstr(failure));
+    EXPECT_EQ(sketch.makeDocumentV2(true), held);
+    EXPECT_EQ(sketch.selectedEntityIDs->size(), 2U);
+    EXPECT_FALSE(sketch.isDocumentDirty);
+    EXPECT_EQ(readBytes(plan), file);
+    EXPECT_EQ(loadDocumentHistory(files, plan).metadata.currentBranchID, "main");
+  };
+  const FilePath snapshot = store / "branches/b/checkpoints" / (head("b") + ".ostrel");
+  const std::string good = readBytes(snapshot);
+  writeBytes(snapshot, "{\"v\":2,");
+  expectUntouched("is damaged");
+  std::filesystem::remove(snapshot);
+  expectUntouched("does not exist");
+  // A document's file that cannot be written: here because a folder has taken its place.
+  writeBytes(snapshot, good);
+  std::filesystem::rename(plan, home / "aside");
+  files.createFolders(plan);
+  EXPECT_THAT(messageOf([&] { sketch.switchBranch("b"); }), HasSubstr("it is a folder"));
+  EXPECT_EQ(sketch.makeDocumentV2(true), held);
+  EXPECT_EQ(sketch.selectedEntityIDs->size(), 2U);
+  std::filesystem::remove(plan);
+  std::filesystem::rename(home / "aside", plan);
+  EXPECT_EQ(sketch.switchBranch("b").name, "b");
+}
+
+TEST_F(DocumentHistoryTest, TellsOfHeadsThatAreMissing) {
+  sketch.saveCheckpoint("one");
+  sketch.createHistoryBranch("b");
+  DocumentHistoryMetadata metadata = sketch.documentHistoryState->metadata;
+  metadata.branches[1].headCheckpointID = "cp-gone";
+  writeHistoryMetadata(files, plan, metadata);
+  EXPECT_EQ(reply("branch switch b"), "Switch branch failed: No checkpoint named cp-gone exists.");
+  metadata.branches[1].headCheckpointID = std::nullopt;
+  writeHistoryMetadata(files, plan, metadata);
+  EXPECT_EQ(reply("branch switch b"),
+            "Switch branch failed: Branch b does not have a checkpoint to switch to.");
+  std::filesystem::remove(store / "branches/b/timeline.json");
+  EXPECT_TRUE(loadDocumentHistory(files, plan).checkpointsByBranch.at("b").empty());
+}
+
+TEST_F(DocumentHistoryTest, RefusesNamesThatLeadOutOfTheStore) {
+  sketch.saveCheckpoint("one");
+  sketch.createHistoryBranch("b");
+  const DocumentHistoryMetadata good = sketch.documentHistoryState->metadata;
+  const auto before = files.list(home.path());
+  for (const std::string bad :
+       {"", ".", "..", "../x", "a/b", "/etc", "a\\b", std::string("a\0b", 3).c_str()}) {
+    if (bad == "a") continue;
+    DocumentHistoryMetadata metadata = good;
+    metadata.branches[1].id = bad;
+    writeHistoryMetadata(files, plan, metadata);
+    EXPECT_THAT(reply("checkpoint x"), HasSubstr("leads out of the history folder")) << bad;
+    EXPECT_THAT(reply("branch switch b"), HasSubstr("leads out of the history folder")) << bad;
+    metadata = good;
+    metadata.currentBranchID = bad;
+    writeHistoryMetadata(files, plan, metadata);
+    EXPECT_THAT(reply("checkpoint x"), HasSubstr("leads out of the history folder")) << bad;
+  }
+  writeHistoryMetadata(files, plan, good);
+  const FilePath timelineFile = store / "branches/b/timeline.json";
+  DocumentBranchTimeline timeline = decodeBranchTimeline(readBytes(timelineFile));
+  timeline.checkpoints[0].fileName = "../../../../plan.ostrel";
+  writeBytes(timelineFile, encodeBranchTimeline(timeline));
+  EXPECT_THAT(reply("branch switch b"), HasSubstr("leads out of the history folder"));
+  EXPECT_THAT(reply("branch create c " + timeline.checkpoints[0].id), HasSubstr("leads out"));
+  EXPECT_EQ(files.list(home.path()), before);
+}
+
+TEST_F(DocumentHistoryTest, SaysWhatIsWrongWithItsFilesAndShowsNone) {
+  sketch.saveCheckpoint("one");
+  const std::string good = metadataText();
+  const auto failureOf = [&](const std::string& text) {
+    writeBytes(store / "meta.json", text);
+    return messageOf([&] { loadDocumentHistory(files, plan); });
+  };
+  EXPECT_EQ(failureOf("{\"v\":1,"), "The history is damaged in meta.json at byte 7: it is not JSON.");
+  EXPECT_EQ(failureOf("[]"), "The history is damaged in meta.json: expected an object.");
+  EXPECT_EQ(failureOf("{}"), "The history is damaged in meta.json: the key \"v\" is missing.");
+  EXPECT_EQ(failureOf(R"({"v":1.5})"), "The history is damaged in meta.json, v: expected an integer.");
+  EXPECT_EQ(failureOf(R"({"v":1e99})"), "The history is damaged in meta.json, v: the integer is too large.");
+  EXPECT_EQ(failureOf(R"({"v":1e999})"), "The history is damaged in meta.json: a number is too large.");
+  EXPECT_EQ(
+      failureOf(
+          R"({"v":1.0,"documentFileName":null,"currentBranchID":"main","branches":[{"id":"main","name":"main","createdAt":"yesterday"}]})"),
+      "The history is damaged in meta.json, branches[0], createdAt: expected a date.");
+  EXPECT_EQ(failureOf(std::string(200'000, '[')),
+            "The history is damaged in meta.json at byte 200000: it is not JSON.");
+  sketch.refreshDocumentHistory();
+  EXPECT_TRUE(sketch.documentHistoryState->allCheckpoints().empty());
+  EXPECT_EQ(sketch.documentHistoryState->metadata.documentFileName, "plan.ostrel");
+  EXPECT_THAT(reply("checkpoint x"), StartsWith("Checkpoint failed: The history is damaged in meta.json"));
+  // Dates may hold an offset and a fraction; unknown keys are passed over.
+  std::string text = good;
+  text.replace(text.find("1970-01-01T00:00:00Z"), 20, "1970-01-01T01:00:00.250+01:00\",\"x\":\"y");
+  EXPECT_EQ(failureOf(text), "(no failure)");
+}
+
+TEST_F(DocumentHistoryTest, AsksBeforeACheckpointOrASwitchOverwritesAnothersWork) {
+  sketch.saveCheckpoint("one");
+  sketch.createHistoryBranch("b");
+  DiskSketch other;
+  other.sketch.openDocumentFile(plan);
+  other.sketch.addLine({0, 0}, {9, 9});
+  other.sketch.saveDocumentFile(plan);
+  const std::string theirs = readBytes(plan);
+  const std::string refusal = "“plan.ostrel” has been changed by another program and was not overwritten.";
+  EXPECT_EQ(reply("checkpoint mine"), "Checkpoint failed: " + refusal);
+  EXPECT_EQ(reply("branch switch b"), "Switch branch failed: " + refusal);
+  EXPECT_EQ(readBytes(plan), theirs);
+  EXPECT_EQ(dialogs.asked().size(), 2U);
+  // No question where nothing would be written.
+  EXPECT_EQ(reply("branch switch main"), "Switched to branch main.");
+  EXPECT_EQ(reply("branch switch none"), "Switch branch failed: No branch named none exists.");
+  EXPECT_EQ(dialogs.asked().size(), 2U);
+  dialogs.queue("Overwrite");
+  EXPECT_THAT(reply("checkpoint mine"), StartsWith("Checkpoint saved"));
+}
+
+TEST_F(DocumentHistoryTest, PromptsFromTheMenusAndTellsInAToast) {
+  promptForBranch(sketch);
+  EXPECT_EQ(lastLine(), "E Create a checkpoint before branching.");
+  EXPECT_EQ(toast(), "Create a checkpoint before branching.");
+  EXPECT_TRUE(dialogs.asked().empty());
+
+  dialogs.queue("  Milestone ");
+  promptForCheckpoint(sketch);
+  const auto& prompt = std::get<TextPrompt>(dialogs.asked().back());
+  EXPECT_EQ(prompt.title, "Save Checkpoint");
+  EXPECT_EQ(prompt.informativeText, "Name this design milestone.");
+  EXPECT_EQ(prompt.initialText, "Checkpoint 1");
+  EXPECT_EQ(prompt.confirmButton, "Save Checkpoint");
+  EXPECT_EQ(lastLine(), "S Checkpoint saved on main: Milestone");
+  EXPECT_EQ(toast(), "Checkpoint saved on main: Milestone");
+
+  dialogs.queue("Option");
+  promptForBranch(sketch);
+  EXPECT_EQ(std::get<TextPrompt>(dialogs.asked().back()).initialText, "option-1");
+  EXPECT_EQ(lastLine(), "S Branch created: Option");
+  dialogs.queue("option");
+  promptForBranch(sketch);
+  EXPECT_EQ(lastLine(), "E Branch failed: A branch named option already exists.");
+  const std::size_t lines = sketch.consoleLines->size();
+  promptForCheckpoint(sketch);
+  promptForBranch(sketch);
+  EXPECT_EQ(sketch.consoleLines->size(), lines) << "cancelled prompts say nothing";
+  switchBranchFromMenu(sketch, "option");
+  EXPECT_EQ(lastLine(), "S Switched to branch Option.");
+  switchBranchFromMenu(sketch, "none");
+  EXPECT_EQ(lastLine(), "E Switch branch failed: No branch named none exists.");
+  sketch.newDocument();
+  dialogs.queue("x");
+  promptForCheckpoint(sketch);
+  EXPECT_EQ(lastLine(), "E Checkpoint failed: Save the document before using checkpoints.");
+}
+
+}  // namespace
+}  // namespace ostrelon
