@@ -55,12 +55,22 @@ ChainParseResult parseSelect(const Tokens& tokens, const ChainValidationState& /
   return ChainCommand(ChainSelect{std::move(*indices)});
 }
 
+// What the chain made stands behind the entities of the document, which their index finds.
+const SketchEntity* findEntity(const UUID& id, const ChainValidationState& state) {
+  if (const SketchEntity* found = state.sketch->entity(id)) return found;
+  for (std::size_t i = state.entities.size(); i > state.sketch->entities->size(); --i) {
+    const SketchEntity& made = state.entities[i - 1];
+    if (entityID(made) == id) return &made;
+  }
+  return nullptr;
+}
+
 ChainParseResult parseAssign(const Tokens& tokens, const ChainValidationState& state) {
   const WallSystemSpec* spec =
       tokens.size() == 2 ? state.sketch->wallSystemSpec(std::string_view(tokens[1])) : nullptr;
   bool isOneWall = false;
   if (state.selectedEntityIDs.size() == 1) {
-    const SketchEntity* selected = state.entities.find(*state.selectedEntityIDs.begin());
+    const SketchEntity* selected = findEntity(*state.selectedEntityIDs.begin(), state);
     isOneWall = selected != nullptr && std::holds_alternative<WallEntity>(*selected);
   }
   if (spec == nullptr || !isOneWall) return failure("Usage: assign <system>  (select a wall first)");

@@ -118,21 +118,26 @@ std::string runChain(std::string_view text, SketchViewModel& sketch) {
   if (const auto* error = std::get_if<ChainError>(&parsed)) return chainError(error->segment, error->message);
   const auto& commands = std::get<0>(parsed);
 
-  const SketchCommandMutationState before = sketch.captureCommandMutationState();
-  sketch.changeUndoCheckpointSuppressionDepth(1);
-  ChainExecutionContext context;
-  std::optional<std::string> failure;
-  std::size_t number = 0;
-  while (number < commands.size() && !failure) {
-    failure = executeChainCommand(commands[number++], context, sketch);
-  }
-  sketch.changeUndoCheckpointSuppressionDepth(-1);
-  if (failure) {
-    sketch.restoreCommandMutationState(before);
-    return chainError(number, *failure);
-  }
-  sketch.commitCommandMutationState(before);
-  return chainSummary(context, commands.size());
+  std::string reply;
+  sketch.performAsOneChange([&] {
+    const SketchCommandMutationState before = sketch.captureCommandMutationState();
+    sketch.changeUndoCheckpointSuppressionDepth(1);
+    ChainExecutionContext context;
+    std::optional<std::string> failure;
+    std::size_t number = 0;
+    while (number < commands.size() && !failure) {
+      failure = executeChainCommand(commands[number++], context, sketch);
+    }
+    sketch.changeUndoCheckpointSuppressionDepth(-1);
+    if (failure) {
+      sketch.restoreCommandMutationState(before);
+      reply = chainError(number, *failure);
+    } else {
+      sketch.commitCommandMutationState(before);
+      reply = chainSummary(context, commands.size());
+    }
+  });
+  return reply;
 }
 
 std::string chainSummary(const ChainExecutionContext& context, std::size_t count) {

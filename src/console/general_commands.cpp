@@ -1,5 +1,6 @@
 #include "console/general_commands.h"
 
+#include "console/edit_commands.h"
 #include "core/length_text.h"
 #include "platform/unicode.h"
 
@@ -61,11 +62,9 @@ bool printWallSystem(const std::optional<std::string>& name, SketchViewModel& sk
     spec = sketch.wallSystemSpec(std::string_view(*name));
   } else {
     spec = sketch.activeWallSystemSpec();
-    const auto& primary = *sketch.primarySelectedEntityID;
-    const SketchEntity* selected = primary ? sketch.entity(*primary) : nullptr;
-    const auto* wall = selected != nullptr ? std::get_if<WallEntity>(selected) : nullptr;
-    if (wall != nullptr) {
-      if (const WallSystemSpec* used = sketch.wallSystemSpec(wall->systemSpecID)) spec = used;
+    if (const auto wall = selectedWallID(sketch)) {
+      const UUID& used = std::get<WallEntity>(*sketch.entity(*wall)).systemSpecID;
+      if (const WallSystemSpec* known = sketch.wallSystemSpec(used)) spec = known;
     }
   }
   if (spec == nullptr) return false;

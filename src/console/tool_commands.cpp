@@ -2,18 +2,23 @@
 
 namespace ostrelon {
 
-// The trim tool starts with nothing selected, since its selection is the cutting edge; chosen again
-// it only lets go of the edge.
+// Typed commands disturb less than the tool buttons: `line` and `poly` keep the selection and the
+// cutting edge, `trim` keeps a draft. The trim tool starts with nothing selected, since its selection
+// is the cutting edge; chosen again it only lets go of the edge.
 void SketchViewModel::activateToolFromConsole(SketchTool tool) {
-  const ChangeScope scope(tracker_);
-  if (tool != SketchTool::trim) {
-    activateTool(tool);
+  if (tool == SketchTool::select) {
+    activateSelectTool();
     return;
   }
-  trimCuttingEdgeEntityID = std::nullopt;
-  if (selectedTool == SketchTool::trim) return;
-  clearSelection();
-  activateTool(SketchTool::trim);
+  const ChangeScope scope(tracker_);
+  endSelectGestures();
+  if (tool == SketchTool::trim) {
+    trimCuttingEdgeEntityID = std::nullopt;
+    if (selectedTool != SketchTool::trim) clearSelection();
+  } else {
+    cancelDraft();
+  }
+  selectedTool = tool;
 }
 
 namespace CommandInterpreter {

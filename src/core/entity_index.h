@@ -29,6 +29,8 @@ class EntityIndex {
   /// Follows the list. The index keeps a copy, which shares the list's storage.
   void update(const EntityList& list);
   const EntityList& list() const { return list_; }
+  /// Two entities of the list have the same identifier; finding one by it then costs a walk.
+  bool hasDuplicates() const { return hasDuplicates_; }
 
   /// The first position of the identifier.
   std::optional<std::size_t> positionOf(const UUID& id) const;

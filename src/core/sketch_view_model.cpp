@@ -27,6 +27,11 @@ Subscription SketchViewModel::observe(FieldMask fields, std::function<void(const
   });
 }
 
+void SketchViewModel::performAsOneChange(const std::function<void()>& operations) {
+  const ChangeScope scope(tracker_);
+  operations();
+}
+
 const EntityIndex& SketchViewModel::index() const {
   index_.update(entities);
   return index_;

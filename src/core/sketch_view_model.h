@@ -209,6 +209,8 @@ class SketchViewModel {
   [[nodiscard]] Subscription observe(FieldMask fields, std::function<void(const SketchChange&)> changed);
   /// The number of operations that have changed something.
   std::uint64_t revision() const { return tracker_.revision(); }
+  /// Runs several operations as one change, of which observers hear once, at its end.
+  void performAsOneChange(const std::function<void()>& operations);
   const Host& host() const { return host_; }
 
   // --- Console output and input (core/console_output.cpp; the submit in console/submit.cpp)
@@ -315,6 +317,7 @@ class SketchViewModel {
   bool assignWallSystem(const UUID& wallSystemID, const UUID& entityID);
   /// The number of entities moved.
   int alignSelection(AlignmentAxis axis);
+  /// False unless the selection is one line, and for movements that are not finite.
   bool moveSelectedLine(double dx, double dy);
   void deleteEntity(const UUID& id);
   void deleteSelection();

@@ -79,8 +79,16 @@ void SketchViewModel::replaceUndoSnapshots(std::vector<SketchUndoSnapshot> snaps
 }
 
 SketchCommandMutationState SketchViewModel::captureCommandMutationState() const {
-  return {{entities.get()},        selectedEntityIDs,      primarySelectedEntityID, selectedTool, draft,
-          trimCuttingEdgeEntityID, activeWallSystemSpecID, isDocumentDirty};
+  return {{entities.get()},
+          selectedEntityIDs,
+          primarySelectedEntityID,
+          selectedTool,
+          draft,
+          trimCuttingEdgeEntityID,
+          activeWallSystemSpecID,
+          isDocumentDirty,
+          polygonDraft,
+          isEntityInspectorVisible};
 }
 
 void SketchViewModel::restoreCommandMutationState(const SketchCommandMutationState& state) {
@@ -91,6 +99,8 @@ void SketchViewModel::restoreCommandMutationState(const SketchCommandMutationSta
   primarySelectedEntityID = state.primarySelectedEntityID;
   selectedTool = state.selectedTool;
   draft = state.draft;
+  polygonDraft = state.polygonDraft;
+  isEntityInspectorVisible = state.isEntityInspectorVisible;
   trimCuttingEdgeEntityID = state.trimCuttingEdgeEntityID;
   activeWallSystemSpecID = state.activeWallSystemSpecID;
   selectDrag = std::nullopt;

@@ -11,6 +11,8 @@ using Edited = std::optional<SketchEntity>;
 std::optional<SketchPoint> pointAtDistance(SketchPoint fixed, SketchPoint moving, double distance) {
   const double length = distanceBetween(fixed, moving);
   if (!(length > 0)) return std::nullopt;
+  // Scaling by one would round; what is as long already stays exactly where it is.
+  if (length == distance) return moving;
   return fixed + (moving - fixed) * (distance / length);
 }
 

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <set>
 
 namespace ostrelon {
 namespace {
@@ -146,17 +145,17 @@ TrimGeometry trimArcByCircle(const ArcEntity& arc, const Circle& cutter, SketchP
 // Four corners that are those of an upright rectangle, as that rectangle.
 std::optional<RectangleEntity> rectangleFromCorners(const std::vector<SketchPoint>& corners, const UUID& id) {
   if (corners.size() != 4) return std::nullopt;
-  std::set<double> xs;
-  std::set<double> ys;
-  for (const SketchPoint& corner : corners) {
-    xs.insert(corner.x);
-    ys.insert(corner.y);
+  const auto [minX, maxX] = std::minmax({corners[0].x, corners[1].x, corners[2].x, corners[3].x});
+  const auto [minY, maxY] = std::minmax({corners[0].y, corners[1].y, corners[2].y, corners[3].y});
+  // Each corner stands once: a triangle that was cut through a corner has four points of two values
+  // of x and two of y as well.
+  for (const SketchPoint& corner :
+       {SketchPoint{minX, minY}, SketchPoint{maxX, minY}, SketchPoint{maxX, maxY}, SketchPoint{minX, maxY}}) {
+    if (std::count(corners.begin(), corners.end(), corner) != 1) return std::nullopt;
   }
-  if (xs.size() != 2 || ys.size() != 2) return std::nullopt;
-  const double width = *xs.rbegin() - *xs.begin();
-  const double height = *ys.rbegin() - *ys.begin();
-  if (!(width > kGeometryEpsilon) || !(height > kGeometryEpsilon)) return std::nullopt;
-  return RectangleEntity{id, {*xs.begin(), *ys.begin()}, {width, height}};
+  const SketchSize size{maxX - minX, maxY - minY};
+  if (!(size.width > kGeometryEpsilon) || !(size.height > kGeometryEpsilon)) return std::nullopt;
+  return RectangleEntity{id, {minX, minY}, size};
 }
 
 TrimGeometry rectangleOutcome(const UUID& id, const std::vector<SketchPoint>& kept) {
@@ -243,7 +242,6 @@ std::vector<SketchPoint> clipPolygonByLine(const std::vector<SketchPoint>& verti
                                            SketchPoint point) {
   const SketchPoint direction = line.second - line.first;
   const double length = distanceBetween(line.first, line.second);
-  if (!(length > 0)) return vertices;
   // The left normal, turned so that it points away from the point.
   SketchPoint normal = SketchPoint{-direction.y, direction.x} * (1 / length);
   if (dot(point - line.first, normal) >= 0) normal = normal * -1.0;
@@ -252,7 +250,11 @@ std::vector<SketchPoint> clipPolygonByLine(const std::vector<SketchPoint>& verti
     const SketchPoint edge = vertex - previous;
     const double determinant = cross(edge, direction);
     if (!(std::fabs(determinant) > kGeometryEpsilon)) return previous;
-    return previous + edge * (cross(line.first - previous, direction) / determinant);
+    const double t = cross(line.first - previous, direction) / determinant;
+    // A coordinate that the line or the edge fixes is taken over without rounding, so that an upright
+    // cut of a rectangle leaves an exact rectangle.
+    return SketchPoint{direction.x == 0 ? line.first.x : previous.x + edge.x * t,
+                       direction.y == 0 ? line.first.y : previous.y + edge.y * t};
   };
   std::vector<SketchPoint> kept;
   for (std::size_t i = 0; i < vertices.size(); ++i) {
@@ -323,7 +325,10 @@ TrimGeometry trimRectangle(const SketchEntity& target, const SketchEntity& cutte
     return rectangleOutcome(rectangle.id, corners);
   }
   const auto segments = cuttingSegments(cutter);
-  if (segments.empty()) return TrimFailure::noIntersection;
+  // A segment of no length has no direction in which to cut.
+  if (segments.empty() || !(distanceBetween(segments.front().first, segments.front().second) > 0)) {
+    return TrimFailure::noIntersection;
+  }
   return rectangleOutcome(rectangle.id, clipPolygonByLine(corners, segments.front(), point));
 }
 

@@ -82,7 +82,8 @@ std::vector<SegmentCircleHit> segmentCircleIntersections(SketchPoint a, SketchPo
 std::pair<double, double> arcContainingPoint(double p, double a, double b);
 
 /// The part of a polygon on the side of an infinite line that does not hold `point` (a point on the
-/// line counts as to the left of its direction).
+/// line counts as to the left of its direction). The line must have a length. (One edge of Sutherland
+/// and Hodgman, "Reentrant polygon clipping", 1974.)
 std::vector<SketchPoint> clipPolygonByLine(const std::vector<SketchPoint>& vertices, const Segment& line,
                                            SketchPoint point);
 

@@ -30,6 +30,9 @@ TEST(Edits, LengthFollowsTheKind) {
   EXPECT_EQ(std::get<LineEntity>(t.sketch.entities->back()).to, (SketchPoint{6, 8}));
   EXPECT_EQ(t.sketch.setSelectedEntityLength(10), EntityEditResult::unchanged);
   EXPECT_EQ(t.sketch.setSelectedEntityLength(0), EntityEditResult::invalidValue);
+  EXPECT_EQ(t.sketch.setSelectedEntityLength(std::numeric_limits<double>::infinity()),
+            EntityEditResult::invalidValue);
+  EXPECT_FALSE(t.sketch.moveSelectedLine(std::numeric_limits<double>::quiet_NaN(), 0));
   t.sketch.addCircle({0, 0}, 1);
   addAndSelect(t.sketch);
   t.sketch.setSelectedEntityLength(6);
@@ -130,6 +133,32 @@ TEST(Edits, DeletingTheSelectedClosesTheInspector) {
   EXPECT_EQ(t.sketch.undoStack().undoSnapshots().size(), steps + 1);
 }
 
+TEST(Edits, TheLengthThatASegmentHasIsNoChange) {
+  const auto seed = std::random_device{}();
+  SCOPED_TRACE(seed);
+  testing::RandomDrawing drawing(seed);
+  for (int i = 0; i < 200; ++i) {
+    const LineEntity line{UUID::random(), drawing.point(), drawing.point()};
+    const double length = distanceBetween(line.from, line.to);
+    if (!(length > 0)) continue;
+    EXPECT_EQ(resizedEntity(line, length), std::optional<SketchEntity>(line));
+  }
+}
+
+TEST(Edits, EntitiesOfOneIdentifierAreDeletedTogether) {
+  TestSketch t;
+  const UUID shared = UUID::random();
+  const UUID other = UUID::random();
+  EntityList list;
+  for (int i = 0; i < 3000; ++i) list.append(LineEntity{i % 3 == 0 ? other : shared, {0, 0}, {1, 1}});
+  t.sketch.restoreSnapshot(list);
+  t.sketch.selectEntities({1});
+  t.sketch.deleteSelection();
+  EXPECT_EQ(t.sketch.entities->size(), 1000u);
+  t.sketch.deleteEntity(other);
+  EXPECT_TRUE(t.sketch.entities->empty());
+}
+
 TEST(LengthEditor, SetsTheSelectedSegment) {
   TestSketch t;
   t.sketch.addLine({0, 0}, {3, 4});
@@ -198,6 +227,15 @@ bool randomEdit(SketchViewModel& sketch, testing::RandomDrawing& drawing) {
   }
 }
 
+// The identifiers of the list that are also in the other, in order.
+std::vector<UUID> survivors(const EntityList& list, const EntityList& other) {
+  std::vector<UUID> ids;
+  for (const SketchEntity& entity : list) {
+    if (other.find(entityID(entity)) != nullptr) ids.push_back(entityID(entity));
+  }
+  return ids;
+}
+
 TEST(Edits, UndoGivesBackTheListAndRefusalsChangeNothing) {
   const auto seed = std::random_device{}();
   SCOPED_TRACE(seed);
@@ -226,6 +264,8 @@ TEST(Edits, UndoGivesBackTheListAndRefusalsChangeNothing) {
       }
       ++applied;
       const EntityList after = t.sketch.entities;
+      EXPECT_EQ(survivors(before.entities, after), survivors(after, before.entities))
+          << "what stays keeps its identifier and its order";
       EXPECT_EQ(t.sketch.undoStack().undoSnapshots().size(), before.undoSteps + 1);
       for (const UUID& id : *t.sketch.selectedEntityIDs) EXPECT_NE(t.sketch.entity(id), nullptr);
       t.sketch.undo();

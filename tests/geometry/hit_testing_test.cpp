@@ -63,7 +63,7 @@ TEST(HitTesting, TheIndexPicksAndSelectsWhatAWalkDoes) {
   const EntityList entities(all);
   EntityIndex index;
   index.update(entities);
-  for (int i = 0; i < 400; ++i) {
+  for (int i = 0; i < 120; ++i) {
     const double scale = std::pow(4.0, drawing.number(-1, 4));
     const SketchPoint point = drawing.point();
     EXPECT_EQ(pickEntityAtPoint(index, point, scale), pickEntityAtPoint(entities, point, scale));

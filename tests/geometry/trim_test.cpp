@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -120,6 +121,39 @@ TEST(Trim, ARectangleIsCutAsAPolygon) {
             rectangle);
 }
 
+TEST(Trim, AnUprightCutLeavesAnExactRectangleWhereverItGoes) {
+  const auto seed = std::random_device{}();
+  SCOPED_TRACE(seed);
+  testing::RandomDrawing drawing(seed);
+  for (int i = 0; i < 500; ++i) {
+    const RectangleEntity rectangle{id(), drawing.point(), {drawing.number(1, 9), drawing.number(1, 9)}};
+    const double x = rectangle.origin.x + rectangle.size.width * drawing.number(0.1, 0.9);
+    const LineEntity cutter{id(), {x, drawing.coordinate()}, {x, drawing.coordinate() + 50}};
+    const auto kept = keptAs<RectangleEntity>(trimRectangle(rectangle, cutter, {x + 1, 0}));
+    EXPECT_EQ(kept.origin, rectangle.origin);
+    EXPECT_EQ(kept.size.width, x - rectangle.origin.x);
+    EXPECT_NEAR(kept.size.height, rectangle.size.height, 1e-9);
+  }
+}
+
+TEST(Trim, ACutThroughACornerLeavesALineOfNoLength) {
+  const RectangleEntity rectangle{id(), {0, 0}, {10, 10}};
+  // What stays is the triangle (0, 0), (5, 10), (0, 10), whose four points have two values of x and of
+  // y, like those of a rectangle.
+  const TrimGeometry cut = trimRectangle(rectangle, LineEntity{id(), {0, 0}, {5, 10}}, {9, 1});
+  const auto& lines = std::get<TrimReplaceMany>(std::get<TrimOutcome>(cut)).entities;
+  ASSERT_EQ(lines.size(), 4u);
+  EXPECT_EQ(std::count_if(lines.begin(), lines.end(),
+                          [](const SketchEntity& entity) {
+                            const auto& line = std::get<LineEntity>(entity);
+                            return line.from == line.to;
+                          }),
+            1);
+  EXPECT_EQ(std::get<TrimFailure>(trimRectangle(rectangle, LineEntity{id(), {5, 5}, {5, 5}}, {9, 1})),
+            TrimFailure::noIntersection)
+      << "a cutter of no length has no direction";
+}
+
 TEST(Extend, OnlyTheEndTowardsTheBoundaryMoves) {
   const auto extended = [](SketchPoint c, SketchPoint d) {
     return extendSegmentToBoundary({0, 0}, {10, 0}, c, d);
@@ -153,6 +187,70 @@ TEST(TrimTool, TakesAnEdgeFirstAndThenTrims) {
   EXPECT_EQ(t.sketch.trimInstruction(), "Click entities to trim");
   EXPECT_EQ(t.sketch.handleTrimClick({1, 0}), "Cutting edge no longer exists.");
   EXPECT_TRUE(t.sketch.selectedEntityIDs->empty());
+}
+
+TEST(TrimTool, WhatTakesThePlaceOfATargetIsSelected) {
+  testing::TestSketch t;
+  t.sketch.addLine({0, 5}, {5, 0});
+  t.sketch.addRectangle({0, 0}, {10, 10});
+  t.sketch.addLine({50, 0}, {60, 0});
+  t.sketch.addLine({5, -10}, {5, 10});
+  t.sketch.addCircle({0, 0}, 5);
+  const UUID behind = entityID(t.sketch.entities.get()[2]);
+  EXPECT_EQ(t.sketch.applyTrim(1, 0, {9, 9}).code, TrimResult::Code::success);
+  ASSERT_EQ(t.sketch.entities->size(), 7u) << "the rectangle gave way to three lines";
+  EXPECT_EQ(entityID(t.sketch.entities.get()[4]), behind);
+  EXPECT_EQ(t.sketch.primarySelectedEntityID, std::optional(entityID(t.sketch.entities.get()[1])));
+  EXPECT_EQ(t.sketch.selectedEntityIDs->size(), 1u);
+
+  // The circle touches the line and is trimmed away.
+  t.sketch.selectEntities({5, 6});
+  t.sketch.selectSingleEntity(entityID(t.sketch.entities.get()[6]));
+  t.sketch.setEntityInspectorVisible(true);
+  EXPECT_EQ(t.sketch.applyTrim(6, 5, {-5, 0}).code, TrimResult::Code::success);
+  EXPECT_EQ(t.sketch.entities->size(), 6u);
+  EXPECT_EQ(*t.sketch.primarySelectedEntityID, std::nullopt);
+  EXPECT_FALSE(t.sketch.isEntityInspectorVisible);
+}
+
+TEST(TrimTool, RandomCutsOfRectanglesKeepCornersOnTheFarSideOnly) {
+  const auto seed = std::random_device{}();
+  SCOPED_TRACE(seed);
+  testing::RandomDrawing drawing(seed);
+  for (int i = 0; i < 2000; ++i) {
+    const RectangleEntity target{id(), drawing.point(), {drawing.number(1, 9), drawing.number(1, 9)}};
+    const LineEntity cutter{id(), drawing.point(), drawing.point()};
+    const SketchPoint point = drawing.point();
+    const SketchPoint direction = cutter.to - cutter.from;
+    const double side = cross(direction, point - cutter.from);
+    if (squaredLength(direction) < 1 || std::fabs(side) < 0.1) continue;
+    const TrimGeometry geometry = trimRectangle(target, cutter, point);
+    std::vector<SketchPoint> kept;
+    std::visit(Overloaded{
+                   [&](const TrimReplace& outcome) {
+                     const auto& rest = std::get<RectangleEntity>(outcome.entity);
+                     kept = rectangleCorners(rest.origin, rest.size);
+                   },
+                   [&](const TrimReplaceMany& outcome) {
+                     for (const SketchEntity& line : outcome.entities) {
+                       kept.push_back(std::get<LineEntity>(line).from);
+                     }
+                   },
+                   [](const TrimDelete&) {},
+               },
+               std::get<TrimOutcome>(geometry));
+    for (const SketchPoint& corner : kept) {
+      EXPECT_LE(distanceToRectangle(corner, target.origin, target.size), 1e-6) << "nothing moves";
+      EXPECT_LE(cross(direction, corner - cutter.from) * side, 1e-3) << "nothing stays beside the point";
+    }
+    for (const SketchPoint& corner : rectangleCorners(target.origin, target.size)) {
+      if (cross(direction, corner - cutter.from) * side > -1e-3) continue;
+      if (kept.empty()) continue;
+      EXPECT_TRUE(std::any_of(kept.begin(), kept.end(), [&](SketchPoint other) {
+        return distanceBetween(other, corner) < 1e-9;
+      })) << "a corner of the far side stays";
+    }
+  }
 }
 
 TEST(TrimTool, RandomTrimsNeverMoveTheSideTheyKeep) {
