@@ -323,6 +323,100 @@ TEST_F(CanvasRenderer, PulsesWhilePointIsAboutToLockAndMarksTheLock) {
   EXPECT_EQ(calls[2].stroke.width, 2.0);
 }
 
+// --- Highlights and the selection
+
+TEST_F(CanvasRenderer, HighlightsTheHoveredEntityUnlessItIsSelected) {
+  sketch.addLine({0, 0}, {10, 0});
+  sketch.hoverMoved(SketchPoint{220, 150});
+  auto calls = paint(CanvasLayer::hover);
+  ASSERT_EQ(calls.size(), 1u);
+  EXPECT_EQ(calls[0].pieces[0], (Points{{200, 150}, {240, 150}}));
+  EXPECT_EQ(calls[0].stroke, (Stroke{.color = colors().active, .width = 1.75, .dash = {5, 4}}));
+  EXPECT_TRUE(paint(CanvasLayer::trim).empty()) << "that layer is the trim tool's";
+  sketch.selectSingleEntity(lastID());
+  EXPECT_TRUE(paint(CanvasLayer::hover).empty());
+}
+
+TEST_F(CanvasRenderer, HighlightsTheCuttingEdgeThenTheTrimTarget) {
+  sketch.addLine({0, -10}, {0, 10});
+  sketch.addLine({-20, 0}, {20, 0});
+  sketch.activateTool(SketchTool::trim);
+  sketch.handleTrimClick({0, 8});
+  sketch.hoverMoved(SketchPoint{260, 150});
+  const auto calls = paint(CanvasLayer::trim);
+  ASSERT_EQ(calls.size(), 2u);
+  EXPECT_EQ(calls[0].stroke.width, 2.25);
+  EXPECT_FALSE(calls[0].stroke.isDashed());
+  EXPECT_EQ(calls[0].pieces[0][0], (SketchPoint{200, 190}));
+  EXPECT_EQ(calls[1].stroke.width, 1.75);
+  EXPECT_EQ(calls[1].stroke.dash, (LineDash{5, 4}));
+  EXPECT_TRUE(paint(CanvasLayer::hover).empty());
+}
+
+TEST_F(CanvasRenderer, PaintsASelectionInThreePassesAndHandlesForOne) {
+  const Stroke glow{
+      .color = colors().active, .opacity = 0.24, .width = 7, .cap = LineCap::round, .join = LineJoin::round};
+  sketch.addRectangle({0, 0}, {10, 5});
+  sketch.selectSingleEntity(lastID());
+  auto calls = paint(CanvasLayer::selection);
+  ASSERT_EQ(calls.size(), 3u + 2 * 4);
+  EXPECT_EQ(calls[0].fill, (Fill{colors().active, 0.14}));
+  EXPECT_EQ(calls[1].stroke, glow);
+  EXPECT_EQ(calls[2].stroke.opacity, 1);
+  EXPECT_EQ(calls[2].stroke.width, 2.75);
+  EXPECT_EQ(calls[3].ellipse, (CanvasEllipse{{200, 150}, 6}));
+  EXPECT_EQ(calls[3].fill, Fill{colors().active});
+  EXPECT_EQ(calls[4].stroke, (Stroke{.color = colors().card, .width = 2}));
+
+  sketch.addLine({0, 0}, {5, 5});
+  sketch.selectSingleEntity(lastID());
+  calls = paint(CanvasLayer::selection);
+  ASSERT_EQ(calls.size(), 2u + 2 * 2) << "a line has nothing to fill";
+  EXPECT_EQ(calls[0].stroke, glow);
+
+  sketch.selectAll();
+  EXPECT_EQ(paint(CanvasLayer::selection).size(), 3u + 2) << "several have no handles";
+}
+
+TEST_F(CanvasRenderer, PaintsTheTwoMarqueesApart) {
+  sketch.beginMarquee({100, 100}, {180, 160});
+  auto calls = paint(CanvasLayer::marquee);
+  ASSERT_EQ(calls.size(), 2u);
+  EXPECT_EQ(calls[0].fill, (Fill{colors().foreground, 0.04}));
+  EXPECT_EQ(calls[1].stroke,
+            (Stroke{.color = colors().foreground, .opacity = 0.9, .width = 1.25, .dash = {4, 3}}));
+  EXPECT_EQ(calls[1].pieces[0][0], (SketchPoint{100, 160}));
+  EXPECT_EQ(calls[1].pieces[0][2], (SketchPoint{180, 100}));
+  sketch.updateMarquee({20, 160});
+  calls = paint(CanvasLayer::marquee);
+  EXPECT_EQ(calls[0].fill, (Fill{colors().active, 0.08}));
+  EXPECT_EQ(calls[1].stroke.color, colors().active);
+}
+
+TEST_F(CanvasRenderer, PaintsItsLayersInOrderInOnePass) {
+  sketch.addLine({0, 0}, {10, 0});
+  sketch.selectSingleEntity(lastID());
+  sketch.publishSnap(
+      {.point = {5, 0}, .axes = {AxisSnap::horizontal}, .gridSnap = GridSnapTarget{{5, 0}, {}, false}},
+      SketchPoint{0, 0});
+  RecordingPainter all;
+  paintCanvas(all, sketch, frame());
+  RecordingPainter layers;
+  paintBackground(layers, frame());
+  for (const CanvasLayer layer : {CanvasLayer::grid, CanvasLayer::snapGuides, CanvasLayer::entities,
+                                  CanvasLayer::selection, CanvasLayer::segmentLabel, CanvasLayer::markers}) {
+    const std::size_t before = layers.calls.size();
+    paintLayer(layers, layer, sketch, frame());
+    EXPECT_GT(layers.calls.size(), before);
+  }
+  ASSERT_EQ(all.calls.size(), layers.calls.size());
+  for (std::size_t i = 0; i < all.calls.size(); ++i) {
+    EXPECT_EQ(all.calls[i].kind, layers.calls[i].kind) << i;
+    EXPECT_EQ(all.calls[i].stroke, layers.calls[i].stroke) << i;
+    EXPECT_EQ(all.calls[i].fill, layers.calls[i].fill) << i;
+  }
+}
+
 // --- The segment label
 
 TEST_F(CanvasRenderer, LabelsTheSegmentBeingDrawn) {

@@ -1,0 +1,312 @@
+#include "shell/canvas_widget.h"
+
+#include <gtest/gtest.h>
+
+#include <QNativeGestureEvent>
+#include <QPointingDevice>
+#include <QSignalSpy>
+#include <QTest>
+#include <QWheelEvent>
+
+#include "interaction/canvas_renderer.h"
+#include "shell/golden_picture.h"
+#include "shell/pixel_canvas_painter.h"
+#include "support/test_sketch.h"
+
+namespace ostrelon {
+namespace {
+
+using testing::looksAlike;
+using testing::looksLikeGolden;
+
+/// A canvas of 640 by 440 in a window that is shown on no display; the origin is at (320, 220), at 4
+/// view points a unit. Beside it gestures over a second sketch, fed by hand, to compare with.
+class CanvasWidgetTest : public ::testing::Test, protected testing::TestSketch {
+ protected:
+  CanvasWidgetTest() : canvas(sketch) {
+    canvas.resize(640, 440);
+    canvas.show();
+    (void)QTest::qWaitForWindowExposed(&canvas);
+    plain.sketch.updateCanvasSize({640, 440});
+    for (SketchViewModel* each : {&sketch, &plain.sketch}) {
+      each->setShowGrid(false);
+      each->addLine({-40, 0}, {40, 0});
+      each->addRectangle({-20, 10}, {20, 20});
+    }
+  }
+
+  void press(QPointF at, Qt::KeyboardModifiers modifiers = {}) {
+    QTest::mousePress(&canvas, Qt::LeftButton, modifiers, at.toPoint());
+  }
+  void release(QPointF at, Qt::KeyboardModifiers modifiers = {}) {
+    QTest::mouseRelease(&canvas, Qt::LeftButton, modifiers, at.toPoint());
+  }
+  /// The pointer moves with these buttons held. Fractions of a view point pass, as on a real desktop.
+  void move(QPointF at, Qt::MouseButtons buttons) {
+    QMouseEvent event(QEvent::MouseMove, at, canvas.mapToGlobal(at), Qt::NoButton, buttons, {});
+    QApplication::sendEvent(&canvas, &event);
+  }
+  void pinch(QPointF at, double magnification) {
+    QNativeGestureEvent event(Qt::ZoomNativeGesture, QPointingDevice::primaryPointingDevice(), 2, at, at,
+                              canvas.mapToGlobal(at), magnification, {});
+    QApplication::sendEvent(&canvas, &event);
+  }
+  void wheel(QPointF at, QPoint angle, Qt::KeyboardModifiers modifiers = {}, QPoint pixels = {}) {
+    QWheelEvent event(at, canvas.mapToGlobal(at), pixels, angle, {}, modifiers, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&canvas, &event);
+  }
+  const SketchEntity& line() const { return sketch.entities->front(); }
+  bool isSelected(const SketchEntity& entity) const {
+    return sketch.selectedEntityIDs->contains(entityID(entity));
+  }
+  QImage shown() {
+    canvas.finishPainting();
+    return canvas.grab().toImage();
+  }
+
+  CanvasWidget canvas;
+  testing::TestSketch plain;
+  CanvasGestures gestures{plain.sketch};
+};
+
+/// Entities without their identifiers.
+std::vector<SketchEntity> shapesOf(const SketchViewModel& sketch) {
+  std::vector<SketchEntity> shapes;
+  for (const SketchEntity& entity : *sketch.entities) shapes.push_back(withEntityID(entity, UUID{}));
+  return shapes;
+}
+
+TEST_F(CanvasWidgetTest, ReportsItsSize) {
+  EXPECT_EQ(*sketch.canvasSize, (SketchSize{640, 440}));
+  QSignalSpy resized(&canvas, &CanvasWidget::resized);
+  canvas.resize(500, 300);
+  EXPECT_EQ(*sketch.canvasSize, (SketchSize{500, 300}));
+  EXPECT_EQ(resized.count(), 1);
+}
+
+TEST_F(CanvasWidgetTest, AClickSelectsAndShiftAddsToTheSelection) {
+  press({320, 221});
+  release({320, 221});
+  EXPECT_TRUE(isSelected(line()));
+  press({280, 180}, Qt::ShiftModifier);
+  release({280, 180}, Qt::ShiftModifier);
+  EXPECT_EQ(sketch.selectedEntityIDs->size(), 2u);
+  press({600, 400});
+  release({600, 400});
+  EXPECT_TRUE(sketch.selectedEntityIDs->empty());
+}
+
+TEST_F(CanvasWidgetTest, AMovementShortOfTheThresholdIsAClickAndOneAtItADrag) {
+  press({320, 221});
+  move({327.9, 221}, Qt::LeftButton);
+  EXPECT_FALSE(sketch.selectDrag->has_value());
+  move({328, 221}, Qt::LeftButton);
+  ASSERT_TRUE(sketch.selectDrag->has_value()) << "eight view points are a drag";
+  move({320, 261}, Qt::LeftButton);
+  release({320, 261});
+  EXPECT_FALSE(sketch.selectDrag->has_value());
+
+  gestures.press({320, 221});
+  gestures.drag({327.9, 221});
+  gestures.drag({328, 221});
+  gestures.drag({320, 261});
+  gestures.release({320, 261});
+  EXPECT_EQ(shapesOf(sketch), shapesOf(plain.sketch));
+  EXPECT_NE(std::get<LineEntity>(line()).from.y, 0) << "the line has moved";
+}
+
+TEST_F(CanvasWidgetTest, DrawsWhatTheGesturesDraw) {
+  for (const SketchTool tool :
+       {SketchTool::line, SketchTool::wall, SketchTool::circle, SketchTool::rectangle}) {
+    sketch.activateTool(tool);
+    press({100, 100});
+    move({140.5, 120.25}, Qt::LeftButton);
+    move({180.5, 141.75}, Qt::LeftButton);
+    release({181, 142});
+
+    plain.sketch.activateTool(tool);
+    gestures.press({100, 100});
+    gestures.drag({140.5, 120.25});
+    gestures.drag({180.5, 141.75});
+    gestures.release({181, 142});
+  }
+  EXPECT_EQ(sketch.entities->size(), 6u);
+  auto shapes = shapesOf(plain.sketch);
+  // The two sketches have the same built-in wall systems, so walls compare too.
+  EXPECT_EQ(shapesOf(sketch), shapes);
+}
+
+TEST_F(CanvasWidgetTest, ADoubleClickClosesAPolygonBehindItsOwnVertices) {
+  sketch.activateTool(SketchTool::polygon);
+  for (const QPointF at : {QPointF(100, 100), QPointF(200, 100)}) {
+    press(at);
+    release(at);
+  }
+  // As a desktop sends it: press, release, double click, release.
+  press({200, 200});
+  release({200, 200});
+  EXPECT_TRUE(sketch.polygonDraft->has_value());
+  QMouseEvent second(QEvent::MouseButtonDblClick, QPointF(200, 200), canvas.mapToGlobal(QPointF(200, 200)),
+                     Qt::LeftButton, Qt::LeftButton, {});
+  QApplication::sendEvent(&canvas, &second);
+  EXPECT_TRUE(sketch.polygonDraft->has_value()) << "it is told with the second release";
+  release({200, 200});
+  EXPECT_FALSE(sketch.polygonDraft->has_value());
+  ASSERT_EQ(sketch.entities->size(), 3u);
+  EXPECT_GE(std::get<PolygonEntity>(sketch.entities->back()).vertices.size(), 3u);
+}
+
+TEST_F(CanvasWidgetTest, FollowsThePointerAndForgetsItWhenItLeaves) {
+  move({320, 222}, Qt::NoButton);
+  EXPECT_EQ(*sketch.hoveredEntityID, entityID(line()));
+  EXPECT_EQ(*sketch.cursorSketchPoint, (SketchPoint{0, -0.5}));
+  QEvent leave(QEvent::Leave);
+  QApplication::sendEvent(&canvas, &leave);
+  EXPECT_FALSE(sketch.hoveredEntityID->has_value());
+  EXPECT_FALSE(sketch.cursorSketchPoint->has_value());
+}
+
+TEST_F(CanvasWidgetTest, TheWheelScrollsAndZoomsWithCtrl) {
+  const SketchPoint pan = sketch.viewport->pan;
+  wheel({100, 100}, {0, -120}, {}, {3, -7});
+  EXPECT_EQ(sketch.viewport->pan, (pan + SketchPoint{3, -7}))
+      << "what the device tells in pixels is taken as it is";
+  wheel({100, 100}, {0, 120});
+  EXPECT_GT(sketch.viewport->pan.y, pan.y);
+  const SketchPoint before = sketch.viewport->pan;
+  wheel({100, 100}, {0, 120}, Qt::ShiftModifier);
+  EXPECT_EQ(sketch.viewport->pan.y, before.y);
+  EXPECT_GT(sketch.viewport->pan.x, before.x);
+
+  const SketchPoint under = viewPointToSketch({100, 100}, sketch.viewport);
+  wheel({100, 100}, {0, 120}, Qt::ControlModifier);
+  EXPECT_DOUBLE_EQ(sketch.viewport->scale, 5);
+  wheel({100, 100}, {0, -240}, Qt::ControlModifier);
+  EXPECT_NEAR(sketch.viewport->scale, 3.2, 1e-12);
+  const SketchPoint stillUnder = viewPointToSketch({100, 100}, sketch.viewport);
+  EXPECT_NEAR(stillUnder.x, under.x, 1e-9);
+  EXPECT_NEAR(stillUnder.y, under.y, 1e-9);
+}
+
+TEST_F(CanvasWidgetTest, APinchZoomsAboutThePointer) {
+  const SketchPoint under = viewPointToSketch({200, 150}, sketch.viewport);
+  pinch({200, 150}, 0.5);
+  EXPECT_DOUBLE_EQ(sketch.viewport->scale, 6);
+  EXPECT_NEAR(viewPointToSketch({200, 150}, sketch.viewport).x, under.x, 1e-9);
+  pinch({200, 150}, -1);
+  EXPECT_DOUBLE_EQ(sketch.viewport->scale, 6);
+}
+
+TEST_F(CanvasWidgetTest, TheMiddleButtonDragsTheView) {
+  const SketchPoint pan = sketch.viewport->pan;
+  QTest::mousePress(&canvas, Qt::MiddleButton, {}, QPoint(100, 100));
+  move({130, 90}, Qt::MiddleButton);
+  QTest::mouseRelease(&canvas, Qt::MiddleButton, {}, QPoint(130, 90));
+  move({200, 200}, Qt::NoButton);
+  EXPECT_EQ(sketch.viewport->pan, (pan + SketchPoint{30, -10}));
+  EXPECT_TRUE(sketch.selectedEntityIDs->empty());
+}
+
+TEST_F(CanvasWidgetTest, ASecondaryClickSelectsAndAsksForTheMenu) {
+  int menus = 0;
+  QObject::connect(&canvas, &CanvasWidget::contextMenuRequested, &canvas,
+                   [&menus](const ContextMenu&, const QPoint&) { ++menus; });
+  QContextMenuEvent onLine(QContextMenuEvent::Mouse, QPoint(320, 220), canvas.mapToGlobal(QPoint(320, 220)));
+  QApplication::sendEvent(&canvas, &onLine);
+  EXPECT_EQ(menus, 1);
+  EXPECT_TRUE(isSelected(line()));
+  QContextMenuEvent onNothing(QContextMenuEvent::Mouse, QPoint(600, 400),
+                              canvas.mapToGlobal(QPoint(600, 400)));
+  QApplication::sendEvent(&canvas, &onNothing);
+  EXPECT_EQ(menus, 1);
+  EXPECT_TRUE(sketch.selectedEntityIDs->empty());
+}
+
+// --- What it shows
+
+/// The same state, painted anew in one pass.
+QImage paintedAnew(const SketchViewModel& sketch, QSize size) {
+  QImage image(size, QImage::Format_RGB32);
+  PixelCanvasPainter painter(image, 1);
+  CanvasFrame frame{{*sketch.viewport, *sketch.canvasSize}, lightPalette()};
+  frame.gridPixelRatio = 1;
+  paintCanvas(painter, sketch, frame);
+  return image;
+}
+
+TEST_F(CanvasWidgetTest, ItsKeptPicturesFollowEveryKindOfChange) {
+  const auto isUpToDate = [this](const std::string& after) {
+    return looksAlike(shown(), paintedAnew(sketch, canvas.size()), "canvas-after-" + after);
+  };
+  sketch.setShowGrid(true);
+  EXPECT_TRUE(isUpToDate("start"));
+  sketch.addWall(std::nullopt, {-60, -30}, {50, -40});
+  EXPECT_TRUE(isUpToDate("adding"));
+  sketch.panViewport(37, -21);
+  EXPECT_TRUE(isUpToDate("a-pan"));
+  sketch.panViewport(-12.5, 8.25);
+  EXPECT_TRUE(isUpToDate("a-pan-by-fractions"));
+  sketch.panViewport(-1000, 0);
+  sketch.panViewport(990, 0);
+  EXPECT_TRUE(isUpToDate("leaving-and-returning"));
+  sketch.zoomViewport(1.25, {100, 100});
+  EXPECT_TRUE(isUpToDate("a-zoom"));
+  sketch.nudgeSelectedEntity(3, 12);
+  EXPECT_TRUE(isUpToDate("a-move"));
+  WallSystemSpec thick = sketch.wallSystemSpecs->front();
+  thick.thickness = 12;
+  sketch.updateWallSystemSpec(thick);
+  EXPECT_TRUE(isUpToDate("a-thicker-system"));
+  sketch.undo();
+  EXPECT_TRUE(isUpToDate("undo"));
+  canvas.resize(500, 380);
+  EXPECT_TRUE(isUpToDate("a-resize"));
+  for (int i = 0; i < 40; ++i) sketch.addCircle({-60.0 + 3 * i, -20}, 4);
+  sketch.selectAll();
+  EXPECT_TRUE(isUpToDate("selecting-many"));
+}
+
+TEST_F(CanvasWidgetTest, ShowsWhatIsDraggedWhereItIs) {
+  const auto isUpToDate = [this](const std::string& after) {
+    return looksAlike(shown(), paintedAnew(sketch, canvas.size()), "canvas-while-" + after);
+  };
+  press({320, 220});
+  move({340, 250}, Qt::LeftButton);
+  move({350, 260}, Qt::LeftButton);
+  EXPECT_TRUE(isUpToDate("dragging-one"));
+  release({350, 260});
+  EXPECT_TRUE(isUpToDate("having-dragged-one"));
+  for (int i = 0; i < 40; ++i) sketch.addCircle({-60.0 + 3 * i, -20}, 4);
+  sketch.selectAll();
+  press({80, 284});
+  move({110, 300}, Qt::LeftButton);
+  move({120, 310}, Qt::LeftButton);
+  ASSERT_TRUE(sketch.selectDrag->has_value());
+  EXPECT_TRUE(isUpToDate("dragging-many"));
+  release({120, 310});
+  EXPECT_TRUE(isUpToDate("having-dragged-many"));
+}
+
+TEST_F(CanvasWidgetTest, ShowsSelectionHandlesAndHover) {
+  sketch.setShowGrid(true);
+  sketch.addPolygon({{20, 10}, {32, 4}, {32, -6}, {20, -12}, {10, -2}});
+  sketch.addWall(std::nullopt, {-60, -30}, {50, -40});
+  move({280, 180}, Qt::NoButton);
+  EXPECT_TRUE(looksLikeGolden(shown(), "selected-wall-light"));
+  canvas.setThemePalette(darkPalette());
+  sketch.selectSingleEntity(entityID((*sketch.entities)[2]));
+  EXPECT_TRUE(looksLikeGolden(shown(), "selected-polygon-dark"));
+}
+
+TEST_F(CanvasWidgetTest, ShowsBothKindsOfMarquee) {
+  press({420, 60});
+  move({480, 200}, Qt::LeftButton);
+  EXPECT_TRUE(looksLikeGolden(shown(), "marquee-window-light"));
+  move({230, 300}, Qt::LeftButton);
+  EXPECT_TRUE(looksLikeGolden(shown(), "marquee-crossing-light"));
+  release({230, 300});
+  EXPECT_EQ(sketch.selectedEntityIDs->size(), 2u);
+}
+
+}  // namespace
+}  // namespace ostrelon
