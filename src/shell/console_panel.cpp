@@ -308,6 +308,14 @@ bool ConsoleView::eventFilter(QObject* object, QEvent* event) {
   if (object == input_) {
     if (event->type() == QEvent::FocusIn) sketch_.setConsoleInputFocused(true);
     if (event->type() == QEvent::FocusOut) sketch_.setConsoleInputFocused(false);
+    // Undo and redo belong to the drawing while nothing is being typed.
+    if (event->type() == QEvent::ShortcutOverride && input_->text().isEmpty()) {
+      const auto* key = static_cast<QKeyEvent*>(event);
+      if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo)) {
+        event->ignore();
+        return true;
+      }
+    }
     if (event->type() == QEvent::KeyPress && handleInputKey(*static_cast<QKeyEvent*>(event))) return true;
   }
   return Panel::eventFilter(object, event);
@@ -357,6 +365,7 @@ void ConsoleView::run() {
   recall_.record(*sketch_.commandInput);
   sketch_.submitCommandInput();
   refresh();
+  transcript_->followEnd();
 }
 
 void ConsoleView::refresh() {

@@ -1,5 +1,6 @@
 #include "shell/main_window.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
@@ -12,6 +13,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "shell/dialog_sheet.h"
+#include "shell/key_events.h"
 #include "shell/qt_text.h"
 
 namespace ostrelon {
@@ -201,7 +204,17 @@ bool MainWindow::routeKey(QKeyEvent& event, QWidget* receiver) {
   if (QApplication::activePopupWidget() != nullptr || QApplication::activeModalWidget() != nullptr)
     return false;
   if (focus != nullptr ? receiver != focus : receiver != this) return false;
-  return !isTextControl(focus) && typeIntoConsole(event);
+  if (DialogSheet::inFrontOf(*this) != nullptr) return false;
+
+  KeyEvent key = keyEventOf(event);
+  key.documentWindow = receiver->window() == this;
+  key.textFocus = isTextControl(focus);
+  key.consoleFocus = focus == console_->input();
+  // In the smaller windows Space presses the button that has the focus.
+  if (!key.documentWindow && key.key == KeyName::space && qobject_cast<QAbstractButton*>(focus) != nullptr)
+    return false;
+  if (handleKey(key, application_.sketch()) == KeyOutcome::consumed) return true;
+  return key.documentWindow && typeIntoConsole(event);
 }
 
 // Words typed with no field focused go to the console.
