@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "shell/context_menu_popup.h"
 #include "shell/dialog_sheet.h"
 #include "shell/key_events.h"
 #include "shell/qt_text.h"
@@ -69,6 +70,10 @@ MainWindow::MainWindow(Application& application, Theme& theme, QWidget* parent)
   canvas_->setThemePalette(theme.palette());
   connect(&theme, &Theme::changed, this, [this] { canvas_->setThemePalette(theme_.palette()); });
   connect(canvas_, &CanvasWidget::resized, overlay_, &CanvasOverlay::place);
+  connect(canvas_, &CanvasWidget::contextMenuRequested, this,
+          [this](const ContextMenu& menu, const QPoint& position) {
+            popUpContextMenu(*this, menu, application_.sketch(), position);
+          });
   connect(console_, &ConsoleView::panelHeightChanged, this, [this] { place(); });
   connect(navigation_, &LeftNavView::unfoldRequested, this, [this] { unfold(navigation_); });
   connect(wallSystems_, &WallSystemPanelView::unfoldRequested, this, [this] { unfold(wallSystems_); });

@@ -1,0 +1,211 @@
+// The top bar, the wall systems and the inspector.
+#include <QLabel>
+#include <QSignalSpy>
+
+#include "shell/inspector_window.h"
+#include "shell/rows_view.h"
+#include "shell/top_bar.h"
+#include "shell/wall_system_panel.h"
+#include "window_fixture.h"
+
+namespace ostrelon {
+namespace {
+
+// --- The top bar
+
+struct TopBarTest : testing::WindowFixture {
+  TopMenuBarView bar{application, theme};
+  void SetUp() override {
+    bar.resize(980, TopMenuBarView::kHeight);
+    present(bar);
+  }
+  QAction* menuAction(const char* title) {
+    for (QAction* action : bar.menuBar().findChildren<QAction*>()) {
+      if (action->text() == title) return action;
+    }
+    ADD_FAILURE() << "no menu row " << title;
+    return nullptr;
+  }
+};
+
+TEST_F(TopBarTest, tellsTheDocumentItsMarkAndItsBranch) {
+  auto* title = find<DocumentTitle>(bar, "topMenuBar.document");
+  EXPECT_EQ(title->accessibleName(), "Untitled Project, branch main");
+  run("line 0 0 1 1");
+  EXPECT_EQ(title->accessibleName(), "Untitled Project, edited, branch main");
+}
+
+TEST_F(TopBarTest, theButtonsAndTheSwitchRunTheirCommands) {
+  run("line 0 0 1 1");
+  press(bar, "topMenuBar.clear");
+  EXPECT_TRUE(sketch.entities->empty());
+  sketch.undo();
+  EXPECT_EQ(sketch.entities->size(), 1U) << "one undo step";
+  press(bar, "topMenuBar.grid");
+  EXPECT_FALSE(*sketch.showGrid);
+  sketch.setShowGrid(true);
+  settle();
+  EXPECT_TRUE(find(bar, "topMenuBar.grid")->isChecked());
+}
+
+TEST_F(TopBarTest, menuRowsAreEnabledWhereThereIsSomethingToDo) {
+  EXPECT_FALSE(menuAction("Undo")->isEnabled());
+  EXPECT_FALSE(menuAction("Inspect")->isEnabled());
+  EXPECT_EQ(menuAction("Undo")->shortcut().toString(QKeySequence::PortableText), "Ctrl+Z");
+  EXPECT_EQ(menuAction("Redo")->shortcut().toString(QKeySequence::PortableText), "Ctrl+Shift+Z");
+  EXPECT_EQ(menuAction("Zoom In")->shortcut().toString(QKeySequence::PortableText), "Ctrl++");
+  run("wall 0 0 1 1");
+  EXPECT_TRUE(menuAction("Undo")->isEnabled());
+  EXPECT_TRUE(menuAction("Duplicate")->isEnabled());
+  menuAction("Undo")->trigger();
+  settle();
+  EXPECT_TRUE(sketch.entities->empty());
+  EXPECT_FALSE(menuAction("Undo")->isEnabled());
+  EXPECT_TRUE(menuAction("Redo")->isEnabled());
+}
+
+// --- The wall systems
+
+struct WallSystemPanelTest : testing::WindowFixture {
+  WallSystemPanelView panel{sketch, theme};
+  void SetUp() override {
+    panel.resize(WallSystemPanelView::kWidth, 700);
+    present(panel);
+  }
+  void enter(const char* identifier, const char* text) {
+    auto* field = find<QLineEdit>(panel, identifier);
+    field->setFocus();
+    field->selectAll();
+    type(*field, text);
+    QTest::keyClick(field, Qt::Key_Return);
+    settle();
+  }
+  QString text(const char* identifier) { return find<QLineEdit>(panel, identifier)->text(); }
+};
+
+TEST_F(WallSystemPanelTest, aFieldCommitsWithReturnAndDropsWhatIsNoNumber) {
+  EXPECT_EQ(text("wallSystems.thickness"), "4.5");
+  enter("wallSystems.thickness", "5.25");
+  EXPECT_EQ(sketch.wallSystemSpecs.get()[0].thickness, 5.25);
+  EXPECT_TRUE(*sketch.isDocumentDirty);
+  const std::size_t lines = sketch.consoleLines->size();
+  for (const char* bad : {"-1", "abc", "0"}) {
+    enter("wallSystems.thickness", bad);
+    EXPECT_EQ(text("wallSystems.thickness"), "5.25") << bad;
+  }
+  EXPECT_EQ(sketch.consoleLines->size(), lines);
+  enter("wallSystems.assembly", "straw");
+  EXPECT_EQ(sketch.wallSystemSpecs.get()[0].assemblyNotes, "straw");
+}
+
+TEST_F(WallSystemPanelTest, aFieldLeftWithoutReturnShowsAgainWhatHolds) {
+  auto* field = find<QLineEdit>(panel, "wallSystems.height");
+  field->setFocus();
+  field->selectAll();
+  type(*field, "120");
+  find<QLineEdit>(panel, "wallSystems.assembly")->setFocus();
+  EXPECT_EQ(field->text(), "96");
+  EXPECT_EQ(sketch.wallSystemSpecs.get()[0].height, 96);
+}
+
+TEST_F(WallSystemPanelTest, theFieldsShowTheSelectedWallsSystem) {
+  auto* title = find<QLabel>(panel, "wallSystems.contextTitle");
+  EXPECT_EQ(title->text(), "ACTIVE SYSTEM · W2-INT");
+  EXPECT_FALSE(find(panel, "wallSystems.assign")->isEnabled());
+  run("wall 0 0 10 0 CMU-8");
+  EXPECT_EQ(title->text(), "SELECTED WALL · CMU-8");
+  EXPECT_EQ(text("wallSystems.thickness"), "8");
+  press(panel, "wallSystems.assign");
+  EXPECT_EQ(lastLine(), "Wall assigned to CMU-8.");
+
+  auto* list = find<QAbstractItemView>(panel, "wallSystems.list");
+  QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                    list->visualRect(list->model()->index(1, 0)).center());
+  settle();
+  EXPECT_EQ(std::get<WallEntity>(sketch.entities->back()).systemSpecID, sketch.wallSystemSpecs.get()[1].id);
+  EXPECT_EQ(title->text(), "SELECTED WALL · W2-EXT");
+  EXPECT_EQ(list->model()->index(1, 0).data(Qt::AccessibleTextRole).toString(),
+            "W2-EXT, 6.5 thick · 96 high, used by the selected wall");
+}
+
+// --- The inspector
+
+struct InspectorWindowTest : testing::WindowFixture {
+  QWidget main;
+  InspectorWindow window{sketch, theme, &main};
+  void SetUp() override { present(main); }
+};
+
+TEST_F(InspectorWindowTest, comesAndGoesWithItsFlag) {
+  EXPECT_EQ(window.windowTitle(), "Entity Inspector");
+  EXPECT_EQ(window.objectName(), "entity-inspector");
+  run("wall 0 0 10 0");
+  sketch.showEntityInspector();
+  settle();
+  EXPECT_TRUE(window.isVisible());
+  window.close();
+  EXPECT_FALSE(*sketch.isEntityInspectorVisible) << "closed by the user";
+  sketch.showEntityInspector();
+  settle();
+  sketch.clearSelection();
+  settle();
+  EXPECT_FALSE(window.isVisible());
+}
+
+TEST_F(InspectorWindowTest, showsOneEntityAndEditsIt) {
+  run("wall 0 0 10 0");
+  sketch.showEntityInspector();
+  settle();
+  EXPECT_EQ(find<QLabel>(window, "inspector.metric.Length")->text(), "10'");
+  auto* length = find<QLineEdit>(window, "inspector.length");
+  EXPECT_EQ(length->text(), "10'");
+  length->setText("12'6");
+  press(window, "inspector.applyLength");
+  EXPECT_EQ(lastLine(), "Length set to 12.5.");
+  EXPECT_EQ(length->text(), "12'6\"");
+  EXPECT_EQ(find<QLabel>(window, "inspector.metric.Length")->text(), "12'6\"");
+
+  press(window, "inspector.nudge");
+  EXPECT_EQ(lastLine(), "Enter numeric nudge values.");
+  find<QLineEdit>(window, "inspector.nudgeX")->setText("2");
+  find<QLineEdit>(window, "inspector.nudgeY")->setText("-1");
+  press(window, "inspector.nudge");
+  EXPECT_EQ(lastLine(), "Selection nudged by (2, -1).");
+
+  auto* picker = find<QComboBox>(window, "inspector.wallSystem");
+  ASSERT_EQ(picker->count(), 3);
+  Q_EMIT picker->activated(2);
+  settle();
+  EXPECT_EQ(lastLine(), "Wall system set to CMU-8.");
+  EXPECT_EQ(picker->currentText(), "CMU-8");
+
+  auto* convert = find<QPushButton>(window, "inspector.convert");
+  EXPECT_EQ(convert->text(), "Convert to Line");
+  press(window, "inspector.convert");
+  EXPECT_EQ(convert->text(), "Convert to Wall (W2-INT)");
+  press(window, "inspector.logDetails");
+  EXPECT_TRUE(lastLine().starts_with("line from (2.0, -1.0)")) << lastLine();
+  press(window, "inspector.duplicate");
+  EXPECT_EQ(sketch.entities->size(), 2U);
+  EXPECT_EQ(*sketch.primarySelectedEntityID, entityID(sketch.entities->back()));
+  press(window, "inspector.delete");
+  EXPECT_EQ(sketch.entities->size(), 1U);
+  EXPECT_FALSE(window.isVisible());
+}
+
+TEST_F(InspectorWindowTest, severalSelectedAreEditedTogether) {
+  run("wall 0 0 10 0");
+  run("circle 0 0 4");
+  sketch.selectAll();
+  sketch.showEntityInspector();
+  settle();
+  EXPECT_EQ(find<QLabel>(window, "inspector.selectionHeading")->text(), "2 selected · 1 wall, 1 circle");
+  press(window, "inspector.duplicateAll");
+  EXPECT_EQ(sketch.entities->size(), 4U);
+  press(window, "inspector.deleteAll");
+  EXPECT_EQ(sketch.entities->size(), 2U);
+  EXPECT_FALSE(window.isVisible());
+}
+
+}  // namespace
+}  // namespace ostrelon
