@@ -1,8 +1,15 @@
 #include "app/application.h"
 
+#include "documents/document_store.h"
 #include "platform/dialogs.h"
 
 namespace ostrelon {
+namespace {
+
+/// The folder from which a document was opened last.
+constexpr const char* kLastFolder = "ostrel.lastFolder";
+
+}  // namespace
 
 Application::Application(ApplicationServices services, ApplicationOptions options)
     : host_(services.host),
@@ -11,7 +18,10 @@ Application::Application(ApplicationServices services, ApplicationOptions option
       settings_(services.defaults, services.host.files, std::move(options.documentsFolder),
                 options.isUITesting),
       updates_(services.host.scheduler, settings_, services.updateClient, std::move(options.updates),
-               std::move(services.openInstaller)) {
+               std::move(services.openInstaller)),
+      closeQuestion_(sketch_, [this](const std::function<void()>& ended) {
+        saveCurrentDocument(sketch_, settings_, true, [ended](SaveOutcome) { ended(); });
+      }) {
   selectionSubscription_ =
       sketch_.observe(fieldMask(SketchField::selectedEntityIDs), [this](const SketchChange&) {
         if (!sketch_.selectedEntityIDs->empty() || !*sketch_.isEntityInspectorVisible) return;
@@ -31,10 +41,61 @@ void Application::mainViewAppeared() {
     showAutoSaveRecoveryOffer = !isTesting && settings_.autoSaveRecoveryCandidate->has_value();
   }
   defaults_.set(SettingsKey::lastSessionEndedCleanly, false);
+  if (!autoSaveController_) autoSaveController_.emplace(sketch_, settings_);
+  autoSaveController_->rescheduleAutoSave();
   updates_.startAutomaticChecks();
 }
 
 void Application::willTerminate() { defaults_.set(SettingsKey::lastSessionEndedCleanly, true); }
+
+// --- Documents
+
+void Application::newDocument() {
+  closeQuestion_.beforeReplacing([this] { sketch_.newDocument(); });
+}
+
+void Application::openDocumentWithPanel() {
+  closeQuestion_.beforeReplacing([this] {
+    OpenPanel panel;
+    if (const auto last = defaults_.text(kLastFolder)) panel.startingFolder = *last;
+    if (panel.startingFolder.empty() && settings_.isProjectsFolderConfigured()) {
+      panel.startingFolder = **settings_.projectsFolderURL;
+    }
+    host_.dialogs.ask(panel, [this](const DialogAnswer& answer) {
+      if (answer) openAndRemember(FilePath(*answer));
+    });
+  });
+}
+
+void Application::openDocumentAt(const FilePath& url) {
+  closeQuestion_.beforeReplacing([this, url] { openAndRemember(url); });
+}
+
+void Application::openAndRemember(const FilePath& url) {
+  if (openDocument(sketch_, settings_, url)) return;
+  defaults_.set(kLastFolder, url.parent_path().string());
+}
+
+void Application::save() { saveCurrentDocument(sketch_, settings_, true); }
+
+void Application::saveAs() { saveDocumentAs(sketch_, settings_, true); }
+
+void Application::revertToLastAutosave() {
+  using Style = DocumentToastState::Style;
+  if (!settings_.lastAutoSave->has_value()) {
+    revertToLastAutoSave(sketch_, settings_);
+    sketch_.showDocumentToast("No last autosave is available.", Style::error);
+  } else if (revertToLastAutoSave(sketch_, settings_)) {
+    sketch_.showDocumentToast("Reverted to last autosave.", Style::success);
+  }
+}
+
+void Application::windowShouldClose(const std::function<void(CloseQuestion::Reply)>& reply,
+                                    std::function<void()> closeNow) {
+  closeQuestion_.windowShouldClose(reply, std::move(closeNow));
+}
+
+// --- Sheets
 
 void Application::chooseProjectsFolder(std::function<void(const FilePath&)> chosen) {
   const FolderPanel panel{"Choose the folder where Ostrelon saves new projects.",
@@ -46,7 +107,10 @@ void Application::chooseProjectsFolder(std::function<void(const FilePath&)> chos
 
 void Application::completeProjectsFolderSetup() { showProjectsFolderSetup = false; }
 
-void Application::restoreAutoSaveFromOffer() { showAutoSaveRecoveryOffer = false; }
+void Application::restoreAutoSaveFromOffer() {
+  restoreAutoSave(sketch_, settings_);
+  showAutoSaveRecoveryOffer = false;
+}
 
 void Application::skipAutoSaveRecovery() {
   settings_.clearAutoSaveRecoveryCandidate();

@@ -10,11 +10,13 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
 #include "app/close_question.h"
 #include "core/observable.h"
 #include "core/sketch_view_model.h"
 #include "documents/app_settings.h"
+#include "documents/auto_save.h"
 #include "platform/host.h"
 #include "platform/user_defaults.h"
 #include "updates/app_update_client.h"
@@ -72,6 +74,22 @@ class Application {
   void setWindowActions(WindowActions actions) { windowActions_ = std::move(actions); }
   const WindowActions& windowActions() const { return windowActions_; }
 
+  // --- Documents. What would take the place of unsaved changes asks first.
+
+  void newDocument();
+  /// Asks which document, starting in the folder used last, and opens it.
+  void openDocumentWithPanel();
+  void openDocumentAt(const FilePath& url);
+  void save();
+  void saveAs();
+  /// Back to the last auto-save; unsaved changes are dropped.
+  void revertToLastAutosave();
+  /// The main window is asked to close: `reply` tells whether it may, `closeNow` runs later when the
+  /// user chose to save first and the document is clean.
+  void windowShouldClose(const std::function<void(CloseQuestion::Reply)>& reply,
+                         std::function<void()> closeNow);
+  const CloseQuestion& closeQuestion() const { return closeQuestion_; }
+
   // --- Sheets
 
   Observable<bool, Application> showProjectsFolderSetup{tracker_, 0};
@@ -84,15 +102,20 @@ class Application {
   void chooseProjectsFolder(std::function<void(const FilePath&)> chosen);
   /// A projects folder has been set.
   void completeProjectsFolderSetup();
+  /// Opens the offered auto-save; the offer goes, whatever came of it.
   void restoreAutoSaveFromOffer();
   void skipAutoSaveRecovery();
 
  private:
+  void openAndRemember(const FilePath& url);
+
   Host host_;
   UserDefaults& defaults_;
   SketchViewModel sketch_;
   AppSettings settings_;
   AppUpdateManager updates_;
+  CloseQuestion closeQuestion_;
+  std::optional<AutoSaveController> autoSaveController_;
   WindowActions windowActions_;
   Subscription selectionSubscription_;
   ScheduledTask inspectorTask_;

@@ -4,6 +4,8 @@
 
 #include "app/application.h"
 #include "console/command_interpreter.h"
+#include "documents/document_store.h"
+#include "documents/history_prompts.h"
 #include "interaction/canvas_transform.h"
 
 namespace ostrelon {
@@ -23,22 +25,96 @@ void zoomBy(Application& app, double factor) {
 }
 void toggleGrid(Application& app) { app.sketch().setShowGrid(!*app.sketch().showGrid); }
 
+// A title that says which document, without its extension.
+std::vector<MenuChoice> recentChoices(Application& app) {
+  constexpr std::int64_t shown = 10;
+  std::vector<MenuChoice> choices;
+  try {
+    for (const FilePath& url : recentDocuments(app.settings(), shown)) {
+      choices.push_back(
+          {url.stem().string(), true, false, [url](Application& to) { to.openDocumentAt(url); }});
+    }
+  } catch (const UserError&) {
+    // With no projects folder, or one that cannot be read, there is nothing to offer.
+  }
+  if (choices.empty()) choices.push_back({"No Recent Documents", false, false, {}});
+  return choices;
+}
+
+std::vector<MenuChoice> branchChoices(Application& app) {
+  app.sketch().refreshDocumentHistory();
+  const DocumentHistoryState& history = app.sketch().documentHistoryState;
+  std::vector<MenuChoice> choices;
+  for (const DocumentHistoryBranch& branch : history.metadata.branches) {
+    const bool isCurrent = branch.id == history.metadata.currentBranchID;
+    choices.push_back({branch.name, !isCurrent, isCurrent,
+                       [id = branch.id](Application& to) { switchBranchFromMenu(to.sketch(), id); }});
+  }
+  return choices;
+}
+
+std::vector<MenuChoice> appearanceChoices(Application& app) {
+  std::vector<MenuChoice> choices;
+  for (const AppearanceMode mode : kAppearanceModes) {
+    choices.push_back({std::string(displayName(mode)), true, app.settings().appearanceMode == mode,
+                       [mode](Application& to) { to.settings().setAppearanceMode(mode); }});
+  }
+  return choices;
+}
+
+void showSettings(Application& app) {
+  if (app.windowActions().showSettings) app.windowActions().showSettings();
+}
+void closeWindow(Application& app) {
+  if (app.windowActions().close) app.windowActions().close();
+}
+
+constexpr MenuCommand row(std::string_view menu, std::string_view title, std::string_view shortcut,
+                          void (*run)(Application&), bool (*enabled)(const Application&) = nullptr) {
+  return {menu, title, shortcut, run, enabled, nullptr};
+}
+constexpr MenuCommand submenu(std::string_view menu, std::string_view title,
+                              std::vector<MenuChoice> (*choices)(Application&)) {
+  return {menu, title, {}, nullptr, nullptr, choices};
+}
+constexpr MenuCommand separator(std::string_view menu) { return {menu, {}, {}, nullptr, nullptr, nullptr}; }
+
 constexpr std::array kMenuCommands{
-    MenuCommand{"File", "New Document", "⌘N", [](Application& app) { app.sketch().newDocument(); }},
-    MenuCommand{"Edit", "Undo", "⌘Z", [](Application& app) { app.sketch().undo(); }, canUndo},
-    MenuCommand{"Edit", "Redo", "⇧⌘Z", [](Application& app) { app.sketch().redo(); }, canRedo},
-    MenuCommand{"Sketch", "Inspect", "⌘I", [](Application& app) { app.sketch().showEntityInspector(); },
-                hasSelection},
-    MenuCommand{"Sketch", "Duplicate", "⌘D", duplicate, hasSelection},
-    MenuCommand{"Sketch", "Clear Sketch", "⇧⌘K", [](Application& app) { app.sketch().clearSketch(); }},
-    MenuCommand{"Sketch", "Toggle Grid", "⌘G", toggleGrid},
-    MenuCommand{"Console", "Show Help", "", showHelp},
-    MenuCommand{"View", "Zoom In", "⌘+", [](Application& app) { zoomBy(app, kZoomInFactor); }},
-    MenuCommand{"View", "Zoom Out", "⌘-", [](Application& app) { zoomBy(app, kZoomOutFactor); }},
-    MenuCommand{"View", "Zoom to Fit", "⌘0",
-                [](Application& app) { app.sketch().zoomToFit(app.sketch().canvasSize); }},
-    MenuCommand{"View", "Reset View", "⇧⌘0",
-                [](Application& app) { app.sketch().resetViewport(app.sketch().canvasSize); }},
+    row("File", "New Document", "⌘N", [](Application& app) { app.newDocument(); }),
+    row("File", "Open…", "⌘O", [](Application& app) { app.openDocumentWithPanel(); }),
+    submenu("File", "Open Recent", recentChoices),
+    separator("File"),
+    row("File", "Save", "⌘S", [](Application& app) { app.save(); }),
+    row("File", "Save As…", "⇧⌘S", [](Application& app) { app.saveAs(); }),
+    separator("File"),
+    row("File", "Save Checkpoint…", "", [](Application& app) { promptForCheckpoint(app.sketch()); }),
+    row("File", "Create Branch…", "", [](Application& app) { promptForBranch(app.sketch()); }),
+    submenu("File", "Switch Branch", branchChoices),
+    separator("File"),
+    row("File", "Revert to Last Autosave", "", [](Application& app) { app.revertToLastAutosave(); }),
+    separator("File"),
+    row("File", "Settings…", "⌘,", showSettings),
+    row("File", "Quit", "⌘Q", closeWindow),
+    row(
+        "Edit", "Undo", "⌘Z", [](Application& app) { app.sketch().undo(); }, canUndo),
+    row(
+        "Edit", "Redo", "⇧⌘Z", [](Application& app) { app.sketch().redo(); }, canRedo),
+    row(
+        "Sketch", "Inspect", "⌘I", [](Application& app) { app.sketch().showEntityInspector(); },
+        hasSelection),
+    row("Sketch", "Duplicate", "⌘D", duplicate, hasSelection),
+    separator("Sketch"),
+    row("Sketch", "Clear Sketch", "⇧⌘K", [](Application& app) { app.sketch().clearSketch(); }),
+    row("Sketch", "Toggle Grid", "⌘G", toggleGrid),
+    row("Console", "Show Help", "", showHelp),
+    submenu("View", "Appearance", appearanceChoices),
+    separator("View"),
+    row("View", "Zoom In", "⌘+", [](Application& app) { zoomBy(app, kZoomInFactor); }),
+    row("View", "Zoom Out", "⌘-", [](Application& app) { zoomBy(app, kZoomOutFactor); }),
+    row("View", "Zoom to Fit", "⌘0",
+        [](Application& app) { app.sketch().zoomToFit(app.sketch().canvasSize); }),
+    row("View", "Reset View", "⇧⌘0",
+        [](Application& app) { app.sketch().resetViewport(app.sketch().canvasSize); }),
 };
 
 }  // namespace

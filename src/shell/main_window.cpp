@@ -10,8 +10,10 @@
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QTextEdit>
+#include <QUrl>
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 #include "shell/context_menu_popup.h"
 #include "shell/dialog_sheet.h"
@@ -37,6 +39,10 @@ QString titleOf(const std::string& documentName) {
          QStringLiteral("[*]");
 }
 
+bool isDocument(const QUrl& url) {
+  return url.isLocalFile() && url.toLocalFile().endsWith(QStringLiteral(".ostrel"), Qt::CaseInsensitive);
+}
+
 bool isTextControl(const QWidget* widget) {
   if (const auto* combo = qobject_cast<const QComboBox*>(widget)) return combo->isEditable();
   return qobject_cast<const QLineEdit*>(widget) != nullptr ||
@@ -59,7 +65,9 @@ MainWindow::MainWindow(Application& application, Theme& theme, QWidget* parent)
       titleUpdate_(
           application.sketch(),
           fieldMask(SketchField::documentName, SketchField::documentFileURL, SketchField::isDocumentDirty),
-          this, [this] { refreshTitle(); }) {
+          this, [this] { refreshTitle(); }),
+      viewUpdate_(application.sketch(), fieldMask(SketchField::hasInitializedViewport), this,
+                  [this] { centreNewView(); }) {
   setObjectName(QStringLiteral("main"));
   setAcceptDrops(true);
   setMinimumSize(kSmallestSize);
@@ -153,6 +161,16 @@ void MainWindow::saveLayout() {
   application_.defaults().set(kConsoleHeightKey, console_->panelHeight());
 }
 
+// A new document is centred at once; an opened one keeps the view that it was saved with.
+void MainWindow::centreNewView() {
+  SketchViewModel& sketch = application_.sketch();
+  if (*sketch.hasInitializedViewport || sketch.canvasSize->width <= 1) return;
+  const SketchViewport saved = sketch.viewport;
+  const bool isOpened = sketch.documentFileURL->has_value();
+  sketch.updateCanvasSize(sketch.canvasSize);
+  if (isOpened) sketch.setViewport(saved.pan.x, saved.pan.y, saved.scale);
+}
+
 void MainWindow::refreshTitle() {
   const SketchViewModel& sketch = application_.sketch();
   const auto& file = *sketch.documentFileURL;
@@ -166,18 +184,46 @@ void MainWindow::refreshTitle() {
 void MainWindow::closeEvent(QCloseEvent* event) {
   saveLayout();
   event->accept();
+  if (mayClose_) return;
+  // The answer may come within this call or, with a sheet on the screen, later.
+  const auto isWithinCall = std::make_shared<bool>(true);
+  const QPointer<MainWindow> self(this);
+  event->ignore();
+  const auto closeNow = [self] {
+    if (self == nullptr) return;
+    self->mayClose_ = true;
+    self->close();
+  };
+  application_.windowShouldClose(
+      [event, isWithinCall, closeNow](CloseQuestion::Reply reply) {
+        if (reply != CloseQuestion::Reply::allowed) return;
+        if (*isWithinCall) {
+          event->accept();
+        } else {
+          closeNow();
+        }
+      },
+      closeNow);
+  *isWithinCall = false;
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
   for (const QUrl& url : event->mimeData()->urls()) {
-    if (url.isLocalFile() && url.toLocalFile().endsWith(QStringLiteral(".ostrel"), Qt::CaseInsensitive)) {
+    if (isDocument(url)) {
       event->acceptProposedAction();
       return;
     }
   }
 }
 
-void MainWindow::dropEvent(QDropEvent* /*event*/) {}
+void MainWindow::dropEvent(QDropEvent* event) {
+  for (const QUrl& url : event->mimeData()->urls()) {
+    if (!isDocument(url)) continue;
+    event->acceptProposedAction();
+    application_.openDocumentAt(FilePath(plainText(url.toLocalFile())));
+    return;
+  }
+}
 
 // --- Keys and clicks
 

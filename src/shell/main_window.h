@@ -44,6 +44,7 @@ class MainWindow final : public QWidget {
  private:
   void place();
   void refreshTitle();
+  void centreNewView();
   void unfold(QWidget* panel);
   void foldBack();
   bool routeKey(QKeyEvent& event, QWidget* receiver);
@@ -59,7 +60,9 @@ class MainWindow final : public QWidget {
   WallSystemPanelView* wallSystems_;
   QWidget* unfolded_ = nullptr;  // a folded panel that lies unfolded over the canvas
   bool hasAppeared_ = false;
+  bool mayClose_ = false;  // the question has been answered
   ScheduledUpdate titleUpdate_;
+  ScheduledUpdate viewUpdate_;
 };
 
 }  // namespace ostrelon

@@ -72,6 +72,10 @@ int runWithWindows(int& argc, char** argv, const WindowStart& start) {
   for (const std::string& note : defaults.takeNotes())
     application.sketch().appendConsoleLine(note, false, true);
   program.show();
+  if (start.document) {
+    QTimer::singleShot(0, &theme,
+                       [&application, document = *start.document] { application.openDocumentAt(document); });
+  }
   const int status = QApplication::exec();
   application.willTerminate();
   return status;
