@@ -5,8 +5,8 @@
 
 #include "app/menu.h"
 #include "automation/automation_session.h"
-#include "documents/document_store.h"
 #include "build_information.h"
+#include "documents/document_store.h"
 #include "interaction/key_routing.h"
 #include "platform/disk_file_system.h"
 #include "platform/json_user_defaults.h"

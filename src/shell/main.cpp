@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "app/command_line.h"
+#include "automation/automation_start.h"
 #include "build_information.h"
 #include "shell/run_without_window.h"
 #include "shell/windowed_program.h"
@@ -39,8 +40,7 @@ int run(int argc, char** argv) {
     case CommandLine::Mode::withoutWindow:
       return ostrelon::runWithoutWindow(line);
     case CommandLine::Mode::automation:
-      std::fputs("This build has no automation.\n", stderr);
-      return 2;
+      return ostrelon::serveAutomation(line);
     case CommandLine::Mode::window:
       if (!hasDisplay()) {
         std::fputs("There is no display to open a window on; --help tells what works without one.\n", stderr);
