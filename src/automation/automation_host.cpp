@@ -251,6 +251,7 @@ class AutomationHost::Program {
                        }),
         session_{application_, scheduler_, dialogs_, gestures_, closeQuestion_, updateClient_} {
     application_.mainViewAppeared();
+    tellOfSettingsFile();
   }
 
   Json reply(std::string_view line) {
@@ -272,6 +273,7 @@ class AutomationHost::Program {
     } catch (const std::exception& error) {
       reply = {{"ok", false}, {"error", error.what()}};
     }
+    tellOfSettingsFile();
     const auto& lines = *application_.sketch().consoleLines;
     Json console = Json::array();
     for (std::size_t i = linesBefore; i < lines.size(); ++i) {
@@ -286,6 +288,13 @@ class AutomationHost::Program {
   void terminate() { application_.willTerminate(); }
 
  private:
+  // What the store of preferences has to say, such as a damaged file that it has set aside.
+  void tellOfSettingsFile() {
+    for (const std::string& note : defaults_.takeNotes()) {
+      application_.sketch().appendConsoleLine(note, true, true);
+    }
+  }
+
   VirtualScheduler scheduler_;
   QueuedDialogs dialogs_;
   DiskFileSystem files_;
