@@ -291,7 +291,7 @@ class AutomationHost::Program {
   // What the store of preferences has to say, such as a damaged file that it has set aside.
   void tellOfSettingsFile() {
     for (const std::string& note : defaults_.takeNotes()) {
-      application_.sketch().appendConsoleLine(note, true, true);
+      application_.sketch().appendConsoleLine(note, false, true);
     }
   }
 
