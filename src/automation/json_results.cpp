@@ -182,7 +182,8 @@ Json toJson(const SketchCommandMutationState& value) {
           {"draft", toJson(value.draft)},
           {"trimCuttingEdgeEntityID", toJson(value.trimCuttingEdgeEntityID)},
           {"activeWallSystemSpecID", toJson(value.activeWallSystemSpecID)},
-          {"isDocumentDirty", value.isDocumentDirty}};
+          {"isDocumentDirty", value.isDocumentDirty},
+          {"polygonDraft", toJson(value.polygonDraft)}};
 }
 
 Json toJson(const DocumentToastState& value) {

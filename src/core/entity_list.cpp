@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <ranges>
 #include <utility>
 
 namespace ostrelon {
@@ -133,7 +132,8 @@ void EntityList::removeAll(const std::vector<std::size_t>& ascendingIndices) {
   if (ascendingIndices.empty()) return;
   // A few positions are taken out where they stand, from the last to the first.
   if (ascendingIndices.size() <= 32) {
-    for (const std::size_t index : std::ranges::reverse_view(ascendingIndices)) remove(index);
+    std::for_each(ascendingIndices.rbegin(), ascendingIndices.rend(),
+                  [this](std::size_t index) { remove(index); });
     return;
   }
   // Many are taken out in one walk that keeps the untouched chunks as they are.
