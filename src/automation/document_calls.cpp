@@ -56,6 +56,23 @@ void addDocumentCalls(CallTable& table) {
   table["findCheckpoint"] = sessionCall([](AutomationSession& session, const std::string& id) {
     return session.sketch().documentHistoryState->findCheckpoint(id);
   });
+  table["loadDocumentHistory"] = sessionCall([](AutomationSession& session, const FilePath& url) {
+    return loadDocumentHistory(session.application.settings().files(), url);
+  });
+  table["ensureDocumentHistory"] = sessionCall([](AutomationSession& session, const FilePath& url) {
+    return ensureDocumentHistory(session.application.settings().files(), url);
+  });
+  table["createCheckpoint"] = sessionCall([](AutomationSession& session, const FilePath& url,
+                                             const std::string& message, std::optional<Date> date) {
+    return createCheckpoint(session.application.settings().files(), url, message,
+                            date.value_or(session.scheduler.now()), session.sketch().makeDocumentV2(false));
+  });
+  table["createBranch"] =
+      sessionCall([](AutomationSession& session, const FilePath& url, const std::string& name,
+                     const std::string& sourceCheckpointID, std::optional<Date> date) {
+        return createBranch(session.application.settings().files(), url, name, sourceCheckpointID,
+                            date.value_or(session.scheduler.now()));
+      });
   table["normalizeBranchID"] = functionCall(normalizeBranchID);
 
   // --- Auto-save
@@ -95,6 +112,11 @@ void addDocumentCalls(CallTable& table) {
                                                const std::string& name, const std::optional<Date>& savedAt) {
     session.application.settings().recordLastAutoSave(url, name, savedAt);
   });
+  table["rememberDocumentBookmark"] = sessionCall([](AutomationSession& session, const FilePath& url) {
+    session.application.settings().rememberDocumentBookmark(url);
+  });
+  table["isUITesting"] =
+      sessionCall([](AutomationSession& session) { return session.application.settings().isUITesting(); });
   table["isInsideProjectsFolder"] = sessionCall([](AutomationSession& session, const FilePath& url) {
     return session.application.settings().isInsideProjectsFolder(url);
   });

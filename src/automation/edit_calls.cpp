@@ -11,6 +11,58 @@ Json toJson(const EntityEditMessage& message) {
   return {{"text", message.text}, {"isError", message.isError}, {"isSystem", message.isSystem}};
 }
 
+Json chainCommandJson(const CommandInterpreter::ChainCommand& command) {
+  using namespace CommandInterpreter;  // NOLINT(google-build-using-namespace)
+  using ostrelon::toJson;
+  return std::visit(
+      Overloaded{
+          [](const ChainLine& line) {
+            return Json{{"case", "line"}, {"from", toJson(line.from)}, {"to", toJson(line.to)}};
+          },
+          [](const ChainWall& wall) {
+            return Json{{"case", "wall"},
+                        {"from", toJson(wall.from)},
+                        {"to", toJson(wall.to)},
+                        {"systemSpecID", toJson(wall.systemSpecID)}};
+          },
+          [](const ChainCircle& circle) {
+            return Json{{"case", "circle"}, {"center", toJson(circle.center)}, {"radius", circle.radius}};
+          },
+          [](const ChainRectangle& rectangle) {
+            return Json{{"case", "rectangle"},
+                        {"origin", toJson(rectangle.origin)},
+                        {"size", toJson(rectangle.size)}};
+          },
+          [](const ChainSelect& select) {
+            return Json{{"case", "select"}, {"indices", toJson(select.indices)}};
+          },
+          [](const ChainAssign& assign) {
+            return Json{{"case", "assign"}, {"specID", toJson(assign.specID)}};
+          },
+          [](const ChainSpecUse& use) {
+            return Json{{"case", "specUse"}, {"specID", toJson(use.specID)}};
+          },
+          [](const ChainSpecShow& show) {
+            return Json{{"case", "specShow"}, {"name", toJson(show.name)}};
+          },
+          [](const ChainSpecList&) {
+            return Json{{"case", "specList"}};
+          },
+      },
+      command);
+}
+
+// The commands of a chain, or the number of the segment that cannot be one and what is wrong with it.
+Json parsedChain(AutomationSession& session, const std::string& text) {
+  const auto parsed = CommandInterpreter::parseChain(text, session.sketch());
+  if (const auto* error = std::get_if<CommandInterpreter::ChainError>(&parsed)) {
+    return {{"case", "failure"}, {"segment", error->segment}, {"message", error->message}};
+  }
+  Json commands = Json::array();
+  for (const auto& command : std::get<0>(parsed)) commands.push_back(chainCommandJson(command));
+  return commands;
+}
+
 Json toJson(const InspectorMetricRow& row) { return {{"label", row.label}, {"value", row.value}}; }
 
 // The kind of an edit by its name, with its values behind the result.
@@ -75,6 +127,9 @@ void addEditCalls(CallTable& table) {
   table["runChain"] = sessionCall([](AutomationSession& session, const std::string& text) {
     return CommandInterpreter::runChain(text, session.sketch());
   });
+
+  table["parseChain"] = sessionCall(
+      [](AutomationSession& session, const std::string& text) { return parsedChain(session, text); });
 
   // --- The length editor
   table["currentSegmentLengthText"] = sketchCall(&SketchViewModel::currentSegmentLengthText);
