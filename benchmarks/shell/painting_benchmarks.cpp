@@ -121,8 +121,7 @@ void paintGridLayer(benchmark::State& state) {
   CanvasFrame frame{wholeView().transform, lightPalette()};
   frame.gridPixelRatio = 1;
   for (auto _ : state) {
-    QPainter painter(&image);
-    QtCanvasPainter canvas(painter);
+    PixelCanvasPainter canvas(image, 1);
     paintBackground(canvas, frame);
     paintGrid(canvas, frame);
   }

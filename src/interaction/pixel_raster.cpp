@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <vector>
 
 namespace ostrelon {
 
@@ -25,10 +26,11 @@ class Ink {
       : full_(scaled(0xFF000000 | (color.red << 16) | (color.green << 8) | color.blue, color.alpha)),
         isOpaque_(color.alpha == 255) {}
 
+  void layFull(std::uint32_t& pixel) const { pixel = isOpaque_ ? full_ : over(full_, pixel); }
   void lay(std::uint32_t& pixel, double coverage) const {
     if (!(coverage > 0)) return;
     if (coverage >= 1) {
-      pixel = isOpaque_ ? full_ : over(full_, pixel);
+      layFull(pixel);
     } else {
       pixel = over(scaled(full_, static_cast<std::uint32_t>(coverage * 255 + 0.5)), pixel);
     }
@@ -89,6 +91,32 @@ void rasterBand(const PixelBuffer& buffer, const CanvasSegment& line, SketchPoin
   }
 }
 
+/// A line of pixels, column or row, and how far it is covered.
+struct CoveredLine {
+  int at = 0;
+  double coverage = 0;
+};
+
+/// The pixels that lines across one axis cover, in ascending order, each once.
+std::vector<CoveredLine> coveredLines(std::span<const double> middles, double width, int least, int most) {
+  std::vector<CoveredLine> covered;
+  const double reach = width / 2 + 0.5;
+  for (const double middle : middles) {
+    const IntRange pixels = pixelsBetween(middle - reach, middle + reach, least, most);
+    for (int at = pixels.begin; at < pixels.end; ++at) {
+      const double coverage = std::min({reach - std::abs(at + 0.5 - middle), width, 1.0});
+      if (coverage > 0) covered.push_back({at, coverage});
+    }
+  }
+  std::sort(covered.begin(), covered.end(), [](const CoveredLine& a, const CoveredLine& b) {
+    return a.at != b.at ? a.at < b.at : a.coverage > b.coverage;
+  });
+  const auto repeated = std::unique(covered.begin(), covered.end(),
+                                    [](const CoveredLine& a, const CoveredLine& b) { return a.at == b.at; });
+  covered.erase(repeated, covered.end());
+  return covered;
+}
+
 double cross(SketchPoint a, SketchPoint b) { return a.x * b.y - a.y * b.x; }
 
 }  // namespace
@@ -131,6 +159,29 @@ void rasterButtLine(const PixelBuffer& buffer, const CanvasSegment& line, double
     const double sides = std::clamp(half + 0.5 - std::abs(cross(direction, d)), 0.0, most);
     return ends * sides;
   });
+}
+
+void rasterLattice(const PixelBuffer& buffer, std::span<const double> columns, std::span<const double> rows,
+                   double width, PixelColor color) {
+  const Ink ink(color);
+  const auto upright = coveredLines(columns, width, buffer.clipMinX, buffer.clipMaxX);
+  const auto level = coveredLines(rows, width, buffer.clipMinY, buffer.clipMaxY);
+  auto nextLevel = level.begin();
+  for (int y = buffer.clipMinY; y < buffer.clipMaxY; ++y) {
+    std::uint32_t* row = rowOf(buffer, y);
+    if (nextLevel == level.end() || nextLevel->at != y) {
+      for (const CoveredLine& line : upright) ink.lay(row[line.at], line.coverage);
+      continue;
+    }
+    const double coverage = nextLevel->coverage;
+    ++nextLevel;
+    int x = buffer.clipMinX;
+    for (const CoveredLine& line : upright) {
+      for (; x < line.at; ++x) ink.lay(row[x], coverage);
+      ink.lay(row[x++], std::max(coverage, line.coverage));
+    }
+    for (; x < buffer.clipMaxX; ++x) ink.lay(row[x], coverage);
+  }
 }
 
 void rasterCircle(const PixelBuffer& buffer, SketchPoint center, double radius, double width,
@@ -189,6 +240,7 @@ void rasterConvexArea(const PixelBuffer& buffer, std::span<const SketchPoint> co
   struct Edge {
     SketchPoint inward;  // unit normal
     double offset = 0;
+    double slant = 0;  // columns by which the edge moves for one pixel of distance; 0 along the rows
   };
   std::array<Edge, kMostConvexCorners> edges;
   const std::size_t count = std::min(corners.size(), kMostConvexCorners);
@@ -210,7 +262,7 @@ void rasterConvexArea(const PixelBuffer& buffer, std::span<const SketchPoint> co
     if (length == 0) continue;
     const double side = (turn > 0 ? 1 : -1) / length;
     const SketchPoint inward{-d.y * side, d.x * side};
-    edges[used++] = {inward, a.x * inward.x + a.y * inward.y};
+    edges[used++] = {inward, a.x * inward.x + a.y * inward.y, std::abs(inward.x) < 1e-9 ? 0 : 1 / inward.x};
   }
   const Ink ink(color);
   const IntRange rows = pixelsBetween(minY - 0.5, maxY + 0.5, buffer.clipMinY, buffer.clipMaxY);
@@ -220,38 +272,43 @@ void rasterConvexArea(const PixelBuffer& buffer, std::span<const SketchPoint> co
     double left = minX - 0.5, right = maxX + 0.5;
     double solidLeft = left, solidRight = right;
     for (std::size_t i = 0; i < used; ++i) {
-      const auto [inward, offset] = edges[i];
+      const auto& [inward, offset, slant] = edges[i];
       // The distance inwards is x · inward.x + rest.
       const double rest = middleY * inward.y - offset;
-      if (std::abs(inward.x) < 1e-9) {
-        if (rest < -0.5) right = left - 1;
-        if (rest < 0.5) solidRight = solidLeft - 1;
-        continue;
-      }
-      const double touched = (-0.5 - rest) / inward.x;
-      const double full = (0.5 - rest) / inward.x;
-      if (inward.x > 0) {
+      const double touched = (-0.5 - rest) * slant;
+      const double full = (0.5 - rest) * slant;
+      if (slant > 0) {
         left = std::max(left, touched);
         solidLeft = std::max(solidLeft, full);
-      } else {
+      } else if (slant < 0) {
         right = std::min(right, touched);
         solidRight = std::min(solidRight, full);
+      } else {
+        if (rest < -0.5) right = left - 1;
+        if (rest < 0.5) solidRight = solidLeft - 1;
       }
     }
     if (!(left <= right)) continue;
     const IntRange columns = pixelsBetween(left, right, buffer.clipMinX, buffer.clipMaxX);
-    std::uint32_t* row = rowOf(buffer, y);
-    for (int x = columns.begin; x < columns.end; ++x) {
-      const double middleX = x + 0.5;
-      double coverage = 1;
-      if (middleX < solidLeft || middleX > solidRight) {
-        for (std::size_t i = 0; i < used; ++i) {
-          const double inside = middleX * edges[i].inward.x + middleY * edges[i].inward.y - edges[i].offset;
-          coverage = std::min(coverage, inside + 0.5);
-        }
-      }
-      ink.lay(row[x], coverage);
+    IntRange solid{columns.end, columns.end};
+    if (solidLeft <= solidRight) {
+      solid.begin = std::clamp(static_cast<int>(std::ceil(solidLeft - 0.5)), columns.begin, columns.end);
+      solid.end = std::clamp(static_cast<int>(std::floor(solidRight - 0.5)) + 1, solid.begin, columns.end);
     }
+    std::uint32_t* row = rowOf(buffer, y);
+    const auto coverEdge = [&](int from, int to) {
+      for (int x = from; x < to; ++x) {
+        double coverage = 1;
+        for (std::size_t i = 0; i < used; ++i) {
+          const auto& [inward, offset, slant] = edges[i];
+          coverage = std::min(coverage, (x + 0.5) * inward.x + middleY * inward.y - offset + 0.5);
+        }
+        ink.lay(row[x], coverage);
+      }
+    };
+    coverEdge(columns.begin, solid.begin);
+    for (int x = solid.begin; x < solid.end; ++x) ink.layFull(row[x]);
+    coverEdge(solid.end, columns.end);
   }
 }
 

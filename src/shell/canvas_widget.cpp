@@ -12,7 +12,7 @@
 #include "core/sketch_view_model.h"
 #include "interaction/canvas_renderer.h"
 #include "shell/canvas_cursor.h"
-#include "shell/qt_canvas_painter.h"
+#include "shell/pixel_canvas_painter.h"
 
 namespace ostrelon {
 
@@ -209,9 +209,7 @@ void CanvasWidget::updateGrid(const PictureView& view) {
   gridView_ = view;
   gridShown_ = isShown;
   if (grid_.isNull()) return;
-  QPainter painter(&grid_);
-  painter.scale(ratio, ratio);
-  QtCanvasPainter canvas(painter);
+  PixelCanvasPainter canvas(grid_, ratio);
   CanvasFrame frame{view.transform, view.palette};
   frame.gridPixelRatio = ratio;
   paintBackground(canvas, frame);

@@ -1,7 +1,10 @@
 #include "shell/pixel_canvas_painter.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <optional>
+#include <vector>
 
 namespace ostrelon {
 
@@ -24,6 +27,36 @@ bool fallsApart(const Stroke& stroke) {
          stroke.join == LineJoin::round && stroke.width < 4;
 }
 
+/// Upright and level lines from one side of the picture to the other, as those of a grid. Positions in
+/// pixels.
+struct Lattice {
+  std::vector<double> columns;
+  std::vector<double> rows;
+};
+
+std::optional<Lattice> latticeOf(const CanvasPath& path, const Stroke& stroke, const PixelBuffer& buffer,
+                                 double ratio) {
+  if (stroke.isDashed() || stroke.cap != LineCap::butt) return std::nullopt;
+  Lattice lattice;
+  for (const CanvasPath::Piece& piece : path.pieces()) {
+    if (piece.closed || piece.end - piece.begin != 2) return std::nullopt;
+    const auto points = path.points(piece);
+    const SketchPoint a = points[0] * ratio;
+    const SketchPoint b = points[1] * ratio;
+    const auto spans = [](double from, double to, int least, int most) {
+      return std::min(from, to) <= least - 1 && std::max(from, to) >= most + 1;
+    };
+    if (a.x == b.x && spans(a.y, b.y, buffer.clipMinY, buffer.clipMaxY)) {
+      lattice.columns.push_back(a.x);
+    } else if (a.y == b.y && spans(a.x, b.x, buffer.clipMinX, buffer.clipMaxX)) {
+      lattice.rows.push_back(a.y);
+    } else {
+      return std::nullopt;
+    }
+  }
+  return lattice;
+}
+
 bool isDashedLine(const CanvasPath& path, const Stroke& stroke) {
   return stroke.isDashed() && stroke.cap == LineCap::butt && path.pieces().size() == 1 &&
          !path.pieces().front().closed && path.pieces().front().end == 2;
@@ -43,12 +76,19 @@ void PixelCanvasPainter::strokePath(const CanvasPath& path, const Stroke& stroke
     strokeDashes({points[0], points[1]}, stroke);
     return;
   }
+  const double width = stroke.width * ratio_;
+  if (path.pieces().size() > 1) {
+    if (const auto lattice = latticeOf(path, stroke, buffer_, ratio_)) {
+      rasterLattice(buffer_, lattice->columns, lattice->rows, width,
+                    PixelColor::of(stroke.color, stroke.opacity));
+      return;
+    }
+  }
   if (!fallsApart(stroke)) {
     canvas_.strokePath(path, stroke);
     return;
   }
   const PixelColor color = PixelColor::of(stroke.color);
-  const double width = stroke.width * ratio_;
   for (const CanvasPath::Piece& piece : path.pieces()) {
     const auto points = path.points(piece);
     if (points.empty()) continue;

@@ -125,11 +125,11 @@ void QtCanvasPainter::fillEllipse(const CanvasEllipse& ellipse, const Fill& fill
 }
 
 void QtCanvasPainter::fillRoundedRect(const ViewRect& rect, double cornerRadius, const Fill& fill) {
-  useFill(fill);
   if (cornerRadius > 0) {
+    useFill(fill);
     painter_.drawRoundedRect(rectOf(rect), cornerRadius, cornerRadius);
   } else {
-    painter_.drawRect(rectOf(rect));
+    painter_.fillRect(rectOf(rect), colorOf(fill.color, fill.opacity));
   }
 }
 
