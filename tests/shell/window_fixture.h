@@ -7,13 +7,8 @@
 #include <QApplication>
 #include <QTest>
 
-#include "app/application.h"
-#include "platform/dialogs.h"
-#include "platform/disk_file_system.h"
-#include "platform/user_defaults.h"
 #include "shell/theme.h"
-#include "support/temporary_folder.h"
-#include "updates/served_update_client.h"
+#include "support/test_application.h"
 
 namespace ostrelon::testing {
 
@@ -28,26 +23,7 @@ inline Theme& sharedTheme() {
   return *theme;
 }
 
-struct WindowFixture : ::testing::Test {
-  TemporaryFolder home;
-  VirtualScheduler scheduler{dateFromSeconds(1'767'225'600)};
-  QueuedDialogs dialogs;
-  DiskFileSystem files;
-  MemoryUserDefaults defaults;
-  ServedUpdateClient client{scheduler, home / "tmp"};
-  std::vector<FilePath> openedInstallers;
-  Application application{
-      {.host = {scheduler, dialogs, files},
-       .defaults = defaults,
-       .updateClient = client,
-       .openInstaller =
-           [this](const FilePath& path) {
-             openedInstallers.push_back(path);
-             return true;
-           }},
-      {.documentsFolder = home / "Documents",
-       .updates = updateConfiguration("1.4.2", "318", "https://example.org/feed.json", "")}};
-  SketchViewModel& sketch = application.sketch();
+struct WindowFixture : ::testing::Test, TestApplication {
   Theme& theme = sharedTheme();
 
   /// Lets everything run that is due on Qt's loop and, at the present moment, on the clock.
@@ -59,8 +35,7 @@ struct WindowFixture : ::testing::Test {
     }
   }
   void run(const char* line) {
-    sketch.setCommandInput(line);
-    sketch.submitCommandInput();
+    submit(line);
     settle();
   }
   std::string lastLine() const { return sketch.consoleLines->back().text; }

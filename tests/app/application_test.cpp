@@ -1,0 +1,128 @@
+#include "app/application.h"
+
+#include <gmock/gmock.h>
+
+#include "app/update_summary.h"
+#include "support/test_application.h"
+
+namespace ostrelon {
+namespace {
+
+using testing::TestApplication;
+
+std::optional<bool> endedCleanly(const UserDefaults& defaults) {
+  return defaults.boolean(SettingsKey::lastSessionEndedCleanly);
+}
+
+TEST(ApplicationLife, aSessionCountsAsUncleanUntilItEnds) {
+  TestApplication test;
+  EXPECT_EQ(endedCleanly(test.defaults), std::nullopt);
+  test.application.mainViewAppeared();
+  EXPECT_EQ(endedCleanly(test.defaults), false);
+  test.application.willTerminate();
+  EXPECT_EQ(endedCleanly(test.defaults), true);
+}
+
+TEST(ApplicationLife, theFirstRunAsksForAProjectsFolder) {
+  TestApplication test;
+  test.application.mainViewAppeared();
+  EXPECT_TRUE(*test.application.showProjectsFolderSetup);
+  EXPECT_FALSE(*test.application.showAutoSaveRecoveryOffer);
+  int chosen = 0;
+  test.application.chooseProjectsFolder([&](const FilePath&) { ++chosen; });
+  EXPECT_EQ(chosen, 0) << "a cancelled panel chooses nothing";
+  EXPECT_EQ(std::get<FolderPanel>(test.dialogs.asked().back()).message,
+            "Choose the folder where Ostrelon saves new projects.");
+  test.application.settings().useDefaultProjectsFolder();
+  test.application.completeProjectsFolderSetup();
+  EXPECT_FALSE(*test.application.showProjectsFolderSetup);
+
+  Application again(test.services(), test.options());
+  again.mainViewAppeared();
+  EXPECT_FALSE(*again.showProjectsFolderSetup);
+}
+
+TEST(ApplicationLife, aTestRunResetsTheFolderAndShowsNoSheets) {
+  TestApplication test;
+  test.defaults.set(SettingsKey::lastSessionEndedCleanly, false);
+  Application testing(test.services(), test.options(true));
+  testing.mainViewAppeared();
+  EXPECT_FALSE(*testing.showProjectsFolderSetup);
+  EXPECT_FALSE(*testing.showAutoSaveRecoveryOffer);
+  EXPECT_EQ(testing.settings().projectsFolderURL.get(), testing.settings().defaultProjectsFolder());
+}
+
+struct Recovery : ::testing::Test, TestApplication {
+  void SetUp() override {
+    application.settings().useDefaultProjectsFolder();
+    application.mainViewAppeared();
+    submit("line 0 0 10 0");
+    scheduler.advance(Seconds(301));
+    ASSERT_FALSE(*sketch.isDocumentDirty);
+    // From here the process is as good as killed: it never ends cleanly.
+  }
+};
+
+TEST_F(Recovery, theNextStartOffersAndRestoresTheAutosave) {
+  Application next(services(), options());
+  next.mainViewAppeared();
+  ASSERT_TRUE(*next.showAutoSaveRecoveryOffer);
+  next.restoreAutoSaveFromOffer();
+  EXPECT_EQ(next.sketch().entities->size(), 1U);
+  EXPECT_EQ(next.sketch().consoleLines->back().text, "Restored last autosave.");
+  EXPECT_FALSE(*next.showAutoSaveRecoveryOffer);
+  EXPECT_FALSE(next.settings().autoSaveRecoveryCandidate->has_value());
+}
+
+TEST_F(Recovery, skippingKeepsTheNewSession) {
+  Application next(services(), options());
+  next.mainViewAppeared();
+  next.skipAutoSaveRecovery();
+  EXPECT_TRUE(next.sketch().entities->empty());
+  EXPECT_FALSE(*next.showAutoSaveRecoveryOffer);
+  EXPECT_TRUE(next.settings().lastAutoSave->has_value()) << "the menu can still go back to it";
+}
+
+TEST_F(Recovery, afterACleanEndNothingIsOffered) {
+  application.willTerminate();
+  Application next(services(), options());
+  next.mainViewAppeared();
+  EXPECT_FALSE(*next.showAutoSaveRecoveryOffer);
+}
+
+TEST(ApplicationLife, anEmptySelectionTakesTheInspectorWithIt) {
+  TestApplication test;
+  test.submit("wall 0 0 10 0");
+  const UUID id = entityID(test.sketch.entities->front());
+  test.sketch.showEntityInspector();
+  test.sketch.toggleEntitySelection(id);
+  test.settle();
+  EXPECT_FALSE(*test.sketch.isEntityInspectorVisible);
+}
+
+TEST(UpdateSummary, showsTheNewestVersionsFirstInTheLinesThereAre) {
+  AppUpdateAvailability available;
+  AppUpdateRelease older;
+  older.version = "1.4.3";
+  older.changes = {"d", "e", "f"};
+  AppUpdateRelease latest;
+  latest.version = "1.5.0";
+  latest.changes = {"a", "b", "c"};
+  latest.releaseNotesURL = "https://example.org/notes";
+  available.interveningReleases = {older, latest};
+  available.latestRelease = latest;
+
+  const UpdateSummary six = updateSummary(available, 6);
+  ASSERT_EQ(six.groups.size(), 2U);
+  EXPECT_EQ(six.groups[0].version, "1.5.0");
+  EXPECT_EQ(six.groups[1].changes, (std::vector<std::string>{"d"}));
+  EXPECT_EQ(six.omittedChanges, 2U);
+  EXPECT_EQ(six.fullNotesURL, "https://example.org/notes");
+  const UpdateSummary five = updateSummary(available, 5);
+  EXPECT_EQ(five.groups.size(), 1U) << "a version is not shown without one of its changes";
+  EXPECT_EQ(five.omittedChanges, 3U);
+  EXPECT_EQ(updateSummary(available, 100).omittedChanges, 0U);
+}
+
+}  // namespace
+}  // namespace ostrelon
