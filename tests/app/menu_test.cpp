@@ -9,7 +9,6 @@ namespace ostrelon {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::Optional;
 
 struct MenuTest : ::testing::Test, testing::TestApplication {
   std::optional<std::string> menu(std::string_view path) {
@@ -58,7 +57,7 @@ TEST_F(MenuTest, rowsWithNothingToDoAreDisabled) {
                            "File/Switch Branch/main", "File/Open Recent/No Recent Documents"}) {
     EXPECT_TRUE(isDisabled(path)) << path;
   }
-  EXPECT_EQ(menu("File/Nothing"), Optional(std::string("No menu command is named \"File/Nothing\".")));
+  EXPECT_EQ(menu("File/Nothing"), "No menu command is named \"File/Nothing\".");
   EXPECT_NE(menu("View/Appearance"), std::nullopt) << "a submenu is no command";
   EXPECT_NE(menu("View/Appearance/Pink"), std::nullopt);
   submit("wall 0 0 10 0");
