@@ -339,7 +339,10 @@ void CanvasOverlay::refreshPointerBadges() {
   const auto& cursor = *sketch_.cursorSketchPoint;
   coordinates_->setVisible(cursor.has_value());
   if (cursor) {
-    const auto number = [](double value) { return qtText(fmt::format("{:.1f}", value)); };
+    // Never "-0.0".
+    const auto number = [](double value) {
+      return qtText(fmt::format("{:.1f}", std::abs(value) < 0.05 ? 0.0 : value));
+    };
     coordinates_->setParts(
         {{.words = QStringLiteral("X"), .ink = BadgePart::Ink::secondary, .style = TextStyle::mono},
          {.words = number(cursor->x), .style = TextStyle::measurement},

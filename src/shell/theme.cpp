@@ -1,6 +1,7 @@
 #include "shell/theme.h"
 
 #include <QApplication>
+#include <QBitmap>
 #include <QFocusEvent>
 #include <QFocusFrame>
 #include <QLineEdit>
@@ -115,12 +116,30 @@ class BaseStyle final : public QProxyStyle {
     return QProxyStyle::sizeFromContents(type, option, size, widget);
   }
 
+  // Where nothing composes windows, what lies outside the rounded corners would be black.
+  bool eventFilter(QObject* object, QEvent* event) override {
+    if (event->type() == QEvent::Resize) {
+      if (auto* menu = qobject_cast<QMenu*>(object)) {
+        QBitmap mask(menu->size());
+        mask.clear();
+        QPainter painter(&mask);
+        painter.setBrush(Qt::color1);
+        painter.setPen(Qt::color1);
+        painter.drawRoundedRect(menu->rect().adjusted(0, 0, -1, -1), kMenuRadius - 1, kMenuRadius - 1);
+        painter.end();
+        menu->setMask(mask);
+      }
+    }
+    return QProxyStyle::eventFilter(object, event);
+  }
+
   void polish(QWidget* widget) override {
     QProxyStyle::polish(widget);
     if (qobject_cast<QMenu*>(widget) != nullptr) {
       widget->setWindowFlag(Qt::FramelessWindowHint);
       widget->setWindowFlag(Qt::NoDropShadowWindowHint);
       widget->setAttribute(Qt::WA_TranslucentBackground);
+      if (QGuiApplication::platformName() == QLatin1String("xcb")) widget->installEventFilter(this);
     }
   }
 
@@ -195,15 +214,14 @@ class FocusHalo final : public QFocusFrame {
 // Moves the halo: to fields always, to other controls when the focus came by the keyboard.
 class FocusWatcher final : public QObject {
  public:
-  FocusWatcher(Theme& theme, QObject* parent) : QObject(parent), halo_(new FocusHalo(theme)) {
-    QObject::connect(&theme, &Theme::changed, halo_, [halo = halo_] { halo->update(); });
+  FocusWatcher(Theme& theme, QObject* parent) : QObject(parent), theme_(theme) {
+    QObject::connect(&theme, &Theme::changed, this, [this] {
+      if (halo_) halo_->update();
+    });
   }
-  ~FocusWatcher() override { delete halo_.data(); }
-  FocusWatcher(const FocusWatcher&) = delete;
-  FocusWatcher& operator=(const FocusWatcher&) = delete;
 
   bool eventFilter(QObject* object, QEvent* event) override {
-    if (event->type() == QEvent::FocusIn && halo_) {
+    if (event->type() == QEvent::FocusIn) {
       auto* widget = qobject_cast<QWidget*>(object);
       const auto reason = static_cast<QFocusEvent*>(event)->reason();
       const bool byKeyboard = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
@@ -220,10 +238,16 @@ class FocusWatcher final : public QObject {
   void show(QWidget* widget) {
     if (widget != nullptr && (widget->isWindow() || widget->property("noFocusHalo").toBool()))
       widget = nullptr;
+    // The halo belongs to the window that it was shown in last, and ends with it.
+    if (!halo_) {
+      if (widget == nullptr) return;
+      halo_ = new FocusHalo(theme_);
+    }
     halo_->setWidget(widget);
     halo_->setVisible(widget != nullptr);
   }
 
+  Theme& theme_;
   QPointer<FocusHalo> halo_;
 };
 
