@@ -264,7 +264,19 @@ bool MainWindow::routeKey(QKeyEvent& event, QWidget* receiver) {
   // In the smaller windows Space presses the button that has the focus.
   if (!key.documentWindow && key.key == KeyName::space && qobject_cast<QAbstractButton*>(focus) != nullptr)
     return false;
-  if (handleKey(key, application_.sketch()) == KeyOutcome::consumed) return true;
+  const bool onEmptyLine = key.documentWindow && application_.sketch().commandInput->empty() &&
+                           (key.consoleFocus || !key.textFocus);
+  const bool isText = !event.text().isEmpty() && event.text().front().isPrint();
+  const Date now = application_.host().scheduler.now();
+  if (handleKey(key, application_.sketch()) == KeyOutcome::consumed) {
+    if (onEmptyLine && isText) swallowedLetters_.swallowed(plainText(event.text()), now);
+    return true;
+  }
+  if (onEmptyLine && isText) {
+    // What follows a shortcut's letter may show it to be the beginning of a command.
+    const std::string beginning = swallowedLetters_.takeBeginning(plainText(event.text()), now);
+    if (!beginning.empty()) console_->input()->setText(qtText(beginning));
+  }
   return key.documentWindow && typeIntoConsole(event);
 }
 

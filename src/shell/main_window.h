@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "app/application.h"
+#include "app/swallowed_letters.h"
 #include "shell/canvas_overlay.h"
 #include "shell/canvas_widget.h"
 #include "shell/console_panel.h"
@@ -59,6 +60,7 @@ class MainWindow final : public QWidget {
   ConsoleView* console_;
   WallSystemPanelView* wallSystems_;
   QWidget* unfolded_ = nullptr;  // a folded panel that lies unfolded over the canvas
+  SwallowedLetters swallowedLetters_;
   bool hasAppeared_ = false;
   bool mayClose_ = false;  // the question has been answered
   ScheduledUpdate titleUpdate_;
