@@ -247,14 +247,57 @@ std::vector<std::shared_ptr<const EntityList::Chunk>> EntityList::chunks() const
 }
 
 EntityList EntityList::fromChunks(std::vector<std::shared_ptr<const Chunk>> chunks) {
+  return fromChunks(std::move(chunks), {});
+}
+
+EntityList EntityList::fromChunks(std::vector<std::shared_ptr<const Chunk>> chunks, const EntityList& alike) {
+  // Each node and each identity of the other list is taken once: a chunk may stand in a list twice.
+  std::unordered_map<const Chunk*, NodePointer> nodesByFirstChunk;
+  std::unordered_map<const Chunk*, std::uint64_t> identities;
+  if (alike.root_) {
+    for (const NodePointer& node : alike.root_->nodes) {
+      nodesByFirstChunk.emplace(node->chunks.front().get(), node);
+      for (std::size_t i = 0; i < node->chunks.size(); ++i) {
+        identities.emplace(node->chunks[i].get(), node->identities[i]);
+      }
+    }
+  }
+  std::erase_if(chunks, [](const std::shared_ptr<const Chunk>& chunk) { return chunk->empty(); });
+  const auto isNodeAt = [&](const Node& node, std::size_t start) {
+    return node.chunks.size() <= chunks.size() - start &&
+           std::equal(node.chunks.begin(), node.chunks.end(),
+                      chunks.begin() + static_cast<std::ptrdiff_t>(start));
+  };
+
   EntityList list;
-  for (std::shared_ptr<const Chunk>& chunk : chunks) {
-    const std::size_t count = chunk->size();
-    if (count == 0) continue;
+  std::size_t next = 0;
+  bool closesNode = false;
+  while (next < chunks.size()) {
+    const auto known = nodesByFirstChunk.find(chunks[next].get());
+    if (known != nodesByFirstChunk.end() && isNodeAt(*known->second, next)) {
+      Root& root = list.ownRoot();
+      for (const ChunkPointer& chunk : known->second->chunks) identities.erase(chunk.get());
+      next += known->second->chunks.size();
+      root.ends.push_back(root.size() + known->second->size());
+      root.nodes.push_back(std::move(known->second));
+      nodesByFirstChunk.erase(known);
+      closesNode = true;
+      continue;
+    }
+    if (std::exchange(closesNode, false)) {
+      Root& root = list.ownRoot();
+      root.nodes.push_back(std::make_shared<Node>());
+      root.ends.push_back(root.size());
+    }
+    const auto identity = identities.find(chunks[next].get());
+    const std::size_t count = chunks[next]->size();
     // Chunks are made non-const by this class alone and written only while nobody else holds them,
     // which is what `ownChunk` sees to.
-    addChunk(list.nodeWithRoom(), std::const_pointer_cast<Chunk>(std::move(chunk)));
+    addChunk(list.nodeWithRoom(), std::const_pointer_cast<Chunk>(std::move(chunks[next])),
+             identity == identities.end() ? freshIdentity() : identity->second);
+    if (identity != identities.end()) identities.erase(identity);
     list.root_->ends.back() += count;
+    ++next;
   }
   return list;
 }

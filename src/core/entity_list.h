@@ -69,8 +69,10 @@ class EntityList {
 
   /// The chunks in order; two lists that share a chunk give the same address.
   std::vector<std::shared_ptr<const Chunk>> chunks() const;
-  /// A list over chunks that other lists may share. Empty chunks are dropped.
+  /// A list over chunks that other lists may share. Empty chunks are dropped. With a list of mostly the
+  /// same chunks, whole nodes of it are shared too.
   static EntityList fromChunks(std::vector<std::shared_ptr<const Chunk>> chunks);
+  static EntityList fromChunks(std::vector<std::shared_ptr<const Chunk>> chunks, const EntityList& alike);
 
   /// What differs between two lists, by identifier.
   struct Difference {

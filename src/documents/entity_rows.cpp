@@ -56,7 +56,9 @@ EntityList EntityRows::readList(Value& value, const JsonPlace& place) {
     if (building->size() == rowsInChunk_) finishChunk();
   }
   finishChunk();
-  return EntityList::fromChunks(std::move(chunks));
+  if (!sharesChunks_) return EntityList::fromChunks(std::move(chunks));
+  lastList_ = EntityList::fromChunks(std::move(chunks), lastList_);
+  return lastList_;
 }
 
 const EntityRows::KnownChunk* EntityRows::knownChunkAt(const char* rowStart) const {

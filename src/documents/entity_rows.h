@@ -48,6 +48,7 @@ class EntityRows {
   /// By the beginning of the first row, which holds its identifier; the chunk that was read last.
   std::unordered_map<std::string_view, KnownChunk> knownChunks_;
   std::unordered_map<UUID, PolygonVertices> knownVertices_;
+  EntityList lastList_;
 };
 
 }  // namespace ostrelon

@@ -18,7 +18,7 @@ constexpr std::int64_t kVerboseFormat = 1;
 // steps, which costs a chunk, costs little of the whole.
 constexpr std::size_t kUsualChunk = 512;
 constexpr std::size_t kSmallestChunk = 16;
-constexpr std::size_t kWantedChunks = 200;
+constexpr std::size_t kWantedChunks = 400;
 constexpr std::size_t kUsualRowBytes = 70;
 
 // What the first look at a file finds: its format, and how the second is best done.

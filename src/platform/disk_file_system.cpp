@@ -174,10 +174,14 @@ std::unique_ptr<PendingFile> DiskFileSystem::prepareFile(const FilePath& path, c
     if (::access(target.c_str(), W_OK) != 0) throw systemError(errno, FileAttempt::writing, target);
   }
 
-  const FilePath temporary = target.parent_path() / (".ostrelon-" + UUID::random().text() + ".tmp");
   // A file that will take over the permissions of an old one is closed to others until it has them.
   const mode_t firstMode = replaces ? 0600 : 0666;
-  const int created = calls_.open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, firstMode);
+  FilePath temporary;
+  int created = -1;
+  do {
+    temporary = target.parent_path() / (".ostrelon-" + UUID::random().text() + ".tmp");
+    created = calls_.open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, firstMode);
+  } while (created < 0 && errno == EEXIST);
   if (created < 0) throw systemError(errno, FileAttempt::writing, target);
   OpenFile file(created);
   auto pending = std::make_unique<PendingDiskFile>(calls_, target, temporary);

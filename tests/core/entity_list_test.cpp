@@ -120,6 +120,40 @@ TEST(EntityList, OneEditCopiesOneChunkAndSharesTheRest) {
   EXPECT_EQ(before, after);
 }
 
+TEST(EntityList, ListsBuiltFromMostlyTheSameChunksAreEditedAndComparedLikeAnyOther) {
+  const auto seed = std::random_device{}();
+  SCOPED_TRACE(seed);
+  std::mt19937 random(seed);
+  std::vector<std::shared_ptr<const EntityList::Chunk>> chunks;
+  const auto newChunk = [&] { return std::make_shared<const EntityList::Chunk>(lines(random() % 20)); };
+  for (int count = 0; count < 300; ++count) chunks.push_back(newChunk());
+  EntityList before = EntityList::fromChunks(chunks);
+  for (int round = 0; round < 50; ++round) {
+    const auto at = chunks.begin() + static_cast<std::ptrdiff_t>(random() % chunks.size());
+    switch (random() % 4) {
+      case 0:
+        *at = newChunk();
+        break;
+      case 1:
+        chunks.insert(at, newChunk());
+        break;
+      case 2:
+        chunks.erase(at);
+        break;
+      default:
+        chunks.push_back(chunks[random() % chunks.size()]);  // the same entities twice
+    }
+    EntityList after = EntityList::fromChunks(chunks, before);
+    std::vector<SketchEntity> expected;
+    for (const auto& chunk : chunks) expected.insert(expected.end(), chunk->begin(), chunk->end());
+    expectSame(after, expected);
+    EXPECT_LE(EntityList::difference(before, after).added.size(), 20u);
+    after.replace(expected.size() / 2, line(round));
+    EXPECT_EQ(EntityList::fromChunks(chunks), EntityList(expected)) << "edits leave what is shared alone";
+    before = EntityList::fromChunks(chunks, before);
+  }
+}
+
 TEST(EntityList, ShrinksToNothing) {
   EntityList list(lines(5000));
   while (!list.empty()) list.remove(list.size() / 2);

@@ -348,7 +348,7 @@ TEST(DocumentFormat, HoldsTwentyUndoStepsInLittleMoreThanTheEntitiesThemselves) 
   document.e = list;
   const SketchDocumentV2 read = readV2(encodeDocument(document));
   ASSERT_EQ(read, document);
-  EXPECT_LT(distinctEntities(read), document.e.size() * 12 / 10);
+  EXPECT_LT(distinctEntities(read), document.e.size() * 11 / 10);
 }
 
 }  // namespace

@@ -1,0 +1,205 @@
+// Opening and saving documents of 10,000 to 1,000,000 entities, alone and with 20 undo steps of single
+// edits. Bytes a second count the file; opening reads it from the system's cache, and saving is measured
+// both up to the disk (`BM_EncodeDocument`) and onto it.
+//
+// `heldMB`: memory in use by the open document. `undoPercent`: what the undo steps add to it.
+// `peakMB`: the largest resident size of the process while it worked.
+#include <benchmark/benchmark.h>
+#include <malloc.h>
+
+#include <fstream>
+#include <random>
+#include <string>
+
+#include "core/sketch_view_model.h"
+#include "documents/app_settings.h"
+#include "documents/auto_save.h"
+#include "documents/sketch_document.h"
+#include "documents/sketch_document_io.h"
+#include "platform/dialogs.h"
+#include "platform/disk_file_system.h"
+#include "platform/scheduler.h"
+
+namespace ostrelon {
+namespace {
+
+constexpr double kMegabyte = 1e6;
+constexpr int kUndoSteps = 20;
+
+// A drawing like those of the program: mostly walls and lines on a fine grid, some of everything else.
+SketchEntity randomEntity(std::mt19937& random, const UUID& system) {
+  std::uniform_int_distribution<int> grid(-200'000, 200'000);
+  const auto number = [&] { return grid(random) / 64.0; };
+  const auto point = [&] {
+    const double x = number();
+    return SketchPoint{x, number()};
+  };
+  const SketchPoint at = point();
+  const UUID id = UUID::random();
+  switch (grid(random) & 15) {
+    case 0:
+      return CircleEntity{id, at, 1 + std::abs(number())};
+    case 1:
+      return ArcEntity{id, at, 1 + std::abs(number()), 0.1, 2.3};
+    case 2:
+      return RectangleEntity{id, at, {12.25, 8}};
+    case 3:
+      return PolygonEntity{id, {at, point(), point(), point(), point()}};
+    case 4:
+    case 5:
+    case 6:
+    case 7:
+      return WallEntity{id, at, point(), system};
+    default:
+      return LineEntity{id, at, point()};
+  }
+}
+
+struct BenchmarkDocument {
+  DiskFileSystem files;
+  VirtualScheduler scheduler;
+  QueuedDialogs dialogs;
+  SketchViewModel sketch{Host{scheduler, dialogs, files}};
+};
+
+SketchDocumentV2 documentOf(std::int64_t size, bool hasUndo) {
+  std::mt19937 random(42);
+  BenchmarkDocument on;
+  SketchDocumentV2 document = on.sketch.makeDocumentV2(false);
+  const UUID system = document.ws.items.front().id;
+  std::vector<SketchEntity> entities;
+  entities.reserve(static_cast<std::size_t>(size));
+  for (std::int64_t count = 0; count < size; ++count) entities.push_back(randomEntity(random, system));
+  document.e = EntityList(std::move(entities));
+  if (!hasUndo) return document;
+  document.undo.emplace();
+  std::uniform_int_distribution<std::size_t> anywhere(0, document.e.size() - 1);
+  for (int step = 0; step < kUndoSteps; ++step) {
+    document.undo->push_back(document.e);
+    document.e.replace(anywhere(random), randomEntity(random, system));
+  }
+  return document;
+}
+
+double heldMegabytes() { return static_cast<double>(mallinfo2().uordblks + mallinfo2().hblkhd) / kMegabyte; }
+
+void resetPeak() { std::ofstream("/proc/self/clear_refs") << "5"; }
+
+double peakMegabytes() {
+  std::ifstream status("/proc/self/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with("VmHWM:")) return std::stod(line.substr(6)) * 1024 / kMegabyte;
+  }
+  return 0;
+}
+
+double heldAfterOpening(const std::string& bytes) {
+  BenchmarkDocument on;
+  const double before = heldMegabytes();
+  on.sketch.applyLoadedDocument(SketchDocumentIO::decodeDocument(bytes));
+  return heldMegabytes() - before;
+}
+
+void BM_OpenDocument(benchmark::State& state) {
+  const bool hasUndo = state.range(1) != 0;
+  const FilePath path = std::filesystem::temp_directory_path() / "ostrelon-benchmark.ostrel";
+  BenchmarkDocument on;
+  std::size_t size = 0;
+  double held = 0;
+  double heldWithoutUndo = 0;
+  {
+    SketchDocumentV2 document = documentOf(state.range(0), hasUndo);
+    const std::string bytes = SketchDocumentIO::encodeDocument(document);
+    size = bytes.size();
+    on.files.writeFile(path, bytes);
+    held = heldAfterOpening(bytes);
+    document.undo.reset();
+    heldWithoutUndo = heldAfterOpening(SketchDocumentIO::encodeDocument(document));
+  }
+  malloc_trim(0);
+  resetPeak();
+  for (auto _ : state) on.sketch.openDocumentFile(path);
+  state.counters["peakMB"] = peakMegabytes();
+  state.counters["fileMB"] = static_cast<double>(size) / kMegabyte;
+  state.counters["heldMB"] = held;
+  if (hasUndo) state.counters["undoPercent"] = (held / heldWithoutUndo - 1) * 100;
+  state.SetBytesProcessed(static_cast<std::int64_t>(size) * state.iterations());
+  std::filesystem::remove(path);
+}
+
+void BM_EncodeDocument(benchmark::State& state) {
+  const SketchDocumentV2 document = documentOf(state.range(0), state.range(1) != 0);
+  std::size_t bytes = 0;
+  malloc_trim(0);
+  resetPeak();
+  for (auto _ : state) {
+    SketchDocumentIO::encodeDocument(document, [&](std::string_view piece) { bytes += piece.size(); });
+  }
+  state.counters["peakMB"] = peakMegabytes();
+  state.SetBytesProcessed(static_cast<std::int64_t>(bytes));
+}
+
+void BM_SaveDocument(benchmark::State& state) {
+  const FilePath path = std::filesystem::temp_directory_path() / "ostrelon-benchmark.ostrel";
+  BenchmarkDocument on;
+  on.sketch.applyLoadedDocument({documentOf(state.range(0), state.range(1) != 0)});
+  for (auto _ : state) on.sketch.saveDocumentFile(path);
+  state.SetBytesProcessed(static_cast<std::int64_t>(std::filesystem::file_size(path)) * state.iterations());
+  std::filesystem::remove(path);
+}
+
+// How long an auto-save of 100,000 entities holds the main thread: all but the background's work.
+class SplitScheduler final : public Scheduler {
+ public:
+  Date now() const override { return clock.now(); }
+  ScheduledTask after(Seconds delay, std::function<void()> work) override {
+    return clock.after(delay, std::move(work));
+  }
+  ScheduledTask every(Seconds period, std::function<void()> work) override {
+    return clock.every(period, std::move(work));
+  }
+  ScheduledTask inBackground(std::function<void()> work, std::function<void()> finish) override {
+    background = std::move(work);
+    finishing = std::move(finish);
+    return ScheduledTask();
+  }
+  VirtualScheduler clock;
+  std::function<void()> background;
+  std::function<void()> finishing;
+};
+
+void BM_AutoSaveHoldsTheMainThread(benchmark::State& state) {
+  const FilePath path = std::filesystem::temp_directory_path() / "ostrelon-benchmark.ostrel";
+  DiskFileSystem files;
+  SplitScheduler scheduler;
+  QueuedDialogs dialogs;
+  MemoryUserDefaults defaults;
+  AppSettings settings(defaults, files, path.parent_path() / "none");
+  SketchViewModel sketch(Host{scheduler, dialogs, files});
+  sketch.applyLoadedDocument({documentOf(state.range(0), true)});
+  sketch.saveDocumentFile(path);
+  AutoSaveController controller(sketch, settings);
+  controller.rescheduleAutoSave();
+  for (auto _ : state) {
+    sketch.addLine({0, 0}, {1, 1});
+    scheduler.clock.advance(Seconds(300));
+    state.PauseTiming();
+    std::exchange(scheduler.background, nullptr)();
+    state.ResumeTiming();
+    std::exchange(scheduler.finishing, nullptr)();
+  }
+  std::filesystem::remove(path);
+}
+
+void sizes(benchmark::internal::Benchmark* benchmark) {
+  benchmark->ArgNames({"entities", "undo"})->Unit(benchmark::kMillisecond);
+  for (const std::int64_t size : {10'000, 100'000, 1'000'000}) benchmark->Args({size, 0})->Args({size, 1});
+}
+
+BENCHMARK(BM_OpenDocument)->Apply(sizes);
+BENCHMARK(BM_EncodeDocument)->Apply(sizes);
+BENCHMARK(BM_SaveDocument)->Apply(sizes);
+BENCHMARK(BM_AutoSaveHoldsTheMainThread)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace ostrelon
