@@ -121,6 +121,8 @@ std::string runChain(std::string_view text, SketchViewModel& sketch) {
   std::string reply;
   sketch.performAsOneChange([&] {
     const SketchCommandMutationState before = sketch.captureCommandMutationState();
+    const std::optional<PolygonDraft> polygon = sketch.polygonDraft;
+    const bool isInspectorVisible = sketch.isEntityInspectorVisible;
     sketch.changeUndoCheckpointSuppressionDepth(1);
     ChainExecutionContext context;
     std::optional<std::string> failure;
@@ -130,7 +132,7 @@ std::string runChain(std::string_view text, SketchViewModel& sketch) {
     }
     sketch.changeUndoCheckpointSuppressionDepth(-1);
     if (failure) {
-      sketch.restoreCommandMutationState(before);
+      sketch.restoreAfterFailedChain(before, polygon, isInspectorVisible);
       reply = chainError(number, *failure);
     } else {
       sketch.commitCommandMutationState(before);
@@ -170,6 +172,15 @@ std::string chainSummary(const ChainExecutionContext& context, std::size_t count
 }  // namespace ostrelon::CommandInterpreter
 
 namespace ostrelon {
+
+void SketchViewModel::restoreAfterFailedChain(const SketchCommandMutationState& before,
+                                              const std::optional<PolygonDraft>& polygon,
+                                              bool isInspectorVisible) {
+  const ChangeScope scope(tracker_);
+  restoreCommandMutationState(before);
+  polygonDraft = polygon;
+  isEntityInspectorVisible = isInspectorVisible;
+}
 
 void SketchViewModel::extendChainSegment(std::size_t index, SketchPoint to) {
   const ChangeScope scope(tracker_);

@@ -408,6 +408,10 @@ class SketchViewModel {
   /// Moves the end of the line or wall at this position; a wall becomes the selection. No undo step
   /// of its own: the chain takes one.
   void extendChainSegment(std::size_t index, SketchPoint to);
+  /// Takes a failed chain back, together with what `select` may have closed: a polygon in progress and
+  /// the inspector.
+  void restoreAfterFailedChain(const SketchCommandMutationState& before,
+                               const std::optional<PolygonDraft>& polygon, bool isInspectorVisible);
 
   // --- Documents (documents/document_operations.cpp); failures are thrown as UserError
 

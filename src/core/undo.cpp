@@ -79,16 +79,8 @@ void SketchViewModel::replaceUndoSnapshots(std::vector<SketchUndoSnapshot> snaps
 }
 
 SketchCommandMutationState SketchViewModel::captureCommandMutationState() const {
-  return {{entities.get()},
-          selectedEntityIDs,
-          primarySelectedEntityID,
-          selectedTool,
-          draft,
-          trimCuttingEdgeEntityID,
-          activeWallSystemSpecID,
-          isDocumentDirty,
-          polygonDraft,
-          isEntityInspectorVisible};
+  return {{entities.get()},        selectedEntityIDs,      primarySelectedEntityID, selectedTool, draft,
+          trimCuttingEdgeEntityID, activeWallSystemSpecID, isDocumentDirty};
 }
 
 void SketchViewModel::restoreCommandMutationState(const SketchCommandMutationState& state) {
@@ -99,8 +91,6 @@ void SketchViewModel::restoreCommandMutationState(const SketchCommandMutationSta
   primarySelectedEntityID = state.primarySelectedEntityID;
   selectedTool = state.selectedTool;
   draft = state.draft;
-  polygonDraft = state.polygonDraft;
-  isEntityInspectorVisible = state.isEntityInspectorVisible;
   trimCuttingEdgeEntityID = state.trimCuttingEdgeEntityID;
   activeWallSystemSpecID = state.activeWallSystemSpecID;
   selectDrag = std::nullopt;

@@ -58,8 +58,6 @@ struct SketchCommandMutationState {
   std::optional<UUID> trimCuttingEdgeEntityID;
   UUID activeWallSystemSpecID;
   bool isDocumentDirty = false;
-  std::optional<PolygonDraft> polygonDraft;
-  bool isEntityInspectorVisible = false;
 };
 
 }  // namespace ostrelon
