@@ -232,13 +232,6 @@ SketchDraft Reader<SketchDraft>::read(const Json& json, const ReadContext& conte
 }
 
 template <>
-PolygonDraft Reader<PolygonDraft>::read(const Json& json, const ReadContext& context) {
-  expectObject(json, "a polygon draft");
-  return {member<std::vector<SketchPoint>>(json, "vertices", context),
-          member<SketchPoint>(json, "current", context)};
-}
-
-template <>
 SketchBox Reader<SketchBox>::read(const Json& json, const ReadContext& context) {
   expectObject(json, "a rectangle {\"minX\":…,\"minY\":…,\"maxX\":…,\"maxY\":…}");
   return {member<double>(json, "minX", context), member<double>(json, "minY", context),
@@ -307,8 +300,7 @@ SketchCommandMutationState Reader<SketchCommandMutationState>::read(const Json& 
           member<std::optional<SketchDraft>>(json, "draft", context),
           member<std::optional<UUID>>(json, "trimCuttingEdgeEntityID", context),
           member<UUID>(json, "activeWallSystemSpecID", context),
-          member<bool>(json, "isDocumentDirty", context),
-          member<std::optional<PolygonDraft>>(json, "polygonDraft", context)};
+          member<bool>(json, "isDocumentDirty", context)};
 }
 
 template <>

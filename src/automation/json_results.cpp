@@ -182,8 +182,7 @@ Json toJson(const SketchCommandMutationState& value) {
           {"draft", toJson(value.draft)},
           {"trimCuttingEdgeEntityID", toJson(value.trimCuttingEdgeEntityID)},
           {"activeWallSystemSpecID", toJson(value.activeWallSystemSpecID)},
-          {"isDocumentDirty", value.isDocumentDirty},
-          {"polygonDraft", toJson(value.polygonDraft)}};
+          {"isDocumentDirty", value.isDocumentDirty}};
 }
 
 Json toJson(const DocumentToastState& value) {
