@@ -189,7 +189,8 @@ std::string trimResultMessage(const TrimResult& result) {
       return fmt::format("Entity {} trimmed at intersection with Entity {}.", result.targetNumber,
                          result.edgeNumber);
   }
-  return {};
+  // Codes 5 and 6 are kept free and read as code 3.
+  return "Entity type cannot be trimmed.";
 }
 
 bool isTrimmable(const SketchEntity& entity) { return !std::holds_alternative<PolygonEntity>(entity); }
