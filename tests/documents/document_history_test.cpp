@@ -213,9 +213,10 @@ TEST_F(DocumentHistoryTest, RefusesNamesThatLeadOutOfTheStore) {
   sketch.createHistoryBranch("b");
   const DocumentHistoryMetadata good = sketch.documentHistoryState->metadata;
   const auto before = files.list(home.path());
-  for (const std::string bad :
-       {"", ".", "..", "../x", "a/b", "/etc", "a\\b", std::string("a\0b", 3).c_str()}) {
-    if (bad == "a") continue;
+  const std::string withNul("a\0b", 3);
+  for (const std::string& bad :
+       {std::string(), std::string("."), std::string(".."), std::string("../x"), std::string("a/b"),
+        std::string("/etc"), std::string("a\\b"), withNul}) {
     DocumentHistoryMetadata metadata = good;
     metadata.branches[1].id = bad;
     writeHistoryMetadata(files, plan, metadata);
