@@ -80,6 +80,10 @@ void Application::save() { saveCurrentDocument(sketch_, settings_, true); }
 
 void Application::saveAs() { saveDocumentAs(sketch_, settings_, true); }
 
+void Application::rescheduleAutoSave() {
+  if (autoSaveController_) autoSaveController_->rescheduleAutoSave();
+}
+
 void Application::revertToLastAutosave() {
   using Style = DocumentToastState::Style;
   if (!settings_.lastAutoSave->has_value()) {

@@ -82,6 +82,8 @@ class Application {
   void openDocumentAt(const FilePath& url);
   void save();
   void saveAs();
+  /// Starts the auto-save timer afresh.
+  void rescheduleAutoSave();
   /// Back to the last auto-save; unsaved changes are dropped.
   void revertToLastAutosave();
   /// The main window is asked to close: `reply` tells whether it may, `closeNow` runs later when the

@@ -17,6 +17,9 @@
 namespace ostrelon {
 namespace {
 
+/// Some three years, seconds: a slip of the unit must not keep the timers running for hours.
+constexpr double kLongestAdvance = 1e8;
+
 SketchPoint viewPointOf(const AutomationSession& session, const Json& request) {
   return {requestMember<double>(session, request, "x"), requestMember<double>(session, request, "y")};
 }
@@ -206,8 +209,8 @@ const std::map<std::string, Operation, std::less<>>& operations() {
       {"time.advance",
        [](AutomationSession& session, const Json& request) -> Json {
          const double seconds = requestMember<double>(session, request, "seconds");
-         if (!(seconds >= 0) || seconds > 1e9) {
-           throw ArgumentError("\"seconds\": expected a number from 0 to 1e9.");
+         if (!(seconds >= 0) || seconds > kLongestAdvance) {
+           throw ArgumentError("\"seconds\": expected a number from 0 to 1e8.");
          }
          session.scheduler.advance(Seconds(seconds));
          return nullptr;
@@ -223,6 +226,7 @@ const CallTable& callTable() {
     CallTable rows;
     addSketchCalls(rows);
     addEditCalls(rows);
+    addChainCalls(rows);
     addGeometryCalls(rows);
     addInteractionCalls(rows);
     addDocumentCalls(rows);
@@ -236,6 +240,7 @@ class AutomationHost::Program {
  public:
   explicit Program(const AutomationOptions& options)
       : scheduler_(options.clock),
+        files_(options.files != nullptr ? *options.files : disk_),
         defaults_(files_, options.paths.settingsFile),
         updateClient_(scheduler_, options.paths.temporaryFolder),
         application_(
@@ -257,7 +262,7 @@ class AutomationHost::Program {
   Json reply(std::string_view line) {
     const std::size_t linesBefore = application_.sketch().consoleLines->size();
     Json reply = Json::object();
-    Json id;
+    std::optional<Json> id;
     try {
       std::string error;
       const auto request = parseJson(line, error);
@@ -281,7 +286,7 @@ class AutomationHost::Program {
           {{"text", lines[i].text}, {"isError", lines[i].isError}, {"isSystem", lines[i].isSystem}});
     }
     reply["console"] = std::move(console);
-    if (!id.is_null()) reply["id"] = std::move(id);
+    if (id) reply["id"] = std::move(*id);
     return reply;
   }
 
@@ -297,7 +302,8 @@ class AutomationHost::Program {
 
   VirtualScheduler scheduler_;
   QueuedDialogs dialogs_;
-  DiskFileSystem files_;
+  DiskFileSystem disk_;
+  FileSystem& files_;
   JsonUserDefaults defaults_;
   ServedUpdateClient updateClient_;
   Application application_;

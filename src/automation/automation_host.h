@@ -13,6 +13,7 @@
 #include <string_view>
 
 #include "platform/date.h"
+#include "platform/file_system.h"
 #include "platform/user_paths.h"
 
 namespace ostrelon {
@@ -23,6 +24,7 @@ struct AutomationOptions {
   std::string updateFeed;
   std::string updateKey;
   bool isUITesting = false;
+  FileSystem* files = nullptr;  ///< must outlive the host; null: the disk
 };
 
 class AutomationHost {

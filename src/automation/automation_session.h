@@ -49,6 +49,7 @@ const CallTable& callTable();
 // Each adds the rows of one part of the program.
 void addSketchCalls(CallTable& table);
 void addEditCalls(CallTable& table);
+void addChainCalls(CallTable& table);
 void addGeometryCalls(CallTable& table);
 void addInteractionCalls(CallTable& table);
 void addDocumentCalls(CallTable& table);

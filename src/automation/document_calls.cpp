@@ -63,13 +63,13 @@ void addDocumentCalls(CallTable& table) {
     return ensureDocumentHistory(session.application.settings().files(), url);
   });
   table["createCheckpoint"] = sessionCall([](AutomationSession& session, const FilePath& url,
-                                             const std::string& message, std::optional<Date> date) {
+                                             const std::string& message, const std::optional<Date>& date) {
     return createCheckpoint(session.application.settings().files(), url, message,
                             date.value_or(session.scheduler.now()), session.sketch().makeDocumentV2(false));
   });
   table["createBranch"] =
       sessionCall([](AutomationSession& session, const FilePath& url, const std::string& name,
-                     const std::string& sourceCheckpointID, std::optional<Date> date) {
+                     const std::string& sourceCheckpointID, const std::optional<Date>& date) {
         return createBranch(session.application.settings().files(), url, name, sourceCheckpointID,
                             date.value_or(session.scheduler.now()));
       });
@@ -84,6 +84,25 @@ void addDocumentCalls(CallTable& table) {
   table["revertToLastAutoSave"] = sessionCall([](AutomationSession& session) {
     revertToLastAutoSave(session.sketch(), session.application.settings());
   });
+  table["restoreCandidate"] =
+      sessionCall([](AutomationSession& session, const std::optional<AutoSaveRecoveryCandidate>& candidate,
+                     const std::string& successText, const std::string& missingText) {
+        return restoreCandidate(session.sketch(), candidate, successText, missingText);
+      });
+  table["rescheduleAutoSave"] =
+      sessionCall([](AutomationSession& session) { session.application.rescheduleAutoSave(); });
+
+  // --- The sheets of the start
+  table["showProjectsFolderSetup"] =
+      sessionCall([](AutomationSession& session) { return *session.application.showProjectsFolderSetup; });
+  table["showAutoSaveRecoveryOffer"] =
+      sessionCall([](AutomationSession& session) { return *session.application.showAutoSaveRecoveryOffer; });
+  table["completeProjectsFolderSetup"] =
+      sessionCall([](AutomationSession& session) { session.application.completeProjectsFolderSetup(); });
+  table["restoreAutoSaveFromOffer"] =
+      sessionCall([](AutomationSession& session) { session.application.restoreAutoSaveFromOffer(); });
+  table["skipAutoSaveRecovery"] =
+      sessionCall([](AutomationSession& session) { session.application.skipAutoSaveRecovery(); });
 
   // --- Settings
   table["setAppearanceMode"] = sessionCall([](AutomationSession& session, AppearanceMode mode) {
@@ -108,18 +127,28 @@ void addDocumentCalls(CallTable& table) {
       sessionCall([](AutomationSession& session) { session.application.settings().clearProjectsFolder(); });
   table["resetProjectsFolderForUITesting"] = sessionCall(
       [](AutomationSession& session) { session.application.settings().resetProjectsFolderForUITesting(); });
+  table["setLastUpdateCheckAt"] =
+      sessionCall([](AutomationSession& session, const std::optional<Date>& date) {
+        session.application.settings().setLastUpdateCheckAt(date);
+      });
+  table["setPostponedUpdateVersion"] =
+      sessionCall([](AutomationSession& session, const std::optional<std::string>& version) {
+        session.application.settings().setPostponedUpdateVersion(version);
+      });
   table["recordLastAutoSave"] = sessionCall([](AutomationSession& session, const FilePath& url,
                                                const std::string& name, const std::optional<Date>& savedAt) {
     session.application.settings().recordLastAutoSave(url, name, savedAt);
   });
+  table["isInsideProjectsFolder"] = sessionCall([](AutomationSession& session, const FilePath& url) {
+    return session.application.settings().isInsideProjectsFolder(url);
+  });
+  table["defaultProjectsFolder"] = sessionCall(
+      [](AutomationSession& session) { return session.application.settings().defaultProjectsFolder(); });
   table["rememberDocumentBookmark"] = sessionCall([](AutomationSession& session, const FilePath& url) {
     session.application.settings().rememberDocumentBookmark(url);
   });
   table["isUITesting"] =
       sessionCall([](AutomationSession& session) { return session.application.settings().isUITesting(); });
-  table["isInsideProjectsFolder"] = sessionCall([](AutomationSession& session, const FilePath& url) {
-    return session.application.settings().isInsideProjectsFolder(url);
-  });
   table["isProjectsFolderConfigured"] = sessionCall(
       [](AutomationSession& session) { return session.application.settings().isProjectsFolderConfigured(); });
 }

@@ -2,81 +2,12 @@
 #include "app/inspector.h"
 #include "app/wall_panel.h"
 #include "automation/call_binding.h"
-#include "console/command_chain.h"
 
 namespace ostrelon {
 namespace {
 
 Json toJson(const EntityEditMessage& message) {
   return {{"text", message.text}, {"isError", message.isError}, {"isSystem", message.isSystem}};
-}
-
-Json chainCommandJson(const CommandInterpreter::ChainCommand& command) {
-  using namespace CommandInterpreter;  // NOLINT(google-build-using-namespace)
-  using ostrelon::toJson;
-  return std::visit(
-      Overloaded{
-          [](const ChainLine& line) {
-            return Json{{"case", "line"}, {"from", toJson(line.from)}, {"to", toJson(line.to)}};
-          },
-          [](const ChainWall& wall) {
-            return Json{{"case", "wall"},
-                        {"from", toJson(wall.from)},
-                        {"to", toJson(wall.to)},
-                        {"systemSpecID", toJson(wall.systemSpecID)}};
-          },
-          [](const ChainCircle& circle) {
-            return Json{{"case", "circle"}, {"center", toJson(circle.center)}, {"radius", circle.radius}};
-          },
-          [](const ChainRectangle& rectangle) {
-            return Json{{"case", "rectangle"},
-                        {"origin", toJson(rectangle.origin)},
-                        {"size", toJson(rectangle.size)}};
-          },
-          [](const ChainSelect& select) {
-            return Json{{"case", "select"}, {"indices", toJson(select.indices)}};
-          },
-          [](const ChainAssign& assign) {
-            return Json{{"case", "assign"}, {"specID", toJson(assign.specID)}};
-          },
-          [](const ChainSpecUse& use) {
-            return Json{{"case", "specUse"}, {"specID", toJson(use.specID)}};
-          },
-          [](const ChainSpecShow& show) {
-            return Json{{"case", "specShow"}, {"name", toJson(show.name)}};
-          },
-          [](const ChainSpecList&) {
-            return Json{{"case", "specList"}};
-          },
-      },
-      command);
-}
-
-// The commands of a chain, or the number of the segment that cannot be one and what is wrong with it.
-Json parsedChain(AutomationSession& session, const std::string& text) {
-  const auto parsed = CommandInterpreter::parseChain(text, session.sketch());
-  if (const auto* error = std::get_if<CommandInterpreter::ChainError>(&parsed)) {
-    return {{"case", "failure"}, {"segment", error->segment}, {"message", error->message}};
-  }
-  Json commands = Json::array();
-  for (const auto& command : std::get<0>(parsed)) commands.push_back(chainCommandJson(command));
-  return commands;
-}
-
-Json toJson(const InspectorMetricRow& row) { return {{"label", row.label}, {"value", row.value}}; }
-
-// The kind of an edit by its name, with its values behind the result.
-Json editMessage(AutomationSession& /*session*/, const std::string& kind, EntityEditResult result,
-                 const Json& first, const Json& second) {
-  const auto number = [](const Json& json) { return json.is_number() ? json.get<double>() : 0; };
-  if (kind == "length") return toJson(entityEditMessage(LengthEdit{number(first)}, result));
-  if (kind == "nudge") return toJson(entityEditMessage(NudgeEdit{number(first), number(second)}, result));
-  if (kind == "convert") {
-    const bool toWall = first == Json("wall") || first == Json(1);
-    const auto target = toWall ? EntityConversionTarget::wall : EntityConversionTarget::line;
-    return toJson(entityEditMessage(ConvertEdit{target}, result));
-  }
-  throw ArgumentError("Argument 1: expected one of length, nudge, convert.");
 }
 
 }  // namespace
@@ -97,6 +28,8 @@ void addEditCalls(CallTable& table) {
   table["beginMarquee"] = sketchCall(&SketchViewModel::beginMarquee);
   table["finishMarquee"] = sketchCall(&SketchViewModel::finishMarquee);
   table["setSelectMarquee"] = sketchCall(&SketchViewModel::setSelectMarquee);
+  table["updateMarquee"] = sketchCall(&SketchViewModel::updateMarquee);
+  table["selectAll"] = sketchCall(&SketchViewModel::selectAll);
   table["replaceEntity"] = sketchCall(&SketchViewModel::replaceEntity);
 
   // --- Edits
@@ -124,12 +57,13 @@ void addEditCalls(CallTable& table) {
   table["trimInstruction"] = sketchCall(&SketchViewModel::trimInstruction);
   table["clearTrimCuttingEdge"] = sketchCall(&SketchViewModel::clearTrimCuttingEdge);
   table["extendLine"] = sketchCall(&SketchViewModel::extendLine);
-  table["runChain"] = sessionCall([](AutomationSession& session, const std::string& text) {
-    return CommandInterpreter::runChain(text, session.sketch());
-  });
-
-  table["parseChain"] = sessionCall(
-      [](AutomationSession& session, const std::string& text) { return parsedChain(session, text); });
+  table["extendChainSegment"] =
+      sessionCall([](AutomationSession& session, std::int64_t index, SketchPoint to) {
+        if (index < 0 || index >= static_cast<std::int64_t>(session.sketch().entities->size())) {
+          throw ArgumentError("Argument 1: no entity stands at this position.");
+        }
+        session.sketch().extendChainSegment(static_cast<std::size_t>(index), to);
+      });
 
   // --- The length editor
   table["currentSegmentLengthText"] = sketchCall(&SketchViewModel::currentSegmentLengthText);
@@ -149,6 +83,13 @@ void addEditCalls(CallTable& table) {
       sessionCall([](AutomationSession& session, const std::string& x, const std::string& y) {
         return applyInspectorNudge(session.sketch(), x, y);
       });
+  table["applyInspectorConvert"] =
+      sessionCall([](AutomationSession& session) { applyInspectorConvert(session.sketch()); });
+  table["applyInspectorWallSystem"] = sessionCall(
+      [](AutomationSession& session, const UUID& id) { applyInspectorWallSystem(session.sketch(), id); });
+  table["inspectorSelectionHeading"] =
+      sessionCall([](AutomationSession& session) { return inspectorSelectionHeading(session.sketch()); });
+  table["inspectorLengthText"] = functionCall(inspectorLengthText);
   table["inspectorMetricRows"] =
       sessionCall([](AutomationSession& session, const SketchEntity& entity) -> Json {
         const auto* wall = std::get_if<WallEntity>(&entity);

@@ -1,8 +1,25 @@
-// Calls of the pure geometry. Where a list of entities is left out, that of the document is meant.
+// Calls of the pure geometry. Where null stands for a list of entities, that of the document is meant.
 #include "automation/call_binding.h"
 #include "geometry/entity_geometry.h"
 
 namespace ostrelon {
+namespace {
+
+// A trim of one kind of target; others are refused.
+template <class... Targets>
+Call trimCall(TrimGeometry (*trim)(const SketchEntity& target, const SketchEntity& cutter, SketchPoint point),
+              const char* kind) {
+  return sessionCall([trim, kind](AutomationSession&, const SketchEntity& target, const SketchEntity& cutter,
+                                  SketchPoint point) {
+    if (!(std::holds_alternative<Targets>(target) || ...)) {
+      throw ArgumentError(std::string("Argument 1: expected ") + kind + ".");
+    }
+    if (!isTrimmable(cutter)) throw ArgumentError("Argument 2: a polygon cuts nothing.");
+    return trim(target, cutter, point);
+  });
+}
+
+}  // namespace
 
 void addGeometryCalls(CallTable& table) {
   table["distanceToSegment"] = functionCall(distanceToSegment);
@@ -13,6 +30,15 @@ void addGeometryCalls(CallTable& table) {
       sessionCall([](AutomationSession&, const EntityList& entities, SketchPoint point, double scale) {
         return pickEntityAtPoint(entities, point, scale);
       });
+  table["distanceBetween"] = functionCall(distanceBetween);
+  table["directionDegrees"] = functionCall(directionDegrees);
+  table["arcPoints"] = sessionCall([](AutomationSession&, const SketchEntity& entity) {
+    const auto* arc = std::get_if<ArcEntity>(&entity);
+    if (arc == nullptr) throw ArgumentError("Argument 1: expected an arc.");
+    return arcPoints(*arc);
+  });
+  table["entityBounds"] = functionCall(entityBounds);
+  table["rectContains"] = functionCall(rectContains);
   table["normalizedAngle"] = functionCall(normalizedAngle);
   table["angleInArcSpan"] = functionCall(angleInArcSpan);
   table["arcSpan"] = functionCall(arcSpan);
@@ -47,14 +73,23 @@ void addGeometryCalls(CallTable& table) {
   table["isTrimmable"] = functionCall(isTrimmable);
   table["cuttingSegments"] = functionCall(cuttingSegments);
   table["rectangleCorners"] = functionCall(rectangleCorners);
-  table["segmentCircleIntersections"] = functionCall(segmentCircleIntersections);
+  table["segmentCircleIntersections"] =
+      sessionCall([](AutomationSession&, const Segment& segment, SketchPoint center, double radius) {
+        return segmentCircleIntersections(segment.first, segment.second, center, radius);
+      });
   table["arcContainingPoint"] = functionCall(arcContainingPoint);
-  table["trimSegment"] = functionCall(trimEntity);
-  table["trimCircle"] = functionCall(trimEntity);
-  table["trimArc"] = functionCall(trimEntity);
-  table["trimRectangle"] = functionCall(trimEntity);
+  table["trimSegment"] = trimCall<LineEntity, WallEntity>(trimSegment, "a line or a wall");
+  table["trimCircle"] = trimCall<CircleEntity>(trimCircle, "a circle");
+  table["trimArc"] = trimCall<ArcEntity>(trimArc, "an arc");
+  table["trimRectangle"] = trimCall<RectangleEntity>(trimRectangle, "a rectangle");
+  table["trimEntity"] = trimCall<LineEntity, WallEntity, CircleEntity, ArcEntity, RectangleEntity>(
+      trimEntity, "an entity that can be trimmed");
+  table["clipPolygonByLine"] = functionCall(clipPolygonByLine);
   table["trimResultMessage"] = functionCall(trimResultMessage);
-  table["extendSegmentToBoundary"] = functionCall(extendSegmentToBoundary);
+  table["extendSegmentToBoundary"] =
+      sessionCall([](AutomationSession&, const Segment& segment, const Segment& boundary) {
+        return extendSegmentToBoundary(segment.first, segment.second, boundary.first, boundary.second);
+      });
 }
 
 }  // namespace ostrelon

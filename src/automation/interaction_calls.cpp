@@ -23,6 +23,7 @@ void addInteractionCalls(CallTable& table) {
   table["gridStep"] = functionCall(gridStep);
   table["gridScaleLabel"] = functionCall(gridScaleLabel);
   table["zoomPercentageLabel"] = functionCall(zoomPercentageLabel);
+  table["clampedViewportScale"] = functionCall(clampedViewportScale);
   table["zoomViewport"] = sketchCall(&SketchViewModel::zoomViewport);
   table["zoomToFit"] = sketchCall(&SketchViewModel::zoomToFit);
   table["resetViewport"] = sketchCall(&SketchViewModel::resetViewport);
@@ -62,6 +63,7 @@ void addInteractionCalls(CallTable& table) {
       });
   table["handleAnchor"] = functionCall(handleAnchor);
   table["trackingCandidate"] = functionCall(trackingCandidate);
+  table["snapPointer"] = sketchCall(&SketchViewModel::snapPointer);
   table["snapDraftEnd"] = sketchCall(&SketchViewModel::snapDraftEnd);
   table["publishSnap"] = sessionCall([](AutomationSession& session, const SketchSnapResult& result,
                                         const std::optional<SketchPoint>& guideAnchor) {
@@ -85,6 +87,8 @@ void addInteractionCalls(CallTable& table) {
   table["updatePolygonDraft"] = sketchCall(&SketchViewModel::updatePolygonDraft);
   table["closePolygon"] = sketchCall(&SketchViewModel::closePolygon);
   table["activateTool"] = sketchCall(&SketchViewModel::activateTool);
+  table["setDraftCurrent"] = sketchCall(&SketchViewModel::setDraftCurrent);
+  table["activateToolFromConsole"] = sketchCall(&SketchViewModel::activateToolFromConsole);
   table["activateSelectTool"] = sketchCall(&SketchViewModel::activateSelectTool);
   table["handleEscape"] = sketchCall(&SketchViewModel::handleEscape);
   table["hoverMoved"] = sketchCall(&SketchViewModel::hoverMoved);

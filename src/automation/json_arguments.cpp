@@ -201,6 +201,7 @@ SketchEntity Reader<SketchEntity>::read(const Json& json, const ReadContext& con
 
 template <>
 EntityList Reader<EntityList>::read(const Json& json, const ReadContext& context) {
+  if (json.is_null()) return context.sketch.entities;
   return EntityList(Reader<std::vector<SketchEntity>>::read(json, context));
 }
 
@@ -341,6 +342,22 @@ template <>
 AppUpdateManifest Reader<AppUpdateManifest>::read(const Json& json, const ReadContext&) {
   if (json.is_array()) return decodeManifest(jsonText(Json{{"releases", json}}));
   return decodeManifest(json.is_string() ? json.get<std::string>() : jsonText(json));
+}
+
+template <>
+AppUpdateAvailability Reader<AppUpdateAvailability>::read(const Json& json, const ReadContext& context) {
+  expectObject(json, "an available update");
+  return {member<std::string>(json, "currentVersion", context),
+          member<AppUpdateRelease>(json, "latestRelease", context),
+          member<std::vector<AppUpdateRelease>>(json, "interveningReleases", context)};
+}
+
+template <>
+AutoSaveRecoveryCandidate Reader<AutoSaveRecoveryCandidate>::read(const Json& json,
+                                                                  const ReadContext& context) {
+  expectObject(json, "a recovery candidate");
+  return {member<FilePath>(json, "url", context), member<std::string>(json, "displayName", context),
+          member<std::optional<Date>>(json, "savedAt", context)};
 }
 
 template <>

@@ -13,6 +13,7 @@ void addSketchCalls(CallTable& table) {
   table["entityLabel"] = functionCall(entityLabel);
   table["entityDescription"] = functionCall(entityDescription);
   table["entityMetrics"] = functionCall(entityMetrics);
+  table["entityLabelText"] = sketchCall(&SketchViewModel::entityLabelText);
   table["entityNumber"] =
       sessionCall([](AutomationSession& session, const UUID& id, const std::optional<EntityList>& entities) {
         return entityNumber(id, entities ? *entities : session.sketch().entities.get());
@@ -29,6 +30,7 @@ void addSketchCalls(CallTable& table) {
   table["parseFeetInches"] = functionCall(parseFeetInches);
   table["formatFeetInches"] = functionCall(formatFeetInches);
   table["formatShortNumber"] = functionCall(formatShortNumber);
+  table["formatExactNumber"] = functionCall(formatExactNumber);
   table["parseDegrees"] = functionCall(parseDegrees);
   table["aliasHelpText"] = functionCall(CommandInterpreter::aliasHelpText);
   table["helpText"] = functionCall(CommandInterpreter::helpText);
@@ -88,6 +90,7 @@ void addSketchCalls(CallTable& table) {
   table["clearSnapState"] = sketchCall(&SketchViewModel::clearSnapState);
   table["cancelTrackingDwell"] = sketchCall(&SketchViewModel::cancelTrackingDwell);
   table["clearDraft"] = sketchCall(&SketchViewModel::clearDraft);
+  table["closeSegmentLengthEdit"] = sketchCall(&SketchViewModel::closeSegmentLengthEdit);
   table["cancelDraft"] = sketchCall(&SketchViewModel::cancelDraft);
 }
 

@@ -22,16 +22,23 @@ void addUpdateCalls(CallTable& table) {
       [](AutomationSession&, const AppUpdateManifest& manifest, const std::string& currentVersion) {
         return evaluateManifest(manifest, currentVersion);
       });
-  table["changeGroups"] = sessionCall([](AutomationSession& session) -> Json {
-    const auto& available = *session.application.updates().availableUpdate;
-    if (!available) return nullptr;
-    return toJson(changeGroups(*available));
-  });
+  // Without an argument, those of the update that is available.
+  table["changeGroups"] = sessionCall(
+      [](AutomationSession& session, const std::optional<AppUpdateAvailability>& availability) -> Json {
+        const auto& shown = availability ? availability : *session.application.updates().availableUpdate;
+        return shown ? toJson(changeGroups(*shown)) : Json();
+      });
   table["signedPayload"] = functionCall(signedPayload);
+  table["decodeManifest"] = functionCall(decodeManifest);
+  table["encodeManifest"] = functionCall(encodeManifest);
+  table["sha256OfFile"] = sessionCall(
+      [](AutomationSession&, const FilePath& file) { return sha256OfFile(HeldFile::open(file)); });
   table["verifyInstaller"] =
       sessionCall([](AutomationSession&, const AppUpdateRelease& release, const FilePath& file,
                      const std::string& publicKey) { verifyInstaller(release, file, publicKey); });
 
+  table["statusText"] =
+      sessionCall([](AutomationSession& session) { return session.application.updates().statusText(); });
   table["startAutomaticChecks"] =
       sessionCall([](AutomationSession& session) { session.application.updates().startAutomaticChecks(); });
   table["checkIfDue"] =

@@ -80,7 +80,7 @@ TEST_F(Session, RefusesWhatDoesNotFitAndGoesOn) {
             "There are 1 arguments where at most 0 are expected.");
   EXPECT_EQ(refusal(R"({"op":"state","fields":["nothing"]})"), "There is no field \"nothing\".");
   EXPECT_EQ(refusal(R"({"op":"time.advance","seconds":-1})"),
-            "\"seconds\": expected a number from 0 to 1e9.");
+            "\"seconds\": expected a number from 0 to 1e8.");
   EXPECT_EQ(refusal(R"({"op":"menu","title":"Edit/Undo"})"), "The menu command \"Edit/Undo\" is disabled.");
   EXPECT_EQ(result(R"({"op":"state","fields":["entities"]})")["entities"].size(), 0u);
 }
@@ -137,6 +137,64 @@ TEST_F(Session, SavesAsksAndStartsAgain) {
   call("openDocumentFile", "[\"" + path + "\"]");
   EXPECT_EQ(result(R"({"op":"state","fields":["documentName"]})")["documentName"], "plan");
   EXPECT_EQ(result(R"({"op":"settings"})")["autoSaveIntervalMinutes"], 5);
+}
+
+TEST_F(Session, CopiesAnIdentifierOfAnyTypeNullIncluded) {
+  EXPECT_TRUE(send(R"({"op":"state","fields":[],"id":null})").contains("id"));
+  EXPECT_FALSE(send(R"({"op":"state","fields":[]})").contains("id"));
+  EXPECT_EQ(send(R"({"op":"fly","id":{"a":[1]}})")["id"], Json::parse(R"({"a":[1]})"));
+}
+
+TEST_F(Session, KeepsCheckpointsOnBranches) {
+  std::filesystem::create_directories(home);
+  const std::string path = "\"" + (home / "plan.ostrel").string() + "\"";
+  result(R"({"op":"submit","text":"line 0 0 10 10"})");
+  call("saveToURL", "[" + path + ",false]");
+  const std::string checkpoint = call("saveCheckpoint", R"(["Walls"])")["id"];
+  EXPECT_EQ(call("createBranch", "[" + path + R"(,"Option A",")" + checkpoint + "\",1767225600]")["id"],
+            "option-a");
+  EXPECT_EQ(call("loadDocumentHistory", "[" + path + "]")["metadata"]["branches"].size(), 2u);
+  EXPECT_EQ(refusal(R"({"op":"call","name":"switchBranch","args":["attic"]})"),
+            "No branch named attic exists.");
+  EXPECT_EQ(call("switchBranch", R"(["option a"])")["headCheckpointID"],
+            call("currentBranch")["headCheckpointID"]);
+  result(R"({"op":"submit","text":"circle 0 0 5"})");
+  EXPECT_EQ(refusal(R"({"op":"call","name":"switchBranch","args":["main"]})"),
+            "Save or checkpoint current changes before switching branches.");
+}
+
+TEST_F(Session, OffersTheLastAutoSaveAfterAKill) {
+  const std::string folder = (home / "Projects").string();
+  std::filesystem::create_directories(folder);
+  call("setCustomProjectsFolder", "[\"" + folder + "\"]");
+  result(R"({"op":"submit","text":"wall 0 0 120 0"})");
+  result(R"({"op":"time.advance","seconds":299.9})");
+  EXPECT_EQ(result(R"({"op":"settings"})")["lastAutoSave"], Json());
+  const Json reply = send(R"({"op":"time.advance","seconds":0.1})");
+  EXPECT_EQ(reply["console"].size(), 1u) << reply;
+  const std::string saved = folder + "/Untitled Project.ostrel";
+  EXPECT_EQ(result(R"({"op":"settings"})")["lastAutoSave"]["url"], saved);
+  start();  // the flag of a clean end was never written
+  EXPECT_EQ(call("showAutoSaveRecoveryOffer"), true);
+  call("restoreAutoSaveFromOffer");
+  EXPECT_EQ(result(R"({"op":"state","fields":["entities"]})")["entities"].size(), 1u);
+  EXPECT_EQ(call("showAutoSaveRecoveryOffer"), false);
+  host->terminate();
+  start();
+  EXPECT_EQ(call("showAutoSaveRecoveryOffer"), false);
+}
+
+TEST_F(Session, SavesBeforeItCloses) {
+  std::filesystem::create_directories(home);
+  result(R"({"op":"submit","text":"line 0 0 10 10"})");
+  result(R"({"op":"answer","value":"Save"})");
+  result(R"({"op":"answer","value":")" + (home / "kept.ostrel").string() + "\"}");
+  EXPECT_EQ(result(R"({"op":"window.close"})"), "refused");
+  EXPECT_FALSE(std::filesystem::exists(home / "kept.ostrel"));
+  result(R"({"op":"time.advance","seconds":0})");
+  result(R"({"op":"time.advance","seconds":0.2})");
+  EXPECT_TRUE(std::filesystem::exists(home / "kept.ostrel"));
+  EXPECT_EQ(result(R"({"op":"window.close"})"), "closed");
 }
 
 TEST_F(Session, EveryRequestIsAnsweredByOneLineAndTheEndIsClean) {
