@@ -10,6 +10,22 @@ Json toJson(const EntityEditMessage& message) {
   return {{"text", message.text}, {"isError", message.isError}, {"isSystem", message.isSystem}};
 }
 
+Json toJson(const InspectorMetricRow& row) { return {{"label", row.label}, {"value", row.value}}; }
+
+// The kind of an edit by its name, with its values behind the result.
+Json editMessage(AutomationSession& /*session*/, const std::string& kind, EntityEditResult result,
+                 const Json& first, const Json& second) {
+  const auto number = [](const Json& json) { return json.is_number() ? json.get<double>() : 0; };
+  if (kind == "length") return toJson(entityEditMessage(LengthEdit{number(first)}, result));
+  if (kind == "nudge") return toJson(entityEditMessage(NudgeEdit{number(first), number(second)}, result));
+  if (kind == "convert") {
+    const bool toWall = first == Json("wall") || first == Json(1);
+    const auto target = toWall ? EntityConversionTarget::wall : EntityConversionTarget::line;
+    return toJson(entityEditMessage(ConvertEdit{target}, result));
+  }
+  throw ArgumentError("Argument 1: expected one of length, nudge, convert.");
+}
+
 }  // namespace
 
 template <>

@@ -216,7 +216,8 @@ TEST_F(CallStorm, EveryOperationIsReachedAndRefusalsChangeNothing) {
       }
     }
     // These two want what no chance brings together: a checkpoint's name, and a publisher's signature.
-    if (name != "createBranch" && name != "verifyInstaller") EXPECT_TRUE(isReached) << refusal;
+    const bool isRare = name == "createBranch" || name == "verifyInstaller";
+    EXPECT_TRUE(isReached || isRare) << refusal;
   }
 }
 
