@@ -5,6 +5,7 @@
 #include <QPainterPath>
 #include <QStyle>
 #include <QStyleOptionFrame>
+#include <QTextLayout>
 #include <algorithm>
 
 #include "app/shortcut_text.h"
@@ -15,7 +16,7 @@ namespace ostrelon {
 // --- TextLabel
 
 TextLabel::TextLabel(Theme& theme, TextStyle style, Rank rank, const QString& text, QWidget* parent)
-    : QLabel(text, parent), theme_(theme), rank_(rank) {
+    : QLabel(text, parent), theme_(theme), style_(style), rank_(rank) {
   setFont(fontOf(style));
   setTextFormat(Qt::PlainText);
   setMinimumHeight(lineHeightOf(style));
@@ -26,6 +27,49 @@ TextLabel::TextLabel(Theme& theme, TextStyle style, Rank rank, const QString& te
 void TextLabel::setRank(Rank rank) {
   rank_ = rank;
   applyColor();
+}
+
+namespace {
+
+// Lays words out in lines of the type scale's height; `each` is called with a line and its top.
+template <class Each>
+int layOutLines(const QString& text, const QFont& font, int width, int lineHeight, Each&& each) {
+  QTextLayout layout(text, font);
+  QTextOption option;
+  option.setWrapMode(QTextOption::WordWrap);
+  layout.setTextOption(option);
+  layout.beginLayout();
+  int height = 0;
+  for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+    line.setLineWidth(width);
+    each(line, height + (lineHeight - line.height()) / 2);
+    height += lineHeight;
+  }
+  layout.endLayout();
+  return height;
+}
+
+}  // namespace
+
+int TextLabel::heightForWidth(int width) const {
+  if (!wordWrap()) return QLabel::heightForWidth(width);
+  return std::max(lineHeightOf(style_),
+                  layOutLines(text(), font(), width, lineHeightOf(style_), [](QTextLine&, double) {}));
+}
+
+void TextLabel::paintEvent(QPaintEvent* event) {
+  if (!wordWrap()) {
+    QLabel::paintEvent(event);
+    return;
+  }
+  // Qt sets lines as tight as the font allows; ours have the height of the type scale.
+  QPainter painter(this);
+  painter.setPen(palette().color(QPalette::WindowText));
+  const bool isCentred = alignment().testFlag(Qt::AlignHCenter);
+  layOutLines(text(), font(), width(), lineHeightOf(style_), [&](QTextLine& line, double top) {
+    const double left = isCentred ? (width() - line.naturalTextWidth()) / 2 : 0;
+    line.draw(&painter, QPointF(left, top));
+  });
 }
 
 void TextLabel::applyColor() {

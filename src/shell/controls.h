@@ -19,11 +19,16 @@ class TextLabel : public QLabel {
 
   TextLabel(Theme& theme, TextStyle style, Rank rank, const QString& text = {}, QWidget* parent = nullptr);
   void setRank(Rank rank);
+  int heightForWidth(int width) const override;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
 
  private:
   void applyColor();
 
   Theme& theme_;
+  TextStyle style_;
   Rank rank_;
 };
 

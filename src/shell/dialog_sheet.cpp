@@ -40,6 +40,9 @@ DialogSheet::DialogSheet(Theme& theme, QWidget& window, int width, int padding)
   hide();
 }
 
+// Deleted while it is open it gives the window back all the same.
+DialogSheet::~DialogSheet() { hide(); }
+
 void DialogSheet::hideEvent(QHideEvent* event) {
   QWidget::hideEvent(event);
   if (event->spontaneous()) return;

@@ -18,6 +18,9 @@ class DialogSheet : public QWidget {
  public:
   /// Covers `window`. `width` and `padding`: of the card, px.
   DialogSheet(Theme& theme, QWidget& window, int width, int padding);
+  ~DialogSheet() override;
+  DialogSheet(const DialogSheet&) = delete;
+  DialogSheet& operator=(const DialogSheet&) = delete;
 
   QVBoxLayout& content() { return *content_; }
   /// Where a button joins the row at the foot: behind the others, or in front of them.

@@ -219,7 +219,7 @@ void LeftNavView::resizeEvent(QResizeEvent* event) {
 
 void LeftNavView::place() {
   const int inner = width() - 1;
-  logo_->setGeometry(0, 0, inner, kLogoHeight);
+  logo_->setGeometry(0, 0, inner, kLogoHeight - 1);
   logoLine_->setGeometry(0, kLogoHeight - 1, inner, 1);
   int y = kLogoHeight + kEdge;
   if (!rail_) {

@@ -7,6 +7,7 @@
 #include <QDragEnterEvent>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QTextEdit>
@@ -50,6 +51,25 @@ bool isTextControl(const QWidget* widget) {
          qobject_cast<const QPlainTextEdit*>(widget) != nullptr;
 }
 
+// The shadow of a panel that lies over the canvas.
+class PanelShadow final : public QWidget {
+ public:
+  PanelShadow(Theme& theme, QWidget* parent) : QWidget(parent), theme_(theme) {
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    hide();
+  }
+
+ protected:
+  void paintEvent(QPaintEvent* /*event*/) override {
+    const int reach = shadowReach(2);
+    QPainter painter(this);
+    paintShadow(painter, QRectF(rect()).adjusted(reach, reach, -reach, -reach), theme_, 2, 1);
+  }
+
+ private:
+  Theme& theme_;
+};
+
 }  // namespace
 
 MainWindow::MainWindow(Application& application, Theme& theme, QWidget* parent)
@@ -62,6 +82,7 @@ MainWindow::MainWindow(Application& application, Theme& theme, QWidget* parent)
       overlay_(new CanvasOverlay(application, theme, *canvas_)),
       console_(new ConsoleView(application.sketch(), theme, this)),
       wallSystems_(new WallSystemPanelView(application.sketch(), theme, this)),
+      unfoldedShadow_(new PanelShadow(theme, this)),
       titleUpdate_(
           application.sketch(),
           fieldMask(SketchField::documentName, SketchField::documentFileURL, SketchField::isDocumentDirty),
@@ -120,7 +141,13 @@ void MainWindow::place() {
   console_->setGeometry(left, h - consoleHeight, canvasWidth, consoleHeight);
   const int wallsWidth = unfolded_ == wallSystems_ ? WallSystemPanelView::kWidth : right;
   wallSystems_->setGeometry(w - wallsWidth, top, wallsWidth, h - top);
-  if (unfolded_ != nullptr) unfolded_->raise();
+  unfoldedShadow_->setVisible(unfolded_ != nullptr);
+  if (unfolded_ != nullptr) {
+    const int reach = shadowReach(2);
+    unfoldedShadow_->setGeometry(unfolded_->geometry().adjusted(-reach, -reach, reach, reach));
+    unfoldedShadow_->raise();
+    unfolded_->raise();
+  }
 }
 
 void MainWindow::unfold(QWidget* panel) {

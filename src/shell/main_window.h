@@ -61,6 +61,7 @@ class MainWindow final : public QWidget {
   WallSystemPanelView* wallSystems_;
   QWidget* unfolded_ = nullptr;  // a folded panel that lies unfolded over the canvas
   SwallowedLetters swallowedLetters_;
+  QWidget* unfoldedShadow_;
   bool hasAppeared_ = false;
   bool mayClose_ = false;  // the question has been answered
   ScheduledUpdate titleUpdate_;

@@ -13,6 +13,7 @@ namespace {
 constexpr int kGap = 8;
 constexpr int kDot = 7;
 constexpr int kBranchIcon = 14;
+constexpr int kTightWidth = 800;
 
 // A button of the bar: its title, its key, and the menu command that it stands for.
 struct MenuBarAction {
@@ -126,6 +127,8 @@ void TopMenuBarView::resizeEvent(QResizeEvent* event) {
 }
 
 void TopMenuBarView::place() {
+  // In a very narrow bar the actions stand closer, so that something is left for the name.
+  for (Button* button : actions_) button->setPaddings(width() < kTightWidth ? 5 : 8, 28);
   const int middle = (kHeight - 1) / 2;
   const QSize menus = menuBar_->sizeHint();
   menuBar_->setGeometry(8, middle - 14, menus.width(), 28);

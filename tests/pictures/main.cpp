@@ -1,162 +1,244 @@
-// Pictures of the windows in every theme, for the README and for a designer's eye.
+// Pictures of every window in every theme, for the README and for a designer's eye: the program on a
+// virtual clock, driven to the moments worth seeing.
 //
-//   ostrelon_pictures FOLDER
+//   ostrelon_pictures FOLDER CONSOLE-LINES
 #include <QApplication>
 #include <QDir>
+#include <QMenu>
+#include <QThread>
 #include <cstdio>
+#include <fstream>
 
-#include "app/application.h"
-#include "platform/user_defaults.h"
-#include "shell/inspector_window.h"
-#include "shell/main_window.h"
+#include "app/menu.h"
+#include "shell/context_menu_popup.h"
+#include "shell/dialog_sheet.h"
 #include "shell/qt_dialogs.h"
-#include "shell/settings_window.h"
-#include "shell/sheets.h"
-#include "shell/theme.h"
-#include "support/test_sketch.h"
-#include "updates/served_update_client.h"
+#include "shell/windowed_program.h"
+#include "support/test_application.h"
 
 namespace ostrelon {
 namespace {
 
-void run(SketchViewModel& sketch, const char* line) {
-  sketch.setCommandInput(line);
-  sketch.submitCommandInput();
-}
-
-void drawHouse(SketchViewModel& sketch) {
-  for (const char* line : {
-           "wall -76 48 76 48 W2-EXT",
-           "wall 76 48 76 -44 W2-EXT",
-           "wall 76 -44 -20 -44 W2-EXT",
-           "wall -20 -44 -76 -44 W2-EXT",
-           "wall -76 -44 -76 48 W2-EXT",
-           "wall -20 48 -20 16 W2-INT",
-           "wall -20 0 -20 -44 W2-INT",
-           "wall -76 2 -64 2",
-           "wall -40 2 36 2",
-           "wall 36 2 36 -44",
-           "wall 48 48 48 28",
-           "wall 48 20 48 -22",
-           "wall 48 8 76 8",
-           "rect -52 16 20 8",
-           "circle -46 12 2",
-           "circle -42 12 2",
-           "circle -38 12 2",
-           "rect -68 -32 8 22",
-           "rect -56 -28 16 10",
-           "poly 8 -18 14 -28 8 -38 -4 -38 -10 -28 -4 -18",
-           "circle 2 -28 4",
-           "circle 28 -38 4",
-           "rect 54 -38 16 10",
-           "line 10 40 36 40",
-           "line 36 40 34 42",
-           "line 36 40 34 38",
-       }) {
-    run(sketch, line);
-  }
-}
+constexpr const char* kManifest = R"({ "releases": [
+  { "version": "1.4.3", "downloadUrl": "https://example.org/a.deb", "sha256": "00", "signature": "AA==",
+    "changes": ["Large plans pan without pauses", "Checkpoints show their number", "Faster exports"] },
+  { "version": "1.5.0", "downloadUrl": "https://example.org/b.deb", "sha256": "00", "signature": "AA==",
+    "releaseNotesUrl": "https://example.org/notes",
+    "changes": ["Tangents snap while the end of a line is dragged", "Trimmed walls keep their wall system",
+                "Branches can be switched from the File menu"] } ] })";
 
 struct ThemeChoice {
   const char* name;
-  const ThemePalette& palette;
+  AppearanceMode mode;
 };
+constexpr ThemeChoice kThemes[] = {
+    {"light", AppearanceMode::light}, {"dark", AppearanceMode::dark}, {"tansy", AppearanceMode::tansy}};
 
+/// The program and a camera.
 class Studio {
  public:
-  Studio(Theme& theme, QString folder) : theme_(theme), folder_(std::move(folder)) {}
+  Studio(QString folder, const char* plan) : folder_(std::move(folder)), dialogs_(theme_) {
+    installBaseStyle(theme_);
+    test_.application.settings().useDefaultProjectsFolder();
+    program_ = std::make_unique<WindowedProgram>(test_.application, theme_, dialogs_);
+    window().resize(1440, 900);
+    window().show();
+    window().activateWindow();
+    settle();
+    std::ifstream lines(plan);
+    for (std::string line; std::getline(lines, line);) {
+      if (!line.empty() && line.front() != '#') test_.submit(line);
+    }
+    const FilePath document = **application().settings().projectsFolderURL / "Courtyard House.ostrel";
+    test_.dialogs.queue(document.string());
+    application().saveAs();
+    settle();
+    test_.submit("checkpoint Before the walls move");
+    sketch().clearDocumentToast();
+    for (const char* line : {"spec use w2-int", "wall 0 20 24 20", "nudge 4"}) test_.submit(line);
+    sketch().zoomToFit(sketch().canvasSize);
+    settle();
+  }
 
-  void shoot(QWidget& window, const QString& name) {
+  SketchViewModel& sketch() { return test_.sketch; }
+  Application& application() { return test_.application; }
+  MainWindow& window() { return program_->mainWindow(); }
+  WindowedProgram& program() { return *program_; }
+  testing::TestApplication& test() { return test_; }
+  QtDialogs& dialogs() { return dialogs_; }
+  Theme& theme() { return theme_; }
+  template <class Widget = QAbstractButton>
+  Widget& control(const char* identifier) {
+    return *window().findChild<Widget*>(identifier);
+  }
+
+  void settle() {
     for (int i = 0; i < 4; ++i) {
+      test_.settle();
       QApplication::processEvents();
       QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
-    const QString path = folder_ + "/" + name + ".png";
-    if (!window.grab().save(path)) std::fprintf(stderr, "Cannot write %s.\n", qPrintable(path));
+    window().canvas().finishPainting();
   }
-  Theme& theme() { return theme_; }
+  void useTheme(const ThemeChoice& theme) {
+    themeName_ = theme.name;
+    application().settings().setAppearanceMode(theme.mode);
+    settle();
+  }
+  void shoot(QWidget& widget, const char* name) {
+    settle();
+    const QString path = QStringLiteral("%1/%2-%3.png").arg(folder_, QString(name), themeName_);
+    if (!widget.grab().save(path)) std::fprintf(stderr, "Cannot write %s.\n", qPrintable(path));
+  }
+  void resize(int width, int height) {
+    window().resize(width, height);
+    settle();
+    sketch().zoomToFit(sketch().canvasSize);
+    settle();
+  }
 
  private:
-  Theme& theme_;
   QString folder_;
+  QString themeName_;
+  testing::TestApplication test_;
+  Theme theme_;
+  QtDialogs dialogs_;
+  std::unique_ptr<WindowedProgram> program_;
 };
+
+/// The first wall, for scenes that need one.
+UUID aWall(SketchViewModel& sketch) {
+  for (const SketchEntity& entity : *sketch.entities) {
+    if (std::holds_alternative<WallEntity>(entity)) return entityID(entity);
+  }
+  return {};
+}
+
+SketchPoint inView(SketchViewModel& sketch, SketchPoint point) {
+  const SketchViewport& view = sketch.viewport;
+  return {view.pan.x + point.x * view.scale, view.pan.y - point.y * view.scale};
+}
+
+void shootMainWindow(Studio& studio) {
+  SketchViewModel& sketch = studio.sketch();
+  const UUID wall = aWall(sketch);
+  studio.resize(1440, 900);
+  sketch.selectSingleEntity(wall);
+  sketch.hoverMoved(SketchPoint{520, 360});
+  studio.shoot(studio.window(), "main");
+
+  sketch.activateTool(SketchTool::wall);
+  sketch.beginDraft({0, 10});
+  sketch.updateDraft({24, 10});
+  sketch.recordPointer(inView(sketch, {24, 10}));
+  studio.shoot(studio.window(), "drawing");
+  sketch.activateSelectTool();
+
+  studio.resize(1200, 800);
+  sketch.activateTool(SketchTool::trim);
+  sketch.hoverMoved(inView(sketch, std::get<WallEntity>(*sketch.entity(wall)).from));
+  studio.shoot(studio.window(), "trim");
+  sketch.activateSelectTool();
+
+  sketch.selectAll();
+  sketch.showDocumentToast("Saved Courtyard House", DocumentToastState::Style::success);
+  for (int i = 0; i < 20; ++i) {
+    QThread::msleep(10);
+    QApplication::processEvents();
+  }
+  studio.shoot(studio.window(), "many");
+  sketch.showDocumentToast("Save failed: The disk is full.", DocumentToastState::Style::error);
+  studio.resize(760, 560);
+  studio.shoot(studio.window(), "narrow");
+  sketch.clearDocumentToast();
+  sketch.clearSelection();
+  sketch.hoverMoved(std::nullopt);
+  studio.control("wallSystems.unfold").click();
+  studio.shoot(studio.window(), "narrow-walls");
+  QApplication::processEvents();
+  studio.resize(1200, 800);
+}
+
+void shootMenus(Studio& studio) {
+  SketchViewModel& sketch = studio.sketch();
+  for (QAction* action : studio.window().topBar().menuBar().actions()) {
+    if (action->text() != "File") continue;
+    action->menu()->popup(QPoint(0, 0));
+    studio.shoot(*action->menu(), "menu-file");
+    action->menu()->close();
+  }
+  sketch.selectSingleEntity(aWall(sketch));
+  QMenu menu;
+  fillContextMenu(menu, *entityContextMenu(sketch), sketch);
+  menu.popup(QPoint(0, 0));
+  menu.setActiveAction(menu.actions().back());
+  studio.shoot(menu, "menu-context");
+  menu.close();
+}
+
+void shootInspector(Studio& studio) {
+  SketchViewModel& sketch = studio.sketch();
+  sketch.selectSingleEntity(aWall(sketch));
+  sketch.showEntityInspector();
+  studio.shoot(studio.program().inspector(), "inspector");
+  sketch.selectAll();
+  studio.shoot(studio.program().inspector(), "inspector-many");
+  sketch.setEntityInspectorVisible(false);
+  sketch.clearSelection();
+}
+
+void shootQuestions(Studio& studio) {
+  QtDialogs& dialogs = studio.dialogs();
+  dialogs.ask(Alert{"Do you want to save changes to Courtyard House before closing?",
+                    "If you do not save, changes will be lost.",
+                    {"Save", "Cancel", "Don't Save"}},
+              [](const DialogAnswer&) {});
+  studio.shoot(studio.window(), "question");
+  studio.control("alert.Cancel").click();
+  studio.settle();
+  dialogs.ask(TextPrompt{"Save Checkpoint", "Name this design milestone.", "Checkpoint 1", "Save Checkpoint"},
+              [](const DialogAnswer&) {});
+  studio.shoot(studio.window(), "prompt");
+  studio.control("prompt.cancel").click();
+  studio.settle();
+  auto* setup = new ProjectsFolderSetupView(studio.application(), studio.theme(), studio.window());
+  setup->open();
+  studio.shoot(studio.window(), "first-run");
+  delete setup;
+  auto* recovery = new AutoSaveRecoverySheet(studio.application(), studio.theme(), studio.window());
+  recovery->open();
+  studio.shoot(studio.window(), "recovery");
+  delete recovery;
+}
+
+void shootSettings(Studio& studio) {
+  studio.program().settings().open();
+  studio.shoot(studio.program().settings(), "settings");
+  studio.program().settings().close();
+}
 
 }  // namespace
 }  // namespace ostrelon
 
 int main(int argc, char** argv) {
   using namespace ostrelon;
+  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   QApplication qt(argc, argv);
-  if (argc != 2) {
-    std::fprintf(stderr, "Usage: ostrelon_pictures FOLDER\n");
+  if (argc != 3) {
+    std::fprintf(stderr, "Usage: ostrelon_pictures FOLDER CONSOLE-LINES\n");
     return 2;
   }
   QDir().mkpath(argv[1]);
-  Theme theme;
-  installBaseStyle(theme);
-
-  VirtualScheduler scheduler;
-  QueuedDialogs dialogs;
-  MemoryUserDefaults defaults;
-  ServedUpdateClient client(scheduler, "/tmp");
-  testing::NoFileSystem files;
-  Application application(
-      {{scheduler, dialogs, files}, defaults, client, [](const FilePath&) { return true; }},
-      {"/home/studio/Documents", updateConfiguration("1.4.2", "318", "https://example.org/feed", "AA=="),
-       true});
-  SketchViewModel& sketch = application.sketch();
-  Studio studio(theme, argv[1]);
-
-  MainWindow window(application, theme);
-  window.resize(1440, 900);
-  window.show();
-  QApplication::processEvents();
-  drawHouse(sketch);
-  sketch.zoomToFit(sketch.canvasSize);
-  run(sketch, "nudge 4");
-  sketch.selectSingleEntity(entityID(sketch.entities.get()[10]));
-  sketch.recordPointer(SketchPoint{400, 300});
-  InspectorWindow inspector(sketch, theme, &window);
-  SettingsWindow settings(application, theme, {}, &window);
-  QtDialogs questions(theme);
-  questions.setWindow(&window);
-  for (const ThemeChoice& choice : {ThemeChoice{"light", lightPalette()}, ThemeChoice{"dark", darkPalette()},
-                                    ThemeChoice{"tansy", tansyPalette()}}) {
-    theme.setPalette(choice.palette);
-    window.resize(1440, 900);
-    studio.shoot(window, QString("main-%1").arg(choice.name));
-    window.resize(760, 560);
-    studio.shoot(window, QString("main-narrow-%1").arg(choice.name));
-    window.resize(1200, 800);
-    sketch.showEntityInspector();
-    studio.shoot(inspector, QString("inspector-%1").arg(choice.name));
-    sketch.selectAll();
-    studio.shoot(inspector, QString("inspector-many-%1").arg(choice.name));
-    studio.shoot(window, QString("main-many-%1").arg(choice.name));
-    sketch.setEntityInspectorVisible(false);
-    sketch.selectSingleEntity(entityID(sketch.entities.get()[10]));
-    questions.ask(Alert{"Do you want to save changes to Untitled Project before closing?",
-                        "If you do not save, changes will be lost.",
-                        {"Save", "Cancel", "Don't Save"}},
-                  [](const DialogAnswer&) {});
-    studio.shoot(window, QString("close-question-%1").arg(choice.name));
-    window.findChild<QPushButton*>("alert.Cancel")->click();
-    questions.ask(
-        TextPrompt{"Save Checkpoint", "Name this design milestone.", "Checkpoint 1", "Save Checkpoint"},
-        [](const DialogAnswer&) {});
-    studio.shoot(window, QString("prompt-%1").arg(choice.name));
-    window.findChild<QPushButton*>("prompt.cancel")->click();
-    settings.open();
-    studio.shoot(settings, QString("settings-%1").arg(choice.name));
-    settings.close();
-    auto* setup = new ProjectsFolderSetupView(application, theme, window);
-    setup->open();
-    studio.shoot(window, QString("first-run-%1").arg(choice.name));
-    delete setup;
-    auto* recovery = new AutoSaveRecoverySheet(application, theme, window);
-    recovery->open();
-    studio.shoot(window, QString("recovery-%1").arg(choice.name));
-    delete recovery;
+  Studio studio(argv[1], argv[2]);
+  studio.test().client.serve(kManifest, std::nullopt);
+  studio.application().updates().checkForUpdates(true);
+  for (const ThemeChoice& theme : kThemes) {
+    studio.useTheme(theme);
+    shootMainWindow(studio);
+    shootMenus(studio);
+    shootInspector(studio);
+    shootQuestions(studio);
+    shootSettings(studio);
   }
   return 0;
 }
