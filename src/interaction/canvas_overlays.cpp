@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <set>
+#include <utility>
 
 #include "core/sketch_view_model.h"
 #include "geometry/selection_handles.h"
@@ -30,6 +32,9 @@ constexpr double kSelectionGlowOpacity = 0.24;
 constexpr double kSelectionWidth = 2.75;
 constexpr double kHandleRadius = 6.0;
 constexpr double kHandleRingWidth = 2.0;
+/// With more handles than this, one stands for all those within a cell of so many view points.
+constexpr std::size_t kMostPlainHandles = 256;
+constexpr double kCrowdedHandleCell = 3.0;
 
 constexpr double kMarqueeWidth = 1.25;
 constexpr LineDash kMarqueeDash{4, 3};
@@ -184,9 +189,16 @@ void paintSelection(CanvasPainter& painter, const SketchViewModel& model, const 
   if (entity == nullptr) return;
   paintSelectedEntity(painter, frame, *entity, *model.wallSystemSpecs);
   const ViewRect visible = frame.paintedRect().grown(kHandleRadius + kHandleRingWidth);
-  for (const auto& [handle, point] : selectionHandles(*entity)) {
+  const auto handles = selectionHandles(*entity);
+  std::set<std::pair<double, double>> taken;
+  for (const auto& [handle, point] : handles) {
     const CanvasEllipse grip{frame.toView(point), kHandleRadius};
     if (!visible.contains(grip.center)) continue;
+    if (handles.size() > kMostPlainHandles) {
+      const auto cell = std::pair(std::floor(grip.center.x / kCrowdedHandleCell),
+                                  std::floor(grip.center.y / kCrowdedHandleCell));
+      if (!taken.insert(cell).second) continue;
+    }
     painter.fillEllipse(grip, {frame.palette.active});
     painter.strokeEllipse(grip, {.color = frame.palette.card, .width = kHandleRingWidth});
   }

@@ -20,11 +20,11 @@ PixelBuffer bufferOf(QImage& image, const QRect& part) {
           clip.top() + clip.height()};
 }
 
-/// Round ends make a join of their own, so such strokes fall apart into lines. A thick line would show
-/// where its pieces meet, and so would a translucent one.
+/// Round ends make a join of their own, so such strokes fall apart into lines. A translucent one would
+/// show where its pieces meet.
 bool fallsApart(const Stroke& stroke) {
   return stroke.opacity == 1 && !stroke.isDashed() && stroke.cap == LineCap::round &&
-         stroke.join == LineJoin::round && stroke.width < 4;
+         stroke.join == LineJoin::round;
 }
 
 /// Upright and level lines from one side of the picture to the other, as those of a grid. Positions in
@@ -57,6 +57,7 @@ std::optional<Lattice> latticeOf(const CanvasPath& path, const Stroke& stroke, c
   return lattice;
 }
 
+/// Dashes with square ends that no corner bends.
 bool isDashedLine(const CanvasPath& path, const Stroke& stroke) {
   return stroke.isDashed() && stroke.cap == LineCap::butt && path.pieces().size() == 1 &&
          !path.pieces().front().closed && path.pieces().front().end == 2;
@@ -72,8 +73,7 @@ PixelCanvasPainter::PixelCanvasPainter(QImage& image, double pixelRatio, const Q
 
 void PixelCanvasPainter::strokePath(const CanvasPath& path, const Stroke& stroke) {
   if (isDashedLine(path, stroke)) {
-    const auto points = path.points(path.pieces().front());
-    strokeDashes({points[0], points[1]}, stroke);
+    strokeDashes(path.points(path.pieces().front()), false, stroke);
     return;
   }
   const double width = stroke.width * ratio_;
@@ -88,31 +88,28 @@ void PixelCanvasPainter::strokePath(const CanvasPath& path, const Stroke& stroke
     canvas_.strokePath(path, stroke);
     return;
   }
-  const PixelColor color = PixelColor::of(stroke.color);
-  for (const CanvasPath::Piece& piece : path.pieces()) {
-    const auto points = path.points(piece);
-    if (points.empty()) continue;
-    for (std::size_t i = 0; i + 1 < points.size(); ++i) {
-      rasterRoundLine(buffer_, toPixels({points[i], points[i + 1]}), width, color);
-    }
-    if (piece.closed || points.size() == 1) {
-      rasterRoundLine(buffer_, toPixels({points.back(), points.front()}), width, color);
-    }
-  }
+  strokePieces(path, stroke);
 }
 
-void PixelCanvasPainter::strokeDashes(const CanvasSegment& line, const Stroke& stroke) {
-  const double length = distanceBetween(line.from, line.to);
-  if (!(length > 0)) return;
-  const SketchPoint direction = (line.to - line.from) * (1 / length);
+void PixelCanvasPainter::strokeDashes(std::span<const SketchPoint> points, bool closed,
+                                      const Stroke& stroke) {
   const double period = stroke.dash.on + stroke.dash.off;
   const PixelColor color = PixelColor::of(stroke.color, stroke.opacity);
-  for (double start = -std::fmod(stroke.dashOffset, period); start < length; start += period) {
-    const double from = std::max(start, 0.0);
-    const double to = std::min(start + stroke.dash.on, length);
-    if (!(to > from)) continue;
-    rasterButtLine(buffer_, toPixels({line.from + direction * from, line.from + direction * to}),
-                   stroke.width * ratio_, color);
+  double phase = std::fmod(stroke.dashOffset, period);
+  for (std::size_t i = 0; i + (closed ? 0 : 1) < points.size(); ++i) {
+    const SketchPoint begin = points[i];
+    const SketchPoint end = points[(i + 1) % points.size()];
+    const double length = distanceBetween(begin, end);
+    if (!(length > 0)) continue;
+    const SketchPoint direction = (end - begin) * (1 / length);
+    for (double start = -phase; start < length; start += period) {
+      const double from = std::max(start, 0.0);
+      const double to = std::min(start + stroke.dash.on, length);
+      if (!(to > from)) continue;
+      rasterButtLine(buffer_, toPixels({begin + direction * from, begin + direction * to}),
+                     stroke.width * ratio_, color);
+    }
+    phase = std::fmod(phase + length, period);
   }
 }
 
@@ -166,6 +163,59 @@ void PixelCanvasPainter::fillRoundedRect(const ViewRect& rect, double cornerRadi
 void PixelCanvasPainter::drawText(std::string_view text, SketchPoint center, double height,
                                   const Fill& fill) {
   canvas_.drawText(text, center, height, fill);
+}
+
+void PixelCanvasPainter::strokePieces(const CanvasPath& path, const Stroke& stroke) {
+  const PixelColor color = PixelColor::of(stroke.color);
+  for (const CanvasPath::Piece& piece : path.pieces()) {
+    const auto points = path.points(piece);
+    if (points.empty()) continue;
+    if (stroke.isDashed()) {
+      strokeDashes(points, piece.closed, stroke);
+      continue;
+    }
+    for (std::size_t i = 0; i + 1 < points.size(); ++i) {
+      rasterRoundLine(buffer_, toPixels({points[i], points[i + 1]}), stroke.width * ratio_, color);
+    }
+    if (piece.closed || points.size() == 1) {
+      rasterRoundLine(buffer_, toPixels({points.back(), points.front()}), stroke.width * ratio_, color);
+    }
+  }
+}
+
+void strokeThroughPixels(QPainter& painter, const CanvasPath& path, const Stroke& stroke) {
+  // Only what the painter shows of the path, on whole pixels.
+  const QTransform toDevice = painter.deviceTransform();
+  const double ratio = toDevice.m11();
+  QPolygonF all;
+  for (const CanvasPath::Piece& piece : path.pieces()) {
+    for (const SketchPoint point : path.points(piece)) all << QPointF(point.x, point.y);
+  }
+  const double reach = stroke.width + 1;
+  const QRectF shown = painter.hasClipping()
+                           ? painter.clipBoundingRect()
+                           : painter.worldTransform().inverted().mapRect(QRectF(painter.viewport()));
+  const QRectF bounds = all.boundingRect().adjusted(-reach, -reach, reach, reach) & shown;
+  if (bounds.isEmpty()) return;
+  const QRect pixels = QRectF(bounds.topLeft() * ratio, bounds.size() * ratio).toAlignedRect();
+  QImage layer(pixels.size(), QImage::Format_ARGB32_Premultiplied);
+  if (layer.isNull()) return;
+  layer.fill(Qt::transparent);
+
+  const SketchPoint origin{pixels.left() / ratio, pixels.top() / ratio};
+  CanvasPath moved;
+  for (const CanvasPath::Piece& piece : path.pieces()) {
+    moved.begin();
+    for (const SketchPoint point : path.points(piece)) moved.add(point - origin);
+    if (piece.closed) moved.close();
+  }
+  Stroke opaque = stroke;
+  opaque.opacity = 1;
+  PixelCanvasPainter(layer, ratio).strokePieces(moved, opaque);
+  painter.save();
+  painter.setOpacity(stroke.opacity);
+  painter.drawImage(QRectF(QPointF(origin.x, origin.y), QSizeF(pixels.size()) / ratio), layer);
+  painter.restore();
 }
 
 }  // namespace ostrelon

@@ -28,17 +28,25 @@ class PixelCanvasPainter final : public CanvasPainter {
   void fillRoundedRect(const ViewRect& rect, double cornerRadius, const Fill& fill) override;
   void drawText(std::string_view text, SketchPoint center, double height, const Fill& fill) override;
 
+  /// Strokes an opaque path piece by piece, with round joins when it is solid.
+  void strokePieces(const CanvasPath& path, const Stroke& stroke);
+
  private:
   SketchPoint toPixels(SketchPoint point) const { return point * ratio_; }
   CanvasSegment toPixels(const CanvasSegment& segment) const {
     return {toPixels(segment.from), toPixels(segment.to)};
   }
-  void strokeDashes(const CanvasSegment& line, const Stroke& stroke);
+  void strokeDashes(std::span<const SketchPoint> points, bool closed, const Stroke& stroke);
 
   double ratio_;
   PixelBuffer buffer_;
   QPainter painter_;
   QtCanvasPainter canvas_;
 };
+
+/// Strokes a path of very many points, for which Qt takes up to a thousand times as long: its pieces
+/// go into a picture of their own, which is laid over. Solid strokes are taken with round joins.
+/// `painter` paints to pixels and is not turned.
+void strokeThroughPixels(QPainter& painter, const CanvasPath& path, const Stroke& stroke);
 
 }  // namespace ostrelon

@@ -5,6 +5,7 @@
 #include <QPainterPath>
 #include <algorithm>
 
+#include "shell/pixel_canvas_painter.h"
 #include "shell/qt_text.h"
 
 namespace ostrelon {
@@ -14,6 +15,13 @@ namespace {
 QColor colorOf(Color color, double opacity) {
   return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
                           static_cast<float>(color.blue), static_cast<float>(opacity));
+}
+
+/// Qt's time for a path to pixels grows faster than its points; longer ones go another way.
+constexpr std::size_t kMostPathPoints = 256;
+
+std::size_t pointCount(const CanvasPath& path) {
+  return path.pieces().empty() ? 0 : path.pieces().back().end;
 }
 
 QPointF pointOf(SketchPoint point) { return {point.x, point.y}; }
@@ -46,15 +54,15 @@ QPen penOf(const Stroke& stroke, double dashUnit) {
 
 }  // namespace
 
-QtCanvasPainter::QtCanvasPainter(QPainter& painter) : painter_(painter) {
+QtCanvasPainter::QtCanvasPainter(QPainter& painter)
+    : painter_(painter), isRaster_(painter.paintEngine()->type() == QPaintEngine::Raster) {
   painter_.setRenderHint(QPainter::Antialiasing);
 }
 
 void QtCanvasPainter::useStroke(const Stroke& stroke) {
   if (stroke_ != stroke) {
     // A pen counts its dashes in widths; painting to pixels, Qt takes no width for less than 1.
-    const bool isRaster = painter_.paintEngine()->type() == QPaintEngine::Raster;
-    painter_.setPen(penOf(stroke, isRaster ? std::max(stroke.width, 1.0) : stroke.width));
+    painter_.setPen(penOf(stroke, isRaster_ ? std::max(stroke.width, 1.0) : stroke.width));
     painter_.setBrush(Qt::NoBrush);
     stroke_ = stroke;
   }
@@ -71,6 +79,10 @@ void QtCanvasPainter::useFill(const Fill& fill) {
 }
 
 void QtCanvasPainter::strokePath(const CanvasPath& path, const Stroke& stroke) {
+  if (isRaster_ && pointCount(path) > kMostPathPoints) {
+    strokeThroughPixels(painter_, path, stroke);
+    return;
+  }
   useStroke(stroke);
   const auto& pieces = path.pieces();
   if (pieces.size() == 1 && !pieces.front().closed && pieces.front().end == 2) {

@@ -30,6 +30,7 @@ class QtCanvasPainter final : public CanvasPainter {
   void useFill(const Fill& fill);
 
   QPainter& painter_;
+  bool isRaster_;
   std::optional<Stroke> stroke_;  // what the painter's pen is, to set it only when it changes
   std::optional<Fill> fill_;
   std::vector<QLineF> lines_;

@@ -2,6 +2,7 @@
 
 #include <QImage>
 #include <QPainter>
+#include <cmath>
 #include <numbers>
 
 #include "interaction/canvas_renderer.h"
@@ -64,6 +65,40 @@ TEST_F(CanvasPicture, ShowsEveryKindOfEntity) {
 
 TEST_F(CanvasPicture, LooksTheSameStraightIntoPixels) {
   EXPECT_TRUE(looksAlike(paint(lightPalette(), true), paint(lightPalette()), "entities-pixels"));
+}
+
+TEST_F(CanvasPicture, StrokesManyPointsAsItStrokesFew) {
+  // One polygon twice: with 16 corners, and with each side cut into twenty.
+  std::vector<SketchPoint> few;
+  std::vector<SketchPoint> many;
+  const auto corner = [](int i) {
+    const double radius = i % 2 == 0 ? 45 : 30;
+    const double angle = 2 * std::numbers::pi * i / 16;
+    return SketchPoint{radius * std::cos(angle), radius * std::sin(angle)};
+  };
+  for (int i = 0; i < 16; ++i) {
+    few.push_back(corner(i));
+    for (int s = 0; s < 20; ++s) many.push_back(corner(i) + (corner(i + 1) - corner(i)) * (s / 20.0));
+  }
+  const auto painted = [this](const std::vector<SketchPoint>& vertices) {
+    QImage image(kWidth, kHeight, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    QtCanvasPainter canvas(painter);
+    const CanvasFrame frame{{*sketch.viewport, *sketch.canvasSize}, lightPalette()};
+    EntityShape shape;
+    outlineEntity(PolygonEntity{{}, vertices}, 0, frame, shape);
+    for (const double opacity : {0.24, 1.0}) {
+      strokeShape(canvas, frame, shape,
+                  {.color = frame.palette.active,
+                   .opacity = opacity,
+                   .width = opacity < 1 ? 7.0 : 2.75,
+                   .cap = LineCap::round,
+                   .join = LineJoin::round});
+    }
+    return image;
+  };
+  EXPECT_TRUE(looksAlike(painted(many), painted(few), "many-points"));
 }
 
 TEST_F(CanvasPicture, ShowsADraftWithItsLabelGuidesMarkersAndLock) {
