@@ -10,6 +10,7 @@
 #include <fstream>
 #include <random>
 #include <string>
+#include <utility>
 
 #include "core/sketch_view_model.h"
 #include "documents/app_settings.h"
@@ -18,6 +19,7 @@
 #include "documents/sketch_document_io.h"
 #include "platform/dialogs.h"
 #include "platform/disk_file_system.h"
+#include "platform/json_user_defaults.h"
 #include "platform/scheduler.h"
 
 namespace ostrelon {
@@ -173,7 +175,8 @@ void BM_AutoSaveHoldsTheMainThread(benchmark::State& state) {
   DiskFileSystem files;
   SplitScheduler scheduler;
   QueuedDialogs dialogs;
-  MemoryUserDefaults defaults;
+  const FilePath settingsFile = path.parent_path() / "ostrelon-benchmark-settings.json";
+  JsonUserDefaults defaults(files, settingsFile);
   AppSettings settings(defaults, files, path.parent_path() / "none");
   SketchViewModel sketch(Host{scheduler, dialogs, files});
   sketch.applyLoadedDocument({documentOf(state.range(0), true)});
@@ -189,6 +192,7 @@ void BM_AutoSaveHoldsTheMainThread(benchmark::State& state) {
     std::exchange(scheduler.finishing, nullptr)();
   }
   std::filesystem::remove(path);
+  std::filesystem::remove(settingsFile);
 }
 
 void sizes(benchmark::internal::Benchmark* benchmark) {

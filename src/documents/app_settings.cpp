@@ -126,14 +126,11 @@ void AppSettings::recordLastAutoSave(const FilePath& url, const std::string& dis
                                      std::optional<Date> savedAt) {
   const FilePath path = standardizedPath(url);
   if (!files_.exists(path)) return;
-  const ChangeScope scope(tracker_);
-  defaults_.set(SettingsKey::lastAutoSaveBookmark, path.string());
-  defaults_.set(SettingsKey::lastAutoSaveDisplayName, displayName);
-  if (savedAt) {
-    defaults_.setDate(SettingsKey::lastAutoSaveSavedAt, *savedAt);
-  } else {
-    defaults_.remove(SettingsKey::lastAutoSaveSavedAt);
-  }
+  std::optional<DefaultsValue> seconds;
+  if (savedAt) seconds = secondsSince1970(*savedAt);
+  defaults_.change({{SettingsKey::lastAutoSaveBookmark, path.string()},
+                    {SettingsKey::lastAutoSaveDisplayName, displayName},
+                    {SettingsKey::lastAutoSaveSavedAt, seconds}});
   lastAutoSave = AutoSaveRecoveryCandidate{path, displayName, savedAt};
 }
 
@@ -164,8 +161,8 @@ bool AppSettings::isInsideProjectsFolder(const FilePath& url) const {
 void AppSettings::useDefaultProjectsFolder() {
   const FilePath folder = defaultProjectsFolder();
   files_.createFolders(folder);
-  defaults_.set(SettingsKey::projectsFolderStorage, std::string(kDefaultStorage));
-  defaults_.remove(SettingsKey::projectsFolderBookmark);
+  defaults_.change({{SettingsKey::projectsFolderStorage, std::string(kDefaultStorage)},
+                    {SettingsKey::projectsFolderBookmark, std::nullopt}});
   projectsFolderURL = folder;
 }
 
@@ -177,14 +174,14 @@ void AppSettings::setCustomProjectsFolder(const FilePath& url) {
   }
   const auto there = files_.info(folder);
   if (!there || !there->isFolder) throw FileError("The folder " + quotedName(folder) + " does not exist.");
-  defaults_.set(SettingsKey::projectsFolderStorage, std::string(kCustomStorage));
-  defaults_.set(SettingsKey::projectsFolderBookmark, folder.string());
+  defaults_.change({{SettingsKey::projectsFolderStorage, std::string(kCustomStorage)},
+                    {SettingsKey::projectsFolderBookmark, folder.string()}});
   projectsFolderURL = folder;
 }
 
 void AppSettings::clearProjectsFolder() {
-  defaults_.remove(SettingsKey::projectsFolderStorage);
-  defaults_.remove(SettingsKey::projectsFolderBookmark);
+  defaults_.change({{SettingsKey::projectsFolderStorage, std::nullopt},
+                    {SettingsKey::projectsFolderBookmark, std::nullopt}});
   projectsFolderURL = std::nullopt;
 }
 
@@ -225,8 +222,8 @@ std::optional<FilePath> AppSettings::projectsFolderAtStart() {
   if (storage == kCustomStorage || !folder) return folder;
   // A store of unknown kind with a folder in it: put in order.
   if (*folder == defaultProjectsFolder()) {
-    defaults_.set(SettingsKey::projectsFolderStorage, std::string(kDefaultStorage));
-    defaults_.remove(SettingsKey::projectsFolderBookmark);
+    defaults_.change({{SettingsKey::projectsFolderStorage, std::string(kDefaultStorage)},
+                      {SettingsKey::projectsFolderBookmark, std::nullopt}});
   } else {
     defaults_.set(SettingsKey::projectsFolderStorage, std::string(kCustomStorage));
   }

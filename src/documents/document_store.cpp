@@ -55,6 +55,13 @@ FilePath startingFolder(const SketchViewModel& sketch, const AppSettings& settin
   return {};
 }
 
+// What the user has typed, with the extension of documents where it has none; a dot alone is none.
+FilePath withExtension(FilePath url) {
+  const FilePath extension = url.extension();
+  if (extension.empty() || extension == ".") url.replace_filename(url.stem().string() + kDocumentExtension);
+  return url;
+}
+
 struct RecentFile {
   FilePath path;
   std::int64_t modifiedNanoseconds = 0;
@@ -83,8 +90,7 @@ void saveDocumentAs(SketchViewModel& sketch, AppSettings& settings, bool announc
           finish(done, SaveOutcome::cancelled);
           return;
         }
-        FilePath url(*answer);
-        if (!url.has_extension()) url += kDocumentExtension;
+        const FilePath url = withExtension(*answer);
         const auto save = [&sketch, &settings, announce, done, url] {
           finish(done, outcomeOf(saveToURL(sketch, settings, url, announce)));
         };

@@ -19,6 +19,8 @@
 namespace ostrelon {
 namespace {
 
+constexpr std::string_view kTemporaryStart = ".ostrelon-";
+constexpr std::string_view kTemporaryEnd = ".tmp";
 constexpr int kMostLinks = 40;  // as many links in a row as the system itself follows
 constexpr std::size_t kReadAtOnce = std::size_t{1} << 20;
 constexpr std::size_t kSpareCapacity = 64;  // lets parsers that read in blocks work without a copy
@@ -53,6 +55,17 @@ FileInfo infoOf(const struct stat& status) {
   info.modifiedNanoseconds = time.count();
   info.modifiedAt = Date(std::chrono::floor<std::chrono::microseconds>(time));
   return info;
+}
+
+std::string newTemporaryName() {
+  return std::string(kTemporaryStart).append(UUID::random().text()).append(kTemporaryEnd);
+}
+
+bool isTemporaryName(std::string_view name) {
+  if (!name.starts_with(kTemporaryStart) || !name.ends_with(kTemporaryEnd)) return false;
+  name.remove_prefix(kTemporaryStart.size());
+  name.remove_suffix(kTemporaryEnd.size());
+  return UUID::parse(name).has_value();
 }
 
 // The file that a path means once links are followed. It need not exist.
@@ -104,6 +117,22 @@ class PendingDiskFile final : public PendingFile {
   FileInfo info_;
   bool committed_ = false;
 };
+
+// Temporary files that a killed process has left in a folder would stay for ever: no name leads to them.
+// One that is a day old belongs to no save that is still under way.
+void removeAbandoned(const FilePath& folder) {
+  constexpr auto kAbandonedAfter = std::chrono::hours(24);
+  const auto oldest = std::filesystem::file_time_type::clock::now() - kAbandonedAfter;
+  std::error_code ignored;
+  for (std::filesystem::directory_iterator entry(folder, ignored), end; entry != end;
+       entry.increment(ignored)) {
+    if (ignored) return;
+    const std::string name = entry->path().filename().string();
+    if (!isTemporaryName(name)) continue;
+    const auto writtenAt = entry->last_write_time(ignored);
+    if (!ignored && writtenAt < oldest) std::filesystem::remove(entry->path(), ignored);
+  }
+}
 
 class DiskFileLock final : public FileLock {
  public:
@@ -179,7 +208,7 @@ std::unique_ptr<PendingFile> DiskFileSystem::prepareFile(const FilePath& path, c
   FilePath temporary;
   int created = -1;
   do {
-    temporary = target.parent_path() / (".ostrelon-" + UUID::random().text() + ".tmp");
+    temporary = target.parent_path() / newTemporaryName();
     created = calls_.open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, firstMode);
   } while (created < 0 && errno == EEXIST);
   if (created < 0) throw systemError(errno, FileAttempt::writing, target);
@@ -210,6 +239,7 @@ std::unique_ptr<PendingFile> DiskFileSystem::prepareFile(const FilePath& path, c
   if (::fstat(file.get(), &written) != 0) throw systemError(errno, FileAttempt::writing, target);
   pending->setInfo(infoOf(written));
   if (calls_.close(file.release()) != 0) throw systemError(errno, FileAttempt::writing, target);
+  removeAbandoned(target.parent_path());
   return pending;
 }
 

@@ -70,15 +70,21 @@ std::optional<DefaultsValue> JsonUserDefaults::value(std::string_view key) const
 }
 
 void JsonUserDefaults::set(std::string_view key, DefaultsValue value) {
-  json held = jsonOf(value);
-  contents_->changes.insert_or_assign(std::string(key), held);
-  contents_->values[std::string(key)] = std::move(held);
-  write();
+  change({{std::string(key), std::move(value)}});
 }
 
-void JsonUserDefaults::remove(std::string_view key) {
-  contents_->changes.insert_or_assign(std::string(key), std::nullopt);
-  contents_->values.erase(std::string(key));
+void JsonUserDefaults::remove(std::string_view key) { change({{std::string(key), std::nullopt}}); }
+
+void JsonUserDefaults::change(const std::vector<DefaultsChange>& changes) {
+  for (const auto& [key, value] : changes) {
+    if (value) {
+      contents_->values[key] = jsonOf(*value);
+      contents_->changes.insert_or_assign(key, contents_->values[key]);
+    } else {
+      contents_->values.erase(key);
+      contents_->changes.insert_or_assign(key, std::nullopt);
+    }
+  }
   write();
 }
 

@@ -25,6 +25,7 @@ class JsonUserDefaults final : public UserDefaults {
   std::optional<DefaultsValue> value(std::string_view key) const override;
   void set(std::string_view key, DefaultsValue value) override;
   void remove(std::string_view key) override;
+  void change(const std::vector<DefaultsChange>& changes) override;
 
   /// What the user should be told of the file since the last call, in whole sentences.
   std::vector<std::string> takeNotes();

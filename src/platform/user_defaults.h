@@ -7,7 +7,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
+#include <vector>
 
 #include "platform/date.h"
 
@@ -15,6 +17,9 @@ namespace ostrelon {
 
 using DefaultsMap = std::map<std::string, std::string>;
 using DefaultsValue = std::variant<bool, std::int64_t, double, std::string, DefaultsMap>;
+
+/// A key's new value, or absent to remove the key.
+using DefaultsChange = std::pair<std::string, std::optional<DefaultsValue>>;
 
 class UserDefaults {
  public:
@@ -27,6 +32,16 @@ class UserDefaults {
   virtual std::optional<DefaultsValue> value(std::string_view key) const = 0;
   virtual void set(std::string_view key, DefaultsValue value) = 0;
   virtual void remove(std::string_view key) = 0;
+  /// Several keys in one write.
+  virtual void change(const std::vector<DefaultsChange>& changes) {
+    for (const auto& [key, value] : changes) {
+      if (value) {
+        set(key, *value);
+      } else {
+        remove(key);
+      }
+    }
+  }
 
   bool has(std::string_view key) const { return value(key).has_value(); }
   std::optional<bool> boolean(std::string_view key) const { return typed<bool>(key); }

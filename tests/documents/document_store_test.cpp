@@ -137,6 +137,20 @@ TEST_F(DocumentStoreTest, KeepsTheFileWhenWhatIsDrawnCannotBeWritten) {
   EXPECT_FALSE(sketch.isDocumentDirty);
 }
 
+TEST_F(DocumentStoreTest, RemovesWhatAKilledSaveHasLeftADayAgo) {
+  const std::string abandoned = ".ostrelon-5D7A1C3E-0B1F-4E6A-9C55-0F1E2D3C4B5A.tmp";
+  const std::string recent = ".ostrelon-5D7A1C3E-0B1F-4E6A-9C55-0F1E2D3C4B5B.tmp";
+  for (const std::string& name : {abandoned, recent, std::string(".ostrelon-mine.tmp")}) {
+    writeBytes(home / name, "");
+    if (name == recent) continue;
+    std::filesystem::last_write_time(home / name,
+                                     std::filesystem::file_time_type::clock::now() - std::chrono::hours(25));
+  }
+  sketch.saveDocumentFile(plan);
+  EXPECT_THAT(files.list(home.path()),
+              ::testing::UnorderedElementsAre(recent, ".ostrelon-mine.tmp", "plan.ostrel"));
+}
+
 TEST_F(DocumentStoreTest, FollowsLinksAndKeepsPermissions) {
   draw();
   sketch.saveDocumentFile(plan);
@@ -315,7 +329,7 @@ TEST_F(DocumentStoreTest, AsksWhereWithoutAProjectsFolder) {
   scheduler.advance(Seconds(0));
   EXPECT_EQ(toast(), "") << "nothing is being saved while the panel is up";
   EXPECT_FALSE(sketch.isSaveDialogActive);
-  dialogs.queue((home / "house").string());
+  dialogs.queue((home / "house.").string());
   saveDocumentAs(sketch, settings, false, done);
   EXPECT_EQ(sketch.documentFileURL.get(), home / "house.ostrel");
   EXPECT_EQ(defaults.map(SettingsKey::documentBookmarks),
