@@ -1,5 +1,6 @@
 #include "app/application.h"
 
+#include "documents/document_reading.h"
 #include "documents/document_store.h"
 #include "platform/dialogs.h"
 
@@ -8,6 +9,10 @@ namespace {
 
 /// The folder from which a document was opened last.
 constexpr const char* kLastFolder = "ostrel.lastFolder";
+/// Bytes above which a document is read away from the main thread.
+constexpr std::uint64_t kLargeDocument = 4 << 20;
+/// Work that takes longer is told.
+constexpr Seconds kLongWork(0.3);
 
 }  // namespace
 
@@ -72,8 +77,52 @@ void Application::openDocumentAt(const FilePath& url) {
 }
 
 void Application::openAndRemember(const FilePath& url) {
-  if (openDocument(sketch_, settings_, url)) return;
   defaults_.set(kLastFolder, url.parent_path().string());
+  const auto info = host_.files.info(url);
+  if (info && info->size > kLargeDocument) {
+    openInBackground(url);
+  } else {
+    openDocument(sketch_, settings_, url);
+  }
+}
+
+// A large document is read and decoded away from the main thread, with a toast where it takes long;
+// the one that is open stays usable, and is asked about again if it has changed meanwhile.
+void Application::openInBackground(const FilePath& url) {
+  struct Opening {
+    DocumentReading reading;
+    std::optional<std::string> failure;
+  };
+  std::shared_ptr<Opening> opening;
+  try {
+    opening = std::make_shared<Opening>(Opening{DocumentReading(url), std::nullopt});
+  } catch (const UserError& error) {
+    reportOpenFailed(sketch_, error.what());
+    return;
+  }
+  const std::string message = "Opening " + url.stem().string() + "…";
+  openingToast_ = host_.scheduler.after(
+      kLongWork, [this, message] { sketch_.showDocumentToast(message, DocumentToastState::Style::saving); });
+  FileSystem& files = host_.files;
+  openingTask_ = host_.scheduler.inBackground(
+      [opening, &files] {
+        try {
+          opening->reading.read(files);
+        } catch (const std::exception& error) {
+          opening->failure = error.what();
+        }
+      },
+      [this, opening, message] {
+        openingToast_.cancel();
+        const auto& toast = *sketch_.documentToast;
+        if (toast && toast->message == message) sketch_.clearDocumentToast();
+        if (opening->failure) {
+          reportOpenFailed(sketch_, *opening->failure);
+          return;
+        }
+        closeQuestion_.beforeReplacing(
+            [this, opening] { finishOpening(sketch_, settings_, opening->reading); });
+      });
 }
 
 void Application::save() { saveCurrentDocument(sketch_, settings_, true); }

@@ -110,6 +110,7 @@ class Application {
 
  private:
   void openAndRemember(const FilePath& url);
+  void openInBackground(const FilePath& url);
 
   Host host_;
   UserDefaults& defaults_;
@@ -121,6 +122,8 @@ class Application {
   WindowActions windowActions_;
   Subscription selectionSubscription_;
   ScheduledTask inspectorTask_;
+  ScheduledTask openingTask_;
+  ScheduledTask openingToast_;
 };
 
 }  // namespace ostrelon

@@ -41,6 +41,7 @@
 
 namespace ostrelon {
 
+class DocumentReading;        // documents/document_reading.h
 class DocumentSave;           // documents/document_save.h
 struct LoadedSketchDocument;  // documents/sketch_document.h
 struct SketchDocumentV2;      // documents/sketch_document.h
@@ -422,6 +423,8 @@ class SketchViewModel {
   /// The second half of a save whose file has been written: moves it into its place. The document is
   /// clean then, unless it has changed since the save was begun.
   void finishDocumentSave(DocumentSave& save);
+  /// The second half of an opening whose file has been read: the document takes the place of this one.
+  void finishDocumentOpening(DocumentReading& reading);
   /// What was last read from or written to a document file; absent before the first time.
   const std::optional<DocumentOnDisk>& documentOnDisk() const { return documentOnDisk_; }
   void setSaveDialogActive(bool active);

@@ -3,11 +3,10 @@
 #include <utility>
 
 #include "core/sketch_view_model.h"
-#include "documents/content_hash.h"
 #include "documents/document_paths.h"
+#include "documents/document_reading.h"
 #include "documents/document_save.h"
 #include "documents/sketch_document.h"
-#include "documents/sketch_document_io.h"
 
 namespace ostrelon {
 namespace {
@@ -135,17 +134,17 @@ void SketchViewModel::finishDocumentSave(DocumentSave& save) {
 }
 
 void SketchViewModel::openDocumentFile(const std::filesystem::path& url) {
-  const FilePath path = checkedDocumentURL(url);
-  FileSystem& files = host_.files;
-  const auto info = files.info(path);
-  std::string bytes = files.readFile(path);
-  const DocumentOnDisk read{path, info.value_or(FileInfo{}), contentHash(bytes)};
-  LoadedSketchDocument document = SketchDocumentIO::decodeDocument(std::move(bytes));
+  DocumentReading reading(url);
+  reading.read(host_.files);
+  finishDocumentOpening(reading);
+}
+
+void SketchViewModel::finishDocumentOpening(DocumentReading& reading) {
   const ChangeScope scope(tracker_);
-  applyLoadedDocument(std::move(document));
-  documentOnDisk_ = read;
-  documentFileURL = path;
-  documentName = documentNameFor(path);
+  applyLoadedDocument(reading.take());
+  documentOnDisk_ = reading.onDisk();
+  documentFileURL = reading.onDisk().path;
+  documentName = documentNameFor(reading.onDisk().path);
   isDocumentDirty = false;
   lastSavedAt = host_.scheduler.now();
 }

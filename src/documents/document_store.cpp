@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "documents/document_paths.h"
+#include "documents/document_reading.h"
 #include "documents/overwrite_question.h"
 #include "platform/dialogs.h"
 #include "platform/unicode.h"
@@ -130,16 +131,26 @@ std::string reportSaveFailed(SketchViewModel& sketch, const std::string& descrip
 
 std::optional<std::string> openDocument(SketchViewModel& sketch, AppSettings& settings, const FilePath& url) {
   try {
-    sketch.openDocumentFile(url);
+    DocumentReading reading(url);
+    reading.read(sketch.host().files);
+    finishOpening(sketch, settings, reading);
+    return std::nullopt;
   } catch (const UserError& error) {
-    std::string text = std::string("Open failed: ") + error.what();
-    sketch.appendConsoleLine(text, true, false);
-    return text;
+    return reportOpenFailed(sketch, error.what());
   }
+}
+
+void finishOpening(SketchViewModel& sketch, AppSettings& settings, DocumentReading& reading) {
+  sketch.finishDocumentOpening(reading);
   settings.rememberDocumentBookmark(sketch.documentFileURL->value());
   sketch.refreshDocumentHistory();
   sketch.appendConsoleLine("Opened " + sketch.documentName.get() + ".", false, true);
-  return std::nullopt;
+}
+
+std::string reportOpenFailed(SketchViewModel& sketch, const std::string& description) {
+  std::string text = "Open failed: " + description;
+  sketch.appendConsoleLine(text, true, false);
+  return text;
 }
 
 FilePath nextUntitledURL(FileSystem& files, const FilePath& folder) {

@@ -28,6 +28,11 @@ std::optional<std::string> saveToURL(SketchViewModel& sketch, AppSettings& setti
 /// Opens and tells of it. The failure text, prefix included; absent when the document was opened.
 std::optional<std::string> openDocument(SketchViewModel& sketch, AppSettings& settings, const FilePath& url);
 
+/// The end of an opening whose file was read elsewhere: takes the document over and tells of it.
+void finishOpening(SketchViewModel& sketch, AppSettings& settings, DocumentReading& reading);
+/// Tells of an opening that failed. Gives the whole text.
+std::string reportOpenFailed(SketchViewModel& sketch, const std::string& description);
+
 /// The first of "Untitled Project.ostrel", "Untitled Project (1).ostrel", … that is free.
 FilePath nextUntitledURL(FileSystem& files, const FilePath& folder);
 

@@ -21,7 +21,7 @@ QColor badgeFill(const Theme& theme) {
 
 }  // namespace
 
-Badge::Badge(Theme& theme, const QString& identifier, QWidget* parent) : QWidget(parent), theme_(theme) {
+Badge::Badge(Theme& theme, const QString& identifier, QWidget* parent) : QLabel(parent), theme_(theme) {
   setObjectName(identifier);
   setAttribute(Qt::WA_TransparentForMouseEvents);
   connect(&theme, &Theme::changed, this, [this] { update(); });
@@ -32,7 +32,8 @@ void Badge::setParts(std::vector<BadgePart> parts) {
   parts_ = std::move(parts);
   QStringList words;
   for (const BadgePart& part : parts_) words.append(part.words);
-  setAccessibleName(words.join(' '));
+  setText(words.join(' '));
+  setAccessibleName(text());
   updateGeometry();
   update();
 }

@@ -2,7 +2,7 @@
 // They let the pointer through.
 #pragma once
 
-#include <QWidget>
+#include <QLabel>
 #include <vector>
 
 #include "shell/fonts.h"
@@ -25,7 +25,8 @@ struct BadgePart {
   friend bool operator==(const BadgePart&, const BadgePart&) = default;
 };
 
-class Badge : public QWidget {
+/// A label, so that a screen reader reads its words.
+class Badge : public QLabel {
  public:
   Badge(Theme& theme, const QString& identifier, QWidget* parent);
 

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <QAccessible>
 #include <QFocusEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -61,7 +62,7 @@ void EntityHoverLabel::show(const QString& label, bool accent) {
 
 // --- The toast
 
-ToastView::ToastView(Theme& theme, QWidget* parent) : QWidget(parent), theme_(theme) {
+ToastView::ToastView(Theme& theme, QWidget* parent) : QLabel(parent), theme_(theme) {
   setObjectName(QStringLiteral("canvas.toast"));
   setAttribute(Qt::WA_TransparentForMouseEvents);
   hide();
@@ -82,7 +83,8 @@ void ToastView::setToast(const std::optional<DocumentToastState>& toast) {
     hide();
     return;
   }
-  setAccessibleName(qtText(toast->message));
+  setText(qtText(toast->message));
+  setAccessibleName(text());
   if (toast->style == DocumentToastState::Style::saving && animationMilliseconds(1) > 0) {
     spinnerTimer_ = startTimer(40);
   }
@@ -95,6 +97,8 @@ void ToastView::setToast(const std::optional<DocumentToastState>& toast) {
   }
   place();
   update();
+  QAccessibleEvent told(this, QAccessible::Alert);
+  QAccessible::updateAccessibility(&told);
 }
 
 void ToastView::setAnchor(QPoint bottomMiddle, int canvasWidth) {

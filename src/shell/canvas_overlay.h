@@ -19,7 +19,7 @@ class EntityHoverLabel final : public Badge {
 };
 
 /// The message that slides in over the canvas.
-class ToastView final : public QWidget {
+class ToastView final : public QLabel {
  public:
   ToastView(Theme& theme, QWidget* parent);
   void setToast(const std::optional<DocumentToastState>& toast);

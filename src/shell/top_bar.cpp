@@ -31,7 +31,7 @@ constexpr std::array kActions{
 
 }  // namespace
 
-DocumentTitle::DocumentTitle(Theme& theme, QWidget* parent) : QWidget(parent), theme_(theme) {
+DocumentTitle::DocumentTitle(Theme& theme, QWidget* parent) : QLabel(parent), theme_(theme) {
   setObjectName(QStringLiteral("topMenuBar.document"));
   connect(&theme, &Theme::changed, this, [this] { update(); });
 }

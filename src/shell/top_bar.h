@@ -10,7 +10,7 @@ namespace ostrelon {
 
 /// The document's name, a dot while it has unsaved changes, and the branch. The name gives way in
 /// its middle, the branch never.
-class DocumentTitle final : public QWidget {
+class DocumentTitle final : public QLabel {
  public:
   explicit DocumentTitle(Theme& theme, QWidget* parent = nullptr);
   void setDocument(const QString& name, bool isEdited, const QString& branch);

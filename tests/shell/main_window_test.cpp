@@ -1,5 +1,6 @@
 #include "shell/main_window.h"
 
+#include <QAccessible>
 #include <QDragEnterEvent>
 #include <QFocusFrame>
 #include <QLabel>
@@ -299,6 +300,56 @@ TEST_F(MainWindowTest, aToastComesAndGoes) {
   scheduler.advance(Seconds(2.6));
   settle();
   EXPECT_FALSE(toast->isVisible());
+}
+
+// --- For those who hear the window
+
+TEST_F(MainWindowTest, everyControlHasARoleAndAName) {
+  run("wall 0 0 20 0");
+  run("nonsense");
+  int controls = 0;
+  for (QWidget* widget : window.findChildren<QWidget*>()) {
+    const bool isControl = qobject_cast<QAbstractButton*>(widget) != nullptr ||
+                           qobject_cast<QLineEdit*>(widget) != nullptr ||
+                           qobject_cast<QAbstractItemView*>(widget) != nullptr;
+    if (!isControl || !widget->isVisible()) continue;
+    ++controls;
+    QAccessibleInterface* face = QAccessible::queryAccessibleInterface(widget);
+    ASSERT_NE(face, nullptr);
+    EXPECT_FALSE(face->text(QAccessible::Name).isEmpty()) << widget->objectName().toStdString();
+    EXPECT_NE(face->role(), QAccessible::Client) << widget->objectName().toStdString();
+    EXPECT_NE(widget->focusPolicy(), Qt::NoFocus) << widget->objectName().toStdString();
+  }
+  EXPECT_GT(controls, 25);
+
+  auto* list = QAccessible::queryAccessibleInterface(find<QAbstractItemView>(window, "leftNav.entities"));
+  ASSERT_EQ(list->childCount(), 1);
+  EXPECT_EQ(list->child(0)->text(QAccessible::Name), "Wall 1 (W2-INT)");
+  auto* lines = QAccessible::queryAccessibleInterface(find<QAbstractItemView>(window, "console.transcript"));
+  EXPECT_TRUE(
+      lines->child(lines->childCount() - 1)->text(QAccessible::Name).startsWith("Error: Unknown command"));
+  auto* status = QAccessible::queryAccessibleInterface(find<QWidget>(window, "canvas.statusBadge"));
+  EXPECT_EQ(status->role(), QAccessible::StaticText);
+}
+
+TEST_F(MainWindowTest, tabReachesTheControlsInTheOrderInWhichTheyStand) {
+  QStringList seen;
+  window.canvas().setFocus();
+  for (int i = 0; i < 60; ++i) {
+    QWidget* focus = QApplication::focusWidget();
+    if (seen.contains(focus->objectName()) && i > 1) break;
+    seen.append(focus->objectName());
+    // An empty console line passes Tab on.
+    QTest::keyClick(focus, Qt::Key_Tab);
+  }
+  for (const char* reached : {"leftNav.tool.select", "leftNav.tool.trim", "topMenuBar.new", "topMenuBar.grid",
+                              "viewport.zoomIn", "console.focus", "console.commandInput", "console.run",
+                              "wallSystems.list", "wallSystems.thickness"}) {
+    EXPECT_TRUE(seen.contains(reached)) << reached;
+  }
+  EXPECT_LT(seen.indexOf("leftNav.tool.select"), seen.indexOf("leftNav.tool.trim"));
+  EXPECT_LT(seen.indexOf("console.commandInput"), seen.indexOf("console.run"));
+  EXPECT_LT(seen.indexOf("wallSystems.thickness"), seen.indexOf("wallSystems.assembly"));
 }
 
 // --- The program's windows together
