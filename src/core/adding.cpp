@@ -34,6 +34,14 @@ void SketchViewModel::addWall(std::optional<UUID> systemSpecID, SketchPoint from
   selectOnly(id);
 }
 
+void SketchViewModel::addEntities(std::vector<SketchEntity> added) {
+  if (added.empty()) return;
+  const ChangeScope scope(tracker_);
+  captureUndoCheckpoint();
+  entities.edit().append(std::move(added));
+  isDocumentDirty = true;
+}
+
 void SketchViewModel::clearSketch() {
   const ChangeScope scope(tracker_);
   captureUndoCheckpoint();

@@ -264,6 +264,8 @@ class SketchViewModel {
   void addPolygon(std::vector<SketchPoint> vertices);
   /// The wall becomes the selection. Without a system the active one is taken.
   void addWall(std::optional<UUID> systemSpecID, SketchPoint from, SketchPoint to);
+  /// All of them as one undo step; none is nothing. Their identifiers must be new to the document.
+  void addEntities(std::vector<SketchEntity> added);
   void clearSketch();
 
   // --- Undo (core/undo.cpp)

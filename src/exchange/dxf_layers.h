@@ -1,0 +1,43 @@
+// The layers of an exported drawing: "0" for everything but walls, and one for each wall system,
+// named after it as far as the file format lets it.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "core/wall_system.h"
+#include "exchange/dxf_version.h"
+
+namespace ostrelon {
+
+/// The layer of everything but walls. Every file has it.
+inline constexpr std::string_view kDxfBaseLayer = "0";
+/// The layer of walls whose system is not in the document.
+inline constexpr std::string_view kDxfUnknownWallLayer = "WALL-UNKNOWN";
+
+/// The name as a layer name, in the bytes of the file: characters that the format keeps for itself
+/// become "_". R12 takes the letters, digits, "$", "_" and "-" of ASCII, at most 31; 2000 takes nearly
+/// all, at most 255, in the code page Windows-1252 or in the form \U+2713. Never empty.
+std::string dxfLayerName(std::string_view systemName, DxfVersion version);
+
+class DxfLayers {
+ public:
+  DxfLayers(std::span<const WallSystemSpec> systems, DxfVersion version);
+
+  /// The layer of the walls of this system. Systems of one name, case aside, share a layer; names
+  /// that become alike only on their way into the file are told apart by a number.
+  const std::string& layerOf(const UUID& systemID) const;
+  /// All layers but the base layer, each once, in the order of the systems; the one of unknown
+  /// systems last.
+  const std::vector<std::string>& names() const { return names_; }
+
+ private:
+  std::unordered_map<UUID, std::string> layers_;
+  std::vector<std::string> names_;
+  std::string unknown_{kDxfUnknownWallLayer};
+};
+
+}  // namespace ostrelon

@@ -1,0 +1,171 @@
+#include "exchange/dxf_writer.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+#include <optional>
+#include <vector>
+
+#include "exchange/dxf_frame.h"
+#include "exchange/dxf_layers.h"
+#include "exchange/dxf_output.h"
+#include "geometry/entity_geometry.h"
+#include "interaction/canvas_frame.h"
+#include "interaction/drawing_bounds.h"
+#include "interaction/entity_shape.h"
+
+namespace ostrelon {
+namespace {
+
+double degrees(double radians) { return radians * 180 / std::numbers::pi; }
+
+bool isFinite(SketchPoint p) { return std::isfinite(p.x) && std::isfinite(p.y); }
+bool areFinite(std::span<const SketchPoint> points) {
+  return std::all_of(points.begin(), points.end(), [](SketchPoint p) { return isFinite(p); });
+}
+
+class EntityWriter {
+ public:
+  EntityWriter(DxfOutput& out, const DxfLayers& layers, std::span<const WallSystemSpec> systems,
+               DxfVersion version)
+      : out_(out), layers_(layers), systems_(systems), version_(version), next_(firstEntityHandle(layers)) {}
+
+  /// False where there is nothing to write.
+  bool write(const SketchEntity& entity) {
+    return std::visit(Overloaded{
+                          [this](const LineEntity& line) { return writeLine(line); },
+                          [this](const WallEntity& wall) { return writeWall(wall); },
+                          [this](const CircleEntity& circle) { return writeCircle(circle); },
+                          [this](const ArcEntity& arc) { return writeArc(arc); },
+                          [this](const RectangleEntity& rectangle) {
+                            const auto corners = rectangleCorners(rectangle.origin, rectangle.size);
+                            return writeClosed(corners, kDxfBaseLayer);
+                          },
+                          [this](const PolygonEntity& polygon) {
+                            return writeClosed(polygon.vertices.list(), kDxfBaseLayer);
+                          },
+                      },
+                      entity);
+  }
+
+ private:
+  bool is2000() const { return version_ == DxfVersion::r2000; }
+
+  void begin(std::string_view kind, std::string_view layer, std::string_view className) {
+    out_.text(0, kind);
+    if (is2000()) {
+      out_.handle(5, next_);
+      ++next_.value;
+      out_.handle(330, kDxfModelSpace);
+      out_.text(100, "AcDbEntity");
+    }
+    out_.text(8, layer);
+    className_ = className;
+  }
+  // Ends what all entities have in common.
+  void beginOwn() {
+    if (is2000()) out_.text(100, className_);
+  }
+
+  bool writeLine(const LineEntity& line) {
+    if (!isFinite(line.from) || !isFinite(line.to)) return false;
+    begin("LINE", kDxfBaseLayer, "AcDbLine");
+    beginOwn();
+    out_.flatPoint(10, line.from);
+    out_.flatPoint(11, line.to);
+    return true;
+  }
+
+  bool writeWall(const WallEntity& wall) {
+    const std::string& layer = layers_.layerOf(wall.systemSpecID);
+    const auto corners = wallCorners(wall.from, wall.to, paintedWallThickness(wall, systems_));
+    if (!writeClosed(corners, layer)) return false;
+    begin("LINE", layer, "AcDbLine");
+    out_.text(6, kDxfCenterLineType);
+    beginOwn();
+    out_.flatPoint(10, wall.from);
+    out_.flatPoint(11, wall.to);
+    return true;
+  }
+
+  bool writeCircle(const CircleEntity& circle) {
+    const double radius = std::abs(circle.radius);
+    if (!isFinite(circle.center) || !std::isfinite(radius) || radius == 0) return false;
+    begin("CIRCLE", kDxfBaseLayer, "AcDbCircle");
+    beginOwn();
+    out_.flatPoint(10, circle.center);
+    out_.real(40, radius);
+    return true;
+  }
+
+  bool writeArc(const ArcEntity& arc) {
+    const double sweep = arcSpan(arc.startAngle, arc.endAngle);
+    const double radius = std::abs(arc.radius);
+    if (!isFinite(arc.center) || !std::isfinite(radius) || radius == 0) return false;
+    if (!(sweep > kSmallestArcSweep)) return false;
+    // A negative radius puts every point on the other side of the centre.
+    const double turned = arc.radius < 0 ? std::numbers::pi : 0;
+    begin("ARC", kDxfBaseLayer, "AcDbCircle");
+    beginOwn();
+    out_.flatPoint(10, arc.center);
+    out_.real(40, radius);
+    if (is2000()) out_.text(100, "AcDbArc");
+    out_.real(50, degrees(normalizedAngle(arc.startAngle + turned)));
+    out_.real(51, degrees(normalizedAngle(arc.endAngle + turned)));
+    return true;
+  }
+
+  bool writeClosed(std::span<const SketchPoint> corners, std::string_view layer) {
+    if (corners.size() < 2 || !areFinite(corners)) return false;
+    if (!is2000()) {
+      begin("POLYLINE", layer, {});
+      out_.groups({{66, 1}, {70, 1}});
+      out_.flatPoint(10, {0, 0});
+      for (const SketchPoint corner : corners) {
+        out_.groups({{0, "VERTEX"}, {8, layer}});
+        out_.flatPoint(10, corner);
+      }
+      out_.groups({{0, "SEQEND"}, {8, layer}});
+      return true;
+    }
+    begin("LWPOLYLINE", layer, "AcDbPolyline");
+    beginOwn();
+    out_.groups({{90, static_cast<int>(corners.size())}, {70, 1}});
+    for (const SketchPoint corner : corners) out_.point(10, corner);
+    return true;
+  }
+
+  DxfOutput& out_;
+  const DxfLayers& layers_;
+  std::span<const WallSystemSpec> systems_;
+  DxfVersion version_;
+  DxfHandle next_;
+  std::string_view className_;
+};
+
+}  // namespace
+
+DxfWritten writeDxf(const EntityList& entities, std::span<const WallSystemSpec> systems, DxfVersion version,
+                    const FileSystem::Writer& write) {
+  const DxfLayers layers(systems, version);
+  DxfOutput out(write);
+  // A wall takes two handles and everything else one.
+  const DxfHandle firstFree{firstEntityHandle(layers).value + 2 * entities.size()};
+  const DxfFrame frame{version, drawingBounds(entities).value_or(SketchBox{}), layers, firstFree};
+  DxfWritten written;
+  writeDxfHead(out, frame);
+  EntityWriter writer(out, layers, systems, version);
+  for (const SketchEntity& entity : entities) {
+    if (writer.write(entity)) {
+      ++written.entities;
+    } else {
+      ++written.leftOut;
+    }
+  }
+  writeDxfTail(out, frame);
+  out.flush();
+  return written;
+}
+
+}  // namespace ostrelon

@@ -1,0 +1,40 @@
+// Drawings out as DXF, for other programs of the field. One sketch unit is one unit of the file, a foot.
+//
+//   files.writeFile(path, [&](const FileSystem::Writer& write) {
+//     writeDxf(*model.entities, *model.wallSystemSpecs, DxfVersion::r2000, write);
+//   });
+//
+// | entity    | in the file                                                                  |
+// |-----------|------------------------------------------------------------------------------|
+// | line      | LINE                                                                         |
+// | wall      | its outline as a closed polyline and its centre line as a LINE of line type  |
+// |           | CENTER, both on the layer of the wall's system                               |
+// | circle    | CIRCLE                                                                       |
+// | arc       | ARC                                                                          |
+// | rectangle | a closed polyline                                                            |
+// | polygon   | a closed polyline                                                            |
+//
+// A closed polyline is a POLYLINE in R12 and an LWPOLYLINE in 2000. All but walls lies on layer "0".
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+#include "core/entity_list.h"
+#include "core/wall_system.h"
+#include "exchange/dxf_version.h"
+#include "platform/file_system.h"
+
+namespace ostrelon {
+
+struct DxfWritten {
+  std::size_t entities = 0;
+  /// What the canvas does not show either: no length, radius or sweep, no vertices, not finite.
+  std::size_t leftOut = 0;
+};
+
+/// Hands the file to `write` piece by piece, in the order of the list. Holds no copy of the drawing.
+DxfWritten writeDxf(const EntityList& entities, std::span<const WallSystemSpec> systems, DxfVersion version,
+                    const FileSystem::Writer& write);
+
+}  // namespace ostrelon

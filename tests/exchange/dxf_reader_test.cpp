@@ -1,0 +1,232 @@
+// Imported drawings: what other programs write, and what nobody should.
+#include "exchange/dxf_reader.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <numbers>
+#include <random>
+
+#include "exchange/dxf_import.h"
+#include "exchange/dxf_writer.h"
+#include "support/test_sketch.h"
+
+namespace ostrelon {
+namespace {
+
+using ::testing::HasSubstr;
+using testing::TestSketch;
+constexpr double kPi = std::numbers::pi;
+
+// A file whose ENTITIES section holds this; a blank stands for the end of a line.
+std::string fileWith(std::string entities, const std::string& header = "") {
+  std::string text = "0 SECTION 2 HEADER " + header + "0 ENDSEC 0 SECTION 2 ENTITIES " + std::move(entities) +
+                     "0 ENDSEC 0 EOF ";
+  std::replace(text.begin(), text.end(), ' ', '\n');
+  return text;
+}
+
+DxfDrawing read(const std::string& entities, const std::string& header = "") {
+  return readDxf(fileWith(entities, header));
+}
+
+std::string errorOf(const std::string& text) {
+  try {
+    readDxf(text);
+  } catch (const DxfError& error) {
+    return error.what();
+  }
+  return "no error";
+}
+
+TEST(DxfReader, ReadsLinesCirclesAndArcs) {
+  const auto drawing = read(
+      "0 LINE 8 WALLS 10 1.5 20 -2 30 9 11 3e1 21 +4. "
+      "0 CIRCLE 8 0 10 5 20 6 40 .5 "
+      "0 ARC 10 0 20 0 40 2 50 90 51 -180 "
+      "0 ARC 10 0 20 0 40 2 50 30 51 390 ");
+  ASSERT_EQ(drawing.entities.size(), 4U);
+  const auto& line = std::get<LineEntity>(drawing.entities[0]);
+  EXPECT_EQ(line.from, (SketchPoint{1.5, -2}));
+  EXPECT_EQ(line.to, (SketchPoint{30, 4}));
+  EXPECT_EQ(std::get<CircleEntity>(drawing.entities[1]).radius, 0.5);
+  const auto& arc = std::get<ArcEntity>(drawing.entities[2]);
+  EXPECT_NEAR(arc.startAngle, kPi / 2, 1e-12);
+  EXPECT_NEAR(arcSpan(arc.startAngle, arc.endAngle), kPi / 2, 1e-12);
+  EXPECT_EQ(std::get<CircleEntity>(drawing.entities[3]).radius, 2) << "a full turn is a circle";
+}
+
+TEST(DxfReader, ReadsPolylinesOfBothForms) {
+  const auto drawing = read(
+      "0 LWPOLYLINE 90 3 70 1 10 0 20 0 10 4 20 0 10 0 20 3 "
+      "0 LWPOLYLINE 70 0 10 0 20 0 10 4 20 0 10 4 20 3 10 0 20 0 "
+      "0 POLYLINE 66 1 70 1 0 VERTEX 10 0 20 0 0 VERTEX 10 2 20 0 0 VERTEX 10 2 20 2 0 SEQEND 8 0 "
+      "0 LWPOLYLINE 70 0 10 0 20 0 10 1 20 0 10 1 20 1 "
+      "0 POLYLINE 70 1 0 VERTEX 10 7 20 7 0 VERTEX 10 7 20 7 ");
+  ASSERT_EQ(drawing.entities.size(), 5U);
+  EXPECT_EQ(std::get<PolygonEntity>(drawing.entities[0]).vertices, (PolygonVertices{{0, 0}, {4, 0}, {0, 3}}));
+  EXPECT_EQ(std::get<PolygonEntity>(drawing.entities[1]).vertices, (PolygonVertices{{0, 0}, {4, 0}, {4, 3}}))
+      << "it ends where it began";
+  EXPECT_EQ(std::get<PolygonEntity>(drawing.entities[2]).vertices, (PolygonVertices{{0, 0}, {2, 0}, {2, 2}}));
+  EXPECT_EQ(std::get<LineEntity>(drawing.entities[3]).to, (SketchPoint{1, 0}));
+  EXPECT_EQ(std::get<LineEntity>(drawing.entities[4]).to, (SketchPoint{1, 1}));
+  EXPECT_EQ(drawing.leftOut, (std::map<std::string, std::size_t>{{"POLYLINE", 1}})) << "no two points";
+}
+
+TEST(DxfReader, KeepsBulgedPiecesAsArcs) {
+  // A quarter turn to the left of the chord, a half turn back to the right, and a straight end.
+  const auto drawing =
+      read("0 LWPOLYLINE 70 0 10 1 20 0 42 0.41421356237309503 10 0 20 1 42 -1 10 -2 20 1 10 -2 20 5 ");
+  ASSERT_EQ(drawing.entities.size(), 3U);
+  const auto& quarter = std::get<ArcEntity>(drawing.entities[0]);
+  EXPECT_NEAR(quarter.center.x, 0, 1e-12);
+  EXPECT_NEAR(quarter.center.y, 0, 1e-12);
+  EXPECT_NEAR(quarter.radius, 1, 1e-12);
+  EXPECT_NEAR(quarter.startAngle, 0, 1e-12);
+  EXPECT_NEAR(quarter.endAngle, kPi / 2, 1e-12);
+  const auto& half = std::get<ArcEntity>(drawing.entities[1]);
+  EXPECT_NEAR(half.center.x, -1, 1e-12);
+  EXPECT_NEAR(arcSpan(half.startAngle, half.endAngle), kPi, 1e-12);
+  const SketchPoint middle = pointOnCircle(half.center, half.radius, half.startAngle + kPi / 2);
+  EXPECT_NEAR(middle.y, 0, 1e-12) << "clockwise from (0, 1) to (-2, 1) passes below";
+}
+
+TEST(DxfReader, MirrorsBackWhatIsSeenFromBehindAndLeavesOutTiltedPlanes) {
+  const auto drawing = read(
+      "0 ARC 10 1 20 2 40 3 50 0 51 90 210 0 220 0 230 -1 "
+      "0 LWPOLYLINE 70 1 210 0 220 0 230 -1 10 1 20 0 10 2 20 0 10 2 20 1 "
+      "0 CIRCLE 10 0 20 0 40 1 210 1 220 0 230 0 ");
+  ASSERT_EQ(drawing.entities.size(), 2U);
+  const auto& arc = std::get<ArcEntity>(drawing.entities[0]);
+  EXPECT_EQ(arc.center, (SketchPoint{-1, 2}));
+  EXPECT_NEAR(arc.startAngle, kPi / 2, 1e-12);
+  EXPECT_NEAR(arc.endAngle, kPi, 1e-12);
+  EXPECT_EQ(std::get<PolygonEntity>(drawing.entities[1]).vertices[1], (SketchPoint{-2, 0}));
+  EXPECT_EQ(drawing.leftOut.at("CIRCLE"), 1U);
+}
+
+TEST(DxfReader, CountsWhatItLeavesOutByKind) {
+  const auto drawing = read(
+      "0 TEXT 1 Kitchen 0 INSERT 2 DOOR 0 TEXT 1 Hall 0 LINE 67 1 10 0 20 0 11 1 21 1 0 \x07\x07 8 0 "
+      "0 LINE 10 0 20 0 11 1 21 1 0 POLYLINE 70 64 0 VERTEX 70 192 0 SEQEND ");
+  EXPECT_EQ(drawing.entities.size(), 1U);
+  EXPECT_EQ(drawing.leftOut,
+            (std::map<std::string, std::size_t>{
+                {"TEXT", 2}, {"INSERT", 1}, {"LINE", 1}, {"POLYLINE", 1}, {"other kinds", 1}}));
+}
+
+TEST(DxfReader, SaysWhatIsWrongAndWhere) {
+  EXPECT_EQ(errorOf(""), "The file is empty.");
+  EXPECT_EQ(errorOf("hello\nworld\n"), "This is not a DXF file.");
+  EXPECT_EQ(errorOf(std::string("AC1015\0\0\0", 9)), "This is not a DXF file.");
+  EXPECT_EQ(errorOf("0\nEOF\n0\nSECTION"), "This is not a DXF file.");
+  EXPECT_THAT(errorOf("AutoCAD Binary DXF\r\n\x1a"), HasSubstr("binary DXF"));
+  EXPECT_THAT(errorOf("0\nSECTION\n2\nENTITIES\n0\nLINE\n10"), HasSubstr("ends in the middle, at line 7"));
+  EXPECT_THAT(errorOf("0\nSECTION\n2\nENTITIES\n0\nLINE\n10\n5\n"), HasSubstr("cut off"));
+  EXPECT_THAT(errorOf("0\nSECTION\n2\nHEADER\nx\ny\n"), HasSubstr("Line 5: \"x\" stands where a group code"));
+  EXPECT_EQ(errorOf(fileWith("0 CIRCLE 10 0 20 0 ")), "The CIRCLE at line 12 has no radius.");
+  EXPECT_EQ(errorOf(fileWith("0 CIRCLE 10 0 20 zero 40 1 ")), "Line 16: \"zero\" is not a number.");
+  EXPECT_EQ(errorOf(fileWith("0 CIRCLE 10 0 20 0 40 inf ")), "Line 18: a number is not finite.");
+  EXPECT_EQ(errorOf(fileWith("0 LWPOLYLINE 70 1 10 0 10 1 20 0 ")), "Line 16: a vertex has no y.");
+}
+
+TEST(DxfReader, TakesLineEndsOfAllSystemsAndBlanksAroundCodes) {
+  EXPECT_EQ(
+      readDxf(
+          "999\r\nby hand\r\n  0\r\nSECTION\r\n  2\r\nENTITIES\r\n  0\r\nLINE\r\n 10\r\n 1.0 \r\n 20\r\n0\r\n"
+          " 11\r\n2\r\n 21\r\n3\r\n  0\r\nENDSEC\r\n  0\r\nEOF\r\n\r\n")
+          .entities.size(),
+      1U);
+}
+
+// Whatever the bytes, the reader ends with a drawing of finite coordinates or with an error.
+TEST(DxfReader, StandsUpToDamagedFiles) {
+  constexpr unsigned kSeed = 20260110;
+  SCOPED_TRACE(kSeed);
+  std::mt19937 random(kSeed);
+  const std::string good = fileWith(
+      "0 LINE 10 0 20 0 11 1 21 1 0 ARC 10 0 20 0 40 1 50 0 51 9 0 LWPOLYLINE 70 1 10 0 20 0 42 1 10 1 20 1 "
+      "10 2 20 0 0 POLYLINE 66 1 70 1 0 VERTEX 10 1e300 20 0 42 1e-9 0 VERTEX 10 -1e308 20 3 0 SEQEND ",
+      "9 $INSUNITS 70 4 ");
+  int readable = 0;
+  for (int round = 0; round < 20000; ++round) {
+    std::string text = good;
+    for (int i = 1 + static_cast<int>(random() % 4); i > 0 && !text.empty(); --i) {
+      const std::size_t at = random() % text.size();
+      switch (random() % 4) {
+        case 0:
+          text[at] = static_cast<char>(random() % 256);
+          break;
+        case 1:
+          text.erase(at, random() % 40);
+          break;
+        case 2:
+          text.insert(at, good.substr(random() % good.size(), random() % 60));
+          break;
+        default:
+          text.resize(at + 1);
+      }
+    }
+    try {
+      for (const SketchEntity& entity : readDxf(text).entities) {
+        if (const auto* arc = std::get_if<ArcEntity>(&entity)) {
+          ASSERT_TRUE(std::isfinite(arc->center.x) && std::isfinite(arc->radius));
+        }
+      }
+      ++readable;
+    } catch (const DxfError&) {
+    }
+  }
+  EXPECT_GT(readable, 100);
+}
+
+TEST(DxfImport, IsOneStepThatCanBeUndone) {
+  TestSketch test;
+  test.sketch.updateCanvasSize({800, 600});
+  test.sketch.addLine({0, 0}, {1, 1});
+  const EntityList before = *test.sketch.entities;
+  const std::size_t steps = test.sketch.undoStack().undoSnapshots().size();
+  importDxf(test.sketch, read("0 LINE 10 0 20 0 11 5 21 5 0 TEXT 1 x 0 CIRCLE 10 0 20 0 40 1 "), "plan.dxf");
+  EXPECT_EQ(test.sketch.entities->size(), 3U);
+  EXPECT_EQ(test.sketch.undoStack().undoSnapshots().size(), steps + 1);
+  EXPECT_TRUE(*test.sketch.isDocumentDirty);
+  EXPECT_EQ(test.sketch.consoleLines->back().text,
+            "Imported 2 entities from \"plan.dxf\"; left out 1 object that cannot be drawn here: TEXT 1.");
+  test.sketch.undo();
+  EXPECT_EQ(*test.sketch.entities, before);
+}
+
+TEST(DxfImport, ConvertsWhenAsked) {
+  const DxfDrawing drawing = read(
+      "0 LINE 10 0 20 0 11 3048 21 304.8 0 CIRCLE 10 609.6 20 0 40 152.4 "
+      "0 LWPOLYLINE 70 1 10 0 20 0 10 304.8 20 0 10 0 20 304.8 ",
+      "9 $INSUNITS 70 4 ");
+  ASSERT_TRUE(drawing.unit);
+  EXPECT_EQ(drawing.unit->name, "millimeters");
+  TestSketch plain;
+  importDxf(plain.sketch, drawing, "plan.dxf");
+  EXPECT_EQ(std::get<LineEntity>(plain.sketch.entities->front()).to, (SketchPoint{3048, 304.8}));
+  TestSketch converted;
+  importDxf(converted.sketch, drawing, "plan.dxf", true);
+  EXPECT_NEAR(std::get<LineEntity>(converted.sketch.entities->front()).to.x, 10, 1e-12);
+  EXPECT_NEAR(std::get<CircleEntity>((*converted.sketch.entities)[1]).radius, 0.5, 1e-12);
+  EXPECT_NEAR(std::get<PolygonEntity>(converted.sketch.entities->back()).vertices[2].y, 1, 1e-12);
+}
+
+TEST(DxfImport, AFileWithNothingToDrawIsAnErrorAndChangesNothing) {
+  TestSketch test;
+  EXPECT_THROW(importDxf(test.sketch, read(""), "empty.dxf"), DxfError);
+  try {
+    importDxf(test.sketch, read("0 TEXT 1 a 0 HATCH 2 b "), "text.dxf");
+    FAIL();
+  } catch (const DxfError& error) {
+    EXPECT_STREQ(error.what(),
+                 "There is nothing in the file but 2 objects that cannot be drawn here: HATCH 1, TEXT 1.");
+  }
+  EXPECT_TRUE(test.sketch.entities->empty());
+  EXPECT_FALSE(*test.sketch.isDocumentDirty);
+  EXPECT_TRUE(test.sketch.undoStack().undoSnapshots().empty());
+}
+
+}  // namespace
+}  // namespace ostrelon

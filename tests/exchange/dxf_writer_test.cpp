@@ -1,0 +1,202 @@
+// Exported drawings: their layers, their text, and what other programs read in them.
+#include "exchange/dxf_writer.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <numbers>
+
+#include "core/length_text.h"
+#include "exchange/dxf_layers.h"
+#include "exchange/dxf_reader.h"
+#include "support/random_drawing.h"
+#include "support/temporary_folder.h"
+#include "support/test_sketch.h"
+
+namespace ostrelon {
+namespace {
+
+using testing::TemporaryFolder;
+using testing::TestSketch;
+
+std::string dxfText(const EntityList& entities, const std::vector<WallSystemSpec>& systems,
+                    DxfVersion version) {
+  std::string text;
+  writeDxf(entities, systems, version, [&text](std::string_view piece) { text += piece; });
+  return text;
+}
+
+WallSystemSpec system(std::string name, double thickness = 1) {
+  return {UUID::random(), std::move(name), thickness, 96, ""};
+}
+
+TEST(DxfLayers, AreNamedAfterTheWallSystemsAsFarAsTheFormatAllows) {
+  EXPECT_EQ(dxfLayerName(" W2-EXT ", DxfVersion::r12), "W2-EXT");
+  EXPECT_EQ(dxfLayerName("Brick 2×4: old/new", DxfVersion::r12), "Brick_2_4__old_new");
+  EXPECT_EQ(dxfLayerName("Brick 2×4: old/new", DxfVersion::r2000), "Brick 2\xD7" "4_ old_new");
+  EXPECT_EQ(dxfLayerName("✓", DxfVersion::r2000), "\\U+2713");
+  EXPECT_EQ(dxfLayerName("line\nbreak \xFF", DxfVersion::r2000), "line_break _");
+  EXPECT_EQ(dxfLayerName("  ", DxfVersion::r2000), "WALL");
+  EXPECT_EQ(dxfLayerName(std::string(300, 'x'), DxfVersion::r12).size(), 31U);
+  EXPECT_EQ(dxfLayerName(std::string(300, 'x'), DxfVersion::r2000).size(), 255U);
+}
+
+TEST(DxfLayers, NamesThatBecomeAlikeAreToldApartAndEqualOnesShareALayer) {
+  const std::vector<WallSystemSpec> systems{system("a/b"), system("a:b"), system("A/B"), system("0"),
+                                            system("wall-unknown")};
+  const DxfLayers layers(systems, DxfVersion::r2000);
+  EXPECT_EQ(layers.layerOf(systems[0].id), "a_b");
+  EXPECT_EQ(layers.layerOf(systems[1].id), "a_b_2");
+  EXPECT_EQ(layers.layerOf(systems[2].id), "a_b");
+  EXPECT_EQ(layers.layerOf(systems[3].id), "0_2");
+  EXPECT_EQ(layers.layerOf(systems[4].id), "wall-unknown_2");
+  EXPECT_EQ(layers.layerOf(UUID::random()), "WALL-UNKNOWN");
+  EXPECT_EQ(layers.names().size(), 5U);
+}
+
+// One of each kind, and what the canvas does not show.
+struct SampleDrawing {
+  std::vector<WallSystemSpec> systems{system("W2-EXT", 6.5), system("Brick ×", 2)};
+  EntityList entities{
+      LineEntity{UUID::random(), {1, 2}, {-3.25, 4}},
+      WallEntity{UUID::random(), {0, 0}, {100, 0}, systems[0].id},
+      WallEntity{UUID::random(), {0, 10}, {0, 20}, systems[1].id},
+      WallEntity{UUID::random(), {5, 5}, {5, 15}, UUID::random()},
+      CircleEntity{UUID::random(), {7, 8}, -2.5},
+      ArcEntity{UUID::random(), {1, 1}, 3, std::numbers::pi / 2, 0},
+      RectangleEntity{UUID::random(), {10, 10}, {-4, 6}},
+      PolygonEntity{UUID::random(), {{0, 0}, {4, 0.1}, {2, 3}}},
+      WallEntity{UUID::random(), {3, 3}, {3, 3}, systems[0].id},
+      ArcEntity{UUID::random(), {1, 1}, 3, 1, 1},
+      PolygonEntity{UUID::random(), {}},
+      LineEntity{UUID::random(), {0, 0}, {std::numeric_limits<double>::quiet_NaN(), 0}},
+  };
+};
+
+class DxfVersions : public ::testing::TestWithParam<DxfVersion> {};
+INSTANTIATE_TEST_SUITE_P(All, DxfVersions, ::testing::Values(DxfVersion::r12, DxfVersion::r2000),
+                         [](const auto& version) {
+                           return version.param == DxfVersion::r12 ? std::string("R12")
+                                                                   : std::string("R2000");
+                         });
+
+TEST_P(DxfVersions, ComeBackAsTheGeometryThatWentOut) {
+  const SampleDrawing sample;
+  std::string text;
+  const DxfWritten written = writeDxf(sample.entities, sample.systems, GetParam(),
+                                      [&text](std::string_view piece) { text += piece; });
+  EXPECT_EQ(written.entities, 8U);
+  EXPECT_EQ(written.leftOut, 4U);
+
+  const DxfDrawing back = readDxf(text);
+  ASSERT_EQ(back.entities.size(), 11U) << "a wall is an outline and a line";
+  EXPECT_EQ(back.leftOutCount(), 0U);
+  EXPECT_EQ(std::get<LineEntity>(back.entities[0]).to, (SketchPoint{-3.25, 4}));
+  EXPECT_EQ(std::get<PolygonEntity>(back.entities[1]).vertices,
+            (PolygonVertices{{0, 3.25}, {100, 3.25}, {100, -3.25}, {0, -3.25}}));
+  EXPECT_EQ(std::get<LineEntity>(back.entities[2]).to, (SketchPoint{100, 0}));
+  EXPECT_EQ(std::get<PolygonEntity>(back.entities[5]).vertices,
+            (PolygonVertices{{2, 5}, {2, 15}, {8, 15}, {8, 5}}))
+      << "an unknown system has the thickness with which the canvas paints it";
+  EXPECT_EQ(std::get<CircleEntity>(back.entities[7]).radius, 2.5);
+  const auto& arc = std::get<ArcEntity>(back.entities[8]);
+  EXPECT_NEAR(arcSpan(arc.startAngle, arc.endAngle), 1.5 * std::numbers::pi, 1e-12);
+  EXPECT_EQ(std::get<PolygonEntity>(back.entities[9]).vertices,
+            (PolygonVertices{{10, 10}, {6, 10}, {6, 16}, {10, 16}}));
+  EXPECT_EQ(std::get<PolygonEntity>(back.entities[10]).vertices[1], (SketchPoint{4, 0.1}));
+}
+
+TEST_P(DxfVersions, PassThroughInPiecesOfABoundedSize) {
+  std::vector<SketchEntity> lines;
+  for (int i = 0; i < 20000; ++i) lines.emplace_back(LineEntity{UUID::random(), {0, 0}, {1.0 * i, 0}});
+  std::size_t largest = 0;
+  std::size_t pieces = 0;
+  writeDxf(EntityList(std::move(lines)), {}, GetParam(), [&](std::string_view piece) {
+    largest = std::max(largest, piece.size());
+    ++pieces;
+  });
+  EXPECT_GT(pieces, 10U);
+  EXPECT_LT(largest, 70000U);
+}
+
+// The first interpreter that has the reader; empty where none has.
+std::string pythonWithReader() {
+  for (const char* python : {"/usr/bin/python3", "python3"}) {
+    if (std::system((std::string(python) + " -c 'import ezdxf' >/dev/null 2>&1").c_str()) == 0) return python;
+  }
+  return {};
+}
+
+TEST_P(DxfVersions, AnIndependentReaderFindsNoFaultAndTheSameGeometry) {
+  const std::string python = pythonWithReader();
+  if (python.empty()) GTEST_SKIP() << "python3-ezdxf is not installed";
+  const SampleDrawing sample;
+  const TemporaryFolder folder;
+  testing::writeBytes(folder / "plan.dxf", dxfText(sample.entities, sample.systems, GetParam()));
+  const std::string command = python + " " OSTRELON_SOURCE_DIR "/tests/exchange/dxf_reader_check.py " +
+                              (folder / "plan.dxf").string() + " > " + (folder / "found.json").string();
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  const auto found = nlohmann::json::parse(testing::readBytes(folder / "found.json"));
+
+  EXPECT_EQ(found["problems"], nlohmann::json::array());
+  const bool isR12 = GetParam() == DxfVersion::r12;
+  EXPECT_EQ(found["version"], isR12 ? "AC1009" : "AC1015");
+  if (!isR12) {
+    EXPECT_EQ(found["unit"], 2) << "feet";
+  }
+  const auto& entities = found["entities"];
+  ASSERT_EQ(entities.size(), 11U);
+  const char* closed = isR12 ? "POLYLINE" : "LWPOLYLINE";
+  const std::vector<std::string> kinds{"LINE", closed,   "LINE", closed, "LINE", closed,
+                                       "LINE", "CIRCLE", "ARC",  closed, closed};
+  for (std::size_t i = 0; i < kinds.size(); ++i) {
+    EXPECT_EQ(entities[i]["kind"], kinds[i]);
+    if (kinds[i] == closed) {
+      EXPECT_EQ(entities[i]["closed"], true);
+    }
+  }
+  EXPECT_EQ(entities[1]["layer"], "W2-EXT");
+  EXPECT_EQ(entities[2]["layer"], "W2-EXT");
+  EXPECT_EQ(entities[2]["lineType"], "CENTER");
+  EXPECT_EQ(entities[3]["layer"], isR12 ? "Brick__" : "Brick ×");
+  EXPECT_EQ(entities[5]["layer"], "WALL-UNKNOWN");
+  EXPECT_EQ(entities[7]["layer"], "0");
+  EXPECT_EQ(entities[1]["points"],
+            nlohmann::json::parse("[[0.0,3.25],[100.0,3.25],[100.0,-3.25],[0.0,-3.25]]"));
+  EXPECT_EQ(entities[2]["points"], nlohmann::json::parse("[[0.0,0.0],[100.0,0.0]]"));
+  EXPECT_EQ(entities[7]["radius"], 2.5);
+  EXPECT_NEAR(entities[8]["angles"][0].get<double>(), 90, 1e-12);
+  EXPECT_NEAR(entities[8]["angles"][1].get<double>(), 0, 1e-12);
+}
+
+TEST_P(DxfVersions, ACadProgramPrintsIt) {
+  if (std::system("command -v librecad >/dev/null && command -v xvfb-run >/dev/null") != 0) {
+    GTEST_SKIP() << "librecad and xvfb are not installed";
+  }
+  if (std::system("command -v pdftotext >/dev/null && command -v pdftoppm >/dev/null") != 0) {
+    GTEST_SKIP() << "poppler-utils is not installed";
+  }
+  const TemporaryFolder folder;
+  // A solid-looking drawing: if nothing of it were read, the page would be white.
+  const EntityList entities{RectangleEntity{UUID::random(), {0, 0}, {200, 100}},
+                            WallEntity{UUID::random(), {10, 50}, {190, 50}, UUID::random()},
+                            CircleEntity{UUID::random(), {100, 50}, 40}};
+  testing::writeBytes(folder / "plan.dxf", dxfText(entities, {}, GetParam()));
+  const std::string in = "cd " + folder.path().string() + " && HOME=. XDG_RUNTIME_DIR=. ";
+  ASSERT_EQ(
+      std::system((in + "timeout 60 xvfb-run -a librecad dxf2pdf -a -m -p 200x100 plan.dxf >log 2>&1 && "
+                        "pdftoppm -r 25.4 -gray plan.pdf page >>log 2>&1")
+                      .c_str()),
+      0)
+      << testing::readBytes(folder / "log");
+  const std::string page = testing::readBytes(folder / "page-1.pgm");
+  ASSERT_TRUE(page.starts_with("P5"));
+  const auto dark = std::count_if(page.begin() + 20, page.end(),
+                                  [](char c) { return static_cast<unsigned char>(c) < 0xC0; });
+  EXPECT_GT(dark, 300) << "the frame, the wall and the circle are about a thousand pixels around";
+}
+
+}  // namespace
+}  // namespace ostrelon
