@@ -35,7 +35,9 @@ WallSystemSpec system(std::string name, double thickness = 1) {
 TEST(DxfLayers, AreNamedAfterTheWallSystemsAsFarAsTheFormatAllows) {
   EXPECT_EQ(dxfLayerName(" W2-EXT ", DxfVersion::r12), "W2-EXT");
   EXPECT_EQ(dxfLayerName("Brick 2×4: old/new", DxfVersion::r12), "Brick_2_4__old_new");
-  EXPECT_EQ(dxfLayerName("Brick 2×4: old/new", DxfVersion::r2000), "Brick 2\xD7" "4_ old_new");
+  EXPECT_EQ(dxfLayerName("Brick 2×4: old/new", DxfVersion::r2000),
+            "Brick 2\xD7"
+            "4_ old_new");
   EXPECT_EQ(dxfLayerName("✓", DxfVersion::r2000), "\\U+2713");
   EXPECT_EQ(dxfLayerName("line\nbreak \xFF", DxfVersion::r2000), "line_break _");
   EXPECT_EQ(dxfLayerName("  ", DxfVersion::r2000), "WALL");

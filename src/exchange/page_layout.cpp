@@ -1,0 +1,308 @@
+#include "exchange/page_layout.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "geometry/entity_geometry.h"
+#include "interaction/canvas_frame.h"
+#include "platform/unicode.h"
+
+namespace ostrelon {
+namespace {
+
+constexpr double inches(double value) { return value * kPointsPerInch; }
+constexpr double millimeters(double value) { return value / 25.4 * kPointsPerInch; }
+
+constexpr std::array kPaperSizes{
+    PaperSize{"Letter", inches(8.5), inches(11)},        PaperSize{"Legal", inches(8.5), inches(14)},
+    PaperSize{"Tabloid", inches(11), inches(17)},        PaperSize{"ANSI C", inches(17), inches(22)},
+    PaperSize{"ANSI D", inches(22), inches(34)},         PaperSize{"ANSI E", inches(34), inches(44)},
+    PaperSize{"ARCH A", inches(9), inches(12)},          PaperSize{"ARCH B", inches(12), inches(18)},
+    PaperSize{"ARCH C", inches(18), inches(24)},         PaperSize{"ARCH D", inches(24), inches(36)},
+    PaperSize{"ARCH E", inches(36), inches(48)},         PaperSize{"A4", millimeters(210), millimeters(297)},
+    PaperSize{"A3", millimeters(297), millimeters(420)}, PaperSize{"A2", millimeters(420), millimeters(594)},
+    PaperSize{"A1", millimeters(594), millimeters(841)}, PaperSize{"A0", millimeters(841), millimeters(1189)},
+};
+
+constexpr std::array kCommonScales{
+    DrawingScale{4},   DrawingScale{8},  DrawingScale{12},  DrawingScale{16},  DrawingScale{24},
+    DrawingScale{32},  DrawingScale{48}, DrawingScale{64},  DrawingScale{96},  DrawingScale{120},
+    DrawingScale{192}, DrawingScale{50}, DrawingScale{100}, DrawingScale{200}, DrawingScale{240},
+};
+
+// Sheets that would hold nothing but the rounding of a computation are not counted.
+constexpr double kSheetTolerance = 1e-9;
+// The scale of a drawing without any extent.
+constexpr double kPointScale = 48;
+constexpr double kSmallestRatio = 1e-3;
+constexpr double kLargestRatio = 1e6;
+
+SketchBox around(const SketchBox& a, const SketchBox& b) {
+  return {std::min(a.minX, b.minX), std::min(a.minY, b.minY), std::max(a.maxX, b.maxX),
+          std::max(a.maxY, b.maxY)};
+}
+
+bool isFinite(const SketchBox& box) {
+  return std::isfinite(box.minX) && std::isfinite(box.minY) && std::isfinite(box.maxX) &&
+         std::isfinite(box.maxY);
+}
+
+SketchBox paintedBox(const SketchEntity& entity, std::span<const WallSystemSpec> systems) {
+  SketchBox box = entityBounds(entity);
+  if (const auto* wall = std::get_if<WallEntity>(&entity)) {
+    for (const SketchPoint corner : wallCorners(wall->from, wall->to, paintedWallThickness(*wall, systems))) {
+      box = around(box, {corner.x, corner.y, corner.x, corner.y});
+    }
+  } else if (const auto* arc = std::get_if<ArcEntity>(&entity)) {
+    // The box of the entity is that of its whole circle.
+    const std::vector<SketchPoint> points = arcPoints(*arc);
+    if (points.empty()) return box;
+    box = {points[0].x, points[0].y, points[0].x, points[0].y};
+    for (const SketchPoint point : points) box = around(box, {point.x, point.y, point.x, point.y});
+  }
+  return box;
+}
+
+int sheets(double length, double room) {
+  const double count = std::ceil(length / room - kSheetTolerance);
+  return count > kMostPages ? kMostPages + 1 : std::max(1, static_cast<int>(count));
+}
+
+PageLayout laidOut(const SketchBox& drawing, const PageSetup& setup, bool isLandscape) {
+  PageLayout layout;
+  layout.page = isLandscape ? SketchSize{setup.paper.height, setup.paper.width}
+                            : SketchSize{setup.paper.width, setup.paper.height};
+  layout.margin = setup.margin;
+  layout.drawing = drawing;
+  const SketchSize room = layout.printable();
+  if (!(room.width > 0) || !(room.height > 0)) {
+    throw PageLayoutError(fmt::format("The margins leave no room on a sheet of {}.", setup.paper.name));
+  }
+  const double width = drawing.maxX - drawing.minX;
+  const double height = drawing.maxY - drawing.minY;
+  if (setup.scale) {
+    layout.pointsPerUnit = setup.scale->pointsPerUnit();
+    layout.columns = sheets(width * layout.pointsPerUnit, room.width);
+    layout.rows = sheets(height * layout.pointsPerUnit, room.height);
+  } else {
+    const double fit = std::min(room.width / width, room.height / height);
+    layout.pointsPerUnit = std::isfinite(fit) && fit > 0 ? fit : DrawingScale{kPointScale}.pointsPerUnit();
+  }
+  return layout;
+}
+
+// --- Reading scales
+
+// Takes a word off the front of the text, blanks in front skipped.
+bool take(std::string_view& text, std::string_view word) {
+  std::string_view rest = trimmed(text);
+  if (!rest.starts_with(word)) return false;
+  text = rest.substr(word.size());
+  return true;
+}
+
+bool takeInchMark(std::string_view& text) {
+  for (const std::string_view mark : {"\"", "″", "”", "inches", "inch", "in"}) {
+    if (take(text, mark)) return true;
+  }
+  return false;
+}
+
+bool takeFootMark(std::string_view& text) {
+  for (const std::string_view mark : {"'", "′", "’", "feet", "foot", "ft"}) {
+    if (take(text, mark)) return true;
+  }
+  return false;
+}
+
+// A plain decimal number: digits with at most one point.
+std::optional<double> takeDecimal(std::string_view& text) {
+  const std::string_view start = trimmed(text);
+  double value = 0;
+  double place = 0;
+  std::size_t length = 0;
+  std::size_t digits = 0;
+  for (; length < start.size() && digits < 12; ++length) {
+    const char c = start[length];
+    if (c == '.' && place == 0) {
+      place = 1;
+    } else if (c >= '0' && c <= '9') {
+      ++digits;
+      value = value * 10 + (c - '0');
+      place *= 10;
+    } else {
+      break;
+    }
+  }
+  if (digits == 0) return std::nullopt;
+  text = start.substr(length);
+  return place > 1 ? value / place : value;
+}
+
+// A number of inches: 3, 0.5, 1/4, 1 1/2 or 1-1/2.
+std::optional<double> takeMixedNumber(std::string_view& text) {
+  const auto first = takeDecimal(text);
+  if (!first) return std::nullopt;
+  if (take(text, "/")) {
+    const auto divisor = takeDecimal(text);
+    return divisor ? std::optional(*first / *divisor) : std::nullopt;
+  }
+  std::string_view ahead = text;
+  const bool isJoined = take(ahead, "-") || trimmed(ahead).size() != ahead.size();
+  const auto part = isJoined ? takeDecimal(ahead) : std::nullopt;
+  if (!part || !take(ahead, "/")) return first;
+  const auto divisor = takeDecimal(ahead);
+  if (!divisor) return std::nullopt;
+  text = ahead;
+  return *first + *part / *divisor;
+}
+
+// Feet, with inches or without: 1', 1'-0", 20 ft.
+std::optional<double> takeFeet(std::string_view& text) {
+  const auto feet = takeDecimal(text);
+  if (!feet || !takeFootMark(text)) return std::nullopt;
+  std::string_view ahead = text;
+  take(ahead, "-");
+  const auto more = takeMixedNumber(ahead);
+  if (!more) return feet;
+  if (!takeInchMark(ahead)) return std::nullopt;
+  text = ahead;
+  return *feet + *more / kInchesPerFoot;
+}
+
+std::optional<DrawingScale> scaleOf(std::optional<double> ratio) {
+  // Written so that what is not a number is refused too.
+  if (!ratio || !(*ratio >= kSmallestRatio && *ratio <= kLargestRatio)) return std::nullopt;
+  return DrawingScale{*ratio};
+}
+
+std::optional<double> parsedRatio(std::string_view text) {
+  const auto first = takeMixedNumber(text);
+  if (!first) return std::nullopt;
+  if (take(text, ":")) {
+    const auto second = takeDecimal(text);
+    return second && trimmed(text).empty() ? std::optional(*second / *first) : std::nullopt;
+  }
+  if (!takeInchMark(text)) return std::nullopt;
+  double feet = 1;
+  if (take(text, "=") || take(text, "to")) {
+    take(text, "the");
+    const bool isTheFoot = take(text, "foot");
+    const auto told = isTheFoot ? std::optional(1.0) : takeFeet(text);
+    if (!told) return std::nullopt;
+    feet = *told;
+  }
+  return trimmed(text).empty() ? std::optional(feet * kInchesPerFoot / *first) : std::nullopt;
+}
+
+// --- Writing scales
+
+/// Sixteenths of an inch as a rule shows them: 1/4, 1 1/2, 3. Absent for what is no whole number of
+/// 32nds.
+std::optional<std::string> inchText(double value) {
+  constexpr int finest = 32;
+  const double parts = value * finest;
+  if (std::abs(parts - std::round(parts)) > 1e-9 || parts < 1) return std::nullopt;
+  auto numerator = static_cast<long>(std::round(parts));
+  long denominator = finest;
+  while (denominator > 1 && numerator % 2 == 0) {
+    numerator /= 2;
+    denominator /= 2;
+  }
+  const long whole = numerator / denominator;
+  const long rest = numerator % denominator;
+  if (rest == 0) return std::to_string(whole);
+  return whole == 0 ? fmt::format("{}/{}", rest, denominator)
+                    : fmt::format("{} {}/{}", whole, rest, denominator);
+}
+
+}  // namespace
+
+std::span<const PaperSize> paperSizes() { return kPaperSizes; }
+
+std::optional<PaperSize> paperSizeNamed(std::string_view name) {
+  const auto plain = [](std::string_view text) {
+    std::string result = lowerCased(text);
+    std::erase_if(result, [](char c) { return c == ' ' || c == '-' || c == '_'; });
+    return result;
+  };
+  const auto* found = std::find_if(kPaperSizes.begin(), kPaperSizes.end(),
+                                   [&](const PaperSize& size) { return plain(size.name) == plain(name); });
+  return found == kPaperSizes.end() ? std::nullopt : std::optional(*found);
+}
+
+std::span<const DrawingScale> commonScales() { return kCommonScales; }
+
+std::optional<DrawingScale> parseDrawingScale(std::string_view text) {
+  const std::string lower = lowerCased(text);
+  return scaleOf(parsedRatio(lower));
+}
+
+std::string drawingScaleText(DrawingScale scale) {
+  // A part of an inch to the foot, an inch to some feet, or the plain ratio: metric scales are told
+  // by theirs.
+  const double inchesToTheFoot = kInchesPerFoot / scale.ratio;
+  const double feetToTheInch = scale.ratio / kInchesPerFoot;
+  if (inchesToTheFoot <= 3) {
+    if (const auto inch = inchText(inchesToTheFoot)) return *inch + "\" = 1'-0\"";
+  }
+  if (feetToTheInch >= 10 && feetToTheInch == std::round(feetToTheInch)) {
+    return fmt::format("1\" = {}'", feetToTheInch);
+  }
+  return fmt::format("1:{:.6g}", scale.ratio);
+}
+
+std::optional<SketchBox> paintedBounds(const EntityList& entities, std::span<const WallSystemSpec> systems) {
+  std::optional<SketchBox> all;
+  for (const SketchEntity& entity : entities) {
+    const auto* polygon = std::get_if<PolygonEntity>(&entity);
+    if (polygon != nullptr && polygon->vertices.empty()) continue;
+    const SketchBox box = paintedBox(entity, systems);
+    if (!isFinite(box)) continue;
+    all = all ? around(*all, box) : box;
+  }
+  return all;
+}
+
+SketchViewport PageLayout::viewport(int pageIndex) const {
+  const SketchSize room = printable();
+  const int column = pageIndex % columns;
+  const int row = pageIndex / columns;
+  const double width = (drawing.maxX - drawing.minX) * pointsPerUnit;
+  const double height = (drawing.maxY - drawing.minY) * pointsPerUnit;
+  const double left = margin + (columns * room.width - width) / 2 - column * room.width;
+  const double top = margin + (rows * room.height - height) / 2 - row * room.height;
+  SketchViewport viewport;
+  viewport.pan = {left - drawing.minX * pointsPerUnit, top + drawing.maxY * pointsPerUnit};
+  viewport.scale = pointsPerUnit;
+  return viewport;
+}
+
+SketchBox PageLayout::sketchRect(int pageIndex) const {
+  const SketchViewport view = viewport(pageIndex);
+  return {(margin - view.pan.x) / pointsPerUnit, (view.pan.y - (page.height - margin)) / pointsPerUnit,
+          (page.width - margin - view.pan.x) / pointsPerUnit, (view.pan.y - margin) / pointsPerUnit};
+}
+
+PageLayout layOutPages(const std::optional<SketchBox>& drawing, const PageSetup& setup) {
+  const SketchBox box = drawing.value_or(SketchBox{});
+  PageLayout best = laidOut(box, setup, setup.orientation == PageOrientation::landscape);
+  if (setup.orientation == PageOrientation::automatic) {
+    const PageLayout turned = laidOut(box, setup, true);
+    const bool isBetter =
+        setup.scale ? turned.pageCount() < best.pageCount() : turned.pointsPerUnit > best.pointsPerUnit;
+    if (isBetter) best = turned;
+  }
+  if (best.columns > kMostPages || best.rows > kMostPages || best.pageCount() > kMostPages) {
+    throw PageLayoutError(fmt::format(
+        "At {} the drawing would take more than {} sheets of {}. Choose a smaller scale or larger "
+        "paper.",
+        drawingScaleText(best.scale()), kMostPages, setup.paper.name));
+  }
+  return best;
+}
+
+}  // namespace ostrelon

@@ -1,0 +1,110 @@
+// Where a drawing lands on paper at a true scale. Paper is measured in points, 72 to the inch, with y
+// pointing down; the drawing in sketch units, a foot each.
+//
+//   const PageLayout layout = layOutPages(paintedBounds(entities, systems),
+//                                         {.paper = *paperSizeNamed("Letter"), .scale = DrawingScale{48}});
+//   for (int page = 0; page < layout.pageCount(); ++page) paint with layout.viewport(page)
+//
+// What is larger than a sheet goes on several, to be put together edge to edge along the margins.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/entity_bounds.h"
+#include "core/entity_list.h"
+#include "core/sketch_point.h"
+#include "core/sketch_viewport.h"
+#include "core/wall_system.h"
+#include "platform/user_error.h"
+
+namespace ostrelon {
+
+class PageLayoutError : public UserError {
+ public:
+  using UserError::UserError;
+};
+
+inline constexpr double kPointsPerInch = 72;
+inline constexpr double kInchesPerFoot = 12;
+
+// --- Paper
+
+/// A sheet, upright. `width` ≤ `height`, points.
+struct PaperSize {
+  std::string_view name;
+  double width = 0;
+  double height = 0;
+  friend bool operator==(const PaperSize&, const PaperSize&) = default;
+};
+
+/// Letter, Legal, Tabloid, the ANSI, ARCH and ISO A sheets, small to large within each family.
+std::span<const PaperSize> paperSizes();
+/// By name, without regard to case and blanks.
+std::optional<PaperSize> paperSizeNamed(std::string_view name);
+
+// --- Scale
+
+/// How many times larger the building is than its drawing: 48 for a quarter of an inch to the foot.
+struct DrawingScale {
+  double ratio = 48;
+  /// The length of one sketch unit on paper, points.
+  double pointsPerUnit() const { return kInchesPerFoot * kPointsPerInch / ratio; }
+  friend bool operator==(const DrawingScale&, const DrawingScale&) = default;
+};
+
+/// The scales in common use, large drawings first.
+std::span<const DrawingScale> commonScales();
+/// Reads `1:50`, `1/4"`, `1/4" = 1'`, `1 1/2" = 1'-0"`, `1" = 20'`, with "in" for the inch mark and
+/// "ft" for the foot mark as well; absent for anything else. The ratio lies in 0.001 to 1,000,000.
+std::optional<DrawingScale> parseDrawingScale(std::string_view text);
+/// `1/4" = 1'-0"`, `1" = 20'` or `1:50`, whichever tells the scale as one is used to; it reads back.
+std::string drawingScaleText(DrawingScale scale);
+
+// --- Layout
+
+enum class PageOrientation { automatic, portrait, landscape };
+
+struct PageSetup {
+  PaperSize paper;
+  PageOrientation orientation = PageOrientation::automatic;
+  double margin = 36;                 ///< points, on all sides
+  std::optional<DrawingScale> scale;  ///< absent: as large as one sheet takes
+};
+
+struct PageLayout {
+  SketchSize page;    ///< as it lies, points
+  double margin = 0;  ///< points
+  double pointsPerUnit = 1;
+  int columns = 1;
+  int rows = 1;
+  SketchBox drawing;  ///< what is laid out, sketch units
+
+  int pageCount() const { return columns * rows; }
+  /// The part of a page that is painted, points.
+  SketchSize printable() const { return {page.width - 2 * margin, page.height - 2 * margin}; }
+  /// The scale, whether it was asked for or found.
+  DrawingScale scale() const { return {kInchesPerFoot * kPointsPerInch / pointsPerUnit}; }
+  /// From sketch units to the points of a page, counted row by row from the top left. The drawing is
+  /// centred on the sheets put together.
+  SketchViewport viewport(int pageIndex) const;
+  /// The part of the drawing that a page shows, sketch units.
+  SketchBox sketchRect(int pageIndex) const;
+};
+
+/// More sheets than this are refused.
+inline constexpr int kMostPages = 400;
+
+/// The box around all that is painted, walls with their thickness; absent for an empty drawing.
+/// Entities that are not finite are left out.
+std::optional<SketchBox> paintedBounds(const EntityList& entities, std::span<const WallSystemSpec> systems);
+
+/// Lays a drawing out. Of the two orientations, `automatic` takes the one of fewer sheets, or, with no
+/// scale, of the larger drawing. Throws `PageLayoutError` when the margins leave no room, or when it
+/// takes more than `kMostPages`.
+PageLayout layOutPages(const std::optional<SketchBox>& drawing, const PageSetup& setup);
+
+}  // namespace ostrelon
