@@ -2,7 +2,9 @@
 
 #include "documents/document_reading.h"
 #include "documents/document_store.h"
+#include "documents/sketch_document_io.h"
 #include "platform/dialogs.h"
+#include "sample_plan.h"
 
 namespace ostrelon {
 namespace {
@@ -24,6 +26,7 @@ Application::Application(ApplicationServices services, ApplicationOptions option
                 options.isUITesting),
       updates_(services.host.scheduler, settings_, services.updateClient, std::move(options.updates),
                std::move(services.openInstaller)),
+      makePicture_(std::move(services.makePicture)),
       closeQuestion_(sketch_, [this](const std::function<void()>& ended) {
         saveCurrentDocument(sketch_, settings_, true, [ended](SaveOutcome) { ended(); });
       }) {
@@ -123,6 +126,14 @@ void Application::openInBackground(const FilePath& url) {
         closeQuestion_.beforeReplacing(
             [this, opening] { finishOpening(sketch_, settings_, opening->reading); });
       });
+}
+
+void Application::openSamplePlan() {
+  closeQuestion_.beforeReplacing([this] {
+    sketch_.newDocument();
+    sketch_.applyLoadedDocument(SketchDocumentIO::decodeDocument(kSamplePlan));
+    sketch_.zoomToFit(sketch_.canvasSize);
+  });
 }
 
 void Application::save() { saveCurrentDocument(sketch_, settings_, true); }

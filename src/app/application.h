@@ -13,6 +13,7 @@
 #include <optional>
 
 #include "app/close_question.h"
+#include "app/drawing_exchange.h"
 #include "core/observable.h"
 #include "core/sketch_view_model.h"
 #include "documents/app_settings.h"
@@ -31,6 +32,7 @@ struct ApplicationServices {
   UserDefaults& defaults;
   AppUpdateClient& updateClient;
   AppUpdateManager::InstallerOpener openInstaller;
+  PictureMaker makePicture;  ///< empty where no picture can be drawn
 };
 
 /// What the start of the process decides.
@@ -45,6 +47,10 @@ struct ApplicationOptions {
 /// What a window does for the program. Without one nothing happens.
 struct WindowActions {
   std::function<void()> showSettings;
+  std::function<void()> showExport;  ///< asks how to export, and exports
+  std::function<void()> showPrint;
+  std::function<void()> showManual;
+  std::function<void()> showShortcuts;
   std::function<void()> close;  ///< asks the main window to close
 };
 
@@ -62,6 +68,7 @@ class Application {
   const AppUpdateManager& updates() const { return updates_; }
   UserDefaults& defaults() { return defaults_; }
   const Host& host() const { return host_; }
+  const PictureMaker& makePicture() const { return makePicture_; }
 
   // --- Life
 
@@ -84,6 +91,8 @@ class Application {
   void saveAs();
   /// Starts the auto-save timer afresh.
   void rescheduleAutoSave();
+  /// The sample plan as a document of its own, not saved anywhere.
+  void openSamplePlan();
   /// Back to the last auto-save; unsaved changes are dropped.
   void revertToLastAutosave();
   /// The main window is asked to close: `reply` tells whether it may, `closeNow` runs later when the
@@ -117,6 +126,7 @@ class Application {
   SketchViewModel sketch_;
   AppSettings settings_;
   AppUpdateManager updates_;
+  PictureMaker makePicture_;
   CloseQuestion closeQuestion_;
   std::optional<AutoSaveController> autoSaveController_;
   WindowActions windowActions_;

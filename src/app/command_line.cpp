@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <charconv>
 #include <functional>
 #include <map>
 #include <string_view>
@@ -15,47 +14,22 @@ namespace {
 
 constexpr std::string_view kDocumentExtension = ".ostrel";
 
-ExportRequest exportRequest(const std::string& path) {
-  ExportRequest request{path, ExportFormat::png};
-  const std::string extension = lowerCased(request.path.extension().string());
-  if (extension == ".png") {
-    request.format = ExportFormat::png;
-  } else if (extension == ".svg") {
-    request.format = ExportFormat::svg;
-  } else if (extension == ".pdf") {
-    request.format = ExportFormat::pdf;
-  } else {
-    throw CommandLineError(
-        fmt::format("Cannot export to \"{}\": its name must end in .png, .svg or .pdf.", path));
+// An export option, with its complaint as one about the command line.
+void setOption(CommandLine& line, std::string_view name, const std::string& value) {
+  try {
+    setExportOption(line.exportOptions, name, value);
+  } catch (const ExportOptionError& error) {
+    throw CommandLineError(error.what());
   }
-  return request;
 }
 
-std::optional<int> side(std::string_view text) {
-  int value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  if (value < 1 || value > kLargestExportSide) return std::nullopt;
-  return value;
-}
-
-SketchSize exportSize(const std::string& text) {
-  const std::size_t cross = text.find_first_of("xX");
-  const auto width = side(std::string_view(text).substr(0, cross));
-  const auto height =
-      cross == std::string::npos ? std::nullopt : side(std::string_view(text).substr(cross + 1));
-  if (!width || !height) {
-    throw CommandLineError(fmt::format("\"{}\" is not a size such as 1200x800; each side is 1 to {}.", text,
-                                       kLargestExportSide));
+std::filesystem::path exportPath(const std::string& text) {
+  try {
+    exportFormatOf(text);
+  } catch (const ExportOptionError& error) {
+    throw CommandLineError(error.what());
   }
-  return {static_cast<double>(*width), static_cast<double>(*height)};
-}
-
-ExportTheme exportTheme(const std::string& text) {
-  if (text == "light") return ExportTheme::light;
-  if (text == "dark") return ExportTheme::dark;
-  if (text == "tansy") return ExportTheme::tansy;
-  throw CommandLineError(fmt::format("\"{}\" is not a theme; there are light, dark and tansy.", text));
+  return text;
 }
 
 std::filesystem::path documentPath(std::string_view option, const std::string& text) {
@@ -77,16 +51,20 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
   std::optional<std::filesystem::path> opened;
   std::optional<CommandLine::Mode> asked;
 
+  const auto exporting = [&](std::string_view option, std::string_view name, const std::string& value) {
+    setOption(line, name, value);
+    exportOption = option;
+  };
+
   const std::map<std::string_view, std::function<void()>> flags{
       {"--help", [&] { asked = CommandLine::Mode::help; }},
       {"-h", [&] { asked = CommandLine::Mode::help; }},
       {"--version", [&] { asked = CommandLine::Mode::version; }},
       {"--automation", [&] { isAutomation = true; }},
-      {"--grid",
-       [&] {
-         line.exportGrid = true;
-         exportOption = "--grid";
-       }},
+      {"--grid", [&] { exporting("--grid", "grid", "on"); }},
+      {"--portrait", [&] { exporting("--portrait", "orientation", "portrait"); }},
+      {"--landscape", [&] { exporting("--landscape", "orientation", "landscape"); }},
+      {"--to-feet", [&] { line.convertImports = true; }},
       {"-uiTestingResetProjectsFolder", [&] { line.isUITesting = true; }},
   };
   const std::map<std::string_view, std::function<void(const std::string&)>> options{
@@ -94,17 +72,14 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
       {"--console", [&](const std::string& value) { line.consoleFiles.push_back(value); }},
       {"--open", [&](const std::string& value) { opened = documentPath("--open", value); }},
       {"--save", [&](const std::string& value) { line.saveAs = documentPath("--save", value); }},
-      {"--export", [&](const std::string& value) { line.exports.push_back(exportRequest(value)); }},
-      {"--size",
-       [&](const std::string& value) {
-         line.exportSize = exportSize(value);
-         exportOption = "--size";
-       }},
-      {"--theme",
-       [&](const std::string& value) {
-         line.exportTheme = exportTheme(value);
-         exportOption = "--theme";
-       }},
+      {"--import", [&](const std::string& value) { line.imports.emplace_back(value); }},
+      {"--export", [&](const std::string& value) { line.exports.push_back(exportPath(value)); }},
+      {"--size", [&](const std::string& value) { exporting("--size", "size", value); }},
+      {"--pixel-ratio", [&](const std::string& value) { exporting("--pixel-ratio", "pixel-ratio", value); }},
+      {"--paper", [&](const std::string& value) { exporting("--paper", "paper", value); }},
+      {"--scale", [&](const std::string& value) { exporting("--scale", "scale", value); }},
+      {"--theme", [&](const std::string& value) { exporting("--theme", "theme", value); }},
+      {"--dxf", [&](const std::string& value) { exporting("--dxf", "dxf", value); }},
       {"--clock",
        [&](const std::string& value) {
          line.clock = value;
@@ -153,7 +128,8 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
     line.mode = *asked;
     return line;
   }
-  const bool isWithoutWindow = !line.consoleFiles.empty() || opened || line.saveAs || !line.exports.empty();
+  const bool isWithoutWindow =
+      !line.consoleFiles.empty() || !line.imports.empty() || opened || line.saveAs || !line.exports.empty();
   if (isAutomation && (isWithoutWindow || line.document)) {
     throw CommandLineError("The option --automation takes its documents from its requests alone.");
   }
@@ -162,6 +138,9 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
   }
   if (line.exports.empty() && !exportOption.empty()) {
     throw CommandLineError(fmt::format("The option {} needs --export.", exportOption));
+  }
+  if (line.imports.empty() && line.convertImports) {
+    throw CommandLineError("The option --to-feet needs --import.");
   }
   if (opened && line.document) {
     throw CommandLineError("Only one document can be opened, by --open or by its name alone.");
@@ -184,13 +163,26 @@ std::string commandLineHelp() {
 
 Without a window, done in this order:
   --open FILE.ostrel             opens a document
+  --import FILE.dxf              adds a drawing of another program; may be repeated
+  --to-feet                      converts imported drawings that tell their unit
   --console FILE                 runs the lines of a file in the console and prints
                                  the transcript; - is standard input; may be repeated
   --save FILE.ostrel             saves the document
-  --export FILE.png|.svg|.pdf    draws all entities to a picture; may be repeated
+  --export FILE                  writes all entities to a .png, .svg, .pdf or .dxf
+                                 file; may be repeated
+
+How exported files look:
   --size WxH                     the size of pictures, 1200x800 unless told
-  --theme light|dark|tansy       the colours of pictures, light unless told
+  --pixel-ratio 1|2|3|4          pixels of a PNG for each of these
+  --paper NAME                   a sheet instead of a size: Letter, Legal, Tabloid,
+                                 "ANSI C" to E, "ARCH A" to E, A4 to A0; a PDF has
+                                 as many as it takes
+  --scale SCALE                  true scale, such as 1/4in=1ft or 1:50; without it
+                                 the drawing fills its sheet
+  --portrait, --landscape        how the sheet lies
+  --theme light|dark|tansy       the colors of pictures, light unless told
   --grid                         draws the grid in pictures
+  --dxf r12|2000                 the version of DXF, 2000 unless told
 
 Anywhere:
   --home DIR                     keeps settings and documents in a folder of their own

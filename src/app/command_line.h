@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "core/sketch_point.h"
+#include "exchange/export_options.h"
 #include "platform/user_error.h"
 
 namespace ostrelon {
@@ -16,19 +16,6 @@ namespace ostrelon {
 class CommandLineError : public UserError {
  public:
   using UserError::UserError;
-};
-
-enum class ExportFormat { png, svg, pdf };
-enum class ExportTheme { light, dark, tansy };
-
-/// The size of an exported picture where none is given, view points.
-inline constexpr SketchSize kDefaultExportSize{1200, 800};
-/// The largest side of an exported picture, view points.
-inline constexpr int kLargestExportSide = 16384;
-
-struct ExportRequest {
-  std::filesystem::path path;
-  ExportFormat format = ExportFormat::png;
 };
 
 struct CommandLine {
@@ -49,12 +36,12 @@ struct CommandLine {
   std::optional<std::filesystem::path> document;
 
   // Without a window
-  std::vector<std::string> consoleFiles;  ///< in order; "-" is standard input
+  std::vector<std::filesystem::path> imports;  ///< DXF files, in order
+  bool convertImports = false;                 ///< to feet, where a file tells its unit
+  std::vector<std::string> consoleFiles;       ///< in order; "-" is standard input
   std::optional<std::filesystem::path> saveAs;
-  std::vector<ExportRequest> exports;
-  SketchSize exportSize = kDefaultExportSize;
-  ExportTheme exportTheme = ExportTheme::light;
-  bool exportGrid = false;
+  std::vector<std::filesystem::path> exports;  ///< each of the kind that its name tells
+  ExportOptions exportOptions;
 
   // Automation
   std::optional<std::string> clock;  ///< as written

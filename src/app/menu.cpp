@@ -11,7 +11,7 @@
 namespace ostrelon {
 namespace {
 
-constexpr std::array<std::string_view, 5> kMenuTitles{"File", "Edit", "Sketch", "Console", "View"};
+constexpr std::array<std::string_view, 6> kMenuTitles{"File", "Edit", "Sketch", "Console", "View", "Help"};
 
 bool hasSelection(const Application& app) { return !app.sketch().selectedEntityIDs->empty(); }
 bool canUndo(const Application& app) { return !app.sketch().undoStack().undoSnapshots().empty(); }
@@ -62,11 +62,16 @@ std::vector<MenuChoice> appearanceChoices(Application& app) {
   return choices;
 }
 
-void showSettings(Application& app) {
-  if (app.windowActions().showSettings) app.windowActions().showSettings();
+// Runs what a window does for the program; nothing where there is none.
+void runIfThere(const std::function<void()>& action) {
+  if (action) action();
 }
-void closeWindow(Application& app) {
-  if (app.windowActions().close) app.windowActions().close();
+void exportDrawingFromMenu(Application& app) {
+  if (app.windowActions().showExport) {
+    app.windowActions().showExport();
+  } else {
+    exportWithPanel(app, {});
+  }
 }
 
 constexpr MenuCommand row(std::string_view menu, std::string_view title, std::string_view shortcut,
@@ -93,8 +98,12 @@ constexpr std::array kMenuCommands{
     separator("File"),
     row("File", "Revert to Last Autosave", "", [](Application& app) { app.revertToLastAutosave(); }),
     separator("File"),
-    row("File", "Settings…", "⌘,", showSettings),
-    row("File", "Quit", "⌘Q", closeWindow),
+    row("File", "Import DXF…", "", importWithPanel),
+    row("File", "Export…", "⌘E", exportDrawingFromMenu),
+    row("File", "Print…", "⌘P", [](Application& app) { runIfThere(app.windowActions().showPrint); }),
+    separator("File"),
+    row("File", "Settings…", "⌘,", [](Application& app) { runIfThere(app.windowActions().showSettings); }),
+    row("File", "Quit", "⌘Q", [](Application& app) { runIfThere(app.windowActions().close); }),
     row(
         "Edit", "Undo", "⌘Z", [](Application& app) { app.sketch().undo(); }, canUndo),
     row(
@@ -115,6 +124,10 @@ constexpr std::array kMenuCommands{
         [](Application& app) { app.sketch().zoomToFit(app.sketch().canvasSize); }),
     row("View", "Reset View", "⇧⌘0",
         [](Application& app) { app.sketch().resetViewport(app.sketch().canvasSize); }),
+    row("Help", "Manual", "", [](Application& app) { runIfThere(app.windowActions().showManual); }),
+    row("Help", "Keyboard Shortcuts", "",
+        [](Application& app) { runIfThere(app.windowActions().showShortcuts); }),
+    row("Help", "Open Sample Plan", "", [](Application& app) { app.openSamplePlan(); }),
 };
 
 }  // namespace

@@ -199,6 +199,27 @@ const std::map<std::string, Operation, std::less<>>& operations() {
        }},
       {"window.close", [](AutomationSession& session, const Json&) { return closeWindow(session); }},
       {"update.serve", serve},
+      {"export",
+       [](AutomationSession& session, const Json& request) -> Json {
+         ExportOptions exportOptions;
+         const Json& told = memberOf(request, "options");
+         if (!told.is_null() && !told.is_object()) throw ArgumentError("\"options\": expected an object.");
+         for (const auto& [name, value] : told.items()) {
+           setExportOption(exportOptions, name,
+                           value.is_string() ? value.get<std::string>() : jsonText(value));
+         }
+         exportDrawing(session.sketch(),
+                       standardizedPath(requestMember<std::string>(session, request, "path")), exportOptions,
+                       session.application.makePicture());
+         return nullptr;
+       }},
+      {"import",
+       [](AutomationSession& session, const Json& request) -> Json {
+         importDrawing(session.sketch(),
+                       standardizedPath(requestMember<std::string>(session, request, "path")),
+                       flag(session, request, "toFeet"));
+         return nullptr;
+       }},
       {"menu",
        [](AutomationSession& session, const Json& request) -> Json {
          const auto refusal =
@@ -243,11 +264,14 @@ class AutomationHost::Program {
         files_(options.files != nullptr ? *options.files : disk_),
         defaults_(files_, options.paths.settingsFile),
         updateClient_(scheduler_, options.paths.temporaryFolder),
-        application_(
-            {{scheduler_, dialogs_, files_}, defaults_, updateClient_, [](const FilePath&) { return true; }},
-            {options.paths.documentsFolder,
-             updateConfiguration(kBuildVersion, kBuildNumber, options.updateFeed, options.updateKey),
-             options.isUITesting}),
+        application_({{scheduler_, dialogs_, files_},
+                      defaults_,
+                      updateClient_,
+                      [](const FilePath&) { return true; },
+                      options.makePicture},
+                     {options.paths.documentsFolder,
+                      updateConfiguration(kBuildVersion, kBuildNumber, options.updateFeed, options.updateKey),
+                      options.isUITesting}),
         gestures_(application_.sketch()),
         closeQuestion_(application_.sketch(),
                        [this](const std::function<void()>& ended) {

@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 
+#include "app/drawing_exchange.h"
 #include "platform/date.h"
 #include "platform/file_system.h"
 #include "platform/user_paths.h"
@@ -25,6 +26,7 @@ struct AutomationOptions {
   std::string updateKey;
   bool isUITesting = false;
   FileSystem* files = nullptr;  ///< must outlive the host; null: the disk
+  PictureMaker makePicture;  ///< empty: only DXF can be exported
 };
 
 class AutomationHost {

@@ -19,7 +19,7 @@ std::string environment(const std::string& name) {
 
 }  // namespace
 
-int serveAutomation(const CommandLine& line) {
+int serveAutomation(const CommandLine& line, PictureMaker makePicture) {
   AutomationOptions options;
   if (line.clock) {
     const auto clock = parseISO8601(*line.clock);
@@ -31,6 +31,7 @@ int serveAutomation(const CommandLine& line) {
   } else {
     options.clock = std::chrono::time_point_cast<Date::duration>(std::chrono::system_clock::now());
   }
+  options.makePicture = std::move(makePicture);
   DiskFileSystem files;
   options.paths = line.home ? userPathsBelow(standardizedPath(*line.home)) : userPaths(files, environment);
   options.updateFeed = line.updateFeed.value_or("");

@@ -2,11 +2,13 @@
 #pragma once
 
 #include "app/command_line.h"
+#include "app/drawing_exchange.h"
 
 namespace ostrelon {
 
 /// Serves standard input on standard output until the input ends. Gives the exit status: 2, with a
 /// sentence on standard error, for options that cannot be understood.
-int serveAutomation(const CommandLine& line);
+/// `makePicture` draws what is exported; empty: only DXF can be.
+int serveAutomation(const CommandLine& line, PictureMaker makePicture = {});
 
 }  // namespace ostrelon

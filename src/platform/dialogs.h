@@ -29,6 +29,11 @@ struct ExportPanel {
   std::string suggestedName;
 };
 
+/// Choose a drawing of another program to take in. The answer is a path.
+struct ImportPanel {
+  std::filesystem::path startingFolder;  ///< empty: the panel's own default
+};
+
 /// Choose a folder. The answer is a path.
 struct FolderPanel {
   std::string message;
@@ -50,7 +55,8 @@ struct Alert {
   std::vector<std::string> buttons;
 };
 
-using DialogRequest = std::variant<OpenPanel, SavePanel, ExportPanel, FolderPanel, TextPrompt, Alert>;
+using DialogRequest =
+    std::variant<OpenPanel, SavePanel, ExportPanel, ImportPanel, FolderPanel, TextPrompt, Alert>;
 
 /// A path, a text or a button's title; absent when the user cancelled.
 using DialogAnswer = std::optional<std::string>;

@@ -6,6 +6,7 @@
 #include "app/command_line.h"
 #include "automation/automation_start.h"
 #include "build_information.h"
+#include "shell/displayless_pictures.h"
 #include "shell/run_without_window.h"
 #include "shell/windowed_program.h"
 
@@ -40,7 +41,7 @@ int run(int argc, char** argv) {
     case CommandLine::Mode::withoutWindow:
       return ostrelon::runWithoutWindow(line);
     case CommandLine::Mode::automation:
-      return ostrelon::serveAutomation(line);
+      return ostrelon::serveAutomation(line, ostrelon::picturesWithoutDisplay());
     case CommandLine::Mode::window:
       if (!hasDisplay()) {
         std::fputs("There is no display to open a window on; --help tells what works without one.\n", stderr);

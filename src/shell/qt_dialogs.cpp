@@ -47,6 +47,13 @@ void prepare(QFileDialog& panel, const DialogRequest& request) {
                    startIn(save.startingFolder);
                    panel.selectFile(qtText(save.suggestedName));
                  },
+                 [&](const ImportPanel& import) {
+                   panel.setWindowTitle(QStringLiteral("Import DXF"));
+                   panel.setFileMode(QFileDialog::ExistingFile);
+                   panel.setNameFilters(
+                       {QStringLiteral("DXF drawings (*.dxf *.DXF)"), QStringLiteral("All files (*)")});
+                   startIn(import.startingFolder);
+                 },
                  [&](const FolderPanel& folder) {
                    panel.setWindowTitle(qtText(folder.message));
                    panel.setLabelText(QFileDialog::Accept, QStringLiteral("Choose"));

@@ -46,9 +46,9 @@ TEST(CommandLineTest, ReadsWhatToDoWithoutAWindow) {
   ASSERT_EQ(line.exports.size(), 2u);
   EXPECT_EQ(line.exports[0].format, ExportFormat::png);
   EXPECT_EQ(line.exports[1].format, ExportFormat::svg);
-  EXPECT_EQ(line.exportSize, (SketchSize{640, 480}));
-  EXPECT_EQ(line.exportTheme, ExportTheme::tansy);
-  EXPECT_TRUE(line.exportGrid);
+  EXPECT_EQ(line.exportOptions.size, (SketchSize{640, 480}));
+  EXPECT_EQ(line.exportOptions.theme, ExportTheme::tansy);
+  EXPECT_TRUE(line.exportOptions.showGrid);
 }
 
 TEST(CommandLineTest, RefusesWhatItDoesNotUnderstandInOneSentence) {

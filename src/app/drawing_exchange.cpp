@@ -1,0 +1,113 @@
+#include "app/drawing_exchange.h"
+
+#include <fmt/format.h>
+
+#include <memory>
+
+#include "app/application.h"
+#include "exchange/dxf_import.h"
+#include "exchange/dxf_writer.h"
+#include "platform/dialogs.h"
+
+namespace ostrelon {
+namespace {
+
+using Style = DocumentToastState::Style;
+
+constexpr std::string_view kConvertButton = "Convert to Feet";
+constexpr std::string_view kKeepButton = "Keep the Numbers";
+
+// The folder of the document, or the panel's own choice for one that was never saved.
+FilePath documentFolder(const SketchViewModel& sketch) {
+  const auto& url = *sketch.documentFileURL;
+  return url ? url->parent_path() : FilePath();
+}
+
+void tellFailure(SketchViewModel& sketch, std::string_view what, const UserError& error) {
+  std::string text = fmt::format("{} failed: {}", what, error.what());
+  sketch.appendConsoleLine(text, true, false);
+  sketch.showDocumentToast(std::move(text), Style::error);
+}
+
+void addDrawing(Application& application, DxfDrawing drawing, const std::string& name, bool convertToFeet) {
+  SketchViewModel& sketch = application.sketch();
+  try {
+    importDxf(sketch, std::move(drawing), name, convertToFeet);
+    sketch.showDocumentToast("Imported " + name, Style::success);
+  } catch (const UserError& error) {
+    tellFailure(sketch, "Import", error);
+  }
+}
+
+void importFrom(Application& application, const FilePath& path) {
+  const std::string name = path.filename().string();
+  auto drawing = std::make_shared<DxfDrawing>();
+  try {
+    *drawing = readDxf(application.host().files.readFile(path));
+  } catch (const UserError& error) {
+    tellFailure(application.sketch(), "Import", error);
+    return;
+  }
+  if (drawing->entities.empty() || !drawing->unit || drawing->unit->feet == 1) {
+    addDrawing(application, std::move(*drawing), name, false);
+    return;
+  }
+  const Alert question{fmt::format("\"{}\" is drawn in {}.", name, drawing->unit->name),
+                       fmt::format("Ostrelon draws in feet. Converting multiplies every length by {:.6g}; "
+                                   "otherwise the numbers are taken as they are.",
+                                   drawing->unit->feet),
+                       {std::string(kConvertButton), std::string(kKeepButton), "Cancel"}};
+  application.host().dialogs.ask(question, [&application, drawing, name](const DialogAnswer& answer) {
+    if (answer != kConvertButton && answer != kKeepButton) return;
+    addDrawing(application, std::move(*drawing), name, answer == kConvertButton);
+  });
+}
+
+}  // namespace
+
+void exportDrawing(const SketchViewModel& sketch, const FilePath& path, const ExportOptions& options,
+                   const PictureMaker& makePicture) {
+  const ExportFormat format = exportFormatOf(path);
+  FileSystem& files = sketch.host().files;
+  if (format == ExportFormat::dxf) {
+    files.writeFile(path, [&](const FileSystem::Writer& write) {
+      writeDxf(*sketch.entities, *sketch.wallSystemSpecs, options.dxfVersion, write);
+    });
+    return;
+  }
+  if (!makePicture) throw ExportOptionError("Pictures cannot be drawn here; DXF can be written.");
+  files.writeFile(path, makePicture(format, *sketch.entities, *sketch.wallSystemSpecs, options));
+}
+
+void importDrawing(SketchViewModel& sketch, const FilePath& path, bool convertToFeet) {
+  importDxf(sketch, readDxf(sketch.host().files.readFile(path)), path.filename().string(), convertToFeet);
+}
+
+void exportWithPanel(Application& application, const ExportOptions& options, ExportFormat suggested) {
+  const SketchViewModel& document = application.sketch();
+  const std::string ending(fileEnding(suggested));
+  const ExportPanel panel{documentFolder(document), *document.documentName + ending};
+  application.host().dialogs.ask(panel, [&application, options, ending](const DialogAnswer& answer) {
+    if (!answer) return;
+    SketchViewModel& sketch = application.sketch();
+    FilePath path = standardizedPath(*answer);
+    if (!path.has_extension()) path += ending;
+    try {
+      exportDrawing(sketch, path, options, application.makePicture());
+    } catch (const UserError& error) {
+      tellFailure(sketch, "Export", error);
+      return;
+    }
+    sketch.appendConsoleLine(fmt::format("Exported to \"{}\".", path.string()), false, true);
+    sketch.showDocumentToast("Exported " + path.filename().string(), Style::success);
+  });
+}
+
+void importWithPanel(Application& application) {
+  application.host().dialogs.ask(ImportPanel{documentFolder(application.sketch())},
+                                 [&application](const DialogAnswer& answer) {
+                                   if (answer) importFrom(application, standardizedPath(*answer));
+                                 });
+}
+
+}  // namespace ostrelon

@@ -1,0 +1,42 @@
+#include "shell/displayless_pictures.h"
+
+#include <QGuiApplication>
+#include <QLoggingCategory>
+#include <memory>
+#include <optional>
+
+#include "shell/drawing_export.h"
+
+namespace ostrelon {
+
+namespace {
+
+/// Qt's application object as SVG and PDF want it, on no display at all.
+class DisplaylessApplication {
+ public:
+  DisplaylessApplication() {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    // What Qt has to say of a session without a desktop is no news to anybody.
+    QLoggingCategory::setFilterRules(QStringLiteral("*.warning=false"));
+    application_ = std::make_unique<QGuiApplication>(count_, arguments_);
+  }
+
+ private:
+  int count_ = 1;
+  char name_[9] = "ostrelon";
+  char* arguments_[2] = {name_, nullptr};
+  std::unique_ptr<QGuiApplication> application_;
+};
+
+}  // namespace
+
+PictureMaker picturesWithoutDisplay() {
+  auto qt = std::make_shared<std::optional<DisplaylessApplication>>();
+  return [qt](ExportFormat format, const EntityList& entities, std::span<const WallSystemSpec> systems,
+              const ExportOptions& options) {
+    if (format != ExportFormat::png && !qt->has_value()) qt->emplace();
+    return drawingPictureBytes(format, entities, systems, options);
+  };
+}
+
+}  // namespace ostrelon
