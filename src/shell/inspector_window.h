@@ -1,29 +1,17 @@
 // The floating window that shows what is selected and offers edits on it.
 #pragma once
 
-#include <QComboBox>
 #include <QStackedWidget>
 #include <vector>
 
 #include "app/inspector.h"
 #include "shell/controls.h"
 #include "shell/observation.h"
+#include "shell/picker.h"
 
 class QGridLayout;
 
 namespace ostrelon {
-
-/// A picker of 28 px, painted from the theme.
-class Picker final : public QComboBox {
- public:
-  explicit Picker(Theme& theme, QWidget* parent = nullptr);
-
- protected:
-  void paintEvent(QPaintEvent* event) override;
-
- private:
-  Theme& theme_;
-};
 
 class EntityInspectorView final : public QWidget {
   Q_OBJECT

@@ -3,12 +3,16 @@
 #include <QApplication>
 #include <QTimer>
 
+#include "app/shortcut_page.h"
 #include "build_information.h"
 #include "platform/disk_file_system.h"
 #include "platform/json_user_defaults.h"
 #include "platform/user_paths.h"
 #include "shell/app_update_network_client.h"
+#include "shell/drawing_export.h"
+#include "shell/export_sheet.h"
 #include "shell/installer_opener.h"
+#include "shell/print_window.h"
 #include "shell/qt_scheduler.h"
 #include "shell/qt_text.h"
 
@@ -26,7 +30,31 @@ WindowedProgram::WindowedProgram(Application& application, Theme& theme, QtDialo
         QTimer::singleShot(0, &theme_, [this] { theme_.setPalette(application_.settings().activePalette); });
       });
   application.setWindowActions(
-      {.showSettings = [this] { settings().open(); }, .close = [this] { mainWindow_->close(); }});
+      {.showSettings = [this] { settings().open(); },
+       .showExport = [this] { (new ExportSheet(application_, theme_, *mainWindow_))->open(); },
+       .showPrint = [this] { (new PrintWindow(application_, theme_, mainWindow_.get()))->open(); },
+       .showManual = [this] { manual().open(); },
+       .showShortcuts = [this] { shortcuts().open(); },
+       .close = [this] { mainWindow_->close(); }});
+}
+
+HelpWindow& WindowedProgram::manual() {
+  if (manual_ == nullptr) {
+    manual_ = new HelpWindow(theme_, QStringLiteral("Ostrelon Manual"), QStringLiteral("help.manual"),
+                             mainWindow_.get());
+    showManual(*manual_);
+  }
+  return *manual_;
+}
+
+HelpWindow& WindowedProgram::shortcuts() {
+  if (shortcuts_ == nullptr) {
+    shortcuts_ = new HelpWindow(theme_, QStringLiteral("Keyboard Shortcuts"),
+                                QStringLiteral("help.shortcuts"), mainWindow_.get());
+    shortcuts_->resize(560, 720);
+    shortcuts_->page().showMarkdown(qtText(shortcutPage()));
+  }
+  return *shortcuts_;
 }
 
 SettingsWindow& WindowedProgram::settings() {
@@ -43,7 +71,7 @@ int runWithWindows(int& argc, char** argv, const WindowStart& start) {
   QApplication::setApplicationName(QStringLiteral("Ostrelon"));
   QApplication::setApplicationDisplayName(QStringLiteral("Ostrelon"));
   QApplication::setApplicationVersion(QString::fromUtf8(kBuildVersion));
-  QApplication::setDesktopFileName(QStringLiteral("ostrelon"));
+  QApplication::setDesktopFileName(QStringLiteral("org.ostrelon.Ostrelon"));
   QApplication qt(argc, argv);
 
   DiskFileSystem files;
@@ -59,7 +87,8 @@ int runWithWindows(int& argc, char** argv, const WindowStart& start) {
   Application application({.host = {scheduler, dialogs, files},
                            .defaults = defaults,
                            .updateClient = client,
-                           .openInstaller = openInstallerWithDesktop},
+                           .openInstaller = openInstallerWithDesktop,
+                           .makePicture = drawingPictureBytes},
                           {.documentsFolder = paths.documentsFolder,
                            .updates = updateConfiguration(kBuildVersion, kBuildNumber, kOstrelonUpdateFeedURL,
                                                           kOstrelonUpdateSigningPublicKey),

@@ -6,6 +6,7 @@
 
 #include "app/application.h"
 #include "shell/color_scheme.h"
+#include "shell/help_window.h"
 #include "shell/inspector_window.h"
 #include "shell/main_window.h"
 #include "shell/qt_dialogs.h"
@@ -24,6 +25,9 @@ class WindowedProgram {
   InspectorWindow& inspector() { return *inspector_; }
   /// Made when it is first asked for.
   SettingsWindow& settings();
+  /// The windows of help, made when they are first asked for.
+  HelpWindow& manual();
+  HelpWindow& shortcuts();
   /// Shows the main window as the last run left it.
   void show();
 
@@ -33,6 +37,8 @@ class WindowedProgram {
   std::unique_ptr<MainWindow> mainWindow_;
   InspectorWindow* inspector_;          // owned by the main window
   SettingsWindow* settings_ = nullptr;  // owned by the main window
+  HelpWindow* manual_ = nullptr;        // owned by the main window
+  HelpWindow* shortcuts_ = nullptr;     // owned by the main window
   Subscription paletteSubscription_;
 };
 

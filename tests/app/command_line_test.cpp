@@ -44,17 +44,32 @@ TEST(CommandLineTest, ReadsWhatToDoWithoutAWindow) {
   EXPECT_EQ(line.document, "in.ostrel");
   EXPECT_EQ(line.saveAs, "out.OSTREL");
   ASSERT_EQ(line.exports.size(), 2u);
-  EXPECT_EQ(line.exports[0].format, ExportFormat::png);
-  EXPECT_EQ(line.exports[1].format, ExportFormat::svg);
+  EXPECT_EQ(line.exports[1], "b.SVG");
   EXPECT_EQ(line.exportOptions.size, (SketchSize{640, 480}));
   EXPECT_EQ(line.exportOptions.theme, ExportTheme::tansy);
   EXPECT_TRUE(line.exportOptions.showGrid);
 }
 
+TEST(CommandLineTest, ReadsHowToExportAndWhatToImport) {
+  const CommandLine line =
+      parseCommandLine({"--import", "a.dxf", "--to-feet", "--export", "b.pdf", "--paper", "ARCH D", "--scale",
+                        "1/4in=1ft", "--landscape", "--dxf", "r12"});
+  EXPECT_EQ(line.mode, Mode::withoutWindow);
+  EXPECT_THAT(line.imports, ElementsAre("a.dxf"));
+  EXPECT_TRUE(line.convertImports);
+  EXPECT_EQ(line.exportOptions.paper->name, "ARCH D");
+  EXPECT_EQ(line.exportOptions.scale->ratio, 48);
+  EXPECT_EQ(line.exportOptions.orientation, PageOrientation::landscape);
+  EXPECT_EQ(line.exportOptions.dxfVersion, DxfVersion::r12);
+  EXPECT_THAT(refusal({"--export", "a.png", "--scale", "48"}), HasSubstr("not a scale"));
+  EXPECT_THAT(refusal({"--paper", "A4"}), HasSubstr("--paper needs --export"));
+  EXPECT_THAT(refusal({"--to-feet"}), HasSubstr("needs --import"));
+}
+
 TEST(CommandLineTest, RefusesWhatItDoesNotUnderstandInOneSentence) {
   EXPECT_THAT(refusal({"--frobnicate"}), HasSubstr("--frobnicate"));
   EXPECT_THAT(refusal({"--console"}), HasSubstr("--console needs a value"));
-  EXPECT_THAT(refusal({"--export", "a.bmp"}), HasSubstr(".png, .svg or .pdf"));
+  EXPECT_THAT(refusal({"--export", "a.bmp"}), HasSubstr(".png, .svg, .pdf or .dxf"));
   EXPECT_THAT(refusal({"--open", "a.txt"}), HasSubstr(".ostrel"));
   EXPECT_THAT(refusal({"--theme", "blue", "--export", "a.png"}), HasSubstr("light, dark and tansy"));
   for (const char* size :

@@ -1,0 +1,161 @@
+#include "shell/print_window.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QPageLayout>
+#include <QPainter>
+#include <QPrintDialog>
+#include <QPrintPreviewWidget>
+#include <QVBoxLayout>
+
+#include "platform/user_error.h"
+#include "shell/drawing_export.h"
+#include "shell/qt_text.h"
+
+namespace ostrelon {
+namespace {
+
+constexpr int kChoicesWidth = 304;
+
+// A sheet of any size is told upright, and turned when it lies.
+void setSheet(QPrinter& printer, SketchSize page) {
+  const bool isLandscape = page.width > page.height;
+  const QSizeF upright(std::min(page.width, page.height), std::max(page.width, page.height));
+  QPageLayout layout(QPageSize(upright, QPageSize::Point, QString(), QPageSize::FuzzyMatch),
+                     isLandscape ? QPageLayout::Landscape : QPageLayout::Portrait, QMarginsF());
+  layout.setMode(QPageLayout::FullPageMode);
+  printer.setPageLayout(layout);
+  printer.setFullPage(true);
+}
+
+std::vector<PicturePage> printPages(const SketchViewModel& sketch, const ExportOptions& options) {
+  return picturePages(ExportFormat::pdf, *sketch.entities, *sketch.wallSystemSpecs, options);
+}
+
+void paintPages(QPrinter& printer, const std::vector<PicturePage>& pages, const SketchViewModel& sketch,
+                const ExportOptions& options) {
+  QPainter painter;
+  if (!painter.begin(&printer)) throw UserError("The printer does not take the job.");
+  const double dotsPerPoint = printer.resolution() / kPointsPerInch;
+  painter.scale(dotsPerPoint, dotsPerPoint);
+  for (std::size_t i = 0; i < pages.size(); ++i) {
+    if (i > 0 && !printer.newPage()) throw UserError("The printer does not take another page.");
+    paintPicturePage(painter, pages[i], *sketch.entities, *sketch.wallSystemSpecs, options);
+  }
+}
+
+}  // namespace
+
+int printDrawing(QPrinter& printer, const SketchViewModel& sketch, const ExportOptions& options) {
+  const std::vector<PicturePage> pages = printPages(sketch, options);
+  setSheet(printer, pages.front().size);
+  paintPages(printer, pages, sketch, options);
+  return static_cast<int>(pages.size());
+}
+
+PrintWindow::PrintWindow(Application& application, Theme& theme, QWidget* parent)
+    : QDialog(parent),
+      application_(application),
+      theme_(theme),
+      printer_(QPrinter::HighResolution),
+      page_(new PageControls(theme, QStringLiteral("print"), QString())),
+      grid_(new Switch(theme, {})),
+      status_(new TextLabel(theme, TextStyle::body, TextLabel::Rank::primary)),
+      printButton_(new Button(theme, Button::Kind::primary, QStringLiteral("Print…"))),
+      preview_(new QPrintPreviewWidget(&printer_)) {
+  setObjectName(QStringLiteral("print"));
+  setWindowTitle(QStringLiteral("Print"));
+  setWindowModality(Qt::WindowModal);
+  setAttribute(Qt::WA_DeleteOnClose);
+  resize(960, 680);
+
+  auto* row = new QHBoxLayout(this);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->setSpacing(0);
+  auto* choices = new QWidget(this);
+  choices->setFixedWidth(kChoicesWidth);
+  auto* column = new QVBoxLayout(choices);
+  column->setContentsMargins(16, 16, 16, 16);
+  column->setSpacing(8);
+  column->addWidget(
+      new TextLabel(theme, TextStyle::title, TextLabel::Rank::primary, QStringLiteral("Print")));
+  column->addSpacing(8);
+  column->addWidget(page_);
+  auto* more = new QWidget(choices);
+  grid_->setObjectName(QStringLiteral("print.grid"));
+  addFormRow(*makeForm(more), theme, QStringLiteral("Grid"), *grid_);
+  column->addWidget(more);
+  status_->setObjectName(QStringLiteral("print.status"));
+  status_->setWordWrap(true);
+  column->addSpacing(8);
+  column->addWidget(status_);
+  column->addStretch();
+  auto* buttons = new QHBoxLayout;
+  buttons->setSpacing(8);
+  auto* close = new Button(theme, Button::Kind::outlined, QStringLiteral("Close"));
+  close->setObjectName(QStringLiteral("print.close"));
+  printButton_->setObjectName(QStringLiteral("print.print"));
+  buttons->addStretch();
+  buttons->addWidget(close);
+  buttons->addWidget(printButton_);
+  column->addLayout(buttons);
+  row->addWidget(choices);
+  row->addWidget(new Hairline(theme, Qt::Vertical, this));
+  preview_->setObjectName(QStringLiteral("print.preview"));
+  preview_->fitInView();
+  row->addWidget(preview_, 1);
+
+  connect(page_, &PageControls::changed, this, [this] { refresh(); });
+  connect(grid_, &QCheckBox::toggled, this, [this] { refresh(); });
+  connect(close, &QPushButton::clicked, this, &QDialog::close);
+  connect(printButton_, &QPushButton::clicked, this, [this] { print(); });
+  connect(preview_, &QPrintPreviewWidget::paintRequested, this, [this](QPrinter* printer) {
+    try {
+      const ExportOptions chosen = options();
+      paintPages(*printer, printPages(application_.sketch(), chosen), application_.sketch(), chosen);
+    } catch (const UserError&) {
+      // `refresh` has said why there is nothing to see.
+    }
+  });
+  refresh();
+}
+
+void PrintWindow::paintEvent(QPaintEvent* /*event*/) { QPainter(this).fillRect(rect(), theme_.card()); }
+
+ExportOptions PrintWindow::options() const {
+  ExportOptions chosen;
+  page_->apply(chosen);
+  chosen.showGrid = grid_->isChecked();
+  return chosen;
+}
+
+void PrintWindow::refresh() {
+  try {
+    const std::vector<PicturePage> pages = printPages(application_.sketch(), options());
+    setSheet(printer_, pages.front().size);
+    const DrawingScale scale{kInchesPerFoot * kPointsPerInch / pages.front().viewport.scale};
+    status_->setText(QStringLiteral("%1 at %2")
+                         .arg(pages.size() == 1 ? QStringLiteral("1 sheet")
+                                                : QStringLiteral("%1 sheets").arg(pages.size()),
+                              qtText(drawingScaleText(scale))));
+    printButton_->setEnabled(true);
+  } catch (const UserError& error) {
+    status_->setText(QString::fromUtf8(error.what()));
+    printButton_->setEnabled(false);
+  }
+  preview_->updatePreview();
+}
+
+void PrintWindow::print() {
+  QPrintDialog dialog(&printer_, this);
+  if (dialog.exec() != QDialog::Accepted) return;
+  try {
+    printDrawing(printer_, application_.sketch(), options());
+    application_.sketch().showDocumentToast("Sent to the printer", DocumentToastState::Style::success);
+    close();
+  } catch (const UserError& error) {
+    status_->setText(QString::fromUtf8(error.what()));
+  }
+}
+
+}  // namespace ostrelon

@@ -1,0 +1,177 @@
+// Export and print as other programs see them: the size of what is drawn on paper.
+#include <QComboBox>
+#include <QImage>
+#include <QPrinter>
+#include <cstdlib>
+
+#include "shell/drawing_export.h"
+#include "shell/export_sheet.h"
+#include "shell/help_window.h"
+#include "shell/print_window.h"
+#include "window_fixture.h"
+
+namespace ostrelon {
+namespace {
+
+struct ExportAndPrint : testing::WindowFixture {
+  ExportAndPrint() {
+    // Forty feet by twenty, which is ten inches by five at a quarter of an inch to the foot.
+    sketch.addRectangle({0, 0}, {40, 20});
+  }
+  static bool isInstalled(const std::string& program) {
+    return std::system(("command -v " + program + " >/dev/null").c_str()) == 0;
+  }
+  static ExportOptions onPaper(const char* paper, const char* scale) {
+    ExportOptions options;
+    setExportOption(options, "paper", paper);
+    setExportOption(options, "scale", scale);
+    return options;
+  }
+  QByteArray picture(ExportFormat format, const ExportOptions& options) {
+    return drawingPicture(format, *sketch.entities, *sketch.wallSystemSpecs, options);
+  }
+  /// The box of everything dark, from the middles of its lines, in inches.
+  static QRectF inkOf(const QImage& image, double pixelsPerInch) {
+    QRect ink;
+    for (int y = 0; y < image.height(); ++y) {
+      for (int x = 0; x < image.width(); ++x) {
+        if (qGray(image.pixel(x, y)) < 100) ink |= QRect(x, y, 1, 1);
+      }
+    }
+    const double line = 1.5 / 72 * pixelsPerInch;
+    return {(ink.left() + line / 2) / pixelsPerInch, (ink.top() + line / 2) / pixelsPerInch,
+            (ink.width() - line) / pixelsPerInch, (ink.height() - line) / pixelsPerInch};
+  }
+  /// A page of a PDF as poppler draws it, 144 pixels to the inch.
+  QImage popplersPage(const std::filesystem::path& pdf, int page) {
+    const std::string out = (home / "page").string();
+    const std::string command = "pdftoppm -r 144 -png -singlefile -f " + std::to_string(page) + " -l " +
+                                std::to_string(page) + " " + pdf.string() + " " + out;
+    if (std::system(command.c_str()) != 0) return {};
+    return QImage(QString::fromStdString(out + ".png"));
+  }
+  void expectTenByFiveInches(const QImage& image, double pixelsPerInch) {
+    ASSERT_FALSE(image.isNull());
+    const QRectF ink = inkOf(image, pixelsPerInch);
+    EXPECT_NEAR(ink.width(), 10, 0.02);
+    EXPECT_NEAR(ink.height(), 5, 0.02);
+    EXPECT_NEAR(ink.center().x(), image.width() / pixelsPerInch / 2, 0.02) << "in the middle of the sheet";
+  }
+};
+
+TEST_F(ExportAndPrint, aPdfIsAtTrueScale) {
+  if (!isInstalled("pdftoppm")) GTEST_SKIP() << "poppler-utils is not installed";
+  const auto path = home / "plan.pdf";
+  testing::writeBytes(path, picture(ExportFormat::pdf, onPaper("Tabloid", "1/4in=1ft")).toStdString());
+  const QImage page = popplersPage(path, 1);
+  EXPECT_EQ(page.size(), QSize(17 * 144, 11 * 144));
+  expectTenByFiveInches(page, 144);
+}
+
+TEST_F(ExportAndPrint, aPdfOnSeveralSheetsGoesOnAtTheirEdges) {
+  if (!isInstalled("pdftoppm")) GTEST_SKIP() << "poppler-utils is not installed";
+  const auto path = home / "plan.pdf";
+  ExportOptions options = onPaper("Letter", "1/4in=1ft");
+  setExportOption(options, "orientation", "portrait");
+  testing::writeBytes(path, picture(ExportFormat::pdf, options).toStdString());
+  const QRectF left = inkOf(popplersPage(path, 1), 144);
+  const QRectF right = inkOf(popplersPage(path, 2), 144);
+  EXPECT_NEAR(left.width() + right.width(), 10, 0.05) << "half of it on each";
+  EXPECT_NEAR(left.right(), 8, 0.03) << "up to the margin";
+  EXPECT_NEAR(right.left(), 0.5, 0.03);
+}
+
+TEST_F(ExportAndPrint, anSvgIsAtTrueScaleToo) {
+  if (!isInstalled("rsvg-convert")) GTEST_SKIP() << "librsvg2-bin is not installed";
+  testing::writeBytes(home / "plan.svg",
+                      picture(ExportFormat::svg, onPaper("Tabloid", "1:48")).toStdString());
+  const std::string png = (home / "plan.png").string();
+  ASSERT_EQ(std::system(("rsvg-convert --dpi-x 144 --dpi-y 144 --background-color white -o " + png + " " +
+                         (home / "plan.svg").string())
+                            .c_str()),
+            0);
+  expectTenByFiveInches(QImage(QString::fromStdString(png)), 144);
+}
+
+TEST_F(ExportAndPrint, aPngHasThePixelsThatWereAskedFor) {
+  ExportOptions options;
+  setExportOption(options, "size", "300x200");
+  setExportOption(options, "pixel-ratio", "3");
+  EXPECT_EQ(QImage::fromData(picture(ExportFormat::png, options)).size(), QSize(900, 600));
+  const QImage sheet = QImage::fromData(picture(ExportFormat::png, onPaper("Tabloid", "1/4in")));
+  EXPECT_EQ(sheet.size(), QSize(17 * 96, 11 * 96));
+  EXPECT_NEAR(sheet.dotsPerMeterX() * 0.0254, 96, 0.1) << "so that it prints at its size";
+  expectTenByFiveInches(sheet, 96);
+}
+
+TEST_F(ExportAndPrint, aPrintIsAtTrueScale) {
+  if (!isInstalled("pdftoppm")) GTEST_SKIP() << "poppler-utils is not installed";
+  const auto path = home / "print.pdf";
+  QPrinter printer(QPrinter::HighResolution);
+  printer.setOutputFormat(QPrinter::PdfFormat);
+  printer.setOutputFileName(QString::fromStdString(path.string()));
+  EXPECT_EQ(printDrawing(printer, sketch, onPaper("Tabloid", "1/4in")), 1);
+  expectTenByFiveInches(popplersPage(path, 1), 144);
+}
+
+TEST_F(ExportAndPrint, theSheetAsksAndTheFileIsWritten) {
+  QWidget window;
+  window.resize(900, 700);
+  present(window);
+  auto* sheet = new ExportSheet(application, theme, window);
+  sheet->open();
+  const auto choose = [&](const char* identifier, const char* data) {
+    auto* picker = find<QComboBox>(window, identifier);
+    const int index = picker->findData(QString::fromUtf8(data));
+    ASSERT_GE(index, 0) << data;
+    picker->setCurrentIndex(index);
+  };
+  choose("export.kind", "dxf");
+  EXPECT_FALSE(find<QWidget>(window, "export.grid")->isVisible());
+  choose("export.dxf", "r12");
+  dialogs.queue((home / "plan.dxf").string());
+  press(window, "export.confirm");
+  EXPECT_NE(testing::readBytes(home / "plan.dxf").find("AC1009"), std::string::npos) << lastLine();
+}
+
+TEST_F(ExportAndPrint, theSheetTellsWhatDoesNotFitAndStays) {
+  QWidget window;
+  window.resize(900, 700);
+  present(window);
+  auto* sheet = new ExportSheet(application, theme, window);
+  sheet->open();
+  auto* paper = find<QComboBox>(window, "export.paper");
+  paper->setCurrentIndex(paper->findData("Letter"));
+  auto* scale = find<QComboBox>(window, "export.scale");
+  scale->setCurrentIndex(scale->findData("other"));
+  find<QLineEdit>(window, "export.otherScale")->setText("a lot");
+  press(window, "export.confirm");
+  EXPECT_TRUE(sheet->isVisible());
+  EXPECT_TRUE(find<QLabel>(window, "export.error")->text().contains("\"a lot\" is not a scale"));
+  EXPECT_TRUE(dialogs.asked().empty());
+}
+
+TEST_F(ExportAndPrint, thePreviewTellsSheetsAndScale) {
+  PrintWindow window(application, theme, nullptr);
+  window.setAttribute(Qt::WA_DeleteOnClose, false);
+  auto* status = find<QLabel>(window, "print.status");
+  EXPECT_EQ(status->text(), "1 sheet at 1/4\" = 1'-0\"")
+      << "ten inches just fit a Letter sheet with its margins";
+  auto* scale = find<QComboBox>(window, "print.scale");
+  scale->setCurrentIndex(scale->findData("1/2\" = 1'-0\""));
+  EXPECT_EQ(status->text(), "3 sheets at 1/2\" = 1'-0\"");
+  auto* paper = find<QComboBox>(window, "print.paper");
+  paper->setCurrentIndex(paper->findData("ARCH C"));
+  EXPECT_EQ(status->text(), "1 sheet at 1/2\" = 1'-0\"");
+}
+
+TEST_F(ExportAndPrint, theManualGoesWithTheProgram) {
+  HelpWindow manual(theme, "Ostrelon Manual", "help.manual", nullptr);
+  showManual(manual);
+  const QString text = manual.page().toPlainText();
+  EXPECT_TRUE(text.contains("The first room"));
+  EXPECT_GT(text.size(), 4000);
+}
+
+}  // namespace
+}  // namespace ostrelon
