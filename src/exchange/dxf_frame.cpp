@@ -55,6 +55,11 @@ void writeHeader(DxfOutput& out, const DxfFrame& frame) {
   if (is2000(frame)) {
     out.groups({{9, "$DWGCODEPAGE"}, {3, "ANSI_1252"}, {9, "$HANDSEED"}, {5, frame.firstFree}});
     out.groups({{9, "$INSUNITS"}, {70, kFeet}, {9, "$MEASUREMENT"}, {70, 0}});
+    // Programs that print a file as it is take their sheet from here, in the unit of the drawing.
+    out.text(9, "$PLIMMIN");
+    out.point(10, {0, 0});
+    out.text(9, "$PLIMMAX");
+    out.point(10, {11.0 / 12, 8.5 / 12});
   }
   out.text(9, "$INSBASE");
   out.flatPoint(10, {0, 0});

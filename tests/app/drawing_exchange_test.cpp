@@ -6,6 +6,7 @@
 
 #include "app/application.h"
 #include "app/menu.h"
+#include "platform/dialogs.h"
 #include "platform/disk_file_system.h"
 #include "support/temporary_folder.h"
 #include "updates/served_update_client.h"

@@ -45,11 +45,13 @@ TEST_F(MenuTest, theRowsStandInTheirOrderWithTheirKeys) {
   EXPECT_EQ(table,
             "File/New Document  Ctrl+N\nFile/Open…  Ctrl+O\nFile/Open Recent\nFile/Save  Ctrl+S\n"
             "File/Save As…  Ctrl+Shift+S\nFile/Save Checkpoint…\nFile/Create Branch…\nFile/Switch Branch\n"
-            "File/Revert to Last Autosave\nFile/Settings…  Ctrl+,\nFile/Quit  Ctrl+Q\n"
+            "File/Revert to Last Autosave\nFile/Import DXF…\nFile/Export…  Ctrl+E\nFile/Print…  Ctrl+P\n"
+            "File/Settings…  Ctrl+,\nFile/Quit  Ctrl+Q\n"
             "Edit/Undo  Ctrl+Z\nEdit/Redo  Ctrl+Shift+Z\n"
             "Sketch/Inspect  Ctrl+I\nSketch/Duplicate  Ctrl+D\nSketch/Clear Sketch  Ctrl+Shift+K\n"
             "Sketch/Toggle Grid  Ctrl+G\nConsole/Show Help\nView/Appearance\nView/Zoom In  Ctrl++\n"
-            "View/Zoom Out  Ctrl+-\nView/Zoom to Fit  Ctrl+0\nView/Reset View  Ctrl+Shift+0\n");
+            "View/Zoom Out  Ctrl+-\nView/Zoom to Fit  Ctrl+0\nView/Reset View  Ctrl+Shift+0\n"
+            "Help/Manual\nHelp/Keyboard Shortcuts\nHelp/Open Sample Plan\n");
 }
 
 TEST_F(MenuTest, rowsWithNothingToDoAreDisabled) {
