@@ -32,7 +32,7 @@ struct ApplicationServices {
   UserDefaults& defaults;
   AppUpdateClient& updateClient;
   AppUpdateManager::InstallerOpener openInstaller;
-  PictureMaker makePicture;  ///< empty where no picture can be drawn
+  PictureMaker makePicture = {};  ///< empty where no picture can be drawn
 };
 
 /// What the start of the process decides.

@@ -26,7 +26,7 @@ struct AutomationOptions {
   std::string updateKey;
   bool isUITesting = false;
   FileSystem* files = nullptr;  ///< must outlive the host; null: the disk
-  PictureMaker makePicture;  ///< empty: only DXF can be exported
+  PictureMaker makePicture = {};  ///< empty: only DXF can be exported
 };
 
 class AutomationHost {

@@ -1,15 +1,18 @@
 // Pictures of every window in every theme, for the README and for a designer's eye: the program on a
 // virtual clock, driven to the moments worth seeing.
 //
-//   ostrelon_pictures FOLDER CONSOLE-LINES
+//   ostrelon_pictures FOLDER CONSOLE-LINES   every window in every theme
+//   ostrelon_pictures --manual FOLDER        the pictures of the manual; docs/make-pictures runs this
 #include <QApplication>
 #include <QDir>
 #include <QMenu>
 #include <QThread>
 #include <cstdio>
 #include <fstream>
+#include <string_view>
 
 #include "app/menu.h"
+#include "manual_pictures.h"
 #include "shell/context_menu_popup.h"
 #include "shell/dialog_sheet.h"
 #include "shell/qt_dialogs.h"
@@ -224,8 +227,12 @@ int main(int argc, char** argv) {
   using namespace ostrelon;
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   QApplication qt(argc, argv);
+  if (argc == 3 && std::string_view(argv[1]) == "--manual") {
+    QDir().mkpath(argv[2]);
+    return makeManualPictures(argv[2]) ? 0 : 1;
+  }
   if (argc != 3) {
-    std::fprintf(stderr, "Usage: ostrelon_pictures FOLDER CONSOLE-LINES\n");
+    std::fprintf(stderr, "Usage: ostrelon_pictures FOLDER CONSOLE-LINES\n       ostrelon_pictures --manual FOLDER\n");
     return 2;
   }
   QDir().mkpath(argv[1]);

@@ -1,0 +1,145 @@
+#include "manual_pictures.h"
+
+#include <QApplication>
+#include <QWidget>
+#include <cstdio>
+
+#include "app/application.h"
+#include "geometry/entity_geometry.h"
+#include "interaction/canvas_transform.h"
+#include "platform/dialogs.h"
+#include "platform/user_defaults.h"
+#include "shell/export_sheet.h"
+#include "shell/inspector_window.h"
+#include "shell/main_window.h"
+#include "shell/print_window.h"
+#include "support/test_sketch.h"
+#include "updates/served_update_client.h"
+
+namespace ostrelon {
+namespace {
+
+class Photographer {
+ public:
+  explicit Photographer(QString folder) : folder_(std::move(folder)) {}
+
+  void shoot(QWidget& widget, const char* name, const QRect& part = {}) {
+    for (int i = 0; i < 6; ++i) {
+      QApplication::processEvents();
+      QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    const QPixmap picture = part.isEmpty() ? widget.grab() : widget.grab(part);
+    const QString path = folder_ + "/" + name + ".png";
+    if (picture.save(path)) return;
+    std::fprintf(stderr, "Cannot write %s.\n", qPrintable(path));
+    hasFailed_ = true;
+  }
+  bool hasFailed() const { return hasFailed_; }
+
+ private:
+  QString folder_;
+  bool hasFailed_ = false;
+};
+
+std::optional<UUID> longestWall(const SketchViewModel& sketch) {
+  std::optional<UUID> longest;
+  double length = 0;
+  for (const SketchEntity& entity : *sketch.entities) {
+    const auto* wall = std::get_if<WallEntity>(&entity);
+    if (wall == nullptr || distanceBetween(wall->from, wall->to) <= length) continue;
+    length = distanceBetween(wall->from, wall->to);
+    longest = wall->id;
+  }
+  return longest;
+}
+
+void drawWallFromLockedPoint(SketchViewModel& sketch, VirtualScheduler& scheduler, SketchPoint locked,
+                             SketchPoint from, SketchPoint to) {
+  const auto view = [&](SketchPoint point) { return sketchPointToView(point, *sketch.viewport); };
+  sketch.activateTool(SketchTool::wall);
+  sketch.hoverMoved(view(locked));
+  scheduler.advance(Seconds(1.2));
+  sketch.beginDraft(from);
+  for (double part = 0.2; part <= 1; part += 0.2) {
+    sketch.recordPointer(view(from + (to - from) * part));
+    sketch.updateDraft(from + (to - from) * part);
+  }
+}
+
+}  // namespace
+
+bool makeManualPictures(const QString& folder) {
+  Photographer photographer(folder);
+  Theme theme;
+  installBaseStyle(theme);
+  theme.setPalette(lightPalette());
+  VirtualScheduler scheduler;
+  QueuedDialogs dialogs;
+  MemoryUserDefaults defaults;
+  ServedUpdateClient client(scheduler, "/tmp");
+  testing::NoFileSystem files;
+  Application application({.host = {scheduler, dialogs, files},
+                           .defaults = defaults,
+                           .updateClient = client,
+                           .openInstaller = [](const FilePath&) { return true; },
+                           .makePicture = {}},
+                          {.documentsFolder = "/home/user/Documents", .updates = {}, .isUITesting = true});
+  SketchViewModel& sketch = application.sketch();
+
+  MainWindow window(application, theme);
+  window.resize(1200, 800);
+  window.show();
+  QApplication::processEvents();
+  application.openSamplePlan();
+  for (const char* line : {"spec use W2-EXT", "select 1"}) {
+    sketch.setCommandInput(line);
+    sketch.submitCommandInput();
+  }
+  sketch.selectSingleEntity(longestWall(sketch));
+  sketch.zoomToFit(*sketch.canvasSize);
+  sketch.recordPointer(SketchPoint{420, 300});
+  photographer.shoot(window, "main");
+
+  sketch.showEntityInspector();
+  {
+    InspectorWindow inspector(sketch, theme, &window);
+    photographer.shoot(inspector, "inspector");
+  }
+  sketch.clearSelection();
+
+  auto* sheet = new ExportSheet(application, theme, window);
+  auto* paper = sheet->findChild<QComboBox*>("export.paper");
+  paper->setCurrentIndex(paper->findData("ARCH D"));
+  auto* scale = sheet->findChild<QComboBox*>("export.scale");
+  scale->setCurrentIndex(scale->findData("1/8\" = 1'-0\""));
+  sheet->open();
+  photographer.shoot(window, "export");
+  delete sheet;
+
+  PrintWindow print(application, theme, &window);
+  print.setAttribute(Qt::WA_DeleteOnClose, false);
+  auto* printPaper = print.findChild<QComboBox*>("print.paper");
+  printPaper->setCurrentIndex(printPaper->findData("ARCH D"));
+  auto* printScale = print.findChild<QComboBox*>("print.scale");
+  printScale->setCurrentIndex(printScale->findData("1/8\" = 1'-0\""));
+  print.show();
+  photographer.shoot(print, "print");
+  print.hide();
+
+  sketch.newDocument();
+  for (const char* line :
+       {"wall -40 20 40 20 W2-EXT", "wall -40 20 -40 -30 W2-EXT", "wall -40 -30 0 -30 W2-EXT", "select"}) {
+    sketch.setCommandInput(line);
+    sketch.submitCommandInput();
+  }
+  sketch.clearSelection();
+  sketch.zoomToFit(*sketch.canvasSize);
+  drawWallFromLockedPoint(sketch, scheduler, {40, 20}, {0, -30}, {40.4, -29.6});
+  QApplication::processEvents();
+  CanvasWidget& canvas = window.canvas();
+  photographer.shoot(window, "tracking",
+                     QRect(canvas.mapTo(&window, QPoint(0, 0)), QSize(canvas.width(), canvas.height())));
+  return !photographer.hasFailed();
+}
+
+}  // namespace ostrelon
