@@ -7,10 +7,11 @@
 namespace ostrelon {
 namespace {
 
-constexpr std::size_t kChunkSize = 512;      // what bulk work fills a chunk to
-constexpr std::size_t kLargestChunk = 1024;  // beyond this a chunk is split
-constexpr std::size_t kSmallestChunk = 128;  // below this a chunk joins its neighbour
-constexpr std::size_t kNodeSize = 64;        // chunks in a node that bulk work has filled
+constexpr std::size_t kChunkSize = 64;      // what bulk work fills a chunk to
+constexpr std::size_t kLargestChunk = 128;  // beyond this a chunk is split
+constexpr std::size_t kSpareEntities = 4;   // the room that an appended chunk grows by
+constexpr std::size_t kSmallestChunk = 16;  // below this a chunk joins its neighbour
+constexpr std::size_t kNodeSize = 64;       // chunks in a node that bulk work has filled
 constexpr std::size_t kLargestNode = 128;
 
 // The position of the part that holds `index`, where ends[i] counts the elements up to part i.
@@ -80,7 +81,11 @@ void EntityList::append(SketchEntity entity) {
   }
   const std::size_t nodeIndex = root_->nodes.size() - 1;
   const std::size_t chunkIndex = root_->nodes.back()->chunks.size() - 1;
-  ownChunk(nodeIndex, chunkIndex).push_back(std::move(entity));
+  Chunk& chunk = ownChunk(nodeIndex, chunkIndex);
+  // Step by step rather than doubled: where every append has its undo step, the room that a chunk has to
+  // spare is kept as often as the chunk.
+  if (chunk.size() == chunk.capacity()) chunk.reserve(chunk.size() + kSpareEntities);
+  chunk.push_back(std::move(entity));
   ++root_->nodes.back()->ends.back();
   ++root_->ends.back();
 }

@@ -1,7 +1,7 @@
 // The ordered list of entities of a document, as a value with shared storage.
 //
 // The list is a tree of fixed depth: a root of nodes, a node of chunks, a chunk of entities (about
-// 512, split at twice that, merged when small). Copying a list shares everything, so an undo
+// 64, split at twice that, merged when small). Copying a list shares everything, so an undo
 // snapshot costs nothing that grows with the list; an edit copies one chunk, one node and the root,
 // and nothing at all where nobody else holds them. Equality and differences skip shared storage.
 //

@@ -16,7 +16,7 @@ constexpr std::int64_t kVerboseFormat = 1;
 
 // Chunks of a list that has undo snapshots beside it are kept small enough that each of the stored
 // steps, which costs a chunk, costs little of the whole.
-constexpr std::size_t kUsualChunk = 512;
+constexpr std::size_t kUsualChunk = 64;
 constexpr std::size_t kSmallestChunk = 16;
 constexpr std::size_t kWantedChunks = 400;
 constexpr std::size_t kUsualRowBytes = 70;
