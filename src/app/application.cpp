@@ -1,6 +1,5 @@
 #include "app/application.h"
 
-#include "documents/document_reading.h"
 #include "documents/document_store.h"
 #include "documents/sketch_document_io.h"
 #include "platform/dialogs.h"
@@ -11,10 +10,6 @@ namespace {
 
 /// The folder from which a document was opened last.
 constexpr const char* kLastFolder = "ostrel.lastFolder";
-/// Bytes above which a document is read away from the main thread.
-constexpr std::uint64_t kLargeDocument = 4 << 20;
-/// Work that takes longer is told.
-constexpr Seconds kLongWork(0.3);
 
 }  // namespace
 
@@ -27,9 +22,11 @@ Application::Application(ApplicationServices services, ApplicationOptions option
       updates_(services.host.scheduler, settings_, services.updateClient, std::move(options.updates),
                std::move(services.openInstaller)),
       makePicture_(std::move(services.makePicture)),
-      closeQuestion_(sketch_, [this](const std::function<void()>& ended) {
-        saveCurrentDocument(sketch_, settings_, true, [ended](SaveOutcome) { ended(); });
-      }) {
+      closeQuestion_(sketch_,
+                     [this](const std::function<void()>& ended) {
+                       saveCurrentDocument(sketch_, settings_, true, [ended](SaveOutcome) { ended(); });
+                     }),
+      opener_(sketch_, settings_, closeQuestion_, options.opensInBackground) {
   selectionSubscription_ =
       sketch_.observe(fieldMask(SketchField::selectedEntityIDs), [this](const SketchChange&) {
         if (!sketch_.selectedEntityIDs->empty() || !*sketch_.isEntityInspectorVisible) return;
@@ -59,11 +56,11 @@ void Application::willTerminate() { defaults_.set(SettingsKey::lastSessionEndedC
 // --- Documents
 
 void Application::newDocument() {
-  closeQuestion_.beforeReplacing([this] { sketch_.newDocument(); });
+  beforeReplacing([this] { sketch_.newDocument(); });
 }
 
 void Application::openDocumentWithPanel() {
-  closeQuestion_.beforeReplacing([this] {
+  beforeReplacing([this] {
     OpenPanel panel;
     if (const auto last = defaults_.text(kLastFolder)) panel.startingFolder = *last;
     if (panel.startingFolder.empty() && settings_.isProjectsFolderConfigured()) {
@@ -76,60 +73,22 @@ void Application::openDocumentWithPanel() {
 }
 
 void Application::openDocumentAt(const FilePath& url) {
-  closeQuestion_.beforeReplacing([this, url] { openAndRemember(url); });
+  beforeReplacing([this, url] { openAndRemember(url); });
+}
+
+// What was being opened makes way for what was asked for last.
+void Application::beforeReplacing(std::function<void()> proceed) {
+  opener_.giveUp();
+  closeQuestion_.beforeReplacing(std::move(proceed));
 }
 
 void Application::openAndRemember(const FilePath& url) {
   defaults_.set(kLastFolder, url.parent_path().string());
-  const auto info = host_.files.info(url);
-  if (info && info->size > kLargeDocument) {
-    openInBackground(url);
-  } else {
-    openDocument(sketch_, settings_, url);
-  }
-}
-
-// A large document is read and decoded away from the main thread, with a toast where it takes long;
-// the one that is open stays usable, and is asked about again if it has changed meanwhile.
-void Application::openInBackground(const FilePath& url) {
-  struct Opening {
-    DocumentReading reading;
-    std::optional<std::string> failure;
-  };
-  std::shared_ptr<Opening> opening;
-  try {
-    opening = std::make_shared<Opening>(Opening{DocumentReading(url), std::nullopt});
-  } catch (const UserError& error) {
-    reportOpenFailed(sketch_, error.what());
-    return;
-  }
-  const std::string message = "Opening " + url.stem().string() + "…";
-  openingToast_ = host_.scheduler.after(
-      kLongWork, [this, message] { sketch_.showDocumentToast(message, DocumentToastState::Style::saving); });
-  FileSystem& files = host_.files;
-  openingTask_ = host_.scheduler.inBackground(
-      [opening, &files] {
-        try {
-          opening->reading.read(files);
-        } catch (const std::exception& error) {
-          opening->failure = error.what();
-        }
-      },
-      [this, opening, message] {
-        openingToast_.cancel();
-        const auto& toast = *sketch_.documentToast;
-        if (toast && toast->message == message) sketch_.clearDocumentToast();
-        if (opening->failure) {
-          reportOpenFailed(sketch_, *opening->failure);
-          return;
-        }
-        closeQuestion_.beforeReplacing(
-            [this, opening] { finishOpening(sketch_, settings_, opening->reading); });
-      });
+  opener_.open(url);
 }
 
 void Application::openSamplePlan() {
-  closeQuestion_.beforeReplacing([this] {
+  beforeReplacing([this] {
     sketch_.newDocument();
     sketch_.applyLoadedDocument(SketchDocumentIO::decodeDocument(kSamplePlan));
     sketch_.zoomToFit(sketch_.canvasSize);
@@ -145,6 +104,7 @@ void Application::rescheduleAutoSave() {
 }
 
 void Application::revertToLastAutosave() {
+  opener_.giveUp();
   using Style = DocumentToastState::Style;
   if (!settings_.lastAutoSave->has_value()) {
     revertToLastAutoSave(sketch_, settings_);
@@ -156,6 +116,7 @@ void Application::revertToLastAutosave() {
 
 void Application::windowShouldClose(const std::function<void(CloseQuestion::Reply)>& reply,
                                     std::function<void()> closeNow) {
+  opener_.giveUp();
   closeQuestion_.windowShouldClose(reply, std::move(closeNow));
 }
 
@@ -172,6 +133,7 @@ void Application::chooseProjectsFolder(std::function<void(const FilePath&)> chos
 void Application::completeProjectsFolderSetup() { showProjectsFolderSetup = false; }
 
 void Application::restoreAutoSaveFromOffer() {
+  opener_.giveUp();
   restoreAutoSave(sketch_, settings_);
   showAutoSaveRecoveryOffer = false;
 }

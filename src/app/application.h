@@ -13,6 +13,7 @@
 #include <optional>
 
 #include "app/close_question.h"
+#include "app/document_opener.h"
 #include "app/drawing_exchange.h"
 #include "core/observable.h"
 #include "core/sketch_view_model.h"
@@ -42,6 +43,9 @@ struct ApplicationOptions {
   /// Resets the projects folder at the start and shows neither the first-run sheet nor the recovery
   /// offer.
   bool isUITesting = false;
+  /// Whether large documents are read away from the main thread. Else every command has had its whole
+  /// effect when it returns.
+  bool opensInBackground = false;
 };
 
 /// What a window does for the program. Without one nothing happens.
@@ -119,7 +123,7 @@ class Application {
 
  private:
   void openAndRemember(const FilePath& url);
-  void openInBackground(const FilePath& url);
+  void beforeReplacing(std::function<void()> proceed);
 
   Host host_;
   UserDefaults& defaults_;
@@ -128,12 +132,11 @@ class Application {
   AppUpdateManager updates_;
   PictureMaker makePicture_;
   CloseQuestion closeQuestion_;
+  DocumentOpener opener_;
   std::optional<AutoSaveController> autoSaveController_;
   WindowActions windowActions_;
   Subscription selectionSubscription_;
   ScheduledTask inspectorTask_;
-  ScheduledTask openingTask_;
-  ScheduledTask openingToast_;
 };
 
 }  // namespace ostrelon

@@ -107,6 +107,7 @@ class EntityRowsView final : public RowsView {
     setModel(&model);
     setSelectionMode(SingleSelection);
   }
+  bool isRowSelected(int row) const override { return model_.isSelected(row); }
 
  protected:
   int rowTop(int row) const override { return row * kEntityHeight; }

@@ -1,14 +1,18 @@
 #include "shell/rows_view.h"
 
+#include <QAccessible>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <algorithm>
 
+#include "shell/rows_accessibility.h"
+
 namespace ostrelon {
 
 RowsView::RowsView(Theme& theme, QWidget* parent) : QAbstractItemView(parent), theme_(theme) {
+  installRowsAccessibility();
   setFrameShape(QFrame::NoFrame);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   setVerticalScrollMode(ScrollPerPixel);
@@ -29,6 +33,10 @@ void RowsView::setModel(QAbstractItemModel* newModel) {
   connect(newModel, &QAbstractItemModel::rowsRemoved, this, refresh);
   connect(newModel, &QAbstractItemModel::modelReset, this, refresh);
   refresh();
+}
+
+bool RowsView::isRowSelected(int row) const {
+  return selectionModel() != nullptr && selectionModel()->isRowSelected(row);
 }
 
 int RowsView::rowCount() const { return model() != nullptr ? model()->rowCount(rootIndex()) : 0; }
@@ -165,6 +173,14 @@ void RowsView::mouseMoveEvent(QMouseEvent* event) {
 bool RowsView::viewportEvent(QEvent* event) {
   if (event->type() == QEvent::Leave) setHoveredRow(-1);
   return QAbstractItemView::viewportEvent(event);
+}
+
+void RowsView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+  QAbstractItemView::currentChanged(current, previous);
+  if (!current.isValid() || !hasFocus()) return;
+  QAccessibleEvent told(this, QAccessible::Focus);
+  told.setChild(current.row());
+  QAccessible::updateAccessibility(&told);
 }
 
 void RowsView::setHoveredRow(int row) {

@@ -17,6 +17,8 @@ class RowsView : public QAbstractItemView {
   QRect visualRect(const QModelIndex& index) const override;
   void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
   QModelIndex indexAt(const QPoint& point) const override;
+  /// Whether the row shows as selected.
+  virtual bool isRowSelected(int row) const;
 
  protected:
   /// Positions in the whole list, px. Rows follow each other without a gap of their own.
@@ -43,6 +45,7 @@ class RowsView : public QAbstractItemView {
   void resizeEvent(QResizeEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   bool viewportEvent(QEvent* event) override;
+  void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
  private:
   void setHoveredRow(int row);

@@ -99,6 +99,7 @@ class WallSystemRowsView final : public RowsView {
   }
 
   int wantedHeight() const { return contentHeight(); }
+  bool isRowSelected(int row) const override { return model_.row(row).isShown; }
 
  protected:
   int rowTop(int row) const override { return row * (kRowHeight + kRowGap); }

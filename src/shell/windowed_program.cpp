@@ -92,7 +92,8 @@ int runWithWindows(int& argc, char** argv, const WindowStart& start) {
                           {.documentsFolder = paths.documentsFolder,
                            .updates = updateConfiguration(kBuildVersion, kBuildNumber, kOstrelonUpdateFeedURL,
                                                           kOstrelonUpdateSigningPublicKey),
-                           .isUITesting = start.isUITesting});
+                           .isUITesting = start.isUITesting,
+                           .opensInBackground = true});
   // The desktop's scheme is asked before the program dresses in its own colours.
   const ColorSchemeWatcher colorScheme(
       [&application](ColorScheme scheme) { application.settings().updateColorScheme(scheme); });

@@ -91,35 +91,5 @@ TEST_F(CloseQuestionTest, anotherDocumentAsksFirstToo) {
   EXPECT_TRUE(std::holds_alternative<LineEntity>(sketch.entities->front()));
 }
 
-TEST_F(CloseQuestionTest, aLargeDocumentIsOpenedInTheBackgroundAndAsksAboutWhatChangedMeanwhile) {
-  const FilePath large = home / "Documents" / "Ostrelon" / "Large.ostrel";
-  std::vector<SketchEntity> many;
-  for (int i = 0; i < 80'000; ++i) many.push_back(LineEntity{UUID::random(), {0.5 + i, 0}, {1.25 + i, 0}});
-  sketch.restoreSnapshot(EntityList(std::move(many)));
-  sketch.saveDocumentFile(large);
-  ASSERT_GT(files.info(large)->size, 4U << 20);
-  sketch.newDocument();
-
-  application.openDocumentAt(large);
-  EXPECT_TRUE(sketch.entities->empty()) << "nothing has come yet";
-  submit("circle 0 0 4");
-  dialogs.queue("Cancel");
-  settle();
-  EXPECT_EQ(sketch.entities->size(), 1U) << "what was drawn meanwhile stays";
-
-  dialogs.queue("Don't Save");
-  application.openDocumentAt(large);
-  settle();
-  EXPECT_EQ(sketch.entities->size(), 80'000U);
-  EXPECT_EQ(lastLine().text, "Opened Large.");
-
-  testing::writeBytes(large, std::string(5 << 20, ' '));
-  application.openDocumentAt(large);
-  settle();
-  EXPECT_TRUE(lastLine().isError);
-  EXPECT_TRUE(lastLine().text.starts_with("Open failed: ")) << lastLine().text;
-  EXPECT_EQ(sketch.entities->size(), 80'000U);
-}
-
 }  // namespace
 }  // namespace ostrelon

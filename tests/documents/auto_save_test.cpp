@@ -6,6 +6,7 @@
 
 #include "documents/document_store.h"
 #include "support/disk_sketch.h"
+#include "support/manual_background.h"
 
 namespace ostrelon {
 namespace {
@@ -102,39 +103,10 @@ TEST_F(AutoSaveTest, TellsAFailureAndTriesAgain) {
   EXPECT_EQ(lastLine(), "S Saved plan.");
 }
 
-// A scheduler whose background work is done when the test says so, as another thread would.
-class ManualBackground final : public Scheduler {
- public:
-  Date now() const override { return clock.now(); }
-  ScheduledTask after(Seconds delay, std::function<void()> work) override {
-    return clock.after(delay, std::move(work));
-  }
-  ScheduledTask every(Seconds period, std::function<void()> work) override {
-    return clock.every(period, std::move(work));
-  }
-  ScheduledTask inBackground(std::function<void()> work, std::function<void()> finish) override {
-    auto cancelled = std::make_shared<bool>(false);
-    work_ = std::move(work);
-    finish_ = [cancelled, finish = std::move(finish)] {
-      if (!*cancelled) finish();
-    };
-    return ScheduledTask(cancelled);
-  }
-  void finishBackground() {
-    work_();
-    finish_();
-  }
-  VirtualScheduler clock;
-
- private:
-  std::function<void()> work_;
-  std::function<void()> finish_;
-};
-
 struct BackgroundAutoSaveTest : ::testing::Test {
   testing::TemporaryFolder home;
   DiskFileSystem files;
-  ManualBackground scheduler;
+  testing::ManualBackground scheduler;
   QueuedDialogs dialogs;
   MemoryUserDefaults defaults;
   AppSettings settings{defaults, files, home / "Documents"};

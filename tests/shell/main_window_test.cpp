@@ -325,6 +325,15 @@ TEST_F(MainWindowTest, everyControlHasARoleAndAName) {
   auto* list = QAccessible::queryAccessibleInterface(find<QAbstractItemView>(window, "leftNav.entities"));
   ASSERT_EQ(list->childCount(), 1);
   EXPECT_EQ(list->child(0)->text(QAccessible::Name), "Wall 1 (W2-INT)");
+  EXPECT_EQ(list->child(0)->role(), QAccessible::ListItem);
+  EXPECT_TRUE(list->child(0)->state().selected) << "a wall that was drawn is selected";
+  sketch.clearSelection();
+  EXPECT_FALSE(list->child(0)->state().selected);
+  list->child(0)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+  EXPECT_EQ(sketch.selectedEntityIDs->size(), 1U);
+  EXPECT_EQ(list->indexOfChild(list->child(0)), 0);
+  EXPECT_EQ(list->childAt(list->child(0)->rect().center().x(), list->child(0)->rect().center().y()),
+            list->child(0));
   auto* lines = QAccessible::queryAccessibleInterface(find<QAbstractItemView>(window, "console.transcript"));
   EXPECT_TRUE(
       lines->child(lines->childCount() - 1)->text(QAccessible::Name).startsWith("Error: Unknown command"));

@@ -1,0 +1,98 @@
+#include "app/document_opener.h"
+
+#include <optional>
+#include <utility>
+
+#include "documents/document_reading.h"
+#include "documents/document_store.h"
+
+namespace ostrelon {
+namespace {
+
+/// Bytes above which a document is read away from the main thread.
+constexpr std::uint64_t kLargeDocument = 2 << 20;
+/// Work that takes longer is told.
+constexpr Seconds kLongWork(0.3);
+
+/// What would be lost if a document took the place of the present one.
+constexpr FieldMask kContent = fieldMask(SketchField::entities, SketchField::wallSystemSpecs);
+
+}  // namespace
+
+struct DocumentOpener::Opening {
+  explicit Opening(const FilePath& url) : reading(url), name(url.stem().string()) {}
+
+  std::string toast() const { return "Opening " + name + "…"; }
+
+  DocumentReading reading;
+  std::string name;
+  std::optional<std::string> failure;
+  bool hasContentChanged = false;  // since the opening began
+  Subscription changes;
+};
+
+void DocumentOpener::open(const FilePath& url) {
+  giveUp();
+  const auto info = settings_.files().info(url);
+  if (inBackground_ && info && info->size > kLargeDocument) {
+    openInBackground(url);
+  } else {
+    openDocument(sketch_, settings_, url);
+  }
+}
+
+void DocumentOpener::giveUp() {
+  if (!opening_) return;
+  task_.cancel();
+  clearToast();
+  sketch_.appendConsoleLine("Stopped opening " + opening_->name + ".", false, true);
+  opening_.reset();
+}
+
+void DocumentOpener::openInBackground(const FilePath& url) {
+  try {
+    opening_ = std::make_shared<Opening>(url);
+  } catch (const UserError& error) {
+    reportOpenFailed(sketch_, error.what());
+    return;
+  }
+  opening_->changes = sketch_.observe(
+      kContent, [opening = opening_.get()](const SketchChange&) { opening->hasContentChanged = true; });
+  Scheduler& scheduler = sketch_.host().scheduler;
+  toastTask_ = scheduler.after(
+      kLongWork, [this] { sketch_.showDocumentToast(opening_->toast(), DocumentToastState::Style::saving); });
+  FileSystem& files = settings_.files();
+  task_ = scheduler.inBackground(
+      [opening = opening_, &files] {
+        try {
+          opening->reading.read(files);
+        } catch (const std::exception& error) {
+          opening->failure = error.what();
+        }
+      },
+      [this, opening = opening_] { finish(opening); });
+}
+
+void DocumentOpener::finish(const std::shared_ptr<Opening>& opening) {
+  opening->changes = {};
+  clearToast();
+  opening_.reset();
+  if (opening->failure) {
+    reportOpenFailed(sketch_, *opening->failure);
+    return;
+  }
+  const auto takeOver = [this, opening] { finishOpening(sketch_, settings_, opening->reading); };
+  if (opening->hasContentChanged) {
+    question_.beforeReplacing(takeOver);
+  } else {
+    takeOver();
+  }
+}
+
+void DocumentOpener::clearToast() {
+  toastTask_.cancel();
+  const auto& toast = *sketch_.documentToast;
+  if (toast && toast->message == opening_->toast()) sketch_.clearDocumentToast();
+}
+
+}  // namespace ostrelon

@@ -1,0 +1,98 @@
+#include "app/document_opener.h"
+
+#include <gmock/gmock.h>
+
+#include "support/manual_background.h"
+#include "support/test_application.h"
+
+namespace ostrelon {
+namespace {
+
+using ::testing::SizeIs;
+using ::testing::StartsWith;
+
+// The program over a scheduler whose background work ends when the test says so.
+struct DocumentOpenerTest : ::testing::Test, testing::TestApplication {
+  testing::ManualBackground background;
+  Application program{{.host = {background, dialogs, files},
+                       .defaults = defaults,
+                       .updateClient = client,
+                       .openInstaller = {}},
+                      backgroundOptions()};
+  SketchViewModel& open = program.sketch();
+  FilePath large = home / "Large.ostrel";
+
+  ApplicationOptions backgroundOptions() const {
+    ApplicationOptions all = options();
+    all.opensInBackground = true;
+    return all;
+  }
+  void SetUp() override {
+    std::vector<SketchEntity> many;
+    for (int i = 0; i < 80'000; ++i) many.push_back(LineEntity{UUID::random(), {0.5 + i, 0}, {1.25 + i, 0}});
+    sketch.restoreSnapshot(EntityList(std::move(many)));
+    sketch.saveDocumentFile(large);
+  }
+  void draw() { open.addLine({0, 0}, {4, 0}); }
+  std::string lastText() const { return program.sketch().consoleLines->back().text; }
+};
+
+TEST_F(DocumentOpenerTest, aLargeDocumentComesWhenItHasBeenReadAndSaysSoWhereThatTakesLong) {
+  program.openDocumentAt(large);
+  EXPECT_THAT(*open.entities, SizeIs(0)) << "nothing has come yet";
+  background.clock.advance(Seconds(0.2));
+  EXPECT_FALSE(open.documentToast->has_value());
+  background.clock.advance(Seconds(0.2));
+  ASSERT_TRUE(open.documentToast->has_value());
+  EXPECT_EQ(open.documentToast->value().message, "Opening Large…");
+  background.finishBackground();
+  EXPECT_FALSE(open.documentToast->has_value());
+  EXPECT_THAT(*open.entities, SizeIs(80'000));
+  EXPECT_EQ(lastText(), "Opened Large.");
+  EXPECT_FALSE(*open.isDocumentDirty);
+}
+
+TEST_F(DocumentOpenerTest, whatIsChangedMeanwhileIsAskedAbout) {
+  program.openDocumentAt(large);
+  draw();
+  background.finishBackground();
+  EXPECT_THAT(dialogs.asked(), SizeIs(1));
+  EXPECT_THAT(*open.entities, SizeIs(1)) << "a cancelled question keeps what was drawn";
+
+  dialogs.queue("Don't Save");
+  program.openDocumentAt(large);
+  background.finishBackground();
+  EXPECT_THAT(dialogs.asked(), SizeIs(2)) << "asked about once where nothing has changed since";
+  EXPECT_THAT(*open.entities, SizeIs(80'000));
+}
+
+TEST_F(DocumentOpenerTest, aFileThatCannotBeReadLeavesTheDocumentAlone) {
+  draw();
+  testing::writeBytes(large, std::string(5 << 20, ' '));
+  dialogs.queue("Don't Save");
+  program.openDocumentAt(large);
+  background.finishBackground();
+  EXPECT_THAT(lastText(), StartsWith("Open failed: "));
+  EXPECT_THAT(*open.entities, SizeIs(1));
+  EXPECT_TRUE(*open.isDocumentDirty);
+}
+
+TEST_F(DocumentOpenerTest, aLaterCommandTakesItsPlace) {
+  program.openDocumentAt(large);
+  background.clock.advance(Seconds(0.4));
+  program.newDocument();
+  EXPECT_FALSE(open.documentToast->has_value());
+  draw();
+  background.finishBackground();
+  EXPECT_THAT(*open.entities, SizeIs(1));
+  EXPECT_THAT(dialogs.asked(), SizeIs(0));
+}
+
+TEST_F(DocumentOpenerTest, withoutBackgroundEverythingHasHappenedWhenTheCallReturns) {
+  application.openDocumentAt(large);
+  EXPECT_THAT(*sketch.entities, SizeIs(80'000));
+  EXPECT_EQ(lastLine().text, "Opened Large.");
+}
+
+}  // namespace
+}  // namespace ostrelon
