@@ -109,7 +109,8 @@ void ToastView::setAnchor(QPoint bottomMiddle, int canvasWidth) {
 
 void ToastView::place() {
   if (!toast_) return;
-  const int words = QFontMetrics(fontOf(TextStyle::control)).horizontalAdvance(qtText(toast_->message));
+  // Painted words may be a fraction wider than measured ones; what fits is never cut short.
+  const int words = QFontMetrics(fontOf(TextStyle::control)).horizontalAdvance(qtText(toast_->message)) + 2;
   const int width = std::clamp(words + 16 + 12 + 2 * 14, 120, std::max(120, room_));
   const int reach = shadowReach(2);
   const double shown = slide_.state() == QAbstractAnimation::Running ? slide_.currentValue().toDouble() : 1.0;

@@ -14,8 +14,11 @@ QDateTime localTime(Date date) {
 QString dayText(const QDateTime& time) {
   return QLocale(QLocale::English).toString(time.date(), QStringLiteral("d MMM yyyy"));
 }
+// Hours and minutes. Where the desktop names no language the short format would have seconds.
 QString hourText(const QDateTime& time) {
-  return QLocale::system().toString(time.time(), QLocale::ShortFormat);
+  const QLocale system = QLocale::system();
+  return system.language() == QLocale::C ? time.time().toString(QStringLiteral("HH:mm"))
+                                         : system.toString(time.time(), QLocale::ShortFormat);
 }
 
 }  // namespace

@@ -170,7 +170,8 @@ QWidget* EntityInspectorView::makeOnePage() {
   lengthColumns->addWidget(apply);
   column->addWidget(lengthRow_);
   const auto applyLength = [this] {
-    applyInspectorLength(sketch_, plainText(lengthField_->text()));
+    // What was refused stays, to be put right.
+    if (!applyInspectorLength(sketch_, plainText(lengthField_->text()))) return;
     if (const SketchEntity* entity = sketch_.selectedEntity()) {
       lengthField_->setText(qtText(inspectorLengthText(*entity)));
     }

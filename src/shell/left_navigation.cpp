@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 #include <QPainter>
+#include <algorithm>
 
 #include "shell/qt_text.h"
 
@@ -117,7 +118,8 @@ class EntityRowsView final : public RowsView {
 
   void paintRow(QPainter& painter, const QRect& box, int row, bool isHovered) override {
     const bool isSelected = model_.isSelected(row);
-    const QRect inner = box.adjusted(kInset, 0, -1, 0);
+    QRect inner = box.adjusted(kInset, 0, -1, 0);
+    inner.setRight(std::min(inner.right(), width() - kInset));
     if (isSelected || isHovered) paintBox(painter, inner, 4, theme().muted(), QColor());
     if (isSelected) {
       painter.fillRect(QRect(inner.left(), box.top() + 5, 2, 16), theme().active());

@@ -1,61 +1,17 @@
 // The window of preferences: updates, appearance, auto-save, and the projects folder.
 #pragma once
 
-#include <QProgressBar>
-#include <QRadioButton>
-#include <QSpinBox>
 #include <functional>
 #include <vector>
 
 #include "app/application.h"
 #include "shell/controls.h"
+#include "shell/settings_controls.h"
 
 class QVBoxLayout;
 class QScrollArea;
 
 namespace ostrelon {
-
-/// A small board in the colours of a theme, with its name below.
-class ThemeCard final : public QRadioButton {
- public:
-  ThemeCard(Theme& theme, AppearanceMode mode, QWidget* parent = nullptr);
-  AppearanceMode mode() const { return mode_; }
-  QSize sizeHint() const override { return {120, 108}; }
-
- protected:
-  void paintEvent(QPaintEvent* event) override;
-  void keyPressEvent(QKeyEvent* event) override;
-  bool hitButton(const QPoint& position) const override { return rect().contains(position); }
-
- private:
-  Theme& theme_;
-  AppearanceMode mode_;
-};
-
-/// A number between a minus and a plus.
-class Stepper final : public QWidget {
-  Q_OBJECT
-
- public:
-  Stepper(Theme& theme, int least, int most, const QString& suffix, QWidget* parent = nullptr);
-  int value() const { return field_->value(); }
-  void setValue(int value);
-  QSpinBox* field() { return field_; }
-
- Q_SIGNALS:
-  void changed(int value);
-
- protected:
-  void paintEvent(QPaintEvent* event) override;
-
- private:
-  void stepBy(int steps);
-
-  Theme& theme_;
-  Button* minus_;
-  QSpinBox* field_;
-  Button* plus_;
-};
 
 class AppSettingsView final : public QWidget {
   Q_OBJECT
@@ -121,8 +77,11 @@ class SettingsWindow final : public QWidget {
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
+  bool eventFilter(QObject* object, QEvent* event) override;
 
  private:
+  void fitContent();
+
   QScrollArea* scroll_;
   AppSettingsView* view_;
 };

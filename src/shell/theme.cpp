@@ -29,6 +29,8 @@ constexpr int kMenuItemPadding = 10;
 constexpr int kMenuMinimumWidth = 200;
 constexpr int kMenuCheckWidth = 24;
 constexpr int kMenuRadius = 10;
+constexpr int kMenuPadding = 4;
+constexpr int kSubmenuGap = 3;
 constexpr int kHaloWidth = 3;
 
 // Fusion with our menus, and without focus rectangles: the halo shows the focus.
@@ -45,9 +47,9 @@ class BaseStyle final : public QProxyStyle {
         return 0;
       case PM_MenuHMargin:
       case PM_MenuVMargin:
-        return 4;
+        return kMenuPadding;
       case PM_SubMenuOverlap:
-        return -3;
+        return kMenuPadding + kSubmenuGap;  // counted from the end of the row
       case PM_ButtonShiftHorizontal:
       case PM_ButtonShiftVertical:
         return 0;
@@ -77,6 +79,8 @@ class BaseStyle final : public QProxyStyle {
     if (element == PE_FrameFocusRect) return;
     if (element == PE_PanelMenu) {
       painter->save();
+      // What the mask leaves of the corners has the colour of the outline.
+      if (widget != nullptr && !widget->mask().isEmpty()) painter->fillRect(option->rect, theme_.border());
       painter->setRenderHint(QPainter::Antialiasing);
       paintBox(*painter, option->rect, kMenuRadius, theme_.card(), theme_.border());
       painter->restore();

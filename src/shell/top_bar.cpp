@@ -13,6 +13,7 @@ namespace {
 constexpr int kGap = 8;
 constexpr int kDot = 7;
 constexpr int kBranchIcon = 14;
+constexpr int kBranchGap = 6;
 constexpr int kTightWidth = 800;
 
 // A button of the bar: its title, its key, and the menu command that it stands for.
@@ -41,13 +42,19 @@ void DocumentTitle::setDocument(const QString& name, bool isEdited, const QStrin
   isEdited_ = isEdited;
   branch_ = branch;
   setAccessibleName(QStringLiteral("%1%2, branch %3").arg(name, isEdited ? ", edited" : "", branch));
-  setToolTip(isEdited ? name + QStringLiteral(" — edited") : name);
+  setToolTip(QStringLiteral("%1%2\nBranch %3").arg(name, isEdited ? " — edited" : "", branch));
+  update();
+}
+
+void DocumentTitle::setBranchShown(bool shown) {
+  isBranchShown_ = shown;
   update();
 }
 
 int DocumentTitle::fixedWidth() const {
-  int width = kGap + QFontMetrics(fontOf(TextStyle::body)).horizontalAdvance(u'·') + kGap + kBranchIcon + 6 +
-              QFontMetrics(fontOf(TextStyle::body)).horizontalAdvance(branch_);
+  const QFontMetrics body(fontOf(TextStyle::body));
+  int width = kGap + body.horizontalAdvance(u'·') + kGap + kBranchIcon;
+  if (isBranchShown_) width += kBranchGap + body.horizontalAdvance(branch_);
   if (isEdited_) width += kGap + kDot;
   return width;
 }
@@ -83,8 +90,8 @@ void DocumentTitle::paintEvent(QPaintEvent* /*event*/) {
   x += kGap;
   paintIcon(painter, Icon::branch, QRectF(x, 0, kBranchIcon, height()), kBranchIcon,
             theme_.secondaryOnCard());
-  x += kBranchIcon + 6;
-  drawWords(branch_, theme_.secondaryOnCard());
+  x += kBranchIcon + kBranchGap;
+  if (isBranchShown_) drawWords(branch_, theme_.secondaryOnCard());
 }
 
 TopMenuBarView::TopMenuBarView(Application& application, Theme& theme, QWidget* parent)
@@ -110,6 +117,7 @@ TopMenuBarView::TopMenuBarView(Application& application, Theme& theme, QWidget* 
     actions_.push_back(button);
   }
   gridSwitch_->setObjectName(QStringLiteral("topMenuBar.grid"));
+  gridSwitch_->setAccessibleName(QStringLiteral("Grid"));
   gridSwitch_->setToolTip(toolTipWithKey(QStringLiteral("Show the grid"), "⌘G"));
   connect(gridSwitch_, &QCheckBox::clicked, this,
           [this](bool checked) { application_.sketch().setShowGrid(checked); });
@@ -127,8 +135,12 @@ void TopMenuBarView::resizeEvent(QResizeEvent* event) {
 }
 
 void TopMenuBarView::place() {
-  // In a very narrow bar the actions stand closer, so that something is left for the name.
-  for (Button* button : actions_) button->setPaddings(width() < kTightWidth ? 5 : 8, 28);
+  // In a very narrow bar the actions stand closer, and the switch and the branch lose their words, so
+  // that something is left for the name.
+  const bool isTight = width() < kTightWidth;
+  for (Button* button : actions_) button->setPaddings(isTight ? 5 : 8, 28);
+  gridSwitch_->setText(isTight ? QString() : QStringLiteral("Grid"));
+  title_->setBranchShown(!isTight);
   const int middle = (kHeight - 1) / 2;
   const QSize menus = menuBar_->sizeHint();
   menuBar_->setGeometry(8, middle - 14, menus.width(), 28);

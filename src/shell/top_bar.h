@@ -14,6 +14,8 @@ class DocumentTitle final : public QLabel {
  public:
   explicit DocumentTitle(Theme& theme, QWidget* parent = nullptr);
   void setDocument(const QString& name, bool isEdited, const QString& branch);
+  /// Without its words the branch is told by its icon, and by the tooltip.
+  void setBranchShown(bool shown);
   QSize sizeHint() const override;
 
  protected:
@@ -26,6 +28,7 @@ class DocumentTitle final : public QLabel {
   QString name_;
   QString branch_;
   bool isEdited_ = false;
+  bool isBranchShown_ = true;
 };
 
 class TopMenuBarView final : public Panel {

@@ -69,7 +69,6 @@ void WindowedProgram::show() {
 
 int runWithWindows(int& argc, char** argv, const WindowStart& start) {
   QApplication::setApplicationName(QStringLiteral("Ostrelon"));
-  QApplication::setApplicationDisplayName(QStringLiteral("Ostrelon"));
   QApplication::setApplicationVersion(QString::fromUtf8(kBuildVersion));
   QApplication::setDesktopFileName(QStringLiteral("org.ostrelon.Ostrelon"));
   QApplication qt(argc, argv);
