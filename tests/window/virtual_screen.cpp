@@ -70,7 +70,7 @@ VirtualScreen::VirtualScreen(int width, int height, const fs::path& folder) : fo
   server_ =
       std::make_unique<Process>(std::vector<std::string>{"sh", "-c",
                                                          "exec Xvfb -displayfd 3 -screen 0 " + size +
-                                                             " -nolisten tcp 3>'" + number.string() + "'"},
+                                                             " -nolisten tcp -noreset 3>'" + number.string() + "'"},
                                 std::vector<std::string>{}, folder / "server.log");
   const bool started =
       eventually([&] { return server_->hasEnded() || readBytes(number).find('\n') != std::string::npos; });
