@@ -63,15 +63,16 @@ AppSettingsView::AppSettingsView(Application& application, Theme& theme,
   refreshSettings();
 }
 
-QVBoxLayout* AppSettingsView::addSection(const QString& title, const QString& identifier, bool isLast) {
+QVBoxLayout* AppSettingsView::addSection(const QString& title, const QString& identifier, bool isLast,
+                                         int outset) {
   auto* section = new QWidget(this);
   section->setObjectName(identifier);
   section->setAccessibleName(title);
   auto* row = new QHBoxLayout(section);
-  row->setContentsMargins(32, 24, 32, 24);
+  row->setContentsMargins(32, 24, 32 - outset, 24);
   row->setSpacing(0);
   auto* heading = new TextLabel(theme_, TextStyle::title, TextLabel::Rank::primary, title, section);
-  heading->setFixedWidth(kTitleColumn);
+  heading->setFixedWidth(kTitleColumn - outset);
   heading->setAlignment(Qt::AlignTop | Qt::AlignLeft);
   row->addWidget(heading, 0, Qt::AlignTop);
   auto* column = new QVBoxLayout;
@@ -189,9 +190,12 @@ void AppSettingsView::makeUpdates() {
 }
 
 void AppSettingsView::makeAppearance() {
-  QVBoxLayout& column =
-      *addSection(QStringLiteral("Appearance"), QStringLiteral("settings.appearance"), false);
-  column.addWidget(new TextLabel(theme_, TextStyle::body, TextLabel::Rank::secondary, "Theme", this));
+  QVBoxLayout& column = *addSection(QStringLiteral("Appearance"), QStringLiteral("settings.appearance"),
+                                    false, ThemeCard::kRing);
+  // The cards have room for the ring of the chosen one; their boards stand flush with the column.
+  auto* label = new TextLabel(theme_, TextStyle::body, TextLabel::Rank::secondary, "Theme", this);
+  label->setContentsMargins(ThemeCard::kRing, 0, 0, 0);
+  column.addWidget(label);
   auto* picker = new QWidget(this);
   picker->setObjectName(QStringLiteral("settings.theme"));
   picker->setAccessibleName(QStringLiteral("Theme"));
@@ -206,11 +210,7 @@ void AppSettingsView::makeAppearance() {
     themeCards_.push_back(card);
   }
   row->addStretch();
-  // The cards have room for the ring of the chosen one; their boards stand flush with the column.
-  auto* flush = new QHBoxLayout;
-  flush->setContentsMargins(-ThemeCard::kRing, 0, -ThemeCard::kRing, 0);
-  flush->addWidget(picker);
-  column.addLayout(flush);
+  column.addWidget(picker);
 }
 
 void AppSettingsView::makeAutoSave() {

@@ -24,7 +24,8 @@ class AppSettingsView final : public QWidget {
                   QWidget* parent = nullptr);
 
  private:
-  QVBoxLayout* addSection(const QString& title, const QString& identifier, bool isLast);
+  /// A row of title and content. The content may reach `outset` px beyond its column on both sides.
+  QVBoxLayout* addSection(const QString& title, const QString& identifier, bool isLast, int outset = 0);
   void makeUpdates();
   void makeAppearance();
   void makeAutoSave();

@@ -5,6 +5,7 @@
 //   ostrelon_pictures --manual FOLDER        the pictures of the manual; docs/make-pictures runs this
 #include <QApplication>
 #include <QDir>
+#include <QLabel>
 #include <QMenu>
 #include <QThread>
 #include <cstdio>
@@ -58,9 +59,8 @@ class Studio {
     settle();
     test_.submit("checkpoint Before the walls move");
     sketch().clearDocumentToast();
-    for (const char* line : {"spec use w2-int", "wall 0 20 24 20", "nudge 4"}) test_.submit(line);
-    sketch().zoomToFit(sketch().canvasSize);
-    settle();
+    for (const char* line : {"spec use w2-int", "spec show w2-int"}) test_.submit(line);
+    fillCanvas();
   }
 
   SketchViewModel& sketch() { return test_.sketch; }
@@ -96,7 +96,13 @@ class Studio {
   void resize(int width, int height) {
     window().resize(width, height);
     settle();
+    fillCanvas();
+  }
+  /// The plan as large as a picture likes it, which is larger than a view to work in.
+  void fillCanvas() {
     sketch().zoomToFit(sketch().canvasSize);
+    const SketchSize canvas = sketch().canvasSize;
+    sketch().zoomViewport(1.5, {canvas.width / 2, canvas.height / 2});
     settle();
   }
 
@@ -109,12 +115,10 @@ class Studio {
   std::unique_ptr<WindowedProgram> program_;
 };
 
-/// The first wall, for scenes that need one.
+/// An inner wall with free space beside it, for scenes that need one.
 UUID aWall(SketchViewModel& sketch) {
-  for (const SketchEntity& entity : *sketch.entities) {
-    if (std::holds_alternative<WallEntity>(entity)) return entityID(entity);
-  }
-  return {};
+  constexpr std::size_t number = 18;
+  return entityID((*sketch.entities)[number - 1]);
 }
 
 SketchPoint inView(SketchViewModel& sketch, SketchPoint point) {
@@ -131,9 +135,10 @@ void shootMainWindow(Studio& studio) {
   studio.shoot(studio.window(), "main");
 
   sketch.activateTool(SketchTool::wall);
-  sketch.beginDraft({0, 10});
-  sketch.updateDraft({24, 10});
-  sketch.recordPointer(inView(sketch, {24, 10}));
+  sketch.clearSelection();
+  sketch.beginDraft({-100, -80});
+  sketch.updateDraft({-50, -80});
+  sketch.recordPointer(inView(sketch, {-50, -80}));
   studio.shoot(studio.window(), "drawing");
   sketch.activateSelectTool();
 
@@ -216,7 +221,10 @@ void shootQuestions(Studio& studio) {
 
 void shootSettings(Studio& studio) {
   studio.program().settings().open();
-  studio.shoot(studio.program().settings(), "settings");
+  // The whole page, however small the screen is, and without the test's own temporary folder.
+  auto* page = studio.program().settings().findChild<AppSettingsView*>("settings");
+  page->findChild<QLabel*>("settings.projectsFolderPath")->setText("/home/studio/Documents/Ostrelon");
+  studio.shoot(*page, "settings");
   studio.program().settings().close();
 }
 
@@ -232,7 +240,8 @@ int main(int argc, char** argv) {
     return makeManualPictures(argv[2]) ? 0 : 1;
   }
   if (argc != 3) {
-    std::fprintf(stderr, "Usage: ostrelon_pictures FOLDER CONSOLE-LINES\n       ostrelon_pictures --manual FOLDER\n");
+    std::fprintf(stderr,
+                 "Usage: ostrelon_pictures FOLDER CONSOLE-LINES\n       ostrelon_pictures --manual FOLDER\n");
     return 2;
   }
   QDir().mkpath(argv[1]);
