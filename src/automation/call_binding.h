@@ -60,7 +60,7 @@ template <class... Parameters, class Function, std::size_t... Positions>
 Json callWith(AutomationSession& session, const Json& arguments, const Function& function,
               std::index_sequence<Positions...>) {
   if (arguments.size() > sizeof...(Parameters)) {
-    throw ArgumentError("There are " + std::to_string(arguments.size()) + " arguments where at most " +
+    throw ArgumentError("Too many arguments: " + std::to_string(arguments.size()) + " where at most " +
                         std::to_string(sizeof...(Parameters)) + " are expected.");
   }
   std::tuple<typename Held<Parameters>::Type...> held{

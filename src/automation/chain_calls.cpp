@@ -59,18 +59,70 @@ Json parsedChain(AutomationSession& session, const std::string& text) {
   return commands;
 }
 
-Json parsedSegment(AutomationSession& session, const std::vector<std::string>& tokens) {
+// What a chain that begins now is checked against.
+ChainValidationState stateOfDocument(const SketchViewModel& sketch) {
+  return {&sketch, sketch.entities, sketch.selectedEntityIDs, sketch.activeWallSystemSpecID};
+}
+
+Json parsedSegment(AutomationSession& session, const std::vector<std::string>& tokens,
+                   const std::optional<ChainValidationState>& state) {
   if (tokens.empty()) throw ArgumentError("Argument 1: expected at least one word.");
-  const SketchViewModel& sketch = session.sketch();
-  const ChainParseResult result = parseChainSegment(
-      tokens, {&sketch, sketch.entities, sketch.selectedEntityIDs, sketch.activeWallSystemSpecID});
+  const ChainParseResult result =
+      parseChainSegment(tokens, state ? *state : stateOfDocument(session.sketch()));
   if (const auto* failure = std::get_if<ChainFailure>(&result)) {
     return {{"case", "failure"}, {"message", failure->message}};
   }
   return {{"case", "success"}, {"command", commandToJson(std::get<ChainCommand>(result))}};
 }
 
+// The state that the command leaves behind.
+Json advancedState(AutomationSession& session, const ChainCommand& command,
+                   const std::optional<ChainValidationState>& before) {
+  ChainValidationState state = before ? *before : stateOfDocument(session.sketch());
+  applyToValidationState(command, state);
+  return {{"entities", toJson(state.entities)},
+          {"selectedEntityIDs", toJson(state.selectedEntityIDs)},
+          {"activeWallSystemSpecID", toJson(state.activeWallSystemSpecID)}};
+}
+
 }  // namespace
+
+template <>
+ChainCommand Reader<ChainCommand>::read(const Json& json, const ReadContext& context) {
+  if (!json.is_object()) throw ArgumentError("expected a command of a chain");
+  const auto kind = Reader<std::string>::read(memberOf(json, "case"), context);
+  const auto point = [&](const char* name) {
+    return Reader<SketchPoint>::read(memberOf(json, name), context);
+  };
+  const auto id = [&](const char* name) { return Reader<UUID>::read(memberOf(json, name), context); };
+  if (kind == "line") return ChainLine{point("from"), point("to")};
+  if (kind == "wall") return ChainWall{point("from"), point("to"), id("systemSpecID")};
+  if (kind == "circle") {
+    return ChainCircle{point("center"), Reader<double>::read(memberOf(json, "radius"), context)};
+  }
+  if (kind == "rectangle") {
+    return ChainRectangle{point("origin"), Reader<SketchSize>::read(memberOf(json, "size"), context)};
+  }
+  if (kind == "select") {
+    return ChainSelect{Reader<std::vector<std::int64_t>>::read(memberOf(json, "indices"), context)};
+  }
+  if (kind == "assign") return ChainAssign{id("specID")};
+  if (kind == "specUse") return ChainSpecUse{id("specID")};
+  if (kind == "specShow") {
+    return ChainSpecShow{Reader<std::optional<std::string>>::read(memberOf(json, "name"), context)};
+  }
+  if (kind == "specList") return ChainSpecList{};
+  throw ArgumentError(
+      "case: expected line, wall, circle, rectangle, select, assign, specUse, specShow or specList");
+}
+
+template <>
+ChainValidationState Reader<ChainValidationState>::read(const Json& json, const ReadContext& context) {
+  if (!json.is_object()) throw ArgumentError("expected the state that a chain is checked against");
+  return {&context.sketch, Reader<EntityList>::read(memberOf(json, "entities"), context),
+          Reader<std::unordered_set<UUID>>::read(memberOf(json, "selectedEntityIDs"), context),
+          Reader<UUID>::read(memberOf(json, "activeWallSystemSpecID"), context)};
+}
 
 template <>
 ChainExecutionContext Reader<ChainExecutionContext>::read(const Json& json, const ReadContext& context) {
@@ -96,10 +148,19 @@ void addChainCalls(CallTable& table) {
       [](AutomationSession& session, const std::string& text) { return runChain(text, session.sketch()); });
   table["parseChain"] = sessionCall(
       [](AutomationSession& session, const std::string& text) { return parsedChain(session, text); });
-  table["parseChainSegment"] =
-      sessionCall([](AutomationSession& session, const std::vector<std::string>& tokens) {
-        return parsedSegment(session, tokens);
-      });
+  table["parseChainSegment"] = sessionCall(
+      [](AutomationSession& session, const std::vector<std::string>& tokens,
+         const std::optional<ChainValidationState>& state) { return parsedSegment(session, tokens, state); });
+  table["applyToValidationState"] = sessionCall([](AutomationSession& session, const ChainCommand& command,
+                                                   const std::optional<ChainValidationState>& state) {
+    return advancedState(session, command, state);
+  });
+  // By itself, outside a chain, a command takes the undo steps of what it does.
+  table["executeChainCommand"] = sessionCall([](AutomationSession& session, const ChainCommand& command,
+                                                const std::optional<ChainExecutionContext>& context) {
+    ChainExecutionContext counters = context.value_or(ChainExecutionContext());
+    return executeChainCommand(command, counters, session.sketch());
+  });
   table["chainSummary"] =
       sessionCall([](AutomationSession&, const ChainExecutionContext& counters, std::int64_t count) {
         return chainSummary(counters, static_cast<std::size_t>(std::max<std::int64_t>(count, 0)));

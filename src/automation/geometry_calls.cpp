@@ -14,9 +14,24 @@ Call trimCall(TrimGeometry (*trim)(const SketchEntity& target, const SketchEntit
     if (!(std::holds_alternative<Targets>(target) || ...)) {
       throw ArgumentError(std::string("Argument 1: expected ") + kind + ".");
     }
-    if (!isTrimmable(cutter)) throw ArgumentError("Argument 2: a polygon cuts nothing.");
     return trim(target, cutter, point);
   });
+}
+
+bool isPoint(const Json& json) { return json.is_array() && json.size() == 2 && json[0].is_number(); }
+
+// An operation on segments, which also takes each segment as its two ends one after the other.
+template <class Function>
+Call segmentCall(Function function) {
+  return [call = sessionCall(function)](AutomationSession& session, const Json& arguments) {
+    Json folded = Json::array();
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+      const bool isPair = i + 1 < arguments.size() && isPoint(arguments[i]) && isPoint(arguments[i + 1]);
+      folded.push_back(isPair ? Json::array({arguments[i], arguments[i + 1]}) : arguments[i]);
+      if (isPair) ++i;
+    }
+    return call(session, folded);
+  };
 }
 
 }  // namespace
@@ -74,10 +89,16 @@ void addGeometryCalls(CallTable& table) {
   table["cuttingSegments"] = functionCall(cuttingSegments);
   table["rectangleCorners"] = functionCall(rectangleCorners);
   table["segmentCircleIntersections"] =
-      sessionCall([](AutomationSession&, const Segment& segment, SketchPoint center, double radius) {
+      segmentCall([](AutomationSession&, const Segment& segment, SketchPoint center, double radius) {
         return segmentCircleIntersections(segment.first, segment.second, center, radius);
       });
   table["arcContainingPoint"] = functionCall(arcContainingPoint);
+  table["keptArc"] = sessionCall([](AutomationSession&, SketchPoint center, double radius, double a, double b,
+                                    double p) { return keptArc(UUID::random(), center, radius, a, b, p); });
+  table["rectangleFromCorners"] = sessionCall(
+      [](AutomationSession&, const std::vector<SketchPoint>& corners) -> std::optional<SketchEntity> {
+        return rectangleFromCorners(corners, UUID::random());
+      });
   table["trimSegment"] = trimCall<LineEntity, WallEntity>(trimSegment, "a line or a wall");
   table["trimCircle"] = trimCall<CircleEntity>(trimCircle, "a circle");
   table["trimArc"] = trimCall<ArcEntity>(trimArc, "an arc");
@@ -87,7 +108,7 @@ void addGeometryCalls(CallTable& table) {
   table["clipPolygonByLine"] = functionCall(clipPolygonByLine);
   table["trimResultMessage"] = functionCall(trimResultMessage);
   table["extendSegmentToBoundary"] =
-      sessionCall([](AutomationSession&, const Segment& segment, const Segment& boundary) {
+      segmentCall([](AutomationSession&, const Segment& segment, const Segment& boundary) {
         return extendSegmentToBoundary(segment.first, segment.second, boundary.first, boundary.second);
       });
 }

@@ -99,12 +99,14 @@ std::optional<Json> parseJson(std::string_view text, std::string& error) {
     error = "The request is nested too deeply.";
     return std::nullopt;
   }
-  Json value = Json::parse(text.begin(), text.end(), nullptr, false);
-  if (value.is_discarded()) {
+  try {
+    return Json::parse(text.begin(), text.end());
+  } catch (const Json::out_of_range&) {
+    error = "The request holds a number that is too large.";
+  } catch (const Json::exception&) {
     error = "The request is not JSON.";
-    return std::nullopt;
   }
-  return value;
+  return std::nullopt;
 }
 
 std::string jsonText(const Json& value) {

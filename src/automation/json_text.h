@@ -14,7 +14,8 @@ using Json = nlohmann::ordered_json;
 /// Deeper nesting than this is refused before it is read.
 inline constexpr int kDeepestJson = 100;
 
-/// Reads one value. Absent, with `error` set to a sentence, when the text is not JSON or too deep.
+/// Reads one value. Absent, with `error` set to a sentence, when the text is not JSON, too deep, or holds a
+/// number beyond those of a double.
 std::optional<Json> parseJson(std::string_view text, std::string& error);
 
 /// One line of valid JSON: numbers as the shortest text that reads back to the same double, null for

@@ -55,10 +55,11 @@ ChainParseResult parseSelect(const Tokens& tokens, const ChainValidationState& /
   return ChainCommand(ChainSelect{std::move(*indices)});
 }
 
-// What the chain made stands behind the entities of the document, which their index finds.
+// What the chain made stands behind the entities of the document, which their index finds; so it is
+// looked for from the end.
 const SketchEntity* findEntity(const UUID& id, const ChainValidationState& state) {
   if (const SketchEntity* found = state.sketch->entity(id)) return found;
-  for (std::size_t i = state.entities.size(); i > state.sketch->entities->size(); --i) {
+  for (std::size_t i = state.entities.size(); i > 0; --i) {
     const SketchEntity& made = state.entities[i - 1];
     if (entityID(made) == id) return &made;
   }

@@ -75,26 +75,18 @@ TrimGeometry trimSegmentByCircle(const SketchEntity& target, const Circle& circl
   return replaced(withSegment(target, a, first.point));
 }
 
-// The common end of cutting circles and arcs: what is left once the arc between two hits goes.
-TrimGeometry keptArc(const UUID& id, const Circle& circle, double a, double b, double p) {
-  const auto [removedStart, removedEnd] = arcContainingPoint(p, a, b);
-  const double keepStart = removedEnd;
-  const double keepEnd = removedStart;
-  const double sweep = normalizedAngle(keepEnd - keepStart);
-  if (sweep <= kGeometryEpsilon) return TrimOutcome(TrimDelete{});
-  if (std::fabs(sweep - kFullTurn) < kFullCircleTolerance) {
-    return replaced(CircleEntity{id, circle.center, circle.radius});
-  }
-  return replaced(ArcEntity{id, circle.center, circle.radius, keepStart, keepEnd});
+// The common end of cutting circles and arcs at two points.
+TrimGeometry keptBetweenHits(const UUID& id, const Circle& circle, const std::vector<SegmentCircleHit>& hits,
+                             SketchPoint point) {
+  return keptArc(id, circle.center, circle.radius, angleFrom(circle.center, hits[0].point),
+                 angleFrom(circle.center, hits[1].point), angleFrom(circle.center, point));
 }
 
 TrimGeometry trimRoundBySegments(const UUID& id, const Circle& target, const SketchEntity& cutter,
                                  SketchPoint point) {
   for (const auto& [from, to] : cuttingSegments(cutter)) {
     const auto hits = segmentCircleIntersections(from, to, target.center, target.radius);
-    if (hits.size() != 2) continue;
-    return keptArc(id, target, angleFrom(target.center, hits[0].point),
-                   angleFrom(target.center, hits[1].point), angleFrom(target.center, point));
+    if (hits.size() == 2) return keptBetweenHits(id, target, hits, point);
   }
   return TrimFailure::noIntersection;
 }
@@ -116,8 +108,7 @@ TrimGeometry trimCircleByCircle(const UUID& id, const Circle& target, const Circ
   const SketchPoint along = SketchPoint{-between.y, between.x} * (std::sqrt(halfChordSquared) / distance);
   const auto hits = segmentCircleIntersections(foot + along, foot - along, target.center, target.radius);
   if (hits.size() != 2) return TrimFailure::noIntersection;
-  return keptArc(id, target, angleFrom(target.center, hits[0].point), angleFrom(target.center, hits[1].point),
-                 angleFrom(target.center, point));
+  return keptBetweenHits(id, target, hits, point);
 }
 
 TrimGeometry trimArcByCircle(const ArcEntity& arc, const Circle& cutter, SketchPoint point) {
@@ -140,22 +131,6 @@ TrimGeometry trimArcByCircle(const ArcEntity& arc, const Circle& cutter, SketchP
     return kept(start, first.point);
   }
   return kept(second.point, end);
-}
-
-// Four corners that are those of an upright rectangle, as that rectangle.
-std::optional<RectangleEntity> rectangleFromCorners(const std::vector<SketchPoint>& corners, const UUID& id) {
-  if (corners.size() != 4) return std::nullopt;
-  const auto [minX, maxX] = std::minmax({corners[0].x, corners[1].x, corners[2].x, corners[3].x});
-  const auto [minY, maxY] = std::minmax({corners[0].y, corners[1].y, corners[2].y, corners[3].y});
-  // Each corner stands once: a triangle that was cut through a corner has four points of two values
-  // of x and two of y as well.
-  for (const SketchPoint& corner :
-       {SketchPoint{minX, minY}, SketchPoint{maxX, minY}, SketchPoint{maxX, maxY}, SketchPoint{minX, maxY}}) {
-    if (std::count(corners.begin(), corners.end(), corner) != 1) return std::nullopt;
-  }
-  const SketchSize size{maxX - minX, maxY - minY};
-  if (!(size.width > kGeometryEpsilon) || !(size.height > kGeometryEpsilon)) return std::nullopt;
-  return RectangleEntity{id, {minX, minY}, size};
 }
 
 TrimGeometry rectangleOutcome(const UUID& id, const std::vector<SketchPoint>& kept) {
@@ -239,13 +214,41 @@ std::pair<double, double> arcContainingPoint(double p, double a, double b) {
   return angleInArcSpan(p, start, end) ? std::pair{start, end} : std::pair{end, start};
 }
 
+TrimOutcome keptArc(const UUID& id, SketchPoint center, double radius, double a, double b, double p) {
+  const auto [removedStart, removedEnd] = arcContainingPoint(p, a, b);
+  const double keepStart = removedEnd;
+  const double keepEnd = removedStart;
+  const double sweep = normalizedAngle(keepEnd - keepStart);
+  if (sweep <= kGeometryEpsilon) return TrimDelete{};
+  if (std::fabs(sweep - kFullTurn) < kFullCircleTolerance) {
+    return TrimReplace{CircleEntity{id, center, radius}};
+  }
+  return TrimReplace{ArcEntity{id, center, radius, keepStart, keepEnd}};
+}
+
+std::optional<RectangleEntity> rectangleFromCorners(const std::vector<SketchPoint>& corners, const UUID& id) {
+  if (corners.size() != 4) return std::nullopt;
+  const auto [minX, maxX] = std::minmax({corners[0].x, corners[1].x, corners[2].x, corners[3].x});
+  const auto [minY, maxY] = std::minmax({corners[0].y, corners[1].y, corners[2].y, corners[3].y});
+  // Each corner stands once: a triangle that was cut through a corner has four points of two values
+  // of x and two of y as well.
+  for (const SketchPoint& corner :
+       {SketchPoint{minX, minY}, SketchPoint{maxX, minY}, SketchPoint{maxX, maxY}, SketchPoint{minX, maxY}}) {
+    if (std::count(corners.begin(), corners.end(), corner) != 1) return std::nullopt;
+  }
+  const SketchSize size{maxX - minX, maxY - minY};
+  if (!(size.width > kGeometryEpsilon) || !(size.height > kGeometryEpsilon)) return std::nullopt;
+  return RectangleEntity{id, {minX, minY}, size};
+}
+
 std::vector<SketchPoint> clipPolygonByLine(const std::vector<SketchPoint>& vertices, const Segment& line,
                                            SketchPoint point) {
   const SketchPoint direction = line.second - line.first;
   const double length = distanceBetween(line.first, line.second);
   // The left normal, turned so that it points away from the point.
   SketchPoint normal = SketchPoint{-direction.y, direction.x} * (1 / length);
-  if (dot(point - line.first, normal) >= 0) normal = normal * -1.0;
+  // The cross product is exact for a point at either end of the line, where the unit normal rounds.
+  if (cross(direction, point - line.first) >= 0) normal = normal * -1.0;
   const auto signedDistance = [&](SketchPoint vertex) { return dot(vertex - line.first, normal); };
   const auto crossing = [&](SketchPoint previous, SketchPoint vertex) {
     const SketchPoint edge = vertex - previous;

@@ -81,6 +81,13 @@ std::vector<SegmentCircleHit> segmentCircleIntersections(SketchPoint a, SketchPo
 /// Of the two arcs between the angles `a` and `b` the one that holds `p`: its start and end, normalised.
 std::pair<double, double> arcContainingPoint(double p, double a, double b);
 
+/// What stays of a circle or arc once the arc between the angles `a` and `b` that holds the angle `p`
+/// goes: nothing, the circle again when just a hair went, or an arc with angles from 0 to the full turn.
+TrimOutcome keptArc(const UUID& id, SketchPoint center, double radius, double a, double b, double p);
+
+/// Four corners of an upright rectangle, in any order, as that rectangle; absent for any other points.
+std::optional<RectangleEntity> rectangleFromCorners(const std::vector<SketchPoint>& corners, const UUID& id);
+
 /// The part of a polygon on the side of an infinite line that does not hold `point` (a point on the
 /// line counts as to the left of its direction). The line must have a length. (One edge of Sutherland
 /// and Hodgman, "Reentrant polygon clipping", 1974.)

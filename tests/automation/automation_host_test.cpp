@@ -77,7 +77,7 @@ TEST_F(Session, RefusesWhatDoesNotFitAndGoesOn) {
   EXPECT_EQ(refusal(R"({"op":"call","name":"addCircle","args":[[0],1]})"),
             "Argument 1: expected a point [x, y].");
   EXPECT_EQ(refusal(R"({"op":"call","name":"undo","args":[1]})"),
-            "There are 1 arguments where at most 0 are expected.");
+            "Too many arguments: 1 where at most 0 are expected.");
   EXPECT_EQ(refusal(R"({"op":"state","fields":["nothing"]})"), "There is no field \"nothing\".");
   EXPECT_EQ(refusal(R"({"op":"time.advance","seconds":-1})"),
             "\"seconds\": expected a number from 0 to 1e8.");

@@ -171,7 +171,7 @@ TEST_F(CallStorm, EveryOperationIsReachedAndRefusalsChangeNothing) {
   drawAfresh();
   learnValues();
   static const std::regex complaint(R"(^Argument (\d+)( is missing|: )(.*))");
-  static const std::regex tooMany("^There are .* arguments where .*");
+  static const std::regex tooMany("^Too many arguments: .*");
   // Values that have silenced a complaint, such as "expected a number."
   std::map<std::string, std::vector<Json>> remedies;
   for (const auto& [name, operation] : callTable()) {
