@@ -154,7 +154,7 @@ std::vector<PicturePage> paperPages(const EntityList& entities, std::span<const 
       layOutPages(box, {.paper = *options.paper, .orientation = options.orientation, .scale = options.scale});
   std::vector<PicturePage> pages;
   for (int i = 0; i < layout.pageCount(); ++i)
-    pages.push_back({layout.page, layout.viewport(i), layout.margin});
+    pages.push_back({layout.page, layout.viewport(i), layout.margin, layout.pageCount() > 1});
   return pages;
 }
 

@@ -67,9 +67,10 @@ void setExportOption(ExportOptions& options, std::string_view name, const std::s
 
 /// One page of a picture.
 struct PicturePage {
-  SketchSize size;          ///< view points; on paper points, 72 to the inch
-  SketchViewport viewport;  ///< from sketch units to those points
-  double margin = 0;        ///< around the part that is painted, in the same unit
+  SketchSize size;            ///< view points; on paper points, 72 to the inch
+  SketchViewport viewport;    ///< from sketch units to those points
+  double margin = 0;          ///< around the part that is painted, in the same unit
+  bool hasNeighbors = false;  ///< one of several sheets: what it shows ends at the margin
 };
 
 /// The pages that a picture of the drawing takes. Throws `PageLayoutError`, and `ExportOptionError`

@@ -292,8 +292,11 @@ PageLayout layOutPages(const std::optional<SketchBox>& drawing, const PageSetup&
   PageLayout best = laidOut(box, setup, setup.orientation == PageOrientation::landscape);
   if (setup.orientation == PageOrientation::automatic) {
     const PageLayout turned = laidOut(box, setup, true);
-    const bool isBetter =
-        setup.scale ? turned.pageCount() < best.pageCount() : turned.pointsPerUnit > best.pointsPerUnit;
+    // Where both ways take as many sheets at the same scale, the sheet lies as the drawing does.
+    const bool isWide = box.maxX - box.minX > box.maxY - box.minY;
+    const bool isBetter = setup.scale ? turned.pageCount() < best.pageCount() ||
+                                            (isWide && turned.pageCount() == best.pageCount())
+                                      : turned.pointsPerUnit > best.pointsPerUnit;
     if (isBetter) best = turned;
   }
   if (best.columns > kMostPages || best.rows > kMostPages || best.pageCount() > kMostPages) {

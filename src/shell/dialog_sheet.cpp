@@ -40,8 +40,11 @@ DialogSheet::DialogSheet(Theme& theme, QWidget& window, int width, int padding)
   hide();
 }
 
-// Deleted while it is open it gives the window back all the same.
-DialogSheet::~DialogSheet() { hide(); }
+// Deleted while it is open it gives the window back all the same, unless the window is what goes: it
+// has let go of its children by then.
+DialogSheet::~DialogSheet() {
+  if (window_.children().contains(this)) hide();
+}
 
 void DialogSheet::hideEvent(QHideEvent* event) {
   QWidget::hideEvent(event);

@@ -6,6 +6,7 @@
 #include <QPdfWriter>
 #include <QRegularExpression>
 #include <QSvgGenerator>
+#include <algorithm>
 #include <cmath>
 
 #include "interaction/canvas_renderer.h"
@@ -24,9 +25,12 @@ bool hasBackground(const ExportOptions& options) {
 
 QRectF pageRect(const PicturePage& page) { return {0, 0, page.size.width, page.size.height}; }
 
-// Everything but the margins.
+// Everything but the margins. A sheet among others ends where the next begins; on one alone the width
+// of a line at the very edge of the drawing may reach out.
 QRectF paintedRect(const PicturePage& page) {
-  return pageRect(page).adjusted(page.margin, page.margin, -page.margin, -page.margin);
+  constexpr double kLineRoom = 2;
+  const double margin = page.hasNeighbors ? page.margin : std::max(0.0, page.margin - kLineRoom);
+  return pageRect(page).adjusted(margin, margin, -margin, -margin);
 }
 
 CanvasFrame frameOf(const PicturePage& page, const ExportOptions& options) {
@@ -146,7 +150,6 @@ void paintPicturePage(QPainter& painter, const PicturePage& page, const EntityLi
   {
     QtCanvasPainter canvas(painter);
     if (hasBackground(options)) paintBackground(canvas, frame);
-    // A sheet among others ends where the next begins.
     if (page.margin > 0) painter.setClipRect(paintedRect(page));
     paintDrawing(canvas, frame, page, entities, systems, options);
   }

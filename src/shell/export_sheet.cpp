@@ -87,7 +87,7 @@ ExportSheet::ExportSheet(Application& application, Theme& theme, QWidget& window
 }
 
 ExportFormat ExportSheet::format() const {
-  return exportFormatOf("." + plainText(kind_->currentData().toString()));
+  return exportFormatOf("drawing." + plainText(kind_->currentData().toString()));
 }
 
 ExportOptions ExportSheet::options() const {
