@@ -70,6 +70,8 @@ TEST_F(Session, RefusesWhatDoesNotFitAndGoesOn) {
   EXPECT_EQ(refusal("[1]"), "The request is not an object.");
   EXPECT_EQ(refusal("\"\xFF\""), "The request is not JSON.");
   EXPECT_EQ(refusal(std::string(5000, '[')), "The request is nested too deeply.");
+  EXPECT_EQ(refusal(R"({"op":"call","name":"gridStep","args":[1e999]})"),
+            "The request holds a number that is too large.");
   EXPECT_EQ(refusal(R"({"op":"fly"})"), "Unknown operation \"fly\".");
   EXPECT_EQ(refusal(R"({"op":"call","name":"fly"})"), "Unknown operation \"fly\".");
   EXPECT_EQ(refusal(R"({"op":"submit"})"), "\"text\": expected a text.");
@@ -100,6 +102,31 @@ TEST_F(Session, CallsTakeEntitiesByValueOrIdentifier) {
   EXPECT_EQ(
       refusal(R"({"op":"call","name":"entityMetrics","args":["0A1B2C3D-4E5F-6071-8293-A4B5C6D7E8F9"]})"),
       "Argument 1: no entity of the document has this identifier.");
+}
+
+TEST_F(Session, SegmentsAreGivenAsPairsOrAsTheirEnds) {
+  EXPECT_EQ(call("extendSegmentToBoundary", "[[[0,0],[1,0]],[[5,-1],[5,1]]]"), Json::parse("[[0,0],[5,0]]"));
+  EXPECT_EQ(call("extendSegmentToBoundary", "[[0,0],[1,0],[5,-1],[5,1]]"), Json::parse("[[0,0],[5,0]]"));
+  const Json hits = Json::parse("[[[-2,0],0.3],[[2,0],0.7]]");
+  EXPECT_EQ(call("segmentCircleIntersections", "[[[-5,0],[5,0]],[0,0],2]"), hits);
+  EXPECT_EQ(call("segmentCircleIntersections", "[[-5,0],[5,0],[0,0],2]"), hits);
+}
+
+TEST_F(Session, ChainsAreCheckedStepByStep) {
+  const auto parsed = [&](const std::string& words, const Json& state) {
+    return call("parseChainSegment", "[" + words + "," + state.dump() + "]");
+  };
+  const std::string assign = R"(["assign","W2-EXT"])";
+  EXPECT_EQ(parsed(assign, nullptr)["message"], "Usage: assign <system>  (select a wall first)");
+  const Json wall = parsed(R"(["wall","0","0","10","0"])", nullptr)["command"];
+  const Json state = call("applyToValidationState", "[" + wall.dump() + "]");
+  EXPECT_EQ(state["entities"].size(), 1u);
+  const Json assigning = parsed(assign, state);
+  EXPECT_EQ(assigning["case"], "success") << "the wall that the chain will have made is selected";
+  EXPECT_EQ(call("executeChainCommand", "[" + assigning["command"].dump() + "]"),
+            "Could not assign system to selection.");
+  EXPECT_EQ(call("executeChainCommand", "[" + wall.dump() + "]"), Json());
+  EXPECT_EQ(result(R"({"op":"state","fields":["entities"]})")["entities"].size(), 1u);
 }
 
 TEST_F(Session, DrawsWithThePointerOnAVirtualClock) {

@@ -253,6 +253,21 @@ TEST(TrimTool, RandomCutsOfRectanglesKeepCornersOnTheFarSideOnly) {
   }
 }
 
+TEST(Trim, APointAtAnEndOfTheCutterLiesToItsLeft) {
+  const auto seed = std::random_device{}();
+  SCOPED_TRACE(seed);
+  testing::RandomDrawing drawing(seed);
+  const std::vector<SketchPoint> square = rectangleCorners({-30, -30}, {60, 60});
+  for (int i = 0; i < 500; ++i) {
+    const Segment cutter{{drawing.number(-20, 20), drawing.number(-20, 20)},
+                         {drawing.number(-20, 20), drawing.number(-20, 20)}};
+    const SketchPoint along = cutter.second - cutter.first;
+    const auto leftGone = clipPolygonByLine(square, cutter, cutter.first + SketchPoint{-along.y, along.x});
+    EXPECT_EQ(clipPolygonByLine(square, cutter, cutter.first), leftGone);
+    EXPECT_EQ(clipPolygonByLine(square, cutter, cutter.second), leftGone);
+  }
+}
+
 TEST(TrimTool, RandomTrimsNeverMoveTheSideTheyKeep) {
   const auto seed = std::random_device{}();
   SCOPED_TRACE(seed);
