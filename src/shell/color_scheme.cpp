@@ -1,6 +1,5 @@
 #include "shell/color_scheme.h"
 
-#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -31,14 +30,16 @@ std::optional<ColorScheme> schemeOf(QVariant value) {
 
 }  // namespace
 
-ColorSchemeWatcher::ColorSchemeWatcher(std::function<void(ColorScheme)> changed, QObject* parent)
+ColorSchemeWatcher::ColorSchemeWatcher(std::function<void(ColorScheme)> changed, QDBusConnection bus,
+                                       QObject* parent)
     : QObject(parent),
       changed_(std::move(changed)),
       fallback_(QGuiApplication::palette().color(QPalette::Window).lightnessF() < 0.5F ? ColorScheme::dark
                                                                                        : ColorScheme::light) {
   changed_(fallback_);
-  QDBusConnection bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) return;
+  // The connection below looks the type up by its name, which nothing before has made known.
+  qRegisterMetaType<QDBusVariant>("QDBusVariant");
   bus.connect(kService, kPath, kInterface, QStringLiteral("SettingChanged"), this,
               SLOT(settingChanged(QString, QString, QDBusVariant)));
   QDBusMessage ask = QDBusMessage::createMethodCall(kService, kPath, kInterface, QStringLiteral("Read"));

@@ -1,6 +1,7 @@
 // Whether the desktop is light or dark, and when it changes: asked of the desktop portal over D-Bus.
 #pragma once
 
+#include <QDBusConnection>
 #include <QDBusVariant>
 #include <QObject>
 #include <functional>
@@ -17,7 +18,8 @@ class ColorSchemeWatcher final : public QObject {
   /// `changed` is called with what the desktop says now and each time it changes. Where there is no
   /// portal, the lightness of the palette that Qt came up with decides; it is looked at before the
   /// program dresses in its own colours.
-  explicit ColorSchemeWatcher(std::function<void(ColorScheme)> changed, QObject* parent = nullptr);
+  explicit ColorSchemeWatcher(std::function<void(ColorScheme)> changed,
+                              QDBusConnection bus = QDBusConnection::sessionBus(), QObject* parent = nullptr);
 
  private Q_SLOTS:
   void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "shell/accessibility.h"
 #include "shell/qt_text.h"
 
 namespace ostrelon {
@@ -55,6 +56,7 @@ ConsoleResizeHandle::ConsoleResizeHandle(Theme& theme, QWidget* parent) : QWidge
   setCursor(Qt::SizeVerCursor);
   setFocusPolicy(Qt::TabFocus);
   setAccessibleName(QStringLiteral("Resize console"));
+  setAccessibleRole(*this, QAccessible::Grip);
   setAccessibleDescription(QStringLiteral("Drag to change console height."));
   connect(&theme, &Theme::changed, this, [this] { update(); });
 }

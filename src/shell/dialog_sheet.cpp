@@ -9,6 +9,8 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "shell/accessibility.h"
+
 namespace ostrelon {
 namespace {
 
@@ -23,6 +25,7 @@ DialogSheet::DialogSheet(Theme& theme, QWidget& window, int width, int padding)
       card_(new QWidget(this)),
       content_(new QVBoxLayout),
       buttons_(new QHBoxLayout) {
+  setAccessibleRole(*this, QAccessible::Dialog);
   setFocusPolicy(Qt::StrongFocus);
   setProperty("noFocusHalo", true);
   auto* column = new QVBoxLayout(card_);

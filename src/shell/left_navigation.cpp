@@ -4,6 +4,9 @@
 #include <QPainter>
 #include <algorithm>
 
+#include "app/shortcut_text.h"
+#include "interaction/key_routing.h"
+#include "shell/accessibility.h"
 #include "shell/qt_text.h"
 
 namespace ostrelon {
@@ -21,6 +24,16 @@ constexpr int kCoordinatesHeight = 92;
 constexpr FieldMask kShownFields =
     fieldMask(SketchField::entities, SketchField::selectedEntityIDs, SketchField::primarySelectedEntityID,
               SketchField::selectedTool, SketchField::wallSystemSpecs);
+
+// The keys that choose a tool, as "Space, S"; empty for most tools.
+QString toolKeys(SketchTool tool) {
+  const std::string title = std::string(displayName(tool)) + " tool";
+  QStringList keys;
+  for (const KeyBinding& binding : keyBindings()) {
+    if (binding.title == title) keys.append(qtText(desktopNotation(binding.keys)));
+  }
+  return keys.join(QStringLiteral(", "));
+}
 
 }  // namespace
 
@@ -79,6 +92,7 @@ void NavToolRow::paintEvent(QPaintEvent* /*event*/) {
 
 OstrelLogoView::OstrelLogoView(Theme& theme, QWidget* parent) : QWidget(parent), theme_(theme) {
   setAccessibleName(QStringLiteral("Ostrelon"));
+  setAccessibleRole(*this, QAccessible::Graphic);
   connect(&theme, &Theme::changed, this, [this] { update(); });
 }
 
@@ -203,7 +217,12 @@ void LeftNavView::setRail(bool rail) {
   logo_->setMarkOnly(rail);
   for (NavToolRow* row : toolRows_) {
     row->setIconOnly(rail);
-    row->setToolTip(rail ? row->text() : QString());
+    const QString keys = toolKeys(row->tool());
+    if (!keys.isEmpty()) {
+      row->setToolTip(QStringLiteral("%1 (%2)").arg(row->text(), keys));
+    } else {
+      row->setToolTip(rail ? row->text() : QString());
+    }
   }
   for (QWidget* widget : {static_cast<QWidget*>(toolsHeading_), static_cast<QWidget*>(entitiesHeading_),
                           static_cast<QWidget*>(coordinatesLine_), static_cast<QWidget*>(coordinatesHeading_),

@@ -16,6 +16,7 @@
 #include <cmath>
 #include <memory>
 
+#include "shell/accessibility.h"
 #include "shell/context_menu_popup.h"
 #include "shell/dialog_sheet.h"
 #include "shell/key_events.h"
@@ -95,6 +96,7 @@ MainWindow::MainWindow(Application& application, Theme& theme, QWidget* parent)
   resize(kDefaultSize);
   canvas_->setObjectName(QStringLiteral("canvas"));
   canvas_->setAccessibleName(QStringLiteral("Drawing"));
+  setAccessibleRole(*canvas_, QAccessible::Canvas);
   canvas_->setProperty("noFocusHalo", true);
   canvas_->setThemePalette(theme.palette());
   connect(&theme, &Theme::changed, this, [this] { canvas_->setThemePalette(theme_.palette()); });

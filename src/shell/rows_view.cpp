@@ -7,12 +7,12 @@
 #include <QScrollBar>
 #include <algorithm>
 
-#include "shell/rows_accessibility.h"
+#include "shell/accessibility.h"
 
 namespace ostrelon {
 
 RowsView::RowsView(Theme& theme, QWidget* parent) : QAbstractItemView(parent), theme_(theme) {
-  installRowsAccessibility();
+  installAccessibility();
   setFrameShape(QFrame::NoFrame);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   setVerticalScrollMode(ScrollPerPixel);

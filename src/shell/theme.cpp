@@ -16,6 +16,7 @@
 #include <QStyleOption>
 #include <cmath>
 
+#include "shell/accessibility.h"
 #include "shell/fonts.h"
 #include "shell/icons.h"
 #include "shell/qt_text.h"
@@ -311,6 +312,7 @@ QColor Theme::scrim() const {
 }
 
 void installBaseStyle(Theme& theme) {
+  installAccessibility();
   QApplication::setStyle(new BaseStyle(theme));
   QApplication::setFont(fontOf(TextStyle::body));
   auto* watcher = new FocusWatcher(theme, &theme);

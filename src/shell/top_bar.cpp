@@ -106,6 +106,7 @@ TopMenuBarView::TopMenuBarView(Application& application, Theme& theme, QWidget* 
                         SketchField::documentHistoryState, SketchField::showGrid),
               this, [this] { refresh(); }) {
   setObjectName(QStringLiteral("topMenuBar"));
+  setAccessibleName(QStringLiteral("Document"));
   for (const MenuBarAction& action : kActions) {
     auto* button = new Button(theme, Button::Kind::plain, qtText(action.title), this);
     button->setObjectName(QStringLiteral("topMenuBar.") + qtText(action.title).toLower());

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "shell/accessibility.h"
 #include "shell/entity_list_model.h"
 #include "shell/qt_text.h"
 
@@ -172,6 +173,7 @@ class WallSystemRowsView final : public RowsView {
 
 WallPreview::WallPreview(Theme& theme, QWidget* parent) : QWidget(parent), theme_(theme) {
   setObjectName(QStringLiteral("wallSystems.preview"));
+  setAccessibleRole(*this, QAccessible::Graphic);
   connect(&theme, &Theme::changed, this, [this] { update(); });
 }
 

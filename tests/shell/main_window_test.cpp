@@ -337,6 +337,9 @@ TEST_F(MainWindowTest, everyControlHasARoleAndAName) {
   auto* lines = QAccessible::queryAccessibleInterface(find<QAbstractItemView>(window, "console.transcript"));
   EXPECT_TRUE(
       lines->child(lines->childCount() - 1)->text(QAccessible::Name).startsWith("Error: Unknown command"));
+  EXPECT_EQ(QAccessible::queryAccessibleInterface(&window)->role(), QAccessible::Window);
+  EXPECT_EQ(QAccessible::queryAccessibleInterface(&window.canvas())->role(), QAccessible::Canvas);
+  EXPECT_EQ(QAccessible::queryAccessibleInterface(&window.navigation())->role(), QAccessible::Grouping);
   auto* status = QAccessible::queryAccessibleInterface(find<QWidget>(window, "canvas.statusBadge"));
   EXPECT_EQ(status->role(), QAccessible::StaticText);
 }

@@ -1,6 +1,5 @@
-#include "shell/rows_accessibility.h"
+#include "shell/accessibility.h"
 
-#include <QAccessible>
 #include <QAccessibleWidget>
 #include <QHash>
 #include <QPersistentModelIndex>
@@ -122,15 +121,41 @@ class RowsAccessible final : public QAccessibleWidget {
   mutable qsizetype forgetAt_ = 256;
 };
 
-QAccessibleInterface* makeRowsAccessible(const QString& className, QObject* object) {
+constexpr const char* kRoleProperty = "accessibleRole";
+
+QAccessible::Role roleOf(const QWidget& widget) {
+  const QVariant told = widget.property(kRoleProperty);
+  if (told.isValid()) return static_cast<QAccessible::Role>(told.toInt());
+  if (widget.windowType() == Qt::Window) return QAccessible::Window;
+  if (widget.windowType() == Qt::Dialog || widget.windowType() == Qt::Tool) return QAccessible::Dialog;
+  return widget.accessibleName().isEmpty() ? QAccessible::Client : QAccessible::Grouping;
+}
+
+// A plain widget. Its role is looked up when it is asked for, since names and roles come after the
+// first question.
+class PlainAccessible final : public QAccessibleWidget {
+ public:
+  explicit PlainAccessible(QWidget& widget) : QAccessibleWidget(&widget) {}
+  QAccessible::Role role() const override { return roleOf(*widget()); }
+};
+
+// Qt asks for each class of an object, the last one first, until somebody answers.
+QAccessibleInterface* makeAccessible(const QString& className, QObject* object) {
   // The lists have no meta-object of their own, so Qt asks for them under their base's name.
-  if (className != QStringLiteral("QAbstractItemView")) return nullptr;
-  auto* rows = dynamic_cast<RowsView*>(object);
-  return rows != nullptr ? new RowsAccessible(*rows) : nullptr;
+  if (className == QStringLiteral("QAbstractItemView")) {
+    auto* rows = dynamic_cast<RowsView*>(object);
+    return rows != nullptr ? new RowsAccessible(*rows) : nullptr;
+  }
+  if (className != QStringLiteral("QWidget")) return nullptr;
+  return new PlainAccessible(*static_cast<QWidget*>(object));
 }
 
 }  // namespace
 
-void installRowsAccessibility() { QAccessible::installFactory(makeRowsAccessible); }
+void installAccessibility() { QAccessible::installFactory(makeAccessible); }
+
+void setAccessibleRole(QWidget& widget, QAccessible::Role role) {
+  widget.setProperty(kRoleProperty, static_cast<int>(role));
+}
 
 }  // namespace ostrelon
