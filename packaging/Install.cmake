@@ -1,6 +1,8 @@
 # `cmake --install build/release`: the program, its entry in the desktop's menus, its document type,
 # icons, manual page and documentation.
 include(GNUInstallDirs)
+# Debian names the folder of the documentation as it names the package.
+set(CMAKE_INSTALL_DOCDIR ${CMAKE_INSTALL_DATAROOTDIR}/doc/ostrelon)
 
 set(OSTRELON_MAINTAINER "Ostrelon Authors <authors@ostrelon.org>" CACHE STRING
     "Who publishes the package, as Name <address>")
@@ -46,6 +48,7 @@ install(FILES ${linux}/application-x-ostrelon.svg DESTINATION ${icons}/mimetypes
 install(FILES ${made}/ostrelon.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES ${linux}/copyright ${made}/changelog.gz ${made}/changelog.Debian.gz
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES ${linux}/lintian-overrides DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides RENAME ostrelon)
 foreach(page manual.md automation.md)
   if(EXISTS ${CMAKE_SOURCE_DIR}/docs/${page})
     install(FILES ${CMAKE_SOURCE_DIR}/docs/${page} DESTINATION ${CMAKE_INSTALL_DOCDIR})

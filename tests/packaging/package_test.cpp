@@ -25,13 +25,17 @@ bool isInstalled(const std::string& program) {
   return std::system(("command -v " + program + " >/dev/null").c_str()) == 0;
 }
 
+std::string missing(const std::string& program) {
+  return "The program " + program + " is missing; ./test installs it from packaging/debian-packages.txt.";
+}
+
 class DebianPackage : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
     folder_ = new testing::TemporaryFolder;
     if (!isInstalled("dpkg-shlibdeps") || !isInstalled("file")) return;
-    const Outcome made =
-        run("cpack --config " OSTRELON_BINARY_DIR "/CPackConfig.cmake -B " + folder_->path().string());
+    const Outcome made = run("timeout 120 cpack --config " OSTRELON_BINARY_DIR "/CPackConfig.cmake -B " +
+                             folder_->path().string());
     log_ = made.output;
     if (made.status != 0) return;
     for (const auto& entry : fs::directory_iterator(folder_->path())) {
@@ -44,8 +48,8 @@ class DebianPackage : public ::testing::Test {
   }
 
   void SetUp() override {
-    if (!isInstalled("dpkg-shlibdeps") || !isInstalled("file"))
-      GTEST_SKIP() << "dpkg-dev or file is not installed";
+    ASSERT_TRUE(isInstalled("dpkg-shlibdeps")) << missing("dpkg-shlibdeps");
+    ASSERT_TRUE(isInstalled("file")) << missing("file");
     ASSERT_FALSE(package_.empty()) << log_;
   }
 
@@ -76,8 +80,9 @@ fs::path DebianPackage::package_;
 std::string DebianPackage::log_;
 
 TEST_F(DebianPackage, hasNothingForLintianToSay) {
-  if (!isInstalled("lintian")) GTEST_SKIP() << "lintian is not installed";
-  const Outcome outcome = run("lintian --allow-root --fail-on error,warning " + package_.string());
+  ASSERT_TRUE(isInstalled("lintian")) << missing("lintian");
+  const Outcome outcome =
+      run("timeout 120 lintian --allow-root --fail-on error,warning " + package_.string());
   EXPECT_EQ(outcome.status, 0) << outcome.output;
 }
 
@@ -89,7 +94,7 @@ TEST_F(DebianPackage, dependsOnWhatTheProgramLoadsAndOnWhatItNames) {
 }
 
 TEST_F(DebianPackage, entersTheMenusOfTheDesktop) {
-  if (!isInstalled("desktop-file-validate")) GTEST_SKIP() << "desktop-file-validate is not installed";
+  ASSERT_TRUE(isInstalled("desktop-file-validate")) << missing("desktop-file-validate");
   const fs::path share = root() / "usr/share";
   const Outcome entry =
       run("desktop-file-validate " + (share / "applications/org.ostrelon.Ostrelon.desktop").string());
@@ -99,14 +104,14 @@ TEST_F(DebianPackage, entersTheMenusOfTheDesktop) {
 }
 
 TEST_F(DebianPackage, tellsTheSoftwareCentreOfItself) {
-  if (!isInstalled("appstreamcli")) GTEST_SKIP() << "appstreamcli is not installed";
+  ASSERT_TRUE(isInstalled("appstreamcli")) << missing("appstreamcli");
   const Outcome outcome = run("appstreamcli validate --no-net " +
                               (root() / "usr/share/metainfo/org.ostrelon.Ostrelon.metainfo.xml").string());
   EXPECT_EQ(outcome.status, 0) << outcome.output;
 }
 
 TEST_F(DebianPackage, givesDocumentsAType) {
-  if (!isInstalled("update-mime-database")) GTEST_SKIP() << "update-mime-database is not installed";
+  ASSERT_TRUE(isInstalled("update-mime-database")) << missing("update-mime-database");
   const fs::path mime = root() / "usr/share/mime";
   const Outcome outcome = run("update-mime-database " + mime.string());
   EXPECT_EQ(outcome.status, 0) << outcome.output;
@@ -116,7 +121,7 @@ TEST_F(DebianPackage, givesDocumentsAType) {
 }
 
 TEST_F(DebianPackage, hasAManualPageThatCanBeRead) {
-  if (!isInstalled("man")) GTEST_SKIP() << "man is not installed";
+  ASSERT_TRUE(isInstalled("man")) << missing("man");
   const Outcome page = run("MANROFFSEQ= LC_ALL=C.UTF-8 MANWIDTH=100 man --warnings -E UTF-8 -l " +
                            (root() / "usr/share/man/man1/ostrelon.1.gz").string());
   EXPECT_EQ(page.status, 0);
@@ -154,8 +159,8 @@ TEST_F(DebianPackage, installsIntoARootOfItsOwnRunsThereAndGoesWithoutATrace) {
 
 // What a double click in the file manager does: the entry's command, with the document in it.
 TEST_F(DebianPackage, opensTheDocumentThatIsDoubleClicked) {
-  if (!isInstalled("xvfb-run")) GTEST_SKIP() << "xvfb-run is not installed";
-  if (!isInstalled("xdotool")) GTEST_SKIP() << "xdotool is not installed";
+  ASSERT_TRUE(isInstalled("xvfb-run")) << missing("xvfb-run");
+  ASSERT_TRUE(isInstalled("xdotool")) << missing("xdotool");
   const std::string entry =
       testing::readBytes(root() / "usr/share/applications/org.ostrelon.Ostrelon.desktop");
   std::smatch match;
