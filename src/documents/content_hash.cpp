@@ -1,5 +1,6 @@
 #include "documents/content_hash.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -13,29 +14,34 @@ std::uint64_t mixed(std::uint64_t state, std::uint64_t word) {
 
 }  // namespace
 
+void ContentHash::addBlock(const char* block) {
+  std::array<std::uint64_t, kLanes> words{};
+  std::memcpy(words.data(), block, kBlock);
+  for (std::size_t lane = 0; lane < kLanes; ++lane) lanes_[lane] = mixed(lanes_[lane], words[lane]);
+}
+
 void ContentHash::add(std::string_view bytes) {
-  std::size_t at = 0;
-  while (at < bytes.size() && length_ % 8 != 0) {
-    waiting_ |= static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[at++])) << (8 * (length_ % 8));
-    if (++length_ % 8 == 0) {
-      state_ = mixed(state_, waiting_);
-      waiting_ = 0;
-    }
+  if (bytes.empty()) return;
+  const std::size_t held = length_ % kBlock;
+  length_ += bytes.size();
+  if (held > 0) {
+    const std::size_t taken = std::min(kBlock - held, bytes.size());
+    std::memcpy(waiting_.data() + held, bytes.data(), taken);
+    bytes.remove_prefix(taken);
+    if (held + taken < kBlock) return;
+    addBlock(waiting_.data());
   }
-  for (; at + 8 <= bytes.size(); at += 8) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, bytes.data() + at, 8);
-    if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
-    state_ = mixed(state_, word);
-    length_ += 8;
-  }
-  for (; at < bytes.size(); ++at, ++length_) {
-    waiting_ |= static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[at])) << (8 * (length_ % 8));
-  }
+  for (; bytes.size() >= kBlock; bytes.remove_prefix(kBlock)) addBlock(bytes.data());
+  std::copy(bytes.begin(), bytes.end(), waiting_.begin());
 }
 
 std::uint64_t ContentHash::value() const {
-  std::uint64_t result = mixed(mixed(state_, waiting_), length_);
+  ContentHash ended = *this;
+  const std::size_t held = length_ % kBlock;
+  std::fill(ended.waiting_.begin() + static_cast<std::ptrdiff_t>(held), ended.waiting_.end(), '\0');
+  ended.addBlock(ended.waiting_.data());
+  std::uint64_t result = length_;
+  for (const std::uint64_t lane : ended.lanes_) result = mixed(result, lane);
   result ^= result >> 32;
   return result * 0xD6E8FEB86659FD93ULL;
 }

@@ -1,7 +1,9 @@
 #include "documents/entity_rows.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
+#include <utility>
 
 namespace ostrelon {
 namespace {
@@ -9,6 +11,8 @@ namespace {
 // Tag and identifier: ["L","8E11…  The parser's padding makes so many bytes readable anywhere.
 constexpr std::size_t kRowBeginning = 42;
 constexpr std::size_t kSmallestPolygon = 6;  // numbers
+// States of a chunk that are kept in mind: a step that changed it may have come between two that did not.
+constexpr std::size_t kKnownStates = 4;
 
 }  // namespace
 
@@ -26,7 +30,7 @@ EntityList EntityRows::readList(Value& value, const JsonPlace& place) {
     building->shrink_to_fit();
     if (sharesChunks_) {
       const std::string_view text(buildingStart, static_cast<std::size_t>(buildingEnd - buildingStart));
-      knownChunks_.insert_or_assign({buildingStart, kRowBeginning}, KnownChunk{text, building});
+      remember({text, building});
     }
     chunks.push_back(std::exchange(building, nullptr));
   };
@@ -61,13 +65,22 @@ EntityList EntityRows::readList(Value& value, const JsonPlace& place) {
   return lastList_;
 }
 
+void EntityRows::remember(KnownChunk chunk) {
+  std::vector<KnownChunk>& alike = knownChunks_[{chunk.text.data(), kRowBeginning}];
+  if (alike.size() == kKnownStates) alike.erase(alike.begin());
+  alike.push_back(std::move(chunk));
+}
+
 const EntityRows::KnownChunk* EntityRows::knownChunkAt(const char* rowStart) const {
-  if (reading_.bytesFrom(rowStart) < kRowBeginning) return nullptr;
-  const auto found = knownChunks_.find({rowStart, kRowBeginning});
-  if (found == knownChunks_.end()) return nullptr;
-  const std::string_view text = found->second.text;
-  if (reading_.bytesFrom(rowStart) < text.size()) return nullptr;
-  return std::memcmp(rowStart, text.data(), text.size()) == 0 ? &found->second : nullptr;
+  const std::size_t bytesLeft = reading_.bytesFrom(rowStart);
+  if (bytesLeft < kRowBeginning) return nullptr;
+  const auto alike = knownChunks_.find({rowStart, kRowBeginning});
+  if (alike == knownChunks_.end()) return nullptr;
+  const auto isHere = [&](const KnownChunk& known) {
+    return known.text.size() <= bytesLeft && std::memcmp(rowStart, known.text.data(), known.text.size()) == 0;
+  };
+  const auto found = std::find_if(alike->second.rbegin(), alike->second.rend(), isHere);
+  return found == alike->second.rend() ? nullptr : &*found;
 }
 
 SketchEntity EntityRows::readRow(Value& row, const JsonPlace& place) {

@@ -36,6 +36,7 @@ class EntityRows {
     std::shared_ptr<const Chunk> chunk;
   };
 
+  void remember(KnownChunk chunk);
   const KnownChunk* knownChunkAt(const char* rowStart) const;
   SketchEntity readRow(Value& row, const JsonPlace& place);
   PolygonVertices readVertices(Value& value, const JsonPlace& place, const UUID& id);
@@ -45,8 +46,9 @@ class EntityRows {
   const std::vector<WallSystemSpec>& systems_;
   std::size_t rowsInChunk_;
   bool sharesChunks_;
-  /// By the beginning of the first row, which holds its identifier; the chunk that was read last.
-  std::unordered_map<std::string_view, KnownChunk> knownChunks_;
+  /// By the beginning of the first row, which holds its identifier; the chunks that were read last, in the
+  /// order of their reading.
+  std::unordered_map<std::string_view, std::vector<KnownChunk>> knownChunks_;
   std::unordered_map<UUID, PolygonVertices> knownVertices_;
   EntityList lastList_;
 };

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "core/undo_stack.h"
+#include "documents/number_text.h"
 #include "documents/sketch_document_io.h"
 
 namespace ostrelon::SketchDocumentIO {
@@ -16,8 +17,7 @@ namespace {
 
 constexpr std::size_t kPieceSize = std::size_t{1} << 18;  // what is handed to the sink at once
 constexpr std::size_t kLongestRow = 256;                  // of any entity but a polygon
-constexpr std::size_t kLongestNumber = 32;
-constexpr float kLargestPlainInteger = 16'777'216.0F;  // all integers up to here are exact in 32 bits
+constexpr std::size_t kLongestNumber = kLongestNumberText;
 
 using SystemIndices = std::unordered_map<UUID, std::size_t>;
 
@@ -49,22 +49,9 @@ bool isWritable(const SketchEntity& entity) {
 // Writes into room that the caller has made.
 char* put(char* at, std::string_view text) { return std::copy(text.begin(), text.end(), at); }
 
-// The shortest text that reads back to the nearest 32-bit value. Whole numbers stay plain digits
-// where the shortest text would be a power of ten: 100000, not 1e+05.
-char* putNumber(char* at, double wide) {
-  const auto value = static_cast<float>(wide);
-  if (std::abs(value) <= kLargestPlainInteger) {
-    const auto whole = static_cast<std::int32_t>(value);
-    if (static_cast<float>(whole) == value && (whole != 0 || !std::signbit(value))) {
-      return std::to_chars(at, at + kLongestNumber, whole).ptr;
-    }
-  }
-  return std::to_chars(at, at + kLongestNumber, value).ptr;
-}
-
 char* putElement(char* at, double value) {
   *at++ = ',';
-  return putNumber(at, value);
+  return putNumber32(at, value);
 }
 
 char* putElement(char* at, SketchPoint point) { return putElement(putElement(at, point.x), point.y); }
@@ -142,7 +129,7 @@ void appendRow(std::string& text, const SketchEntity& entity, const SystemIndice
             for (const SketchPoint& vertex : shape.vertices) {
               if (!first) *at++ = ',';
               first = false;
-              at = putElement(putNumber(at, vertex.x), vertex.y);
+              at = putElement(putNumber32(at, vertex.x), vertex.y);
             }
             *at++ = ']';
           },
@@ -256,8 +243,8 @@ class DocumentWriter {
       }
       std::array<char, 2 * kLongestNumber + 16> numbers{};
       char* at = put(numbers.data(), ",\"t\":");
-      at = put(putNumber(at, system.thickness), ",\"h\":");
-      at = putNumber(at, system.height);
+      at = put(putNumber32(at, system.thickness), ",\"h\":");
+      at = putNumber32(at, system.height);
       append(first ? "{\"i\":\"" : ",{\"i\":\"");
       first = false;
       append(system.id.text());
