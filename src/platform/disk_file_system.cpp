@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -79,6 +80,16 @@ FilePath followLinks(FilePath path) {
   throw systemError(ELOOP, FileAttempt::writing, path);
 }
 
+// A new name lasts only once its folder has reached the disk too. Gives an `errno`, or 0.
+int makeNamesLast(const FileSystemCalls& calls, const FilePath& folder) {
+  const int file = calls.open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0);
+  // A folder that may be written but not read cannot be made to last.
+  if (file < 0) return errno == EACCES ? 0 : errno;
+  const OpenFile open(file);
+  // Some file systems know no such thing for folders and say so by EINVAL.
+  return calls.fsync(file) != 0 && errno != EINVAL ? errno : 0;
+}
+
 // The file beside the target while it waits to take its place.
 class PendingDiskFile final : public PendingFile {
  public:
@@ -98,16 +109,8 @@ class PendingDiskFile final : public PendingFile {
       throw systemError(errno, FileAttempt::writing, target_);
     }
     committed_ = true;
-    // The new name lasts only once the folder has reached the disk too.
-    const FilePath folder = target_.parent_path();
-    const int file = calls_.open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0);
-    if (file < 0) {
-      if (errno == EACCES) return;  // a folder that may be written but not read cannot be made to last
-      throw systemError(errno, FileAttempt::writing, target_);
-    }
-    const OpenFile open(file);
-    // Some file systems know no such thing for folders and say so by EINVAL.
-    if (calls_.fsync(file) != 0 && errno != EINVAL) throw systemError(errno, FileAttempt::writing, target_);
+    const int error = makeNamesLast(calls_, target_.parent_path());
+    if (error != 0) throw systemError(error, FileAttempt::writing, target_);
   }
 
  private:
@@ -153,6 +156,7 @@ FileSystemCalls FileSystemCalls::ofTheSystem() {
       ::close,
       [](const char* from, const char* to) { return std::rename(from, to); },
       ::unlink,
+      ::mkdir,
   };
 }
 
@@ -175,8 +179,10 @@ std::string DiskFileSystem::readFile(const FilePath& path) {
   bytes.reserve(expected + kSpareCapacity);
   std::size_t filled = 0;
   while (true) {
-    // The size is a hint: the file may grow or shrink meanwhile, and some tell none.
-    const std::size_t wanted = filled < expected ? expected : filled + kReadAtOnce;
+    // The size is a hint: the file may grow or shrink meanwhile, and some tell none. A piece at a time
+    // stays in the processor's cache between being made room for and being filled.
+    const std::size_t wanted =
+        filled < expected ? std::min(expected, filled + kReadAtOnce) : filled + kReadAtOnce;
     bytes.resize(wanted);
     const ssize_t count = ::read(file.get(), bytes.data() + filled, wanted - filled);
     if (count < 0 && errno == EINTR) continue;
@@ -189,7 +195,7 @@ std::string DiskFileSystem::readFile(const FilePath& path) {
 }
 
 std::unique_ptr<PendingFile> DiskFileSystem::prepareFile(const FilePath& path, const Producer& produce) {
-  const FilePath target = followLinks(path);
+  const FilePath target = followLinks(standardizedPath(path));
   struct stat old {};
   const bool replaces = ::stat(target.c_str(), &old) == 0;
   if (replaces) {
@@ -263,9 +269,19 @@ std::vector<std::string> DiskFileSystem::list(const FilePath& folder) {
 }
 
 void DiskFileSystem::createFolders(const FilePath& folder) {
-  std::error_code error;
-  std::filesystem::create_directories(folder, error);
-  if (error) throw systemError(error.value(), FileAttempt::makingFolder, folder);
+  std::vector<FilePath> missing;
+  for (FilePath above = standardizedPath(folder); above.has_relative_path() && !exists(above);
+       above = above.parent_path()) {
+    missing.push_back(above);
+  }
+  for (auto path = missing.rbegin(); path != missing.rend(); ++path) {
+    if (calls_.mkdir(path->c_str(), 0777) != 0) {
+      if (errno != EEXIST) throw systemError(errno, FileAttempt::makingFolder, folder);
+      continue;  // another copy of the program was quicker
+    }
+    const int error = makeNamesLast(calls_, path->parent_path());
+    if (error != 0) throw systemError(error, FileAttempt::makingFolder, folder);
+  }
   const auto there = info(folder);
   if (!there || !there->isFolder) throw systemError(ENOTDIR, FileAttempt::makingFolder, folder);
 }

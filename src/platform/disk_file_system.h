@@ -11,7 +11,7 @@
 
 namespace ostrelon {
 
-/// The steps of a write as the system offers them: each returns -1 and sets `errno` on failure. Tests
+/// The steps of a write, and of the making of folders, as the system offers them: each returns -1 and sets `errno` on failure. Tests
 /// replace one at a time to see that every failure is told and leaves nothing half done.
 struct FileSystemCalls {
   std::function<int(const char* path, int flags, mode_t mode)> open;
@@ -21,6 +21,7 @@ struct FileSystemCalls {
   std::function<int(int file)> close;
   std::function<int(const char* from, const char* to)> rename;
   std::function<int(const char* path)> unlink;
+  std::function<int(const char* path, mode_t mode)> mkdir;
 
   static FileSystemCalls ofTheSystem();
 };

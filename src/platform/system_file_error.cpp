@@ -25,6 +25,9 @@ FileError systemError(int number, FileAttempt attempt, const FilePath& path) {
   const std::string action = attemptText(attempt, path);
   switch (number) {
     case ENOENT:
+      if (attempt == FileAttempt::makingFolder) {
+        return FileError("Could not " + action + ": the folder above it does not exist.");
+      }
       if (attempt == FileAttempt::writing) {
         return FileError("The folder " + quotedName(path.parent_path()) + " does not exist.");
       }

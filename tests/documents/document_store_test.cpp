@@ -151,6 +151,16 @@ TEST_F(DocumentStoreTest, RemovesWhatAKilledSaveHasLeftADayAgo) {
               ::testing::UnorderedElementsAre(recent, ".ostrelon-mine.tmp", "plan.ostrel"));
 }
 
+TEST_F(DocumentStoreTest, SavesUnderANameAloneInTheWorkingFolder) {
+  const FilePath before = std::filesystem::current_path();
+  std::filesystem::current_path(home.path());
+  files.writeFile("settings.json", "{}");
+  sketch.saveDocumentFile("plan.ostrel");
+  std::filesystem::current_path(before);
+  EXPECT_EQ(sketch.documentFileURL.get(), home / "plan.ostrel");
+  EXPECT_THAT(files.list(home.path()), ::testing::UnorderedElementsAre("plan.ostrel", "settings.json"));
+}
+
 TEST_F(DocumentStoreTest, FollowsLinksAndKeepsPermissions) {
   draw();
   sketch.saveDocumentFile(plan);
