@@ -111,7 +111,10 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
         throw CommandLineError(fmt::format("The option {} needs a value.", argument));
       }
       const std::string value = equals == std::string::npos ? arguments[++i] : argument.substr(equals + 1);
-      if (value.empty()) throw CommandLineError(fmt::format("The option {} needs a value.", option->first));
+      // An empty address or key stands for a build that has none.
+      if (value.empty() && !option->first.starts_with("--update-")) {
+        throw CommandLineError(fmt::format("The option {} needs a value.", option->first));
+      }
       option->second(value);
       continue;
     }

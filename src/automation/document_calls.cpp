@@ -17,8 +17,14 @@ void addDocumentCalls(CallTable& table) {
   });
 
   // --- Store
-  table["saveDocumentFile"] = sketchCall(&SketchViewModel::saveDocumentFile);
-  table["openDocumentFile"] = sketchCall(&SketchViewModel::openDocumentFile);
+  table["saveDocumentFile"] = sessionCall([](AutomationSession& session, const FilePath& url) {
+    session.sketch().saveDocumentFile(url);
+    session.application.settings().rememberDocumentBookmark(url);
+  });
+  table["openDocumentFile"] = sessionCall([](AutomationSession& session, const FilePath& url) {
+    session.sketch().openDocumentFile(url);
+    session.application.settings().rememberDocumentBookmark(url);
+  });
   table["setSaveDialogActive"] = sketchCall(&SketchViewModel::setSaveDialogActive);
   table["saveCurrentDocument"] = sessionCall([](AutomationSession& session, std::optional<bool> announce) {
     saveCurrentDocument(session.sketch(), session.application.settings(), announce.value_or(true));
@@ -79,15 +85,16 @@ void addDocumentCalls(CallTable& table) {
   table["autoSaveTick"] = sessionCall([](AutomationSession& session) {
     return autoSaveTick(session.sketch(), session.application.settings());
   });
-  table["restoreAutoSave"] = sessionCall(
-      [](AutomationSession& session) { restoreAutoSave(session.sketch(), session.application.settings()); });
+  table["restoreAutoSave"] =
+      sessionCall([](AutomationSession& session) { session.application.restoreAutoSaveFromOffer(); });
   table["revertToLastAutoSave"] = sessionCall([](AutomationSession& session) {
     revertToLastAutoSave(session.sketch(), session.application.settings());
   });
   table["restoreCandidate"] =
       sessionCall([](AutomationSession& session, const std::optional<AutoSaveRecoveryCandidate>& candidate,
                      const std::string& successText, const std::string& missingText) {
-        return restoreCandidate(session.sketch(), candidate, successText, missingText);
+        return restoreCandidate(session.sketch(), session.application.settings(), candidate, successText,
+                                missingText);
       });
   table["rescheduleAutoSave"] =
       sessionCall([](AutomationSession& session) { session.application.rescheduleAutoSave(); });

@@ -195,7 +195,7 @@ void AppSettings::resetProjectsFolderForUITesting() {
 }
 
 void AppSettings::rememberDocumentBookmark(const FilePath& url) {
-  if (isInsideProjectsFolder(url)) return;
+  if (isInsideProjectsFolder(url) || !files_.exists(url)) return;
   const std::string path = standardizedPath(url).string();
   DefaultsMap bookmarks = defaults_.map(SettingsKey::documentBookmarks).value_or(DefaultsMap{});
   if (!bookmarks.emplace(path, path).second) return;
@@ -219,7 +219,11 @@ std::optional<FilePath> AppSettings::projectsFolderAtStart() {
     return defaultProjectsFolder();
   }
   auto folder = storedPath(SettingsKey::projectsFolderBookmark);
-  if (storage == kCustomStorage || !folder) return folder;
+  // One that is gone, such as on a disk that is not there today, is no folder now; the keys stay.
+  if (const auto there = folder ? files_.info(*folder) : std::nullopt; !there || !there->isFolder) {
+    return std::nullopt;
+  }
+  if (storage == kCustomStorage) return folder;
   // A store of unknown kind with a folder in it: put in order.
   if (*folder == defaultProjectsFolder()) {
     defaults_.change({{SettingsKey::projectsFolderStorage, std::string(kDefaultStorage)},

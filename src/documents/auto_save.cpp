@@ -54,18 +54,19 @@ std::optional<std::string> autoSaveTick(SketchViewModel& sketch, AppSettings& se
 }
 
 bool restoreAutoSave(SketchViewModel& sketch, AppSettings& settings) {
-  const bool restored = restoreCandidate(sketch, settings.autoSaveRecoveryCandidate,
+  const bool restored = restoreCandidate(sketch, settings, settings.autoSaveRecoveryCandidate,
                                          "Restored last autosave.", "No autosave recovery is available.");
   settings.clearAutoSaveRecoveryCandidate();
   return restored;
 }
 
 bool revertToLastAutoSave(SketchViewModel& sketch, AppSettings& settings) {
-  return restoreCandidate(sketch, settings.lastAutoSave, "Reverted to last autosave.",
+  return restoreCandidate(sketch, settings, settings.lastAutoSave, "Reverted to last autosave.",
                           "No last autosave is available.");
 }
 
-bool restoreCandidate(SketchViewModel& sketch, const std::optional<AutoSaveRecoveryCandidate>& candidate,
+bool restoreCandidate(SketchViewModel& sketch, AppSettings& settings,
+                      const std::optional<AutoSaveRecoveryCandidate>& candidate,
                       const std::string& successText, const std::string& missingText) {
   if (!candidate) {
     sketch.appendConsoleLine(missingText, true, false);
@@ -77,6 +78,7 @@ bool restoreCandidate(SketchViewModel& sketch, const std::optional<AutoSaveRecov
     sketch.appendConsoleLine(std::string("Autosave restore failed: ") + error.what(), true, false);
     return false;
   }
+  settings.rememberDocumentBookmark(candidate->url);
   sketch.refreshDocumentHistory();
   sketch.appendConsoleLine(successText, false, true);
   return true;

@@ -22,7 +22,8 @@ bool restoreAutoSave(SketchViewModel& sketch, AppSettings& settings);
 /// Opens the document of the last auto-save; unsaved changes are dropped. False when it failed.
 bool revertToLastAutoSave(SketchViewModel& sketch, AppSettings& settings);
 /// Opens the candidate's document and says so; without one says `missingText`. False when it failed.
-bool restoreCandidate(SketchViewModel& sketch, const std::optional<AutoSaveRecoveryCandidate>& candidate,
+bool restoreCandidate(SketchViewModel& sketch, AppSettings& settings,
+                      const std::optional<AutoSaveRecoveryCandidate>& candidate,
                       const std::string& successText, const std::string& missingText);
 
 /// Saves on a timer that follows the settings. The encoding and writing go on away from the main thread

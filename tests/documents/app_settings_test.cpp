@@ -109,6 +109,12 @@ TEST_F(AppSettingsTest, KeepsTheProjectsFolderByItsKind) {
   EXPECT_EQ(storage() + bookmark(), "default-");
   defaults.set(SettingsKey::projectsFolderStorage, std::string("custom"));
   EXPECT_EQ(folderAtStart(), std::nullopt);
+  const std::string gone = home / "unplugged";
+  defaults.set(SettingsKey::projectsFolderBookmark, gone);
+  EXPECT_EQ(folderAtStart(), std::nullopt);
+  EXPECT_EQ(storage() + bookmark(), "custom" + gone) << "it may come back";
+  std::filesystem::create_directory(gone);
+  EXPECT_EQ(folderAtStart(), gone);
   settings.clearProjectsFolder();
   EXPECT_EQ(storage() + bookmark(), "--");
   settings.resetProjectsFolderForUITesting();
