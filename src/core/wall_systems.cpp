@@ -48,7 +48,7 @@ void SketchViewModel::updateWallSystemSpec(const WallSystemSpec& spec) {
   const ChangeScope scope(tracker_);
   for (std::size_t row = 0; row < wallSystemSpecs->size(); ++row) {
     if (wallSystemSpecs.get()[row].id != spec.id) continue;
-    wallSystemSpecs.edit()[row] = spec;
+    if (!(wallSystemSpecs.get()[row] == spec)) wallSystemSpecs.edit()[row] = spec;
     isDocumentDirty = true;
     return;
   }

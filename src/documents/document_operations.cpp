@@ -144,7 +144,6 @@ void SketchViewModel::finishDocumentOpening(DocumentReading& reading) {
   applyLoadedDocument(reading.take());
   documentOnDisk_ = reading.onDisk();
   documentFileURL = reading.onDisk().path;
-  documentName = documentNameFor(reading.onDisk().path);
   isDocumentDirty = false;
   lastSavedAt = host_.scheduler.now();
 }

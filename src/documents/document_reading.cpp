@@ -13,6 +13,7 @@ void DocumentReading::read(FileSystem& files) {
   std::string bytes = files.readFile(onDisk_.path);
   onDisk_.contentHash = contentHash(bytes);
   document_ = SketchDocumentIO::decodeDocument(std::move(bytes));
+  document_->setName(documentNameFor(onDisk_.path));
 }
 
 }  // namespace ostrelon

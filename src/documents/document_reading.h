@@ -22,7 +22,7 @@ class DocumentReading {
   /// Reads and decodes. Throws the file system's error or the format's.
   void read(FileSystem& files);
   const DocumentOnDisk& onDisk() const { return onDisk_; }
-  /// What was read, once; only after `read`.
+  /// What was read, called after its file, once; only after `read`.
   LoadedSketchDocument take() { return std::move(*document_); }
 
  private:

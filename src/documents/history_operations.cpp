@@ -111,10 +111,10 @@ DocumentHistoryBranch SketchViewModel::switchBranch(const std::string& nameOrID)
     tracker_.mark(n(SketchField::undoStack));
     selectDragUndoBaseline = baseline;
   };
+  document.setName(documentNameFor(*url));
   applyLoadedDocument(std::move(document));
   clearUndoHistory();
   documentFileURL = *url;
-  documentName = documentNameFor(*url);
   try {
     saveDocumentFile(*url);
   } catch (...) {

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -51,6 +52,12 @@ struct SketchDocumentFile {
 /// The result of a read.
 struct LoadedSketchDocument {
   std::variant<SketchDocumentFile, SketchDocumentV2> document;
+
+  void setName(std::string name) {
+    std::visit(Overloaded{[&](SketchDocumentFile& file) { file.documentName = std::move(name); },
+                          [&](SketchDocumentV2& compact) { compact.name = std::move(name); }},
+               document);
+  }
   friend bool operator==(const LoadedSketchDocument&, const LoadedSketchDocument&) = default;
 };
 

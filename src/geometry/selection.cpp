@@ -117,6 +117,7 @@ void SketchViewModel::finishMarquee(bool additive) {
   std::unordered_set<UUID> hits = entitiesInMarquee(index(), {minX, minY, maxX, maxY}, isCrossing);
   if (!hits.empty()) primarySelectedEntityID = *hits.begin();
   if (additive) {
+    std::erase_if(hits, [&](const UUID& id) { return selectedEntityIDs->contains(id); });
     if (!hits.empty()) selectedEntityIDs.edit().merge(hits);
   } else {
     selectedEntityIDs = std::move(hits);
@@ -129,7 +130,7 @@ void SketchViewModel::replaceEntity(const UUID& id, SketchEntity replacement) {
   const auto position = entityIndex(id);
   if (!position) return;
   const ChangeScope scope(tracker_);
-  entities.edit().replace(*position, std::move(replacement));
+  if (!((*entities)[*position] == replacement)) entities.edit().replace(*position, std::move(replacement));
   isDocumentDirty = true;
 }
 

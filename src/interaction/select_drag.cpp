@@ -127,9 +127,13 @@ void SketchViewModel::updateGroupDrag(const MultiBodyDrag& drag, SketchPoint poi
     if (const auto place = entityIndex(id)) places.emplace_back(*place, &anchor);
   }
   if (places.empty()) return;
-  auto& moved = entities.edit();
-  for (const auto& [place, anchor] : places) {
-    moved.replace(place, translatedEntity(*anchor, move.point.x, move.point.y));
+  const auto moved = [&](const SketchEntity& anchor) {
+    return translatedEntity(anchor, move.point.x, move.point.y);
+  };
+  // All move alike: where the first stays, as under a snap that holds, so do the others.
+  if (!((*entities)[places.front().first] == moved(*places.front().second))) {
+    EntityList& list = entities.edit();
+    for (const auto& [place, anchor] : places) list.replace(place, moved(*anchor));
   }
   isDocumentDirty = true;
   publishSnap(move);
