@@ -214,9 +214,8 @@ TEST_F(DocumentHistoryTest, RefusesNamesThatLeadOutOfTheStore) {
   const DocumentHistoryMetadata good = sketch.documentHistoryState->metadata;
   const auto before = files.list(home.path());
   const std::string withNul("a\0b", 3);
-  for (const std::string& bad :
-       {std::string(), std::string("."), std::string(".."), std::string("../x"), std::string("a/b"),
-        std::string("/etc"), std::string("a\\b"), withNul}) {
+  for (const std::string& bad : {std::string(), std::string("."), std::string(".."), std::string("../x"),
+                                 std::string("a/b"), std::string("/etc"), std::string("a\\b"), withNul}) {
     DocumentHistoryMetadata metadata = good;
     metadata.branches[1].id = bad;
     writeHistoryMetadata(files, plan, metadata);
