@@ -2,6 +2,8 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QHeaderView>
+#include <QTreeView>
 #include <QVBoxLayout>
 #include <memory>
 
@@ -67,6 +69,19 @@ void prepare(QFileDialog& panel, const DialogRequest& request) {
              request);
 }
 
+// Where the desktop has no file panel, Qt shows its own. Its names take what the other columns leave.
+void layOutColumns(QFileDialog& panel) {
+  auto* table = panel.findChild<QTreeView*>(QStringLiteral("treeView"));
+  if (table == nullptr) return;
+  panel.resize(760, 480);
+  QHeaderView* header = table->header();
+  header->setStretchLastSection(false);
+  for (int column = 1; column < header->count(); ++column) {
+    header->setSectionResizeMode(column, QHeaderView::ResizeToContents);
+  }
+  header->setSectionResizeMode(0, QHeaderView::Stretch);
+}
+
 }  // namespace
 
 void QtDialogs::ask(const DialogRequest& request, std::function<void(DialogAnswer)> answered) {
@@ -91,6 +106,7 @@ void QtDialogs::askForFile(QWidget& window, const DialogRequest& request,
   panel->setObjectName(QStringLiteral("filePanel"));
   panel->setAttribute(Qt::WA_DeleteOnClose);
   prepare(*panel, request);
+  layOutColumns(*panel);
   QObject::connect(panel, &QFileDialog::finished, panel, [panel, answered = std::move(answered)](int result) {
     const QStringList chosen = panel->selectedFiles();
     if (result == QDialog::Accepted && !chosen.isEmpty()) {

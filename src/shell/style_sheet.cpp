@@ -47,6 +47,11 @@ QScrollBar::add-line, QScrollBar::sub-line {{ width: 0; height: 0; }}
 QScrollBar::add-page, QScrollBar::sub-page {{ background: transparent; }}
 
 QAbstractScrollArea {{ background: transparent; border: none; }}
+
+QHeaderView {{ background: {card}; border: none; }}
+QHeaderView::section {{
+  background: {card}; color: {foreground}; border: none; border-bottom: 1px solid {border}; padding: 4px 8px;
+}}
 )";
 
 }  // namespace

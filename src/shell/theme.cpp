@@ -69,6 +69,7 @@ class BaseStyle final : public QProxyStyle {
       case SH_DitherDisabledText:
       case SH_Menu_FlashTriggeredItem:
       case SH_UnderlineShortcut:
+      case SH_DialogButtonBox_ButtonsHaveIcons:
         return 0;
       default:
         return QProxyStyle::styleHint(hint, option, widget, returned);
