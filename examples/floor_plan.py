@@ -4,11 +4,12 @@
     examples/floor_plan.py --width 24 --depth 36 --rooms 3 --out plan
 
 writes plan.ostrel, plan.pdf (a quarter of an inch to the foot), plan.dxf and plan.png. Lengths are in
-feet. The program is found as `ostrelon` on the PATH, or where --program says.
+feet. The program is found where --program says, as `ostrelon` on the PATH, or where `./run` builds it.
 """
 import argparse
 import json
 import pathlib
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -106,7 +107,8 @@ def main():
     parser.add_argument("--depth", type=float, default=36, help="feet, at least 10 for each room")
     parser.add_argument("--rooms", type=int, default=3)
     parser.add_argument("--out", default="plan", help="names the files: plan.ostrel, plan.pdf, …")
-    parser.add_argument("--program", default="ostrelon")
+    built = pathlib.Path(__file__).resolve().parent.parent / "build/release/ostrelon"
+    parser.add_argument("--program", default=shutil.which("ostrelon") or str(built))
     options = parser.parse_args()
     if options.rooms < 1 or options.width < 12 or options.depth < 10 * options.rooms:
         parser.error("the house is too small for its rooms")
