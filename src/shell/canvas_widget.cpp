@@ -13,6 +13,7 @@
 #include "interaction/canvas_renderer.h"
 #include "shell/canvas_cursor.h"
 #include "shell/pixel_canvas_painter.h"
+#include "shell/theme.h"
 
 namespace ostrelon {
 
@@ -209,6 +210,8 @@ void CanvasWidget::updateGrid(const PictureView& view) {
   gridView_ = view;
   gridShown_ = isShown;
   if (grid_.isNull()) return;
+  // At a ratio such as 1.5 the last column and row lie partly outside of the view.
+  grid_.fill(qtColor(palette_.background));
   PixelCanvasPainter canvas(grid_, ratio);
   CanvasFrame frame{view.transform, view.palette};
   frame.gridPixelRatio = ratio;
@@ -256,7 +259,8 @@ void CanvasWidget::paintEvent(QPaintEvent* event) {
 void CanvasWidget::paintLive(QPainter& painter, const PictureView& now) {
   QtCanvasPainter canvas(painter);
   const CanvasFrame frame{now.transform, now.palette};
-  painter.drawImage(QRectF(rect()), grid_);
+  // Pixel for pixel: the picture may be a part of a pixel larger than the widget.
+  painter.drawImage(QRectF(QPointF(0, 0), QSizeF(grid_.size()) / now.pixelRatio), grid_);
   paintLayer(canvas, CanvasLayer::snapGuides, model_, frame);
   entities_.paint(painter, now);
 
