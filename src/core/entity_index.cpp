@@ -109,6 +109,11 @@ const SketchEntity* EntityIndex::find(const UUID& id) const {
 }
 
 bool EntityIndex::candidatesIn(const SketchBox& box, std::vector<Candidate>& candidates) const {
+  return candidatesIn(box, candidates, std::max<std::size_t>(list_.size() / kWideWindowShare, kShortList));
+}
+
+bool EntityIndex::candidatesIn(const SketchBox& box, std::vector<Candidate>& candidates,
+                               std::size_t most) const {
   if (hasDuplicates_ || list_.size() < kShortList) return false;
   if (!(std::isfinite(box.minX) && std::isfinite(box.minY) && std::isfinite(box.maxX) &&
         std::isfinite(box.maxY))) {
@@ -127,7 +132,6 @@ bool EntityIndex::candidatesIn(const SketchBox& box, std::vector<Candidate>& can
   }
 
   const std::size_t first = candidates.size();
-  const std::size_t limit = std::max<std::size_t>(list_.size() / kWideWindowShare, kShortList);
   const auto take = [&](std::uint32_t slotNumber) {
     for (; slotNumber != kNone; slotNumber = slots_[slotNumber].next) {
       const Slot& slot = slots_[slotNumber];
@@ -138,7 +142,7 @@ bool EntityIndex::candidatesIn(const SketchBox& box, std::vector<Candidate>& can
       }
       candidates.push_back({nullptr, slotNumber});
     }
-    return candidates.size() - first <= limit;
+    return candidates.size() - first <= most;
   };
   const auto takeCell = [&](const CellPlace& place) {
     return usedCells_ == 0 || take(cells_[findCell(keyOf(place))]);
@@ -172,6 +176,17 @@ bool EntityIndex::candidatesIn(const SketchBox& box, std::vector<Candidate>& can
 
 std::size_t EntityIndex::positionOf(const Candidate& candidate) const {
   return locate(slots_[candidate.slot]).first;
+}
+
+std::vector<std::pair<std::size_t, const SketchEntity*>> EntityIndex::inListOrder(
+    const std::vector<Candidate>& candidates) const {
+  std::vector<std::pair<std::size_t, const SketchEntity*>> ordered;
+  ordered.reserve(candidates.size());
+  for (const Candidate& candidate : candidates) {
+    ordered.emplace_back(positionOf(candidate), candidate.entity);
+  }
+  std::sort(ordered.begin(), ordered.end());
+  return ordered;
 }
 
 std::size_t EntityIndex::memoryUse() const {

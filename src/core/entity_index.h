@@ -46,6 +46,11 @@ class EntityIndex {
   /// order. Appends to `candidates`. False, with nothing appended, when a walk over the list would be
   /// cheaper or the box is not finite: the caller then walks.
   bool candidatesIn(const SketchBox& box, std::vector<Candidate>& candidates) const;
+  /// The same, and false also where there would be more than `most` of them.
+  bool candidatesIn(const SketchBox& box, std::vector<Candidate>& candidates, std::size_t most) const;
+  /// The candidates with their positions, in the order of the list.
+  std::vector<std::pair<std::size_t, const SketchEntity*>> inListOrder(
+      const std::vector<Candidate>& candidates) const;
   /// The position of a candidate.
   std::size_t positionOf(const Candidate& candidate) const;
 

@@ -5,7 +5,6 @@
 // near the box; since what lies outside the box cannot count, the answer is the same.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <vector>
@@ -39,13 +38,7 @@ class EntitySource {
       for (const SketchEntity& entity : *list_) visit(entity, position++);
       return;
     }
-    std::vector<std::pair<std::size_t, const SketchEntity*>> ordered;
-    ordered.reserve(candidates.size());
-    for (const EntityIndex::Candidate& candidate : candidates) {
-      ordered.emplace_back(index_->positionOf(candidate), candidate.entity);
-    }
-    std::sort(ordered.begin(), ordered.end());
-    for (const auto& [position, entity] : ordered) visit(*entity, position);
+    for (const auto& [position, entity] : index_->inListOrder(candidates)) visit(*entity, position);
   }
 
  private:

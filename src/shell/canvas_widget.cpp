@@ -4,7 +4,6 @@
 #include <QMouseEvent>
 #include <QNativeGestureEvent>
 #include <QPaintEvent>
-#include <QTimer>
 #include <QWheelEvent>
 #include <cmath>
 #include <utility>
@@ -22,7 +21,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 /// The part of a frame that painting pictures may take.
-constexpr std::chrono::milliseconds kSlice{8};
+constexpr std::chrono::milliseconds kSlice{5};
 /// So many entities, dragged or selected, are painted live; more are kept in a picture.
 constexpr std::size_t kMostLiveEntities = 32;
 
@@ -67,7 +66,13 @@ SketchPoint dragMovement(const MultiBodyDrag& drag, const SketchViewModel& model
 }  // namespace
 
 CanvasWidget::CanvasWidget(SketchViewModel& model, QWidget* parent)
-    : QWidget(parent), model_(model), gestures_(model), palette_(lightPalette()) {
+    : QWidget(parent),
+      model_(model),
+      gestures_(model),
+      palette_(lightPalette()),
+      entities_(EntityPicture::Kind::entitiesWithout, repaintLater()),
+      dragged_(EntityPicture::Kind::entitiesNamed, repaintLater()),
+      selection_(EntityPicture::Kind::selection, repaintLater()) {
   setAttribute(Qt::WA_OpaquePaintEvent);
   setMouseTracking(true);
   setFocusPolicy(Qt::ClickFocus);
@@ -78,6 +83,13 @@ CanvasWidget::CanvasWidget(SketchViewModel& model, QWidget* parent)
 }
 
 CanvasWidget::~CanvasWidget() = default;
+
+std::function<void()> CanvasWidget::repaintLater() {
+  return [this] {
+    QMetaObject::invokeMethod(
+        this, [this] { update(); }, Qt::QueuedConnection);
+  };
+}
 
 void CanvasWidget::setThemePalette(const ThemePalette& palette) {
   if (palette_ == palette) return;
@@ -98,6 +110,7 @@ void CanvasWidget::modelChanged(FieldMask fields) {
                        : nullptr;
   }
   if (fields & fieldMask(SketchField::selectedTool)) updateCursor();
+  isExact_ = false;
   update();
 }
 
@@ -198,7 +211,13 @@ void CanvasWidget::contextMenuEvent(QContextMenuEvent* event) {
   }
 }
 
-void CanvasWidget::finishPainting() { updatePictures(Clock::time_point::max()); }
+void CanvasWidget::finishPainting() {
+  updatePictures(Clock::time_point::max());
+  while (!isExact_) {
+    for (EntityPicture* picture : {&entities_, &dragged_, &selection_}) picture->wait();
+    updatePictures(Clock::time_point::max());
+  }
+}
 
 void CanvasWidget::updateGrid(const PictureView& view) {
   const bool isShown = *model_.showGrid;
@@ -240,13 +259,7 @@ void CanvasWidget::updatePictures(EntityPicture::Deadline deadline) {
   } else {
     selection_.clear();
   }
-  if (!isDone && !isTurnAsked_) {
-    isTurnAsked_ = true;
-    QTimer::singleShot(0, this, [this] {
-      isTurnAsked_ = false;
-      update();
-    });
-  }
+  isExact_ = isDone;
 }
 
 void CanvasWidget::paintEvent(QPaintEvent* event) {

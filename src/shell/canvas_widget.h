@@ -8,6 +8,7 @@
 #pragma once
 
 #include <QWidget>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <unordered_set>
@@ -34,6 +35,8 @@ class CanvasWidget : public QWidget {
 
   /// Paints all that is still being painted in pieces. For tests and for pictures of the window.
   void finishPainting();
+  /// The canvas shows its state exactly, with nothing left to be painted in pieces.
+  bool isExact() const { return isExact_; }
 
  Q_SIGNALS:
   /// The canvas has a new size, which the view model knows already. For laying out what lies over it.
@@ -58,11 +61,12 @@ class CanvasWidget : public QWidget {
   using IDs = std::shared_ptr<const std::unordered_set<UUID>>;
 
   PictureView view() const;
+  /// To be called from any thread.
+  std::function<void()> repaintLater();
   void modelChanged(FieldMask fields);
   void updateCursor();
 
-  /// Brings the pictures up to the state within the time of a frame; asks for another turn if that
-  /// is not enough.
+  /// Brings the pictures up to the state, as far as that can be done within the time of a frame.
   void updatePictures(EntityPicture::Deadline deadline);
   void updateGrid(const PictureView& view);
   void paintLive(QPainter& painter, const PictureView& view);
@@ -78,12 +82,12 @@ class CanvasWidget : public QWidget {
   std::optional<PictureView> gridView_;
   bool gridShown_ = false;
 
-  EntityPicture entities_{EntityPicture::Kind::entitiesWithout};
-  EntityPicture dragged_{EntityPicture::Kind::entitiesNamed};
-  EntityPicture selection_{EntityPicture::Kind::selection};
+  EntityPicture entities_;
+  EntityPicture dragged_;
+  EntityPicture selection_;
   IDs draggedIDs_;   // null while nothing is dragged
   IDs selectedIDs_;  // null while the selection is small enough to be painted live
-  bool isTurnAsked_ = false;
+  bool isExact_ = false;
 };
 
 }  // namespace ostrelon

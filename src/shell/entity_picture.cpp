@@ -1,8 +1,10 @@
 #include "shell/entity_picture.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstring>
+#include <future>
 
 #include "core/entity_source.h"
 #include "interaction/canvas_overlays.h"
@@ -13,10 +15,15 @@ namespace ostrelon {
 
 namespace {
 
-/// Between two looks at the clock so many entities are painted.
+/// Between two looks at whether it is still wanted so many entities are painted.
 constexpr int kEntitiesPerLook = 200;
-/// With more changes than this the picture is painted anew, over several turns.
+/// With more changes than this the whole picture counts as changed.
 constexpr std::size_t kMostEditsInPlace = 256;
+/// So many entities are little enough to be painted at once.
+constexpr std::size_t kLittle = 2000;
+/// What is painted at once is painted in tiles of this side, device pixels, and the clock looked at
+/// between them.
+constexpr int kTileSide = 256;
 /// How far the widest stroke, a selection's glow, reaches beyond an outline, view points.
 constexpr double kWidestReach = 5.0;
 
@@ -97,51 +104,187 @@ class Brush {
   CanvasPainter& painter_;
 };
 
+CanvasFrame frameOf(const PictureView& view, const QRect& deviceRect) {
+  CanvasFrame frame{view.transform, view.palette};
+  const double ratio = view.pixelRatio;
+  frame.part = ViewRect{deviceRect.left() / ratio, deviceRect.top() / ratio,
+                        (deviceRect.left() + deviceRect.width()) / ratio,
+                        (deviceRect.top() + deviceRect.height()) / ratio};
+  return frame;
+}
+
+/// What an entity covers of the picture, device pixels; empty beside it.
+QRect deviceBounds(const SketchEntity& entity, const std::vector<WallSystemSpec>& systems,
+                   const PictureView& view) {
+  const auto* wall = std::get_if<WallEntity>(&entity);
+  const double thickness = wall != nullptr ? paintedWallThickness(*wall, systems) : 0;
+  ViewRect bounds = entityViewBounds(entity, thickness, view.transform.viewport).grown(kWidestReach);
+  const ViewRect canvas{0, 0, view.transform.canvasSize.width, view.transform.canvasSize.height};
+  if (!bounds.touches(canvas)) return {};
+  bounds = {std::max(bounds.minX, canvas.minX), std::max(bounds.minY, canvas.minY),
+            std::min(bounds.maxX, canvas.maxX), std::min(bounds.maxY, canvas.maxY)};
+  const QRectF device(QPointF(bounds.minX, bounds.minY) * view.pixelRatio,
+                      QPointF(bounds.maxX, bounds.maxY) * view.pixelRatio);
+  return device.toAlignedRect();
+}
+
+/// The rectangle's tiles, row by row.
+std::vector<QRect> tilesOf(const QRect& rect) {
+  std::vector<QRect> tiles;
+  for (int y = rect.top(); y <= rect.bottom(); y += kTileSide) {
+    for (int x = rect.left(); x <= rect.right(); x += kTileSide) {
+      tiles.push_back(QRect(x, y, kTileSide, kTileSide) & rect);
+    }
+  }
+  return tiles;
+}
+
+/// How a picture follows from another one of the same scale by moving its pixels, if it does.
+std::optional<QPoint> pixelsMoved(const PictureView& from, const PictureView& to) {
+  const SketchPoint moved = to.transform.viewport.pan - from.transform.viewport.pan;
+  const auto dx = wholePixels(moved.x * to.pixelRatio);
+  const auto dy = wholePixels(moved.y * to.pixelRatio);
+  const QSize size = deviceSize(to);
+  if (!dx || !dy || std::abs(*dx) >= size.width() || std::abs(*dy) >= size.height()) return std::nullopt;
+  return QPoint(*dx, *dy);
+}
+
 }  // namespace
+
+// --- Painting on a thread of its own
+
+class EntityPicture::Job {
+ public:
+  Job(Kind kind, Picture picture, const std::function<void()>& painted)
+      : kind_(kind), picture_(std::move(picture)) {
+    thread_ = std::async(std::launch::async, [this, painted] {
+      run();
+      isDone_ = true;
+      if (!isCancelled_) painted();
+    });
+  }
+  Job(const Job&) = delete;
+  Job& operator=(const Job&) = delete;
+  ~Job() {
+    cancel();
+    wait();
+  }
+
+  void cancel() { isCancelled_ = true; }
+  void wait() const { thread_.wait(); }
+  /// The thread has come to its end, be it by a cancellation.
+  bool isDone() const { return isDone_; }
+  /// What is being painted. Its picture may be taken once the job is done.
+  const PictureView& view() const { return picture_.view; }
+  const PictureContent& content() const { return picture_.content; }
+  const Picture& picture() const { return picture_; }
+  Picture take() { return std::move(picture_); }
+
+ private:
+  void run() {
+    if (picture_.image.isNull()) picture_.stale = {};
+    for (const QRect& rect : picture_.stale) {
+      if (!paintRect(rect)) return;
+    }
+    picture_.stale = {};
+  }
+
+  bool paintRect(const QRect& rect) {
+    clearPixels(picture_.image, rect);
+    PixelCanvasPainter painter(picture_.image, picture_.view.pixelRatio, rect);
+    const CanvasFrame frame = frameOf(picture_.view, rect);
+    Brush brush(kind_, frame, picture_.content, painter);
+    int untilLook = kEntitiesPerLook;
+    for (const SketchEntity& entity : picture_.content.entities) {
+      if (--untilLook == 0) {
+        if (isCancelled_) return false;
+        untilLook = kEntitiesPerLook;
+      }
+      brush.paint(entity);
+    }
+    return true;
+  }
+
+  Kind kind_;
+  Picture picture_;
+  std::atomic<bool> isCancelled_ = false;
+  std::atomic<bool> isDone_ = false;
+  std::future<void> thread_;
+};
+
+// --- Following the state
+
+EntityPicture::EntityPicture(Kind kind, std::function<void()> painted)
+    : kind_(kind), painted_(std::move(painted)) {}
+
+EntityPicture::~EntityPicture() = default;
 
 void EntityPicture::clear() {
   picture_.reset();
-  job_.reset();
+  dropJob();
+}
+
+void EntityPicture::wait() {
+  if (job_) job_->wait();
 }
 
 bool EntityPicture::update(const PictureView& view, const PictureContent& content, const EntityIndex& index,
                            Deadline deadline) {
-  if (picture_ && follows(view, content) && pan(view, index)) {
+  std::erase_if(dropped_, [](const auto& job) { return job->isDone(); });
+  const bool isOnTheWay = job_ && leadsTo(job_->picture(), view, content);
+  if (job_ && !isOnTheWay) dropJob();
+  if (job_ && job_->isDone()) {
+    picture_ = job_->take();
     job_.reset();
-    applyEdits(content, index);
-    if (!job_) return true;
-  } else if (!job_ || job_->picture.view != view || job_->picture.content.ids != content.ids ||
-             job_->picture.content.systems != content.systems ||
-             !job_->picture.content.entities.sharesAllStorage(content.entities)) {
-    startJob(view, content);
   }
-  return runJob(deadline);
+  if (!picture_ || !leadsTo(*picture_, view, content)) {
+    if (job_) return false;
+    Picture fresh{{deviceSize(view), QImage::Format_ARGB32_Premultiplied}, view, content, {}};
+    fresh.stale = fresh.image.rect();
+    if (!paintLittle(fresh, index, deadline)) {
+      startJob(std::move(fresh));
+      return false;
+    }
+    picture_ = std::move(fresh);
+    return true;
+  }
+  shift(view);
+  markEdits(content);
+  if (picture_->stale.isEmpty()) {
+    dropJob();
+    return true;
+  }
+  if (job_) return false;
+  if (paintLittle(*picture_, index, deadline)) return true;
+  Picture rest = *picture_;
+  rest.image = picture_->image.copy();
+  startJob(std::move(rest));
+  return false;
 }
 
-bool EntityPicture::follows(const PictureView& view, const PictureContent& content) const {
-  const PictureView& mine = picture_->view;
-  return mine.transform.canvasSize == view.transform.canvasSize && mine.palette == view.palette &&
-         mine.pixelRatio == view.pixelRatio &&
-         mine.transform.viewport.scale == view.transform.viewport.scale &&
-         picture_->content.systems == content.systems &&
-         (kind_ == Kind::entitiesWithout || picture_->content.ids == content.ids);
+bool EntityPicture::leadsTo(const Picture& picture, const PictureView& view,
+                            const PictureContent& content) const {
+  const PictureView& from = picture.view;
+  return from.transform.canvasSize == view.transform.canvasSize && from.palette == view.palette &&
+         from.pixelRatio == view.pixelRatio &&
+         from.transform.viewport.scale == view.transform.viewport.scale &&
+         picture.content.systems == content.systems &&
+         (kind_ == Kind::entitiesWithout || picture.content.ids == content.ids) &&
+         pixelsMoved(from, view).has_value();
 }
 
-bool EntityPicture::pan(const PictureView& view, const EntityIndex& index) {
-  const SketchPoint moved = view.transform.viewport.pan - picture_->view.transform.viewport.pan;
-  if (moved == SketchPoint{}) return true;
-  const auto dx = wholePixels(moved.x * view.pixelRatio);
-  const auto dy = wholePixels(moved.y * view.pixelRatio);
-  QImage& image = picture_->image;
-  if (!dx || !dy || std::abs(*dx) >= image.width() || std::abs(*dy) >= image.height()) return false;
+void EntityPicture::shift(const PictureView& view) {
+  const QPoint by = *pixelsMoved(picture_->view, view);
   picture_->view = view;
-  shiftPixels(image, *dx, *dy);
-  const QRect all = image.rect();
-  for (const QRect& strip : QRegion(all) - QRegion(all.translated(*dx, *dy))) repaint(strip, index);
-  return true;
+  if (by.isNull()) return;
+  QImage& image = picture_->image;
+  if (image.isNull()) return;
+  shiftPixels(image, by.x(), by.y());
+  const QRegion all = image.rect();
+  picture_->stale = (picture_->stale.translated(by) & all) + (all - all.translated(by));
 }
 
-void EntityPicture::applyEdits(const PictureContent& content, const EntityIndex& index) {
+void EntityPicture::markEdits(const PictureContent& content) {
   Picture& picture = *picture_;
   const bool sameIDs = picture.content.ids == content.ids;
   if (sameIDs && picture.content.entities.sharesAllStorage(content.entities)) return;
@@ -161,6 +304,10 @@ void EntityPicture::applyEdits(const PictureContent& content, const EntityIndex&
   }
   const auto touchNamed = [&](const PictureContent& named, const PictureContent& other) {
     if (!named.ids || touched.size() > kMostEditsInPlace) return;
+    if (named.ids->size() > kMostEditsInPlace) {
+      touched.resize(kMostEditsInPlace + 1);
+      return;
+    }
     for (const UUID& id : *named.ids) {
       if (other.ids && other.ids->contains(id)) continue;
       if (const SketchEntity* entity = picture.content.entities.find(id)) touched.push_back(entity);
@@ -172,82 +319,59 @@ void EntityPicture::applyEdits(const PictureContent& content, const EntityIndex&
     touchNamed(picture.content, content);
     touchNamed(content, picture.content);
   }
+  QRegion changed;
   if (touched.size() > kMostEditsInPlace) {
-    startJob(picture.view, content);
-    return;
+    changed = picture.image.rect();
+  } else {
+    for (const SketchEntity* entity : touched) {
+      changed += deviceBounds(*entity, content.systems, picture.view);
+    }
+    // Many small pieces cost more than the box around them.
+    if (changed.rectCount() > 8) changed = changed.boundingRect();
   }
-  QRegion dirty;
-  for (const SketchEntity* entity : touched) dirty += deviceBounds(*entity, content.systems);
+  picture.stale += changed & picture.image.rect();
   picture.content = content;
-  // Many small pieces cost more than the box around them.
-  if (dirty.rectCount() > 8) dirty = dirty.boundingRect();
-  for (const QRect& rect : dirty) repaint(rect, index);
 }
 
-QRect EntityPicture::deviceBounds(const SketchEntity& entity,
-                                  const std::vector<WallSystemSpec>& systems) const {
-  const auto* wall = std::get_if<WallEntity>(&entity);
-  const double thickness = wall != nullptr ? paintedWallThickness(*wall, systems) : 0;
-  const PictureView& view = picture_->view;
-  ViewRect bounds = entityViewBounds(entity, thickness, view.transform.viewport).grown(kWidestReach);
-  const ViewRect canvas{0, 0, view.transform.canvasSize.width, view.transform.canvasSize.height};
-  if (!bounds.touches(canvas)) return {};
-  bounds = {std::max(bounds.minX, canvas.minX), std::max(bounds.minY, canvas.minY),
-            std::min(bounds.maxX, canvas.maxX), std::min(bounds.maxY, canvas.maxY)};
-  const QRectF device(QPointF(bounds.minX, bounds.minY) * view.pixelRatio,
-                      QPointF(bounds.maxX, bounds.maxY) * view.pixelRatio);
-  return device.toAlignedRect();
-}
-
-CanvasFrame EntityPicture::frameOf(const PictureView& view, const std::optional<QRect>& deviceRect) const {
-  CanvasFrame frame{view.transform, view.palette};
-  if (deviceRect) {
-    const double ratio = view.pixelRatio;
-    frame.part = ViewRect{deviceRect->left() / ratio, deviceRect->top() / ratio,
-                          (deviceRect->left() + deviceRect->width()) / ratio,
-                          (deviceRect->top() + deviceRect->height()) / ratio};
-  }
-  return frame;
-}
-
-void EntityPicture::repaint(const QRect& deviceRect, const EntityIndex& index) {
-  Picture& picture = *picture_;
-  clearPixels(picture.image, deviceRect);
-  PixelCanvasPainter painter(picture.image, picture.view.pixelRatio, deviceRect);
-  const CanvasFrame frame = frameOf(picture.view, deviceRect);
-  Brush brush(kind_, frame, picture.content, painter);
-  const bool isIndexed = index.list().sharesAllStorage(picture.content.entities);
-  const EntitySource source = isIndexed ? EntitySource(index) : EntitySource(picture.content.entities);
-  source.visitNear(sketchBoxAround(*frame.part, picture.view, picture.content.systems),
-                   [&brush](const SketchEntity& entity, std::size_t) { brush.paint(entity); });
-}
-
-void EntityPicture::startJob(const PictureView& view, const PictureContent& content) {
-  QImage image(deviceSize(view), QImage::Format_ARGB32_Premultiplied);
-  image.fill(Qt::transparent);
-  job_.emplace(Job{{std::move(image), view, content}, {}});
-  job_->next = job_->picture.content.entities.begin();
-}
-
-bool EntityPicture::runJob(Deadline deadline) {
-  Picture& picture = job_->picture;
-  if (!picture.image.isNull()) {
-    PixelCanvasPainter painter(picture.image, picture.view.pixelRatio);
-    const CanvasFrame frame = frameOf(picture.view, std::nullopt);
-    Brush brush(kind_, frame, picture.content, painter);
-    const EntityList::Iterator end = picture.content.entities.end();
-    int untilLook = kEntitiesPerLook;
-    for (; job_->next != end; ++job_->next) {
-      if (--untilLook == 0) {
-        if (std::chrono::steady_clock::now() >= deadline) return false;
-        untilLook = kEntitiesPerLook;
+bool EntityPicture::paintLittle(Picture& picture, const EntityIndex& index, Deadline deadline) const {
+  if (picture.image.isNull()) picture.stale = {};
+  const EntityList& entities = picture.content.entities;
+  const bool isShort = entities.size() <= kLittle;
+  if (!isShort && !index.list().sharesAllStorage(entities)) return picture.stale.isEmpty();
+  const QRegion stale = picture.stale;
+  std::vector<EntityIndex::Candidate> candidates;
+  for (const QRect& rect : stale) {
+    for (const QRect& tile : tilesOf(rect)) {
+      if (std::chrono::steady_clock::now() >= deadline) return false;
+      const CanvasFrame frame = frameOf(picture.view, tile);
+      candidates.clear();
+      if (!isShort && !index.candidatesIn(sketchBoxAround(*frame.part, picture.view, picture.content.systems),
+                                          candidates, kLittle)) {
+        return false;
       }
-      brush.paint(*job_->next);
+      clearPixels(picture.image, tile);
+      PixelCanvasPainter painter(picture.image, picture.view.pixelRatio, tile);
+      Brush brush(kind_, frame, picture.content, painter);
+      if (isShort) {
+        for (const SketchEntity& entity : entities) brush.paint(entity);
+      } else {
+        for (const auto& [position, entity] : index.inListOrder(candidates)) brush.paint(*entity);
+      }
+      picture.stale -= tile;
     }
   }
-  picture_ = std::move(picture);
-  job_.reset();
   return true;
+}
+
+void EntityPicture::startJob(Picture picture) {
+  dropJob();
+  job_ = std::make_unique<Job>(kind_, std::move(picture), painted_);
+}
+
+void EntityPicture::dropJob() {
+  if (!job_) return;
+  job_->cancel();
+  dropped_.push_back(std::move(job_));
 }
 
 void EntityPicture::paint(QPainter& painter, const PictureView& view) const {

@@ -1,12 +1,18 @@
 // A picture of many entities that is kept, so that a frame costs a copy. It follows the state in
-// small steps: a pan shifts it and paints the strips that come in, an edit repaints what changed, and
-// a new zoom is painted anew over several turns while the old picture, scaled, stands in for it.
+// small steps: a pan shifts it and leaves the strips that come in to be painted, an edit leaves what
+// changed, and a new zoom everything.
+//
+// What is left is painted at once where it is little. Where it is much, a thread of its own paints it,
+// and the old picture, shifted or scaled, stands in meanwhile; no frame waits for it. The thread reads
+// values alone: the list that it paints shares its storage with the one on the screen, which is copied
+// where it is edited, and it is let go on the main thread.
 #pragma once
 
 #include <QImage>
 #include <QPainter>
 #include <QRegion>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <unordered_set>
@@ -45,12 +51,18 @@ class EntityPicture {
     selection,        ///< the selection highlight of the entities named by `ids`
   };
 
-  explicit EntityPicture(Kind kind) : kind_(kind) {}
+  /// `painted` is called, on another thread, whenever a painting that took longer has ended: then it is
+  /// time for the next `update`.
+  EntityPicture(Kind kind, std::function<void()> painted);
+  ~EntityPicture();
 
-  /// Brings the picture up to the state, or nearer to it until the deadline. True once it is there;
-  /// until then call again. Small parts are painted through `index` where it is one over the content.
+  /// Brings the picture up to the state, or nearer to it. True once it is there; until then it goes on
+  /// by itself and calls `painted`. What little there is to paint is painted at once, through `index`
+  /// where it is one over the content, and until the deadline.
   bool update(const PictureView& view, const PictureContent& content, const EntityIndex& index,
               Deadline deadline);
+  /// Waits for what is being painted.
+  void wait();
   /// Draws the picture, scaled where it is still that of another view.
   void paint(QPainter& painter, const PictureView& view) const;
   /// Lets go of the picture.
@@ -61,25 +73,22 @@ class EntityPicture {
     QImage image;
     PictureView view;
     PictureContent content;
+    QRegion stale;  // device pixels that are still to be painted
   };
-  // A picture that is being painted anew.
-  struct Job {
-    Picture picture;
-    EntityList::Iterator next;
-  };
+  class Job;
 
-  bool follows(const PictureView& view, const PictureContent& content) const;
-  bool pan(const PictureView& view, const EntityIndex& index);
-  void applyEdits(const PictureContent& content, const EntityIndex& index);
-  void repaint(const QRect& deviceRect, const EntityIndex& index);
-  void startJob(const PictureView& view, const PictureContent& content);
-  bool runJob(Deadline deadline);
-  QRect deviceBounds(const SketchEntity& entity, const std::vector<WallSystemSpec>& systems) const;
-  CanvasFrame frameOf(const PictureView& view, const std::optional<QRect>& deviceRect) const;
+  bool leadsTo(const Picture& picture, const PictureView& view, const PictureContent& content) const;
+  void shift(const PictureView& view);
+  void markEdits(const PictureContent& content);
+  bool paintLittle(Picture& picture, const EntityIndex& index, Deadline deadline) const;
+  void startJob(Picture picture);
+  void dropJob();
 
   Kind kind_;
+  std::function<void()> painted_;
   std::optional<Picture> picture_;
-  std::optional<Job> job_;
+  std::unique_ptr<Job> job_;                   // a picture that is being painted
+  std::vector<std::unique_ptr<Job>> dropped_;  // those that nobody waits for, until they have stopped
 };
 
 }  // namespace ostrelon

@@ -1,0 +1,270 @@
+// The main window over large plans: real events, and the frames that they cause. The whole plan is on
+// the screen, so that every entity of it is to be seen; at a million each is about a pixel.
+//
+// A frame is everything from an event until the window has nothing more to do at once, its repaint
+// included. Beside the mean the counters tell the 50th, 95th and 99th percentile and the worst, in
+// milliseconds; `exact_ms` is the longest time from the last event of a movement until the picture is
+// exact.
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QWheelEvent>
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <vector>
+
+#include "app/application.h"
+#include "plan.h"
+#include "platform/dialogs.h"
+#include "platform/disk_file_system.h"
+#include "platform/scheduler.h"
+#include "platform/user_defaults.h"
+#include "shell/main_window.h"
+#include "shell/theme.h"
+#include "updates/served_update_client.h"
+
+namespace ostrelon {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double millisecondsSince(Clock::time_point start) {
+  return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+class FrameTimes {
+ public:
+  void add(double milliseconds) { times_.push_back(milliseconds); }
+  void report(benchmark::State& state) {
+    if (times_.empty()) return;
+    std::sort(times_.begin(), times_.end());
+    const auto share = [this](double part) {
+      return times_[static_cast<std::size_t>(part * static_cast<double>(times_.size() - 1))];
+    };
+    state.counters["p50_ms"] = share(0.5);
+    state.counters["p95_ms"] = share(0.95);
+    state.counters["p99_ms"] = share(0.99);
+    state.counters["worst_ms"] = times_.back();
+  }
+
+ private:
+  std::vector<double> times_;
+};
+
+void startWithoutDisplay() {
+  static int count = 1;
+  static char name[] = "benchmark";
+  static char* arguments[] = {name, nullptr};
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  // Never taken down: the benchmarks end with the process.
+  static const auto* application = new QApplication(count, arguments);
+  benchmark::DoNotOptimize(application);
+}
+
+Theme& theme() {
+  static Theme* made = [] {
+    auto* theme = new Theme(QCoreApplication::instance());
+    installBaseStyle(*theme);
+    theme->setPalette(lightPalette());
+    return theme;
+  }();
+  return *made;
+}
+
+/// The main window, 1920 by 1080, on no display, with a plan zoomed to fit.
+class WindowOnPlan {
+ public:
+  explicit WindowOnPlan(std::int64_t count) {
+    window.resize(1920, 1080);
+    window.show();
+    settle();
+    sketch.restoreSnapshot(plan(static_cast<std::size_t>(count)));
+    sketch.zoomToFit(sketch.canvasSize);
+    settle();
+  }
+
+  QPointF middle() { return QRectF(window.canvas().rect()).center(); }
+
+  /// One event and everything that it causes at once. In milliseconds.
+  template <class Event>
+  double frame(Event& event) {
+    const auto start = Clock::now();
+    QApplication::sendEvent(&window.canvas(), &event);
+    // Once for what the event asks for, once more for the repaints of the badges that changed with it.
+    QApplication::processEvents();
+    QApplication::processEvents();
+    return millisecondsSince(start);
+  }
+  double move(QPointF at, Qt::MouseButtons buttons) {
+    QMouseEvent event(QEvent::MouseMove, at, window.canvas().mapToGlobal(at), Qt::NoButton, buttons, {});
+    return frame(event);
+  }
+  double press(QPointF at) {
+    QMouseEvent event(QEvent::MouseButtonPress, at, window.canvas().mapToGlobal(at), Qt::LeftButton,
+                      Qt::LeftButton, {});
+    return frame(event);
+  }
+  double wheel(QPoint pixels, QPoint angle, Qt::KeyboardModifiers modifiers) {
+    QWheelEvent event(middle(), window.canvas().mapToGlobal(middle()), pixels, angle, Qt::NoButton, modifiers,
+                      Qt::NoScrollPhase, false);
+    return frame(event);
+  }
+  /// Until the picture is exact. In milliseconds.
+  double settle() {
+    const auto start = Clock::now();
+    do {
+      scheduler.advance(Seconds(0));
+      QApplication::processEvents();
+    } while (!window.canvas().isExact());
+    return millisecondsSince(start);
+  }
+
+  VirtualScheduler scheduler{dateFromSeconds(0)};
+  QueuedDialogs dialogs;
+  DiskFileSystem files;
+  MemoryUserDefaults defaults;
+  FilePath home = std::filesystem::temp_directory_path() / "ostrelon-benchmark";
+  ServedUpdateClient client{scheduler, home / "tmp"};
+  Application application{{.host = {scheduler, dialogs, files},
+                           .defaults = defaults,
+                           .updateClient = client,
+                           .openInstaller = [](const FilePath&) { return true; }},
+                          {.documentsFolder = home / "Documents",
+                           .updates = updateConfiguration("1.0.0", "1", "", ""),
+                           .isUITesting = true}};
+  SketchViewModel& sketch = application.sketch();
+  MainWindow window{application, theme()};
+};
+
+/// A path that wanders over the whole canvas.
+class Wander {
+ public:
+  explicit Wander(QPointF middle) : middle_(middle) {}
+  QPointF next() {
+    turn_ += 0.037;
+    return middle_ + QPointF(middle_.x() * 0.9 * std::cos(turn_), middle_.y() * 0.9 * std::sin(turn_ * 1.7));
+  }
+
+ private:
+  QPointF middle_;
+  double turn_ = 0;
+};
+
+void sizes(benchmark::internal::Benchmark* benchmark) {
+  for (const std::int64_t count : {10'000, 100'000, 1'000'000}) benchmark->Arg(count);
+  benchmark->Unit(benchmark::kMillisecond)->UseRealTime();
+}
+
+// One mouse event while a line is drawn, with grid and snapping on.
+void BM_PointerMoveWindow(benchmark::State& state) {
+  startWithoutDisplay();
+  WindowOnPlan on(state.range(0));
+  on.sketch.activateTool(SketchTool::line);
+  on.press(on.middle());
+  on.settle();
+  Wander pointer(on.middle());
+  FrameTimes times;
+  for (auto _ : state) times.add(on.move(pointer.next(), Qt::LeftButton));
+  times.report(state);
+}
+BENCHMARK(BM_PointerMoveWindow)->Apply(sizes)->Iterations(2000);
+
+// One mouse event of the select tool, which highlights what is under the pointer.
+void BM_HoverWindow(benchmark::State& state) {
+  startWithoutDisplay();
+  WindowOnPlan on(state.range(0));
+  Wander pointer(on.middle());
+  FrameTimes times;
+  for (auto _ : state) times.add(on.move(pointer.next(), Qt::NoButton));
+  times.report(state);
+}
+BENCHMARK(BM_HoverWindow)->Apply(sizes)->Iterations(2000);
+
+// One mouse event while an entity is dragged.
+void BM_DragWindow(benchmark::State& state) {
+  startWithoutDisplay();
+  WindowOnPlan on(state.range(0));
+  on.sketch.addLine({-30, -10}, {30, 10});
+  on.settle();
+  on.press(on.middle());
+  FrameTimes times;
+  Wander pointer(on.middle());
+  on.move(pointer.next(), Qt::LeftButton);
+  if (!*on.sketch.selectDrag) state.SkipWithError("nothing was grabbed");
+  on.settle();
+  for (auto _ : state) times.add(on.move(pointer.next(), Qt::LeftButton));
+  times.report(state);
+}
+BENCHMARK(BM_DragWindow)->Apply(sizes)->Iterations(500);
+
+// One step of a wheel that scrolls: twenty one way, twenty back, then a rest.
+void BM_PanFrame(benchmark::State& state) {
+  startWithoutDisplay();
+  WindowOnPlan on(state.range(0));
+  FrameTimes times;
+  double exact = 0;
+  int step = 0;
+  for (auto _ : state) {
+    const int by = step / 20 % 2 == 0 ? 60 : -60;
+    times.add(on.wheel({by / 3, by}, {}, {}));
+    if (++step % 20 == 0) {
+      state.PauseTiming();
+      exact = std::max(exact, on.settle());
+      state.ResumeTiming();
+    }
+  }
+  times.report(state);
+  state.counters["exact_ms"] = exact;
+}
+BENCHMARK(BM_PanFrame)->Apply(sizes)->Iterations(400);
+
+// One step of a wheel that zooms: ten in, ten out, then a rest.
+void BM_ZoomFrame(benchmark::State& state) {
+  startWithoutDisplay();
+  WindowOnPlan on(state.range(0));
+  FrameTimes times;
+  double exact = 0;
+  int step = 0;
+  for (auto _ : state) {
+    const int by = step / 10 % 2 == 0 ? 120 : -120;
+    times.add(on.wheel({}, {0, by}, Qt::ControlModifier));
+    if (++step % 10 == 0) {
+      state.PauseTiming();
+      exact = std::max(exact, on.settle());
+      state.ResumeTiming();
+    }
+  }
+  times.report(state);
+  state.counters["exact_ms"] = exact;
+}
+BENCHMARK(BM_ZoomFrame)->Apply(sizes)->Iterations(400);
+
+// The exact picture of the whole plan, from nothing.
+void BM_PaintFull(benchmark::State& state) {
+  startWithoutDisplay();
+  WindowOnPlan on(state.range(0));
+  double scale = on.sketch.viewport->scale;
+  for (auto _ : state) {
+    scale *= 1.0001;
+    on.sketch.setViewport(on.sketch.viewport->pan.x, on.sketch.viewport->pan.y, scale);
+    on.window.canvas().finishPainting();
+  }
+}
+BENCHMARK(BM_PaintFull)->Apply(sizes)->MinTime(0.5);
+
+// The canvas again, with a line being drawn, when nothing but what lies over the drawing has changed.
+void BM_PaintOverlay(benchmark::State& state) {
+  startWithoutDisplay();
+  WindowOnPlan on(state.range(0));
+  on.sketch.activateTool(SketchTool::line);
+  on.press(on.middle());
+  on.move(on.middle() + QPointF(200, 3), Qt::LeftButton);
+  on.settle();
+  for (auto _ : state) on.window.canvas().repaint();
+}
+BENCHMARK(BM_PaintOverlay)->Apply(sizes);
+
+}  // namespace
+}  // namespace ostrelon

@@ -1,0 +1,59 @@
+// A view model over a plan, without a window and without files.
+#pragma once
+
+#include <random>
+
+#include "core/sketch_view_model.h"
+#include "interaction/canvas_gestures.h"
+#include "plan.h"
+#include "platform/dialogs.h"
+#include "platform/disk_file_system.h"
+#include "platform/scheduler.h"
+
+namespace ostrelon {
+
+struct SketchOnPlan {
+  VirtualScheduler scheduler{dateFromSeconds(0)};
+  QueuedDialogs dialogs;
+  DiskFileSystem files;
+  SketchViewModel sketch{Host{scheduler, dialogs, files}};
+  CanvasGestures gestures{sketch};
+  std::size_t count;
+  std::mt19937_64 random{4711};  // the same places for every run of a size
+
+  explicit SketchOnPlan(std::size_t entityCount) : count(entityCount) {
+    sketch.updateCanvasSize({1600, 1000});
+    sketch.restoreSnapshot(plan(count));
+    sketch.index();
+  }
+
+  /// Anywhere on the canvas, view points.
+  SketchPoint randomViewPoint() {
+    std::uniform_real_distribution<double> x(0, 1600);
+    std::uniform_real_distribution<double> y(0, 1000);
+    return {x(random), y(random)};
+  }
+  /// Shows another part of the plan, so that a large drawing is met at many places and not at a few
+  /// that the processor has at hand.
+  void lookElsewhere() {
+    const SketchPoint at = planPlace(random() % count, count);
+    const double scale = sketch.viewport->scale;
+    sketch.setViewport(800 - at.x * scale, 500 + at.y * scale, scale);
+  }
+  /// The positions of a square block of so many entities in the middle of the plan.
+  std::vector<std::int64_t> blockInTheMiddle(std::size_t size) const {
+    const std::size_t columns = planColumns(count);
+    const auto side = static_cast<std::size_t>(std::ceil(std::sqrt(static_cast<double>(size))));
+    const std::size_t first = columns > side ? (columns - side) / 2 : 0;
+    std::vector<std::int64_t> positions;
+    for (std::size_t row = first; row < first + side; ++row) {
+      for (std::size_t column = first; column < first + side && positions.size() < size; ++column) {
+        const std::size_t position = row * columns + column;
+        if (position < count) positions.push_back(static_cast<std::int64_t>(position));
+      }
+    }
+    return positions;
+  }
+};
+
+}  // namespace ostrelon
