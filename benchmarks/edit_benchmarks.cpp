@@ -79,7 +79,7 @@ void BM_DeleteOne(benchmark::State& state) {
     takeBack(state, on);
   }
 }
-BENCHMARK(BM_DeleteOne)->Apply(sizes)->Iterations(500);
+BENCHMARK(BM_DeleteOne)->Apply(sizes);
 
 void BM_PasteThousand(benchmark::State& state) {
   SketchOnPlan on(sizeOf(state));
@@ -91,7 +91,7 @@ void BM_PasteThousand(benchmark::State& state) {
     takeBack(state, on);
   }
 }
-BENCHMARK(BM_PasteThousand)->Apply(sizes)->Iterations(100);
+BENCHMARK(BM_PasteThousand)->Apply(sizes);
 
 // One undo and one redo of a single edit, each at another place; the index follows both.
 void BM_UndoOne(benchmark::State& state) {
@@ -108,7 +108,7 @@ void BM_UndoOne(benchmark::State& state) {
     on.sketch.index();
   }
 }
-BENCHMARK(BM_UndoOne)->Apply(sizes)->Iterations(500);
+BENCHMARK(BM_UndoOne)->Apply(sizes);
 
 // Trims a line against the one beside it and undoes it.
 void BM_TrimAndUndo(benchmark::State& state) {
@@ -141,7 +141,7 @@ void BM_DeleteATenth(benchmark::State& state) {
     takeBack(state, on);
   }
 }
-BENCHMARK(BM_DeleteATenth)->Apply(sizes)->Iterations(5);
+BENCHMARK(BM_DeleteATenth)->Apply(sizes);
 
 void BM_AlignATenth(benchmark::State& state) {
   SketchOnPlan on(sizeOf(state));
@@ -153,7 +153,7 @@ void BM_AlignATenth(benchmark::State& state) {
     takeBack(state, on);
   }
 }
-BENCHMARK(BM_AlignATenth)->Apply(sizes)->Iterations(5);
+BENCHMARK(BM_AlignATenth)->Apply(sizes);
 
 }  // namespace
 }  // namespace ostrelon

@@ -1,5 +1,5 @@
-// The pointer over drawings of growing size, without a window: each iteration is one move, handled whole,
-// at a place of its own.
+// The pointer over drawings of growing size, without a window: each iteration is one move, handled whole.
+// The pointer works in one part of the drawing for some hundred moves and then goes on to another, anywhere.
 #include <benchmark/benchmark.h>
 
 #include "geometry/selection_handles.h"
@@ -35,7 +35,7 @@ class Wander {
 void BM_HoverPick(benchmark::State& state) {
   SketchOnPlan on(sizeOf(state));
   for (auto _ : state) {
-    on.lookElsewhere();
+    on.goOn();
     on.gestures.hover(on.randomViewPoint());
   }
 }
@@ -47,7 +47,7 @@ void BM_SnapDraftEnd(benchmark::State& state) {
   on.sketch.activateTool(SketchTool::line);
   on.gestures.press({800, 500});
   for (auto _ : state) {
-    on.lookElsewhere();
+    on.goOn();
     on.gestures.drag(on.randomViewPoint());
   }
 }
@@ -68,12 +68,14 @@ bool takeHold(SketchOnPlan& on, std::size_t position, SketchPoint& press) {
 // The snap of a moved entity alone: its points against those of all others.
 void BM_SnapEntityMove(benchmark::State& state) {
   SketchOnPlan on(sizeOf(state));
-  const SketchEntity moved = on.sketch.entities.get()[on.count / 2 / 10 * 10];
-  const SketchPoint home = planPlace(on.count / 2 / 10 * 10, on.count);
+  const std::size_t position = on.count / 2 / 10 * 10;
+  const SketchEntity moved = on.sketch.entities.get()[position];
+  const SketchPoint home = planPlace(position, on.count);
   for (auto _ : state) {
-    const SketchPoint to = planPlace(on.random() % on.count, on.count);
-    benchmark::DoNotOptimize(SketchSnapping::snapEntityMove(to - home + SketchPoint{1, 1}, on.sketch.viewport,
-                                                            moved, on.sketch.index()));
+    on.goOn();
+    const SketchPoint to = viewPointToSketch(on.randomViewPoint(), on.sketch.viewport);
+    benchmark::DoNotOptimize(
+        SketchSnapping::snapEntityMove(to - home, on.sketch.viewport, moved, on.sketch.index()));
   }
 }
 BENCHMARK(BM_SnapEntityMove)->Apply(sizes);

@@ -40,6 +40,10 @@ struct SketchOnPlan {
     const double scale = sketch.viewport->scale;
     sketch.setViewport(800 - at.x * scale, 500 + at.y * scale, scale);
   }
+  /// One step of somebody who works at one place for a while before going to another.
+  void goOn() {
+    if (steps_++ % 200 == 0) lookElsewhere();
+  }
   /// The positions of a square block of so many entities in the middle of the plan.
   std::vector<std::int64_t> blockInTheMiddle(std::size_t size) const {
     const std::size_t columns = planColumns(count);
@@ -54,6 +58,9 @@ struct SketchOnPlan {
     }
     return positions;
   }
+
+ private:
+  std::uint64_t steps_ = 0;
 };
 
 }  // namespace ostrelon

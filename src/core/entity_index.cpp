@@ -1,6 +1,7 @@
 #include "core/entity_index.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -23,7 +24,17 @@ constexpr std::size_t kWideWindowShare = 8;
 // Numbers of chunks that are gone are given back by a rebuild, once there are this many too many.
 constexpr std::size_t kManyChunks = 1 << 16;
 
-double cellSize(int level) { return std::ldexp(kFinestCell, 2 * level); }
+constexpr std::array<double, 24> kCellSizes = [] {
+  std::array<double, 24> sizes{};
+  double size = kFinestCell;
+  for (double& each : sizes) {
+    each = size;
+    size *= 4;
+  }
+  return sizes;
+}();
+
+double cellSize(int level) { return kCellSizes[static_cast<std::size_t>(level)]; }
 
 float roundedDown(double value) {
   const auto narrow = static_cast<float>(value);

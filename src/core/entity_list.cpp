@@ -23,6 +23,12 @@ std::size_t startOf(const std::vector<std::size_t>& ends, std::size_t part) {
   return part == 0 ? 0 : ends[part - 1];
 }
 
+// The element so many places before the last one.
+template <class T>
+const T& fromEnd(const std::vector<T>& all, std::size_t places) {
+  return all[all.size() - 1 - places];
+}
+
 template <class T>
 void moveAppend(std::vector<T>& target, typename std::vector<T>::iterator from,
                 typename std::vector<T>::iterator to) {
@@ -111,6 +117,41 @@ void EntityList::append(std::vector<SketchEntity> entities) {
 void EntityList::replace(std::size_t index, SketchEntity entity) {
   const Location at = locate(index);
   ownChunk(at.node, at.chunk)[at.offset] = std::move(entity);
+}
+
+bool EntityList::replaceAll(const std::vector<std::size_t>& ascendingIndices,
+                            const std::vector<SketchEntity>& entities) {
+  if (ascendingIndices.size() != entities.size()) return false;
+  if (ascendingIndices.empty()) return true;
+  if (ascendingIndices.back() >= size()) return false;
+  // One walk to check and one to write, each finding a chunk once for all its positions.
+  const auto walk = [&](const auto& visitChunk) {
+    std::size_t next = 0;
+    while (next < ascendingIndices.size()) {
+      const Location at = locate(ascendingIndices[next]);
+      const std::size_t chunkStart = ascendingIndices[next] - at.offset;
+      const std::size_t chunkEnd = chunkStart + root_->nodes[at.node]->chunks[at.chunk]->size();
+      std::size_t end = next;
+      while (end < ascendingIndices.size() && ascendingIndices[end] < chunkEnd) ++end;
+      if (!visitChunk(at, chunkStart, next, end)) return false;
+      next = end;
+    }
+    return true;
+  };
+  const bool isSame =
+      walk([&](const Location& at, std::size_t chunkStart, std::size_t next, std::size_t end) {
+        const Chunk& chunk = *root_->nodes[at.node]->chunks[at.chunk];
+        for (; next < end; ++next) {
+          if (entityID(chunk[ascendingIndices[next] - chunkStart]) != entityID(entities[next])) return false;
+        }
+        return true;
+      });
+  if (!isSame) return false;
+  return walk([&](const Location& at, std::size_t chunkStart, std::size_t next, std::size_t end) {
+    Chunk& chunk = ownChunk(at.node, at.chunk);
+    for (; next < end; ++next) chunk[ascendingIndices[next] - chunkStart] = entities[next];
+    return true;
+  });
 }
 
 void EntityList::insert(std::size_t index, std::vector<SketchEntity> entities) {
@@ -305,6 +346,52 @@ EntityList EntityList::fromChunks(std::vector<std::shared_ptr<const Chunk>> chun
     ++next;
   }
   return list;
+}
+
+std::size_t EntityList::commonStart(const EntityList& other) const {
+  if (!root_ || !other.root_) return 0;
+  const auto& nodes = root_->nodes;
+  const auto& others = other.root_->nodes;
+  std::size_t node = 0;
+  std::size_t common = 0;
+  while (node < std::min(nodes.size(), others.size()) && nodes[node] == others[node]) {
+    common += nodes[node++]->size();
+  }
+  if (node == std::min(nodes.size(), others.size())) return common;
+  const auto& chunks = nodes[node]->chunks;
+  const auto& otherChunks = others[node]->chunks;
+  std::size_t chunk = 0;
+  while (chunk < std::min(chunks.size(), otherChunks.size()) && chunks[chunk] == otherChunks[chunk]) {
+    common += chunks[chunk++]->size();
+  }
+  if (chunk == std::min(chunks.size(), otherChunks.size())) return common;
+  const auto first = std::mismatch(chunks[chunk]->begin(), chunks[chunk]->end(), otherChunks[chunk]->begin(),
+                                   otherChunks[chunk]->end());
+  return common + static_cast<std::size_t>(first.first - chunks[chunk]->begin());
+}
+
+std::size_t EntityList::commonEnd(const EntityList& other) const {
+  if (!root_ || !other.root_) return 0;
+  const auto& nodes = root_->nodes;
+  const auto& others = other.root_->nodes;
+  std::size_t node = 0;
+  std::size_t common = 0;
+  while (node < std::min(nodes.size(), others.size()) && fromEnd(nodes, node) == fromEnd(others, node)) {
+    common += fromEnd(nodes, node++)->size();
+  }
+  if (node == std::min(nodes.size(), others.size())) return common;
+  const auto& chunks = fromEnd(nodes, node)->chunks;
+  const auto& otherChunks = fromEnd(others, node)->chunks;
+  std::size_t chunk = 0;
+  while (chunk < std::min(chunks.size(), otherChunks.size()) &&
+         fromEnd(chunks, chunk) == fromEnd(otherChunks, chunk)) {
+    common += fromEnd(chunks, chunk++)->size();
+  }
+  if (chunk == std::min(chunks.size(), otherChunks.size())) return common;
+  const Chunk& last = *fromEnd(chunks, chunk);
+  const Chunk& otherLast = *fromEnd(otherChunks, chunk);
+  const auto first = std::mismatch(last.rbegin(), last.rend(), otherLast.rbegin(), otherLast.rend());
+  return common + static_cast<std::size_t>(first.first - last.rbegin());
 }
 
 std::vector<EntityList::LooseChunk> EntityList::looseChunks(const EntityList& list, const EntityList& other) {

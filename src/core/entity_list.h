@@ -47,6 +47,10 @@ class EntityList {
   void append(SketchEntity entity);
   void append(std::vector<SketchEntity> entities);
   void replace(std::size_t index, SketchEntity entity);
+  /// Replaces the entities at these ascending positions by others with the same identifiers. False, with
+  /// nothing changed, where a position is beyond the list or holds another identifier.
+  bool replaceAll(const std::vector<std::size_t>& ascendingIndices,
+                  const std::vector<SketchEntity>& entities);
   /// `index` may equal `size()`.
   void insert(std::size_t index, std::vector<SketchEntity> entities);
   void remove(std::size_t index);
@@ -73,6 +77,10 @@ class EntityList {
   /// same chunks, whole nodes of it are shared too.
   static EntityList fromChunks(std::vector<std::shared_ptr<const Chunk>> chunks);
   static EntityList fromChunks(std::vector<std::shared_ptr<const Chunk>> chunks, const EntityList& alike);
+
+  /// How many equal entities two lists begin with, and end with. What they share is skipped.
+  std::size_t commonStart(const EntityList& other) const;
+  std::size_t commonEnd(const EntityList& other) const;
 
   /// What differs between two lists, by identifier.
   struct Difference {

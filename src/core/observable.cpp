@@ -10,14 +10,10 @@ Subscription ChangeTracker::observe(FieldMask fields, Callback callback) {
   return Subscription(std::move(active));
 }
 
-void ChangeTracker::open() {
-  if (depth_++ == 0 && opened_) opened_();
-}
-
 void ChangeTracker::close() {
   if (--depth_ > 0) return;
   if (changed_ == 0) {
-    if (closing_) closing_(0);
+    if (closing_) closing_();
     return;
   }
   const FieldMask changed = std::exchange(changed_, FieldMask{0});
@@ -28,7 +24,7 @@ void ChangeTracker::close() {
   for (const auto& observer : observers) {
     if (*observer->active && (observer->fields & changed) != 0) observer->callback(changed);
   }
-  if (closing_) closing_(changed);
+  if (closing_) closing_();
 }
 
 }  // namespace ostrelon

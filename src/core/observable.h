@@ -65,13 +65,10 @@ class ChangeTracker {
   /// The number of operations that have changed something.
   std::uint64_t revision() const { return revision_; }
   bool isOpen() const { return depth_ > 0; }
-  /// Called when the outermost scope opens, and when it has ended and the observers have been told.
-  void setHooks(std::function<void()> opened, std::function<void(FieldMask)> closing) {
-    opened_ = std::move(opened);
-    closing_ = std::move(closing);
-  }
+  /// Called when the outermost scope has ended and the observers have been told.
+  void setClosingHook(std::function<void()> closing) { closing_ = std::move(closing); }
 
-  void open();
+  void open() { ++depth_; }
   void close();
   void mark(unsigned field) { changed_ |= fieldBit(field); }
 
@@ -86,8 +83,7 @@ class ChangeTracker {
   FieldMask changed_ = 0;
   std::uint64_t revision_ = 0;
   std::vector<std::shared_ptr<Observer>> observers_;
-  std::function<void()> opened_;
-  std::function<void(FieldMask)> closing_;
+  std::function<void()> closing_;
 };
 
 /// One operation. No scope may span a wait.
@@ -117,6 +113,9 @@ class Observable {
 
   friend bool operator==(const Observable& a, const T& b) { return a.value_ == b; }
 
+  /// How often the field has been written since it was made.
+  std::uint64_t writes() const { return writes_; }
+
  private:
   friend Owner;
 
@@ -124,6 +123,7 @@ class Observable {
     if (!(value_ == value)) {
       const ChangeScope scope(tracker_);
       value_ = std::move(value);
+      ++writes_;
       tracker_.mark(field_);
     }
     return *this;
@@ -131,6 +131,7 @@ class Observable {
 
   /// Marks the field as changed and gives the value to change in place. Only within a scope.
   T& edit() {
+    ++writes_;
     tracker_.mark(field_);
     return value_;
   }
@@ -138,6 +139,7 @@ class Observable {
   ChangeTracker& tracker_;
   unsigned field_;
   T value_;
+  std::uint64_t writes_ = 0;
 };
 
 }  // namespace ostrelon

@@ -10,20 +10,14 @@ SketchViewModel::SketchViewModel(Host host) : host_(host) {
   activeWallSystemSpecID = wallSystemSpecs->front().id;
   appendConsoleLine("Ostrelon console ready.", false, true);
   appendConsoleLine("Type help for commands.", false, true);
-  // The list before an operation shares its storage with the list after it, so holding it for the
-  // length of a scope costs nothing; it is let go once the observers have looked.
-  tracker_.setHooks([this] { entitiesBefore_ = entities; },
-                    [this](FieldMask) {
-                      assert(undoCheckpointSuppressionDepth_ >= 0);
-                      entitiesBefore_.clear();
-                    });
+  tracker_.setClosingHook([this] { assert(undoCheckpointSuppressionDepth_ >= 0); });
 }
 
 SketchViewModel::~SketchViewModel() = default;
 
 Subscription SketchViewModel::observe(FieldMask fields, std::function<void(const SketchChange&)> changed) {
   return tracker_.observe(fields, [this, changed = std::move(changed)](FieldMask mask) {
-    changed(SketchChange{mask, tracker_.revision(), entitiesBefore_, entities});
+    changed(SketchChange{mask, tracker_.revision()});
   });
 }
 

@@ -106,12 +106,11 @@ constexpr FieldMask fieldMask(Fields... fields) {
   return (fieldBit(static_cast<unsigned>(fields)) | ... | FieldMask{0});
 }
 
-/// What one operation changed. Valid within the observer's call.
+/// What one operation changed. An observer that asks what became of the entities keeps the list as it
+/// last saw it, which costs nothing, and takes the difference.
 struct SketchChange {
   FieldMask fields = 0;
   std::uint64_t revision = 0;
-  const EntityList& entitiesBefore;
-  const EntityList& entitiesAfter;
 
   bool has(SketchField field) const { return (fields & fieldMask(field)) != 0; }
 };
@@ -484,9 +483,19 @@ class SketchViewModel {
   /// Appends one or more copies as one undo step and makes them the selection, the first one primary.
   void appendCopies(std::vector<SketchEntity> copies);
 
+  // The members of a group that is being dragged, as the last move has left them.
+  struct GroupMove {
+    std::vector<std::size_t> places;    // ascending positions in the list
+    std::vector<SketchEntity> anchors;  // the members as they were at the start, in the same order
+    std::vector<SketchEntity> moved;
+    std::uint64_t writes = 0;  // those of `entities` after the last move
+  };
+  /// Finds the members of the group, unless nothing but this drag has written since it found them.
+  GroupMove& groupMove(const MultiBodyDrag& drag);
+
   Host host_;
-  EntityList entitiesBefore_;
   mutable EntityIndex index_;  // follows `entities`, lazily
+  std::optional<GroupMove> groupMove_;
   SketchUndoStack undoStack_;
   std::optional<DocumentOnDisk> documentOnDisk_;
   bool isApplyingUndoRedo_ = false;

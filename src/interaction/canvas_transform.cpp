@@ -7,14 +7,6 @@
 
 namespace ostrelon {
 
-SketchPoint viewPointToSketch(SketchPoint viewPoint, const SketchViewport& viewport) {
-  return {(viewPoint.x - viewport.pan.x) / viewport.scale, -(viewPoint.y - viewport.pan.y) / viewport.scale};
-}
-
-SketchPoint sketchPointToView(SketchPoint point, const SketchViewport& viewport) {
-  return {viewport.pan.x + point.x * viewport.scale, viewport.pan.y - point.y * viewport.scale};
-}
-
 VisibleSketchRect visibleSketchRect(SketchSize canvasSize, const SketchViewport& viewport) {
   const SketchPoint a = viewPointToSketch({0, 0}, viewport);
   const SketchPoint b = viewPointToSketch({canvasSize.width, canvasSize.height}, viewport);

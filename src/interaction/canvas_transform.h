@@ -43,8 +43,12 @@ struct VisibleSketchRect {
   friend bool operator==(const VisibleSketchRect&, const VisibleSketchRect&) = default;
 };
 
-SketchPoint viewPointToSketch(SketchPoint viewPoint, const SketchViewport& viewport);
-SketchPoint sketchPointToView(SketchPoint point, const SketchViewport& viewport);
+inline SketchPoint viewPointToSketch(SketchPoint viewPoint, const SketchViewport& viewport) {
+  return {(viewPoint.x - viewport.pan.x) / viewport.scale, -(viewPoint.y - viewport.pan.y) / viewport.scale};
+}
+inline SketchPoint sketchPointToView(SketchPoint point, const SketchViewport& viewport) {
+  return {viewport.pan.x + point.x * viewport.scale, viewport.pan.y - point.y * viewport.scale};
+}
 VisibleSketchRect visibleSketchRect(SketchSize canvasSize, const SketchViewport& viewport);
 
 /// The distance of minor grid lines at this scale, sketch units: the step nearest to 56 view points,

@@ -27,6 +27,8 @@ class Ink {
         isOpaque_(color.alpha == 255) {}
 
   void layFull(std::uint32_t& pixel) const { pixel = isOpaque_ ? full_ : over(full_, pixel); }
+  /// Laying more of the ink would change nothing.
+  bool isSaturated(std::uint32_t pixel) const { return isOpaque_ && pixel == full_; }
   void lay(std::uint32_t& pixel, double coverage) const {
     if (!(coverage > 0)) return;
     if (coverage >= 1) {
@@ -50,11 +52,12 @@ struct IntRange {
   int end = 0;  ///< not included
 };
 
-/// The pixels whose middles may lie between two coordinates, within a range.
+/// The pixels whose middles may lie between two coordinates, within a range that does not begin below 0.
 IntRange pixelsBetween(double from, double to, int least, int most) {
-  // Held to the range before the conversion, which has no meaning for larger numbers.
-  const double first = std::clamp(std::floor(from), static_cast<double>(least), static_cast<double>(most));
-  const double last = std::clamp(std::ceil(to) + 1, static_cast<double>(least), static_cast<double>(most));
+  // Held to the range before the conversion, which has no meaning for larger numbers, and which rounds
+  // down where they are not negative.
+  const double first = std::clamp(from, static_cast<double>(least), static_cast<double>(most));
+  const double last = std::clamp(to + 2, static_cast<double>(least), static_cast<double>(most));
   return {static_cast<int>(first), static_cast<int>(last)};
 }
 
@@ -86,7 +89,7 @@ void rasterBand(const PixelBuffer& buffer, const CanvasSegment& line, SketchPoin
     const IntRange columns = pixelsBetween(left, right, buffer.clipMinX, buffer.clipMaxX);
     std::uint32_t* row = rowOf(buffer, y);
     for (int x = columns.begin; x < columns.end; ++x) {
-      ink.lay(row[x], cover(SketchPoint{x + 0.5, middleY}));
+      if (!ink.isSaturated(row[x])) ink.lay(row[x], cover(SketchPoint{x + 0.5, middleY}));
     }
   }
 }
@@ -128,7 +131,35 @@ PixelColor PixelColor::of(Color color, double opacity) {
   return {component(color.red), component(color.green), component(color.blue), component(opacity)};
 }
 
+void rasterDot(const PixelBuffer& buffer, SketchPoint center, double width, PixelColor color) {
+  const Ink ink(color);
+  const double reach = width / 2 + 0.5;
+  const double most = std::min(1.0, width);
+  // Within this distance a pixel is covered as far as it can be.
+  const double solid = reach - most;
+  const double solidSquared = solid * solid;
+  const double reachSquared = reach * reach;
+  const IntRange rows = pixelsBetween(center.y - reach, center.y + reach, buffer.clipMinY, buffer.clipMaxY);
+  const IntRange columns =
+      pixelsBetween(center.x - reach, center.x + reach, buffer.clipMinX, buffer.clipMaxX);
+  for (int y = rows.begin; y < rows.end; ++y) {
+    std::uint32_t* row = rowOf(buffer, y);
+    const double dy = y + 0.5 - center.y;
+    for (int x = columns.begin; x < columns.end; ++x) {
+      if (ink.isSaturated(row[x])) continue;
+      const double dx = x + 0.5 - center.x;
+      const double squared = dx * dx + dy * dy;
+      if (squared >= reachSquared) continue;
+      ink.lay(row[x], squared <= solidSquared ? most : reach - std::sqrt(squared));
+    }
+  }
+}
+
 void rasterRoundLine(const PixelBuffer& buffer, const CanvasSegment& line, double width, PixelColor color) {
+  if (line.from == line.to) {
+    rasterDot(buffer, line.from, width, color);
+    return;
+  }
   const double half = width / 2;
   const double most = std::min(1.0, width);
   const double length = distanceBetween(line.from, line.to);
@@ -230,8 +261,8 @@ bool isSmallConvex(std::span<const SketchPoint> corners) {
     const double turn = cross(b - a, c - b);
     least = std::min(least, turn);
     most = std::max(most, turn);
-    // A star turns one way as well, but more than once around.
-    turned += std::atan2(turn, (b - a).x * (c - b).x + (b - a).y * (c - b).y);
+    // A star turns one way as well, but more than once around. It takes five corners.
+    if (corners.size() > 4) turned += std::atan2(turn, (b - a).x * (c - b).x + (b - a).y * (c - b).y);
   }
   return least * most == 0 && least + most != 0 && std::abs(turned) < 7;
 }

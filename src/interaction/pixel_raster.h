@@ -35,6 +35,8 @@ struct PixelColor {
   static PixelColor of(Color color, double opacity = 1);
 };
 
+/// A round dot. `width` in pixels.
+void rasterDot(const PixelBuffer& buffer, SketchPoint center, double width, PixelColor color);
 /// A line with round ends; without length a dot. `width` in pixels. Coordinates are finite and within
 /// some million pixels.
 void rasterRoundLine(const PixelBuffer& buffer, const CanvasSegment& line, double width, PixelColor color);

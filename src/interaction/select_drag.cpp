@@ -1,6 +1,7 @@
 // The select tool's drags: of a handle, of one entity, of a group. A drag always computes from the
 // entities as they were at its start, so that rounding and snapping do not add up over the moves; its
 // whole course is one undo step.
+#include <algorithm>
 #include <cmath>
 #include <utility>
 #include <vector>
@@ -45,6 +46,7 @@ bool SketchViewModel::beginSelectDrag(SketchPoint press) {
   const ChangeScope scope(tracker_);
   selectDragUndoBaseline = std::nullopt;
   selectMarquee = std::nullopt;
+  groupMove_.reset();
 
   // Handles come before picking, and only a selection of one has them.
   if (const SketchEntity* selected = selectedEntity()) {
@@ -113,27 +115,41 @@ void SketchViewModel::updateBodyDrag(const BodyDrag& drag, SketchPoint point) {
   publishSnap(move);
 }
 
-// A group does not use the grid: its members stand on many lines at once.
+SketchViewModel::GroupMove& SketchViewModel::groupMove(const MultiBodyDrag& drag) {
+  if (groupMove_ && groupMove_->writes == entities.writes()) return *groupMove_;
+  std::vector<std::pair<std::size_t, const SketchEntity*>> members;
+  members.reserve(drag.anchors.size());
+  for (const auto& [id, anchor] : drag.anchors) {
+    if (const auto place = entityIndex(id)) members.emplace_back(*place, &anchor);
+  }
+  std::sort(members.begin(), members.end());
+  GroupMove& found = groupMove_.emplace();
+  for (const auto& [place, anchor] : members) {
+    found.places.push_back(place);
+    found.anchors.push_back(*anchor);
+  }
+  found.moved = found.anchors;
+  return found;
+}
+
+// A group does not use the grid: its members stand on many lines at once. Where the pointer snaps to is
+// asked of the index as it is: as long as nobody else has written, it is right about all but the members,
+// which do not count.
 void SketchViewModel::updateGroupDrag(const MultiBodyDrag& drag, SketchPoint point) {
   const auto lead = drag.anchors.find(drag.leadEntityID);
   if (lead == drag.anchors.end()) return;
+  GroupMove& group = groupMove(drag);
+  if (group.places.empty()) return;
   const SketchSnapResult move =
-      snappedMove(drag.startSketchPoint, point, viewport, lead->second, index(), drag.entityIDs, false);
-  // All are found before the first is written: finding and writing in turn would copy a chunk of the
-  // list for each member.
-  std::vector<std::pair<std::size_t, const SketchEntity*>> places;
-  places.reserve(drag.anchors.size());
-  for (const auto& [id, anchor] : drag.anchors) {
-    if (const auto place = entityIndex(id)) places.emplace_back(*place, &anchor);
-  }
-  if (places.empty()) return;
+      snappedMove(drag.startSketchPoint, point, viewport, lead->second, index_, drag.entityIDs, false);
   const auto moved = [&](const SketchEntity& anchor) {
     return translatedEntity(anchor, move.point.x, move.point.y);
   };
   // All move alike: where the first stays, as under a snap that holds, so do the others.
-  if (!((*entities)[places.front().first] == moved(*places.front().second))) {
-    EntityList& list = entities.edit();
-    for (const auto& [place, anchor] : places) list.replace(place, moved(*anchor));
+  if (!((*entities)[group.places.front()] == moved(group.anchors.front()))) {
+    std::transform(group.anchors.begin(), group.anchors.end(), group.moved.begin(), moved);
+    if (!entities.edit().replaceAll(group.places, group.moved)) return;
+    group.writes = entities.writes();
   }
   isDocumentDirty = true;
   publishSnap(move);
@@ -149,6 +165,7 @@ void SketchViewModel::finishSelectDrag() {
     selectDragUndoBaseline = std::nullopt;
   }
   selectDrag = std::nullopt;
+  groupMove_.reset();
   handleDragReferenceAngle = std::nullopt;
   closeSegmentLengthEdit();
   clearSnapState();
@@ -161,6 +178,7 @@ void SketchViewModel::cancelSelectDrag() {
     selectDragUndoBaseline = std::nullopt;
   }
   selectDrag = std::nullopt;
+  groupMove_.reset();
   selectMarquee = std::nullopt;
   handleDragReferenceAngle = std::nullopt;
   closeSegmentLengthEdit();

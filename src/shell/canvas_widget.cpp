@@ -11,6 +11,7 @@
 #include "core/sketch_view_model.h"
 #include "interaction/canvas_renderer.h"
 #include "shell/canvas_cursor.h"
+#include "shell/painted_region.h"
 #include "shell/pixel_canvas_painter.h"
 #include "shell/theme.h"
 
@@ -42,6 +43,11 @@ constexpr FieldMask kPaintedFields = fieldMask(
     SketchField::acquiredEntitySnap, SketchField::pendingTrackingAcquire,
     SketchField::trackingAcquireProgress, SketchField::trimCuttingEdgeEntityID, SketchField::viewport,
     SketchField::isSegmentLengthEditing);
+
+/// What the pictures show. A change of any other field touches only what lies over them.
+constexpr FieldMask kPictureFields =
+    fieldMask(SketchField::entities, SketchField::wallSystemSpecs, SketchField::selectedEntityIDs,
+              SketchField::showGrid, SketchField::selectDrag, SketchField::viewport);
 
 std::unordered_set<UUID> draggedIDs(const SelectDragState& drag) {
   return std::visit(Overloaded{
@@ -110,8 +116,13 @@ void CanvasWidget::modelChanged(FieldMask fields) {
                        : nullptr;
   }
   if (fields & fieldMask(SketchField::selectedTool)) updateCursor();
-  isExact_ = false;
-  update();
+  const QRegion before = std::exchange(overlay_, overlayRegion());
+  if (fields & kPictureFields) {
+    isExact_ = false;
+    update();
+  } else {
+    update(before + overlay_);
+  }
 }
 
 void CanvasWidget::updateCursor() {
@@ -127,6 +138,7 @@ PictureView CanvasWidget::view() const {
 void CanvasWidget::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
   model_.updateCanvasSize({static_cast<double>(width()), static_cast<double>(height())});
+  overlay_ = overlayRegion();
   Q_EMIT resized();
 }
 
@@ -267,6 +279,18 @@ void CanvasWidget::paintEvent(QPaintEvent* event) {
   QPainter painter(this);
   painter.setClipRegion(event->region());
   paintLive(painter, view());
+}
+
+QRegion CanvasWidget::overlayRegion() const {
+  const PictureView now = view();
+  const CanvasFrame frame{now.transform, now.palette};
+  PaintedRegion region;
+  for (const CanvasLayer layer : kAllCanvasLayers) {
+    const bool isPicture = layer == CanvasLayer::grid || layer == CanvasLayer::entities ||
+                           (layer == CanvasLayer::selection && selectedIDs_);
+    if (!isPicture) paintLayer(region, layer, model_, frame);
+  }
+  return region.within(rect());
 }
 
 void CanvasWidget::paintLive(QPainter& painter, const PictureView& now) {

@@ -7,6 +7,7 @@
 // `Qt::WA_TransparentForMouseEvents` let the pointer through.
 #pragma once
 
+#include <QRegion>
 #include <QWidget>
 #include <functional>
 #include <memory>
@@ -70,6 +71,8 @@ class CanvasWidget : public QWidget {
   void updatePictures(EntityPicture::Deadline deadline);
   void updateGrid(const PictureView& view);
   void paintLive(QPainter& painter, const PictureView& view);
+  /// What lies over the pictures now.
+  QRegion overlayRegion() const;
 
   SketchViewModel& model_;
   CanvasGestures gestures_;
@@ -88,6 +91,7 @@ class CanvasWidget : public QWidget {
   IDs draggedIDs_;   // null while nothing is dragged
   IDs selectedIDs_;  // null while the selection is small enough to be painted live
   bool isExact_ = false;
+  QRegion overlay_;  // what lay over the pictures after the last change, widget coordinates
 };
 
 }  // namespace ostrelon

@@ -5,55 +5,6 @@
 #include "shell/qt_text.h"
 
 namespace ostrelon {
-namespace {
-
-// How many entities two lists have in common at their start, shared chunks skipped in one step.
-int commonStart(const EntityList& a, const EntityList& b) {
-  const auto chunksA = a.chunks();
-  const auto chunksB = b.chunks();
-  std::size_t shared = 0;
-  std::size_t chunk = 0;
-  while (chunk < std::min(chunksA.size(), chunksB.size()) && chunksA[chunk] == chunksB[chunk]) {
-    shared += chunksA[chunk++]->size();
-  }
-  const std::size_t end = std::min(a.size(), b.size());
-  if (chunk < chunksA.size() && chunk < chunksB.size()) {
-    // From here the chunks differ; what follows is compared one by one.
-    std::size_t offset = 0;
-    const auto& own = *chunksA[chunk];
-    const auto& other = *chunksB[chunk];
-    while (offset < std::min(own.size(), other.size()) && own[offset] == other[offset]) ++offset;
-    shared += offset;
-  }
-  return static_cast<int>(std::min(shared, end));
-}
-
-int commonEnd(const EntityList& a, const EntityList& b, int start) {
-  const auto chunksA = a.chunks();
-  const auto chunksB = b.chunks();
-  std::size_t shared = 0;
-  std::size_t fromEnd = 0;
-  while (fromEnd < std::min(chunksA.size(), chunksB.size())) {
-    const auto& own = chunksA[chunksA.size() - 1 - fromEnd];
-    const auto& other = chunksB[chunksB.size() - 1 - fromEnd];
-    if (own == other) {
-      shared += own->size();
-      ++fromEnd;
-      continue;
-    }
-    std::size_t offset = 0;
-    while (offset < std::min(own->size(), other->size()) &&
-           (*own)[own->size() - 1 - offset] == (*other)[other->size() - 1 - offset]) {
-      ++offset;
-    }
-    shared += offset;
-    break;
-  }
-  const auto room = static_cast<int>(std::min(a.size(), b.size())) - start;
-  return std::min(static_cast<int>(shared), room);
-}
-
-}  // namespace
 
 EntityListModel::EntityListModel(const SketchViewModel& sketch, QObject* parent)
     : QAbstractListModel(parent), sketch_(sketch), entities_(sketch.entities) {}
@@ -91,8 +42,10 @@ bool EntityListModel::isSelected(int row) const { return sketch_.selectedEntityI
 void EntityListModel::update() {
   const EntityList& current = sketch_.entities;
   if (entities_.sharesAllStorage(current)) return;
-  const int start = commonStart(entities_, current);
-  const int end = commonEnd(entities_, current, start);
+  const std::size_t shared = entities_.commonStart(current);
+  const std::size_t most = std::min(entities_.size(), current.size()) - shared;
+  const int start = static_cast<int>(shared);
+  const int end = static_cast<int>(std::min(entities_.commonEnd(current), most));
   const int removed = static_cast<int>(entities_.size()) - start - end;
   const int added = static_cast<int>(current.size()) - start - end;
   // Rows that are still the same entities have only changed.
@@ -104,6 +57,12 @@ void EntityListModel::update() {
   if (onlyChanged) {
     entities_ = current;
     if (added > 0) Q_EMIT dataChanged(index(start), index(start + added - 1));
+    return;
+  }
+  if (start == 0 && end == 0 && removed > 0 && added > 0) {  // another document
+    beginResetModel();
+    entities_ = current;
+    endResetModel();
     return;
   }
   if (removed > 0) {

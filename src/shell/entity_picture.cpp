@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <future>
+#include <thread>
 
 #include "core/entity_source.h"
 #include "interaction/canvas_overlays.h"
@@ -184,25 +185,36 @@ class EntityPicture::Job {
   void run() {
     if (picture_.image.isNull()) picture_.stale = {};
     for (const QRect& rect : picture_.stale) {
-      if (!paintRect(rect)) return;
+      // Half is left to a second thread, where the machine has room for one.
+      const bool isShared = std::thread::hardware_concurrency() > 1 && rect.height() > 1;
+      const QRect upper(rect.topLeft(), QSize(rect.width(), isShared ? rect.height() / 2 : rect.height()));
+      const QRect lower = rect.adjusted(0, upper.height(), 0, 0);
+      // A second view of the same pixels: two painters may not share a picture, but they may share its
+      // memory, of which each keeps to its own rows.
+      QImage& image = picture_.image;
+      QImage below(image.bits(), image.width(), image.height(), image.bytesPerLine(), image.format());
+      std::future<void> other;
+      if (isShared) other = std::async(std::launch::async, [&] { paintRect(below, lower); });
+      paintRect(image, upper);
+      if (isShared) other.wait();
+      if (isCancelled_) return;
     }
     picture_.stale = {};
   }
 
-  bool paintRect(const QRect& rect) {
-    clearPixels(picture_.image, rect);
-    PixelCanvasPainter painter(picture_.image, picture_.view.pixelRatio, rect);
+  void paintRect(QImage& image, const QRect& rect) {
+    clearPixels(image, rect);
+    PixelCanvasPainter painter(image, picture_.view.pixelRatio, rect);
     const CanvasFrame frame = frameOf(picture_.view, rect);
     Brush brush(kind_, frame, picture_.content, painter);
     int untilLook = kEntitiesPerLook;
     for (const SketchEntity& entity : picture_.content.entities) {
       if (--untilLook == 0) {
-        if (isCancelled_) return false;
+        if (isCancelled_) return;
         untilLook = kEntitiesPerLook;
       }
       brush.paint(entity);
     }
-    return true;
   }
 
   Kind kind_;
@@ -249,7 +261,7 @@ bool EntityPicture::update(const PictureView& view, const PictureContent& conten
     return true;
   }
   shift(view);
-  markEdits(content);
+  markEdits(content, index);
   if (picture_->stale.isEmpty()) {
     dropJob();
     return true;
@@ -284,10 +296,17 @@ void EntityPicture::shift(const PictureView& view) {
   picture_->stale = (picture_->stale.translated(by) & all) + (all - all.translated(by));
 }
 
-void EntityPicture::markEdits(const PictureContent& content) {
+void EntityPicture::markEdits(const PictureContent& content, const EntityIndex& index) {
   Picture& picture = *picture_;
   const bool sameIDs = picture.content.ids == content.ids;
   if (sameIDs && picture.content.entities.sharesAllStorage(content.entities)) return;
+  // Another document has come: there is no use in comparing entity by entity.
+  if (content.entities.size() > kLittle && picture.content.entities.commonStart(content.entities) == 0 &&
+      picture.content.entities.commonEnd(content.entities) == 0) {
+    picture.stale = picture.image.rect();
+    picture.content = content;
+    return;
+  }
 
   // What is dragged is shown neither before nor after, so its edits cost nothing here.
   std::vector<const SketchEntity*> touched;
@@ -302,17 +321,16 @@ void EntityPicture::markEdits(const PictureContent& content) {
     touch(before);
     touch(after);
   }
+  // Those that are named no more, or only now, have changed their looks. Their places are asked of the
+  // index; where it does not know the list, everything counts as changed.
+  bool isEverything = touched.size() > kMostEditsInPlace;
   const auto touchNamed = [&](const PictureContent& named, const PictureContent& other) {
-    if (!named.ids || touched.size() > kMostEditsInPlace) return;
-    if (named.ids->size() > kMostEditsInPlace) {
-      touched.resize(kMostEditsInPlace + 1);
-      return;
-    }
+    if (!named.ids || isEverything) return;
+    isEverything = named.ids->size() > kMostEditsInPlace || !index.list().sharesAllStorage(content.entities);
+    if (isEverything) return;
     for (const UUID& id : *named.ids) {
       if (other.ids && other.ids->contains(id)) continue;
-      if (const SketchEntity* entity = picture.content.entities.find(id)) touched.push_back(entity);
-      if (const SketchEntity* entity = content.entities.find(id)) touched.push_back(entity);
-      if (touched.size() > kMostEditsInPlace) return;
+      if (const SketchEntity* entity = index.find(id)) touched.push_back(entity);
     }
   };
   if (!sameIDs) {
@@ -320,7 +338,7 @@ void EntityPicture::markEdits(const PictureContent& content) {
     touchNamed(content, picture.content);
   }
   QRegion changed;
-  if (touched.size() > kMostEditsInPlace) {
+  if (isEverything) {
     changed = picture.image.rect();
   } else {
     for (const SketchEntity* entity : touched) {

@@ -79,7 +79,7 @@ class EntityPicture {
 
   bool leadsTo(const Picture& picture, const PictureView& view, const PictureContent& content) const;
   void shift(const PictureView& view);
-  void markEdits(const PictureContent& content);
+  void markEdits(const PictureContent& content, const EntityIndex& index);
   bool paintLittle(Picture& picture, const EntityIndex& index, Deadline deadline) const;
   void startJob(Picture picture);
   void dropJob();

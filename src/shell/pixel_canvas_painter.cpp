@@ -118,7 +118,7 @@ void PixelCanvasPainter::strokeSegments(std::span<const CanvasSegment> segments,
     canvas_.strokeSegments(segments, stroke);
     return;
   }
-  const PixelColor color = PixelColor::of(stroke.color);
+  const PixelColor color = opaque(stroke.color);
   for (const CanvasSegment& segment : segments) {
     rasterRoundLine(buffer_, toPixels(segment), stroke.width * ratio_, color);
   }
@@ -165,8 +165,17 @@ void PixelCanvasPainter::drawText(std::string_view text, SketchPoint center, dou
   canvas_.drawText(text, center, height, fill);
 }
 
+// Most strokes of a drawing have the colour of the one before.
+PixelColor PixelCanvasPainter::opaque(Color color) {
+  if (!(color == lastColor_)) {
+    lastColor_ = color;
+    lastPixelColor_ = PixelColor::of(color);
+  }
+  return lastPixelColor_;
+}
+
 void PixelCanvasPainter::strokePieces(const CanvasPath& path, const Stroke& stroke) {
-  const PixelColor color = PixelColor::of(stroke.color);
+  const PixelColor color = opaque(stroke.color);
   for (const CanvasPath::Piece& piece : path.pieces()) {
     const auto points = path.points(piece);
     if (points.empty()) continue;

@@ -37,11 +37,14 @@ class PixelCanvasPainter final : public CanvasPainter {
     return {toPixels(segment.from), toPixels(segment.to)};
   }
   void strokeDashes(std::span<const SketchPoint> points, bool closed, const Stroke& stroke);
+  PixelColor opaque(Color color);
 
   double ratio_;
   PixelBuffer buffer_;
   QPainter painter_;
   QtCanvasPainter canvas_;
+  Color lastColor_;
+  PixelColor lastPixelColor_ = PixelColor::of(Color());
 };
 
 /// Strokes a path of very many points, for which Qt takes up to a thousand times as long: its pieces

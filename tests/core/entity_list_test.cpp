@@ -35,7 +35,7 @@ TEST(EntityList, HoldsWhatAVectorHoldsThroughRandomEdits) {
   std::vector<std::pair<EntityList, std::vector<SketchEntity>>> snapshots;
   for (int round = 0; round < 400; ++round) {
     const std::size_t at = below(expected.empty() ? 0 : expected.size() - 1);
-    switch (random() % 7) {
+    switch (random() % 8) {
       case 0: {
         auto more = lines(random() % 5 == 0 ? 2500 : 3);
         expected.insert(expected.begin() + static_cast<std::ptrdiff_t>(at), more.begin(), more.end());
@@ -75,11 +75,40 @@ TEST(EntityList, HoldsWhatAVectorHoldsThroughRandomEdits) {
       case 6:
         snapshots.emplace_back(list, expected);
         break;
+      case 7: {
+        std::vector<std::size_t> places;
+        std::vector<SketchEntity> others;
+        for (std::size_t i = random() % 9; i < expected.size(); i += 1 + random() % 200) {
+          places.push_back(i);
+          others.push_back(withEntityID(line(-3), entityID(expected[i])));
+          expected[i] = others.back();
+        }
+        EXPECT_TRUE(list.replaceAll(places, others));
+        break;
+      }
+    }
+    if (!snapshots.empty()) {
+      const auto& [other, values] = snapshots[random() % snapshots.size()];
+      const auto start = std::mismatch(expected.begin(), expected.end(), values.begin(), values.end());
+      EXPECT_EQ(list.commonStart(other), start.first - expected.begin());
+      const auto end = std::mismatch(expected.rbegin(), expected.rend(), values.rbegin(), values.rend());
+      EXPECT_EQ(list.commonEnd(other), end.first - expected.rbegin());
     }
     ASSERT_EQ(list.size(), expected.size());
   }
   expectSame(list, expected);
   for (const auto& [snapshot, then] : snapshots) expectSame(snapshot, then);
+}
+
+TEST(EntityList, ReplacesManyOrNone) {
+  EntityList list(lines(300));
+  const EntityList before = list;
+  const SketchEntity first = withEntityID(line(-1), entityID(list[1]));
+  EXPECT_FALSE(list.replaceAll({1, 200}, {first, line(-1)})) << "another identifier stands there";
+  EXPECT_FALSE(list.replaceAll({1, 300}, {first, line(-1)})) << "beyond the end";
+  EXPECT_TRUE(list.sharesAllStorage(before));
+  EXPECT_TRUE(list.replaceAll({1}, {first}));
+  EXPECT_EQ(list[1], first);
 }
 
 TEST(EntityList, DifferenceTellsWhatWasAddedRemovedAndChanged) {

@@ -13,10 +13,13 @@ using testing::TestSketch;
 
 struct Recorder {
   explicit Recorder(SketchViewModel& sketch)
-      : subscription(sketch.observe(kAllFields, [this](const SketchChange& change) {
+      : last(sketch.entities),
+        subscription(sketch.observe(kAllFields, [this, &sketch](const SketchChange& change) {
           changes.push_back(change.fields);
-          differences.push_back(EntityList::difference(change.entitiesBefore, change.entitiesAfter));
+          differences.push_back(EntityList::difference(last, sketch.entities));
+          last = sketch.entities;
         })) {}
+  EntityList last;
   std::vector<FieldMask> changes;
   std::vector<EntityList::Difference> differences;
   Subscription subscription;

@@ -112,6 +112,28 @@ TEST(GroupDrag, MovesTheWholeSelectionByOneStepWithoutTheGrid) {
   EXPECT_EQ(board.sketch.selectedEntityIDs->size(), 2U);
 }
 
+TEST(GroupDrag, GoesOnWhenOthersHaveChangedTheDrawingMeanwhile) {
+  Board board;
+  for (const double y : {-60.0, 0.0, 30.0, 60.0}) board.sketch.addLine({0, y}, {40, y});
+  board.sketch.selectEntities({1, 3});
+  const UUID lead = board.idOf(1);
+  const UUID other = board.idOf(3);
+  board.press({13, 0});
+  board.drag({33, 3});
+  board.drag({33, 7});
+  board.sketch.deleteEntity(board.idOf(0));
+  board.drag({33, 11});
+  const auto lineOf = [&](const UUID& id) { return std::get<LineEntity>(*board.sketch.entity(id)); };
+  EXPECT_EQ(lineOf(lead).from, (SketchPoint{20, 11}));
+  EXPECT_EQ(lineOf(other).from, (SketchPoint{20, 71}));
+  EXPECT_EQ(board.line(1).from, (SketchPoint{0, 30})) << "the one between them stays";
+  board.sketch.deleteEntity(other);
+  board.drag({33, 15});
+  EXPECT_EQ(lineOf(lead).from, (SketchPoint{20, 15}));
+  EXPECT_EQ(board.entities().size(), 2u);
+  board.release({33, 15});
+}
+
 TEST(HandleDrag, TakesPrecedenceAndKeepsTheReferenceAngle) {
   Board board;
   board.sketch.addLine({0, 0}, {40, 0});

@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <QNativeGestureEvent>
+#include <QPaintEvent>
 #include <QPointingDevice>
 #include <QSignalSpy>
 #include <QTest>
 #include <QWheelEvent>
+#include <random>
 
 #include "interaction/canvas_renderer.h"
 #include "shell/golden_picture.h"
@@ -285,6 +287,106 @@ TEST_F(CanvasWidgetTest, ShowsWhatIsDraggedWhereItIs) {
   EXPECT_TRUE(isUpToDate("dragging-many"));
   release({120, 310});
   EXPECT_TRUE(isUpToDate("having-dragged-many"));
+}
+
+// So many that a thread of its own paints them.
+TEST_F(CanvasWidgetTest, ItsKeptPicturesFollowALargeDrawing) {
+  const unsigned seed = std::random_device{}();
+  SCOPED_TRACE(::testing::Message() << "seed " << seed);
+  std::mt19937 random(seed);
+  const auto below = [&random](int limit) {
+    return static_cast<int>(random() % static_cast<unsigned>(limit));
+  };
+  std::vector<SketchEntity> many;
+  for (int i = 0; i < 12'000; ++i) {
+    const SketchPoint at{below(4000) / 10.0 - 200, below(3000) / 10.0 - 150};
+    if (i % 2 == 0) many.push_back(LineEntity{UUID::random(), at, at + SketchPoint{3, 2}});
+    if (i % 2 == 1) many.push_back(CircleEntity{UUID::random(), at, 2});
+  }
+  sketch.addEntities(std::move(many));
+  for (int i = 0; i < 30; ++i) {
+    switch (below(6)) {
+      case 0:
+        sketch.zoomViewport(below(2) == 0 ? 0.8 : 1.25, {300, 200});
+        break;
+      case 1:
+      case 2:
+        sketch.panViewport(below(300) - 150, below(300) - 150);
+        break;
+      case 3:
+        sketch.addWall(std::nullopt, {below(200) - 100.0, 0}, {0, below(200) - 100.0});
+        break;
+      case 4:
+        sketch.selectEntities({below(12'000), below(12'000)});
+        sketch.deleteSelection();
+        break;
+      case 5:
+        sketch.undo();
+        break;
+    }
+    // Sometimes it gets no further than beginning before the next change comes.
+    if (below(2) == 0) {
+      canvas.repaint();
+      continue;
+    }
+    ASSERT_TRUE(looksAlike(shown(), paintedAnew(sketch, canvas.size()), "canvas-large"))
+        << "after step " << i;
+  }
+  EXPECT_TRUE(looksAlike(shown(), paintedAnew(sketch, canvas.size()), "canvas-large"));
+  EXPECT_TRUE(canvas.isExact());
+}
+
+/// What a widget is asked to repaint.
+class PaintWatch final : public QObject {
+ public:
+  explicit PaintWatch(QWidget& widget) { widget.installEventFilter(this); }
+  QRegion painted;
+
+ protected:
+  bool eventFilter(QObject* /*object*/, QEvent* event) override {
+    if (event->type() == QEvent::Paint) painted += static_cast<QPaintEvent*>(event)->region();
+    return false;
+  }
+};
+
+TEST_F(CanvasWidgetTest, AMoveOfThePointerRepaintsWhatItChangesAndLittleMore) {
+  sketch.setShowGrid(true);
+  sketch.addCircle({30, -20}, 12);
+  PaintWatch watch(canvas);
+  const auto settle = [&] {
+    QApplication::processEvents();
+    QApplication::processEvents();
+  };
+  for (const SketchTool tool :
+       {SketchTool::select, SketchTool::line, SketchTool::wall, SketchTool::polygon, SketchTool::trim}) {
+    sketch.activateTool(tool);
+    if (tool != SketchTool::select) press({201, 141});
+    if (tool == SketchTool::polygon || tool == SketchTool::trim) release({201, 141});
+    settle();
+    QImage before = shown();
+    for (const QPointF at : {QPointF(320, 221), QPointF(250, 142), QPointF(282, 222), QPointF(440, 300),
+                             QPointF(560, 140.5), QPointF(90, 400)}) {
+      watch.painted = {};
+      move(at, tool == SketchTool::line || tool == SketchTool::wall ? Qt::LeftButton : Qt::NoButton);
+      settle();
+      const QRegion painted = watch.painted;
+      const QImage after = shown();
+      QRegion changed;
+      for (int y = 0; y < after.height(); ++y) {
+        for (int x = 0; x < after.width(); ++x) {
+          if (before.pixel(x, y) != after.pixel(x, y)) changed += QRect(x, y, 1, 1);
+        }
+      }
+      EXPECT_TRUE((changed - painted).isEmpty())
+          << rawValue(tool) << " at " << at.x() << ", " << at.y() << ": left out "
+          << (changed - painted).boundingRect().x() << ", " << (changed - painted).boundingRect().y();
+      qint64 area = 0;
+      for (const QRect& rect : painted) area += qint64{rect.width()} * rect.height();
+      EXPECT_LT(area, qint64{canvas.width()} * canvas.height() / 2) << rawValue(tool);
+      before = after;
+    }
+    if (tool == SketchTool::line || tool == SketchTool::wall) release({90, 400});
+  }
 }
 
 TEST_F(CanvasWidgetTest, ShowsSelectionHandlesAndHover) {
