@@ -352,46 +352,44 @@ std::size_t EntityList::commonStart(const EntityList& other) const {
   if (!root_ || !other.root_) return 0;
   const auto& nodes = root_->nodes;
   const auto& others = other.root_->nodes;
-  std::size_t node = 0;
+  const std::size_t most = std::min(size(), other.size());
   std::size_t common = 0;
+  std::size_t node = 0;
   while (node < std::min(nodes.size(), others.size()) && nodes[node] == others[node]) {
     common += nodes[node++]->size();
   }
-  if (node == std::min(nodes.size(), others.size())) return common;
-  const auto& chunks = nodes[node]->chunks;
-  const auto& otherChunks = others[node]->chunks;
-  std::size_t chunk = 0;
-  while (chunk < std::min(chunks.size(), otherChunks.size()) && chunks[chunk] == otherChunks[chunk]) {
-    common += chunks[chunk++]->size();
+  if (node < std::min(nodes.size(), others.size())) {
+    const auto& chunks = nodes[node]->chunks;
+    const auto& otherChunks = others[node]->chunks;
+    for (std::size_t i = 0; i < std::min(chunks.size(), otherChunks.size()); ++i) {
+      if (chunks[i] != otherChunks[i]) break;
+      common += chunks[i]->size();
+    }
   }
-  if (chunk == std::min(chunks.size(), otherChunks.size())) return common;
-  const auto first = std::mismatch(chunks[chunk]->begin(), chunks[chunk]->end(), otherChunks[chunk]->begin(),
-                                   otherChunks[chunk]->end());
-  return common + static_cast<std::size_t>(first.first - chunks[chunk]->begin());
+  while (common < most && (*this)[common] == other[common]) ++common;
+  return common;
 }
 
 std::size_t EntityList::commonEnd(const EntityList& other) const {
   if (!root_ || !other.root_) return 0;
   const auto& nodes = root_->nodes;
   const auto& others = other.root_->nodes;
-  std::size_t node = 0;
+  const std::size_t most = std::min(size(), other.size());
   std::size_t common = 0;
+  std::size_t node = 0;
   while (node < std::min(nodes.size(), others.size()) && fromEnd(nodes, node) == fromEnd(others, node)) {
     common += fromEnd(nodes, node++)->size();
   }
-  if (node == std::min(nodes.size(), others.size())) return common;
-  const auto& chunks = fromEnd(nodes, node)->chunks;
-  const auto& otherChunks = fromEnd(others, node)->chunks;
-  std::size_t chunk = 0;
-  while (chunk < std::min(chunks.size(), otherChunks.size()) &&
-         fromEnd(chunks, chunk) == fromEnd(otherChunks, chunk)) {
-    common += fromEnd(chunks, chunk++)->size();
+  if (node < std::min(nodes.size(), others.size())) {
+    const auto& chunks = fromEnd(nodes, node)->chunks;
+    const auto& otherChunks = fromEnd(others, node)->chunks;
+    for (std::size_t i = 0; i < std::min(chunks.size(), otherChunks.size()); ++i) {
+      if (fromEnd(chunks, i) != fromEnd(otherChunks, i)) break;
+      common += fromEnd(chunks, i)->size();
+    }
   }
-  if (chunk == std::min(chunks.size(), otherChunks.size())) return common;
-  const Chunk& last = *fromEnd(chunks, chunk);
-  const Chunk& otherLast = *fromEnd(otherChunks, chunk);
-  const auto first = std::mismatch(last.rbegin(), last.rend(), otherLast.rbegin(), otherLast.rend());
-  return common + static_cast<std::size_t>(first.first - last.rbegin());
+  while (common < most && (*this)[size() - 1 - common] == other[other.size() - 1 - common]) ++common;
+  return common;
 }
 
 std::vector<EntityList::LooseChunk> EntityList::looseChunks(const EntityList& list, const EntityList& other) {
