@@ -123,13 +123,14 @@ SketchViewModel::GroupMove& SketchViewModel::groupMove(const MultiBodyDrag& drag
     if (const auto place = entityIndex(id)) members.emplace_back(*place, &anchor);
   }
   std::sort(members.begin(), members.end());
-  GroupMove& found = groupMove_.emplace();
+  GroupMove found;
   for (const auto& [place, anchor] : members) {
     found.places.push_back(place);
     found.anchors.push_back(*anchor);
   }
   found.moved = found.anchors;
-  return found;
+  groupMove_ = std::move(found);
+  return *groupMove_;
 }
 
 // A group does not use the grid: its members stand on many lines at once. Where the pointer snaps to is
