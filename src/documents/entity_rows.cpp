@@ -10,7 +10,8 @@ namespace {
 
 // Tag and identifier: ["L","8E11…  The parser's padding makes so many bytes readable anywhere.
 constexpr std::size_t kRowBeginning = 42;
-constexpr std::size_t kSmallestPolygon = 6;  // numbers
+constexpr std::size_t kSmallestPolygon = 6;   // numbers
+constexpr std::size_t kLongestToldTag = 100;  // bytes; a longer one would only fill the transcript
 // States of a chunk that are kept in mind: a step that changed it may have come between two that did not.
 constexpr std::size_t kKnownStates = 4;
 
@@ -102,7 +103,9 @@ SketchEntity EntityRows::readRow(Value& row, const JsonPlace& place) {
   std::string tagText;
   const char tag = reading_.letter(element, place, tagText);
   if (std::string_view("LWCARP").find(tag) == std::string_view::npos || tag == '\0') {
-    throw DocumentFormatError("Unknown entity tag: " + (tag == '\0' ? tagText : std::string(1, tag)));
+    if (tag != '\0') tagText = tag;
+    if (tagText.size() > kLongestToldTag) tagText = "(" + std::to_string(tagText.size()) + " bytes)";
+    throw DocumentFormatError("Unknown entity tag: " + tagText);
   }
   next();
   const UUID id = reading_.uuid(element, place);

@@ -10,6 +10,22 @@ namespace {
 
 using nlohmann::json;
 
+// No setting is nested as deep as this. What is would end the process: values are copied and written by
+// recursion.
+constexpr int kDeepestNesting = 64;
+
+// The values of a settings file; absent when it is damaged.
+std::optional<json> parsed(const std::string& bytes) {
+  bool isTooDeep = false;
+  const auto keepsShallow = [&](int depth, json::parse_event_t, const json&) {
+    isTooDeep = isTooDeep || depth > kDeepestNesting;
+    return !isTooDeep;
+  };
+  json values = json::parse(bytes, keepsShallow, false);
+  if (isTooDeep || !values.is_object()) return std::nullopt;
+  return values;
+}
+
 json jsonOf(const DefaultsValue& value) {
   return std::visit([](const auto& held) { return json(held); }, value);
 }
@@ -103,10 +119,9 @@ void JsonUserDefaults::read() {
     isUnreadable_ = true;
     return;
   }
-  json values = json::parse(bytes, nullptr, false);
-  if (values.is_object()) {
-    contents_->onDisk = values;
-    contents_->values = std::move(values);
+  if (auto values = parsed(bytes)) {
+    contents_->onDisk = *values;
+    contents_->values = std::move(*values);
   } else {
     setAside(bytes);
   }
