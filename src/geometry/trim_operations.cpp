@@ -30,7 +30,9 @@ TrimResult SketchViewModel::applyTrim(std::int64_t targetIndex, std::int64_t edg
   std::visit(Overloaded{
                  [&](TrimReplace& outcome) {
                    selectOnly(entityID(outcome.entity));
-                   entities.edit().replace(position, std::move(outcome.entity));
+                   if (!((*entities)[position] == outcome.entity)) {
+                     entities.edit().replace(position, std::move(outcome.entity));
+                   }
                  },
                  [&](TrimReplaceMany& outcome) {
                    if (!outcome.entities.empty()) selectOnly(entityID(outcome.entities.front()));

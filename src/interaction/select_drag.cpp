@@ -3,6 +3,7 @@
 // whole course is one undo step.
 #include <algorithm>
 #include <cmath>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -176,6 +177,10 @@ void SketchViewModel::cancelSelectDrag() {
   const ChangeScope scope(tracker_);
   if (*selectDragUndoBaseline) {
     entities = (*selectDragUndoBaseline)->entities;
+    // What a command has added meanwhile is gone with the drag, and so is its selection.
+    std::unordered_set<UUID> present = selectedEntityIDs;
+    std::erase_if(present, [&](const UUID& id) { return entity(id) == nullptr; });
+    selectedEntityIDs = std::move(present);
     selectDragUndoBaseline = std::nullopt;
   }
   selectDrag = std::nullopt;
