@@ -176,6 +176,8 @@ void SketchViewModel::finishSelectDrag() {
 void SketchViewModel::cancelSelectDrag() {
   const ChangeScope scope(tracker_);
   if (*selectDragUndoBaseline) {
+    // The document may have been saved while the drag was under way.
+    if (!((*selectDragUndoBaseline)->entities == entities.get())) isDocumentDirty = true;
     entities = (*selectDragUndoBaseline)->entities;
     // What a command has added meanwhile is gone with the drag, and so is its selection.
     std::unordered_set<UUID> present = selectedEntityIDs;
