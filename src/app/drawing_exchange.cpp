@@ -7,6 +7,7 @@
 #include "app/application.h"
 #include "exchange/dxf_import.h"
 #include "exchange/dxf_writer.h"
+#include "exchange/picture_page.h"
 #include "platform/dialogs.h"
 
 namespace ostrelon {
@@ -75,7 +76,15 @@ void exportDrawing(const SketchViewModel& sketch, const FilePath& path, const Ex
     });
     return;
   }
-  if (!makePicture) throw ExportOptionError("Pictures cannot be drawn here; DXF can be written.");
+  if (format == ExportFormat::pdf) {
+    const auto pages = picturePages(format, *sketch.entities, *sketch.wallSystemSpecs, options);
+    files.writeFile(path, [&](const FileSystem::Writer& write) {
+      writePdf(pages, *sketch.entities, *sketch.wallSystemSpecs, options, write);
+    });
+    return;
+  }
+  if (!makePicture)
+    throw ExportOptionError("Pictures of pixels cannot be drawn here; PDF and DXF can be written.");
   files.writeFile(path, makePicture(format, *sketch.entities, *sketch.wallSystemSpecs, options));
 }
 

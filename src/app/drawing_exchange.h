@@ -16,13 +16,13 @@ namespace ostrelon {
 class Application;
 class SketchViewModel;
 
-/// Paints a picture of the entities and gives its bytes; never asked for DXF. Throws `UserError`.
+/// Paints a picture of the entities and gives its bytes; asked for PNG and SVG alone. Throws `UserError`.
 using PictureMaker =
     std::function<std::string(ExportFormat format, const EntityList& entities,
                               std::span<const WallSystemSpec> systems, const ExportOptions& options)>;
 
 /// Writes all entities to a file of the kind that its name tells. Throws `UserError`, and has written
-/// nothing then. `makePicture` may be empty, and PNG, SVG and PDF are then refused.
+/// nothing then. `makePicture` may be empty, and PNG and SVG are then refused.
 void exportDrawing(const SketchViewModel& sketch, const FilePath& path, const ExportOptions& options,
                    const PictureMaker& makePicture);
 

@@ -2,13 +2,11 @@
 
 #include <QBuffer>
 #include <QImage>
-#include <QPageSize>
-#include <QPdfWriter>
 #include <QRegularExpression>
 #include <QSvgGenerator>
-#include <algorithm>
 #include <cmath>
 
+#include "exchange/picture_page.h"
 #include "interaction/canvas_renderer.h"
 #include "platform/user_error.h"
 #include "shell/pixel_canvas_painter.h"
@@ -19,31 +17,11 @@ namespace {
 
 constexpr double kMetersPerInch = 0.0254;
 
-bool hasBackground(const ExportOptions& options) {
-  return !options.isOnPaper() || options.theme != ExportTheme::light;
-}
-
 QRectF pageRect(const PicturePage& page) { return {0, 0, page.size.width, page.size.height}; }
 
-// Everything but the margins. A sheet among others ends where the next begins; on one alone the width
-// of a line at the very edge of the drawing may reach out.
 QRectF paintedRect(const PicturePage& page) {
-  constexpr double kLineRoom = 2;
-  const double margin = page.hasNeighbors ? page.margin : std::max(0.0, page.margin - kLineRoom);
-  return pageRect(page).adjusted(margin, margin, -margin, -margin);
-}
-
-CanvasFrame frameOf(const PicturePage& page, const ExportOptions& options) {
-  return {{page.viewport, page.size}, exportPalette(options.theme)};
-}
-
-void paintDrawing(CanvasPainter& canvas, CanvasFrame frame, const PicturePage& page,
-                  const EntityList& entities, std::span<const WallSystemSpec> systems,
-                  const ExportOptions& options) {
-  const QRectF painted = paintedRect(page);
-  frame.part = ViewRect{painted.left(), painted.top(), painted.right(), painted.bottom()};
-  if (options.showGrid) paintGrid(canvas, frame);
-  paintEntities(canvas, frame, entities, systems);
+  const ViewRect part = paintedPart(page);
+  return {part.minX, part.minY, part.width(), part.height()};
 }
 
 QByteArray pngPicture(const PicturePage& page, const EntityList& entities,
@@ -53,7 +31,7 @@ QByteArray pngPicture(const PicturePage& page, const EntityList& entities,
   QImage image(pixels, QImage::Format_RGB32);
   if (image.isNull()) throw UserError("There is not enough memory for a picture of this size.");
   image.fill(Qt::white);
-  const CanvasFrame frame = frameOf(page, options);
+  const CanvasFrame frame = pictureFrame(page, options);
   if (hasBackground(options)) {
     PixelCanvasPainter canvas(image, ratio);
     paintBackground(canvas, frame);
@@ -62,7 +40,7 @@ QByteArray pngPicture(const PicturePage& page, const EntityList& entities,
     const QRectF painted = paintedRect(page);
     const QRect part(QPointF(painted.topLeft() * ratio).toPoint(), (painted.size() * ratio).toSize());
     PixelCanvasPainter canvas(image, ratio, part.intersected(image.rect()));
-    paintDrawing(canvas, frame, page, entities, systems, options);
+    paintDrawing(canvas, page, entities, systems, options);
   }
   if (options.isOnPaper()) {
     // Programs that print it then know how large it is meant.
@@ -108,50 +86,17 @@ QByteArray svgPicture(const PicturePage& page, const EntityList& entities,
   return withOwnSize(std::move(bytes), page, options.isOnPaper());
 }
 
-QByteArray pdfPicture(const std::vector<PicturePage>& pages, const EntityList& entities,
-                      std::span<const WallSystemSpec> systems, const ExportOptions& options) {
-  QByteArray bytes;
-  QBuffer buffer(&bytes);
-  buffer.open(QIODevice::WriteOnly);
-  QPdfWriter writer(&buffer);
-  writer.setTitle(QStringLiteral("Ostrelon drawing"));
-  writer.setCreator(QStringLiteral("Ostrelon"));
-  writer.setPageMargins(QMarginsF());
-  writer.setPageSize(
-      QPageSize(pageRect(pages.front()).size(), QPageSize::Point, QString(), QPageSize::ExactMatch));
-  writer.setResolution(static_cast<int>(kPointsPerInch));
-  QPainter painter(&writer);
-  for (std::size_t i = 0; i < pages.size(); ++i) {
-    if (i > 0) writer.newPage();
-    paintPicturePage(painter, pages[i], entities, systems, options);
-  }
-  painter.end();
-  return bytes;
-}
-
 }  // namespace
-
-const ThemePalette& exportPalette(ExportTheme theme) {
-  switch (theme) {
-    case ExportTheme::light:
-      return lightPalette();
-    case ExportTheme::dark:
-      return darkPalette();
-    case ExportTheme::tansy:
-      return tansyPalette();
-  }
-  return lightPalette();
-}
 
 void paintPicturePage(QPainter& painter, const PicturePage& page, const EntityList& entities,
                       std::span<const WallSystemSpec> systems, const ExportOptions& options) {
-  const CanvasFrame frame = frameOf(page, options);
+  const CanvasFrame frame = pictureFrame(page, options);
   painter.save();
   {
     QtCanvasPainter canvas(painter);
     if (hasBackground(options)) paintBackground(canvas, frame);
     if (page.margin > 0) painter.setClipRect(paintedRect(page));
-    paintDrawing(canvas, frame, page, entities, systems, options);
+    paintDrawing(canvas, page, entities, systems, options);
   }
   painter.restore();
 }
@@ -165,9 +110,8 @@ QByteArray drawingPicture(ExportFormat format, const EntityList& entities,
     case ExportFormat::svg:
       return svgPicture(pages.front(), entities, systems, options);
     case ExportFormat::pdf:
-      return pdfPicture(pages, entities, systems, options);
     case ExportFormat::dxf:
-      break;  // no picture
+      break;  // written without Qt
   }
   return {};
 }

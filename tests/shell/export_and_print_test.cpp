@@ -4,6 +4,7 @@
 #include <QPrinter>
 #include <cstdlib>
 
+#include "exchange/picture_page.h"
 #include "shell/drawing_export.h"
 #include "shell/export_sheet.h"
 #include "shell/help_window.h"
@@ -26,6 +27,13 @@ struct ExportAndPrint : testing::WindowFixture {
     setExportOption(options, "paper", paper);
     setExportOption(options, "scale", scale);
     return options;
+  }
+  std::string pdf(const ExportOptions& options) {
+    std::string bytes;
+    writePdf(picturePages(ExportFormat::pdf, *sketch.entities, *sketch.wallSystemSpecs, options),
+             *sketch.entities, *sketch.wallSystemSpecs, options,
+             [&](std::string_view piece) { bytes += piece; });
+    return bytes;
   }
   QByteArray picture(ExportFormat format, const ExportOptions& options) {
     return drawingPicture(format, *sketch.entities, *sketch.wallSystemSpecs, options);
@@ -62,7 +70,7 @@ struct ExportAndPrint : testing::WindowFixture {
 TEST_F(ExportAndPrint, aPdfIsAtTrueScale) {
   if (!isInstalled("pdftoppm")) GTEST_SKIP() << "poppler-utils is not installed";
   const auto path = home / "plan.pdf";
-  testing::writeBytes(path, picture(ExportFormat::pdf, onPaper("Tabloid", "1/4in=1ft")).toStdString());
+  testing::writeBytes(path, pdf(onPaper("Tabloid", "1/4in=1ft")));
   const QImage page = popplersPage(path, 1);
   EXPECT_EQ(page.size(), QSize(17 * 144, 11 * 144));
   expectTenByFiveInches(page, 144);
@@ -73,7 +81,7 @@ TEST_F(ExportAndPrint, aPdfOnSeveralSheetsGoesOnAtTheirEdges) {
   const auto path = home / "plan.pdf";
   ExportOptions options = onPaper("Letter", "1/4in=1ft");
   setExportOption(options, "orientation", "portrait");
-  testing::writeBytes(path, picture(ExportFormat::pdf, options).toStdString());
+  testing::writeBytes(path, pdf(options));
   const QRectF left = inkOf(popplersPage(path, 1), 144);
   const QRectF right = inkOf(popplersPage(path, 2), 144);
   EXPECT_NEAR(left.width() + right.width(), 10, 0.05) << "half of it on each";

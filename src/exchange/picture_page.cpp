@@ -1,0 +1,57 @@
+#include "exchange/picture_page.h"
+
+#include <algorithm>
+
+#include "exchange/pdf_writer.h"
+#include "interaction/canvas_renderer.h"
+
+namespace ostrelon {
+
+const ThemePalette& exportPalette(ExportTheme theme) {
+  switch (theme) {
+    case ExportTheme::light:
+      return lightPalette();
+    case ExportTheme::dark:
+      return darkPalette();
+    case ExportTheme::tansy:
+      return tansyPalette();
+  }
+  return lightPalette();
+}
+
+bool hasBackground(const ExportOptions& options) {
+  return !options.isOnPaper() || options.theme != ExportTheme::light;
+}
+
+CanvasFrame pictureFrame(const PicturePage& page, const ExportOptions& options) {
+  return {{page.viewport, page.size}, exportPalette(options.theme)};
+}
+
+ViewRect paintedPart(const PicturePage& page) {
+  constexpr double kLineRoom = 2;
+  const double margin = page.hasNeighbors ? page.margin : std::max(0.0, page.margin - kLineRoom);
+  return ViewRect{0, 0, page.size.width, page.size.height}.grown(-margin);
+}
+
+void paintDrawing(CanvasPainter& painter, const PicturePage& page, const EntityList& entities,
+                  std::span<const WallSystemSpec> systems, const ExportOptions& options) {
+  CanvasFrame frame = pictureFrame(page, options);
+  frame.part = paintedPart(page);
+  if (options.showGrid) paintGrid(painter, frame);
+  paintEntities(painter, frame, entities, systems);
+}
+
+void writePdf(std::span<const PicturePage> pages, const EntityList& entities,
+              std::span<const WallSystemSpec> systems, const ExportOptions& options,
+              const std::function<void(std::string_view bytes)>& write) {
+  PdfWriter pdf(write);
+  for (const PicturePage& page : pages) {
+    CanvasPainter& painter = pdf.beginPage(page.size);
+    if (hasBackground(options)) paintBackground(painter, pictureFrame(page, options));
+    pdf.clip(paintedPart(page));
+    paintDrawing(painter, page, entities, systems, options);
+  }
+  pdf.finish();
+}
+
+}  // namespace ostrelon
