@@ -67,11 +67,11 @@ VirtualScreen::VirtualScreen(int width, int height, const fs::path& folder) : fo
   // The server chooses a free number and writes it where it is told to.
   const fs::path number = folder / "display";
   const std::string size = std::to_string(width) + "x" + std::to_string(height) + "x24";
-  server_ =
-      std::make_unique<Process>(std::vector<std::string>{"sh", "-c",
-                                                         "exec Xvfb -displayfd 3 -screen 0 " + size +
-                                                             " -nolisten tcp -noreset 3>'" + number.string() + "'"},
-                                std::vector<std::string>{}, folder / "server.log");
+  server_ = std::make_unique<Process>(
+      std::vector<std::string>{
+          "sh", "-c",
+          "exec Xvfb -displayfd 3 -screen 0 " + size + " -nolisten tcp -noreset 3>'" + number.string() + "'"},
+      std::vector<std::string>{}, folder / "server.log");
   const bool started =
       eventually([&] { return server_->hasEnded() || readBytes(number).find('\n') != std::string::npos; });
   if (!started || server_->hasEnded()) return;
