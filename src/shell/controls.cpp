@@ -332,7 +332,7 @@ void Field::paintEvent(QPaintEvent* event) {
 // --- Lines and panels
 
 Hairline::Hairline(Theme& theme, Qt::Orientation orientation, QWidget* parent)
-    : QWidget(parent), theme_(theme), orientation_(orientation) {
+    : QWidget(parent), theme_(theme) {
   if (orientation == Qt::Horizontal) {
     setFixedHeight(1);
   } else {

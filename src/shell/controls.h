@@ -123,7 +123,6 @@ class Hairline : public QWidget {
 
  private:
   Theme& theme_;
-  Qt::Orientation orientation_;
 };
 
 /// A panel of flat paper: `card`, with a hairline at the edges that it draws itself.

@@ -28,6 +28,7 @@ HelpPage::HelpPage(Theme& theme, QWidget* parent) : QTextBrowser(parent), theme_
   setOpenLinks(false);
   setFont(fontOf(TextStyle::body));
   document()->setDocumentMargin(kMargin);
+  setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
   connect(&theme, &Theme::changed, this, [this] { showMarkdown(markdown_, base_); });
   connect(this, &QTextBrowser::anchorClicked, this, [this](const QUrl& link) {
     if (link.scheme().startsWith(QStringLiteral("http"))) {
@@ -65,7 +66,11 @@ void HelpPage::dress() {
     const int level = format.headingLevel();
     format.setTopMargin(level > 0 ? 20 : 4);
     format.setBottomMargin(level > 0 ? 6 : 4);
-    format.setLineHeight(130, QTextBlockFormat::ProportionalHeight);
+    // A picture is a line of its own height, and would get as much room below.
+    const auto first = block.begin();
+    const bool isPicture = !first.atEnd() && first.fragment().charFormat().isImageFormat();
+    if (isPicture) format.setBottomMargin(16);
+    format.setLineHeight(isPicture ? 100 : 130, QTextBlockFormat::ProportionalHeight);
     cursor.setPosition(block.position());
     cursor.setBlockFormat(format);
     for (auto part = block.begin(); !part.atEnd(); ++part) {
@@ -103,7 +108,8 @@ QVariant HelpPage::loadResource(int type, const QUrl& name) {
   if (type != QTextDocument::ImageResource) return QTextBrowser::loadResource(type, name);
   const QUrl url = base_.resolved(name);
   QPixmap picture(url.scheme() == QStringLiteral("qrc") ? ":" + url.path() : url.toLocalFile());
-  const int room = viewport()->width() - 2 * kMargin;
+  // The bar at the side comes only once the text is there.
+  const int room = width() - verticalScrollBar()->sizeHint().width() - 2 * kMargin;
   if (picture.isNull() || room <= 0 || picture.width() <= room) return picture;
   const double ratio = devicePixelRatioF();
   QPixmap scaled = picture.scaledToWidth(static_cast<int>(room * ratio), Qt::SmoothTransformation);

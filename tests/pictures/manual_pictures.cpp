@@ -23,11 +23,16 @@ class Photographer {
  public:
   explicit Photographer(QString folder) : folder_(std::move(folder)) {}
 
-  void shoot(QWidget& widget, const char* name, const QRect& part = {}) {
+  /// Until every widget has its size and has told it.
+  static void settle() {
     for (int i = 0; i < 6; ++i) {
       QApplication::processEvents();
       QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
+  }
+
+  void shoot(QWidget& widget, const char* name, const QRect& part = {}) {
+    settle();
     const QPixmap picture = part.isEmpty() ? widget.grab() : widget.grab(part);
     const QString path = folder_ + "/" + name + ".png";
     if (picture.save(path)) return;
@@ -96,6 +101,7 @@ bool makeManualPictures(const QString& folder) {
     sketch.submitCommandInput();
   }
   sketch.selectSingleEntity(longestWall(sketch));
+  Photographer::settle();
   sketch.zoomToFit(*sketch.canvasSize);
   sketch.recordPointer(SketchPoint{420, 300});
   photographer.shoot(window, "main");
