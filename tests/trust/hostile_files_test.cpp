@@ -98,7 +98,7 @@ TEST(HostileFiles, OfDocumentsAreReadOrRefusedSoon) {
       {"nothing but NUL", std::string(1'000'000, '\0')},
   };
   for (const auto& [what, bytes] : documents) {
-    expectSoon(what, [&] { (void)SketchDocumentIO::decodeDocument(bytes); });
+    expectSoon(what, [&bytes = bytes] { (void)SketchDocumentIO::decodeDocument(bytes); });
   }
 }
 
@@ -112,18 +112,18 @@ TEST(HostileFiles, OfSettingsAndHistoryAndTheFeedAreReadOrRefusedSoon) {
   for (const auto& [what, text] : texts) {
     const testing::TemporaryFolder home;
     DiskFileSystem files;
-    expectSoon("settings: " + what, [&] {
+    expectSoon("settings: " + what, [&, &text = text] {
       testing::writeBytes(home / "settings.json", text);
       JsonUserDefaults defaults(files, home / "settings.json");
       defaults.set("ostrel.autoSaveEnabled", false);
       EXPECT_EQ(JsonUserDefaults(files, home / "settings.json").boolean("ostrel.autoSaveEnabled"), false);
     });
     std::filesystem::create_directories(home / ".ostrel-history/branches/main");
-    expectSoon("history: " + what, [&] {
+    expectSoon("history: " + what, [&, &text = text] {
       testing::writeBytes(home / ".ostrel-history/meta.json", text);
       (void)loadDocumentHistory(files, home / "plan.ostrel");
     });
-    expectSoon("feed: " + what, [&] { (void)decodeManifest(text); });
+    expectSoon("feed: " + what, [&text = text] { (void)decodeManifest(text); });
   }
 }
 
