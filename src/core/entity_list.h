@@ -179,7 +179,10 @@ class EntityList::Iterator {
     --*this;
     return old;
   }
-  friend bool operator==(const Iterator& a, const Iterator& b) { return a.entity_ == b.entity_; }
+  /// The place counts beside the entity: a chunk may stand in a list twice.
+  friend bool operator==(const Iterator& a, const Iterator& b) {
+    return a.entity_ == b.entity_ && a.chunk_ == b.chunk_ && a.node_ == b.node_;
+  }
 
  private:
   friend class EntityList;

@@ -183,6 +183,14 @@ TEST(EntityList, ListsBuiltFromMostlyTheSameChunksAreEditedAndComparedLikeAnyOth
   }
 }
 
+TEST(EntityList, AChunkThatStandsTwiceIsWalkedTwiceEitherWay) {
+  const auto chunk = std::make_shared<const EntityList::Chunk>(lines(5));
+  const EntityList list = EntityList::fromChunks({chunk, chunk});
+  std::vector<SketchEntity> expected(chunk->begin(), chunk->end());
+  expected.insert(expected.end(), chunk->begin(), chunk->end());
+  expectSame(list, expected);
+}
+
 TEST(EntityList, ShrinksToNothing) {
   EntityList list(lines(5000));
   while (!list.empty()) list.remove(list.size() / 2);
