@@ -28,7 +28,7 @@ std::vector<ShortcutGroup> shortcutGroups() {
 std::string shortcutPage() {
   std::string page = "# Keyboard Shortcuts\n";
   for (const ShortcutGroup& group : shortcutGroups()) {
-    page += fmt::format("\n## {}\n\n| Keys | |\n|---|---|\n", group.title);
+    page += fmt::format("\n## {}\n\n| Keys | What they do |\n|---|---|\n", group.title);
     for (const ShortcutRow& row : group.rows) {
       page += fmt::format("| `{}` | {}{}{} |\n", row.keys, row.title, row.when.empty() ? "" : ", ", row.when);
     }

@@ -98,6 +98,12 @@ void HelpPage::dress() {
     format.setCellSpacing(0);
     format.setTopMargin(8);
     format.setBottomMargin(8);
+    // All tables of a page end at the same edge, and those of two columns break at the same place.
+    format.setWidth(QTextLength(QTextLength::PercentageLength, 100));
+    if (table->columns() == 2) {
+      format.setColumnWidthConstraints(
+          {QTextLength(QTextLength::PercentageLength, 25), QTextLength(QTextLength::PercentageLength, 75)});
+    }
     table->setFormat(format);
   }
   cursor.setPosition(0);
