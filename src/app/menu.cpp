@@ -14,6 +14,8 @@ namespace {
 constexpr std::array<std::string_view, 6> kMenuTitles{"File", "Edit", "Sketch", "Console", "View", "Help"};
 
 bool hasSelection(const Application& app) { return !app.sketch().selectedEntityIDs->empty(); }
+bool hasClipboard(const Application& app) { return !app.sketch().entityClipboard->empty(); }
+bool hasEntities(const Application& app) { return !app.sketch().entities->empty(); }
 bool canUndo(const Application& app) { return !app.sketch().undoStack().undoSnapshots().empty(); }
 bool canRedo(const Application& app) { return !app.sketch().undoStack().redoSnapshots().empty(); }
 
@@ -23,6 +25,17 @@ void zoomBy(Application& app, double factor) {
   const SketchSize canvas = app.sketch().canvasSize;
   app.sketch().zoomViewport(factor, {canvas.width * 0.5, canvas.height * 0.5});
 }
+// What a console command does, told in the console as that command tells it.
+void runCommand(Application& app, std::string_view command) {
+  const auto reply = CommandInterpreter::executeCommandLine(command, app.sketch());
+  if (reply) app.sketch().appendConsoleLine(*reply, false, true);
+}
+void copy(Application& app) { runCommand(app, "copy"); }
+void cut(Application& app) {
+  copy(app);
+  app.sketch().deleteSelection();
+}
+void paste(Application& app) { runCommand(app, "paste"); }
 void toggleGrid(Application& app) { app.sketch().setShowGrid(!*app.sketch().showGrid); }
 
 // A title that says which document, without its extension.
@@ -108,6 +121,12 @@ constexpr std::array kMenuCommands{
         "Edit", "Undo", "⌘Z", [](Application& app) { app.sketch().undo(); }, canUndo),
     row(
         "Edit", "Redo", "⇧⌘Z", [](Application& app) { app.sketch().redo(); }, canRedo),
+    separator("Edit"),
+    row("Edit", "Cut", "⌘X", cut, hasSelection),
+    row("Edit", "Copy", "⌘C", copy, hasSelection),
+    row("Edit", "Paste", "⌘V", paste, hasClipboard),
+    row(
+        "Edit", "Select All", "⌘A", [](Application& app) { app.sketch().selectAll(); }, hasEntities),
     row(
         "Sketch", "Inspect", "⌘I", [](Application& app) { app.sketch().showEntityInspector(); },
         hasSelection),

@@ -310,10 +310,12 @@ bool ConsoleView::eventFilter(QObject* object, QEvent* event) {
   if (object == input_) {
     if (event->type() == QEvent::FocusIn) sketch_.setConsoleInputFocused(true);
     if (event->type() == QEvent::FocusOut) sketch_.setConsoleInputFocused(false);
-    // Undo and redo belong to the drawing while nothing is being typed.
+    // The editing keys belong to the drawing while nothing is being typed; text can still be pasted.
     if (event->type() == QEvent::ShortcutOverride && input_->text().isEmpty()) {
       const auto* key = static_cast<QKeyEvent*>(event);
-      if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo)) {
+      for (const auto drawingKey : {QKeySequence::Undo, QKeySequence::Redo, QKeySequence::Cut,
+                                    QKeySequence::Copy, QKeySequence::SelectAll}) {
+        if (!key->matches(drawingKey)) continue;
         event->ignore();
         return true;
       }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr FieldMask kEnablingFields =
     fieldMask(SketchField::entities, SketchField::selectedEntityIDs, SketchField::undoStack,
-              SketchField::documentHistoryState, SketchField::documentFileURL);
+              SketchField::entityClipboard, SketchField::documentHistoryState, SketchField::documentFileURL);
 
 // "&" would mark a key to Qt.
 QString menuText(std::string_view text) { return qtText(text).replace('&', QStringLiteral("&&")); }

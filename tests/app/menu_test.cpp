@@ -48,6 +48,7 @@ TEST_F(MenuTest, theRowsStandInTheirOrderWithTheirKeys) {
             "File/Revert to Last Autosave\nFile/Import DXF…\nFile/Export…  Ctrl+E\nFile/Print…  Ctrl+P\n"
             "File/Settings…  Ctrl+,\nFile/Quit  Ctrl+Q\n"
             "Edit/Undo  Ctrl+Z\nEdit/Redo  Ctrl+Shift+Z\n"
+            "Edit/Cut  Ctrl+X\nEdit/Copy  Ctrl+C\nEdit/Paste  Ctrl+V\nEdit/Select All  Ctrl+A\n"
             "Sketch/Inspect  Ctrl+I\nSketch/Duplicate  Ctrl+D\nSketch/Clear Sketch  Ctrl+Shift+K\n"
             "Sketch/Toggle Grid  Ctrl+G\nConsole/Show Help\nView/Appearance\nView/Zoom In  Ctrl++\n"
             "View/Zoom Out  Ctrl+-\nView/Zoom to Fit  Ctrl+0\nView/Reset View  Ctrl+Shift+0\n"
@@ -55,8 +56,9 @@ TEST_F(MenuTest, theRowsStandInTheirOrderWithTheirKeys) {
 }
 
 TEST_F(MenuTest, rowsWithNothingToDoAreDisabled) {
-  for (const char* path : {"Edit/Undo", "Edit/Redo", "Sketch/Inspect", "Sketch/Duplicate",
-                           "File/Switch Branch/main", "File/Open Recent/No Recent Documents"}) {
+  for (const char* path :
+       {"Edit/Undo", "Edit/Redo", "Edit/Cut", "Edit/Copy", "Edit/Paste", "Edit/Select All", "Sketch/Inspect",
+        "Sketch/Duplicate", "File/Switch Branch/main", "File/Open Recent/No Recent Documents"}) {
     EXPECT_TRUE(isDisabled(path)) << path;
   }
   EXPECT_EQ(menu("File/Nothing"), "No menu command is named \"File/Nothing\".");
@@ -70,6 +72,23 @@ TEST_F(MenuTest, rowsWithNothingToDoAreDisabled) {
   EXPECT_EQ(menu("Edit/Undo"), std::nullopt);
   EXPECT_EQ(menu("Edit/Redo"), std::nullopt);
   EXPECT_EQ(sketch.entities->size(), 2U);
+}
+
+TEST_F(MenuTest, cutCopyAndPasteSpeakAsTheCommandsDoAndAreAnUndoStepEach) {
+  submit("line 0 0 10 0");
+  submit("circle 5 5 2");
+  EXPECT_EQ(menu("Edit/Select All"), std::nullopt);
+  EXPECT_EQ(sketch.selectedEntityIDs->size(), 2U);
+  const EntityList before = sketch.entities;
+  EXPECT_EQ(menu("Edit/Cut"), std::nullopt);
+  EXPECT_EQ(sketch.consoleLines->back().text, "2 entities deleted.");
+  EXPECT_TRUE(sketch.entities->empty());
+  EXPECT_EQ(menu("Edit/Paste"), std::nullopt);
+  EXPECT_EQ(sketch.consoleLines->back().text, "2 entities pasted.");
+  EXPECT_EQ(std::get<LineEntity>(sketch.entities->front()).from, (SketchPoint{24, 24}));
+  menu("Edit/Undo");
+  menu("Edit/Undo");
+  EXPECT_EQ(*sketch.entities, before);
 }
 
 TEST_F(MenuTest, theViewRowsZoomAboutTheMiddleOfTheCanvas) {

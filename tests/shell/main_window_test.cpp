@@ -152,6 +152,23 @@ TEST_F(MainWindowTest, undoOfAnEmptyLineIsTheDrawings) {
   EXPECT_EQ(sketch.entities->size(), 1U) << "a filled line undoes its own typing";
 }
 
+TEST_F(MainWindowTest, theEditingKeysAreTheDrawingsUntilALineIsTyped) {
+  run("line 0 0 10 0");
+  window.console().input()->setFocus();
+  key(Qt::Key_A, Qt::ControlModifier);
+  EXPECT_EQ(sketch.selectedEntityIDs->size(), 1U);
+  key(Qt::Key_C, Qt::ControlModifier);
+  window.canvas().setFocus();
+  key(Qt::Key_V, Qt::ControlModifier);
+  EXPECT_EQ(sketch.entities->size(), 2U);
+  window.console().input()->setFocus();
+  type(*window.console().input(), "hallo");
+  key(Qt::Key_A, Qt::ControlModifier);
+  key(Qt::Key_X, Qt::ControlModifier);
+  EXPECT_EQ(window.console().input()->text(), "");
+  EXPECT_EQ(sketch.entities->size(), 2U);
+}
+
 TEST_F(MainWindowTest, closingWithChangesAsks) {
   run("line 0 0 10 0");
   dialogs.queue("Cancel");
