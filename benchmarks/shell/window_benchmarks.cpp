@@ -15,6 +15,7 @@
 #include <chrono>
 #include <cmath>
 #include <ctime>
+#include <thread>
 #include <vector>
 
 #include "app/application.h"
@@ -138,10 +139,13 @@ class WindowOnPlan {
   /// Until the picture is exact. In milliseconds.
   double settle() {
     const auto start = Clock::now();
-    do {
+    while (true) {
       scheduler.advance(Seconds(0));
       QApplication::processEvents();
-    } while (!window.canvas().isExact());
+      if (window.canvas().isExact()) break;
+      // The program sleeps while it waits, and leaves the processor to the painting threads.
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
     return millisecondsSince(start);
   }
 

@@ -22,7 +22,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 /// The part of a frame that painting pictures may take.
-constexpr std::chrono::milliseconds kSlice{5};
+constexpr std::chrono::milliseconds kSlice{3};
 /// So many entities, dragged or selected, are painted live; more are kept in a picture.
 constexpr std::size_t kMostLiveEntities = 32;
 

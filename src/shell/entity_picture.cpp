@@ -4,9 +4,11 @@
 #include <atomic>
 #include <cmath>
 #include <cstring>
+#include <deque>
 #include <future>
 #include <thread>
 
+#include "core/entity_bounds.h"
 #include "core/entity_source.h"
 #include "interaction/canvas_overlays.h"
 #include "interaction/canvas_renderer.h"
@@ -79,6 +81,11 @@ SketchBox sketchBoxAround(const ViewRect& part, const PictureView& view,
   const SketchPoint a = viewPointToSketch({reached.minX, reached.maxY}, view.transform.viewport);
   const SketchPoint b = viewPointToSketch({reached.maxX, reached.minY}, view.transform.viewport);
   return {a.x, a.y, b.x, b.y};
+}
+
+/// True as well where a bound is not a number.
+bool mayTouch(const SketchBox& a, const SketchBox& b) {
+  return !(a.maxX < b.minX || a.minX > b.maxX || a.maxY < b.minY || a.minY > b.maxY);
 }
 
 /// Paints entities of a picture's kind with one painter.
@@ -183,37 +190,58 @@ class EntityPicture::Job {
 
  private:
   void run() {
-    if (picture_.image.isNull()) picture_.stale = {};
+    QImage& image = picture_.image;
+    if (image.isNull()) picture_.stale = {};
+    // The lower half of every part is left to a second thread, where the machine has room for one.
+    const bool isShared = std::thread::hardware_concurrency() > 1;
+    std::vector<QRect> uppers;
+    std::vector<QRect> lowers;
     for (const QRect& rect : picture_.stale) {
-      // Half is left to a second thread, where the machine has room for one.
-      const bool isShared = std::thread::hardware_concurrency() > 1 && rect.height() > 1;
-      const QRect upper(rect.topLeft(), QSize(rect.width(), isShared ? rect.height() / 2 : rect.height()));
-      const QRect lower = rect.adjusted(0, upper.height(), 0, 0);
-      // A second view of the same pixels: two painters may not share a picture, but they may share its
-      // memory, of which each keeps to its own rows.
-      QImage& image = picture_.image;
-      QImage below(image.bits(), image.width(), image.height(), image.bytesPerLine(), image.format());
-      std::future<void> other;
-      if (isShared) other = std::async(std::launch::async, [&] { paintRect(below, lower); });
-      paintRect(image, upper);
-      if (isShared) other.wait();
-      if (isCancelled_) return;
+      const int height = isShared ? (rect.height() + 1) / 2 : rect.height();
+      uppers.emplace_back(rect.topLeft(), QSize(rect.width(), height));
+      if (height < rect.height()) lowers.push_back(rect.adjusted(0, height, 0, 0));
     }
-    picture_.stale = {};
+    uchar* pixels = image.bits();
+    std::future<void> other;
+    if (!lowers.empty()) other = std::async(std::launch::async, [&] { paintParts(pixels, lowers); });
+    paintParts(pixels, uppers);
+    if (other.valid()) other.wait();
+    if (!isCancelled_) picture_.stale = {};
   }
 
-  void paintRect(QImage& image, const QRect& rect) {
-    clearPixels(image, rect);
-    PixelCanvasPainter painter(image, picture_.view.pixelRatio, rect);
-    const CanvasFrame frame = frameOf(picture_.view, rect);
-    Brush brush(kind_, frame, picture_.content, painter);
+  // A part of the picture with what paints it. Painters may not share a picture, but they may share its
+  // memory, of which each keeps to its own rectangle.
+  struct Part {
+    Part(Kind kind, uchar* pixels, const Picture& picture, const QRect& rect)
+        : image(pixels, picture.image.width(), picture.image.height(), picture.image.bytesPerLine(),
+                picture.image.format()),
+          painter(image, picture.view.pixelRatio, rect),
+          frame(frameOf(picture.view, rect)),
+          brush(kind, frame, picture.content, painter),
+          reach(sketchBoxAround(*frame.part, picture.view, picture.content.systems)) {
+      clearPixels(image, rect);
+    }
+    QImage image;
+    PixelCanvasPainter painter;
+    CanvasFrame frame;
+    Brush brush;
+    SketchBox reach;  // what lies beside it leaves nothing in this part
+  };
+
+  // Paints all parts in one walk through the list, which is what costs most where they are small.
+  void paintParts(uchar* pixels, const std::vector<QRect>& rects) {
+    std::deque<Part> parts;
+    for (const QRect& rect : rects) parts.emplace_back(kind_, pixels, picture_, rect);
     int untilLook = kEntitiesPerLook;
     for (const SketchEntity& entity : picture_.content.entities) {
       if (--untilLook == 0) {
         if (isCancelled_) return;
         untilLook = kEntitiesPerLook;
       }
-      brush.paint(entity);
+      const SketchBox bounds = entityBounds(entity);
+      for (Part& part : parts) {
+        if (mayTouch(bounds, part.reach)) part.brush.paint(entity);
+      }
     }
   }
 
