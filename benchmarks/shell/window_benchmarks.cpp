@@ -227,17 +227,18 @@ void BM_DragWindow(benchmark::State& state) {
 }
 BENCHMARK(BM_DragWindow)->Apply(sizes);
 
-// One step of a wheel that scrolls: twenty one way, twenty back, then a rest.
-void BM_PanFrame(benchmark::State& state) {
+// Steps of a wheel, `turn` of them one way and as many back, each turn with a rest until the picture is
+// exact.
+template <class Wheel>
+void wheelFrames(benchmark::State& state, int turn, const Wheel& wheel) {
   startWithoutDisplay();
   WindowOnPlan on(state.range(0));
   FrameTimes times;
   double exact = 0;
   int step = 0;
   for (auto _ : state) {
-    const int by = step / 20 % 2 == 0 ? 60 : -60;
-    times.add(on.wheel({by / 3, by}, {}, {}));
-    if (++step % 20 == 0) {
+    times.add(wheel(on, step / turn % 2 == 0 ? 1 : -1));
+    if (++step % turn == 0) {
       state.PauseTiming();
       exact = std::max(exact, on.settle());
       state.ResumeTiming();
@@ -246,26 +247,18 @@ void BM_PanFrame(benchmark::State& state) {
   times.report(state);
   state.counters["exact_ms"] = exact;
 }
+
+// One step of a wheel that scrolls.
+void BM_PanFrame(benchmark::State& state) {
+  wheelFrames(state, 20, [](WindowOnPlan& on, int way) { return on.wheel({20 * way, 60 * way}, {}, {}); });
+}
 BENCHMARK(BM_PanFrame)->Apply(sizes);
 
-// One step of a wheel that zooms: ten in, ten out, then a rest.
+// One step of a wheel that zooms.
 void BM_ZoomFrame(benchmark::State& state) {
-  startWithoutDisplay();
-  WindowOnPlan on(state.range(0));
-  FrameTimes times;
-  double exact = 0;
-  int step = 0;
-  for (auto _ : state) {
-    const int by = step / 10 % 2 == 0 ? 120 : -120;
-    times.add(on.wheel({}, {0, by}, Qt::ControlModifier));
-    if (++step % 10 == 0) {
-      state.PauseTiming();
-      exact = std::max(exact, on.settle());
-      state.ResumeTiming();
-    }
-  }
-  times.report(state);
-  state.counters["exact_ms"] = exact;
+  wheelFrames(state, 10, [](WindowOnPlan& on, int way) {
+    return on.wheel({}, {0, 120 * way}, Qt::ControlModifier);
+  });
 }
 BENCHMARK(BM_ZoomFrame)->Apply(sizes);
 
