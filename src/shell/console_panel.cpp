@@ -193,6 +193,18 @@ void TranscriptView::resizeEvent(QResizeEvent* event) {
   if (wasAtEnd) followEnd();
 }
 
+bool TranscriptView::event(QEvent* event) {
+  // With the focus here these keys mean its lines, not the drawing.
+  if (event->type() == QEvent::ShortcutOverride) {
+    const auto* key = static_cast<QKeyEvent*>(event);
+    if (key->matches(QKeySequence::Copy) || key->matches(QKeySequence::SelectAll)) {
+      event->accept();
+      return true;
+    }
+  }
+  return RowsView::event(event);
+}
+
 void TranscriptView::keyPressEvent(QKeyEvent* event) {
   if (event->matches(QKeySequence::Copy)) {
     copySelected();

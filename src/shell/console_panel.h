@@ -53,6 +53,7 @@ class TranscriptView final : public RowsView {
   int contentHeight() const override;
   void paintRow(QPainter& painter, const QRect& box, int row, bool isHovered) override;
   void resizeEvent(QResizeEvent* event) override;
+  bool event(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
 

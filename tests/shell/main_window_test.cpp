@@ -1,6 +1,8 @@
 #include "shell/main_window.h"
 
+#include <QAbstractItemView>
 #include <QAccessible>
+#include <QClipboard>
 #include <QDragEnterEvent>
 #include <QFocusFrame>
 #include <QLabel>
@@ -167,6 +169,14 @@ TEST_F(MainWindowTest, theEditingKeysAreTheDrawingsUntilALineIsTyped) {
   key(Qt::Key_X, Qt::ControlModifier);
   EXPECT_EQ(window.console().input()->text(), "");
   EXPECT_EQ(sketch.entities->size(), 2U);
+
+  auto* transcript = find<QAbstractItemView>(window, "console.transcript");
+  transcript->setFocus();
+  QGuiApplication::clipboard()->clear();
+  key(Qt::Key_A, Qt::ControlModifier);
+  key(Qt::Key_C, Qt::ControlModifier);
+  EXPECT_TRUE(QGuiApplication::clipboard()->text().contains("line 0 0 10 0"));
+  EXPECT_EQ(sketch.selectedEntityIDs->size(), 1U) << "the lines were copied, not the drawing";
 }
 
 TEST_F(MainWindowTest, closingWithChangesAsks) {
