@@ -91,6 +91,8 @@ void Application::openSamplePlan() {
   beforeReplacing([this] {
     sketch_.newDocument();
     sketch_.applyLoadedDocument(SketchDocumentIO::decodeDocument(kSamplePlan));
+    // Laid out now, or the window would centre the origin over the fitted view.
+    sketch_.updateCanvasSize(sketch_.canvasSize);
     sketch_.zoomToFit(sketch_.canvasSize);
   });
 }

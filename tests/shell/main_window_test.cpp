@@ -179,6 +179,15 @@ TEST_F(MainWindowTest, theEditingKeysAreTheDrawingsUntilALineIsTyped) {
   EXPECT_EQ(sketch.selectedEntityIDs->size(), 1U) << "the lines were copied, not the drawing";
 }
 
+TEST_F(MainWindowTest, theSamplePlanIsShownWhole) {
+  runMenuCommand(application, "Help/Open Sample Plan");
+  settle();
+  const SketchViewport shown = sketch.viewport;
+  sketch.zoomToFit(sketch.canvasSize);
+  EXPECT_EQ(shown, sketch.viewport.get());
+  EXPECT_FALSE(*sketch.isDocumentDirty);
+}
+
 TEST_F(MainWindowTest, closingWithChangesAsks) {
   run("line 0 0 10 0");
   dialogs.queue("Cancel");
