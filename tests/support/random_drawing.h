@@ -2,6 +2,8 @@
 #pragma once
 
 #include <random>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "core/sketch_view_model.h"
@@ -12,7 +14,11 @@ class RandomDrawing {
  public:
   explicit RandomDrawing(unsigned seed) : random(seed) {}
 
-  int below(int limit) { return std::uniform_int_distribution<int>(0, limit - 1)(random); }
+  /// From 0 up to the limit, which must be above 0.
+  int below(int limit) {
+    if (limit < 1) throw std::invalid_argument("There is no number below " + std::to_string(limit));
+    return std::uniform_int_distribution<int>(0, limit - 1)(random);
+  }
   double number(double low, double high) { return std::uniform_real_distribution<double>(low, high)(random); }
   /// Mostly whole coordinates, so that entities meet, touch and coincide.
   double coordinate() { return below(4) == 0 ? number(-20, 20) : below(41) - 20; }
