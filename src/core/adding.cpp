@@ -1,60 +1,78 @@
-// Adding entities, and clearing the sketch.
-#include "core/sketch_view_model.h"
+#include "core/adding.h"
+
+#include <utility>
 
 namespace ostrelon {
 
-void SketchViewModel::appendNewEntity(SketchEntity entity) {
-  const ChangeScope scope(tracker_);
-  captureUndoCheckpoint();
-  entities.edit().append(std::move(entity));
-  isDocumentDirty = true;
+void addEntity(Sketch& sketch, SketchEntity entity) {
+  sketch.edit([&](Drawing& drawing) { drawing.entities.append(std::move(entity)); });
 }
 
-void SketchViewModel::addLine(SketchPoint from, SketchPoint to) {
-  appendNewEntity(LineEntity{UUID::random(), from, to});
-}
-
-void SketchViewModel::addRectangle(SketchPoint origin, SketchSize size) {
-  appendNewEntity(RectangleEntity{UUID::random(), origin, size});
-}
-
-void SketchViewModel::addCircle(SketchPoint center, double radius) {
-  appendNewEntity(CircleEntity{UUID::random(), center, radius});
-}
-
-void SketchViewModel::addPolygon(std::vector<SketchPoint> vertices) {
-  if (vertices.size() < 3) return;
-  appendNewEntity(PolygonEntity{UUID::random(), PolygonVertices(std::move(vertices))});
-}
-
-void SketchViewModel::addWall(std::optional<UUID> systemSpecID, SketchPoint from, SketchPoint to) {
-  const ChangeScope scope(tracker_);
-  const UUID id = UUID::random();
-  appendNewEntity(WallEntity{id, from, to, systemSpecID.value_or(activeWallSystemSpecID.get())});
-  selectOnly(id);
-}
-
-void SketchViewModel::addEntities(std::vector<SketchEntity> added) {
+void addEntities(Sketch& sketch, std::vector<SketchEntity> added) {
   if (added.empty()) return;
-  const ChangeScope scope(tracker_);
-  captureUndoCheckpoint();
-  entities.edit().append(std::move(added));
-  isDocumentDirty = true;
+  sketch.edit([&](Drawing& drawing) { drawing.entities.append(std::move(added)); });
 }
 
-void SketchViewModel::clearSketch() {
-  const ChangeScope scope(tracker_);
-  captureUndoCheckpoint();
-  entities = EntityList();
-  clearSelection();
-  draft = std::nullopt;
-  polygonDraft = std::nullopt;
-  hoveredEntityID = std::nullopt;
-  hoverViewPoint = std::nullopt;
-  selectDrag = std::nullopt;
-  selectMarquee = std::nullopt;
-  clearSnapState();
-  isDocumentDirty = true;
+void addLine(Sketch& sketch, SketchPoint from, SketchPoint to) {
+  addEntity(sketch, LineEntity{UUID::random(), from, to});
+}
+
+void addRectangle(Sketch& sketch, SketchPoint origin, SketchSize size) {
+  addEntity(sketch, RectangleEntity{UUID::random(), origin, size});
+}
+
+void addCircle(Sketch& sketch, SketchPoint center, double radius) {
+  addEntity(sketch, CircleEntity{UUID::random(), center, radius});
+}
+
+void addPolygon(Sketch& sketch, std::vector<SketchPoint> vertices) {
+  if (vertices.size() < 3) return;
+  addEntity(sketch, PolygonEntity{UUID::random(), PolygonVertices(std::move(vertices))});
+}
+
+void addWall(Sketch& sketch, std::optional<UUID> systemSpecID, SketchPoint from, SketchPoint to) {
+  const auto change = sketch.change();
+  const UUID id = UUID::random();
+  const UUID system = systemSpecID.value_or(sketch.drawing->activeWallSystemSpecID);
+  addEntity(sketch, WallEntity{id, from, to, system});
+  sketch.selectOnly(id);
+}
+
+void replaceEntity(Sketch& sketch, const UUID& id, SketchEntity entity, UndoStep step) {
+  const auto position = sketch.positionOf(id);
+  if (!position) return;
+  if (sketch.entities()[*position] == entity) {
+    sketch.countAsEdit(step);
+  } else {
+    sketch.edit([&](Drawing& drawing) { drawing.entities.replace(*position, std::move(entity)); }, step);
+  }
+}
+
+void setActiveWallSystem(Sketch& sketch, Messages& messages, const WallSystemSpec& spec) {
+  const WallSystemSpec* active = sketch.drawing->activeWallSystem();
+  if (active != nullptr && *active == spec) return;
+  const auto change = sketch.change();
+  const std::string name = spec.name;
+  sketch.setActiveWallSystem(spec.id);
+  messages.appendSystem("Active wall system: " + name);
+}
+
+void updateWallSystemSpec(Sketch& sketch, const WallSystemSpec& spec) {
+  const std::vector<WallSystemSpec>& specs = sketch.drawing->wallSystemSpecs;
+  for (std::size_t row = 0; row < specs.size(); ++row) {
+    if (specs[row].id != spec.id) continue;
+    if (specs[row] == spec) {
+      sketch.countAsEdit(UndoStep::none);
+    } else {
+      sketch.edit([&](Drawing& drawing) { drawing.wallSystemSpecs[row] = spec; }, UndoStep::none);
+    }
+    return;
+  }
+}
+
+void setShowGrid(Sketch& sketch, bool value) {
+  if (sketch.drawing->showGrid == value) return;
+  sketch.edit([&](Drawing& drawing) { drawing.showGrid = value; }, UndoStep::none);
 }
 
 }  // namespace ostrelon

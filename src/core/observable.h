@@ -4,14 +4,20 @@
 //   class Counter {
 //     ChangeTracker tracker_;
 //    public:
-//     Observable<int, Counter> count{tracker_, 0 /* field number */, 5 /* initial value */};
+//     Observable<int, Counter> count{tracker_, 5 /* initial value */};
 //     void raise() { ChangeScope scope(tracker_); count = count + 1; }
 //   };
+//   …
+//   subscription = tracker.observe(fieldsOf(counter.count), [](FieldMask changed) { … });
 //
-// Scopes nest. The end of the outermost one raises the revision and, if a field was written, tells
+// Objects that share a tracker are observed as one: an operation that changes several of them notifies
+// once.
+//
+// Scopes nest. The end of the outermost one raises the revision and, if a field was written, notifies
 // the observers once with the set of fields. A value written over its equal is dropped.
 #pragma once
 
+#include <cassert>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -23,6 +29,7 @@ namespace ostrelon {
 /// A set of field numbers below 64.
 using FieldMask = std::uint64_t;
 inline constexpr FieldMask kAllFields = ~FieldMask{0};
+inline constexpr unsigned kMostFields = 64;
 constexpr FieldMask fieldBit(unsigned field) { return FieldMask{1} << field; }
 
 /// Ends an observation when it is destroyed. Move-only.
@@ -68,6 +75,11 @@ class ChangeTracker {
   /// Called when the outermost scope has ended and the observers have been told.
   void setClosingHook(std::function<void()> closing) { closing_ = std::move(closing); }
 
+  /// The number of a new field, below 64. For `Observable`.
+  unsigned addField() {
+    assert(fields_ < kMostFields);
+    return fields_++;
+  }
   void open() { ++depth_; }
   void close();
   void mark(unsigned field) { changed_ |= fieldBit(field); }
@@ -80,6 +92,7 @@ class ChangeTracker {
   };
 
   int depth_ = 0;
+  unsigned fields_ = 0;
   FieldMask changed_ = 0;
   std::uint64_t revision_ = 0;
   std::vector<std::shared_ptr<Observer>> observers_;
@@ -102,8 +115,8 @@ class ChangeScope {
 template <class T, class Owner>
 class Observable {
  public:
-  Observable(ChangeTracker& tracker, unsigned field, T initial = {})
-      : tracker_(tracker), field_(field), value_(std::move(initial)) {}
+  explicit Observable(ChangeTracker& tracker, T initial = {})
+      : tracker_(tracker), field_(tracker.addField()), value_(std::move(initial)) {}
   Observable(const Observable&) = delete;
 
   const T& get() const { return value_; }
@@ -113,6 +126,8 @@ class Observable {
 
   friend bool operator==(const Observable& a, const T& b) { return a.value_ == b; }
 
+  /// The field in the masks of its tracker.
+  FieldMask bit() const { return fieldBit(field_); }
   /// How often the field has been written since it was made.
   std::uint64_t writes() const { return writes_; }
 
@@ -141,5 +156,11 @@ class Observable {
   T value_;
   std::uint64_t writes_ = 0;
 };
+
+/// The mask of these fields, which have the same tracker.
+template <class... Fields>
+FieldMask fieldsOf(const Fields&... fields) {
+  return (fields.bit() | ... | FieldMask{0});
+}
 
 }  // namespace ostrelon

@@ -2,12 +2,9 @@
 #pragma once
 
 #include <optional>
-#include <unordered_set>
 #include <vector>
 
 #include "core/entity_list.h"
-#include "core/sketch_draft.h"
-#include "core/sketch_tool.h"
 
 namespace ostrelon {
 
@@ -46,18 +43,6 @@ class SketchUndoStack {
   std::optional<int> sessionLimit_;
   std::vector<SketchUndoSnapshot> undoSnapshots_;
   std::vector<SketchUndoSnapshot> redoSnapshots_;
-};
-
-/// All that a chain of commands may disturb, as it was before.
-struct SketchCommandMutationState {
-  SketchUndoSnapshot undoSnapshot;
-  std::unordered_set<UUID> selectedEntityIDs;
-  std::optional<UUID> primarySelectedEntityID;
-  SketchTool selectedTool = SketchTool::select;
-  std::optional<SketchDraft> draft;
-  std::optional<UUID> trimCuttingEdgeEntityID;
-  UUID activeWallSystemSpecID;
-  bool isDocumentDirty = false;
 };
 
 }  // namespace ostrelon

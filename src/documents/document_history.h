@@ -16,7 +16,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/document_history_state.h"
+#include "documents/document_history_state.h"
 #include "documents/sketch_document.h"
 #include "platform/file_system.h"
 #include "platform/user_error.h"

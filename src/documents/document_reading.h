@@ -8,7 +8,7 @@
 
 #include <optional>
 
-#include "core/document_on_disk.h"
+#include "documents/document_on_disk.h"
 #include "documents/sketch_document.h"
 #include "platform/file_system.h"
 

@@ -9,7 +9,7 @@
 
 #include <memory>
 
-#include "core/document_on_disk.h"
+#include "documents/document_on_disk.h"
 #include "core/sketch_view_model.h"
 #include "documents/sketch_document.h"
 #include "platform/file_system.h"

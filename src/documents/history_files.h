@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/document_history_state.h"
+#include "documents/document_history_state.h"
 
 namespace ostrelon {
 

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "core/entity_edits.h"
-#include "core/select_drag_state.h"
 #include "core/sketch_entity.h"
+#include "geometry/selection_handles.h"
 
 namespace ostrelon {
 

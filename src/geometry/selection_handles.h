@@ -1,13 +1,34 @@
 // The grips of a selected entity: where they stand, which one is hit, and what dragging one does.
 #pragma once
 
+#include <compare>
 #include <map>
 #include <optional>
 
-#include "core/select_drag_state.h"
 #include "core/sketch_entity.h"
 
 namespace ostrelon {
+
+/// A grip of a selected entity. Only `polygonVertex` uses `index`.
+struct SelectionHandle {
+  enum class Kind {
+    polygonVertex,
+    lineStart,
+    lineEnd,
+    circleCenter,
+    circleRadius,
+    rectMinXMinY,
+    rectMaxXMinY,
+    rectMaxXMaxY,
+    rectMinXMaxY,
+  };
+
+  Kind kind = Kind::lineStart;
+  int index = 0;
+
+  static constexpr SelectionHandle polygonVertex(int index) { return {Kind::polygonVertex, index}; }
+  friend auto operator<=>(const SelectionHandle&, const SelectionHandle&) = default;
+};
 
 /// How near the pointer must come to a handle, view points.
 inline constexpr double kHandleHitRadius = 10.0;

@@ -4,9 +4,9 @@
 #include <cstddef>
 #include <optional>
 
-#include "core/sketch_draft.h"
+#include "interaction/sketch_draft.h"
 #include "core/sketch_entity.h"
-#include "core/sketch_tool.h"
+#include "interaction/sketch_tool.h"
 
 namespace ostrelon {
 

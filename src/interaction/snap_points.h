@@ -8,7 +8,7 @@
 #include <optional>
 
 #include "core/sketch_entity.h"
-#include "core/snap_types.h"
+#include "interaction/snap_types.h"
 
 namespace ostrelon {
 

@@ -8,8 +8,8 @@
 
 #include <string>
 
-#include "core/sketch_tool.h"
-#include "core/snap_types.h"
+#include "interaction/sketch_tool.h"
+#include "interaction/snap_types.h"
 #include "platform/date.h"
 
 namespace ostrelon {

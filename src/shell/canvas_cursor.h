@@ -4,7 +4,7 @@
 
 #include <QCursor>
 
-#include "core/sketch_tool.h"
+#include "interaction/sketch_tool.h"
 #include "core/theme_palette.h"
 
 namespace ostrelon {

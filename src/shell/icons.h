@@ -7,7 +7,7 @@
 #include <QRectF>
 
 #include "core/sketch_entity.h"
-#include "core/sketch_tool.h"
+#include "interaction/sketch_tool.h"
 
 class QPainter;
 

@@ -6,7 +6,7 @@
 #include <numbers>
 
 #include "core/entity_list.h"
-#include "core/sketch_tool.h"
+#include "interaction/sketch_tool.h"
 
 namespace ostrelon {
 namespace {

@@ -1,4 +1,4 @@
-#include "core/document_history_state.h"
+#include "documents/document_history_state.h"
 
 #include "platform/unicode.h"
 

@@ -1,4 +1,4 @@
-#include "core/snap_types.h"
+#include "interaction/snap_types.h"
 
 namespace ostrelon {
 

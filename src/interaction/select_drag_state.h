@@ -1,13 +1,14 @@
 // Gestures of the select tool in progress: the marquee, and the drag of a handle or of entities.
 #pragma once
 
-#include <map>
 #include <unordered_map>
 #include <unordered_set>
 #include <variant>
 
+#include "core/entity_list.h"
 #include "core/sketch_entity.h"
 #include "core/sketch_point.h"
+#include "geometry/selection_handles.h"
 
 namespace ostrelon {
 
@@ -17,27 +18,6 @@ struct SelectMarqueeState {
   double startViewX = 0;    ///< view points
   double currentViewX = 0;  ///< view points; left of the start makes a crossing marquee
   friend bool operator==(const SelectMarqueeState&, const SelectMarqueeState&) = default;
-};
-
-/// A grip of a selected entity. Only `polygonVertex` uses `index`.
-struct SelectionHandle {
-  enum class Kind {
-    polygonVertex,
-    lineStart,
-    lineEnd,
-    circleCenter,
-    circleRadius,
-    rectMinXMinY,
-    rectMaxXMinY,
-    rectMaxXMaxY,
-    rectMinXMaxY,
-  };
-
-  Kind kind = Kind::lineStart;
-  int index = 0;
-
-  static constexpr SelectionHandle polygonVertex(int index) { return {Kind::polygonVertex, index}; }
-  friend auto operator<=>(const SelectionHandle&, const SelectionHandle&) = default;
 };
 
 struct HandleDrag {

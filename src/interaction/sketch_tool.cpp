@@ -1,4 +1,4 @@
-#include "core/sketch_tool.h"
+#include "interaction/sketch_tool.h"
 
 #include <cstddef>
 

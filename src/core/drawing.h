@@ -1,0 +1,47 @@
+// What a document shows and what is selected in it, as two plain values: a capture is a copy, a
+// comparison is `==`, a reset is an assignment.
+#pragma once
+
+#include <optional>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "core/entity_list.h"
+#include "core/wall_system.h"
+
+namespace ostrelon {
+
+/// The content of a document. Copies share the storage of the entities.
+struct Drawing {
+  EntityList entities;
+  std::vector<WallSystemSpec> wallSystemSpecs = defaultWallSystems();
+  UUID activeWallSystemSpecID = wallSystemSpecs.front().id;  ///< may name a system that is gone
+  bool showGrid = true;
+
+  /// The active system, or the first one when it is gone; null only when there is none at all.
+  const WallSystemSpec* activeWallSystem() const;
+  const WallSystemSpec* wallSystem(const UUID& id) const;
+  /// The first system of this name, without regard to case.
+  const WallSystemSpec* wallSystem(std::string_view named) const;
+  /// The name of a wall's system; absent for other entities and for systems that are gone.
+  std::optional<std::string> wallSystemName(const SketchEntity& entity) const;
+
+  friend bool operator==(const Drawing&, const Drawing&) = default;
+};
+
+/// The selected entities, by identifier.
+struct Selection {
+  std::unordered_set<UUID> ids;
+  /// The one that commands for a single entity mean. A marquee that takes nothing leaves it as it was.
+  std::optional<UUID> primary;
+  /// The inspector is open on the selection.
+  bool isInspected = false;
+
+  static Selection of(const UUID& id) { return {{id}, id, false}; }
+  bool empty() const { return ids.empty(); }
+  bool contains(const UUID& id) const { return ids.contains(id); }
+  friend bool operator==(const Selection&, const Selection&) = default;
+};
+
+}  // namespace ostrelon

@@ -1,0 +1,184 @@
+#include "core/sketch.h"
+
+#include <algorithm>
+#include <cassert>
+#include <utility>
+
+namespace ostrelon {
+namespace {
+
+// A selection of more than this share of the drawing is looked up by walking through it.
+constexpr std::size_t kWalkShare = 16;
+
+}  // namespace
+
+Sketch::Sketch(ChangeTracker& tracker) : tracker_(tracker) {}
+
+// --- Finding
+
+const EntityIndex& Sketch::index() const {
+  index_.update(entities());
+  return index_;
+}
+
+std::optional<std::string> Sketch::labelOf(const UUID& id) const {
+  const auto position = positionOf(id);
+  if (!position) return std::nullopt;
+  const SketchEntity& found = entities()[*position];
+  return entityLabel(found, static_cast<int>(*position) + 1, drawing->wallSystemName(found));
+}
+
+const SketchEntity* Sketch::selectedEntity() const {
+  return selection->ids.size() == 1 ? entity(*selection->ids.begin()) : nullptr;
+}
+
+std::string Sketch::selectionSummary() const {
+  if (selection->empty()) return "none";
+  if (selection->ids.size() > 1) return std::to_string(selection->ids.size()) + " selected";
+  return (selection->primary ? labelOf(*selection->primary) : std::nullopt).value_or("one");
+}
+
+std::vector<std::size_t> Sketch::selectedPositions() const {
+  std::vector<std::size_t> positions;
+  positions.reserve(selection->ids.size());
+  // One walk finds many faster than the index does, and finds what has its identifier in common.
+  if (index().hasDuplicates() || selection->ids.size() > entities().size() / kWalkShare) {
+    std::size_t position = 0;
+    for (const SketchEntity& entity : entities()) {
+      if (selection->contains(entityID(entity))) positions.push_back(position);
+      ++position;
+    }
+    return positions;
+  }
+  for (const UUID& id : selection->ids) {
+    if (const auto position = positionOf(id)) positions.push_back(*position);
+  }
+  std::sort(positions.begin(), positions.end());
+  return positions;
+}
+
+// --- The one way to edit
+
+void Sketch::edit(const std::function<void(Drawing&)>& change, UndoStep step) {
+  const ChangeScope scope(tracker_);
+  countAsEdit(step);
+  change(drawing.edit());
+}
+
+void Sketch::countAsEdit(UndoStep step) {
+  const ChangeScope scope(tracker_);
+  if (step == UndoStep::own && openSteps_ == 0) undoStack.edit().pushUndoSnapshot({entities()});
+  isDirty = true;
+}
+
+bool Sketch::asOneStep(const std::function<bool()>& changes) {
+  const ChangeScope scope(tracker_);
+  const SketchState before = state();
+  ++openSteps_;
+  const bool succeeded = changes();
+  --openSteps_;
+  if (succeeded) {
+    recordStep(before.drawing.entities);
+  } else {
+    setState(before);
+  }
+  return succeeded;
+}
+
+void Sketch::recordStep(const EntityList& before) {
+  if (openSteps_ > 0 || before == entities()) return;
+  const ChangeScope scope(tracker_);
+  undoStack.edit().pushUndoSnapshot({before});
+}
+
+void Sketch::setState(const SketchState& state) {
+  const ChangeScope scope(tracker_);
+  drawing = state.drawing;
+  selection = state.selection;
+  isDirty = state.isDirty;
+}
+
+void Sketch::replace(Drawing replacement, std::vector<SketchUndoSnapshot> undoSteps) {
+  const ChangeScope scope(tracker_);
+  drawing = std::move(replacement);
+  selection = Selection{{}, std::nullopt, selection->isInspected};
+  clipboard = {};
+  undoStack.edit().replaceUndoSnapshots(std::move(undoSteps));
+}
+
+void Sketch::setActiveWallSystem(const UUID& id) {
+  if (drawing->activeWallSystemSpecID == id) return;
+  const ChangeScope scope(tracker_);
+  drawing.edit().activeWallSystemSpecID = id;
+}
+
+// --- Undo
+
+bool Sketch::undo() {
+  if (undoStack->undoSnapshots().empty()) return false;
+  const ChangeScope scope(tracker_);
+  const auto snapshot = undoStack.edit().popUndoSnapshot();
+  undoStack.edit().pushRedoSnapshot({entities()});
+  restore(snapshot->entities);
+  return true;
+}
+
+bool Sketch::redo() {
+  if (undoStack->redoSnapshots().empty()) return false;
+  const ChangeScope scope(tracker_);
+  const auto snapshot = undoStack.edit().popRedoSnapshot();
+  undoStack.edit().appendUndoSnapshot({entities()});
+  restore(snapshot->entities);
+  return true;
+}
+
+void Sketch::restore(const EntityList& restored) {
+  const ChangeScope scope(tracker_);
+  if (!(restored == entities())) drawing.edit().entities = restored;
+  Selection remaining = selection;
+  std::erase_if(remaining.ids, [&](const UUID& id) { return entity(id) == nullptr; });
+  if (remaining.empty()) {
+    remaining = {};
+  } else if (remaining.primary && !remaining.contains(*remaining.primary)) {
+    remaining.primary = *remaining.ids.begin();
+  }
+  selection = std::move(remaining);
+  isDirty = true;
+}
+
+void Sketch::setUndoStack(SketchUndoStack stack) {
+  const ChangeScope scope(tracker_);
+  undoStack.edit() = std::move(stack);
+}
+
+// --- The selection
+
+void Sketch::selectOnly(const UUID& id) {
+  selection = Selection{{id}, id, selection->isInspected};
+}
+
+void Sketch::addToSelection(const UUID& id) {
+  const ChangeScope scope(tracker_);
+  Selection& selected = selection.edit();
+  selected.ids.insert(id);
+  selected.primary = id;
+}
+
+void Sketch::deselect(const UUID& id) {
+  if (!selection->contains(id)) return;
+  const ChangeScope scope(tracker_);
+  Selection& selected = selection.edit();
+  selected.ids.erase(id);
+  if (selected.primary == id) {
+    selected.primary = selected.empty() ? std::optional<UUID>() : std::optional<UUID>(*selected.ids.begin());
+  }
+  if (selected.empty()) selected.isInspected = false;
+}
+
+void Sketch::setInspected(bool inspected) {
+  if (selection->isInspected == inspected) return;
+  const ChangeScope scope(tracker_);
+  selection.edit().isInspected = inspected;
+}
+
+}  // namespace ostrelon

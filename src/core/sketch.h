@@ -1,0 +1,137 @@
+// The sketch that is open: its drawing, the selection in it and its undo steps, and the one way to
+// change them. It lives as long as the program; opening a document puts another drawing in its place.
+//
+// Everyone may read the values; they are written by the operations below alone. An edit of the drawing
+// is a function that is handed the drawing as it is and leaves it as it shall be:
+//
+//   sketch.edit([&](Drawing& drawing) { drawing.entities.append(line); });
+//
+// `edit` takes the undo step, marks the sketch as changed since its last save, and notifies. Whoever
+// edits has checked before: a refused operation does not come here. Operations that do several things
+// open a `change()` first, and observers are notified once, when the outermost one ends.
+//
+// The operations on entities stand in geometry/ as functions over a sketch; those that add them, in
+// core/adding.h.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/drawing.h"
+#include "core/entity_index.h"
+#include "core/observable.h"
+#include "core/undo_stack.h"
+
+namespace ostrelon {
+
+/// What an edit means for undo.
+enum class UndoStep {
+  own,   ///< it is a step, whatever it changes; inside `asOneStep` it is part of that one
+  none,  ///< it is no step: a drag records one at its end, and wall systems and the grid have none
+};
+
+/// All that a group of commands may disturb and that is taken back when one of them fails.
+struct SketchState {
+  Drawing drawing;
+  Selection selection;
+  bool isDirty = false;
+};
+
+class Sketch {
+ public:
+  /// `tracker` must outlive the object.
+  explicit Sketch(ChangeTracker& tracker);
+  Sketch(const Sketch&) = delete;
+  Sketch& operator=(const Sketch&) = delete;
+
+ private:
+  ChangeTracker& tracker_;
+  template <class T>
+  using Field = Observable<T, Sketch>;
+
+ public:
+  Field<Drawing> drawing{tracker_};
+  Field<Selection> selection{tracker_};
+  Field<SketchUndoStack> undoStack{tracker_};
+  /// Something that a document's file holds has changed since it was last saved or opened.
+  Field<bool> isDirty{tracker_};
+  /// What `copy` took last. Gone with the document.
+  Field<std::vector<SketchEntity>> clipboard{tracker_};
+
+  /// One change for the observers, as long as the scope lives.
+  [[nodiscard]] ChangeScope change() const { return ChangeScope(tracker_); }
+
+  // --- Finding
+
+  const EntityList& entities() const { return drawing->entities; }
+  /// The index over the entities, brought up to date. Valid until they change.
+  const EntityIndex& index() const;
+  /// The index without bringing it up to date: right about all entities but those written since.
+  const EntityIndex& staleIndex() const { return index_; }
+  /// Null for an unknown identifier. Valid until the entities change.
+  const SketchEntity* entity(const UUID& id) const { return index().find(id); }
+  /// The 0-based position.
+  std::optional<std::size_t> positionOf(const UUID& id) const { return index().positionOf(id); }
+  /// The label with number and wall system name; absent for an unknown identifier.
+  std::optional<std::string> labelOf(const UUID& id) const;
+  /// The entity of a selection of one, else null.
+  const SketchEntity* selectedEntity() const;
+  /// "none", the label of the one selected entity, or "3 selected".
+  std::string selectionSummary() const;
+  /// The positions of the selected entities, ascending.
+  std::vector<std::size_t> selectedPositions() const;
+  /// How often the drawing has been written since the program began.
+  std::uint64_t drawingWrites() const { return drawing.writes(); }
+
+  // --- The one way to edit
+
+  void edit(const std::function<void(Drawing&)>& change, UndoStep step = UndoStep::own);
+  /// An edit that leaves the drawing as it is: it takes its step and counts as a change all the same.
+  void countAsEdit(UndoStep step);
+  /// All edits that `changes` makes are one step, or none where the entities end as they began. When it
+  /// returns false, everything in `SketchState` is put back.
+  bool asOneStep(const std::function<bool()>& changes);
+  /// Records what a drag has done as one step, unless the entities are what they were before.
+  void recordStep(const EntityList& before);
+  SketchState state() const { return {drawing, selection, isDirty}; }
+  void setState(const SketchState& state);
+  /// Another document takes the place of this one: nothing is selected, nothing copied, and undo steps
+  /// are those given, oldest first. The inspector stays as it is.
+  void replace(Drawing drawing, std::vector<SketchUndoSnapshot> undoSteps = {});
+  void setDirty(bool dirty) { isDirty = dirty; }
+  /// New walls take this system from now on. Neither an undo step nor a change of the document.
+  void setActiveWallSystem(const UUID& id);
+
+  // --- Undo. False when there is no step.
+
+  bool undo();
+  bool redo();
+  /// The common end of both: these entities, with whatever of the selection is still among them.
+  void restore(const EntityList& entities);
+  void setUndoStack(SketchUndoStack stack);
+
+  // --- The selection and the clipboard
+
+  void select(Selection selection) { this->selection = std::move(selection); }
+  /// This one alone. The inspector stays as it is.
+  void selectOnly(const UUID& id);
+  /// Adds it and makes it the primary one.
+  void addToSelection(const UUID& id);
+  /// Takes it out of the selection; a primary one that goes is replaced by some member. The inspector
+  /// closes with the last one.
+  void deselect(const UUID& id);
+  /// Nothing is selected, and the inspector closes.
+  void clearSelection() { selection = Selection(); }
+  /// The inspector opens on a selection alone.
+  void setInspected(bool inspected);
+  void setClipboard(std::vector<SketchEntity> entities) { clipboard = std::move(entities); }
+
+ private:
+  mutable EntityIndex index_;  // follows the entities, lazily
+  int openSteps_ = 0;          // how many `asOneStep` are under way
+};
+
+}  // namespace ostrelon

@@ -1,0 +1,109 @@
+// The session of the open document: its file and name, what is known of the file on the disk, its
+// history, and the operations that put it on a disk and take it off again. The drawing itself belongs to
+// the sketch.
+//
+// What is written before it is shown (the switch of a branch) is prepared as a value, written, and only
+// then put in the place of the open document; nothing is taken back. Failures are thrown as `UserError`,
+// and have changed nothing then, unless an operation says otherwise.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "core/messages.h"
+#include "core/sketch.h"
+#include "core/sketch_viewport.h"
+#include "documents/document_history_state.h"
+#include "documents/document_on_disk.h"
+#include "platform/date.h"
+#include "platform/host.h"
+
+namespace ostrelon {
+
+class DocumentReading;        // documents/document_reading.h
+class DocumentSave;           // documents/document_save.h
+struct LoadedSketchDocument;  // documents/sketch_document.h
+struct SketchDocumentV2;      // documents/sketch_document.h
+
+/// Where the document is shown: the session asks it for the view that a file keeps, and says when
+/// another document has come.
+class DocumentStage {
+ public:
+  virtual ~DocumentStage() = default;
+  virtual SketchViewport viewport() const = 0;
+  /// A document has been read, with its own view.
+  virtual void documentOpened(const SketchViewport& viewport) = 0;
+  /// A new, empty document has been begun.
+  virtual void documentBegun() = 0;
+};
+
+/// The name of a document that has none yet.
+inline constexpr const char* kUntitledName = "Untitled Project";
+
+class DocumentSession {
+ public:
+  /// All of them must outlive the object.
+  DocumentSession(ChangeTracker& tracker, Sketch& sketch, Messages& messages, DocumentStage& stage,
+                  Host host);
+  DocumentSession(const DocumentSession&) = delete;
+  DocumentSession& operator=(const DocumentSession&) = delete;
+
+ private:
+  ChangeTracker& tracker_;
+  template <class T>
+  using Field = Observable<T, DocumentSession>;
+
+ public:
+  Field<std::string> name{tracker_, kUntitledName};
+  Field<std::optional<FilePath>> fileURL{tracker_};
+  Field<std::optional<Date>> lastSavedAt{tracker_};
+  Field<DocumentHistoryState> history{tracker_};
+  /// A panel that asks where to save is up; auto-save waits meanwhile.
+  Field<bool> isSaveDialogActive{tracker_};
+
+  Sketch& sketch() const { return sketch_; }
+  Messages& messages() const { return messages_; }
+  const Host& host() const { return host_; }
+  bool isDirty() const { return sketch_.isDirty; }
+  /// What was last read from or written to a document file; absent before the first time.
+  const std::optional<DocumentOnDisk>& onDisk() const { return onDisk_; }
+  [[nodiscard]] ChangeScope change() const { return ChangeScope(tracker_); }
+
+  // --- The document as a whole (document_session.cpp)
+
+  /// An empty drawing with the wall systems that there are. Says "New document."
+  void begin();
+  SketchDocumentV2 makeDocument(bool includeUndo) const;
+  /// Puts a document that was read in the place of the open one. The file stays as it is.
+  void adopt(LoadedSketchDocument document);
+  void setSaveDialogActive(bool active) { isSaveDialogActive = active; }
+
+  // --- On the disk (document_session.cpp)
+
+  void save(const FilePath& url);
+  void open(const FilePath& url);
+  /// The second half of a save whose file has been written: moves it into its place. The document is
+  /// clean then, unless it has changed since the save was begun.
+  void finishSave(DocumentSave& save);
+  /// The second half of an opening whose file has been read: the document takes the place of this one.
+  void finishOpening(DocumentReading& reading);
+
+  // --- History (history_operations.cpp)
+
+  void refreshHistory();
+  DocumentCheckpoint saveCheckpoint(std::optional<std::string> message = std::nullopt);
+  DocumentHistoryBranch createBranch(const std::string& name,
+                                     std::optional<std::string> sourceCheckpointID = std::nullopt);
+  DocumentHistoryBranch switchBranch(const std::string& nameOrID);
+  std::string historyText() const;
+
+ private:
+  Sketch& sketch_;
+  Messages& messages_;
+  DocumentStage& stage_;
+  Host host_;
+  std::optional<DocumentOnDisk> onDisk_;
+};
+
+}  // namespace ostrelon

@@ -1,0 +1,228 @@
+// The drawing board over a sketch: the view, the tool, the gesture in progress, snapping, tracking,
+// hovering and the editor of lengths. The operations that a pointer, a key or a typed size come down to
+// stand here; canvas_gestures.h and key_routing.h say which of them an event means.
+//
+// Each value has this object as its one owner. A gesture in progress is one value, so that ending it is
+// `gesture = {}`, whatever it was. Points are sketch units unless a name says view points; angles are
+// degrees.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/messages.h"
+#include "core/sketch.h"
+#include "interaction/gesture.h"
+#include "interaction/sketch_tool.h"
+#include "platform/scheduler.h"
+
+namespace ostrelon {
+
+/// What a chain of commands may disturb on the board and what is put back when it fails.
+struct BoardState {
+  SketchTool tool = SketchTool::select;
+  Gesture gesture;
+  std::optional<UUID> trimCuttingEdge;
+};
+
+class Board {
+ public:
+  /// All of them must outlive the object.
+  Board(ChangeTracker& tracker, Sketch& sketch, Messages& messages, Scheduler& scheduler);
+  Board(const Board&) = delete;
+  Board& operator=(const Board&) = delete;
+
+ private:
+  ChangeTracker& tracker_;
+  template <class T>
+  using Field = Observable<T, Board>;
+
+ public:
+  Field<BoardView> view{tracker_};
+  Field<SketchTool> tool{tracker_, SketchTool::select};
+  Field<Gesture> gesture{tracker_};
+  Field<SnapState> snap{tracker_};
+  Field<Tracking> tracking{tracker_};
+  Field<Hover> hover{tracker_};
+  Field<LengthEditor> lengthEditor{tracker_};
+  /// Where the pointer is; absent while it is off the canvas.
+  Field<std::optional<SketchPoint>> cursor{tracker_};
+  /// The axes to which the draft was locked last; tracking prefers them.
+  Field<std::vector<AxisSnap>> draftAxes{tracker_};
+  Field<std::optional<UUID>> trimCuttingEdge{tracker_};
+
+  Sketch& sketch() const { return sketch_; }
+  Messages& messages() const { return messages_; }
+  Scheduler& scheduler() const { return scheduler_; }
+  const SketchViewport& viewport() const { return view->viewport; }
+  double scale() const { return view->viewport.scale; }
+  [[nodiscard]] ChangeScope change() const { return ChangeScope(tracker_); }
+
+  // --- The gesture by its kind; null when it is another or none
+
+  const SketchDraft* draft() const { return std::get_if<SketchDraft>(&gesture.get()); }
+  const PolygonDraft* polygonDraft() const { return std::get_if<PolygonDraft>(&gesture.get()); }
+  const SelectMarqueeState* marquee() const { return std::get_if<SelectMarqueeState>(&gesture.get()); }
+  const SelectDrag* selectDrag() const { return std::get_if<SelectDrag>(&gesture.get()); }
+  bool isDrawing() const { return draft() != nullptr || polygonDraft() != nullptr; }
+
+  // --- Undo, redo and clearing, which end what is in progress (board.cpp)
+
+  void undo();
+  void redo();
+  /// Removes all entities as one undo step.
+  void clearSketch();
+  /// Puts these entities in the place of all, as undo and redo do.
+  void restoreSnapshot(const EntityList& entities);
+  BoardState state() const { return {tool, gesture, trimCuttingEdge}; }
+  /// As it was before a chain that failed. A drag or marquee is not taken up again.
+  void setState(const BoardState& state);
+  /// Another document has come, with its own view where it has one. A new one lets a polygon, a drag and
+  /// a marquee stand.
+  void documentOpened(const SketchViewport& viewport);
+  void documentBegun();
+
+  // --- Resets (board.cpp)
+
+  void clearSnap() { snap = SnapState(); }
+  /// Stops a dwell; a lock stays.
+  void cancelTrackingDwell();
+  /// Stops a dwell and lets go of the lock.
+  void releaseTracking();
+  void closeLengthEditor() { lengthEditor = LengthEditor(); }
+  /// Ends the draft of a two-point tool without adding anything.
+  void clearDraft();
+  /// As `clearDraft`, and drops a polygon in progress.
+  void cancelDraft();
+
+  // --- The view (viewport.cpp)
+
+  /// About a view point. A factor that is not above 0, and what would lose the view, does nothing.
+  void zoom(double factor, SketchPoint viewAnchor);
+  void zoomToFit(SketchSize canvas);
+  void resetViewport(SketchSize canvas);
+  void pan(double dx, double dy);  ///< view points
+  /// The canvas has this size, view points. The first time the view is centred.
+  void resizeCanvas(SketchSize size);
+  void setViewport(const SketchViewport& viewport);
+
+  // --- Selecting (selecting.cpp)
+
+  void selectAtPoint(SketchPoint point, bool additive);
+  void setMarquee(std::optional<SelectMarqueeState> marquee);
+  void beginMarquee(SketchPoint pressViewPoint, SketchPoint currentViewPoint);
+  void updateMarquee(SketchPoint currentViewPoint);
+  void finishMarquee(bool additive);
+
+  // --- The select tool's drags (select_drag.cpp)
+
+  bool beginSelectDrag(SketchPoint press);
+  void updateSelectDrag(SketchPoint point);
+  void finishSelectDrag();
+  void cancelSelectDrag();
+
+  // --- The trim tool (trimming.cpp)
+
+  /// Gives what the console says of the click.
+  std::string trimAt(SketchPoint point);
+  std::optional<std::string> trimInstruction() const;
+  void clearTrimCuttingEdge();
+
+  // --- Snapping (snapping.cpp)
+
+  SketchSnapResult snapDraftEnd(SketchPoint anchor, SketchPoint pointer) const;
+  /// Entity point, then grid if asked for, then the point itself: the snap of a pointer with no start.
+  SketchSnapResult snapPointer(SketchPoint point, bool useGrid) const;
+  void publishSnap(const SketchSnapResult& result, std::optional<SketchPoint> guideAnchor = std::nullopt);
+
+  // --- Tracking (tracking.cpp)
+
+  void tickTracking(SketchPoint pointer, Date now);
+  void startTrackingDwell(const EntitySnapTarget& target, Date now);
+  void advanceTrackingDwell(Date now);
+  void scheduleTrackingDwell();
+  void lockTrackingTarget(const EntitySnapTarget& target);
+  std::string trackingHoldText(const EntitySnapTarget& target) const;
+  void showIdleTrackingFeedback(SketchPoint pointer);
+  bool isDwelling() const { return dwellTask_.has_value(); }
+
+  // --- The drawing tools (drawing_tools.cpp)
+
+  void beginDraft(SketchPoint point);
+  void updateDraft(SketchPoint point);
+  /// Puts the moving point of the draft exactly there.
+  void setDraftCurrent(SketchPoint point);
+  /// Adds what the draft has become, unless it is too small for its tool.
+  void commitDraft();
+  void addPolygonVertex(SketchPoint point);
+  void updatePolygonDraft(SketchPoint point);
+  bool closePolygon();
+  void activateTool(SketchTool tool);
+  void activateSelectTool();
+  /// As a command does it, which disturbs less: `line` and `poly` keep the selection and the cutting
+  /// edge, `trim` keeps a draft.
+  void activateToolFromConsole(SketchTool tool);
+  void handleEscape();
+  std::optional<std::string> draftMeasurementText() const;
+
+  // --- Hovering (hover.cpp); view points, absent when the pointer has left the canvas
+
+  void hoverMoved(std::optional<SketchPoint> viewPoint);
+  void recordPointer(std::optional<SketchPoint> viewPoint);
+
+  // --- The length editor (length_editing.cpp)
+
+  std::optional<std::string> currentLengthText() const;
+  void beginLengthEdit(std::optional<std::string> text = std::nullopt);
+  void setLengthEditText(std::string text);
+  bool commitLengthEdit();
+  bool applyLength(double value);
+
+ private:
+  // The members of a group that is being dragged, as the last move has left them.
+  struct GroupMove {
+    std::vector<std::size_t> places;    // ascending positions in the list
+    std::vector<SketchEntity> anchors;  // the members as they were at the start, in the same order
+    std::vector<SketchEntity> moved;
+    std::uint64_t writes = 0;  // those of the drawing after the last move
+  };
+
+  /// Writes one member of the view.
+  template <class Change>
+  void changeView(const Change& change) {
+    BoardView changed = view;
+    change(changed);
+    view = changed;
+  }
+  void publishSnap(const SketchSnapResult& result, std::optional<SketchPoint> guideAnchor,
+                   std::optional<std::string> feedback);
+  /// While a point is locked, a result without an entity point marks the locked one.
+  void publishDraftSnap(const SketchSnapResult& result, SketchPoint anchor);
+  void publishTrackedTarget(const EntitySnapTarget& target, std::string feedback);
+  /// One look of the dwell task at the clock.
+  void pollTrackingDwell();
+  /// What hovering shows for a tool whose first point is not placed yet: entity points alone.
+  void showEntityPointFeedback(SketchPoint point);
+  void showHovered(std::optional<UUID> id, std::optional<SketchPoint> viewPoint);
+  /// Clears the snap state unless a draft or a drag shows it.
+  void clearIdleSnap();
+  /// Ends a drag and a marquee before the tool changes.
+  void endSelectGestures();
+  /// What undo and redo end: anything but a polygon in progress.
+  void endAllButPolygon();
+  void updateHandleDrag(const SelectDrag& drag, const HandleDrag& handle, SketchPoint point);
+  void updateBodyDrag(const BodyDrag& drag, SketchPoint point);
+  void updateGroupDrag(const MultiBodyDrag& drag, SketchPoint point);
+  /// Finds the members of the group, unless nothing but this drag has written since it found them.
+  GroupMove& groupMove(const MultiBodyDrag& drag);
+
+  Sketch& sketch_;
+  Messages& messages_;
+  Scheduler& scheduler_;
+  std::optional<GroupMove> groupMove_;
+  std::optional<ScheduledTask> dwellTask_;
+};
+
+}  // namespace ostrelon

@@ -1,0 +1,77 @@
+// What the board has in progress: one gesture at a time, and the values that go with it. Each is put to
+// rest by assigning its default.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "core/entity_list.h"
+#include "core/sketch_point.h"
+#include "core/sketch_viewport.h"
+#include "interaction/select_drag_state.h"
+#include "interaction/sketch_draft.h"
+#include "interaction/snap_types.h"
+#include "platform/date.h"
+
+namespace ostrelon {
+
+/// The drag of a handle, of an entity or of a group, as one undo step.
+struct SelectDrag {
+  SelectDragState state;
+  /// The entities before the drag; absent when another document has come meanwhile.
+  std::optional<EntityList> baseline;
+  /// The direction of a handle from the point that stays, when the drag began. Degrees, 0 up to but not
+  /// including 360.
+  std::optional<double> referenceAngle;
+  friend bool operator==(const SelectDrag&, const SelectDrag&) = default;
+};
+
+/// The gesture in progress; `std::monostate` is none.
+using Gesture = std::variant<std::monostate, SketchDraft, PolygonDraft, SelectMarqueeState, SelectDrag>;
+
+/// The last snap, as the canvas shows it. Sketch units.
+struct SnapState {
+  std::vector<AxisSnap> axes;
+  std::optional<SketchPoint> entityPoint;
+  std::optional<SketchPoint> gridPoint;
+  std::optional<SketchPoint> entitySourcePoint;  ///< of a moved entity: its own point that met another
+  std::optional<SketchPoint> guideAnchor;
+  std::optional<std::string> feedback;  ///< the words of the badge
+  friend bool operator==(const SnapState&, const SnapState&) = default;
+};
+
+/// The point that is locked, and the one that is about to be.
+struct Tracking {
+  std::optional<EntitySnapTarget> locked;
+  std::optional<EntitySnapTarget> pending;
+  double progress = 0;  ///< of the dwell on `pending`, 0 to 1
+  std::optional<Date> dwellStart;
+  friend bool operator==(const Tracking&, const Tracking&) = default;
+};
+
+/// The entity under the pointer, and where the pointer is.
+struct Hover {
+  std::optional<UUID> entityID;
+  std::optional<SketchPoint> viewPoint;  ///< view points
+  friend bool operator==(const Hover&, const Hover&) = default;
+};
+
+/// The editor over the length of a segment.
+struct LengthEditor {
+  bool isOpen = false;
+  std::string text;
+  std::optional<std::string> error;
+  friend bool operator==(const LengthEditor&, const LengthEditor&) = default;
+};
+
+/// What of the sketch the canvas shows.
+struct BoardView {
+  SketchViewport viewport;
+  SketchSize canvasSize;       ///< view points
+  bool isInitialized = false;  ///< the view has been laid out for the document
+  friend bool operator==(const BoardView&, const BoardView&) = default;
+};
+
+}  // namespace ostrelon
