@@ -28,8 +28,9 @@ const WallSystemSpec* Drawing::wallSystem(const UUID& id) const {
 
 const WallSystemSpec* Drawing::wallSystem(std::string_view named) const {
   const std::string wanted = lowerCased(named);
-  const auto found = std::find_if(wallSystemSpecs.begin(), wallSystemSpecs.end(),
-                                  [&](const WallSystemSpec& spec) { return lowerCased(spec.name) == wanted; });
+  const auto found =
+      std::find_if(wallSystemSpecs.begin(), wallSystemSpecs.end(),
+                   [&](const WallSystemSpec& spec) { return lowerCased(spec.name) == wanted; });
   return found == wallSystemSpecs.end() ? nullptr : &*found;
 }
 

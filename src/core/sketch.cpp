@@ -153,9 +153,7 @@ void Sketch::setUndoStack(SketchUndoStack stack) {
 
 // --- The selection
 
-void Sketch::selectOnly(const UUID& id) {
-  selection = Selection{{id}, id, selection->isInspected};
-}
+void Sketch::selectOnly(const UUID& id) { selection = Selection{{id}, id, selection->isInspected}; }
 
 void Sketch::addToSelection(const UUID& id) {
   const ChangeScope scope(tracker_);

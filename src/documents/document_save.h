@@ -9,8 +9,8 @@
 
 #include <memory>
 
-#include "documents/document_on_disk.h"
 #include "core/sketch_view_model.h"
+#include "documents/document_on_disk.h"
 #include "documents/sketch_document.h"
 #include "platform/file_system.h"
 

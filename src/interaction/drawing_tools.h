@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <optional>
 
-#include "interaction/sketch_draft.h"
 #include "core/sketch_entity.h"
+#include "interaction/sketch_draft.h"
 #include "interaction/sketch_tool.h"
 
 namespace ostrelon {

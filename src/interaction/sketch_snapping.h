@@ -21,10 +21,10 @@
 #include <vector>
 
 #include "core/entity_source.h"
-#include "interaction/select_drag_state.h"
 #include "core/sketch_entity.h"
 #include "core/sketch_point.h"
 #include "core/sketch_viewport.h"
+#include "interaction/select_drag_state.h"
 #include "interaction/snap_types.h"
 
 namespace ostrelon::SketchSnapping {

@@ -4,8 +4,8 @@
 
 #include <QCursor>
 
-#include "interaction/sketch_tool.h"
 #include "core/theme_palette.h"
+#include "interaction/sketch_tool.h"
 
 namespace ostrelon {
 
