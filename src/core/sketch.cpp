@@ -91,6 +91,16 @@ void Sketch::recordStep(const EntityList& before) {
   undoStack.edit().pushUndoSnapshot({before});
 }
 
+void Sketch::takeBack(const EntityList& before) {
+  if (before == entities()) return;
+  const ChangeScope scope(tracker_);
+  // The document may have been saved while the drag was under way.
+  edit([&](Drawing& drawing) { drawing.entities = before; }, UndoStep::none);
+  Selection remaining = selection;
+  std::erase_if(remaining.ids, [&](const UUID& id) { return entity(id) == nullptr; });
+  selection = remaining.empty() ? Selection() : std::move(remaining);
+}
+
 void Sketch::setState(const SketchState& state) {
   const ChangeScope scope(tracker_);
   drawing = state.drawing;

@@ -55,7 +55,7 @@ class Sketch {
  public:
   Field<Drawing> drawing{tracker_};
   Field<Selection> selection{tracker_};
-  Field<SketchUndoStack> undoStack{tracker_};
+  Field<SketchUndoStack> undoStack{tracker_, SketchUndoStack()};
   /// Something that a document's file holds has changed since it was last saved or opened.
   Field<bool> isDirty{tracker_};
   /// What `copy` took last. Gone with the document.
@@ -96,6 +96,9 @@ class Sketch {
   bool asOneStep(const std::function<bool()>& changes);
   /// Records what a drag has done as one step, unless the entities are what they were before.
   void recordStep(const EntityList& before);
+  /// Puts the entities back as they were when a drag began. What a command has added meanwhile goes with
+  /// the drag, and so does its selection.
+  void takeBack(const EntityList& before);
   SketchState state() const { return {drawing, selection, isDirty}; }
   void setState(const SketchState& state);
   /// Another document takes the place of this one: nothing is selected, nothing copied, and undo steps
@@ -115,7 +118,7 @@ class Sketch {
 
   // --- The selection and the clipboard
 
-  void select(Selection selection) { this->selection = std::move(selection); }
+  void select(Selection selected) { selection = std::move(selected); }
   /// This one alone. The inspector stays as it is.
   void selectOnly(const UUID& id);
   /// Adds it and makes it the primary one.

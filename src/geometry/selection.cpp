@@ -1,137 +1,48 @@
-// The selection: clicks, marquees, and what the rest of the program asks of it.
-#include <algorithm>
-
-#include "core/sketch_view_model.h"
-#include "geometry/hit_testing.h"
-#include "geometry/marquee.h"
+// The operations on the selection that need no view.
+#include "geometry/edit_operations.h"
 
 namespace ostrelon {
-namespace {
 
-SketchPoint sketchPointAt(SketchPoint viewPoint, const SketchViewport& viewport) {
-  return {(viewPoint.x - viewport.pan.x) / viewport.scale, -(viewPoint.y - viewport.pan.y) / viewport.scale};
-}
-
-}  // namespace
-
-const SketchEntity* SketchViewModel::selectedEntity() const {
-  return selectedEntityIDs->size() == 1 ? entity(*selectedEntityIDs->begin()) : nullptr;
-}
-
-std::string SketchViewModel::selectionSummary() const {
-  if (selectedEntityIDs->empty()) return "none";
-  if (selectedEntityIDs->size() > 1) return std::to_string(selectedEntityIDs->size()) + " selected";
-  const auto& primary = *primarySelectedEntityID;
-  return (primary ? entityLabelText(*primary) : std::nullopt).value_or("one");
-}
-
-void SketchViewModel::selectAtPoint(SketchPoint point, bool additive) {
-  const ChangeScope scope(tracker_);
-  closeSegmentLengthEdit();
-  const auto pick = pickEntityAtPoint(index(), point, viewport->scale);
-  if (!pick) {
-    if (!additive) clearSelection();
-  } else if (additive) {
-    toggleEntitySelection(entityID(pick->entity));
+void toggleEntitySelection(Sketch& sketch, const UUID& id) {
+  if (sketch.selection->contains(id)) {
+    sketch.deselect(id);
   } else {
-    selectOnly(entityID(pick->entity));
+    sketch.addToSelection(id);
   }
-  selectDrag = std::nullopt;
-  selectMarquee = std::nullopt;
 }
 
-void SketchViewModel::toggleEntitySelection(const UUID& id) {
-  if (selectedEntityIDs->contains(id)) {
-    deselect(id);
-    return;
-  }
-  const ChangeScope scope(tracker_);
-  selectedEntityIDs.edit().insert(id);
-  primarySelectedEntityID = id;
-}
-
-void SketchViewModel::selectSingleEntity(std::optional<UUID> id) {
+void selectSingleEntity(Sketch& sketch, std::optional<UUID> id) {
   if (id) {
-    selectOnly(*id);
+    sketch.selectOnly(*id);
   } else {
-    clearSelection();
+    sketch.clearSelection();
   }
 }
 
-void SketchViewModel::selectEntities(const std::vector<std::int64_t>& indices) {
-  const ChangeScope scope(tracker_);
-  std::unordered_set<UUID> selection;
-  std::optional<UUID> first;
-  for (const std::int64_t position : indices) {
-    if (position < 0 || static_cast<std::uint64_t>(position) >= entities->size()) continue;
-    const UUID& id = entityID(entities.get()[static_cast<std::size_t>(position)]);
-    selection.insert(id);
-    if (!first) first = id;
+void selectEntities(Sketch& sketch, const std::vector<std::int64_t>& positions) {
+  Selection selection{{}, std::nullopt, sketch.selection->isInspected};
+  for (const std::int64_t position : positions) {
+    if (position < 0 || static_cast<std::uint64_t>(position) >= sketch.entities().size()) continue;
+    const UUID& id = entityID(sketch.entities()[static_cast<std::size_t>(position)]);
+    selection.ids.insert(id);
+    if (!selection.primary) selection.primary = id;
   }
-  if (selection.empty()) {
-    clearSelection();
+  sketch.select(selection.empty() ? Selection() : std::move(selection));
+}
+
+void selectAll(Sketch& sketch) {
+  const EntityList& entities = sketch.entities();
+  if (entities.empty()) {
+    sketch.clearSelection();
     return;
   }
-  selectedEntityIDs = std::move(selection);
-  primarySelectedEntityID = first;
-}
-
-void SketchViewModel::selectAll() {
-  const ChangeScope scope(tracker_);
-  if (entities->empty()) {
-    clearSelection();
-    return;
+  Selection selection{{}, sketch.selection->primary, sketch.selection->isInspected};
+  selection.ids.reserve(entities.size());
+  for (const SketchEntity& entity : entities) selection.ids.insert(entityID(entity));
+  if (!selection.primary || !selection.contains(*selection.primary)) {
+    selection.primary = entityID(entities.front());
   }
-  std::unordered_set<UUID> selection;
-  selection.reserve(entities->size());
-  for (const SketchEntity& entity : *entities) selection.insert(entityID(entity));
-  if (!*primarySelectedEntityID || !selection.contains(**primarySelectedEntityID)) {
-    primarySelectedEntityID = entityID(entities->front());
-  }
-  selectedEntityIDs = std::move(selection);
-}
-
-void SketchViewModel::setSelectMarquee(std::optional<SelectMarqueeState> marquee) { selectMarquee = marquee; }
-
-void SketchViewModel::beginMarquee(SketchPoint pressViewPoint, SketchPoint currentViewPoint) {
-  selectMarquee =
-      SelectMarqueeState{sketchPointAt(pressViewPoint, viewport), sketchPointAt(currentViewPoint, viewport),
-                         pressViewPoint.x, currentViewPoint.x};
-}
-
-void SketchViewModel::updateMarquee(SketchPoint currentViewPoint) {
-  if (!*selectMarquee) return;
-  SelectMarqueeState marquee = **selectMarquee;
-  marquee.currentSketchPoint = sketchPointAt(currentViewPoint, viewport);
-  marquee.currentViewX = currentViewPoint.x;
-  selectMarquee = marquee;
-}
-
-void SketchViewModel::finishMarquee(bool additive) {
-  if (!*selectMarquee) return;
-  const ChangeScope scope(tracker_);
-  const SelectMarqueeState marquee = **selectMarquee;
-  const auto [minX, maxX] = std::minmax(marquee.startSketchPoint.x, marquee.currentSketchPoint.x);
-  const auto [minY, maxY] = std::minmax(marquee.startSketchPoint.y, marquee.currentSketchPoint.y);
-  const bool isCrossing = marquee.currentViewX < marquee.startViewX;
-  std::unordered_set<UUID> hits = entitiesInMarquee(index(), {minX, minY, maxX, maxY}, isCrossing);
-  if (!hits.empty()) primarySelectedEntityID = *hits.begin();
-  if (additive) {
-    std::erase_if(hits, [&](const UUID& id) { return selectedEntityIDs->contains(id); });
-    if (!hits.empty()) selectedEntityIDs.edit().merge(hits);
-  } else {
-    selectedEntityIDs = std::move(hits);
-  }
-  if (selectedEntityIDs->empty()) isEntityInspectorVisible = false;
-  selectMarquee = std::nullopt;
-}
-
-void SketchViewModel::replaceEntity(const UUID& id, SketchEntity replacement) {
-  const auto position = entityIndex(id);
-  if (!position) return;
-  const ChangeScope scope(tracker_);
-  if (!((*entities)[*position] == replacement)) entities.edit().replace(*position, std::move(replacement));
-  isDocumentDirty = true;
+  sketch.select(std::move(selection));
 }
 
 }  // namespace ostrelon

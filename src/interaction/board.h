@@ -20,6 +20,12 @@
 
 namespace ostrelon {
 
+/// What the console says of a click of the trim tool.
+struct TrimClick {
+  std::string message;
+  bool isError = false;
+};
+
 /// What a chain of commands may disturb on the board and what is put back when it fails.
 struct BoardState {
   SketchTool tool = SketchTool::select;
@@ -59,6 +65,9 @@ class Board {
   const SketchViewport& viewport() const { return view->viewport; }
   double scale() const { return view->viewport.scale; }
   [[nodiscard]] ChangeScope change() const { return ChangeScope(tracker_); }
+  [[nodiscard]] Subscription observe(FieldMask fields, ChangeTracker::Callback changed) const {
+    return tracker_.observe(fields, std::move(changed));
+  }
 
   // --- The gesture by its kind; null when it is another or none
 
@@ -125,8 +134,8 @@ class Board {
 
   // --- The trim tool (trimming.cpp)
 
-  /// Gives what the console says of the click.
-  std::string trimAt(SketchPoint point);
+  /// The first click on an entity chooses the cutting edge, each further one trims.
+  TrimClick trimAt(SketchPoint point);
   std::optional<std::string> trimInstruction() const;
   void clearTrimCuttingEdge();
 

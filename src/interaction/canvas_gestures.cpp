@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "core/sketch_view_model.h"
 #include "geometry/hit_testing.h"
+#include "interaction/board.h"
 #include "interaction/canvas_transform.h"
 
 namespace ostrelon {
@@ -11,15 +11,34 @@ namespace {
 
 bool isFinite(SketchPoint point) { return std::isfinite(point.x) && std::isfinite(point.y); }
 
-// The answers of the trim tool are marked as failures by their words alone.
-bool readsAsTrimFailure(std::string_view text) {
-  for (const std::string_view mark : {"must", "not", "Cannot"}) {
-    if (text.find(mark) != std::string_view::npos) return true;
-  }
-  return false;
+}  // namespace
+
+// --- The end from elsewhere
+
+CanvasGestures::Work::Work(const Board& board)
+    : tool(board.tool),
+      kind(board.gesture->index()),
+      polygonVertices(board.polygonDraft() != nullptr ? board.polygonDraft()->vertices.size() : 0) {
+  if (board.draft() != nullptr) draftStart = board.draft()->start;
 }
 
-}  // namespace
+bool CanvasGestures::Work::isContinuedBy(const Work& next) const {
+  if (tool != next.tool) return false;
+  if (kind == 0) return true;
+  return kind == next.kind && draftStart == next.draftStart && polygonVertices <= next.polygonVertices;
+}
+
+CanvasGestures::CanvasGestures(Board& board)
+    : board_(board),
+      work_(board),
+      subscription_(board.observe(fieldsOf(board.tool, board.gesture), [this](FieldMask) { followWork(); })) {
+}
+
+void CanvasGestures::followWork() {
+  const Work now(board_);
+  if (!work_.isContinuedBy(now)) press_.reset();
+  work_ = now;
+}
 
 // --- The primary button
 
@@ -34,7 +53,7 @@ void CanvasGestures::drag(SketchPoint viewPoint) {
 }
 
 void CanvasGestures::changed(SketchPoint viewPoint) {
-  switch (*sketch_.selectedTool) {
+  switch (*board_.tool) {
     case SketchTool::select:
       selectChanged(viewPoint);
       break;
@@ -42,8 +61,8 @@ void CanvasGestures::changed(SketchPoint viewPoint) {
     case SketchTool::trim:
       break;
     case SketchTool::polygon:
-      sketch_.recordPointer(viewPoint);
-      sketch_.updatePolygonDraft(toSketch(viewPoint));
+      board_.recordPointer(viewPoint);
+      board_.updatePolygonDraft(toSketch(viewPoint));
       break;
     case SketchTool::line:
     case SketchTool::wall:
@@ -56,125 +75,115 @@ void CanvasGestures::changed(SketchPoint viewPoint) {
 
 void CanvasGestures::release(SketchPoint viewPoint, bool shift) {
   if (!press_ || !isFinite(viewPoint)) return;
-  switch (*sketch_.selectedTool) {
+  const SketchPoint press = *press_;
+  press_.reset();
+  const bool isClick = distanceBetween(press, viewPoint) < kDragStartThreshold;
+  switch (*board_.tool) {
     case SketchTool::select:
-      selectEnded(viewPoint, shift);
+      selectEnded(press, isClick, shift);
       break;
     case SketchTool::pan:
       break;
     case SketchTool::trim:
-      if (travelTo(viewPoint) < kDragStartThreshold) trimClicked();
+      if (isClick) trimClicked(press);
       break;
     case SketchTool::polygon:
-      polygonEnded(viewPoint);
+      if (distanceBetween(press, viewPoint) < kPolygonTapSlop) polygonClicked(press, viewPoint);
       break;
     case SketchTool::line:
     case SketchTool::wall:
     case SketchTool::circle:
     case SketchTool::rectangle:
-      draftEnded(viewPoint);
+      board_.commitDraft();
       break;
   }
-  press_.reset();
 }
 
 void CanvasGestures::doubleClick() {
-  if (sketch_.selectedTool == SketchTool::polygon) sketch_.closePolygon();
+  if (board_.tool == SketchTool::polygon) board_.closePolygon();
 }
 
 // --- The select tool: a click picks, a drag from an entity or handle moves it, any other drag draws
 // a marquee
 
 void CanvasGestures::selectChanged(SketchPoint viewPoint) {
-  if (*sketch_.selectDrag) {
-    sketch_.updateSelectDrag(toSketch(viewPoint));
-  } else if (*sketch_.selectMarquee) {
-    sketch_.updateMarquee(viewPoint);
-  } else if (travelTo(viewPoint) >= kDragStartThreshold) {
-    if (sketch_.beginSelectDrag(toSketch(*press_))) {
-      sketch_.updateSelectDrag(toSketch(viewPoint));
+  if (board_.selectDrag() != nullptr) {
+    board_.updateSelectDrag(toSketch(viewPoint));
+  } else if (board_.marquee() != nullptr) {
+    board_.updateMarquee(viewPoint);
+  } else if (distanceBetween(*press_, viewPoint) >= kDragStartThreshold) {
+    if (board_.beginSelectDrag(toSketch(*press_))) {
+      board_.updateSelectDrag(toSketch(viewPoint));
     } else {
-      sketch_.beginMarquee(*press_, viewPoint);
+      board_.beginMarquee(*press_, viewPoint);
     }
   }
 }
 
-void CanvasGestures::selectEnded(SketchPoint viewPoint, bool additive) {
-  if (*sketch_.selectDrag) {
-    sketch_.finishSelectDrag();
-  } else if (*sketch_.selectMarquee) {
-    sketch_.finishMarquee(additive);
-  } else if (travelTo(viewPoint) < kDragStartThreshold) {
-    sketch_.selectAtPoint(toSketch(*press_), additive);
+void CanvasGestures::selectEnded(SketchPoint press, bool isClick, bool additive) {
+  if (board_.selectDrag() != nullptr) {
+    board_.finishSelectDrag();
+  } else if (board_.marquee() != nullptr) {
+    board_.finishMarquee(additive);
+  } else if (isClick) {
+    board_.selectAtPoint(toSketch(press), additive);
   }
 }
 
 // --- The drawing tools
 
-void CanvasGestures::polygonEnded(SketchPoint viewPoint) {
-  if (travelTo(viewPoint) >= kPolygonTapSlop) return;
-  sketch_.recordPointer(viewPoint);
-  sketch_.addPolygonVertex(toSketch(*press_));
+void CanvasGestures::polygonClicked(SketchPoint press, SketchPoint viewPoint) {
+  board_.recordPointer(viewPoint);
+  board_.addPolygonVertex(toSketch(press));
 }
 
 void CanvasGestures::draftChanged(SketchPoint viewPoint) {
-  sketch_.recordPointer(viewPoint);
-  if (*sketch_.draft) {
-    sketch_.updateDraft(toSketch(viewPoint));
+  board_.recordPointer(viewPoint);
+  if (board_.draft() != nullptr) {
+    board_.updateDraft(toSketch(viewPoint));
   } else {
-    sketch_.beginDraft(toSketch(viewPoint));
+    board_.beginDraft(toSketch(viewPoint));
   }
 }
 
-void CanvasGestures::draftEnded(SketchPoint viewPoint) {
-  if (!*sketch_.draft) {
-    sketch_.beginDraft(toSketch(*press_));
-    sketch_.updateDraft(toSketch(viewPoint));
-  }
-  sketch_.commitDraft();
-}
-
-void CanvasGestures::trimClicked() {
-  const SketchPoint point = toSketch(*press_);
-  if (!pickEntityAtPoint(sketch_.index(), point, sketch_.viewport->scale)) {
-    sketch_.clearTrimCuttingEdge();
+void CanvasGestures::trimClicked(SketchPoint press) {
+  const SketchPoint point = toSketch(press);
+  if (!pickEntityAtPoint(board_.sketch().index(), point, board_.scale())) {
+    board_.clearTrimCuttingEdge();
     return;
   }
-  std::string answer = sketch_.handleTrimClick(point);
-  const bool isError = readsAsTrimFailure(answer);
-  sketch_.appendConsoleLine(std::move(answer), isError, false);
+  TrimClick click = board_.trimAt(point);
+  board_.messages().append(std::move(click.message), click.isError, false);
 }
 
 // --- Everything else
 
 void CanvasGestures::hover(SketchPoint viewPoint) {
-  if (isFinite(viewPoint)) sketch_.hoverMoved(viewPoint);
+  if (isFinite(viewPoint)) board_.hoverMoved(viewPoint);
 }
 
-void CanvasGestures::leave() { sketch_.hoverMoved(std::nullopt); }
+void CanvasGestures::leave() { board_.hoverMoved(std::nullopt); }
 
 void CanvasGestures::scroll(double dx, double dy) {
-  if (hasCanvas()) sketch_.panViewport(dx, dy);
+  if (hasCanvas()) board_.pan(dx, dy);
 }
 
 void CanvasGestures::magnify(SketchPoint viewPoint, double magnification) {
-  if (hasCanvas() && isFinite(viewPoint)) sketch_.zoomViewport(1 + magnification, viewPoint);
+  if (hasCanvas() && isFinite(viewPoint)) board_.zoom(1 + magnification, viewPoint);
 }
 
 std::optional<ContextMenu> CanvasGestures::contextMenu(SketchPoint viewPoint) {
-  if (!hasCanvas() || !isFinite(viewPoint) || *sketch_.selectDrag) return std::nullopt;
-  sketch_.selectAtPoint(toSketch(viewPoint), false);
-  return entityContextMenu(sketch_);
+  if (!hasCanvas() || !isFinite(viewPoint) || board_.selectDrag() != nullptr) return std::nullopt;
+  board_.selectAtPoint(toSketch(viewPoint), false);
+  return entityContextMenu(board_.sketch());
 }
 
 SketchPoint CanvasGestures::toSketch(SketchPoint viewPoint) const {
-  return viewPointToSketch(viewPoint, sketch_.viewport);
+  return viewPointToSketch(viewPoint, board_.viewport());
 }
 
-double CanvasGestures::travelTo(SketchPoint viewPoint) const { return distanceBetween(*press_, viewPoint); }
-
 bool CanvasGestures::hasCanvas() const {
-  return sketch_.canvasSize->width > 0 && sketch_.canvasSize->height > 0;
+  return board_.view->canvasSize.width > 0 && board_.view->canvasSize.height > 0;
 }
 
 }  // namespace ostrelon

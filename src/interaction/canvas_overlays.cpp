@@ -6,8 +6,8 @@
 #include <set>
 #include <utility>
 
-#include "core/sketch_view_model.h"
 #include "geometry/selection_handles.h"
+#include "interaction/board.h"
 #include "interaction/canvas_clipping.h"
 #include "interaction/drawing_tools.h"
 #include "interaction/entity_shape.h"
@@ -64,18 +64,18 @@ constexpr double kLockHalfSide = 6.5;
 constexpr double kLockFillOpacity = 0.85;
 constexpr double kLockOutlineWidth = 1.5;
 
-double wallThickness(const SketchEntity& entity, const SketchViewModel& model) {
+double wallThickness(const SketchEntity& entity, const Board& board) {
   const auto* wall = std::get_if<WallEntity>(&entity);
-  return wall != nullptr ? paintedWallThickness(*wall, *model.wallSystemSpecs) : 0;
+  return wall != nullptr ? paintedWallThickness(*wall, board.sketch().drawing->wallSystemSpecs) : 0;
 }
 
 /// The entity's outline once more, in the active colour. An unknown identifier paints nothing.
-void paintHighlight(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame,
+void paintHighlight(CanvasPainter& painter, const Board& board, const CanvasFrame& frame,
                     const std::optional<UUID>& id, double width, LineDash dash) {
-  const SketchEntity* entity = id ? model.entity(*id) : nullptr;
+  const SketchEntity* entity = id ? board.sketch().entity(*id) : nullptr;
   if (entity == nullptr) return;
   EntityShape shape;
-  outlineEntity(*entity, wallThickness(*entity, model), frame, shape);
+  outlineEntity(*entity, wallThickness(*entity, board), frame, shape);
   Stroke stroke{.color = frame.palette.active, .width = width, .dash = dash};
   if (!stroke.isDashed()) {
     stroke.cap = LineCap::round;
@@ -116,8 +116,8 @@ void paintPolygonDraft(CanvasPainter& painter, const CanvasFrame& frame, const P
 
 }  // namespace
 
-void paintSnapGuides(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
-  const auto& anchor = *model.snapGuideAnchor;
+void paintSnapGuides(CanvasPainter& painter, const Board& board, const CanvasFrame& frame) {
+  const auto& anchor = board.snap->guideAnchor;
   if (!anchor) return;
   const VisibleSketchRect visible = visibleSketchRect(frame.transform.canvasSize, frame.transform.viewport);
   const double minX = visible.minX - kGuideReach;
@@ -139,7 +139,7 @@ void paintSnapGuides(CanvasPainter& painter, const SketchViewModel& model, const
     }
     return {};
   };
-  for (const AxisSnap axis : *model.activeAxisSnaps) {
+  for (const AxisSnap axis : board.snap->axes) {
     const CanvasSegment line = guide(axis);
     strokeSegment(
         painter, frame, {frame.toView(line.from), frame.toView(line.to)},
@@ -147,11 +147,11 @@ void paintSnapGuides(CanvasPainter& painter, const SketchViewModel& model, const
   }
 }
 
-void paintHover(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
-  const auto& hovered = *model.hoveredEntityID;
-  if (*model.selectedTool != SketchTool::select || !hovered) return;
-  if (model.selectedEntityIDs->contains(*hovered)) return;
-  paintHighlight(painter, model, frame, hovered, kHoverWidth, kHoverDash);
+void paintHover(CanvasPainter& painter, const Board& board, const CanvasFrame& frame) {
+  const auto& hovered = board.hover->entityID;
+  if (board.tool.get() != SketchTool::select || !hovered) return;
+  if (board.sketch().selection->contains(*hovered)) return;
+  paintHighlight(painter, board, frame, hovered, kHoverWidth, kHoverDash);
 }
 
 void paintSelectedEntity(CanvasPainter& painter, const CanvasFrame& frame, const SketchEntity& entity,
@@ -175,19 +175,19 @@ void paintSelectedEntity(CanvasPainter& painter, const CanvasFrame& frame, const
   strokeShape(painter, frame, shape, stroke);
 }
 
-void paintSelection(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
-  const std::unordered_set<UUID>& selected = *model.selectedEntityIDs;
+void paintSelection(CanvasPainter& painter, const Board& board, const CanvasFrame& frame) {
+  const std::unordered_set<UUID>& selected = board.sketch().selection->ids;
   if (selected.empty()) return;
   if (selected.size() > 1) {
-    for (const SketchEntity& entity : *model.entities) {
+    for (const SketchEntity& entity : board.sketch().entities()) {
       if (!selected.contains(entityID(entity))) continue;
-      paintSelectedEntity(painter, frame, entity, *model.wallSystemSpecs);
+      paintSelectedEntity(painter, frame, entity, board.sketch().drawing->wallSystemSpecs);
     }
     return;
   }
-  const SketchEntity* entity = model.entity(*selected.begin());
+  const SketchEntity* entity = board.sketch().entity(*selected.begin());
   if (entity == nullptr) return;
-  paintSelectedEntity(painter, frame, *entity, *model.wallSystemSpecs);
+  paintSelectedEntity(painter, frame, *entity, board.sketch().drawing->wallSystemSpecs);
   const ViewRect visible = frame.paintedRect().grown(kHandleRadius + kHandleRingWidth);
   const auto handles = selectionHandles(*entity);
   std::set<std::pair<double, double>> taken;
@@ -204,8 +204,8 @@ void paintSelection(CanvasPainter& painter, const SketchViewModel& model, const 
   }
 }
 
-void paintMarquee(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
-  const auto& marquee = *model.selectMarquee;
+void paintMarquee(CanvasPainter& painter, const Board& board, const CanvasFrame& frame) {
+  const SelectMarqueeState* marquee = board.marquee();
   if (!marquee) return;
   const bool isCrossing = marquee->currentViewX < marquee->startViewX;
   const Color color = isCrossing ? frame.palette.active : frame.palette.foreground;
@@ -218,21 +218,21 @@ void paintMarquee(CanvasPainter& painter, const SketchViewModel& model, const Ca
               {.color = color, .opacity = kMarqueeOpacity, .width = kMarqueeWidth, .dash = kMarqueeDash});
 }
 
-void paintTrim(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
-  if (*model.selectedTool != SketchTool::trim) return;
-  paintHighlight(painter, model, frame, *model.trimCuttingEdgeEntityID, kCuttingEdgeWidth, {});
-  paintHighlight(painter, model, frame, *model.hoveredEntityID, kHoverWidth, kHoverDash);
+void paintTrim(CanvasPainter& painter, const Board& board, const CanvasFrame& frame) {
+  if (board.tool.get() != SketchTool::trim) return;
+  paintHighlight(painter, board, frame, board.trimCuttingEdge, kCuttingEdgeWidth, {});
+  paintHighlight(painter, board, frame, board.hover->entityID, kHoverWidth, kHoverDash);
 }
 
-void paintDrafts(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
-  const SketchTool tool = *model.selectedTool;
-  const auto& draft = *model.draft;
+void paintDrafts(CanvasPainter& painter, const Board& board, const CanvasFrame& frame) {
+  const SketchTool tool = board.tool.get();
+  const SketchDraft* draft = board.draft();
   const auto entity = draft && isDraftLargeEnough(tool, *draft)
-                          ? draftedEntity(tool, *draft, *model.activeWallSystemSpecID)
+                          ? draftedEntity(tool, *draft, board.sketch().drawing->activeWallSystemSpecID)
                           : std::nullopt;
   if (entity) {
     EntityShape shape;
-    outlineEntity(*entity, wallThickness(*entity, model), frame, shape);
+    outlineEntity(*entity, wallThickness(*entity, board), frame, shape);
     const auto* wall = std::get_if<WallEntity>(&*entity);
     if (wall != nullptr) fillShape(painter, frame, shape, wallFill(frame.palette));
     strokeShape(painter, frame, shape, draftStroke(frame));
@@ -240,12 +240,12 @@ void paintDrafts(CanvasPainter& painter, const SketchViewModel& model, const Can
       strokeWallCenterLine(painter, frame, wall->from, wall->to, frame.palette.active);
     }
   }
-  if (*model.polygonDraft) paintPolygonDraft(painter, frame, **model.polygonDraft);
+  if (board.polygonDraft() != nullptr) paintPolygonDraft(painter, frame, *board.polygonDraft());
 }
 
-void paintSegmentLabel(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
-  if (*model.isSegmentLengthEditing) return;
-  const auto label = segmentLabel(model, frame.transform.viewport);
+void paintSegmentLabel(CanvasPainter& painter, const Board& board, const CanvasFrame& frame) {
+  if (board.lengthEditor->isOpen) return;
+  const auto label = segmentLabel(board, frame.transform.viewport);
   if (!label || !label->pill.touches(frame.paintedRect())) return;
   painter.fillRoundedRect(label->pill, kSegmentLabelCornerRadius, {frame.palette.card, kLabelOpacity});
   painter.strokeRoundedRect(label->pill, kSegmentLabelCornerRadius,
@@ -253,24 +253,24 @@ void paintSegmentLabel(CanvasPainter& painter, const SketchViewModel& model, con
   painter.drawText(label->text, label->pill.center(), kSegmentLabelTextHeight, {frame.palette.foreground});
 }
 
-void paintMarkers(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
+void paintMarkers(CanvasPainter& painter, const Board& board, const CanvasFrame& frame) {
   const Color active = frame.palette.active;
   const Stroke outline{.color = active, .opacity = kMarkerOutlineOpacity, .width = kMarkerOutlineWidth};
-  const auto& target = *model.activeEntitySnapPoint;
-  const auto& source = *model.activeEntitySnapSourcePoint;
+  const auto& target = board.snap->entityPoint;
+  const auto& source = board.snap->entitySourcePoint;
   if (source && (!target || distanceBetween(*source, *target) > kSamePointDistance)) {
     paintSquare(painter, frame, *source, kMarkerHalfSide, Fill{active}, outline);
   }
   if (target) paintSquare(painter, frame, *target, kMarkerHalfSide, Fill{active}, outline);
-  if (const auto& grid = *model.activeGridSnapPoint) {
+  if (const auto& grid = board.snap->gridPoint) {
     paintSquare(painter, frame, *grid, kMarkerHalfSide, std::nullopt,
                 Stroke{.color = kThemeGreen, .opacity = kMarkerOutlineOpacity, .width = kGridMarkerWidth});
   }
 }
 
-void paintDwellPulse(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
-  const double progress = *model.trackingAcquireProgress;
-  const auto& pending = *model.pendingTrackingAcquire;
+void paintDwellPulse(CanvasPainter& painter, const Board& board, const CanvasFrame& frame) {
+  const double progress = board.tracking->progress;
+  const auto& pending = board.tracking->pending;
   if (!pending || !(progress < 1)) return;
   const SketchPoint center = frame.toView(pending->point);
   if (!isFinite(center) || !frame.clipBox().contains(center)) return;
@@ -282,8 +282,8 @@ void paintDwellPulse(CanvasPainter& painter, const SketchViewModel& model, const
                         {.color = active, .opacity = 0.45 + 0.45 * swing, .width = kPulseWidth});
 }
 
-void paintLock(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
-  const auto& lock = *model.acquiredEntitySnap;
+void paintLock(CanvasPainter& painter, const Board& board, const CanvasFrame& frame) {
+  const auto& lock = board.tracking->locked;
   if (!lock) return;
   const Color active = frame.palette.active;
   const SketchPoint point = frame.toView(lock->point);
@@ -292,7 +292,7 @@ void paintLock(CanvasPainter& painter, const SketchViewModel& model, const Canva
   Stroke stroke{.color = active, .opacity = kLockOpacity, .width = kLockCrossWidth};
   strokeSegment(painter, frame, {{canvas.minX, point.y}, {canvas.maxX, point.y}}, stroke);
   strokeSegment(painter, frame, {{point.x, canvas.minY}, {point.x, canvas.maxY}}, stroke);
-  if (const auto& draft = *model.draft;
+  if (const SketchDraft* draft = board.draft();
       draft && distanceBetween(draft->current, lock->point) > kSamePointDistance) {
     stroke.width = kLockLineWidth;
     strokeSegment(painter, frame, {point, frame.toView(draft->current)}, stroke);

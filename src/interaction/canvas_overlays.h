@@ -8,27 +8,27 @@
 
 namespace ostrelon {
 
-class SketchViewModel;
+class Board;
 
 /// Lines through the anchor of the last snap, one for each locked direction.
-void paintSnapGuides(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+void paintSnapGuides(CanvasPainter& painter, const Board& board, const CanvasFrame& frame);
 /// Under the select tool: the entity under the pointer, unless it is selected.
-void paintHover(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+void paintHover(CanvasPainter& painter, const Board& board, const CanvasFrame& frame);
 /// The selected entities, and the handles of a single one.
-void paintSelection(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
-void paintMarquee(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+void paintSelection(CanvasPainter& painter, const Board& board, const CanvasFrame& frame);
+void paintMarquee(CanvasPainter& painter, const Board& board, const CanvasFrame& frame);
 /// Under the trim tool: the cutting edge, and the entity under the pointer.
-void paintTrim(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+void paintTrim(CanvasPainter& painter, const Board& board, const CanvasFrame& frame);
 /// What the gesture in progress would add, and the polygon that is growing.
-void paintDrafts(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+void paintDrafts(CanvasPainter& painter, const Board& board, const CanvasFrame& frame);
 /// The length pill of a segment; while its length is edited the editor stands in its place.
-void paintSegmentLabel(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+void paintSegmentLabel(CanvasPainter& painter, const Board& board, const CanvasFrame& frame);
 /// The points of the last snap.
-void paintMarkers(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+void paintMarkers(CanvasPainter& painter, const Board& board, const CanvasFrame& frame);
 /// The point that is about to lock. The only thing on the canvas that moves by itself.
-void paintDwellPulse(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+void paintDwellPulse(CanvasPainter& painter, const Board& board, const CanvasFrame& frame);
 /// The locked point.
-void paintLock(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+void paintLock(CanvasPainter& painter, const Board& board, const CanvasFrame& frame);
 
 // --- Pieces of these layers
 

@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "core/entity_list.h"
-#include "core/sketch_view_model.h"
+#include "interaction/board.h"
 #include "interaction/canvas_overlays.h"
 
 namespace ostrelon {
@@ -147,51 +147,50 @@ void strokeWallCenterLine(CanvasPainter& painter, const CanvasFrame& frame, Sket
 
 Fill wallFill(const ThemePalette& palette) { return {palette.muted, kWallFillOpacity}; }
 
-void paintLayer(CanvasPainter& painter, CanvasLayer layer, const SketchViewModel& model,
-                const CanvasFrame& frame) {
+void paintLayer(CanvasPainter& painter, CanvasLayer layer, const Board& board, const CanvasFrame& frame) {
   switch (layer) {
     case CanvasLayer::grid:
-      if (*model.showGrid) paintGrid(painter, frame);
+      if (board.sketch().drawing->showGrid) paintGrid(painter, frame);
       return;
     case CanvasLayer::snapGuides:
-      paintSnapGuides(painter, model, frame);
+      paintSnapGuides(painter, board, frame);
       return;
     case CanvasLayer::entities:
-      paintEntities(painter, frame, *model.entities, *model.wallSystemSpecs);
+      paintEntities(painter, frame, board.sketch().entities(), board.sketch().drawing->wallSystemSpecs);
       return;
     case CanvasLayer::hover:
-      paintHover(painter, model, frame);
+      paintHover(painter, board, frame);
       return;
     case CanvasLayer::selection:
-      paintSelection(painter, model, frame);
+      paintSelection(painter, board, frame);
       return;
     case CanvasLayer::marquee:
-      paintMarquee(painter, model, frame);
+      paintMarquee(painter, board, frame);
       return;
     case CanvasLayer::trim:
-      paintTrim(painter, model, frame);
+      paintTrim(painter, board, frame);
       return;
     case CanvasLayer::drafts:
-      paintDrafts(painter, model, frame);
+      paintDrafts(painter, board, frame);
       return;
     case CanvasLayer::segmentLabel:
-      paintSegmentLabel(painter, model, frame);
+      paintSegmentLabel(painter, board, frame);
       return;
     case CanvasLayer::markers:
-      paintMarkers(painter, model, frame);
+      paintMarkers(painter, board, frame);
       return;
     case CanvasLayer::dwellPulse:
-      paintDwellPulse(painter, model, frame);
+      paintDwellPulse(painter, board, frame);
       return;
     case CanvasLayer::lock:
-      paintLock(painter, model, frame);
+      paintLock(painter, board, frame);
       return;
   }
 }
 
-void paintCanvas(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame) {
+void paintCanvas(CanvasPainter& painter, const Board& board, const CanvasFrame& frame) {
   paintBackground(painter, frame);
-  for (const CanvasLayer layer : kAllCanvasLayers) paintLayer(painter, layer, model, frame);
+  for (const CanvasLayer layer : kAllCanvasLayers) paintLayer(painter, layer, board, frame);
 }
 
 }  // namespace ostrelon

@@ -3,7 +3,7 @@
 // the tests paint the same layers. Nothing here changes the state that it reads.
 //
 //   CanvasFrame frame{{*model.viewport, *model.canvasSize}, lightPalette()};
-//   paintCanvas(painter, model, frame);
+//   paintCanvas(painter, board, frame);
 #pragma once
 
 #include <array>
@@ -15,7 +15,7 @@
 namespace ostrelon {
 
 class EntityList;
-class SketchViewModel;
+class Board;
 
 enum class CanvasLayer {
   grid,
@@ -42,10 +42,9 @@ inline constexpr std::array kAllCanvasLayers{
 /// Fills the painted part with the background.
 void paintBackground(CanvasPainter& painter, const CanvasFrame& frame);
 /// One layer, as the state of the model asks for it; nothing where it asks for none.
-void paintLayer(CanvasPainter& painter, CanvasLayer layer, const SketchViewModel& model,
-                const CanvasFrame& frame);
+void paintLayer(CanvasPainter& painter, CanvasLayer layer, const Board& board, const CanvasFrame& frame);
 /// The background and all layers.
-void paintCanvas(CanvasPainter& painter, const SketchViewModel& model, const CanvasFrame& frame);
+void paintCanvas(CanvasPainter& painter, const Board& board, const CanvasFrame& frame);
 
 // --- The two layers that a picture of the drawing consists of
 

@@ -1,30 +1,32 @@
 #include "interaction/context_menu.h"
 
+#include "geometry/edit_operations.h"
+
 namespace ostrelon {
 namespace {
 
-ContextMenuSubmenu wallSystemChoices(const SketchViewModel& sketch) {
+ContextMenuSubmenu wallSystemChoices(const Sketch& sketch) {
   ContextMenuSubmenu choices;
-  for (const WallSystemSpec& spec : *sketch.wallSystemSpecs) {
+  for (const WallSystemSpec& spec : sketch.drawing->wallSystemSpecs) {
     choices.push_back({spec.name, {}, AssignWallSystemChoice{spec.id}});
   }
   return choices;
 }
 
-void assignToSelectedWalls(const UUID& wallSystemID, SketchViewModel& sketch) {
-  const WallSystemSpec* spec = sketch.wallSystemSpec(wallSystemID);
+void assignToSelectedWalls(const UUID& wallSystemID, Sketch& sketch, Messages& messages) {
+  const WallSystemSpec* spec = sketch.drawing->wallSystem(wallSystemID);
   if (spec == nullptr) return;
   const std::string reply = "Wall system set to " + spec->name + ".";
-  const auto selection = *sketch.selectedEntityIDs;
+  const auto selection = sketch.selection->ids;
   bool isAssigned = false;
-  for (const UUID& id : selection) isAssigned = sketch.assignWallSystem(wallSystemID, id) || isAssigned;
-  if (isAssigned) sketch.appendConsoleLine(reply, false, true);
+  for (const UUID& id : selection) isAssigned = assignWallSystem(sketch, wallSystemID, id) || isAssigned;
+  if (isAssigned) messages.appendSystem(reply);
 }
 
 }  // namespace
 
-std::optional<ContextMenu> entityContextMenu(const SketchViewModel& sketch) {
-  const auto& primary = *sketch.primarySelectedEntityID;
+std::optional<ContextMenu> entityContextMenu(const Sketch& sketch) {
+  const auto& primary = sketch.selection->primary;
   const SketchEntity* entity = primary ? sketch.entity(*primary) : nullptr;
   if (entity == nullptr) return std::nullopt;
   ContextMenu menu;
@@ -38,27 +40,28 @@ std::optional<ContextMenu> entityContextMenu(const SketchViewModel& sketch) {
   return menu;
 }
 
-void runContextMenuItem(const ContextMenuItem& item, SketchViewModel& sketch) {
-  std::visit(
-      Overloaded{
-          [](const ContextMenuSeparator&) {},
-          [](const ContextMenuSubmenu&) {},
-          [&](const AssignWallSystemChoice& choice) { assignToSelectedWalls(choice.wallSystemID, sketch); },
-          [&](const ContextMenuCommand& command) {
-            switch (command) {
-              case ContextMenuCommand::inspect:
-                sketch.showEntityInspector();
-                break;
-              case ContextMenuCommand::duplicateSelection:
-                sketch.duplicateSelection(kDuplicateOffset.x, kDuplicateOffset.y);
-                break;
-              case ContextMenuCommand::deleteSelection:
-                sketch.deleteSelection();
-                break;
-            }
-          },
-      },
-      item.content);
+void runContextMenuItem(const ContextMenuItem& item, Sketch& sketch, Messages& messages) {
+  std::visit(Overloaded{
+                 [](const ContextMenuSeparator&) {},
+                 [](const ContextMenuSubmenu&) {},
+                 [&](const AssignWallSystemChoice& choice) {
+                   assignToSelectedWalls(choice.wallSystemID, sketch, messages);
+                 },
+                 [&](const ContextMenuCommand& command) {
+                   switch (command) {
+                     case ContextMenuCommand::inspect:
+                       sketch.setInspected(true);
+                       break;
+                     case ContextMenuCommand::duplicateSelection:
+                       duplicateSelection(sketch, messages, kDuplicateOffset.x, kDuplicateOffset.y);
+                       break;
+                     case ContextMenuCommand::deleteSelection:
+                       deleteSelection(sketch, messages);
+                       break;
+                   }
+                 },
+             },
+             item.content);
 }
 
 std::vector<std::string> contextMenuTitles(const ContextMenu& menu) {

@@ -8,7 +8,8 @@
 #include <variant>
 #include <vector>
 
-#include "core/sketch_view_model.h"
+#include "core/messages.h"
+#include "core/sketch.h"
 
 namespace ostrelon {
 
@@ -35,10 +36,10 @@ struct ContextMenuItem {
 using ContextMenu = std::vector<ContextMenuItem>;
 
 /// The menu for the primary selected entity; absent when there is none.
-std::optional<ContextMenu> entityContextMenu(const SketchViewModel& sketch);
+std::optional<ContextMenu> entityContextMenu(const Sketch& sketch);
 
 /// Does what the item stands for. A separator and a submenu do nothing.
-void runContextMenuItem(const ContextMenuItem& item, SketchViewModel& sketch);
+void runContextMenuItem(const ContextMenuItem& item, Sketch& sketch, Messages& messages);
 
 /// The titles in order, "-" for a separator.
 std::vector<std::string> contextMenuTitles(const ContextMenu& menu);

@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/adding.h"
 #include "core/length_text.h"
-#include "core/sketch_view_model.h"
+#include "interaction/board.h"
 #include "interaction/sketch_snapping.h"
 #include "interaction/tracking.h"
 
@@ -43,31 +44,31 @@ bool isDraftLargeEnough(SketchTool tool, const SketchDraft& draft) {
 
 // --- Two-point tools
 
-void SketchViewModel::beginDraft(SketchPoint point) {
-  const ChangeScope scope(tracker_);
-  closeSegmentLengthEdit();
-  lastDraftConstraintAxes = {};
-  const SketchSnapResult result = snapPointer(point, showGrid);
-  draft = SketchDraft{result.point, result.point};
+void Board::beginDraft(SketchPoint point) {
+  const auto scope = change();
+  closeLengthEditor();
+  draftAxes = {};
+  const SketchSnapResult result = snapPointer(point, sketch_.drawing->showGrid);
+  gesture = SketchDraft{result.point, result.point};
   publishSnap(result);
 }
 
-void SketchViewModel::updateDraft(SketchPoint point) {
-  if (!*draft) return;
-  const ChangeScope scope(tracker_);
-  const SketchPoint start = (*draft)->start;
+void Board::updateDraft(SketchPoint point) {
+  if (draft() == nullptr) return;
+  const auto scope = change();
+  const SketchPoint start = draft()->start;
   SketchSnapResult result;
-  switch (*selectedTool) {
+  switch (*tool) {
     case SketchTool::line:
     case SketchTool::wall:
-      tickTrackingAcquire(point, host_.scheduler.now());
-      lastDraftConstraintAxes = SketchSnapping::axisSnap(start, point).axes;
+      tickTracking(point, scheduler_.now());
+      draftAxes = SketchSnapping::axisSnap(start, point).axes;
       result = snapDraftEnd(start, point);
       break;
     case SketchTool::circle:
     case SketchTool::rectangle:
     case SketchTool::polygon:
-      result = snapPointer(point, showGrid);
+      result = snapPointer(point, sketch_.drawing->showGrid);
       break;
     case SketchTool::select:
     case SketchTool::pan:
@@ -75,137 +76,155 @@ void SketchViewModel::updateDraft(SketchPoint point) {
       result.point = point;
       break;
   }
-  draft = SketchDraft{start, result.point};
+  gesture = SketchDraft{start, result.point};
   publishDraftSnap(result, start);
 }
 
-void SketchViewModel::setDraftCurrent(SketchPoint point) {
-  if (*draft) draft = SketchDraft{(*draft)->start, point};
+void Board::setDraftCurrent(SketchPoint point) {
+  if (draft() != nullptr) gesture = SketchDraft{draft()->start, point};
 }
 
-void SketchViewModel::commitDraft() {
-  if (!*draft) return;
-  const ChangeScope scope(tracker_);
-  auto entity = draftedEntity(selectedTool, **draft, activeWallSystemSpecID);
-  if (entity && isDraftLargeEnough(selectedTool, **draft)) {
-    appendNewEntity(withEntityID(std::move(*entity), UUID::random()));
+void Board::commitDraft() {
+  if (draft() == nullptr) return;
+  const auto scope = change();
+  auto entity = draftedEntity(tool, *draft(), sketch_.drawing->activeWallSystemSpecID);
+  if (entity && isDraftLargeEnough(tool, *draft())) {
+    addEntity(sketch_, withEntityID(std::move(*entity), UUID::random()));
   }
   clearDraft();
 }
 
 // --- Polygons
 
-void SketchViewModel::addPolygonVertex(SketchPoint point) {
-  const ChangeScope scope(tracker_);
-  closeSegmentLengthEdit();
+void Board::addPolygonVertex(SketchPoint point) {
+  const auto scope = change();
+  closeLengthEditor();
   SketchSnapResult result;
-  PolygonDraft grown = polygonDraft->value_or(PolygonDraft());
+  PolygonDraft grown = polygonDraft() != nullptr ? *polygonDraft() : PolygonDraft();
   if (grown.vertices.empty()) {
-    result = snapPointer(point, showGrid);
+    result = snapPointer(point, sketch_.drawing->showGrid);
   } else {
     result = snapDraftEnd(grown.vertices.back(), point);
-    if (!result.axes.empty()) lastDraftConstraintAxes = result.axes;
+    if (!result.axes.empty()) draftAxes = result.axes;
   }
   grown.vertices.push_back(result.point);
   grown.current = result.point;
-  polygonDraft = std::move(grown);
+  gesture = std::move(grown);
   publishSnap(result, result.point);
 }
 
-void SketchViewModel::updatePolygonDraft(SketchPoint point) {
-  if (!*polygonDraft) return;
-  const ChangeScope scope(tracker_);
-  const auto& vertices = (*polygonDraft)->vertices;
+void Board::updatePolygonDraft(SketchPoint point) {
+  if (polygonDraft() == nullptr) return;
+  const auto scope = change();
+  const auto& vertices = polygonDraft()->vertices;
   const SketchPoint last = vertices.empty() ? point : vertices.back();
   const SketchSnapResult result = snapDraftEnd(last, point);
-  if (!result.axes.empty()) lastDraftConstraintAxes = result.axes;
-  if (!((*polygonDraft)->current == result.point)) polygonDraft.edit()->current = result.point;
+  if (!result.axes.empty()) draftAxes = result.axes;
+  if (!(polygonDraft()->current == result.point)) {
+    std::get<PolygonDraft>(gesture.edit()).current = result.point;
+  }
   publishDraftSnap(result, last);
 }
 
-bool SketchViewModel::closePolygon() {
-  if (!*polygonDraft || (*polygonDraft)->vertices.size() < kMinimumPolygonVertices) return false;
-  const ChangeScope scope(tracker_);
-  addPolygon((*polygonDraft)->vertices);
-  polygonDraft = std::nullopt;
-  lastDraftConstraintAxes = {};
+bool Board::closePolygon() {
+  if (polygonDraft() == nullptr || polygonDraft()->vertices.size() < kMinimumPolygonVertices) return false;
+  const auto scope = change();
+  addPolygon(sketch_, polygonDraft()->vertices);
+  gesture = Gesture();
+  draftAxes = {};
   releaseTracking();
-  clearSnapState();
+  clearSnap();
   return true;
 }
 
 // --- Changing the tool
 
-void SketchViewModel::activateTool(SketchTool tool) {
-  if (tool == SketchTool::select) {
+void Board::activateTool(SketchTool chosen) {
+  if (chosen == SketchTool::select) {
     activateSelectTool();
     return;
   }
-  const ChangeScope scope(tracker_);
+  const auto scope = change();
   endSelectGestures();
   cancelDraft();
-  trimCuttingEdgeEntityID = std::nullopt;
-  if (selectedTool == SketchTool::trim) clearSelection();
-  selectedTool = tool;
+  trimCuttingEdge = std::nullopt;
+  if (tool == SketchTool::trim) sketch_.clearSelection();
+  tool = chosen;
 }
 
-void SketchViewModel::activateSelectTool() {
-  const ChangeScope scope(tracker_);
+void Board::activateSelectTool() {
+  const auto scope = change();
   cancelDraft();
-  trimCuttingEdgeEntityID = std::nullopt;
-  if (selectedTool == SketchTool::trim) clearSelection();
-  if (*selectDrag) cancelSelectDrag();
-  selectMarquee = std::nullopt;
-  selectedTool = SketchTool::select;
+  trimCuttingEdge = std::nullopt;
+  if (tool == SketchTool::trim) sketch_.clearSelection();
+  if (selectDrag() != nullptr) cancelSelectDrag();
+  if (marquee() != nullptr) gesture = Gesture();
+  tool = SketchTool::select;
   releaseTracking();
-  clearSnapState();
+  clearSnap();
 }
 
-void SketchViewModel::endSelectGestures() {
-  const ChangeScope scope(tracker_);
-  if (*selectDrag) finishSelectDrag();
-  selectMarquee = std::nullopt;
+void Board::endSelectGestures() {
+  const auto scope = change();
+  if (selectDrag() != nullptr) finishSelectDrag();
+  if (marquee() != nullptr) gesture = Gesture();
+}
+
+// Typed commands disturb less than the tool buttons. The trim tool starts with nothing selected, since its
+// selection is the cutting edge; chosen again it only lets go of the edge.
+void Board::activateToolFromConsole(SketchTool chosen) {
+  if (chosen == SketchTool::select) {
+    activateSelectTool();
+    return;
+  }
+  const auto scope = change();
+  endSelectGestures();
+  if (chosen == SketchTool::trim) {
+    trimCuttingEdge = std::nullopt;
+    if (tool != SketchTool::trim) sketch_.clearSelection();
+  } else {
+    cancelDraft();
+  }
+  tool = chosen;
 }
 
 // --- Escape
 
-void SketchViewModel::handleEscape() {
-  const ChangeScope scope(tracker_);
-  const bool isDrawing = *draft || *polygonDraft;
-  if (isSegmentLengthEditing) {
-    closeSegmentLengthEdit();
-  } else if (*pendingTrackingAcquire) {
+void Board::handleEscape() {
+  const auto scope = change();
+  if (lengthEditor->isOpen) {
+    closeLengthEditor();
+  } else if (tracking->pending) {
     cancelTrackingDwell();
-  } else if (*acquiredEntitySnap && !isDrawing) {
+  } else if (tracking->locked && !isDrawing()) {
     releaseTracking();
-  } else if (*selectDrag && !isDrawing) {
+  } else if (selectDrag() != nullptr) {
     cancelSelectDrag();
-  } else if (*selectMarquee && !isDrawing) {
-    selectMarquee = std::nullopt;
-  } else if (selectedTool == SketchTool::select && !isDrawing) {
-    if (!selectedEntityIDs->empty()) {
-      clearSelection();
-      hoveredEntityID = std::nullopt;
-      hoverViewPoint = std::nullopt;
+  } else if (marquee() != nullptr) {
+    gesture = Gesture();
+  } else if (tool == SketchTool::select && !isDrawing()) {
+    if (!sketch_.selection->empty()) {
+      sketch_.clearSelection();
+      hover = Hover();
     }
   } else {
     activateSelectTool();
   }
-  clearSnapState();
+  clearSnap();
 }
 
 // --- What is being drawn, in words
 
-std::optional<std::string> SketchViewModel::draftMeasurementText() const {
-  if (selectedTool == SketchTool::polygon && *polygonDraft && !(*polygonDraft)->vertices.empty()) {
-    const PolygonDraft& polygon = **polygonDraft;
+std::optional<std::string> Board::draftMeasurementText() const {
+  if (tool == SketchTool::polygon && polygonDraft() != nullptr && !polygonDraft()->vertices.empty()) {
+    const PolygonDraft& polygon = *polygonDraft();
     return "Vertices " + std::to_string(polygon.vertices.size()) + " · Segment " +
            formatShortNumber(distanceBetween(polygon.vertices.back(), polygon.current));
   }
-  if (!*draft) return std::nullopt;
-  const SketchPoint span = (*draft)->current - (*draft)->start;
+  if (draft() == nullptr) return std::nullopt;
+  const SketchPoint span = draft()->current - draft()->start;
   const std::string distance = formatShortNumber(std::hypot(span.x, span.y));
-  switch (*selectedTool) {
+  switch (*tool) {
     case SketchTool::line:
     case SketchTool::wall:
       return "Length " + distance + " · Angle " + formatShortNumber(directionDegrees(span.x, span.y)) + "°";

@@ -1,8 +1,8 @@
 // What the pointer shows while no button is held: the coordinates, the entity under it, and the snap
 // that a press would take.
-#include "core/sketch_view_model.h"
 #include "geometry/hit_testing.h"
 #include "geometry/trim.h"
+#include "interaction/board.h"
 #include "interaction/canvas_transform.h"
 
 namespace ostrelon {
@@ -12,45 +12,45 @@ bool isPositive(SketchSize size) { return size.width > 0 && size.height > 0; }
 
 }  // namespace
 
-void SketchViewModel::recordPointer(std::optional<SketchPoint> viewPoint) {
+void Board::recordPointer(std::optional<SketchPoint> viewPoint) {
   if (!viewPoint) {
-    cursorSketchPoint = std::nullopt;
-  } else if (isPositive(canvasSize)) {
-    cursorSketchPoint = viewPointToSketch(*viewPoint, viewport);
+    cursor = std::nullopt;
+  } else if (isPositive(view->canvasSize)) {
+    cursor = viewPointToSketch(*viewPoint, viewport());
   }
 }
 
-void SketchViewModel::hoverMoved(std::optional<SketchPoint> viewPoint) {
-  const ChangeScope scope(tracker_);
+void Board::hoverMoved(std::optional<SketchPoint> viewPoint) {
+  const auto scope = change();
   recordPointer(viewPoint);
-  if (!viewPoint || !isPositive(canvasSize)) {
+  if (!viewPoint || !isPositive(view->canvasSize)) {
     showHovered(std::nullopt, std::nullopt);
-    clearIdleSnapState();
+    clearIdleSnap();
     return;
   }
 
-  const SketchPoint point = viewPointToSketch(*viewPoint, viewport);
-  switch (*selectedTool) {
+  const SketchPoint point = viewPointToSketch(*viewPoint, viewport());
+  switch (*tool) {
     case SketchTool::select:
     case SketchTool::trim: {
       releaseTracking();
-      const auto pick = pickEntityAtPoint(index(), point, viewport->scale);
-      const bool counts = pick && (selectedTool == SketchTool::select || isTrimmable(pick->entity));
+      const auto pick = pickEntityAtPoint(sketch_.index(), point, scale());
+      const bool counts = pick && (tool == SketchTool::select || isTrimmable(pick->entity));
       showHovered(counts ? std::optional(entityID(pick->entity)) : std::nullopt, viewPoint);
-      clearIdleSnapState();
+      clearIdleSnap();
       break;
     }
     case SketchTool::pan:
       releaseTracking();
       showHovered(std::nullopt, std::nullopt);
-      clearIdleSnapState();
+      clearIdleSnap();
       break;
     case SketchTool::line:
     case SketchTool::wall:
       showHovered(std::nullopt, std::nullopt);
-      if (*selectDrag) break;
-      tickTrackingAcquire(point, host_.scheduler.now());
-      if (*draft) {
+      if (selectDrag() != nullptr) break;
+      tickTracking(point, scheduler_.now());
+      if (draft() != nullptr) {
         updateDraft(point);
       } else {
         showIdleTrackingFeedback(point);
@@ -65,7 +65,7 @@ void SketchViewModel::hoverMoved(std::optional<SketchPoint> viewPoint) {
     case SketchTool::polygon:
       showHovered(std::nullopt, std::nullopt);
       releaseTracking();
-      if (*polygonDraft && !*selectDrag) {
+      if (polygonDraft() != nullptr) {
         updatePolygonDraft(point);
       } else {
         showEntityPointFeedback(point);
@@ -74,22 +74,21 @@ void SketchViewModel::hoverMoved(std::optional<SketchPoint> viewPoint) {
   }
 }
 
-void SketchViewModel::showHovered(std::optional<UUID> id, std::optional<SketchPoint> viewPoint) {
-  hoveredEntityID = id;
-  hoverViewPoint = id ? viewPoint : std::nullopt;
+void Board::showHovered(std::optional<UUID> id, std::optional<SketchPoint> viewPoint) {
+  hover = Hover{id, id ? viewPoint : std::nullopt};
 }
 
-void SketchViewModel::clearIdleSnapState() {
-  if (!*draft && !*selectDrag) clearSnapState();
+void Board::clearIdleSnap() {
+  if (draft() == nullptr && selectDrag() == nullptr) clearSnap();
 }
 
-void SketchViewModel::showEntityPointFeedback(SketchPoint point) {
-  if (*draft || *selectDrag) return;
+void Board::showEntityPointFeedback(SketchPoint point) {
+  if (draft() != nullptr || selectDrag() != nullptr) return;
   const SketchSnapResult result = snapPointer(point, false);
   if (result.entitySnap) {
     publishSnap(result);
   } else {
-    clearSnapState();
+    clearSnap();
   }
 }
 

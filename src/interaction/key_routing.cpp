@@ -2,7 +2,8 @@
 
 #include <array>
 
-#include "core/sketch_view_model.h"
+#include "geometry/edit_operations.h"
+#include "interaction/board.h"
 #include "interaction/canvas_transform.h"
 #include "platform/unicode.h"
 
@@ -13,85 +14,84 @@ constexpr KeyModifiers kNoModifiers{};
 constexpr KeyModifiers kShift{.shift = true, .control = false, .option = false, .command = false};
 constexpr KeyModifiers kCommand{.shift = false, .control = false, .option = false, .command = true};
 
-SketchPoint canvasMiddle(const SketchViewModel& sketch) {
-  return {sketch.canvasSize->width * 0.5, sketch.canvasSize->height * 0.5};
+SketchPoint canvasMiddle(const Board& board) {
+  return {board.view->canvasSize.width * 0.5, board.view->canvasSize.height * 0.5};
 }
 
-bool isPolygonGrowing(const SketchViewModel& sketch) {
-  return sketch.selectedTool == SketchTool::polygon && *sketch.polygonDraft;
+bool isPolygonGrowing(const Board& board) {
+  return board.tool == SketchTool::polygon && board.polygonDraft() != nullptr;
 }
 
-bool isAnythingInProgress(const SketchViewModel& sketch) {
-  return sketch.isSegmentLengthEditing || *sketch.draft || *sketch.polygonDraft || *sketch.selectDrag ||
-         *sketch.trimCuttingEdgeEntityID || *sketch.selectedTool != SketchTool::select;
+bool isAnythingInProgress(const Board& board) {
+  return board.lengthEditor->isOpen || board.draft() != nullptr || board.polygonDraft() != nullptr ||
+         board.selectDrag() != nullptr || *board.trimCuttingEdge || board.tool != SketchTool::select;
 }
 
 bool hasTextFocus(const KeyEvent& event) { return event.textFocus || event.consoleFocus; }
 
 // --- One function a row
 
-KeyOutcome duplicate(const KeyEvent& event, SketchViewModel& sketch) {
-  if (textControlClaimsKey(event, sketch)) return KeyOutcome::passed;
-  sketch.duplicateSelection(kDuplicateOffset.x, kDuplicateOffset.y);
+KeyOutcome duplicate(const KeyEvent& event, Board& board) {
+  if (textControlClaimsKey(event)) return KeyOutcome::passed;
+  duplicateSelection(board.sketch(), board.messages(), kDuplicateOffset.x, kDuplicateOffset.y);
   return KeyOutcome::consumed;
 }
 
-KeyOutcome closeLengthEditor(const KeyEvent& /*event*/, SketchViewModel& sketch) {
-  sketch.closeSegmentLengthEdit();
+KeyOutcome closeLengthEditor(const KeyEvent& /*event*/, Board& board) {
+  board.closeLengthEditor();
   return KeyOutcome::consumed;
 }
 
-KeyOutcome escape(const KeyEvent& event, SketchViewModel& sketch) {
+KeyOutcome escape(const KeyEvent& event, Board& board) {
   if (!event.documentWindow) return KeyOutcome::passed;
-  if (!isAnythingInProgress(sketch) && hasTextFocus(event) && !sketch.commandInput->empty()) {
-    sketch.setCommandInput({});
-  } else {
-    sketch.handleEscape();
+  if (!isAnythingInProgress(board) && hasTextFocus(event) && event.consoleHasText) {
+    return KeyOutcome::clearsConsole;
   }
+  board.handleEscape();
   return KeyOutcome::consumed;
 }
 
-KeyOutcome selectToolBySpace(const KeyEvent& event, SketchViewModel& sketch) {
-  if (textControlClaimsKey(event, sketch)) return KeyOutcome::passed;
-  sketch.activateSelectTool();
+KeyOutcome selectToolBySpace(const KeyEvent& event, Board& board) {
+  if (textControlClaimsKey(event)) return KeyOutcome::passed;
+  board.activateSelectTool();
   return KeyOutcome::consumed;
 }
 
-KeyOutcome deleteSelection(const KeyEvent& event, SketchViewModel& sketch) {
-  if (!event.documentWindow || textControlClaimsKey(event, sketch)) return KeyOutcome::passed;
-  sketch.deleteSelection();
+KeyOutcome deleteSelected(const KeyEvent& event, Board& board) {
+  if (!event.documentWindow || textControlClaimsKey(event)) return KeyOutcome::passed;
+  deleteSelection(board.sketch(), board.messages());
   return KeyOutcome::consumed;
 }
 
-KeyOutcome closePolygonByReturn(const KeyEvent& event, SketchViewModel& sketch) {
-  if (!isPolygonGrowing(sketch) || textControlClaimsKey(event, sketch)) return KeyOutcome::passed;
-  sketch.closePolygon();
+KeyOutcome closePolygonByReturn(const KeyEvent& event, Board& board) {
+  if (!isPolygonGrowing(board) || textControlClaimsKey(event)) return KeyOutcome::passed;
+  board.closePolygon();
   return KeyOutcome::consumed;
 }
 
-KeyOutcome closePolygonByLetter(const KeyEvent& /*event*/, SketchViewModel& sketch) {
-  if (!isPolygonGrowing(sketch)) return KeyOutcome::passed;
-  sketch.closePolygon();
+KeyOutcome closePolygonByLetter(const KeyEvent& /*event*/, Board& board) {
+  if (!isPolygonGrowing(board)) return KeyOutcome::passed;
+  board.closePolygon();
   return KeyOutcome::consumed;
 }
 
-KeyOutcome lineTool(const KeyEvent& /*event*/, SketchViewModel& sketch) {
-  sketch.activateTool(SketchTool::line);
+KeyOutcome lineTool(const KeyEvent& /*event*/, Board& board) {
+  board.activateTool(SketchTool::line);
   return KeyOutcome::consumed;
 }
 
-KeyOutcome selectTool(const KeyEvent& /*event*/, SketchViewModel& sketch) {
-  sketch.activateSelectTool();
+KeyOutcome selectTool(const KeyEvent& /*event*/, Board& board) {
+  board.activateSelectTool();
   return KeyOutcome::consumed;
 }
 
-KeyOutcome zoomIn(const KeyEvent& /*event*/, SketchViewModel& sketch) {
-  sketch.zoomViewport(kZoomInFactor, canvasMiddle(sketch));
+KeyOutcome zoomIn(const KeyEvent& /*event*/, Board& board) {
+  board.zoom(kZoomInFactor, canvasMiddle(board));
   return KeyOutcome::consumed;
 }
 
-KeyOutcome zoomOut(const KeyEvent& /*event*/, SketchViewModel& sketch) {
-  sketch.zoomViewport(kZoomOutFactor, canvasMiddle(sketch));
+KeyOutcome zoomOut(const KeyEvent& /*event*/, Board& board) {
+  board.zoom(kZoomOutFactor, canvasMiddle(board));
   return KeyOutcome::consumed;
 }
 
@@ -105,9 +105,9 @@ constexpr std::array kKeyBindings{
     KeyBinding{KeyTest::plainKey, KeyName::space, 0, kNoModifiers, "Space", "Select tool", "",
                selectToolBySpace},
     KeyBinding{KeyTest::plainKey, KeyName::deleteBackward, 0, kNoModifiers, "Backspace",
-               "Delete the selection", "", deleteSelection},
+               "Delete the selection", "", deleteSelected},
     KeyBinding{KeyTest::plainKey, KeyName::forwardDelete, 0, kNoModifiers, "Delete", "Delete the selection",
-               "", deleteSelection},
+               "", deleteSelected},
     KeyBinding{KeyTest::plainKey, KeyName::returnKey, 0, kNoModifiers, "Return", "Close the polygon",
                "while a polygon is drawn", closePolygonByReturn},
     KeyBinding{KeyTest::gatedLetter, KeyName::character, 'c', kNoModifiers, "C", "Close the polygon",
@@ -126,11 +126,10 @@ bool isKeyOf(const KeyBinding& binding, const KeyEvent& event) {
 }
 
 // The first row of this test that has the event's key and modifiers decides.
-KeyOutcome actOnRows(KeyTest test, const KeyModifiers& modifiers, const KeyEvent& event,
-                     SketchViewModel& sketch) {
+KeyOutcome actOnRows(KeyTest test, const KeyModifiers& modifiers, const KeyEvent& event, Board& board) {
   for (const KeyBinding& binding : kKeyBindings) {
     if (binding.test == test && binding.modifiers == modifiers && isKeyOf(binding, event)) {
-      return binding.act(event, sketch);
+      return binding.act(event, board);
     }
   }
   return KeyOutcome::passed;
@@ -140,25 +139,25 @@ KeyOutcome actOnRows(KeyTest test, const KeyModifiers& modifiers, const KeyEvent
 
 std::span<const KeyBinding> keyBindings() { return kKeyBindings; }
 
-KeyOutcome handleKey(const KeyEvent& event, SketchViewModel& sketch) {
+KeyOutcome handleKey(const KeyEvent& event, Board& board) {
   const KeyModifiers& held = event.modifiers;
   if (held.control || held.option || held.command) {
-    return actOnRows(KeyTest::commandLetter, held, event, sketch);
+    return actOnRows(KeyTest::commandLetter, held, event, board);
   }
-  if (sketch.isSegmentLengthEditing) {
-    return actOnRows(KeyTest::lengthEditor, kNoModifiers, event, sketch);
+  if (board.lengthEditor->isOpen) {
+    return actOnRows(KeyTest::lengthEditor, kNoModifiers, event, board);
   }
-  if (event.key != KeyName::character) return actOnRows(KeyTest::plainKey, held, event, sketch);
-  if (!shortcutGateIsOpen(event, sketch)) return KeyOutcome::passed;
-  return actOnRows(KeyTest::gatedLetter, held, event, sketch);
+  if (event.key != KeyName::character) return actOnRows(KeyTest::plainKey, held, event, board);
+  if (!shortcutGateIsOpen(event)) return KeyOutcome::passed;
+  return actOnRows(KeyTest::gatedLetter, held, event, board);
 }
 
-bool textControlClaimsKey(const KeyEvent& event, const SketchViewModel& sketch) {
-  return hasTextFocus(event) && !(event.consoleFocus && sketch.commandInput->empty());
+bool textControlClaimsKey(const KeyEvent& event) {
+  return hasTextFocus(event) && !(event.consoleFocus && !event.consoleHasText);
 }
 
-bool shortcutGateIsOpen(const KeyEvent& event, const SketchViewModel& sketch) {
-  return event.documentWindow && !textControlClaimsKey(event, sketch);
+bool shortcutGateIsOpen(const KeyEvent& event) {
+  return event.documentWindow && !textControlClaimsKey(event);
 }
 
 }  // namespace ostrelon

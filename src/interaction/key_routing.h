@@ -21,7 +21,7 @@
 
 namespace ostrelon {
 
-class SketchViewModel;
+class Board;
 
 enum class KeyName { escape, space, deleteBackward, forwardDelete, returnKey, character };
 
@@ -39,12 +39,17 @@ struct KeyEvent {
   /// The characters of a `character` key, ignoring the modifiers.
   std::string characters;
   KeyModifiers modifiers;
-  bool textFocus = false;      ///< a text control has the focus
-  bool consoleFocus = false;   ///< … and it is the console field
-  bool documentWindow = true;  ///< the key belongs to the main document window
+  bool textFocus = false;       ///< a text control has the focus
+  bool consoleFocus = false;    ///< … and it is the console field
+  bool consoleHasText = false;  ///< the console field is not empty
+  bool documentWindow = true;   ///< the key belongs to the main document window
 };
 
-enum class KeyOutcome { consumed, passed };
+enum class KeyOutcome {
+  consumed,
+  passed,
+  clearsConsole,  ///< consumed, and the text of the console field goes
+};
 
 /// The test at which a row of the table is looked at.
 enum class KeyTest { commandLetter, lengthEditor, plainKey, gatedLetter };
@@ -57,20 +62,20 @@ struct KeyBinding {
   std::string_view keys;   ///< as the user reads them: "⇧Z"
   std::string_view title;  ///< what the key does: "Zoom out"
   std::string_view when;   ///< when it does it, empty for always: "while a polygon is drawn"
-  KeyOutcome (*act)(const KeyEvent& event, SketchViewModel& sketch);
+  KeyOutcome (*act)(const KeyEvent& event, Board& board);
 };
 
 /// All keys, in the order of the tests.
 std::span<const KeyBinding> keyBindings();
 
 /// Routes one key-down event.
-KeyOutcome handleKey(const KeyEvent& event, SketchViewModel& sketch);
+KeyOutcome handleKey(const KeyEvent& event, Board& board);
 
 /// True when the focused control takes the key as text: a text control has the focus, and it is not
 /// the console field while that is empty.
-bool textControlClaimsKey(const KeyEvent& event, const SketchViewModel& sketch);
+bool textControlClaimsKey(const KeyEvent& event);
 
 /// True when a letter alone may work as a shortcut: in the document window, unclaimed.
-bool shortcutGateIsOpen(const KeyEvent& event, const SketchViewModel& sketch);
+bool shortcutGateIsOpen(const KeyEvent& event);
 
 }  // namespace ostrelon

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "core/length_text.h"
-#include "core/sketch_view_model.h"
+#include "interaction/board.h"
 #include "interaction/canvas_clipping.h"
 #include "platform/unicode.h"
 
@@ -18,14 +18,14 @@ constexpr double kTextPadding = 14;
 constexpr double kVerticalTolerance = 1e-6;
 
 /// The segment that the label belongs to, sketch units.
-std::optional<CanvasSegment> labelledSegment(const SketchViewModel& model) {
-  const SketchTool tool = *model.selectedTool;
+std::optional<CanvasSegment> labelledSegment(const Board& board) {
+  const SketchTool tool = board.tool.get();
   if (tool == SketchTool::line || tool == SketchTool::wall) {
-    if (const auto& draft = *model.draft) return CanvasSegment{draft->start, draft->current};
+    if (const SketchDraft* draft = board.draft()) return CanvasSegment{draft->start, draft->current};
     return std::nullopt;
   }
-  if (tool != SketchTool::select || model.selectedEntityIDs->size() != 1) return std::nullopt;
-  const SketchEntity* entity = model.entity(*model.selectedEntityIDs->begin());
+  if (tool != SketchTool::select) return std::nullopt;
+  const SketchEntity* entity = board.sketch().selectedEntity();
   if (entity == nullptr) return std::nullopt;
   if (const auto* line = std::get_if<LineEntity>(entity)) return CanvasSegment{line->from, line->to};
   if (const auto* wall = std::get_if<WallEntity>(entity)) return CanvasSegment{wall->from, wall->to};
@@ -41,8 +41,8 @@ SketchPoint labelNormal(SketchPoint from, SketchPoint to) {
 
 }  // namespace
 
-std::optional<SegmentLabel> segmentLabel(const SketchViewModel& model, const SketchViewport& viewport) {
-  const auto segment = labelledSegment(model);
+std::optional<SegmentLabel> segmentLabel(const Board& board, const SketchViewport& viewport) {
+  const auto segment = labelledSegment(board);
   if (!segment) return std::nullopt;
   const double length = distanceBetween(segment->from, segment->to);
   const SketchPoint from = sketchPointToView(segment->from, viewport);

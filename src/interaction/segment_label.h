@@ -9,7 +9,7 @@
 
 namespace ostrelon {
 
-class SketchViewModel;
+class Board;
 
 /// Heights, distances and widths in view points.
 inline constexpr double kSegmentLabelDistance = 46;
@@ -26,6 +26,6 @@ struct SegmentLabel {
 /// The label of the segment that is being drawn or is selected alone; absent when there is none, or
 /// it has no length. The pill stands off the middle of the segment, along the normal that points up
 /// the screen, to the right for a segment that is vertical on the screen.
-std::optional<SegmentLabel> segmentLabel(const SketchViewModel& model, const SketchViewport& viewport);
+std::optional<SegmentLabel> segmentLabel(const Board& board, const SketchViewport& viewport);
 
 }  // namespace ostrelon

@@ -7,10 +7,11 @@
 #include <utility>
 #include <vector>
 
-#include "core/sketch_view_model.h"
+#include "core/adding.h"
 #include "geometry/entity_geometry.h"
 #include "geometry/hit_testing.h"
 #include "geometry/selection_handles.h"
+#include "interaction/board.h"
 #include "interaction/sketch_snapping.h"
 
 namespace ostrelon {
@@ -43,85 +44,82 @@ SketchSnapResult snappedMove(SketchPoint start, SketchPoint pointer, const Sketc
 
 }  // namespace
 
-bool SketchViewModel::beginSelectDrag(SketchPoint press) {
-  const ChangeScope scope(tracker_);
-  selectDragUndoBaseline = std::nullopt;
-  selectMarquee = std::nullopt;
+bool Board::beginSelectDrag(SketchPoint press) {
+  const auto scope = change();
+  if (marquee() != nullptr) gesture = Gesture();
   groupMove_.reset();
 
   // Handles come before picking, and only a selection of one has them.
-  if (const SketchEntity* selected = selectedEntity()) {
-    if (const auto handle = hitSelectionHandle(*selected, press, viewport->scale)) {
-      const SketchEntity anchor = *selected;
-      const auto handles = selectionHandles(anchor);
+  if (const SketchEntity* selected = sketch_.selectedEntity()) {
+    if (const auto handle = hitSelectionHandle(*selected, press, scale())) {
+      const auto handles = selectionHandles(*selected);
       const auto position = handles.find(*handle);
-      const auto fixed = handleFixedPoint(*handle, anchor);
+      const auto fixed = handleFixedPoint(*handle, *selected);
       std::optional<double> reference;
       if (fixed && position != handles.end()) {
         const SketchPoint reach = position->second - *fixed;
         reference = directionDegrees(reach.x, reach.y);
       }
-      selectDragUndoBaseline = SketchUndoSnapshot{entities};
-      handleDragReferenceAngle = reference;
-      selectDrag = HandleDrag{*handle, entityID(anchor), anchor};
+      gesture =
+          SelectDrag{HandleDrag{*handle, entityID(*selected), *selected}, sketch_.entities(), reference};
       return true;
     }
   }
 
-  const auto pick = pickEntityAtPoint(index(), press, viewport->scale);
+  const auto pick = pickEntityAtPoint(sketch_.index(), press, scale());
   if (!pick) return false;
-  const SketchEntity hit = pick->entity;
-  const UUID hitID = entityID(hit);
-  if (!selectedEntityIDs->contains(hitID)) selectOnly(hitID);
-  selectDragUndoBaseline = SketchUndoSnapshot{entities};
-  if (selectedEntityIDs->size() == 1) {
-    selectDrag = BodyDrag{hitID, hit, press};
+  const UUID hitID = entityID(pick->entity);
+  if (!sketch_.selection->contains(hitID)) sketch_.selectOnly(hitID);
+  if (sketch_.selection->ids.size() == 1) {
+    gesture = SelectDrag{BodyDrag{hitID, pick->entity, press}, sketch_.entities(), std::nullopt};
     return true;
   }
-  MultiBodyDrag group{selectedEntityIDs, {}, hitID, press};
+  MultiBodyDrag group{sketch_.selection->ids, {}, hitID, press};
   for (const UUID& id : group.entityIDs) {
-    if (const SketchEntity* member = entity(id)) group.anchors.emplace(id, *member);
+    if (const SketchEntity* member = sketch_.entity(id)) group.anchors.emplace(id, *member);
   }
-  selectDrag = std::move(group);
+  gesture = SelectDrag{std::move(group), sketch_.entities(), std::nullopt};
   return true;
 }
 
-void SketchViewModel::updateSelectDrag(SketchPoint point) {
-  if (!*selectDrag || !std::isfinite(point.x) || !std::isfinite(point.y)) return;
-  const ChangeScope scope(tracker_);
+void Board::updateSelectDrag(SketchPoint point) {
+  const SelectDrag* drag = selectDrag();
+  if (drag == nullptr || !std::isfinite(point.x) || !std::isfinite(point.y)) return;
+  const auto scope = change();
   std::visit(Overloaded{
-                 [&](const HandleDrag& drag) { updateHandleDrag(drag, point); },
-                 [&](const BodyDrag& drag) { updateBodyDrag(drag, point); },
-                 [&](const MultiBodyDrag& drag) { updateGroupDrag(drag, point); },
+                 [&](const HandleDrag& handle) { updateHandleDrag(*drag, handle, point); },
+                 [&](const BodyDrag& body) { updateBodyDrag(body, point); },
+                 [&](const MultiBodyDrag& group) { updateGroupDrag(group, point); },
              },
-             **selectDrag);
+             drag->state);
 }
 
-void SketchViewModel::updateHandleDrag(const HandleDrag& drag, SketchPoint point) {
-  const SketchEntity* current = entity(drag.entityID);
+void Board::updateHandleDrag(const SelectDrag& drag, const HandleDrag& handle, SketchPoint point) {
+  const SketchEntity* current = sketch_.entity(handle.entityID);
   if (current == nullptr) return;
-  const SketchSnapResult snap = SketchSnapping::snapHandleDrag(drag.handle, drag.anchor, index(), point,
-                                                               viewport, showGrid, handleDragReferenceAngle);
-  auto moved = applyHandleDrag(drag.handle, *current, drag.anchor, snap.point);
+  const SketchSnapResult snapped =
+      SketchSnapping::snapHandleDrag(handle.handle, handle.anchor, sketch_.index(), point, viewport(),
+                                     sketch_.drawing->showGrid, drag.referenceAngle);
+  auto moved = applyHandleDrag(handle.handle, *current, handle.anchor, snapped.point);
   if (!moved) return;
-  replaceEntity(drag.entityID, std::move(*moved));
-  publishSnap(snap, handleFixedPoint(drag.handle, drag.anchor));
+  replaceEntity(sketch_, handle.entityID, std::move(*moved));
+  publishSnap(snapped, handleFixedPoint(handle.handle, handle.anchor));
 }
 
-void SketchViewModel::updateBodyDrag(const BodyDrag& drag, SketchPoint point) {
-  if (entity(drag.entityID) == nullptr) return;
-  const SketchSnapResult move =
-      snappedMove(drag.startSketchPoint, point, viewport, drag.anchor, index(), {}, showGrid);
-  replaceEntity(drag.entityID, translatedEntity(drag.anchor, move.point.x, move.point.y));
+void Board::updateBodyDrag(const BodyDrag& drag, SketchPoint point) {
+  if (sketch_.entity(drag.entityID) == nullptr) return;
+  const SketchSnapResult move = snappedMove(drag.startSketchPoint, point, viewport(), drag.anchor,
+                                            sketch_.index(), {}, sketch_.drawing->showGrid);
+  replaceEntity(sketch_, drag.entityID, translatedEntity(drag.anchor, move.point.x, move.point.y));
   publishSnap(move);
 }
 
-SketchViewModel::GroupMove& SketchViewModel::groupMove(const MultiBodyDrag& drag) {
-  if (groupMove_ && groupMove_->writes == entities.writes()) return *groupMove_;
+Board::GroupMove& Board::groupMove(const MultiBodyDrag& drag) {
+  if (groupMove_ && groupMove_->writes == sketch_.drawingWrites()) return *groupMove_;
   std::vector<std::pair<std::size_t, const SketchEntity*>> members;
   members.reserve(drag.anchors.size());
   for (const auto& [id, anchor] : drag.anchors) {
-    if (const auto place = entityIndex(id)) members.emplace_back(*place, &anchor);
+    if (const auto place = sketch_.positionOf(id)) members.emplace_back(*place, &anchor);
   }
   std::sort(members.begin(), members.end());
   GroupMove found;
@@ -137,60 +135,48 @@ SketchViewModel::GroupMove& SketchViewModel::groupMove(const MultiBodyDrag& drag
 // A group does not use the grid: its members stand on many lines at once. Where the pointer snaps to is
 // asked of the index as it is: as long as nobody else has written, it is right about all but the members,
 // which do not count.
-void SketchViewModel::updateGroupDrag(const MultiBodyDrag& drag, SketchPoint point) {
+void Board::updateGroupDrag(const MultiBodyDrag& drag, SketchPoint point) {
   const auto lead = drag.anchors.find(drag.leadEntityID);
   if (lead == drag.anchors.end()) return;
   GroupMove& group = groupMove(drag);
   if (group.places.empty()) return;
-  const SketchSnapResult move =
-      snappedMove(drag.startSketchPoint, point, viewport, lead->second, index_, drag.entityIDs, false);
+  const SketchSnapResult move = snappedMove(drag.startSketchPoint, point, viewport(), lead->second,
+                                            sketch_.staleIndex(), drag.entityIDs, false);
   const auto moved = [&](const SketchEntity& anchor) {
     return translatedEntity(anchor, move.point.x, move.point.y);
   };
   // All move alike: where the first stays, as under a snap that holds, so do the others.
-  if (!((*entities)[group.places.front()] == moved(group.anchors.front()))) {
+  if (sketch_.entities()[group.places.front()] == moved(group.anchors.front())) {
+    sketch_.countAsEdit(UndoStep::none);
+  } else {
     std::transform(group.anchors.begin(), group.anchors.end(), group.moved.begin(), moved);
-    if (!entities.edit().replaceAll(group.places, group.moved)) return;
-    group.writes = entities.writes();
+    sketch_.edit([&](Drawing& drawing) { drawing.entities.replaceAll(group.places, group.moved); },
+                 UndoStep::none);
+    group.writes = sketch_.drawingWrites();
   }
-  isDocumentDirty = true;
   publishSnap(move);
 }
 
-void SketchViewModel::finishSelectDrag() {
-  const ChangeScope scope(tracker_);
-  if (*selectDragUndoBaseline) {
-    if (!((*selectDragUndoBaseline)->entities == entities.get())) {
-      undoStack_.pushUndoSnapshot(**selectDragUndoBaseline);
-      tracker_.mark(n(SketchField::undoStack));
-    }
-    selectDragUndoBaseline = std::nullopt;
+void Board::finishSelectDrag() {
+  const auto scope = change();
+  if (const SelectDrag* drag = selectDrag()) {
+    if (drag->baseline) sketch_.recordStep(*drag->baseline);
+    gesture = Gesture();
   }
-  selectDrag = std::nullopt;
   groupMove_.reset();
-  handleDragReferenceAngle = std::nullopt;
-  closeSegmentLengthEdit();
-  clearSnapState();
+  closeLengthEditor();
+  clearSnap();
 }
 
-void SketchViewModel::cancelSelectDrag() {
-  const ChangeScope scope(tracker_);
-  if (*selectDragUndoBaseline) {
-    // The document may have been saved while the drag was under way.
-    if (!((*selectDragUndoBaseline)->entities == entities.get())) isDocumentDirty = true;
-    entities = (*selectDragUndoBaseline)->entities;
-    // What a command has added meanwhile is gone with the drag, and so is its selection.
-    std::unordered_set<UUID> present = selectedEntityIDs;
-    std::erase_if(present, [&](const UUID& id) { return entity(id) == nullptr; });
-    selectedEntityIDs = std::move(present);
-    selectDragUndoBaseline = std::nullopt;
+void Board::cancelSelectDrag() {
+  const auto scope = change();
+  if (const SelectDrag* drag = selectDrag(); drag != nullptr && drag->baseline) {
+    sketch_.takeBack(*drag->baseline);
   }
-  selectDrag = std::nullopt;
+  if (selectDrag() != nullptr || marquee() != nullptr) gesture = Gesture();
   groupMove_.reset();
-  selectMarquee = std::nullopt;
-  handleDragReferenceAngle = std::nullopt;
-  closeSegmentLengthEdit();
-  clearSnapState();
+  closeLengthEditor();
+  clearSnap();
 }
 
 }  // namespace ostrelon

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/sketch_view_model.h"
+#include "interaction/board.h"
 #include "interaction/sketch_snapping.h"
 
 namespace ostrelon {
@@ -16,37 +16,37 @@ std::string lockedFeedbackText(const EntitySnapTarget& target) {
   return "Locked · " + snapTargetDescription(target);
 }
 
-void SketchViewModel::tickTrackingAcquire(SketchPoint pointer, Date now) {
-  const ChangeScope scope(tracker_);
-  if (!toolTracks(selectedTool)) {
+void Board::tickTracking(SketchPoint pointer, Date now) {
+  const auto scope = change();
+  if (!toolTracks(tool)) {
     releaseTracking();
     return;
   }
-  const auto target = SketchSnapping::nearestAcquirableTarget(index(), {}, pointer, viewport->scale);
+  const auto target = SketchSnapping::nearestAcquirableTarget(sketch_.index(), {}, pointer, scale());
   if (!target) {
     cancelTrackingDwell();
-  } else if (target == *pendingTrackingAcquire) {
+  } else if (target == tracking->pending) {
     advanceTrackingDwell(now);
   } else {
     startTrackingDwell(*target, now);
   }
 }
 
-void SketchViewModel::startTrackingDwell(const EntitySnapTarget& target, Date now) {
-  const ChangeScope scope(tracker_);
-  pendingTrackingAcquire = target;
-  trackingAcquireDwellStart = now;
-  trackingAcquireProgress = 0;
+void Board::startTrackingDwell(const EntitySnapTarget& target, Date now) {
+  const auto scope = change();
+  tracking = Tracking{tracking->locked, target, 0, now};
   scheduleTrackingDwell();
 }
 
-void SketchViewModel::advanceTrackingDwell(Date now) {
-  if (!*trackingAcquireDwellStart) return;
-  const ChangeScope scope(tracker_);
-  const double elapsed = secondsBetween(**trackingAcquireDwellStart, now);
-  trackingAcquireProgress = std::clamp(elapsed, 0.0, 1.0);
-  if (elapsed >= kTrackingDwellDuration.count() && *pendingTrackingAcquire) {
-    lockTrackingTarget(EntitySnapTarget(**pendingTrackingAcquire));
+void Board::advanceTrackingDwell(Date now) {
+  if (!tracking->dwellStart) return;
+  const auto scope = change();
+  const double elapsed = secondsBetween(*tracking->dwellStart, now);
+  Tracking advanced = tracking;
+  advanced.progress = std::clamp(elapsed, 0.0, 1.0);
+  tracking = std::move(advanced);
+  if (elapsed >= kTrackingDwellDuration.count() && tracking->pending) {
+    lockTrackingTarget(EntitySnapTarget(*tracking->pending));
   } else {
     scheduleTrackingDwell();
   }
@@ -54,50 +54,42 @@ void SketchViewModel::advanceTrackingDwell(Date now) {
 
 // While a lock is in force the task does not run: a dwell on a second point then advances with the
 // pointer alone.
-void SketchViewModel::scheduleTrackingDwell() {
-  if (trackingAcquireDwellTask_ || !*pendingTrackingAcquire || *acquiredEntitySnap) return;
-  trackingAcquireDwellTask_ =
-      host_.scheduler.after(kTrackingDwellPollInterval, [this] { pollTrackingDwell(); });
+void Board::scheduleTrackingDwell() {
+  if (dwellTask_ || !tracking->pending || tracking->locked) return;
+  dwellTask_ = scheduler_.after(kTrackingDwellPollInterval, [this] { pollTrackingDwell(); });
 }
 
-void SketchViewModel::pollTrackingDwell() {
-  const ChangeScope scope(tracker_);
-  trackingAcquireDwellTask_.reset();
-  advanceTrackingDwell(host_.scheduler.now());
+void Board::pollTrackingDwell() {
+  const auto scope = change();
+  dwellTask_.reset();
+  advanceTrackingDwell(scheduler_.now());
 }
 
-void SketchViewModel::lockTrackingTarget(const EntitySnapTarget& target) {
-  const ChangeScope scope(tracker_);
-  acquiredEntitySnap = target;
-  pendingTrackingAcquire = std::nullopt;
-  trackingAcquireDwellStart = std::nullopt;
-  trackingAcquireProgress = 1.0;
-  trackingAcquireDwellTask_.reset();
-  snapFeedback = lockedFeedbackText(target);
+void Board::lockTrackingTarget(const EntitySnapTarget& target) {
+  const auto scope = change();
+  tracking = Tracking{target, std::nullopt, 1.0, std::nullopt};
+  dwellTask_.reset();
+  SnapState shown = snap;
+  shown.feedback = lockedFeedbackText(target);
+  snap = std::move(shown);
 }
 
-void SketchViewModel::releaseTracking() {
-  const ChangeScope scope(tracker_);
-  cancelTrackingDwell();
-  acquiredEntitySnap = std::nullopt;
-}
-
-std::string SketchViewModel::trackingHoldText(const EntitySnapTarget& target) const {
+std::string Board::trackingHoldText(const EntitySnapTarget& target) const {
   return fmt::format("Hold to lock · {} · {:.0f}%", snapTargetDescription(target),
-                     std::round(trackingAcquireProgress * 100));
+                     std::round(tracking->progress * 100));
 }
 
-void SketchViewModel::showIdleTrackingFeedback(SketchPoint pointer) {
-  if (*acquiredEntitySnap) {
-    publishTrackedTarget(**acquiredEntitySnap, lockedFeedbackText(**acquiredEntitySnap));
-  } else if (*pendingTrackingAcquire) {
-    publishTrackedTarget(**pendingTrackingAcquire, trackingHoldText(**pendingTrackingAcquire));
+void Board::showIdleTrackingFeedback(SketchPoint pointer) {
+  if (tracking->locked) {
+    publishTrackedTarget(*tracking->locked, lockedFeedbackText(*tracking->locked));
+  } else if (tracking->pending) {
+    publishTrackedTarget(*tracking->pending, trackingHoldText(*tracking->pending));
   } else {
-    const SketchSnapResult result = snapPointer(pointer, showGrid);
+    const SketchSnapResult result = snapPointer(pointer, sketch_.drawing->showGrid);
     if (result.entitySnap) {
       publishSnap(result);
     } else {
-      clearSnapState();
+      clearSnap();
     }
   }
 }

@@ -1,7 +1,7 @@
 // Moving the view. It is neither undoable nor part of what makes a document dirty.
 #include <cmath>
 
-#include "core/sketch_view_model.h"
+#include "interaction/board.h"
 #include "interaction/canvas_transform.h"
 #include "interaction/drawing_bounds.h"
 
@@ -12,37 +12,39 @@ bool isFinite(SketchPoint point) { return std::isfinite(point.x) && std::isfinit
 
 }  // namespace
 
-void SketchViewModel::zoomViewport(double factor, SketchPoint viewAnchor) {
+void Board::zoom(double factor, SketchPoint viewAnchor) {
   if (!(factor > 0)) return;
-  const SketchViewport& old = viewport;
+  const SketchViewport& old = viewport();
   const double scale = clampedViewportScale(factor * old.scale);
   const SketchPoint underAnchor{(viewAnchor.x - old.pan.x) / old.scale,
                                 (viewAnchor.y - old.pan.y) / old.scale};
   const SketchPoint pan = viewAnchor - underAnchor * scale;
-  if (std::isfinite(scale) && isFinite(pan)) viewport = SketchViewport{pan, scale};
+  if (std::isfinite(scale) && isFinite(pan)) setViewport({pan, scale});
 }
 
-void SketchViewModel::zoomToFit(SketchSize canvas) { viewport = fittedViewport(entities, canvas); }
+void Board::zoomToFit(SketchSize canvas) { setViewport(fittedViewport(sketch_.entities(), canvas)); }
 
-void SketchViewModel::resetViewport(SketchSize canvas) { viewport = centredViewport(canvas); }
+void Board::resetViewport(SketchSize canvas) { setViewport(centredViewport(canvas)); }
 
-void SketchViewModel::panViewport(double dx, double dy) {
-  const SketchPoint pan = viewport->pan + SketchPoint{dx, dy};
-  if (isFinite(pan)) viewport = SketchViewport{pan, viewport->scale};
+void Board::pan(double dx, double dy) {
+  const SketchPoint pan = viewport().pan + SketchPoint{dx, dy};
+  if (isFinite(pan)) setViewport({pan, scale()});
 }
 
-void SketchViewModel::updateCanvasSize(SketchSize size) {
-  if (!(size.width > 0) || !(size.height > 0) || !isFinite({size.width, size.height})) return;
-  const ChangeScope scope(tracker_);
-  const bool needsCentring = !hasInitializedViewport || canvasSize->width <= 1 || canvasSize->height <= 1;
-  canvasSize = size;
-  if (!needsCentring) return;
-  viewport = centredViewport(size);
-  hasInitializedViewport = true;
+void Board::resizeCanvas(SketchSize size) {
+  if (!(size.width > 0) || !(size.height > 0) || !isFinite(SketchPoint{size.width, size.height})) return;
+  changeView([&](BoardView& changed) {
+    const bool needsCentring =
+        !changed.isInitialized || changed.canvasSize.width <= 1 || changed.canvasSize.height <= 1;
+    changed.canvasSize = size;
+    if (!needsCentring) return;
+    changed.viewport = centredViewport(size);
+    changed.isInitialized = true;
+  });
 }
 
-void SketchViewModel::setViewport(double panX, double panY, double scale) {
-  viewport = SketchViewport{{panX, panY}, scale};
+void Board::setViewport(const SketchViewport& viewport) {
+  changeView([&](BoardView& changed) { changed.viewport = viewport; });
 }
 
 }  // namespace ostrelon

@@ -1,0 +1,65 @@
+// Clicks and marquees of the select tool.
+#include <algorithm>
+
+#include "geometry/edit_operations.h"
+#include "geometry/hit_testing.h"
+#include "geometry/marquee.h"
+#include "interaction/board.h"
+#include "interaction/canvas_transform.h"
+
+namespace ostrelon {
+
+void Board::selectAtPoint(SketchPoint point, bool additive) {
+  const auto scope = change();
+  closeLengthEditor();
+  const auto pick = pickEntityAtPoint(sketch_.index(), point, scale());
+  if (!pick) {
+    if (!additive) sketch_.clearSelection();
+  } else if (additive) {
+    toggleEntitySelection(sketch_, entityID(pick->entity));
+  } else {
+    sketch_.selectOnly(entityID(pick->entity));
+  }
+  if (selectDrag() != nullptr || marquee() != nullptr) gesture = Gesture();
+}
+
+void Board::setMarquee(std::optional<SelectMarqueeState> marquee) {
+  if (marquee) {
+    gesture = *marquee;
+  } else if (this->marquee() != nullptr) {
+    gesture = Gesture();
+  }
+}
+
+void Board::beginMarquee(SketchPoint pressViewPoint, SketchPoint currentViewPoint) {
+  gesture = SelectMarqueeState{viewPointToSketch(pressViewPoint, viewport()),
+                               viewPointToSketch(currentViewPoint, viewport()), pressViewPoint.x,
+                               currentViewPoint.x};
+}
+
+void Board::updateMarquee(SketchPoint currentViewPoint) {
+  if (marquee() == nullptr) return;
+  SelectMarqueeState moved = *marquee();
+  moved.currentSketchPoint = viewPointToSketch(currentViewPoint, viewport());
+  moved.currentViewX = currentViewPoint.x;
+  gesture = moved;
+}
+
+void Board::finishMarquee(bool additive) {
+  if (marquee() == nullptr) return;
+  const auto scope = change();
+  const SelectMarqueeState drawn = *marquee();
+  const auto [minX, maxX] = std::minmax(drawn.startSketchPoint.x, drawn.currentSketchPoint.x);
+  const auto [minY, maxY] = std::minmax(drawn.startSketchPoint.y, drawn.currentSketchPoint.y);
+  const bool isCrossing = drawn.currentViewX < drawn.startViewX;
+  std::unordered_set<UUID> hits = entitiesInMarquee(sketch_.index(), {minX, minY, maxX, maxY}, isCrossing);
+  Selection selected = additive ? sketch_.selection.get()
+                                : Selection{{}, sketch_.selection->primary, sketch_.selection->isInspected};
+  if (!hits.empty()) selected.primary = *hits.begin();
+  selected.ids.merge(hits);
+  if (selected.empty()) selected.isInspected = false;
+  sketch_.select(std::move(selected));
+  gesture = Gesture();
+}
+
+}  // namespace ostrelon
