@@ -1,6 +1,7 @@
 // The length editor over a straight segment: the one being drawn, dragged or selected.
 #include <cmath>
 
+#include "core/circle.h"
 #include "core/length_text.h"
 #include "core/sketch_view_model.h"
 #include "geometry/entity_edits.h"

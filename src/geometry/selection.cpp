@@ -6,13 +6,6 @@
 #include "geometry/marquee.h"
 
 namespace ostrelon {
-namespace {
-
-SketchPoint sketchPointAt(SketchPoint viewPoint, const SketchViewport& viewport) {
-  return {(viewPoint.x - viewport.pan.x) / viewport.scale, -(viewPoint.y - viewport.pan.y) / viewport.scale};
-}
-
-}  // namespace
 
 const SketchEntity* SketchViewModel::selectedEntity() const {
   return selectedEntityIDs->size() == 1 ? entity(*selectedEntityIDs->begin()) : nullptr;
@@ -95,14 +88,14 @@ void SketchViewModel::setSelectMarquee(std::optional<SelectMarqueeState> marquee
 
 void SketchViewModel::beginMarquee(SketchPoint pressViewPoint, SketchPoint currentViewPoint) {
   selectMarquee =
-      SelectMarqueeState{sketchPointAt(pressViewPoint, viewport), sketchPointAt(currentViewPoint, viewport),
-                         pressViewPoint.x, currentViewPoint.x};
+      SelectMarqueeState{viewPointToSketch(pressViewPoint, viewport),
+                         viewPointToSketch(currentViewPoint, viewport), pressViewPoint.x, currentViewPoint.x};
 }
 
 void SketchViewModel::updateMarquee(SketchPoint currentViewPoint) {
   if (!*selectMarquee) return;
   SelectMarqueeState marquee = **selectMarquee;
-  marquee.currentSketchPoint = sketchPointAt(currentViewPoint, viewport);
+  marquee.currentSketchPoint = viewPointToSketch(currentViewPoint, viewport);
   marquee.currentViewX = currentViewPoint.x;
   selectMarquee = marquee;
 }
@@ -111,10 +104,9 @@ void SketchViewModel::finishMarquee(bool additive) {
   if (!*selectMarquee) return;
   const ChangeScope scope(tracker_);
   const SelectMarqueeState marquee = **selectMarquee;
-  const auto [minX, maxX] = std::minmax(marquee.startSketchPoint.x, marquee.currentSketchPoint.x);
-  const auto [minY, maxY] = std::minmax(marquee.startSketchPoint.y, marquee.currentSketchPoint.y);
+  const SketchBox box = SketchBox::spanning(marquee.startSketchPoint, marquee.currentSketchPoint);
   const bool isCrossing = marquee.currentViewX < marquee.startViewX;
-  std::unordered_set<UUID> hits = entitiesInMarquee(index(), {minX, minY, maxX, maxY}, isCrossing);
+  std::unordered_set<UUID> hits = entitiesInMarquee(index(), box, isCrossing);
   if (!hits.empty()) primarySelectedEntityID = *hits.begin();
   if (additive) {
     std::erase_if(hits, [&](const UUID& id) { return selectedEntityIDs->contains(id); });

@@ -9,8 +9,6 @@
 namespace ostrelon {
 namespace {
 
-bool isFinite(SketchPoint point) { return std::isfinite(point.x) && std::isfinite(point.y); }
-
 // The answers of the trim tool are marked as failures by their words alone.
 bool readsAsTrimFailure(std::string_view text) {
   for (const std::string_view mark : {"must", "not", "Cannot"}) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/circle.h"
 #include "core/length_text.h"
 #include "core/sketch_view_model.h"
 #include "interaction/sketch_snapping.h"
@@ -38,7 +39,7 @@ bool isDraftLargeEnough(SketchTool tool, const SketchDraft& draft) {
   if (tool == SketchTool::rectangle) {
     return std::abs(span.x) >= kMinimumDraftSize && std::abs(span.y) >= kMinimumDraftSize;
   }
-  return std::hypot(span.x, span.y) >= kMinimumDraftSize;
+  return lengthOf(span) >= kMinimumDraftSize;
 }
 
 // --- Two-point tools
@@ -204,7 +205,7 @@ std::optional<std::string> SketchViewModel::draftMeasurementText() const {
   }
   if (!*draft) return std::nullopt;
   const SketchPoint span = (*draft)->current - (*draft)->start;
-  const std::string distance = formatShortNumber(std::hypot(span.x, span.y));
+  const std::string distance = formatShortNumber(lengthOf(span));
   switch (*selectedTool) {
     case SketchTool::line:
     case SketchTool::wall:

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/circle.h"
 #include "core/sketch_view_model.h"
 #include "geometry/entity_geometry.h"
 #include "geometry/hit_testing.h"
@@ -87,7 +88,7 @@ bool SketchViewModel::beginSelectDrag(SketchPoint press) {
 }
 
 void SketchViewModel::updateSelectDrag(SketchPoint point) {
-  if (!*selectDrag || !std::isfinite(point.x) || !std::isfinite(point.y)) return;
+  if (!*selectDrag || !isFinite(point)) return;
   const ChangeScope scope(tracker_);
   std::visit(Overloaded{
                  [&](const HandleDrag& drag) { updateHandleDrag(drag, point); },

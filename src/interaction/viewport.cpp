@@ -6,20 +6,12 @@
 #include "interaction/drawing_bounds.h"
 
 namespace ostrelon {
-namespace {
-
-bool isFinite(SketchPoint point) { return std::isfinite(point.x) && std::isfinite(point.y); }
-
-}  // namespace
-
 void SketchViewModel::zoomViewport(double factor, SketchPoint viewAnchor) {
   if (!(factor > 0)) return;
   const SketchViewport& old = viewport;
   const double scale = clampedViewportScale(factor * old.scale);
-  const SketchPoint underAnchor{(viewAnchor.x - old.pan.x) / old.scale,
-                                (viewAnchor.y - old.pan.y) / old.scale};
-  const SketchPoint pan = viewAnchor - underAnchor * scale;
-  if (std::isfinite(scale) && isFinite(pan)) viewport = SketchViewport{pan, scale};
+  const SketchViewport zoomed = viewportWith(viewPointToSketch(viewAnchor, old), viewAnchor, scale);
+  if (std::isfinite(scale) && isFinite(zoomed.pan)) viewport = zoomed;
 }
 
 void SketchViewModel::zoomToFit(SketchSize canvas) { viewport = fittedViewport(entities, canvas); }
@@ -32,7 +24,7 @@ void SketchViewModel::panViewport(double dx, double dy) {
 }
 
 void SketchViewModel::updateCanvasSize(SketchSize size) {
-  if (!(size.width > 0) || !(size.height > 0) || !isFinite({size.width, size.height})) return;
+  if (!(size.width > 0) || !(size.height > 0) || !isFinite(SketchPoint{size.width, size.height})) return;
   const ChangeScope scope(tracker_);
   const bool needsCentring = !hasInitializedViewport || canvasSize->width <= 1 || canvasSize->height <= 1;
   canvasSize = size;
