@@ -1,5 +1,6 @@
 // Calls of the pure geometry. Where null stands for a list of entities, that of the document is meant.
 #include "automation/call_binding.h"
+#include "core/circle.h"
 #include "geometry/entity_geometry.h"
 
 namespace ostrelon {

@@ -19,7 +19,11 @@ void addInteractionCalls(CallTable& table) {
   // --- The view
   table["viewPointToSketch"] = functionCall(viewPointToSketch);
   table["sketchPointToView"] = functionCall(sketchPointToView);
-  table["visibleSketchRect"] = functionCall(visibleSketchRect);
+  table["visibleSketchRect"] = sessionCall(
+      [](AutomationSession&, const SketchSize& canvasSize, const SketchViewport& viewport) -> Json {
+        const SketchBox box = visibleSketchBox(canvasSize, viewport);
+        return {{"minX", box.minX}, {"minY", box.minY}, {"width", box.width()}, {"height", box.height()}};
+      });
   table["gridStep"] = functionCall(gridStep);
   table["gridScaleLabel"] = functionCall(gridScaleLabel);
   table["zoomPercentageLabel"] = functionCall(zoomPercentageLabel);

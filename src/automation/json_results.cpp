@@ -226,10 +226,6 @@ Json toJson(const SketchBox& value) {
   return {{"minX", value.minX}, {"minY", value.minY}, {"maxX", value.maxX}, {"maxY", value.maxY}};
 }
 
-Json toJson(const VisibleSketchRect& value) {
-  return {{"minX", value.minX}, {"minY", value.minY}, {"width", value.width}, {"height", value.height}};
-}
-
 Json toJson(const TrimOutcome& value) {
   return std::visit(Overloaded{
                         [](const TrimReplace& outcome) {

@@ -83,7 +83,6 @@ Json toJson(const SketchSnapping::TrackingCandidate& value);
 Json toJson(const SegmentLengthIndicator& value);
 Json toJson(const EntityPick& value);
 Json toJson(const SketchBox& value);
-Json toJson(const VisibleSketchRect& value);
 Json toJson(const TrimOutcome& value);
 Json toJson(const TrimGeometry& value);
 Json toJson(const TrimResult& value);

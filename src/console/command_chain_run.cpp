@@ -16,7 +16,7 @@ namespace {
 constexpr double kNearlyCollinear = 0.13917310096006544;
 
 bool isNearlyCollinear(SketchPoint a, SketchPoint b) {
-  const double product = std::hypot(a.x, a.y) * std::hypot(b.x, b.y);
+  const double product = lengthOf(a) * lengthOf(b);
   return product > 0 && std::fabs(cross(a, b)) <= product * kNearlyCollinear;
 }
 

@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "core/circle.h"
 #include "core/length_text.h"
 #include "core/sketch_view_model.h"
 #include "interaction/axis_directions.h"
@@ -40,7 +41,7 @@ std::optional<TypedEnd> typedSegment(SketchTool tool, const SketchDraft& draft,
     direction = unitVector(sizes[1]);
     degrees = std::fmod(sizes[1], 360);
     if (degrees < 0) degrees += 360;
-  } else if (const double length = std::hypot(span.x, span.y); length > 0) {
+  } else if (const double length = lengthOf(span); length > 0) {
     // A draft that is locked to an axis stays exactly on it.
     direction = {span.x / length, span.y / length};
   }

@@ -1,18 +1,10 @@
 // The axis-aligned boxes of entities, in sketch units.
 #pragma once
 
+#include "core/sketch_box.h"
 #include "core/sketch_entity.h"
-#include "core/sketch_point.h"
 
 namespace ostrelon {
-
-struct SketchBox {
-  double minX = 0;
-  double minY = 0;
-  double maxX = 0;
-  double maxY = 0;
-  friend bool operator==(const SketchBox&, const SketchBox&) = default;
-};
 
 /// The box that holds every point of the entity's outline, and every point to which it can be
 /// snapped. A wall is its centre line and an arc the box of its whole circle. Not finite where the

@@ -9,7 +9,7 @@
 namespace ostrelon {
 namespace {
 
-constexpr unsigned kOffsetBits = 11;  // a chunk holds up to 1024 entities, and briefly more
+constexpr unsigned kOffsetBits = 11;  // room for more entities than any chunk holds
 constexpr std::uint32_t kOffsetMask = (1U << kOffsetBits) - 1;
 
 // The cells of level 0 are a quarter of a unit wide, those of each further level four times wider.
@@ -126,10 +126,7 @@ bool EntityIndex::candidatesIn(const SketchBox& box, std::vector<Candidate>& can
 bool EntityIndex::candidatesIn(const SketchBox& box, std::vector<Candidate>& candidates,
                                std::size_t most) const {
   if (hasDuplicates_ || list_.size() < kShortList) return false;
-  if (!(std::isfinite(box.minX) && std::isfinite(box.minY) && std::isfinite(box.maxX) &&
-        std::isfinite(box.maxY))) {
-    return false;
-  }
+  if (!isFinite(box)) return false;
   // First the price: cells to visit on all levels in use, and entities to expect in them.
   std::size_t cellCount = 0;
   for (int level = 0; level < kLevels; ++level) {
@@ -198,12 +195,6 @@ std::vector<std::pair<std::size_t, const SketchEntity*>> EntityIndex::inListOrde
   }
   std::sort(ordered.begin(), ordered.end());
   return ordered;
-}
-
-std::size_t EntityIndex::memoryUse() const {
-  return slots_.capacity() * sizeof(Slot) + table_.capacity() * sizeof(std::uint32_t) +
-         cells_.capacity() * sizeof(std::uint32_t) + chunks_.capacity() * sizeof(ChunkPlace) +
-         chunkNumbers_.size() * 48;
 }
 
 // --- Following the list
@@ -359,7 +350,7 @@ void EntityIndex::growTable() {
 void EntityIndex::setBounds(Slot& slot, const SketchEntity& entity) {
   const SketchBox box = entityBounds(entity);
   // Crossing tests let a segment reach a millionth of its length beyond its ends; so does its box.
-  const double slack = 2e-6 * std::max(box.maxX - box.minX, box.maxY - box.minY);
+  const double slack = 2e-6 * std::max(box.width(), box.height());
   slot.minX = roundedDown(box.minX - slack);
   slot.minY = roundedDown(box.minY - slack);
   slot.maxX = roundedUp(box.maxX + slack);

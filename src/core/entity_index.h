@@ -55,7 +55,6 @@ class EntityIndex {
   std::size_t positionOf(const Candidate& candidate) const;
 
   /// The bytes that the index itself takes.
-  std::size_t memoryUse() const;
 
  private:
   static constexpr std::uint32_t kNone = 0xFFFFFFFF;

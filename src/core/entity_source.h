@@ -46,9 +46,4 @@ class EntitySource {
   const EntityIndex* index_ = nullptr;
 };
 
-/// The box of all points within `reach` (sketch units) of a point.
-inline SketchBox boxAround(SketchPoint point, double reach) {
-  return {point.x - reach, point.y - reach, point.x + reach, point.y + reach};
-}
-
 }  // namespace ostrelon

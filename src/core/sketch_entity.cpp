@@ -4,14 +4,12 @@
 
 #include <array>
 #include <cmath>
-#include <numbers>
 
+#include "core/circle.h"
 #include "core/entity_list.h"
 
 namespace ostrelon {
 namespace {
-
-constexpr double kFullTurn = 2 * std::numbers::pi;
 
 struct KindNames {
   std::string_view kind;
@@ -25,8 +23,6 @@ constexpr std::array<KindNames, std::variant_size_v<SketchEntity>> kKindNames{{{
                                                                                {"arc", "Arc"},
                                                                                {"rectangle", "Rectangle"},
                                                                                {"polygon", "Polygon"}}};
-
-double degrees(double radians) { return radians * 180 / std::numbers::pi; }
 
 std::string segmentDescription(SketchPoint from, SketchPoint to) {
   return fmt::format("from ({:.1f}, {:.1f}) to ({:.1f}, {:.1f}) · L={:.1f}", from.x, from.y, to.x, to.y,
@@ -91,7 +87,7 @@ std::string entityDescription(const SketchEntity& entity, const std::optional<st
           },
           [](const ArcEntity& arc) {
             return fmt::format("arc center ({:.1f}, {:.1f}) · r={:.1f} · span={:.1f}°", arc.center.x,
-                               arc.center.y, arc.radius, degrees(arcSpan(arc.startAngle, arc.endAngle)));
+                               arc.center.y, arc.radius, degreesOf(arcSpan(arc.startAngle, arc.endAngle)));
           },
           [](const RectangleEntity& rectangle) {
             return fmt::format("rect origin ({:.1f}, {:.1f}) · {:.1f}×{:.1f}", rectangle.origin.x,
@@ -151,27 +147,6 @@ EntityMetrics entityMetrics(const SketchEntity& entity, std::optional<double> wa
                         },
                     },
                     entity);
-}
-
-double normalizedAngle(double angle) {
-  const double remainder = std::fmod(angle, kFullTurn);
-  if (remainder >= 0) return remainder;
-  // A remainder a hair below 0 would round up to the full turn itself.
-  const double turned = remainder + kFullTurn;
-  return turned < kFullTurn ? turned : 0;
-}
-
-double arcSpan(double startAngle, double endAngle) { return normalizedAngle(endAngle - startAngle); }
-
-double directionDegrees(double dx, double dy) {
-  const double angle = degrees(std::atan2(dy, dx));
-  if (angle >= 0) return angle;
-  const double turned = angle + 360;
-  return turned < 360 ? turned : 0;
-}
-
-SketchPoint pointOnCircle(SketchPoint center, double radius, double angle) {
-  return {center.x + radius * std::cos(angle), center.y + radius * std::sin(angle)};
 }
 
 double polygonPerimeter(const std::vector<SketchPoint>& vertices) {

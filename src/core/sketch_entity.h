@@ -140,14 +140,6 @@ struct EntityMetrics {
 
 EntityMetrics entityMetrics(const SketchEntity& entity, std::optional<double> wallThickness = std::nullopt);
 
-/// The floating remainder of an angle in radians by 2π, in 0 up to but not including 2π.
-double normalizedAngle(double angle);
-/// The counter-clockwise span between two angles, radians, 0 up to but not including 2π.
-double arcSpan(double startAngle, double endAngle);
-/// Direction of a vector in degrees, 0 up to but not including 360.
-double directionDegrees(double dx, double dy);
-/// The point of a circle at an angle in radians.
-SketchPoint pointOnCircle(SketchPoint center, double radius, double angle);
 /// Sum of all edges, the closing one included; 0 for fewer than 2 vertices.
 double polygonPerimeter(const std::vector<SketchPoint>& vertices);
 /// Absolute shoelace area; 0 for fewer than 3 vertices.

@@ -4,19 +4,17 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
+
+#include "core/circle.h"
 
 namespace ostrelon {
 namespace {
 
-constexpr double kPi = std::numbers::pi;
 // Extrusion directions this near to straight up or down lie in the plan.
 constexpr double kUprightTolerance = 1e-9;
 // A bulge smaller than this is a straight piece: the arc stays within 1e-12 of its chord's length.
 constexpr double kSmallestBulge = 1e-12;
 
-double radians(double degrees) { return degrees * kPi / 180; }
-bool isFinite(SketchPoint p) { return std::isfinite(p.x) && std::isfinite(p.y); }
 SketchPoint mirrored(SketchPoint p) { return {-p.x, p.y}; }
 
 bool addLine(const DxfObject& object, std::vector<SketchEntity>& entities) {
@@ -49,7 +47,7 @@ bool addArc(const DxfObject& object, std::vector<SketchEntity>& entities) {
   if (std::fmod(end - start, 360) == 0) {
     entities.emplace_back(CircleEntity{UUID::random(), center, radius});
   } else {
-    entities.emplace_back(ArcEntity{UUID::random(), center, radius, radians(start), radians(end)});
+    entities.emplace_back(ArcEntity{UUID::random(), center, radius, radiansOf(start), radiansOf(end)});
   }
   return true;
 }
@@ -58,12 +56,12 @@ bool addArc(const DxfObject& object, std::vector<SketchEntity>& entities) {
 /// is c (1 + b²) / (4 |b|), and the centre lies c (1 - b²) / (4 b) to the left of the chord's middle.
 std::optional<ArcEntity> bulgedArc(SketchPoint from, SketchPoint to, double bulge) {
   const SketchPoint chord = to - from;
-  const SketchPoint left{-chord.y, chord.x};
+  const SketchPoint left = perpendicular(chord);
   const SketchPoint center = (from + to) * 0.5 + left * ((1 - bulge * bulge) / (4 * bulge));
   const double radius = distanceBetween(from, to) * (1 + bulge * bulge) / (4 * std::abs(bulge));
   if (!isFinite(center) || !std::isfinite(radius)) return std::nullopt;
-  const double fromAngle = std::atan2(from.y - center.y, from.x - center.x);
-  const double toAngle = std::atan2(to.y - center.y, to.x - center.x);
+  const double fromAngle = angleFrom(center, from);
+  const double toAngle = angleFrom(center, to);
   return bulge > 0 ? ArcEntity{UUID::random(), center, radius, fromAngle, toAngle}
                    : ArcEntity{UUID::random(), center, radius, toAngle, fromAngle};
 }

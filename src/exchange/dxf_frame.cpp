@@ -101,8 +101,8 @@ void beginRow(DxfOutput& out, const DxfFrame& frame, std::string_view kind, DxfH
 
 void writeViewports(DxfOutput& out, const DxfFrame& frame) {
   const SketchBox& box = frame.bounds;
-  const double width = std::max(box.maxX - box.minX, 1.0);
-  const double height = std::max(box.maxY - box.minY, 1.0);
+  const double width = std::max(box.width(), 1.0);
+  const double height = std::max(box.height(), 1.0);
   beginTable(out, frame, "VPORT", kViewportTable, 1);
   beginRow(out, frame, "VPORT", kActiveViewport, kViewportTable, "AcDbViewportTableRecord");
   out.groups({{2, "*ACTIVE"}, {70, 0}});

@@ -40,11 +40,6 @@ SketchEntity scaled(const SketchEntity& entity, double factor) {
       entity);
 }
 
-bool isFinite(const SketchBox& box) {
-  return std::isfinite(box.minX) && std::isfinite(box.minY) && std::isfinite(box.maxX) &&
-         std::isfinite(box.maxY);
-}
-
 std::string counted(std::size_t count, std::string_view one, std::string_view many) {
   return fmt::format("{} {}", count, count == 1 ? one : many);
 }

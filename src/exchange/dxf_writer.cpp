@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "core/circle.h"
 #include "exchange/dxf_frame.h"
 #include "exchange/dxf_layers.h"
 #include "exchange/dxf_output.h"
@@ -17,13 +18,6 @@
 
 namespace ostrelon {
 namespace {
-
-double degrees(double radians) { return radians * 180 / std::numbers::pi; }
-
-bool isFinite(SketchPoint p) { return std::isfinite(p.x) && std::isfinite(p.y); }
-bool areFinite(std::span<const SketchPoint> points) {
-  return std::all_of(points.begin(), points.end(), [](SketchPoint p) { return isFinite(p); });
-}
 
 class EntityWriter {
  public:
@@ -111,8 +105,8 @@ class EntityWriter {
     out_.flatPoint(10, arc.center);
     out_.real(40, radius);
     if (is2000()) out_.text(100, "AcDbArc");
-    out_.real(50, degrees(normalizedAngle(arc.startAngle + turned)));
-    out_.real(51, degrees(normalizedAngle(arc.endAngle + turned)));
+    out_.real(50, degreesOf(normalizedAngle(arc.startAngle + turned)));
+    out_.real(51, degreesOf(normalizedAngle(arc.endAngle + turned)));
     return true;
   }
 

@@ -133,16 +133,14 @@ PicturePage ownSheet(const SketchBox& box, DrawingScale scale) {
   const double points = scale.pointsPerUnit();
   PicturePage page;
   page.margin = kOwnSheetMargin;
-  page.size = {(box.maxX - box.minX) * points + 2 * page.margin,
-               (box.maxY - box.minY) * points + 2 * page.margin};
+  page.size = {box.width() * points + 2 * page.margin, box.height() * points + 2 * page.margin};
   // Written so that what is not a number is refused too.
   if (!(page.size.width <= kLargestSheetSide && page.size.height <= kLargestSheetSide)) {
     throw PageLayoutError(
         fmt::format("At {} the drawing would be more than {:g} inches long. Choose a smaller scale.",
                     drawingScaleText(scale), kLargestSheetSide / kPointsPerInch));
   }
-  page.viewport.pan = {page.margin - box.minX * points, page.margin + box.maxY * points};
-  page.viewport.scale = points;
+  page.viewport = viewportWith({box.minX, box.maxY}, {page.margin, page.margin}, points);
   return page;
 }
 

@@ -40,28 +40,18 @@ constexpr double kPointScale = 48;
 constexpr double kSmallestRatio = 1e-3;
 constexpr double kLargestRatio = 1e6;
 
-SketchBox around(const SketchBox& a, const SketchBox& b) {
-  return {std::min(a.minX, b.minX), std::min(a.minY, b.minY), std::max(a.maxX, b.maxX),
-          std::max(a.maxY, b.maxY)};
-}
-
-bool isFinite(const SketchBox& box) {
-  return std::isfinite(box.minX) && std::isfinite(box.minY) && std::isfinite(box.maxX) &&
-         std::isfinite(box.maxY);
-}
-
 SketchBox paintedBox(const SketchEntity& entity, std::span<const WallSystemSpec> systems) {
   SketchBox box = entityBounds(entity);
   if (const auto* wall = std::get_if<WallEntity>(&entity)) {
     for (const SketchPoint corner : wallCorners(wall->from, wall->to, paintedWallThickness(*wall, systems))) {
-      box = around(box, {corner.x, corner.y, corner.x, corner.y});
+      box = box.united(corner);
     }
   } else if (const auto* arc = std::get_if<ArcEntity>(&entity)) {
     // The box of the entity is that of its whole circle.
     const std::vector<SketchPoint> points = arcPoints(*arc);
     if (points.empty()) return box;
-    box = {points[0].x, points[0].y, points[0].x, points[0].y};
-    for (const SketchPoint point : points) box = around(box, {point.x, point.y, point.x, point.y});
+    box = SketchBox::spanning(points[0], points[0]);
+    for (const SketchPoint point : points) box = box.united(point);
   }
   return box;
 }
@@ -81,8 +71,8 @@ PageLayout laidOut(const SketchBox& drawing, const PageSetup& setup, bool isLand
   if (!(room.width > 0) || !(room.height > 0)) {
     throw PageLayoutError(fmt::format("The margins leave no room on a sheet of {}.", setup.paper.name));
   }
-  const double width = drawing.maxX - drawing.minX;
-  const double height = drawing.maxY - drawing.minY;
+  const double width = drawing.width();
+  const double height = drawing.height();
   if (setup.scale) {
     layout.pointsPerUnit = setup.scale->pointsPerUnit();
     layout.columns = sheets(width * layout.pointsPerUnit, room.width);
@@ -262,7 +252,7 @@ std::optional<SketchBox> paintedBounds(const EntityList& entities, std::span<con
     if (polygon != nullptr && polygon->vertices.empty()) continue;
     const SketchBox box = paintedBox(entity, systems);
     if (!isFinite(box)) continue;
-    all = all ? around(*all, box) : box;
+    all = all ? all->united(box) : box;
   }
   return all;
 }
@@ -271,20 +261,11 @@ SketchViewport PageLayout::viewport(int pageIndex) const {
   const SketchSize room = printable();
   const int column = pageIndex % columns;
   const int row = pageIndex / columns;
-  const double width = (drawing.maxX - drawing.minX) * pointsPerUnit;
-  const double height = (drawing.maxY - drawing.minY) * pointsPerUnit;
+  const double width = drawing.width() * pointsPerUnit;
+  const double height = drawing.height() * pointsPerUnit;
   const double left = margin + (columns * room.width - width) / 2 - column * room.width;
   const double top = margin + (rows * room.height - height) / 2 - row * room.height;
-  SketchViewport viewport;
-  viewport.pan = {left - drawing.minX * pointsPerUnit, top + drawing.maxY * pointsPerUnit};
-  viewport.scale = pointsPerUnit;
-  return viewport;
-}
-
-SketchBox PageLayout::sketchRect(int pageIndex) const {
-  const SketchViewport view = viewport(pageIndex);
-  return {(margin - view.pan.x) / pointsPerUnit, (view.pan.y - (page.height - margin)) / pointsPerUnit,
-          (page.width - margin - view.pan.x) / pointsPerUnit, (view.pan.y - margin) / pointsPerUnit};
+  return viewportWith({drawing.minX, drawing.maxY}, {left, top}, pointsPerUnit);
 }
 
 PageLayout layOutPages(const std::optional<SketchBox>& drawing, const PageSetup& setup) {
@@ -293,7 +274,7 @@ PageLayout layOutPages(const std::optional<SketchBox>& drawing, const PageSetup&
   if (setup.orientation == PageOrientation::automatic) {
     const PageLayout turned = laidOut(box, setup, true);
     // Where both ways take as many sheets at the same scale, the sheet lies as the drawing does.
-    const bool isWide = box.maxX - box.minX > box.maxY - box.minY;
+    const bool isWide = box.width() > box.height();
     const bool isBetter = setup.scale ? turned.pageCount() < best.pageCount() ||
                                             (isWide && turned.pageCount() == best.pageCount())
                                       : turned.pointsPerUnit > best.pointsPerUnit;

@@ -91,8 +91,6 @@ struct PageLayout {
   /// From sketch units to the points of a page, counted row by row from the top left. The drawing is
   /// centred on the sheets put together.
   SketchViewport viewport(int pageIndex) const;
-  /// The part of the drawing that a page shows, sketch units.
-  SketchBox sketchRect(int pageIndex) const;
 };
 
 /// More sheets than this are refused.

@@ -59,8 +59,6 @@ int thousandthsOf(double opacity) {
   return static_cast<int>(std::lround(std::clamp(opacity, 0.0, 1.0) * 1000));
 }
 
-bool isFinite(SketchPoint point) { return std::isfinite(point.x) && std::isfinite(point.y); }
-
 }  // namespace
 
 // The objects of the file and where they lie.
@@ -170,7 +168,7 @@ class PdfWriter::Page final : public CanvasPainter {
     file_.addPage(page);
   }
 
-  void clip(const ViewRect& rect) {
+  void clip(const SketchBox& rect) {
     endStrokes();
     rectangle(rect);
     text_ += "W n\n";
@@ -198,7 +196,7 @@ class PdfWriter::Page final : public CanvasPainter {
     endStroke();
   }
 
-  void strokeRoundedRect(const ViewRect& rect, double cornerRadius, const Stroke& stroke) override {
+  void strokeRoundedRect(const SketchBox& rect, double cornerRadius, const Stroke& stroke) override {
     beginStroke(stroke);
     roundedRectangle(rect, cornerRadius);
     endStroke();
@@ -218,7 +216,7 @@ class PdfWriter::Page final : public CanvasPainter {
     compressWhenFull();
   }
 
-  void fillRoundedRect(const ViewRect& rect, double cornerRadius, const Fill& fill) override {
+  void fillRoundedRect(const SketchBox& rect, double cornerRadius, const Fill& fill) override {
     beginFill(fill);
     roundedRectangle(rect, cornerRadius);
     text_ += "f\n";
@@ -330,7 +328,7 @@ class PdfWriter::Page final : public CanvasPainter {
   void pieces(const CanvasPath& path) {
     for (const CanvasPath::Piece& piece : path.pieces()) {
       const auto points = path.points(piece);
-      if (points.empty() || !std::all_of(points.begin(), points.end(), isFinite)) continue;
+      if (points.empty() || !areFinite(points)) continue;
       moveTo(points.front());
       for (const SketchPoint at : points.subspan(1)) {
         lineTo(at);
@@ -343,17 +341,17 @@ class PdfWriter::Page final : public CanvasPainter {
   void circle(const CanvasEllipse& ellipse) {
     const auto [center, radius] = ellipse;
     if (!isFinite(center) || !std::isfinite(radius)) return;
-    const ViewRect box = ViewRect::centered(center, radius);
+    const SketchBox box = SketchBox::centered(center, radius);
     roundedRectangle(box, radius);
   }
 
-  void rectangle(const ViewRect& rect) {
+  void rectangle(const SketchBox& rect) {
     for (const double part : {rect.minX, rect.minY, rect.width(), rect.height()}) number(part);
     text_ += "re\n";
   }
 
-  void roundedRectangle(const ViewRect& rect, double cornerRadius) {
-    if (!isFinite({rect.minX, rect.minY}) || !isFinite({rect.maxX, rect.maxY})) return;
+  void roundedRectangle(const SketchBox& rect, double cornerRadius) {
+    if (!isFinite(rect)) return;
     const double radius = std::min({cornerRadius, rect.width() / 2, rect.height() / 2});
     if (!(radius > 0)) {
       rectangle(rect);
@@ -416,7 +414,7 @@ CanvasPainter& PdfWriter::beginPage(SketchSize size) {
   return *page_;
 }
 
-void PdfWriter::clip(const ViewRect& rect) { page_->clip(rect); }
+void PdfWriter::clip(const SketchBox& rect) { page_->clip(rect); }
 
 void PdfWriter::finish() {
   if (page_) page_->finish();

@@ -34,7 +34,7 @@ class PdfWriter {
   /// corner, y pointing down, and serves until the next page. Numbers that are not finite paint nothing.
   CanvasPainter& beginPage(SketchSize size);
   /// What is painted on this page from now on shows within the rectangle alone.
-  void clip(const ViewRect& rect);
+  void clip(const SketchBox& rect);
   /// Ends the file. Nothing can be painted afterwards.
   void finish();
 

@@ -27,10 +27,10 @@ CanvasFrame pictureFrame(const PicturePage& page, const ExportOptions& options) 
   return {{page.viewport, page.size}, exportPalette(options.theme)};
 }
 
-ViewRect paintedPart(const PicturePage& page) {
+SketchBox paintedPart(const PicturePage& page) {
   constexpr double kLineRoom = 2;
   const double margin = page.hasNeighbors ? page.margin : std::max(0.0, page.margin - kLineRoom);
-  return ViewRect{0, 0, page.size.width, page.size.height}.grown(-margin);
+  return SketchBox{0, 0, page.size.width, page.size.height}.grown(-margin);
 }
 
 void paintDrawing(CanvasPainter& painter, const PicturePage& page, const EntityList& entities,

@@ -25,7 +25,7 @@ CanvasFrame pictureFrame(const PicturePage& page, const ExportOptions& options);
 
 /// The part of the page within its margins. A sheet among others ends where the next begins; on one alone
 /// the width of a line at the very edge of the drawing may reach out.
-ViewRect paintedPart(const PicturePage& page);
+SketchBox paintedPart(const PicturePage& page);
 
 /// The grid, where it is asked for, and the entities that show within the painted part. What reaches
 /// beyond it is left to the painter's clip.

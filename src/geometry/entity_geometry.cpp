@@ -4,6 +4,9 @@
 #include <cmath>
 #include <limits>
 
+#include "core/circle.h"
+#include "core/sketch_box.h"
+
 namespace ostrelon {
 
 bool angleInArcSpan(double angle, double startAngle, double endAngle) {
@@ -18,10 +21,9 @@ bool angleInArcSpan(double angle, double startAngle, double endAngle) {
 std::vector<SketchPoint> arcPoints(const ArcEntity& arc) {
   const double span = arcSpan(arc.startAngle, arc.endAngle);
   std::vector<SketchPoint> points;
-  points.reserve(kArcSampleSteps + 1);
-  for (int i = 0; i <= kArcSampleSteps; ++i) {
-    points.push_back(pointOnCircle(arc.center, arc.radius, arc.startAngle + span * i / kArcSampleSteps));
-  }
+  points.reserve(kArcSteps + 1);
+  visitArcPoints(arc.center, arc.radius, arc.startAngle, span,
+                 [&points](SketchPoint point) { points.push_back(point); });
   return points;
 }
 
@@ -56,9 +58,9 @@ double distanceToSegment(SketchPoint point, SketchPoint start, SketchPoint end) 
 }
 
 double distanceToRectangle(SketchPoint point, SketchPoint origin, SketchSize size) {
-  const auto [minX, maxX] = std::minmax({origin.x, origin.x + size.width});
-  const auto [minY, maxY] = std::minmax({origin.y, origin.y + size.height});
-  if (minX <= point.x && point.x <= maxX && minY <= point.y && point.y <= maxY) {
+  const SketchBox box = SketchBox::spanning(origin, size);
+  const auto [minX, minY, maxX, maxY] = box;
+  if (box.contains(point)) {
     return std::min({maxY - point.y, point.y - minY, maxX - point.x, point.x - minX});
   }
   const SketchPoint nearest{std::min(std::max(point.x, minX), maxX), std::min(std::max(point.y, minY), maxY)};
@@ -84,7 +86,7 @@ double distanceToEntity(const SketchEntity& entity, SketchPoint point) {
           [&](const WallEntity& wall) { return distanceToSegment(point, wall.from, wall.to); },
           [&](const CircleEntity& circle) { return toCircle(circle.center, circle.radius); },
           [&](const ArcEntity& arc) {
-            const double angle = std::atan2(point.y - arc.center.y, point.x - arc.center.x);
+            const double angle = angleFrom(arc.center, point);
             if (angleInArcSpan(angle, arc.startAngle, arc.endAngle)) return toCircle(arc.center, arc.radius);
             return std::min(distanceBetween(point, pointOnCircle(arc.center, arc.radius, arc.startAngle)),
                             distanceBetween(point, pointOnCircle(arc.center, arc.radius, arc.endAngle)));
@@ -98,12 +100,9 @@ double distanceToEntity(const SketchEntity& entity, SketchPoint point) {
 }
 
 SketchPoint entityCentroid(const SketchEntity& entity) {
-  const auto middle = [](SketchPoint a, SketchPoint b) {
-    return SketchPoint{(a.x + b.x) / 2, (a.y + b.y) / 2};
-  };
   return std::visit(Overloaded{
-                        [&](const LineEntity& line) { return middle(line.from, line.to); },
-                        [&](const WallEntity& wall) { return middle(wall.from, wall.to); },
+                        [](const LineEntity& line) { return middleOf(line.from, line.to); },
+                        [](const WallEntity& wall) { return middleOf(wall.from, wall.to); },
                         [](const CircleEntity& circle) { return circle.center; },
                         [](const ArcEntity& arc) { return arc.center; },
                         [](const RectangleEntity& rectangle) {

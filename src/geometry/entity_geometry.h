@@ -2,7 +2,6 @@
 // radians. Nothing here fails and nothing keeps state.
 #pragma once
 
-#include <numbers>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -18,15 +17,9 @@ inline constexpr double kGeometryEpsilon = 1e-6;
 /// A parameter along a segment counts as on it between these two.
 inline constexpr double kGeometryParameterMin = -1e-6;
 inline constexpr double kGeometryParameterMax = 1.000001;
-inline constexpr double kFullTurn = 2 * std::numbers::pi;
-/// Steps in which arcs and circles are sampled.
-inline constexpr int kArcSampleSteps = 32;
 
 using Segment = std::pair<SketchPoint, SketchPoint>;
 
-constexpr double dot(SketchPoint a, SketchPoint b) { return a.x * b.x + a.y * b.y; }
-constexpr double cross(SketchPoint a, SketchPoint b) { return a.x * b.y - a.y * b.x; }
-constexpr double squaredLength(SketchPoint a) { return dot(a, a); }
 constexpr bool isSegmentParameter(double t) {
   return t >= kGeometryParameterMin && t <= kGeometryParameterMax;
 }

@@ -10,7 +10,7 @@ std::optional<EntityPick> pickEntityAtPoint(const EntitySource& entities, Sketch
   double bestDistance = 0;
   // Walking forwards, a later entity wins ties; that is the same as walking backwards and letting
   // only a strictly nearer one win.
-  entities.visitNear(boxAround(point, tolerance), [&](const SketchEntity& entity, std::size_t) {
+  entities.visitNear(SketchBox::centered(point, tolerance), [&](const SketchEntity& entity, std::size_t) {
     const double distance = distanceToEntity(entity, point);
     if (!(distance <= tolerance)) return;
     if (best != nullptr && !(distance <= bestDistance)) return;

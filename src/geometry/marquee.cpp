@@ -1,26 +1,13 @@
 #include "geometry/marquee.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
+#include "core/circle.h"
 #include "geometry/entity_geometry.h"
 
 namespace ostrelon {
 namespace {
-
-using Corners = std::array<SketchPoint, 4>;
-
-// From the lower left, counter-clockwise: the sides are bottom, right, top, left.
-Corners cornersOf(const QueryRect& rect) {
-  return {{{rect.minX, rect.minY}, {rect.maxX, rect.minY}, {rect.maxX, rect.maxY}, {rect.minX, rect.maxY}}};
-}
-
-QueryRect normalized(SketchPoint origin, SketchSize size) {
-  const auto [minX, maxX] = std::minmax({origin.x, origin.x + size.width});
-  const auto [minY, maxY] = std::minmax({origin.y, origin.y + size.height});
-  return {minX, minY, maxX, maxY};
-}
 
 bool segmentsCross(SketchPoint a, SketchPoint b, SketchPoint c, SketchPoint d) {
   const SketchPoint first = b - a;
@@ -43,7 +30,7 @@ bool sideMeetsCircle(SketchPoint start, SketchPoint end, SketchPoint center, dou
   return isSegmentParameter((-b - root) / (2 * a)) || isSegmentParameter((-b + root) / (2 * a));
 }
 
-bool containsAll(const QueryRect& rect, const std::vector<SketchPoint>& points) {
+bool containsAll(const SketchBox& rect, std::span<const SketchPoint> points) {
   return !points.empty() && std::all_of(points.begin(), points.end(),
                                         [&](SketchPoint point) { return rectContains(rect, point); });
 }
@@ -52,36 +39,36 @@ bool hasSpan(const ArcEntity& arc) { return arcSpan(arc.startAngle, arc.endAngle
 
 }  // namespace
 
-bool rectContains(const QueryRect& rect, SketchPoint point) {
+bool rectContains(const SketchBox& rect, SketchPoint point) {
   return rect.minX <= point.x && point.x < rect.maxX && rect.minY <= point.y && point.y < rect.maxY;
 }
 
-bool segmentIntersectsRect(SketchPoint start, SketchPoint end, const QueryRect& rect) {
+bool segmentIntersectsRect(SketchPoint start, SketchPoint end, const SketchBox& rect) {
   if (rectContains(rect, start) || rectContains(rect, end)) return true;
-  const Corners corners = cornersOf(rect);
+  const auto corners = rect.corners();
   for (std::size_t side = 0; side < corners.size(); ++side) {
     if (segmentsCross(start, end, corners[side], corners[(side + 1) % corners.size()])) return true;
   }
   return false;
 }
 
-bool circleIntersectsRect(SketchPoint center, double radius, const QueryRect& rect) {
+bool circleIntersectsRect(SketchPoint center, double radius, const SketchBox& rect) {
   if (!(radius > 0)) return false;
   const bool overlaps = center.x - radius < rect.maxX && center.x + radius > rect.minX &&
                         center.y - radius < rect.maxY && center.y + radius > rect.minY &&
                         rect.minX < rect.maxX && rect.minY < rect.maxY;
   if (!overlaps) return false;
-  for (int i = 0; i < kArcSampleSteps; ++i) {
-    if (rectContains(rect, pointOnCircle(center, radius, kFullTurn * i / kArcSampleSteps))) return true;
+  for (int i = 0; i < kArcSteps; ++i) {
+    if (rectContains(rect, pointOnCircle(center, radius, kFullTurn * i / kArcSteps))) return true;
   }
-  const Corners corners = cornersOf(rect);
+  const auto corners = rect.corners();
   for (std::size_t side = 0; side < corners.size(); ++side) {
     if (sideMeetsCircle(corners[side], corners[(side + 1) % corners.size()], center, radius)) return true;
   }
   return false;
 }
 
-bool polylineIntersectsRect(const std::vector<SketchPoint>& points, const QueryRect& rect) {
+bool polylineIntersectsRect(const std::vector<SketchPoint>& points, const SketchBox& rect) {
   if (points.size() == 1) return rectContains(rect, points.front());
   for (std::size_t i = 1; i < points.size(); ++i) {
     if (segmentIntersectsRect(points[i - 1], points[i], rect)) return true;
@@ -89,15 +76,15 @@ bool polylineIntersectsRect(const std::vector<SketchPoint>& points, const QueryR
   return false;
 }
 
-bool rectangleIntersectsRect(SketchPoint origin, SketchSize size, const QueryRect& rect) {
-  const Corners corners = cornersOf(normalized(origin, size));
+bool rectangleIntersectsRect(SketchPoint origin, SketchSize size, const SketchBox& rect) {
+  const auto corners = SketchBox::spanning(origin, size).corners();
   for (std::size_t side = 0; side < corners.size(); ++side) {
     if (segmentIntersectsRect(corners[side], corners[(side + 1) % corners.size()], rect)) return true;
   }
   return false;
 }
 
-bool entityIntersectsRect(const SketchEntity& entity, const QueryRect& rect) {
+bool entityIntersectsRect(const SketchEntity& entity, const SketchBox& rect) {
   return std::visit(
       Overloaded{
           [&](const LineEntity& line) { return segmentIntersectsRect(line.from, line.to, rect); },
@@ -116,7 +103,7 @@ bool entityIntersectsRect(const SketchEntity& entity, const QueryRect& rect) {
       entity);
 }
 
-bool entityContainedInRect(const SketchEntity& entity, const QueryRect& rect) {
+bool entityContainedInRect(const SketchEntity& entity, const SketchBox& rect) {
   return std::visit(
       Overloaded{
           [&](const LineEntity& line) {
@@ -133,22 +120,22 @@ bool entityContainedInRect(const SketchEntity& entity, const QueryRect& rect) {
           },
           [&](const ArcEntity& arc) { return hasSpan(arc) && containsAll(rect, arcPoints(arc)); },
           [&](const RectangleEntity& rectangle) {
-            const Corners corners = cornersOf(normalized(rectangle.origin, rectangle.size));
-            return containsAll(rect, {corners.begin(), corners.end()});
+            const auto corners = SketchBox::spanning(rectangle.origin, rectangle.size).corners();
+            return containsAll(rect, corners);
           },
           [&](const PolygonEntity& polygon) { return containsAll(rect, polygon.vertices.list()); },
       },
       entity);
 }
 
-std::unordered_set<UUID> entitiesInMarquee(const EntitySource& entities, const QueryRect& rect,
+std::unordered_set<UUID> entitiesInMarquee(const EntitySource& entities, const SketchBox& rect,
                                            bool isCrossing) {
   std::unordered_set<UUID> hits;
-  if (!(rect.maxX - rect.minX > 0) && !(rect.maxY - rect.minY > 0)) return hits;
+  if (!(rect.width() > 0) && !(rect.height() > 0)) return hits;
   // The tests reach a hair beyond the rectangle, as far as their tolerances along a segment do, so a
   // crossing test looks at every entity that touches a box wider by more than that.
-  const double reach = 1e-3 * (1 + std::max(rect.maxX - rect.minX, rect.maxY - rect.minY));
-  const SketchBox box{rect.minX - reach, rect.minY - reach, rect.maxX + reach, rect.maxY + reach};
+  const double reach = 1e-3 * (1 + std::max(rect.width(), rect.height()));
+  const SketchBox box = rect.grown(reach);
   entities.visitNear(box, [&](const SketchEntity& entity, std::size_t) {
     if (isCrossing ? entityIntersectsRect(entity, rect) : entityContainedInRect(entity, rect)) {
       hits.insert(entityID(entity));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/circle.h"
 #include "geometry/entity_geometry.h"
 
 namespace ostrelon {

@@ -5,6 +5,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/circle.h"
+#include "core/half_plane.h"
+#include "core/sketch_box.h"
+
 namespace ostrelon {
 namespace {
 
@@ -39,10 +43,6 @@ SketchEntity withSegment(SketchEntity entity, SketchPoint from, SketchPoint to) 
     line->to = to;
   }
   return entity;
-}
-
-double angleFrom(SketchPoint center, SketchPoint point) {
-  return std::atan2(point.y - center.y, point.x - center.x);
 }
 
 TrimGeometry replaced(SketchEntity entity) { return TrimOutcome(TrimReplace{std::move(entity)}); }
@@ -105,7 +105,7 @@ TrimGeometry trimCircleByCircle(const UUID& id, const Circle& target, const Circ
   const double halfChordSquared = target.radius * target.radius - m * m;
   if (!(halfChordSquared >= 0)) return TrimFailure::noIntersection;
   const SketchPoint foot = target.center + between * (m / distance);
-  const SketchPoint along = SketchPoint{-between.y, between.x} * (std::sqrt(halfChordSquared) / distance);
+  const SketchPoint along = perpendicular(between) * (std::sqrt(halfChordSquared) / distance);
   const auto hits = segmentCircleIntersections(foot + along, foot - along, target.center, target.radius);
   if (hits.size() != 2) return TrimFailure::noIntersection;
   return keptBetweenHits(id, target, hits, point);
@@ -155,7 +155,7 @@ std::string trimResultMessage(const TrimResult& result) {
       return "Trim target and cutting edge must be different entities.";
     case TrimResult::Code::targetNotTrimmable:
     case TrimResult::Code::edgeNotTrimmable:
-      return "Entity type cannot be trimmed.";
+      break;
     case TrimResult::Code::noIntersection:
       return "Segments do not intersect.";
     case TrimResult::Code::intersectionAtEndpoint:
@@ -164,7 +164,6 @@ std::string trimResultMessage(const TrimResult& result) {
       return fmt::format("Entity {} trimmed at intersection with Entity {}.", result.targetNumber,
                          result.edgeNumber);
   }
-  // Codes 5 and 6 are kept free and read as code 3.
   return "Entity type cannot be trimmed.";
 }
 
@@ -228,17 +227,16 @@ TrimOutcome keptArc(const UUID& id, SketchPoint center, double radius, double a,
 
 std::optional<RectangleEntity> rectangleFromCorners(const std::vector<SketchPoint>& corners, const UUID& id) {
   if (corners.size() != 4) return std::nullopt;
-  const auto [minX, maxX] = std::minmax({corners[0].x, corners[1].x, corners[2].x, corners[3].x});
-  const auto [minY, maxY] = std::minmax({corners[0].y, corners[1].y, corners[2].y, corners[3].y});
+  const SketchBox box =
+      SketchBox::spanning(corners[0], corners[1]).united(SketchBox::spanning(corners[2], corners[3]));
   // Each corner stands once: a triangle that was cut through a corner has four points of two values
   // of x and two of y as well.
-  for (const SketchPoint& corner :
-       {SketchPoint{minX, minY}, SketchPoint{maxX, minY}, SketchPoint{maxX, maxY}, SketchPoint{minX, maxY}}) {
+  for (const SketchPoint& corner : box.corners()) {
     if (std::count(corners.begin(), corners.end(), corner) != 1) return std::nullopt;
   }
-  const SketchSize size{maxX - minX, maxY - minY};
+  const SketchSize size{box.width(), box.height()};
   if (!(size.width > kGeometryEpsilon) || !(size.height > kGeometryEpsilon)) return std::nullopt;
-  return RectangleEntity{id, {minX, minY}, size};
+  return RectangleEntity{id, {box.minX, box.minY}, size};
 }
 
 std::vector<SketchPoint> clipPolygonByLine(const std::vector<SketchPoint>& vertices, const Segment& line,
@@ -246,7 +244,7 @@ std::vector<SketchPoint> clipPolygonByLine(const std::vector<SketchPoint>& verti
   const SketchPoint direction = line.second - line.first;
   const double length = distanceBetween(line.first, line.second);
   // The left normal, turned so that it points away from the point.
-  SketchPoint normal = SketchPoint{-direction.y, direction.x} * (1 / length);
+  SketchPoint normal = perpendicular(direction) * (1 / length);
   // The cross product is exact for a point at either end of the line, where the unit normal rounds.
   if (cross(direction, point - line.first) >= 0) normal = normal * -1.0;
   const auto signedDistance = [&](SketchPoint vertex) { return dot(vertex - line.first, normal); };
@@ -260,16 +258,8 @@ std::vector<SketchPoint> clipPolygonByLine(const std::vector<SketchPoint>& verti
     return SketchPoint{direction.x == 0 ? line.first.x : previous.x + edge.x * t,
                        direction.y == 0 ? line.first.y : previous.y + edge.y * t};
   };
-  std::vector<SketchPoint> kept;
-  for (std::size_t i = 0; i < vertices.size(); ++i) {
-    const SketchPoint previous = vertices[(i + vertices.size() - 1) % vertices.size()];
-    const SketchPoint vertex = vertices[i];
-    const bool wasInside = signedDistance(previous) >= -kGeometryEpsilon;
-    const bool isInside = signedDistance(vertex) >= -kGeometryEpsilon;
-    if (wasInside != isInside) kept.push_back(crossing(previous, vertex));
-    if (isInside) kept.push_back(vertex);
-  }
-  return kept;
+  return cutByHalfPlane(
+      vertices, [&](SketchPoint vertex) { return signedDistance(vertex) >= -kGeometryEpsilon; }, crossing);
 }
 
 TrimGeometry trimSegment(const SketchEntity& target, const SketchEntity& cutter, SketchPoint point) {

@@ -89,8 +89,7 @@ TrimOutcome keptArc(const UUID& id, SketchPoint center, double radius, double a,
 std::optional<RectangleEntity> rectangleFromCorners(const std::vector<SketchPoint>& corners, const UUID& id);
 
 /// The part of a polygon on the side of an infinite line that does not hold `point` (a point on the
-/// line counts as to the left of its direction). The line must have a length. (One edge of Sutherland
-/// and Hodgman, "Reentrant polygon clipping", 1974.)
+/// line counts as to the left of its direction). The line must have a length.
 std::vector<SketchPoint> clipPolygonByLine(const std::vector<SketchPoint>& vertices, const Segment& line,
                                            SketchPoint point);
 

@@ -1,7 +1,8 @@
 #include "interaction/axis_directions.h"
 
 #include <cmath>
-#include <numbers>
+
+#include "core/circle.h"
 
 namespace ostrelon {
 
@@ -17,14 +18,11 @@ SketchPoint unitVector(double degrees) {
   if (within == 90) return {0, 1};
   if (within == 180) return {-1, 0};
   if (within == 270) return {0, -1};
-  const double radians = within * std::numbers::pi / 180;
+  const double radians = radiansOf(within);
   return {std::cos(radians), std::sin(radians)};
 }
 
-double alongDirection(SketchPoint vector, double degrees) {
-  const SketchPoint direction = unitVector(degrees);
-  return vector.x * direction.x + vector.y * direction.y;
-}
+double alongDirection(SketchPoint vector, double degrees) { return dot(vector, unitVector(degrees)); }
 
 SketchPoint pointAlongAxis(SketchPoint start, double degrees, double length) {
   const SketchPoint end = start + unitVector(degrees) * length;

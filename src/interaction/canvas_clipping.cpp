@@ -1,49 +1,37 @@
 #include "interaction/canvas_clipping.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <numbers>
+
+#include "core/circle.h"
+#include "core/half_plane.h"
 
 namespace ostrelon {
 
 namespace {
 
-constexpr double kFullTurn = 2 * std::numbers::pi;
 /// How far, in view points, a polyline may leave the circle that it stands for.
 constexpr double kCirclePrecision = 0.05;
 
 /// The polygon's part on the side of the line where `inside` is not negative. `inside` is linear.
 template <class Side>
-std::vector<SketchPoint> cutPolygon(const std::vector<SketchPoint>& polygon, const Side& inside) {
-  std::vector<SketchPoint> kept;
-  kept.reserve(polygon.size() + 1);
-  for (std::size_t i = 0; i < polygon.size(); ++i) {
-    const SketchPoint a = polygon[i];
-    const SketchPoint b = polygon[(i + 1) % polygon.size()];
-    const double sideA = inside(a);
-    const double sideB = inside(b);
-    if (sideA >= 0) kept.push_back(a);
-    if ((sideA >= 0) != (sideB >= 0)) kept.push_back(a + (b - a) * (sideA / (sideA - sideB)));
-  }
-  return kept;
-}
-
-std::vector<SketchPoint> corners(const ViewRect& box) {
-  return {{box.minX, box.minY}, {box.maxX, box.minY}, {box.maxX, box.maxY}, {box.minX, box.maxY}};
+std::vector<SketchPoint> cutPolygon(std::span<const SketchPoint> polygon, const Side& inside) {
+  return cutByHalfPlane(
+      polygon, [&inside](SketchPoint p) { return inside(p) >= 0; },
+      [&inside](SketchPoint a, SketchPoint b) {
+        const double sideA = inside(a);
+        return a + (b - a) * (sideA / (sideA - inside(b)));
+      });
 }
 
 /// The point itself, but for what rounding has added to a point that lies in the box.
-SketchPoint within(SketchPoint point, const ViewRect& box) {
+SketchPoint within(SketchPoint point, const SketchBox& box) {
   return {std::clamp(point.x, box.minX, box.maxX), std::clamp(point.y, box.minY, box.maxY)};
 }
 
-SketchPoint circlePoint(SketchPoint center, double radius, double angle) {
-  return {center.x + radius * std::cos(angle), center.y + radius * std::sin(angle)};
-}
-
 /// The angles, ascending and from 0 to 2π, at which the circle meets the four lines of the box.
-std::vector<double> crossingAngles(SketchPoint center, double radius, const ViewRect& box) {
+std::vector<double> crossingAngles(SketchPoint center, double radius, const SketchBox& box) {
   std::vector<double> angles{0, kFullTurn};
   const auto add = [&angles](double angle) { angles.push_back(angle < 0 ? angle + kFullTurn : angle); };
   for (const double x : {box.minX, box.maxX}) {
@@ -66,9 +54,7 @@ std::vector<double> crossingAngles(SketchPoint center, double radius, const View
 
 }  // namespace
 
-bool isFinite(SketchPoint point) { return std::isfinite(point.x) && std::isfinite(point.y); }
-
-std::optional<CanvasSegment> clippedSegment(const CanvasSegment& segment, const ViewRect& box) {
+std::optional<CanvasSegment> clippedSegment(const CanvasSegment& segment, const SketchBox& box) {
   const auto [from, to] = segment;
   if (box.contains(from) && box.contains(to)) return segment;
   const SketchPoint d = to - from;
@@ -93,7 +79,7 @@ std::optional<CanvasSegment> clippedSegment(const CanvasSegment& segment, const 
                        end < 1 ? within(from + d * end, box) : to};
 }
 
-void addClippedPolyline(std::span<const SketchPoint> points, bool closed, const ViewRect& box,
+void addClippedPolyline(std::span<const SketchPoint> points, bool closed, const SketchBox& box,
                         CanvasPath& path) {
   if (points.empty()) return;
   if (std::all_of(points.begin(), points.end(), [&box](SketchPoint p) { return box.contains(p); })) {
@@ -117,9 +103,9 @@ void addClippedPolyline(std::span<const SketchPoint> points, bool closed, const 
   }
 }
 
-std::vector<SketchPoint> clippedPolygon(std::span<const SketchPoint> vertices, const ViewRect& box) {
+std::vector<SketchPoint> clippedPolygon(std::span<const SketchPoint> vertices, const SketchBox& box) {
   std::vector<SketchPoint> polygon(vertices.begin(), vertices.end());
-  if (!std::all_of(polygon.begin(), polygon.end(), isFinite)) return {};
+  if (!areFinite(polygon)) return {};
   if (std::all_of(polygon.begin(), polygon.end(), [&box](SketchPoint p) { return box.contains(p); })) {
     return polygon;
   }
@@ -131,16 +117,16 @@ std::vector<SketchPoint> clippedPolygon(std::span<const SketchPoint> vertices, c
   return polygon;
 }
 
-void addClippedCircle(SketchPoint center, double radius, const ViewRect& box, CanvasPath& path) {
+void addClippedCircle(SketchPoint center, double radius, const SketchBox& box, CanvasPath& path) {
   if (!isFinite(center) || !std::isfinite(radius) || radius <= 0) return;
   const std::vector<double> angles = crossingAngles(center, radius, box);
   // A chord over an angle leaves its circle by radius · (1 − cos(angle / 2)), about radius · angle² / 8.
   const double step = std::min(std::numbers::pi / 8, std::sqrt(8 * kCirclePrecision / radius));
-  const auto at = [&](double angle) { return within(circlePoint(center, radius, angle), box); };
+  const auto at = [&](double angle) { return within(pointOnCircle(center, radius, angle), box); };
   std::optional<double> reached;
   for (std::size_t i = 0; i + 1 < angles.size(); ++i) {
     const double span = angles[i + 1] - angles[i];
-    const SketchPoint middle = circlePoint(center, radius, angles[i] + span / 2);
+    const SketchPoint middle = pointOnCircle(center, radius, angles[i] + span / 2);
     // The middle decides; the ends lie on the box itself, where rounding would.
     if (span <= 0 || !box.contains(middle)) continue;
     if (!reached || *reached != angles[i]) {
@@ -153,10 +139,11 @@ void addClippedCircle(SketchPoint center, double radius, const ViewRect& box, Ca
   }
 }
 
-std::vector<SketchPoint> clippedDisc(SketchPoint center, double radius, const ViewRect& box) {
+std::vector<SketchPoint> clippedDisc(SketchPoint center, double radius, const SketchBox& box) {
   CanvasPath edge;
   addClippedCircle(center, radius, box, edge);
-  std::vector<SketchPoint> polygon = corners(box);
+  const auto corners = box.corners();
+  std::vector<SketchPoint> polygon(corners.begin(), corners.end());
   if (edge.empty()) {
     // No edge is seen: the box lies wholly within the disc or wholly outside it.
     return distanceBetween(box.center(), center) <= radius ? polygon : std::vector<SketchPoint>{};
@@ -167,7 +154,7 @@ std::vector<SketchPoint> clippedDisc(SketchPoint center, double radius, const Vi
     for (std::size_t i = 0; i + 1 < points.size(); ++i) {
       const SketchPoint p = points[i];
       const SketchPoint d = points[i + 1] - p;
-      polygon = cutPolygon(polygon, [p, d](SketchPoint q) { return d.x * (q.y - p.y) - d.y * (q.x - p.x); });
+      polygon = cutPolygon(polygon, [p, d](SketchPoint q) { return cross(d, q - p); });
     }
   }
   return polygon;

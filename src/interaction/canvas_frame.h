@@ -16,16 +16,16 @@ struct CanvasFrame {
   CanvasTransform transform;
   ThemePalette palette;
   /// Only what touches this part is painted; absent: the whole canvas. View points.
-  std::optional<ViewRect> part = std::nullopt;
+  std::optional<SketchBox> part = std::nullopt;
   /// Device pixels a view point, to put grid lines on pixel centres; 0 leaves them where they are.
   double gridPixelRatio = 0;
 
   SketchPoint toView(SketchPoint point) const { return sketchPointToView(point, transform.viewport); }
   double scale() const { return transform.viewport.scale; }
-  ViewRect canvasRect() const { return {0, 0, transform.canvasSize.width, transform.canvasSize.height}; }
-  ViewRect paintedRect() const { return part ? *part : canvasRect(); }
+  SketchBox canvasRect() const { return {0, 0, transform.canvasSize.width, transform.canvasSize.height}; }
+  SketchBox paintedRect() const { return part ? *part : canvasRect(); }
   /// What geometry is cut to: wide enough that ordinary coordinates pass as they are.
-  ViewRect clipBox() const;
+  SketchBox clipBox() const;
 };
 
 /// The thickness with which a wall is painted, sketch units.

@@ -7,12 +7,6 @@
 #include "interaction/canvas_transform.h"
 
 namespace ostrelon {
-namespace {
-
-bool isFinite(SketchPoint point) { return std::isfinite(point.x) && std::isfinite(point.y); }
-
-}  // namespace
-
 // --- The end from elsewhere
 
 CanvasGestures::Work::Work(const Board& board)

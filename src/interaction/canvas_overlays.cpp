@@ -89,7 +89,7 @@ void paintSquare(CanvasPainter& painter, const CanvasFrame& frame, SketchPoint p
                  const std::optional<Fill>& fill, const std::optional<Stroke>& outline) {
   const SketchPoint center = frame.toView(point);
   if (!isFinite(center) || !frame.clipBox().contains(center)) return;
-  const ViewRect square = ViewRect::centered(center, halfSide);
+  const SketchBox square = SketchBox::centered(center, halfSide);
   if (fill) painter.fillRoundedRect(square, 0, *fill);
   if (outline) painter.strokeRoundedRect(square, 0, *outline);
 }
@@ -119,9 +119,9 @@ void paintPolygonDraft(CanvasPainter& painter, const CanvasFrame& frame, const P
 void paintSnapGuides(CanvasPainter& painter, const Board& board, const CanvasFrame& frame) {
   const auto& anchor = board.snap->guideAnchor;
   if (!anchor) return;
-  const VisibleSketchRect visible = visibleSketchRect(frame.transform.canvasSize, frame.transform.viewport);
+  const SketchBox visible = visibleSketchBox(frame.transform.canvasSize, frame.transform.viewport);
   const double minX = visible.minX - kGuideReach;
-  const double maxX = visible.maxX() + kGuideReach;
+  const double maxX = visible.maxX + kGuideReach;
   const auto diagonal = [&](double slope) {
     const auto at = [&](double x) { return SketchPoint{x, anchor->y + slope * (x - anchor->x)}; };
     return CanvasSegment{at(minX), at(maxX)};
@@ -131,7 +131,7 @@ void paintSnapGuides(CanvasPainter& painter, const Board& board, const CanvasFra
       case AxisSnap::horizontal:
         return {{minX, anchor->y}, {maxX, anchor->y}};
       case AxisSnap::vertical:
-        return {{anchor->x, visible.minY - kGuideReach}, {anchor->x, visible.maxY() + kGuideReach}};
+        return {{anchor->x, visible.minY - kGuideReach}, {anchor->x, visible.maxY + kGuideReach}};
       case AxisSnap::diagonalUp:
         return diagonal(1);
       case AxisSnap::diagonalDown:
@@ -158,8 +158,8 @@ void paintSelectedEntity(CanvasPainter& painter, const CanvasFrame& frame, const
                          std::span<const WallSystemSpec> systems) {
   const auto* wall = std::get_if<WallEntity>(&entity);
   const double thickness = wall != nullptr ? paintedWallThickness(*wall, systems) : 0;
-  const ViewRect visible = frame.paintedRect().grown(kSelectionGlowWidth);
-  if (!entityViewBounds(entity, thickness, frame.transform.viewport).touches(visible)) return;
+  const SketchBox visible = frame.paintedRect().grown(kSelectionGlowWidth);
+  if (!entityViewBounds(entity, thickness, frame.transform.viewport).overlaps(visible)) return;
   EntityShape shape;
   outlineEntity(entity, thickness, frame, shape);
   const Color active = frame.palette.active;
@@ -188,7 +188,7 @@ void paintSelection(CanvasPainter& painter, const Board& board, const CanvasFram
   const SketchEntity* entity = board.sketch().entity(*selected.begin());
   if (entity == nullptr) return;
   paintSelectedEntity(painter, frame, *entity, board.sketch().drawing->wallSystemSpecs);
-  const ViewRect visible = frame.paintedRect().grown(kHandleRadius + kHandleRingWidth);
+  const SketchBox visible = frame.paintedRect().grown(kHandleRadius + kHandleRingWidth);
   const auto handles = selectionHandles(*entity);
   std::set<std::pair<double, double>> taken;
   for (const auto& [handle, point] : handles) {
@@ -246,7 +246,7 @@ void paintDrafts(CanvasPainter& painter, const Board& board, const CanvasFrame& 
 void paintSegmentLabel(CanvasPainter& painter, const Board& board, const CanvasFrame& frame) {
   if (board.lengthEditor->isOpen) return;
   const auto label = segmentLabel(board, frame.transform.viewport);
-  if (!label || !label->pill.touches(frame.paintedRect())) return;
+  if (!label || !label->pill.overlaps(frame.paintedRect())) return;
   painter.fillRoundedRect(label->pill, kSegmentLabelCornerRadius, {frame.palette.card, kLabelOpacity});
   painter.strokeRoundedRect(label->pill, kSegmentLabelCornerRadius,
                             {.color = frame.palette.border, .width = kLabelBorderWidth});
@@ -276,7 +276,7 @@ void paintDwellPulse(CanvasPainter& painter, const Board& board, const CanvasFra
   if (!isFinite(center) || !frame.clipBox().contains(center)) return;
   const Color active = frame.palette.active;
   const double halfSide = 5 + 2 * progress;
-  painter.fillRoundedRect(ViewRect::centered(center, halfSide), 0, {active, 0.35 + 0.45 * progress});
+  painter.fillRoundedRect(SketchBox::centered(center, halfSide), 0, {active, 0.35 + 0.45 * progress});
   const double swing = 0.5 + 0.5 * std::sin(8 * std::numbers::pi * progress);
   painter.strokeEllipse({center, halfSide + 3 + 4 * swing + 3 * progress},
                         {.color = active, .opacity = 0.45 + 0.45 * swing, .width = kPulseWidth});
@@ -288,7 +288,7 @@ void paintLock(CanvasPainter& painter, const Board& board, const CanvasFrame& fr
   const Color active = frame.palette.active;
   const SketchPoint point = frame.toView(lock->point);
   if (!isFinite(point)) return;
-  const ViewRect canvas = frame.canvasRect();
+  const SketchBox canvas = frame.canvasRect();
   Stroke stroke{.color = active, .opacity = kLockOpacity, .width = kLockCrossWidth};
   strokeSegment(painter, frame, {{canvas.minX, point.y}, {canvas.maxX, point.y}}, stroke);
   strokeSegment(painter, frame, {{point.x, canvas.minY}, {point.x, canvas.maxY}}, stroke);

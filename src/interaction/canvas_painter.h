@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/sketch_box.h"
 #include "core/sketch_point.h"
 #include "core/theme_palette.h"
 
@@ -42,34 +43,6 @@ struct Fill {
   Color color;
   double opacity = 1;  ///< 0 to 1
   friend bool operator==(const Fill&, const Fill&) = default;
-};
-
-/// A rectangle in view points; `minX` ≤ `maxX` and `minY` ≤ `maxY`.
-struct ViewRect {
-  double minX = 0;
-  double minY = 0;
-  double maxX = 0;
-  double maxY = 0;
-
-  double width() const { return maxX - minX; }
-  double height() const { return maxY - minY; }
-  SketchPoint center() const { return {minX + width() / 2, minY + height() / 2}; }
-  /// Grown by so many view points on every side.
-  ViewRect grown(double by) const { return {minX - by, minY - by, maxX + by, maxY + by}; }
-  /// True where the two share a point; false when a coordinate is not a number.
-  bool touches(const ViewRect& other) const {
-    return minX <= other.maxX && other.minX <= maxX && minY <= other.maxY && other.minY <= maxY;
-  }
-  bool contains(SketchPoint point) const {
-    return minX <= point.x && point.x <= maxX && minY <= point.y && point.y <= maxY;
-  }
-  bool contains(const ViewRect& other) const {
-    return minX <= other.minX && other.maxX <= maxX && minY <= other.minY && other.maxY <= maxY;
-  }
-  static ViewRect centered(SketchPoint center, double halfSide) {
-    return ViewRect{center.x, center.y, center.x, center.y}.grown(halfSide);
-  }
-  friend bool operator==(const ViewRect&, const ViewRect&) = default;
 };
 
 struct CanvasSegment {
@@ -139,12 +112,12 @@ class CanvasPainter {
   /// Segments that share nothing but the stroke, which is opaque and solid.
   virtual void strokeSegments(std::span<const CanvasSegment> segments, const Stroke& stroke) = 0;
   virtual void strokeEllipse(const CanvasEllipse& ellipse, const Stroke& stroke) = 0;
-  virtual void strokeRoundedRect(const ViewRect& rect, double cornerRadius, const Stroke& stroke) = 0;
+  virtual void strokeRoundedRect(const SketchBox& rect, double cornerRadius, const Stroke& stroke) = 0;
 
   /// Fills the pieces, each taken as closed, by the non-zero winding rule.
   virtual void fillPath(const CanvasPath& path, const Fill& fill) = 0;
   virtual void fillEllipse(const CanvasEllipse& ellipse, const Fill& fill) = 0;
-  virtual void fillRoundedRect(const ViewRect& rect, double cornerRadius, const Fill& fill) = 0;
+  virtual void fillRoundedRect(const SketchBox& rect, double cornerRadius, const Fill& fill) = 0;
 
   /// One line of text in the measurement type, centred on a point. `height`: of the type, view points.
   virtual void drawText(std::string_view text, SketchPoint center, double height, const Fill& fill) = 0;

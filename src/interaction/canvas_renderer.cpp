@@ -85,12 +85,12 @@ void paintBackground(CanvasPainter& painter, const CanvasFrame& frame) {
 void paintGrid(CanvasPainter& painter, const CanvasFrame& frame) {
   const double step = gridStep(frame.scale());
   const double majorStep = step * kGridMajorEvery;
-  const VisibleSketchRect visible = visibleSketchRect(frame.transform.canvasSize, frame.transform.viewport);
+  const SketchBox visible = visibleSketchBox(frame.transform.canvasSize, frame.transform.viewport);
   const auto before = [](double value, double by) { return std::floor(value / by) * by; };
   const auto beyond = [](double value, double by) { return std::ceil(value / by) * by; };
   const double overhang = kGridOverhang * step;
-  const GridExtents extents{before(visible.minX - overhang, step), beyond(visible.maxX() + overhang, step),
-                            before(visible.minY - overhang, step), beyond(visible.maxY() + overhang, step)};
+  const GridExtents extents{before(visible.minX - overhang, step), beyond(visible.maxX + overhang, step),
+                            before(visible.minY - overhang, step), beyond(visible.maxY + overhang, step)};
   const ThemePalette& palette = frame.palette;
 
   GridPath path(frame, extents);
@@ -111,8 +111,8 @@ EntityLayerPainter::EntityLayerPainter(CanvasFrame frame, std::span<const WallSy
 void EntityLayerPainter::paint(CanvasPainter& painter, const SketchEntity& entity) {
   const auto* wall = std::get_if<WallEntity>(&entity);
   const double thickness = wall != nullptr ? paintedWallThickness(*wall, systems_) : 0;
-  const ViewRect bounds = entityViewBounds(entity, thickness, frame_.transform.viewport);
-  if (!bounds.touches(visible_)) return;
+  const SketchBox bounds = entityViewBounds(entity, thickness, frame_.transform.viewport);
+  if (!bounds.overlaps(visible_)) return;
 
   const Color color = frame_.palette.foreground;
   if (bounds.width() < kDotExtent && bounds.height() < kDotExtent) {

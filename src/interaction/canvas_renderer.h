@@ -65,7 +65,7 @@ class EntityLayerPainter {
  private:
   CanvasFrame frame_;
   std::span<const WallSystemSpec> systems_;
-  ViewRect visible_;
+  SketchBox visible_;
   EntityShape shape_;
 };
 

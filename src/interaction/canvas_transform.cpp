@@ -2,17 +2,13 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cmath>
 
 namespace ostrelon {
 
-VisibleSketchRect visibleSketchRect(SketchSize canvasSize, const SketchViewport& viewport) {
-  const SketchPoint a = viewPointToSketch({0, 0}, viewport);
-  const SketchPoint b = viewPointToSketch({canvasSize.width, canvasSize.height}, viewport);
-  const double minX = std::min(a.x, b.x);
-  const double minY = std::min(a.y, b.y);
-  return {minX, minY, std::max(a.x, b.x) - minX, std::max(a.y, b.y) - minY};
+SketchBox visibleSketchBox(SketchSize canvasSize, const SketchViewport& viewport) {
+  return SketchBox::spanning(viewPointToSketch({0, 0}, viewport),
+                             viewPointToSketch({canvasSize.width, canvasSize.height}, viewport));
 }
 
 double gridStep(double scale) {

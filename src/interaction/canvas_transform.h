@@ -1,11 +1,11 @@
-// The pure mapping between sketch coordinates and the canvas, and the rule that picks the grid step
-// from the zoom. View points: origin at the top left of the canvas, y pointing down. Sketch units:
-// y pointing up. Nothing here allocates but the two labels.
+// What of the sketch the canvas shows, the limits of the zoom, and the rule that picks the grid step
+// from it. Nothing here allocates but the two labels.
 #pragma once
 
 #include <array>
 #include <string>
 
+#include "core/sketch_box.h"
 #include "core/sketch_point.h"
 #include "core/sketch_viewport.h"
 
@@ -32,24 +32,7 @@ struct CanvasTransform {
 };
 
 /// What the canvas shows, sketch units.
-struct VisibleSketchRect {
-  double minX = 0;
-  double minY = 0;
-  double width = 0;
-  double height = 0;
-
-  double maxX() const { return minX + width; }
-  double maxY() const { return minY + height; }
-  friend bool operator==(const VisibleSketchRect&, const VisibleSketchRect&) = default;
-};
-
-inline SketchPoint viewPointToSketch(SketchPoint viewPoint, const SketchViewport& viewport) {
-  return {(viewPoint.x - viewport.pan.x) / viewport.scale, -(viewPoint.y - viewport.pan.y) / viewport.scale};
-}
-inline SketchPoint sketchPointToView(SketchPoint point, const SketchViewport& viewport) {
-  return {viewport.pan.x + point.x * viewport.scale, viewport.pan.y - point.y * viewport.scale};
-}
-VisibleSketchRect visibleSketchRect(SketchSize canvasSize, const SketchViewport& viewport);
+SketchBox visibleSketchBox(SketchSize canvasSize, const SketchViewport& viewport);
 
 /// The distance of minor grid lines at this scale, sketch units: the step nearest to 56 view points,
 /// the smaller one of two equally near.

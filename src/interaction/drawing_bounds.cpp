@@ -1,7 +1,6 @@
 #include "interaction/drawing_bounds.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "interaction/canvas_transform.h"
 
@@ -13,11 +12,6 @@ bool hasExtent(const SketchEntity& entity) {
   return polygon == nullptr || !polygon->vertices.empty();
 }
 
-bool isFinite(const SketchBox& box) {
-  return std::isfinite(box.minX) && std::isfinite(box.minY) && std::isfinite(box.maxX) &&
-         std::isfinite(box.maxY);
-}
-
 }  // namespace
 
 std::optional<SketchBox> drawingBounds(const EntityList& entities) {
@@ -26,9 +20,7 @@ std::optional<SketchBox> drawingBounds(const EntityList& entities) {
     if (!hasExtent(entity)) continue;
     const SketchBox box = entityBounds(entity);
     if (!isFinite(box)) continue;
-    if (!all) all = box;
-    all = SketchBox{std::min(all->minX, box.minX), std::min(all->minY, box.minY),
-                    std::max(all->maxX, box.maxX), std::max(all->maxY, box.maxY)};
+    all = all ? all->united(box) : box;
   }
   return all;
 }
@@ -40,14 +32,13 @@ SketchViewport centredViewport(SketchSize canvas) {
 SketchViewport fittedViewport(const EntityList& entities, SketchSize canvas) {
   const auto bounds = drawingBounds(entities);
   if (!bounds) return centredViewport(canvas);
-  const double width = bounds->maxX - bounds->minX + 2 * kFitMargin;
-  const double height = bounds->maxY - bounds->minY + 2 * kFitMargin;
+  const double width = bounds->width() + 2 * kFitMargin;
+  const double height = bounds->height() + 2 * kFitMargin;
   const double scale = clampedViewportScale(
       std::min((canvas.width - 2 * kFitMargin) / width, (canvas.height - 2 * kFitMargin) / height));
   // Halved before they are added, so that the middle of the widest drawing is still a number.
-  const double midX = bounds->minX * 0.5 + bounds->maxX * 0.5;
-  const double midY = bounds->minY * 0.5 + bounds->maxY * 0.5;
-  return {{canvas.width * 0.5 - midX * scale, canvas.height * 0.5 + midY * scale}, scale};
+  const SketchPoint middle{bounds->minX * 0.5 + bounds->maxX * 0.5, bounds->minY * 0.5 + bounds->maxY * 0.5};
+  return viewportWith(middle, {canvas.width * 0.5, canvas.height * 0.5}, scale);
 }
 
 }  // namespace ostrelon

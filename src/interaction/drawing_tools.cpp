@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "core/adding.h"
+#include "core/circle.h"
 #include "core/length_text.h"
 #include "interaction/board.h"
 #include "interaction/sketch_snapping.h"
@@ -39,7 +40,7 @@ bool isDraftLargeEnough(SketchTool tool, const SketchDraft& draft) {
   if (tool == SketchTool::rectangle) {
     return std::abs(span.x) >= kMinimumDraftSize && std::abs(span.y) >= kMinimumDraftSize;
   }
-  return std::hypot(span.x, span.y) >= kMinimumDraftSize;
+  return lengthOf(span) >= kMinimumDraftSize;
 }
 
 // --- Two-point tools
@@ -223,7 +224,7 @@ std::optional<std::string> Board::draftMeasurementText() const {
   }
   if (draft() == nullptr) return std::nullopt;
   const SketchPoint span = draft()->current - draft()->start;
-  const std::string distance = formatShortNumber(std::hypot(span.x, span.y));
+  const std::string distance = formatShortNumber(lengthOf(span));
   switch (*tool) {
     case SketchTool::line:
     case SketchTool::wall:

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "core/circle.h"
 #include "interaction/canvas_clipping.h"
 
 namespace ostrelon {
@@ -17,27 +18,24 @@ constexpr double kDashClipMargin = 1024;
 /// Circles of a larger radius, view points, are painted by what is seen of them.
 constexpr double kLargestPlainRadius = 8192;
 
-bool isPlainEllipse(const CanvasEllipse& ellipse, const ViewRect& box) {
+bool isPlainEllipse(const CanvasEllipse& ellipse, const SketchBox& box) {
   return ellipse.radius <= kLargestPlainRadius && box.contains(ellipse.center);
 }
 
-ViewRect boundsOf(std::span<const SketchPoint> points) {
+SketchBox boundsOf(std::span<const SketchPoint> points) {
   constexpr double inf = std::numeric_limits<double>::infinity();
-  ViewRect bounds{inf, inf, -inf, -inf};
-  for (const SketchPoint p : points) {
-    bounds = {std::min(bounds.minX, p.x), std::min(bounds.minY, p.y), std::max(bounds.maxX, p.x),
-              std::max(bounds.maxY, p.y)};
-  }
+  SketchBox bounds{inf, inf, -inf, -inf};
+  for (const SketchPoint p : points) bounds = bounds.united(p);
   return bounds;
 }
 
-bool isWithin(std::span<const SketchPoint> points, const ViewRect& box) {
+bool isWithin(std::span<const SketchPoint> points, const SketchBox& box) {
   return std::all_of(points.begin(), points.end(), [&box](SketchPoint p) { return box.contains(p); });
 }
 
 /// Dashed lines are cut one segment at a time, each with the phase that it has on the whole line.
 void strokeCutDashes(CanvasPainter& painter, std::span<const SketchPoint> points, bool closed,
-                     const ViewRect& box, Stroke stroke) {
+                     const SketchBox& box, Stroke stroke) {
   const double period = stroke.dash.on + stroke.dash.off;
   double along = stroke.dashOffset;
   const std::size_t count = closed ? points.size() : points.size() - 1;
@@ -58,7 +56,7 @@ void strokeCutDashes(CanvasPainter& painter, std::span<const SketchPoint> points
 
 }  // namespace
 
-ViewRect CanvasFrame::clipBox() const { return paintedRect().grown(kClipMargin); }
+SketchBox CanvasFrame::clipBox() const { return paintedRect().grown(kClipMargin); }
 
 double paintedWallThickness(const WallEntity& wall, std::span<const WallSystemSpec> systems) {
   for (const WallSystemSpec& spec : systems) {
@@ -97,20 +95,12 @@ void outlineEntity(const SketchEntity& entity, double wallThickness, const Canva
             const double sweep = arcSpan(arc.startAngle, arc.endAngle);
             // Written so that a sweep that is not a number paints nothing either.
             if (!(sweep > kSmallestArcSweep)) return Kind::nothing;
-            for (int i = 0; i <= kArcSteps; ++i) {
-              add(pointOnCircle(arc.center, arc.radius, arc.startAngle + sweep * i / kArcSteps));
-            }
+            visitArcPoints(arc.center, arc.radius, arc.startAngle, sweep, add);
             return Kind::polyline;
           },
           [&](const RectangleEntity& rectangle) {
-            const SketchPoint a = rectangle.origin;
-            const SketchPoint b = a + SketchPoint{rectangle.size.width, rectangle.size.height};
-            const auto [minX, maxX] = std::minmax(a.x, b.x);
-            const auto [minY, maxY] = std::minmax(a.y, b.y);
-            add({minX, minY});
-            add({maxX, minY});
-            add({maxX, maxY});
-            add({minX, maxY});
+            const SketchBox box = SketchBox::spanning(rectangle.origin, rectangle.size);
+            for (const SketchPoint corner : box.corners()) add(corner);
             return closedPath();
           },
           [&](const PolygonEntity& polygon) {
@@ -121,7 +111,7 @@ void outlineEntity(const SketchEntity& entity, double wallThickness, const Canva
       entity);
 }
 
-ViewRect entityViewBounds(const SketchEntity& entity, double wallThickness, const SketchViewport& viewport) {
+SketchBox entityViewBounds(const SketchEntity& entity, double wallThickness, const SketchViewport& viewport) {
   const auto box = [&viewport](SketchPoint a, SketchPoint b, double margin) {
     const SketchPoint corners[] = {sketchPointToView(a, viewport), sketchPointToView(b, viewport)};
     return boundsOf(corners).grown(std::abs(margin) * viewport.scale);
@@ -137,7 +127,7 @@ ViewRect entityViewBounds(const SketchEntity& entity, double wallThickness, cons
                        rectangle.origin + SketchPoint{rectangle.size.width, rectangle.size.height}, 0);
           },
           [&](const PolygonEntity& polygon) {
-            const ViewRect bounds = boundsOf(polygon.vertices.list());
+            const SketchBox bounds = boundsOf(polygon.vertices.list());
             if (!(bounds.minX <= bounds.maxX)) return bounds;
             return box({bounds.minX, bounds.minY}, {bounds.maxX, bounds.maxY}, 0);
           },
@@ -147,7 +137,7 @@ ViewRect entityViewBounds(const SketchEntity& entity, double wallThickness, cons
 
 void strokeShape(CanvasPainter& painter, const CanvasFrame& frame, const EntityShape& shape,
                  const Stroke& stroke) {
-  const ViewRect box = frame.clipBox();
+  const SketchBox box = frame.clipBox();
   const bool closed = shape.kind == EntityShape::Kind::closedPath;
   CanvasPath cut;
   switch (shape.kind) {
@@ -178,7 +168,7 @@ void strokeShape(CanvasPainter& painter, const CanvasFrame& frame, const EntityS
 
 void fillShape(CanvasPainter& painter, const CanvasFrame& frame, const EntityShape& shape, const Fill& fill) {
   if (!shape.hasArea()) return;
-  const ViewRect box = frame.clipBox();
+  const SketchBox box = frame.clipBox();
   std::vector<SketchPoint> polygon;
   if (shape.kind == EntityShape::Kind::ellipse) {
     if (isPlainEllipse(shape.ellipse, box)) {

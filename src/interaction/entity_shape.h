@@ -18,8 +18,6 @@ struct EntityShape {
   std::span<const SketchPoint> points() const { return path.points(path.pieces().front()); }
 };
 
-/// The number of equal steps in which an arc is painted.
-inline constexpr int kArcSteps = 32;
 /// A sweep of at most this, radians, paints nothing.
 inline constexpr double kSmallestArcSweep = 1e-6;
 
@@ -30,7 +28,7 @@ void outlineEntity(const SketchEntity& entity, double wallThickness, const Canva
 
 /// What the entity covers, view points, strokes not counted. May be wider than need be; not finite
 /// where the entity is not.
-ViewRect entityViewBounds(const SketchEntity& entity, double wallThickness, const SketchViewport& viewport);
+SketchBox entityViewBounds(const SketchEntity& entity, double wallThickness, const SketchViewport& viewport);
 
 /// Strokes and fills a shape, cut to the frame's clip box.
 void strokeShape(CanvasPainter& painter, const CanvasFrame& frame, const EntityShape& shape,

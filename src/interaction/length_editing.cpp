@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "core/adding.h"
+#include "core/circle.h"
 #include "core/length_text.h"
 #include "geometry/edit_operations.h"
 #include "geometry/entity_edits.h"

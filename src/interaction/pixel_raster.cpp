@@ -72,7 +72,7 @@ void rasterBand(const PixelBuffer& buffer, const CanvasSegment& line, SketchPoin
                                       buffer.clipMinY, buffer.clipMaxY);
   const double minX = std::min(from.x, to.x) - reach;
   const double maxX = std::max(from.x, to.x) + reach;
-  const SketchPoint normal{-direction.y, direction.x};
+  const SketchPoint normal = perpendicular(direction);
   for (int y = rows.begin; y < rows.end; ++y) {
     const double middleY = y + 0.5;
     double left = minX;
@@ -120,8 +120,6 @@ std::vector<CoveredLine> coveredLines(std::span<const double> middles, double wi
   return covered;
 }
 
-double cross(SketchPoint a, SketchPoint b) { return a.x * b.y - a.y * b.x; }
-
 }  // namespace
 
 PixelColor PixelColor::of(Color color, double opacity) {
@@ -167,7 +165,7 @@ void rasterRoundLine(const PixelBuffer& buffer, const CanvasSegment& line, doubl
   const SketchPoint from = line.from;
   rasterBand(buffer, line, direction, half + 0.5, Ink(color), [=](SketchPoint middle) {
     const SketchPoint d = middle - from;
-    const double along = d.x * direction.x + d.y * direction.y;
+    const double along = dot(d, direction);
     const double across = cross(direction, d);
     const double beyond = along < 0 ? along : along > length ? along - length : 0;
     const double distance = beyond == 0 ? std::abs(across) : std::sqrt(across * across + beyond * beyond);
@@ -185,7 +183,7 @@ void rasterButtLine(const PixelBuffer& buffer, const CanvasSegment& line, double
   const SketchPoint from = line.from;
   rasterBand(buffer, line, direction, half + 0.5, Ink(color), [=](SketchPoint middle) {
     const SketchPoint d = middle - from;
-    const double along = d.x * direction.x + d.y * direction.y;
+    const double along = dot(d, direction);
     const double ends = std::clamp(std::min(along, length - along) + 0.5, 0.0, mostAlong);
     const double sides = std::clamp(half + 0.5 - std::abs(cross(direction, d)), 0.0, most);
     return ends * sides;
@@ -262,7 +260,7 @@ bool isSmallConvex(std::span<const SketchPoint> corners) {
     least = std::min(least, turn);
     most = std::max(most, turn);
     // A star turns one way as well, but more than once around. It takes five corners.
-    if (corners.size() > 4) turned += std::atan2(turn, (b - a).x * (c - b).x + (b - a).y * (c - b).y);
+    if (corners.size() > 4) turned += std::atan2(turn, dot(b - a, c - b));
   }
   return least * most == 0 && least + most != 0 && std::abs(turned) < 7;
 }
@@ -276,31 +274,28 @@ void rasterConvexArea(const PixelBuffer& buffer, std::span<const SketchPoint> co
   std::array<Edge, kMostConvexCorners> edges;
   const std::size_t count = std::min(corners.size(), kMostConvexCorners);
   double turn = 0;
-  double minX = corners[0].x, maxX = minX, minY = corners[0].y, maxY = minY;
+  SketchBox box = SketchBox::centered(corners[0], 0);
   for (std::size_t i = 0; i < count; ++i) {
     const SketchPoint a = corners[i];
     turn += cross(a, corners[(i + 1) % count]);
-    minX = std::min(minX, a.x);
-    maxX = std::max(maxX, a.x);
-    minY = std::min(minY, a.y);
-    maxY = std::max(maxY, a.y);
+    box = box.united(a);
   }
   std::size_t used = 0;
   for (std::size_t i = 0; i < count; ++i) {
     const SketchPoint a = corners[i];
     const SketchPoint d = corners[(i + 1) % count] - a;
-    const double length = std::hypot(d.x, d.y);
+    const double length = lengthOf(d);
     if (length == 0) continue;
     const double side = (turn > 0 ? 1 : -1) / length;
-    const SketchPoint inward{-d.y * side, d.x * side};
-    edges[used++] = {inward, a.x * inward.x + a.y * inward.y, std::abs(inward.x) < 1e-9 ? 0 : 1 / inward.x};
+    const SketchPoint inward = perpendicular(d) * side;
+    edges[used++] = {inward, dot(a, inward), std::abs(inward.x) < 1e-9 ? 0 : 1 / inward.x};
   }
   const Ink ink(color);
-  const IntRange rows = pixelsBetween(minY - 0.5, maxY + 0.5, buffer.clipMinY, buffer.clipMaxY);
+  const IntRange rows = pixelsBetween(box.minY - 0.5, box.maxY + 0.5, buffer.clipMinY, buffer.clipMaxY);
   for (int y = rows.begin; y < rows.end; ++y) {
     const double middleY = y + 0.5;
     // Between these columns the row is touched, and between the solid ones it is full.
-    double left = minX - 0.5, right = maxX + 0.5;
+    double left = box.minX - 0.5, right = box.maxX + 0.5;
     double solidLeft = left, solidRight = right;
     for (std::size_t i = 0; i < used; ++i) {
       const auto& [inward, offset, slant] = edges[i];

@@ -20,7 +20,7 @@ inline constexpr double kSegmentLabelTextHeight = 12;
 
 struct SegmentLabel {
   std::string text;
-  ViewRect pill;  ///< view points
+  SketchBox pill;  ///< view points
 };
 
 /// The label of the segment that is being drawn or is selected alone; absent when there is none, or

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/adding.h"
+#include "core/circle.h"
 #include "geometry/entity_geometry.h"
 #include "geometry/hit_testing.h"
 #include "geometry/selection_handles.h"
@@ -84,7 +85,7 @@ bool Board::beginSelectDrag(SketchPoint press) {
 
 void Board::updateSelectDrag(SketchPoint point) {
   const SelectDrag* drag = selectDrag();
-  if (drag == nullptr || !std::isfinite(point.x) || !std::isfinite(point.y)) return;
+  if (drag == nullptr || !isFinite(point)) return;
   const auto scope = change();
   std::visit(Overloaded{
                  [&](const HandleDrag& handle) { updateHandleDrag(*drag, handle, point); },

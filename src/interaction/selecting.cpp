@@ -1,6 +1,4 @@
 // Clicks and marquees of the select tool.
-#include <algorithm>
-
 #include "geometry/edit_operations.h"
 #include "geometry/hit_testing.h"
 #include "geometry/marquee.h"
@@ -49,10 +47,9 @@ void Board::finishMarquee(bool additive) {
   if (marquee() == nullptr) return;
   const auto scope = change();
   const SelectMarqueeState drawn = *marquee();
-  const auto [minX, maxX] = std::minmax(drawn.startSketchPoint.x, drawn.currentSketchPoint.x);
-  const auto [minY, maxY] = std::minmax(drawn.startSketchPoint.y, drawn.currentSketchPoint.y);
+  const SketchBox box = SketchBox::spanning(drawn.startSketchPoint, drawn.currentSketchPoint);
   const bool isCrossing = drawn.currentViewX < drawn.startViewX;
-  std::unordered_set<UUID> hits = entitiesInMarquee(sketch_.index(), {minX, minY, maxX, maxY}, isCrossing);
+  std::unordered_set<UUID> hits = entitiesInMarquee(sketch_.index(), box, isCrossing);
   Selection selected = additive ? sketch_.selection.get()
                                 : Selection{{}, sketch_.selection->primary, sketch_.selection->isInspected};
   if (!hits.empty()) selected.primary = *hits.begin();

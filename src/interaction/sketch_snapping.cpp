@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 
+#include "core/circle.h"
 #include "geometry/selection_handles.h"
 #include "interaction/axis_directions.h"
 #include "interaction/canvas_transform.h"
@@ -36,17 +37,13 @@ void visitSnapPoints(const SketchBox& box, EntitySource entities, const EntityID
 }
 
 SketchBox boxAroundTargets(const std::vector<EntitySnapTarget>& targets, SketchPoint delta, double reach) {
-  SketchBox box = boxAround(targets.front().point + delta, reach);
+  SketchBox box = SketchBox::centered(targets.front().point + delta, reach);
   for (const EntitySnapTarget& target : targets) {
-    const SketchBox one = boxAround(target.point + delta, reach);
+    const SketchBox one = SketchBox::centered(target.point + delta, reach);
     box = {std::fmin(box.minX, one.minX), std::fmin(box.minY, one.minY), std::fmax(box.maxX, one.maxX),
            std::fmax(box.maxY, one.maxY)};
   }
   return box;
-}
-
-bool contains(const SketchBox& box, SketchPoint point) {
-  return box.minX <= point.x && point.x <= box.maxX && box.minY <= point.y && point.y <= box.maxY;
 }
 
 // Entities are numbered from 1 in the order of the whole document.
@@ -99,7 +96,7 @@ std::optional<EntitySnapTarget> nearestEntityTarget(EntitySource entities, const
   if (!(radius >= 0)) return std::nullopt;
   std::optional<FoundPoint> best;
   double bestDistance = radius;
-  visitSnapPoints(boxAround(point, radius * kBoxMargin), entities, excluded, fromPoint,
+  visitSnapPoints(SketchBox::centered(point, radius * kBoxMargin), entities, excluded, fromPoint,
                   [&](const FoundPoint& found) {
                     const double distance = distanceBetween(found.point, point);
                     if (!(best ? distance < bestDistance : distance <= radius)) return;
@@ -180,7 +177,7 @@ std::optional<double> lockAngle(std::optional<double> reference, double dx, doub
 SketchSnapResult axisSnap(SketchPoint start, SketchPoint current, std::optional<double> reference) {
   SketchSnapResult result = atPoint({std::round(current.x), std::round(current.y)});
   const SketchPoint span = current - start;
-  if (!(std::hypot(span.x, span.y) >= kMinimumSnapSpan)) return result;
+  if (!(lengthOf(span) >= kMinimumSnapSpan)) return result;
   const auto angle = lockAngle(reference, span.x, span.y);
   if (!angle) return result;
   const double length = std::round(alongDirection(span, *angle));
@@ -191,7 +188,7 @@ SketchSnapResult axisSnap(SketchPoint start, SketchPoint current, std::optional<
 
 SketchSnapResult axisSnapDelta(double dx, double dy) {
   SketchSnapResult result = atPoint({dx, dy});
-  if (!(std::hypot(dx, dy) >= kMinimumSnapSpan)) return result;
+  if (!(lengthOf({dx, dy}) >= kMinimumSnapSpan)) return result;
   const auto angle = lockAngle(std::nullopt, dx, dy);
   if (!angle) return result;
   result.point = pointAlongAxis({}, *angle, alongDirection({dx, dy}, *angle));
@@ -214,15 +211,15 @@ std::optional<TrackingCandidate> trackingCandidate(SketchPoint anchor, SketchPoi
                                                    SketchPoint target, const std::vector<AxisSnap>& axes,
                                                    const std::vector<AxisSnap>& lastAxes) {
   const SketchPoint v = pointer - anchor;
-  if (!(std::hypot(v.x, v.y) >= kMinimumSnapSpan)) return std::nullopt;
+  if (!(lengthOf(v) >= kMinimumSnapSpan)) return std::nullopt;
   const auto locked = lockAngle(std::nullopt, v.x, v.y);
   const auto lockedAxes = locked ? axesForAngle(*locked) : std::vector<AxisSnap>();
   std::optional<TrackingCandidate> best;
 
   const auto propose = [&](SketchPoint point, const std::vector<AxisSnap>& direction, bool isAligned) {
     const SketchPoint reach = point - anchor;
-    if (!(std::hypot(reach.x, reach.y) >= kMinimumSnapSpan)) return;
-    if (!(v.x * reach.x + v.y * reach.y > 0)) return;
+    if (!(lengthOf(reach) >= kMinimumSnapSpan)) return;
+    if (!(dot(v, reach) > 0)) return;
     std::int64_t priority = 0;
     if (axes == direction) priority += 4;
     if (lastAxes == direction) priority += 5;
@@ -261,7 +258,7 @@ std::optional<std::pair<EntitySnapTarget, EntitySnapTarget>> snapEntityMove(Sket
   const SketchBox box = boxAroundTargets(sources, delta, radius * kBoxMargin);
   std::vector<FoundPoint> nearby;
   visitSnapPoints(box, entities, excluded, std::nullopt, [&](const FoundPoint& found) {
-    if (contains(box, found.point) && entityID(*found.entity) != movedID) nearby.push_back(found);
+    if (box.contains(found.point) && entityID(*found.entity) != movedID) nearby.push_back(found);
   });
 
   const EntitySnapTarget* bestSource = nullptr;

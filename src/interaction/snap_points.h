@@ -2,17 +2,16 @@
 // may walk every point of a drawing at each move of the pointer.
 #pragma once
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <optional>
 
+#include "core/circle.h"
+#include "core/sketch_box.h"
 #include "core/sketch_entity.h"
 #include "interaction/snap_types.h"
 
 namespace ostrelon {
-
-inline SketchPoint middleOf(SketchPoint a, SketchPoint b) { return {(a.x + b.x) / 2, (a.y + b.y) / 2}; }
 
 /// Visits (point, kind) in the order that decides ties: a segment's ends, then its middle; a circle's
 /// centre, quadrants counter-clockwise from the right, then tangents; corners before edge middles
@@ -39,7 +38,7 @@ void forEachSnapPoint(const SketchEntity& entity, std::optional<SketchPoint> fro
                    // The touching points lie on the polar line of the point: its foot is at r²/q of the way
                    // out, and they stand off it at right angles by r·sqrt(q - r²)/q of the distance.
                    const SketchPoint d = *fromPoint - circle.center;
-                   const double q = d.x * d.x + d.y * d.y;
+                   const double q = squaredLength(d);
                    if (!(r * r < q)) return;
                    const double a = r * r / q;
                    const double b = r * std::sqrt(q - r * r) / q;
@@ -55,19 +54,13 @@ void forEachSnapPoint(const SketchEntity& entity, std::optional<SketchPoint> fro
                  [&](const RectangleEntity& rectangle) {
                    const auto [x, y] = rectangle.origin;
                    const auto [width, height] = rectangle.size;
-                   const double minX = std::min(x, x + width);
-                   const double maxX = std::max(x, x + width);
-                   const double minY = std::min(y, y + height);
-                   const double maxY = std::max(y, y + height);
+                   const SketchBox box = SketchBox::spanning(rectangle.origin, rectangle.size);
                    const SketchPoint middle{x + width / 2, y + height / 2};
-                   visit(SketchPoint{minX, minY}, EntitySnapKind::corner);
-                   visit(SketchPoint{maxX, minY}, EntitySnapKind::corner);
-                   visit(SketchPoint{maxX, maxY}, EntitySnapKind::corner);
-                   visit(SketchPoint{minX, maxY}, EntitySnapKind::corner);
-                   visit(SketchPoint{middle.x, minY}, EntitySnapKind::edgeMidpoint);
-                   visit(SketchPoint{maxX, middle.y}, EntitySnapKind::edgeMidpoint);
-                   visit(SketchPoint{middle.x, maxY}, EntitySnapKind::edgeMidpoint);
-                   visit(SketchPoint{minX, middle.y}, EntitySnapKind::edgeMidpoint);
+                   for (const SketchPoint corner : box.corners()) visit(corner, EntitySnapKind::corner);
+                   visit(SketchPoint{middle.x, box.minY}, EntitySnapKind::edgeMidpoint);
+                   visit(SketchPoint{box.maxX, middle.y}, EntitySnapKind::edgeMidpoint);
+                   visit(SketchPoint{middle.x, box.maxY}, EntitySnapKind::edgeMidpoint);
+                   visit(SketchPoint{box.minX, middle.y}, EntitySnapKind::edgeMidpoint);
                    visit(middle, EntitySnapKind::center);
                  },
                  [&](const PolygonEntity& polygon) {

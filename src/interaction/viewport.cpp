@@ -6,20 +6,12 @@
 #include "interaction/drawing_bounds.h"
 
 namespace ostrelon {
-namespace {
-
-bool isFinite(SketchPoint point) { return std::isfinite(point.x) && std::isfinite(point.y); }
-
-}  // namespace
-
 void Board::zoom(double factor, SketchPoint viewAnchor) {
   if (!(factor > 0)) return;
   const SketchViewport& old = viewport();
   const double scale = clampedViewportScale(factor * old.scale);
-  const SketchPoint underAnchor{(viewAnchor.x - old.pan.x) / old.scale,
-                                (viewAnchor.y - old.pan.y) / old.scale};
-  const SketchPoint pan = viewAnchor - underAnchor * scale;
-  if (std::isfinite(scale) && isFinite(pan)) setViewport({pan, scale});
+  const SketchViewport zoomed = viewportWith(viewPointToSketch(viewAnchor, old), viewAnchor, scale);
+  if (std::isfinite(scale) && isFinite(zoomed.pan)) setViewport(zoomed);
 }
 
 void Board::zoomToFit(SketchSize canvas) { setViewport(fittedViewport(sketch_.entities(), canvas)); }

@@ -64,8 +64,8 @@ SketchPoint dragMovement(const MultiBodyDrag& drag, const SketchViewModel& model
   const SketchEntity* now = model.entity(drag.leadEntityID);
   if (anchor == drag.anchors.end() || now == nullptr) return {};
   const SketchViewport unit{{0, 0}, 1};
-  const ViewRect before = entityViewBounds(anchor->second, 0, unit);
-  const ViewRect after = entityViewBounds(*now, 0, unit);
+  const SketchBox before = entityViewBounds(anchor->second, 0, unit);
+  const SketchBox after = entityViewBounds(*now, 0, unit);
   return {after.minX - before.minX, before.minY - after.minY};
 }
 

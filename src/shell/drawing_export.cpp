@@ -20,7 +20,7 @@ constexpr double kMetersPerInch = 0.0254;
 QRectF pageRect(const PicturePage& page) { return {0, 0, page.size.width, page.size.height}; }
 
 QRectF paintedRect(const PicturePage& page) {
-  const ViewRect part = paintedPart(page);
+  const SketchBox part = paintedPart(page);
   return {part.minX, part.minY, part.width(), part.height()};
 }
 

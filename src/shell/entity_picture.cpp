@@ -73,14 +73,13 @@ bool isShown(EntityPicture::Kind kind, const PictureContent& content, const UUID
 
 /// A box that holds whatever could leave a stroke in this part of the view, sketch units. Walls are
 /// known by their centre lines, so the widest wall counts.
-SketchBox sketchBoxAround(const ViewRect& part, const PictureView& view,
+SketchBox sketchBoxAround(const SketchBox& part, const PictureView& view,
                           const std::vector<WallSystemSpec>& systems) {
   double thickness = kUnknownWallThickness;
   for (const WallSystemSpec& spec : systems) thickness = std::max(thickness, std::abs(spec.thickness));
-  const ViewRect reached = part.grown(kWidestReach + thickness / 2 * view.transform.viewport.scale);
-  const SketchPoint a = viewPointToSketch({reached.minX, reached.maxY}, view.transform.viewport);
-  const SketchPoint b = viewPointToSketch({reached.maxX, reached.minY}, view.transform.viewport);
-  return {a.x, a.y, b.x, b.y};
+  const SketchBox reached = part.grown(kWidestReach + thickness / 2 * view.transform.viewport.scale);
+  return SketchBox::spanning(viewPointToSketch({reached.minX, reached.maxY}, view.transform.viewport),
+                             viewPointToSketch({reached.maxX, reached.minY}, view.transform.viewport));
 }
 
 /// True as well where a bound is not a number.
@@ -115,9 +114,9 @@ class Brush {
 CanvasFrame frameOf(const PictureView& view, const QRect& deviceRect) {
   CanvasFrame frame{view.transform, view.palette};
   const double ratio = view.pixelRatio;
-  frame.part = ViewRect{deviceRect.left() / ratio, deviceRect.top() / ratio,
-                        (deviceRect.left() + deviceRect.width()) / ratio,
-                        (deviceRect.top() + deviceRect.height()) / ratio};
+  frame.part = SketchBox{deviceRect.left() / ratio, deviceRect.top() / ratio,
+                         (deviceRect.left() + deviceRect.width()) / ratio,
+                         (deviceRect.top() + deviceRect.height()) / ratio};
   return frame;
 }
 
@@ -126,11 +125,10 @@ QRect deviceBounds(const SketchEntity& entity, const std::vector<WallSystemSpec>
                    const PictureView& view) {
   const auto* wall = std::get_if<WallEntity>(&entity);
   const double thickness = wall != nullptr ? paintedWallThickness(*wall, systems) : 0;
-  ViewRect bounds = entityViewBounds(entity, thickness, view.transform.viewport).grown(kWidestReach);
-  const ViewRect canvas{0, 0, view.transform.canvasSize.width, view.transform.canvasSize.height};
-  if (!bounds.touches(canvas)) return {};
-  bounds = {std::max(bounds.minX, canvas.minX), std::max(bounds.minY, canvas.minY),
-            std::min(bounds.maxX, canvas.maxX), std::min(bounds.maxY, canvas.maxY)};
+  SketchBox bounds = entityViewBounds(entity, thickness, view.transform.viewport).grown(kWidestReach);
+  const SketchBox canvas{0, 0, view.transform.canvasSize.width, view.transform.canvasSize.height};
+  if (!bounds.overlaps(canvas)) return {};
+  bounds = bounds.intersected(canvas);
   const QRectF device(QPointF(bounds.minX, bounds.minY) * view.pixelRatio,
                       QPointF(bounds.maxX, bounds.maxY) * view.pixelRatio);
   return device.toAlignedRect();

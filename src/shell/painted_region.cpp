@@ -21,47 +21,38 @@ double reachOf(const Stroke& stroke) {
   return stroke.width / 2 * (stroke.join == LineJoin::miter ? kMiterLimit : 1) + kSoftEdge;
 }
 
-ViewRect around(SketchPoint a, SketchPoint b) {
-  return {std::min(a.x, b.x), std::min(a.y, b.y), std::max(a.x, b.x), std::max(a.y, b.y)};
-}
-
-ViewRect united(const ViewRect& a, const ViewRect& b) {
-  return {std::min(a.minX, b.minX), std::min(a.minY, b.minY), std::max(a.maxX, b.maxX),
-          std::max(a.maxY, b.maxY)};
-}
-
 }  // namespace
 
 QRegion PaintedRegion::within(const QRect& bounds) const {
-  const ViewRect limits{static_cast<double>(bounds.left()), static_cast<double>(bounds.top()),
-                        static_cast<double>(bounds.left() + bounds.width()),
-                        static_cast<double>(bounds.top() + bounds.height())};
-  std::vector<ViewRect> boxes;
-  for (const ViewRect& rect : touched_) {
-    if (!rect.touches(limits)) continue;
-    const ViewRect shown{std::max(rect.minX, limits.minX), std::max(rect.minY, limits.minY),
-                         std::min(rect.maxX, limits.maxX), std::min(rect.maxY, limits.maxY)};
+  const SketchBox limits{static_cast<double>(bounds.left()), static_cast<double>(bounds.top()),
+                         static_cast<double>(bounds.left() + bounds.width()),
+                         static_cast<double>(bounds.top() + bounds.height())};
+  std::vector<SketchBox> boxes;
+  for (const SketchBox& rect : touched_) {
+    if (!rect.overlaps(limits)) continue;
     if (boxes.size() == kMostBoxes) {
-      boxes = {std::accumulate(boxes.begin(), boxes.end(), boxes.front(), united)};
+      boxes = {std::accumulate(boxes.begin(), boxes.end(), boxes.front(),
+                               [](const SketchBox& a, const SketchBox& b) { return a.united(b); })};
     }
-    boxes.push_back(shown);
+    boxes.push_back(rect.intersected(limits));
   }
   QRegion region;
-  for (const ViewRect& box : boxes) {
+  for (const SketchBox& box : boxes) {
     region += QRectF(QPointF(box.minX, box.minY), QPointF(box.maxX, box.maxY)).toAlignedRect() & bounds;
   }
   return region;
 }
 
 void PaintedRegion::touchLine(SketchPoint from, SketchPoint to, double reach) {
-  const ViewRect whole = around(from, to);
+  const SketchBox whole = SketchBox::spanning(from, to);
   const double count = std::ceil(std::min(whole.width(), whole.height()) / kPiece);
   if (!(count > 1) || count > kMostPieces) {
     touch(whole.grown(reach));
     return;
   }
   const SketchPoint step = (to - from) * (1 / count);
-  for (double i = 0; i < count; ++i) touch(around(from + step * i, from + step * (i + 1)).grown(reach));
+  for (double i = 0; i < count; ++i)
+    touch(SketchBox::spanning(from + step * i, from + step * (i + 1)).grown(reach));
 }
 
 void PaintedRegion::strokePath(const CanvasPath& path, const Stroke& stroke) {
@@ -70,8 +61,8 @@ void PaintedRegion::strokePath(const CanvasPath& path, const Stroke& stroke) {
     const auto points = path.points(piece);
     if (points.empty()) continue;
     if (points.size() > kMostBoxes) {
-      ViewRect box = around(points.front(), points.front());
-      for (const SketchPoint point : points) box = united(box, around(point, point));
+      SketchBox box = SketchBox::spanning(points.front(), points.front());
+      for (const SketchPoint point : points) box = box.united(point);
       touch(box.grown(reach));
       continue;
     }
@@ -85,10 +76,10 @@ void PaintedRegion::strokeSegments(std::span<const CanvasSegment> segments, cons
 }
 
 void PaintedRegion::strokeEllipse(const CanvasEllipse& ellipse, const Stroke& stroke) {
-  touch(ViewRect::centered(ellipse.center, ellipse.radius + stroke.width / 2 + kSoftEdge));
+  touch(SketchBox::centered(ellipse.center, ellipse.radius + stroke.width / 2 + kSoftEdge));
 }
 
-void PaintedRegion::strokeRoundedRect(const ViewRect& rect, double /*cornerRadius*/, const Stroke& stroke) {
+void PaintedRegion::strokeRoundedRect(const SketchBox& rect, double /*cornerRadius*/, const Stroke& stroke) {
   touch(rect.grown(stroke.width / 2 + kSoftEdge));
 }
 
@@ -96,23 +87,23 @@ void PaintedRegion::fillPath(const CanvasPath& path, const Fill& /*fill*/) {
   for (const CanvasPath::Piece& piece : path.pieces()) {
     const auto points = path.points(piece);
     if (points.empty()) continue;
-    ViewRect box = around(points.front(), points.front());
-    for (const SketchPoint point : points) box = united(box, around(point, point));
+    SketchBox box = SketchBox::spanning(points.front(), points.front());
+    for (const SketchPoint point : points) box = box.united(point);
     touch(box.grown(kSoftEdge));
   }
 }
 
 void PaintedRegion::fillEllipse(const CanvasEllipse& ellipse, const Fill& /*fill*/) {
-  touch(ViewRect::centered(ellipse.center, ellipse.radius + kSoftEdge));
+  touch(SketchBox::centered(ellipse.center, ellipse.radius + kSoftEdge));
 }
 
-void PaintedRegion::fillRoundedRect(const ViewRect& rect, double /*cornerRadius*/, const Fill& /*fill*/) {
+void PaintedRegion::fillRoundedRect(const SketchBox& rect, double /*cornerRadius*/, const Fill& /*fill*/) {
   touch(rect.grown(kSoftEdge));
 }
 
 void PaintedRegion::drawText(std::string_view text, SketchPoint center, double height, const Fill& /*fill*/) {
   // No letter of the measurement type is wider than it is high.
-  touch(ViewRect::centered(center, std::max(1.0, static_cast<double>(text.size())) * height));
+  touch(SketchBox::centered(center, std::max(1.0, static_cast<double>(text.size())) * height));
 }
 
 }  // namespace ostrelon

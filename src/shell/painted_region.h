@@ -18,17 +18,17 @@ class PaintedRegion final : public CanvasPainter {
   void strokePath(const CanvasPath& path, const Stroke& stroke) override;
   void strokeSegments(std::span<const CanvasSegment> segments, const Stroke& stroke) override;
   void strokeEllipse(const CanvasEllipse& ellipse, const Stroke& stroke) override;
-  void strokeRoundedRect(const ViewRect& rect, double cornerRadius, const Stroke& stroke) override;
+  void strokeRoundedRect(const SketchBox& rect, double cornerRadius, const Stroke& stroke) override;
   void fillPath(const CanvasPath& path, const Fill& fill) override;
   void fillEllipse(const CanvasEllipse& ellipse, const Fill& fill) override;
-  void fillRoundedRect(const ViewRect& rect, double cornerRadius, const Fill& fill) override;
+  void fillRoundedRect(const SketchBox& rect, double cornerRadius, const Fill& fill) override;
   void drawText(std::string_view text, SketchPoint center, double height, const Fill& fill) override;
 
  private:
-  void touch(const ViewRect& rect) { touched_.push_back(rect); }
+  void touch(const SketchBox& rect) { touched_.push_back(rect); }
   void touchLine(SketchPoint from, SketchPoint to, double reach);
 
-  std::vector<ViewRect> touched_;
+  std::vector<SketchBox> touched_;
 };
 
 }  // namespace ostrelon

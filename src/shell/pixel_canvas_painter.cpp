@@ -133,7 +133,7 @@ void PixelCanvasPainter::strokeEllipse(const CanvasEllipse& ellipse, const Strok
                PixelColor::of(stroke.color, stroke.opacity));
 }
 
-void PixelCanvasPainter::strokeRoundedRect(const ViewRect& rect, double cornerRadius, const Stroke& stroke) {
+void PixelCanvasPainter::strokeRoundedRect(const SketchBox& rect, double cornerRadius, const Stroke& stroke) {
   canvas_.strokeRoundedRect(rect, cornerRadius, stroke);
 }
 
@@ -156,7 +156,7 @@ void PixelCanvasPainter::fillEllipse(const CanvasEllipse& ellipse, const Fill& f
   canvas_.fillEllipse(ellipse, fill);
 }
 
-void PixelCanvasPainter::fillRoundedRect(const ViewRect& rect, double cornerRadius, const Fill& fill) {
+void PixelCanvasPainter::fillRoundedRect(const SketchBox& rect, double cornerRadius, const Fill& fill) {
   canvas_.fillRoundedRect(rect, cornerRadius, fill);
 }
 

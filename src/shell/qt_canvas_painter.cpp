@@ -25,7 +25,7 @@ std::size_t pointCount(const CanvasPath& path) {
 }
 
 QPointF pointOf(SketchPoint point) { return {point.x, point.y}; }
-QRectF rectOf(const ViewRect& rect) { return {rect.minX, rect.minY, rect.width(), rect.height()}; }
+QRectF rectOf(const SketchBox& rect) { return {rect.minX, rect.minY, rect.width(), rect.height()}; }
 
 QPainterPath pathOf(const CanvasPath& path) {
   QPainterPath result;
@@ -109,7 +109,7 @@ void QtCanvasPainter::strokeEllipse(const CanvasEllipse& ellipse, const Stroke& 
   painter_.drawEllipse(pointOf(ellipse.center), ellipse.radius, ellipse.radius);
 }
 
-void QtCanvasPainter::strokeRoundedRect(const ViewRect& rect, double cornerRadius, const Stroke& stroke) {
+void QtCanvasPainter::strokeRoundedRect(const SketchBox& rect, double cornerRadius, const Stroke& stroke) {
   useStroke(stroke);
   if (cornerRadius > 0) {
     painter_.drawRoundedRect(rectOf(rect), cornerRadius, cornerRadius);
@@ -136,7 +136,7 @@ void QtCanvasPainter::fillEllipse(const CanvasEllipse& ellipse, const Fill& fill
   painter_.drawEllipse(pointOf(ellipse.center), ellipse.radius, ellipse.radius);
 }
 
-void QtCanvasPainter::fillRoundedRect(const ViewRect& rect, double cornerRadius, const Fill& fill) {
+void QtCanvasPainter::fillRoundedRect(const SketchBox& rect, double cornerRadius, const Fill& fill) {
   if (cornerRadius > 0) {
     useFill(fill);
     painter_.drawRoundedRect(rectOf(rect), cornerRadius, cornerRadius);

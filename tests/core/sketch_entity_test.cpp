@@ -1,4 +1,5 @@
 #include "core/sketch_entity.h"
+#include "core/circle.h"
 
 #include <gtest/gtest.h>
 

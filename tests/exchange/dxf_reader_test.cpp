@@ -1,5 +1,6 @@
 // Imported drawings: what other programs write, and what nobody should.
 #include "exchange/dxf_reader.h"
+#include "core/circle.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
 // Exported drawings: their layers, their text, and what other programs read in them.
 #include "exchange/dxf_writer.h"
+#include "core/circle.h"
 
 #include <gtest/gtest.h>
 

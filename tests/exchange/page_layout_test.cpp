@@ -57,6 +57,14 @@ SketchPoint onPage(const PageLayout& layout, int page, SketchPoint point) {
   return sketchPointToView(point, layout.viewport(page));
 }
 
+// The part of the drawing that a page shows.
+SketchBox shownOn(const PageLayout& layout, int page) {
+  const SketchViewport view = layout.viewport(page);
+  const auto [width, height] = layout.page;
+  return SketchBox::spanning(viewPointToSketch({layout.margin, layout.margin}, view),
+                             viewPointToSketch({width - layout.margin, height - layout.margin}, view));
+}
+
 TEST(PageLayout, PutsADrawingInTheMiddleOfOneSheetAtTrueScale) {
   const PageLayout layout =
       layOutPages(SketchBox{0, 0, 40, 20}, {.paper = *paperSizeNamed("Letter"), .scale = DrawingScale{48}});
@@ -68,8 +76,8 @@ TEST(PageLayout, PutsADrawingInTheMiddleOfOneSheetAtTrueScale) {
   EXPECT_NEAR(lower.y - upper.y, 360, 1e-9);
   EXPECT_NEAR((lower.x + upper.x) / 2, 396, 1e-9);
   EXPECT_NEAR((lower.y + upper.y) / 2, 306, 1e-9);
-  EXPECT_NEAR(layout.sketchRect(0).minX, 0, 1e-9) << "the printable part is just as wide as the drawing";
-  EXPECT_NEAR(layout.sketchRect(0).maxX, 40, 1e-9);
+  EXPECT_NEAR(shownOn(layout, 0).minX, 0, 1e-9) << "the printable part is just as wide as the drawing";
+  EXPECT_NEAR(shownOn(layout, 0).maxX, 40, 1e-9);
 }
 
 TEST(PageLayout, GoesOnSeveralSheetsWhoseEdgesMeet) {
@@ -79,19 +87,18 @@ TEST(PageLayout, GoesOnSeveralSheetsWhoseEdgesMeet) {
                                                 .scale = DrawingScale{48}});
   EXPECT_EQ(layout.columns, 4) << "25 inches on sheets with 7.5 printable";
   EXPECT_EQ(layout.rows, 2) << "15 inches on sheets with 10 printable";
-  SketchBox all = layout.sketchRect(0);
+  SketchBox all = shownOn(layout, 0);
   for (int row = 0; row < layout.rows; ++row) {
     for (int column = 0; column < layout.columns; ++column) {
-      const SketchBox here = layout.sketchRect(row * layout.columns + column);
-      EXPECT_NEAR(here.maxX - here.minX, 30, 1e-9);
+      const SketchBox here = shownOn(layout, row * layout.columns + column);
+      EXPECT_NEAR(here.width(), 30, 1e-9);
       if (column > 0) {
-        EXPECT_NEAR(here.minX, layout.sketchRect(row * layout.columns + column - 1).maxX, 1e-9);
+        EXPECT_NEAR(here.minX, shownOn(layout, row * layout.columns + column - 1).maxX, 1e-9);
       }
       if (row > 0) {
-        EXPECT_NEAR(here.maxY, layout.sketchRect((row - 1) * layout.columns + column).minY, 1e-9);
+        EXPECT_NEAR(here.maxY, shownOn(layout, (row - 1) * layout.columns + column).minY, 1e-9);
       }
-      all = {std::min(all.minX, here.minX), std::min(all.minY, here.minY), std::max(all.maxX, here.maxX),
-             std::max(all.maxY, here.maxY)};
+      all = all.united(here);
     }
   }
   EXPECT_LE(all.minX, -50);

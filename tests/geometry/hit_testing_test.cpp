@@ -6,6 +6,7 @@
 #include <numbers>
 #include <random>
 
+#include "core/circle.h"
 #include "geometry/entity_geometry.h"
 #include "geometry/marquee.h"
 #include "geometry/selection_handles.h"
@@ -68,7 +69,7 @@ TEST(HitTesting, TheIndexPicksAndSelectsWhatAWalkDoes) {
     const SketchPoint point = drawing.point();
     EXPECT_EQ(pickEntityAtPoint(index, point, scale), pickEntityAtPoint(entities, point, scale));
     const SketchPoint corner = drawing.point();
-    const QueryRect rect{std::min(point.x, corner.x), std::min(point.y, corner.y),
+    const SketchBox rect{std::min(point.x, corner.x), std::min(point.y, corner.y),
                          std::max(point.x, corner.x), std::max(point.y, corner.y)};
     for (const bool crossing : {false, true}) {
       EXPECT_EQ(entitiesInMarquee(index, rect, crossing), entitiesInMarquee(entities, rect, crossing));
@@ -77,7 +78,7 @@ TEST(HitTesting, TheIndexPicksAndSelectsWhatAWalkDoes) {
 }
 
 TEST(Marquee, MinimumEdgesAreInsideAndMaximumEdgesAreNot) {
-  const QueryRect rect{0, 0, 10, 10};
+  const SketchBox rect{0, 0, 10, 10};
   EXPECT_TRUE(rectContains(rect, {0, 0}));
   EXPECT_FALSE(rectContains(rect, {10, 5}));
   const auto window = [&](const SketchEntity& entity) { return entityContainedInRect(entity, rect); };
@@ -90,7 +91,7 @@ TEST(Marquee, MinimumEdgesAreInsideAndMaximumEdgesAreNot) {
 }
 
 TEST(Marquee, CrossingTakesWhatItTouches) {
-  const QueryRect rect{0, 0, 10, 10};
+  const SketchBox rect{0, 0, 10, 10};
   const auto crosses = [&](const SketchEntity& entity) { return entityIntersectsRect(entity, rect); };
   EXPECT_TRUE(crosses(LineEntity{id(), {-5, 5}, {15, 5}}));
   EXPECT_TRUE(crosses(LineEntity{id(), {-5, 5}, {0, 5}}));

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "core/circle.h"
 #include "support/random_drawing.h"
 #include "support/test_sketch.h"
 

@@ -167,7 +167,7 @@ TEST_F(CanvasRenderer, CopesWithNumbersThatNoPainterCounts) {
   RecordingPainter painter;
   const CanvasFrame now = frame();
   paintEntities(painter, now, entities, *sketch.wallSystemSpecs);
-  const ViewRect box = now.clipBox().grown(1);
+  const SketchBox box = now.clipBox().grown(1);
   EXPECT_GT(painter.calls.size(), 20u);
   for (const auto& call : painter.calls) {
     for (const auto& piece : call.pieces) {
@@ -193,7 +193,7 @@ TEST_F(CanvasRenderer, PaintsTheSeenPartOfAGiantCircle) {
   }
   EXPECT_TRUE(passesMiddle);
   // The half of the box right of the edge is inside.
-  const ViewRect box{0, 0, 400, 300};
+  const SketchBox box{0, 0, 400, 300};
   const auto disc = clippedDisc({200 + 4 * radius, 150}, 4 * radius, box);
   EXPECT_NEAR(polygonArea(disc), 200 * 300, 200);
   EXPECT_EQ(clippedDisc({200, 150}, 1e9, box).size(), 4u);
@@ -272,7 +272,7 @@ TEST_F(CanvasRenderer, MarksTheSnappedPoints) {
   sketch.publishSnap({.point = {5, 5}, .entitySnap = target, .entitySnapSourcePoint = SketchPoint{5, 5.4}});
   auto calls = paint(CanvasLayer::markers);
   ASSERT_EQ(calls.size(), 2u) << "a source so near is the same point";
-  EXPECT_EQ(calls[0].rect, (ViewRect{215, 125, 225, 135}));
+  EXPECT_EQ(calls[0].rect, (SketchBox{215, 125, 225, 135}));
   EXPECT_EQ(calls[0].fill, Fill{colors().active});
   EXPECT_EQ(calls[1].stroke, (Stroke{.color = colors().active, .opacity = 0.9, .width = 1}));
 
@@ -284,7 +284,7 @@ TEST_F(CanvasRenderer, MarksTheSnappedPoints) {
   sketch.publishSnap({.point = {10, 10}, .gridSnap = GridSnapTarget{{10, 10}, {}, false}});
   calls = paint(CanvasLayer::markers);
   ASSERT_EQ(calls.size(), 1u);
-  EXPECT_EQ(calls[0].rect, (ViewRect{235, 105, 245, 115}));
+  EXPECT_EQ(calls[0].rect, (SketchBox{235, 105, 245, 115}));
   EXPECT_EQ(calls[0].stroke, (Stroke{.color = kThemeGreen, .opacity = 0.9, .width = 1.5}));
 }
 
@@ -296,7 +296,7 @@ TEST_F(CanvasRenderer, PulsesWhilePointIsAboutToLockAndMarksTheLock) {
   auto calls = paint(CanvasLayer::dwellPulse);
   ASSERT_EQ(calls.size(), 2u);
   // Progress 0.3125: the swing is sin(2.5π) = 1, at its full height.
-  EXPECT_EQ(calls[0].rect, ViewRect::centered({200, 150}, 5.625));
+  EXPECT_EQ(calls[0].rect, SketchBox::centered({200, 150}, 5.625));
   EXPECT_NEAR(calls[0].fill.opacity, 0.490625, 1e-12);
   EXPECT_NEAR(calls[1].ellipse.radius, 5.625 + 3 + 4 + 0.9375, 1e-9);
   EXPECT_NEAR(calls[1].stroke.opacity, 0.9, 1e-12);
@@ -310,7 +310,7 @@ TEST_F(CanvasRenderer, PulsesWhilePointIsAboutToLockAndMarksTheLock) {
   EXPECT_EQ(calls[0].pieces[0], (Points{{0, 150}, {400, 150}}));
   EXPECT_EQ(calls[1].pieces[0], (Points{{200, 0}, {200, 300}}));
   EXPECT_EQ(calls[1].stroke, (Stroke{.color = colors().active, .opacity = 0.9, .width = 1.5}));
-  EXPECT_EQ(calls[2].rect, ViewRect::centered({200, 150}, 6.5));
+  EXPECT_EQ(calls[2].rect, SketchBox::centered({200, 150}, 6.5));
   EXPECT_EQ(calls[2].fill, (Fill{colors().active, 0.85}));
   EXPECT_EQ(calls[3].stroke, (Stroke{.color = colors().active, .width = 1.5}));
 

@@ -80,7 +80,7 @@ class EditedDrawing : public testing::TestSketch {
     EXPECT_EQ(pickEntityAtPoint(index, at, scale), pickEntityAtPoint(list, at, scale));
     EXPECT_EQ(SketchSnapping::nearestEntityTarget(index, excluded, at, scale, other),
               SketchSnapping::nearestEntityTarget(list, excluded, at, scale, other));
-    const QueryRect rect{std::min(at.x, other.x), std::min(at.y, other.y), std::max(at.x, other.x),
+    const SketchBox rect{std::min(at.x, other.x), std::min(at.y, other.y), std::max(at.x, other.x),
                          std::max(at.y, other.y)};
     const bool isCrossing = random.below(2) == 0;
     EXPECT_EQ(entitiesInMarquee(index, rect, isCrossing), entitiesInMarquee(list, rect, isCrossing));

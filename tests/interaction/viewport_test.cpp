@@ -24,7 +24,7 @@ TEST(CanvasTransform, MapsBothWaysWithYTurned) {
   const SketchViewport viewport{{100, 50}, 2};
   EXPECT_EQ(sketchPointToView({10, 5}, viewport), (SketchPoint{120, 40}));
   EXPECT_EQ(viewPointToSketch({120, 40}, viewport), (SketchPoint{10, 5}));
-  EXPECT_EQ(visibleSketchRect({400, 200}, viewport), (VisibleSketchRect{-50, -75, 200, 100}));
+  EXPECT_EQ(visibleSketchBox({400, 200}, viewport), (SketchBox{-50, -75, 150, 25}));
 }
 
 TEST(CanvasTransform, PicksTheNearestGridStepAndTheSmallerOfTwo) {

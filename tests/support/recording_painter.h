@@ -17,7 +17,7 @@ struct PaintCall {
   std::vector<std::vector<SketchPoint>> pieces;  ///< of a path; segments as pairs
   std::vector<bool> closed;                      ///< piece by piece
   CanvasEllipse ellipse;
-  ViewRect rect;
+  SketchBox rect;
   double cornerRadius = 0;
   std::string text;
   double textHeight = 0;
@@ -45,7 +45,7 @@ class RecordingPainter final : public CanvasPainter {
   void strokeEllipse(const CanvasEllipse& ellipse, const Stroke& stroke) override {
     calls.push_back({.shape = PaintCall::Shape::ellipse, .ellipse = ellipse, .stroke = stroke});
   }
-  void strokeRoundedRect(const ViewRect& rect, double cornerRadius, const Stroke& stroke) override {
+  void strokeRoundedRect(const SketchBox& rect, double cornerRadius, const Stroke& stroke) override {
     calls.push_back(
         {.shape = PaintCall::Shape::rect, .rect = rect, .cornerRadius = cornerRadius, .stroke = stroke});
   }
@@ -61,7 +61,7 @@ class RecordingPainter final : public CanvasPainter {
                      .ellipse = ellipse,
                      .fill = fill});
   }
-  void fillRoundedRect(const ViewRect& rect, double cornerRadius, const Fill& fill) override {
+  void fillRoundedRect(const SketchBox& rect, double cornerRadius, const Fill& fill) override {
     calls.push_back({.kind = PaintCall::Kind::fill,
                      .shape = PaintCall::Shape::rect,
                      .rect = rect,
@@ -71,7 +71,7 @@ class RecordingPainter final : public CanvasPainter {
   void drawText(std::string_view text, SketchPoint center, double height, const Fill& fill) override {
     calls.push_back({.kind = PaintCall::Kind::text,
                      .shape = PaintCall::Shape::text,
-                     .rect = ViewRect::centered(center, 0),
+                     .rect = SketchBox::centered(center, 0),
                      .text = std::string(text),
                      .textHeight = height,
                      .fill = fill});
