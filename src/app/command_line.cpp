@@ -42,12 +42,12 @@ std::filesystem::path documentPath(std::string_view option, const std::string& t
   return path;
 }
 
-CommandLineError missingValue(std::string_view option) {
-  return CommandLineError(fmt::format("The option {} needs a value.", option));
+[[noreturn]] void refuseMissingValue(std::string_view option) {
+  throw CommandLineError(fmt::format("The option {} needs a value.", option));
 }
 
-CommandLineError unknownOption(std::string_view argument) {
-  return CommandLineError(fmt::format("Unknown option \"{}\"; --help lists them all.", argument));
+[[noreturn]] void refuseUnknownOption(std::string_view argument) {
+  throw CommandLineError(fmt::format("Unknown option \"{}\"; --help lists them all.", argument));
 }
 
 // The arguments in the form that the library reads: a long name behind one dash is taken out, a value
@@ -63,7 +63,7 @@ std::vector<std::string> readable(const std::vector<std::string>& arguments, CLI
     const std::size_t equals = argument.starts_with("--") ? argument.find('=') : std::string::npos;
     const std::string name = argument.substr(0, equals);
     const CLI::Option* option = equals == std::string::npos ? nullptr : parser.get_option_no_throw(name);
-    if (option && option->get_items_expected_max() == 0) throw unknownOption(argument);
+    if (option && option->get_items_expected_max() == 0) refuseUnknownOption(argument);
     if (option && equals + 1 == argument.size()) {
       result.insert(result.end(), {name, ""});
     } else {
@@ -92,7 +92,7 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
   const auto option = [&](const std::string& name, const std::function<void(const std::string&)>& apply) {
     const auto take = [name, apply](const CLI::results_t& values) {
       // An empty address or key stands for a build that has none.
-      if (values.front().empty() && !name.starts_with("--update-")) throw missingValue(name);
+      if (values.front().empty() && !name.starts_with("--update-")) refuseMissingValue(name);
       apply(values.front());
       return true;
     };
@@ -142,10 +142,10 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
     parser.parse(reversed);
   } catch (const CLI::ArgumentMismatch&) {
     // Only the last argument can lack what must follow it.
-    throw missingValue(arguments.back());
+    refuseMissingValue(arguments.back());
   }
   for (const std::string& argument : parser.remaining()) {
-    if (argument.starts_with("-")) throw unknownOption(argument);
+    if (argument.starts_with("-")) refuseUnknownOption(argument);
     if (line.document) {
       throw CommandLineError(fmt::format("Only one document can be opened, not also \"{}\".", argument));
     }
