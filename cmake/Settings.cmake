@@ -24,7 +24,7 @@ if(OSTRELON_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
       ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${OSTRELON_CCACHE})
 endif()
 
-# Short debug information keeps builds small; paths are told from the root of the project.
+# Short debug information keeps builds small; paths are relative to the root of the project.
 set(CMAKE_CXX_FLAGS_DEBUG "-O0 -g1")
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
@@ -42,7 +42,7 @@ if(OSTRELON_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 endif()
 if(OSTRELON_FUZZERS)
-  # All code tells the fuzzer which branches an input takes.
+  # All code reports to the fuzzer which branches an input takes.
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 if(OSTRELON_SANITIZE_THREAD)

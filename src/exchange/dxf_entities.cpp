@@ -20,7 +20,7 @@ bool isFinite(SketchPoint p) { return std::isfinite(p.x) && std::isfinite(p.y); 
 SketchPoint mirrored(SketchPoint p) { return {-p.x, p.y}; }
 
 bool addLine(const DxfObject& object, std::vector<SketchEntity>& entities) {
-  // A line is told in the coordinates of the world, whatever its plane.
+  // A line is given in the coordinates of the world, whatever its plane.
   entities.emplace_back(
       LineEntity{UUID::random(), object.point(10, "start point"), object.point(11, "end point")});
   return true;
