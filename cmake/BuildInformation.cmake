@@ -1,5 +1,5 @@
 # What a build says about itself, and where its updates come from. A build without a feed and a key
-# checks for no updates and says so; docs/releasing.md tells how to make the two.
+# checks for no updates and says so; docs/releasing.md explains how to make the two.
 set(OSTRELON_VERSION "" CACHE STRING "The version, as 1.2.0 or 1.2.0-beta.1; empty for the project's own")
 set(OSTRELON_BUILD "" CACHE STRING "The build number shown beside the version")
 set(OSTRELON_UPDATE_FEED_URL "" CACHE STRING "The https address of the release feed")

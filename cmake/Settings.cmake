@@ -24,7 +24,7 @@ if(OSTRELON_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
       ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${OSTRELON_CCACHE})
 endif()
 
-# Short debug information keeps builds small; paths are told from the root of the project.
+# Short debug information keeps builds small; paths are relative to the root of the project.
 set(CMAKE_CXX_FLAGS_DEBUG "-O0 -g1")
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
@@ -42,7 +42,7 @@ if(OSTRELON_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 endif()
 if(OSTRELON_FUZZERS)
-  # All code tells the fuzzer which branches an input takes.
+  # All code reports to the fuzzer which branches an input takes.
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 if(OSTRELON_SANITIZE_THREAD)
@@ -51,10 +51,12 @@ if(OSTRELON_SANITIZE_THREAD)
 endif()
 
 find_package(PkgConfig REQUIRED)
+pkg_check_modules(XXHASH REQUIRED IMPORTED_TARGET libxxhash)
 find_package(ICU REQUIRED COMPONENTS uc i18n data)
 find_package(fmt REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(simdjson REQUIRED)
 find_package(OpenSSL REQUIRED COMPONENTS Crypto)
 find_package(ZLIB REQUIRED)
+find_package(CLI11 REQUIRED)
 find_package(Threads REQUIRED)

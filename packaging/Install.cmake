@@ -11,7 +11,7 @@ set(OSTRELON_MAINTAINER "Ostrelon Authors <authors@ostrelon.org>" CACHE STRING
 string(TIMESTAMP OSTRELON_PACKAGE_DAY "%Y-%m-%d" UTC)
 string(TIMESTAMP OSTRELON_PACKAGE_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
 set(OSTRELON_PACKAGE_VERSION "${OSTRELON_VERSION_TEXT}")
-# A prerelease sorts before its release in Debian when a tilde stands before it, and is told apart in
+# A prerelease sorts before its release in Debian when a tilde stands before it, and is distinguished in
 # the software centre.
 string(REPLACE "-" "~" OSTRELON_DEBIAN_VERSION "${OSTRELON_PACKAGE_VERSION}")
 if(OSTRELON_PACKAGE_VERSION MATCHES "-")

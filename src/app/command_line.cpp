@@ -2,9 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <functional>
-#include <map>
 #include <string_view>
 
 #include "platform/unicode.h"
@@ -13,6 +13,7 @@ namespace ostrelon {
 namespace {
 
 constexpr std::string_view kDocumentExtension = ".ostrel";
+constexpr std::string_view kUITestingOption = "-uiTestingResetProjectsFolder";
 
 // An export option, with its complaint as one about the command line.
 void setOption(CommandLine& line, std::string_view name, const std::string& value) {
@@ -41,6 +42,37 @@ std::filesystem::path documentPath(std::string_view option, const std::string& t
   return path;
 }
 
+[[noreturn]] void refuseMissingValue(std::string_view option) {
+  throw CommandLineError(fmt::format("The option {} needs a value.", option));
+}
+
+[[noreturn]] void refuseUnknownOption(std::string_view argument) {
+  throw CommandLineError(fmt::format("Unknown option \"{}\"; --help lists them all.", argument));
+}
+
+// The arguments in the form that the library reads: a long name behind one dash is taken out, a value
+// behind a flag's equals sign is refused, and an empty value becomes an argument of its own.
+std::vector<std::string> readable(const std::vector<std::string>& arguments, CLI::App& parser,
+                                  CommandLine& line) {
+  std::vector<std::string> result;
+  for (const std::string& argument : arguments) {
+    if (argument == kUITestingOption) {
+      line.isUITesting = true;
+      continue;
+    }
+    const std::size_t equals = argument.starts_with("--") ? argument.find('=') : std::string::npos;
+    const std::string name = argument.substr(0, equals);
+    const CLI::Option* option = equals == std::string::npos ? nullptr : parser.get_option_no_throw(name);
+    if (option && option->get_items_expected_max() == 0) refuseUnknownOption(argument);
+    if (option && equals + 1 == argument.size()) {
+      result.insert(result.end(), {name, ""});
+    } else {
+      result.push_back(argument);
+    }
+  }
+  return result;
+}
+
 }  // namespace
 
 CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
@@ -51,76 +83,69 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
   std::optional<std::filesystem::path> opened;
   std::optional<CommandLine::Mode> asked;
 
-  const auto exporting = [&](std::string_view option, std::string_view name, const std::string& value) {
-    setOption(line, name, value);
-    exportOption = option;
+  CLI::App parser;
+  parser.set_help_flag();  // the library's own text and exit are not wanted
+  parser.allow_extras();   // judged below, in words of our own
+  const auto flag = [&](const std::string& names, const std::function<void()>& apply) {
+    parser.add_flag_callback(names, apply)->trigger_on_parse();
   };
-
-  const std::map<std::string_view, std::function<void()>> flags{
-      {"--help", [&] { asked = CommandLine::Mode::help; }},
-      {"-h", [&] { asked = CommandLine::Mode::help; }},
-      {"--version", [&] { asked = CommandLine::Mode::version; }},
-      {"--automation", [&] { isAutomation = true; }},
-      {"--grid", [&] { exporting("--grid", "grid", "on"); }},
-      {"--portrait", [&] { exporting("--portrait", "orientation", "portrait"); }},
-      {"--landscape", [&] { exporting("--landscape", "orientation", "landscape"); }},
-      {"--to-feet", [&] { line.convertImports = true; }},
-      {"-uiTestingResetProjectsFolder", [&] { line.isUITesting = true; }},
-  };
-  const std::map<std::string_view, std::function<void(const std::string&)>> options{
-      {"--home", [&](const std::string& value) { line.home = value; }},
-      {"--console", [&](const std::string& value) { line.consoleFiles.push_back(value); }},
-      {"--open", [&](const std::string& value) { opened = documentPath("--open", value); }},
-      {"--save", [&](const std::string& value) { line.saveAs = documentPath("--save", value); }},
-      {"--import", [&](const std::string& value) { line.imports.emplace_back(value); }},
-      {"--export", [&](const std::string& value) { line.exports.push_back(exportPath(value)); }},
-      {"--size", [&](const std::string& value) { exporting("--size", "size", value); }},
-      {"--pixel-ratio", [&](const std::string& value) { exporting("--pixel-ratio", "pixel-ratio", value); }},
-      {"--paper", [&](const std::string& value) { exporting("--paper", "paper", value); }},
-      {"--scale", [&](const std::string& value) { exporting("--scale", "scale", value); }},
-      {"--theme", [&](const std::string& value) { exporting("--theme", "theme", value); }},
-      {"--dxf", [&](const std::string& value) { exporting("--dxf", "dxf", value); }},
-      {"--clock",
-       [&](const std::string& value) {
-         line.clock = value;
-         automationOption = "--clock";
-       }},
-      {"--update-feed",
-       [&](const std::string& value) {
-         line.updateFeed = value;
-         automationOption = "--update-feed";
-       }},
-      {"--update-key",
-       [&](const std::string& value) {
-         line.updateKey = value;
-         automationOption = "--update-key";
-       }},
-  };
-
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string& argument = arguments[i];
-    if (const auto flag = flags.find(argument); flag != flags.end()) {
-      flag->second();
-      continue;
-    }
-    // A value follows as the next argument, or behind an equals sign.
-    const std::size_t equals = argument.starts_with("--") ? argument.find('=') : std::string::npos;
-    const auto option = options.find(std::string_view(argument).substr(0, equals));
-    if (option != options.end()) {
-      if (equals == std::string::npos && i + 1 == arguments.size()) {
-        throw CommandLineError(fmt::format("The option {} needs a value.", argument));
-      }
-      const std::string value = equals == std::string::npos ? arguments[++i] : argument.substr(equals + 1);
+  const auto option = [&](const std::string& name, const std::function<void(const std::string&)>& apply) {
+    const auto take = [name, apply](const CLI::results_t& values) {
       // An empty address or key stands for a build that has none.
-      if (value.empty() && !option->first.starts_with("--update-")) {
-        throw CommandLineError(fmt::format("The option {} needs a value.", option->first));
-      }
-      option->second(value);
-      continue;
-    }
-    if (argument.starts_with("-")) {
-      throw CommandLineError(fmt::format("Unknown option \"{}\"; --help lists them all.", argument));
-    }
+      if (values.front().empty() && !name.starts_with("--update-")) refuseMissingValue(name);
+      apply(values.front());
+      return true;
+    };
+    parser.add_option(name, take)->trigger_on_parse();
+  };
+  const auto exportFlag = [&](const std::string& name, const char* setting, const char* value) {
+    flag(name, [&, name, setting, value] {
+      setOption(line, setting, value);
+      exportOption = name;
+    });
+  };
+  const auto exportSetting = [&](const std::string& setting) {
+    option("--" + setting, [&, setting](const std::string& value) {
+      setOption(line, setting, value);
+      exportOption = "--" + setting;
+    });
+  };
+  const auto automationSetting = [&](const std::string& name, std::optional<std::string>& setting) {
+    option(name, [&, name](const std::string& value) {
+      setting = value;
+      automationOption = name;
+    });
+  };
+
+  flag("--help,-h", [&] { asked = CommandLine::Mode::help; });
+  flag("--version", [&] { asked = CommandLine::Mode::version; });
+  flag("--automation", [&] { isAutomation = true; });
+  flag("--to-feet", [&] { line.convertImports = true; });
+  exportFlag("--grid", "grid", "on");
+  exportFlag("--portrait", "orientation", "portrait");
+  exportFlag("--landscape", "orientation", "landscape");
+  option("--home", [&](const std::string& value) { line.home = value; });
+  option("--console", [&](const std::string& value) { line.consoleFiles.push_back(value); });
+  option("--open", [&](const std::string& value) { opened = documentPath("--open", value); });
+  option("--save", [&](const std::string& value) { line.saveAs = documentPath("--save", value); });
+  option("--import", [&](const std::string& value) { line.imports.emplace_back(value); });
+  option("--export", [&](const std::string& value) { line.exports.push_back(exportPath(value)); });
+  for (const char* setting : {"size", "pixel-ratio", "paper", "scale", "theme", "dxf"})
+    exportSetting(setting);
+  automationSetting("--clock", line.clock);
+  automationSetting("--update-feed", line.updateFeed);
+  automationSetting("--update-key", line.updateKey);
+
+  std::vector<std::string> reversed = readable(arguments, parser, line);
+  std::reverse(reversed.begin(), reversed.end());  // as the library takes them
+  try {
+    parser.parse(reversed);
+  } catch (const CLI::ArgumentMismatch&) {
+    // Only the last argument can lack what must follow it.
+    refuseMissingValue(arguments.back());
+  }
+  for (const std::string& argument : parser.remaining()) {
+    if (argument.starts_with("-")) refuseUnknownOption(argument);
     if (line.document) {
       throw CommandLineError(fmt::format("Only one document can be opened, not also \"{}\".", argument));
     }

@@ -1,5 +1,4 @@
 // Arguments: JSON as the program's values.
-#include <array>
 #include <limits>
 
 #include "automation/json_values.h"
@@ -22,23 +21,20 @@ void expectObject(const Json& json, const char* what) {
   if (!json.is_object()) throw ArgumentError(std::string("expected ") + what);
 }
 
-// A case by its name, or by its raw position where it has one.
-template <class Enumeration, std::size_t Count>
-Enumeration readCase(const Json& json, const std::array<const char*, Count>& names) {
+}  // namespace
+
+std::size_t readCasePosition(const Json& json, std::span<const std::string_view> names) {
   if (json.is_number_integer() && json.get<std::int64_t>() >= 0 &&
-      json.get<std::int64_t>() < static_cast<std::int64_t>(Count)) {
-    return static_cast<Enumeration>(json.get<int>());
+      json.get<std::int64_t>() < static_cast<std::int64_t>(names.size())) {
+    return json.get<std::size_t>();
   }
   std::string all;
-  for (std::size_t i = 0; i < Count; ++i) {
-    if (json.is_string() && json.get_ref<const std::string&>() == names[i])
-      return static_cast<Enumeration>(i);
-    all += (i == 0 ? "" : ", ") + std::string(names[i]);
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (json.is_string() && json.get_ref<const std::string&>() == names[i]) return i;
+    all.append(i == 0 ? "" : ", ").append(names[i]);
   }
   throw ArgumentError("expected one of " + all);
 }
-
-}  // namespace
 
 const Json& memberOf(const Json& object, const char* key) {
   static const Json missing;
@@ -128,48 +124,6 @@ SketchTool Reader<SketchTool>::read(const Json& json, const ReadContext&) {
 }
 
 template <>
-AxisSnap Reader<AxisSnap>::read(const Json& json, const ReadContext&) {
-  return readCase<AxisSnap>(json, std::array{"horizontal", "vertical", "diagonalUp", "diagonalDown"});
-}
-
-template <>
-EntitySnapKind Reader<EntitySnapKind>::read(const Json& json, const ReadContext&) {
-  return readCase<EntitySnapKind>(
-      json, std::array{"endpoint", "midpoint", "center", "quadrant", "tangent", "corner", "edgeMidpoint"});
-}
-
-template <>
-EntityConversionTarget Reader<EntityConversionTarget>::read(const Json& json, const ReadContext&) {
-  return readCase<EntityConversionTarget>(json, std::array{"line", "wall"});
-}
-
-template <>
-EntityEditResult Reader<EntityEditResult>::read(const Json& json, const ReadContext&) {
-  return readCase<EntityEditResult>(
-      json, std::array{"applied", "unchanged", "noSelection", "invalidValue", "unsupported"});
-}
-
-template <>
-AlignmentAxis Reader<AlignmentAxis>::read(const Json& json, const ReadContext&) {
-  return readCase<AlignmentAxis>(json, std::array{"horizontal", "vertical"});
-}
-
-template <>
-DocumentToastState::Style Reader<DocumentToastState::Style>::read(const Json& json, const ReadContext&) {
-  return readCase<DocumentToastState::Style>(json, std::array{"saving", "success", "error"});
-}
-
-template <>
-AppearanceMode Reader<AppearanceMode>::read(const Json& json, const ReadContext&) {
-  return readCase<AppearanceMode>(json, std::array{"system", "light", "dark", "tansy"});
-}
-
-template <>
-ColorScheme Reader<ColorScheme>::read(const Json& json, const ReadContext&) {
-  return readCase<ColorScheme>(json, std::array{"light", "dark"});
-}
-
-template <>
 SketchEntity Reader<SketchEntity>::read(const Json& json, const ReadContext& context) {
   if (json.is_string()) {
     const UUID id = Reader<UUID>::read(json, context);
@@ -241,13 +195,11 @@ SketchBox Reader<SketchBox>::read(const Json& json, const ReadContext& context) 
 
 template <>
 SelectionHandle Reader<SelectionHandle>::read(const Json& json, const ReadContext& context) {
-  constexpr std::array names{"polygonVertex", "lineStart",    "lineEnd",      "circleCenter", "circleRadius",
-                             "rectMinXMinY",  "rectMaxXMinY", "rectMaxXMaxY", "rectMinXMaxY"};
   if (json.is_object()) {
     return SelectionHandle::polygonVertex(member<int>(json, "polygonVertex", context));
   }
   if (!json.is_string()) throw ArgumentError("expected a handle");
-  return {readCase<SelectionHandle::Kind>(json, names), 0};
+  return {Reader<SelectionHandle::Kind>::read(json, context), 0};
 }
 
 template <>

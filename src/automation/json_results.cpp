@@ -1,25 +1,11 @@
 // Results: the program's values as JSON.
 #include <algorithm>
-#include <array>
 
 #include "automation/json_values.h"
 #include "documents/sketch_document_io.h"
 #include "updates/update_feed.h"
 
 namespace ostrelon {
-namespace {
-
-// The names of a plain enumeration's cases, in their order.
-template <class Enumeration, std::size_t Count>
-Json caseName(Enumeration value, const std::array<const char*, Count>& names) {
-  return names[static_cast<std::size_t>(value)];
-}
-
-constexpr std::array<const char*, 9> kHandleNames{"polygonVertex", "lineStart",    "lineEnd",
-                                                  "circleCenter",  "circleRadius", "rectMinXMinY",
-                                                  "rectMaxXMinY",  "rectMaxXMaxY", "rectMinXMaxY"};
-
-}  // namespace
 
 Json toJson(const FilePath& value) { return value.string(); }
 Json toJson(const UUID& value) { return value.text(); }
@@ -28,31 +14,6 @@ Json toJson(SketchPoint value) { return Json::array({value.x, value.y}); }
 Json toJson(SketchSize value) { return Json::array({value.width, value.height}); }
 
 Json toJson(SketchTool value) { return std::string(rawValue(value)); }
-
-Json toJson(AxisSnap value) {
-  return caseName(value, std::array{"horizontal", "vertical", "diagonalUp", "diagonalDown"});
-}
-
-Json toJson(EntitySnapKind value) {
-  return caseName(
-      value, std::array{"endpoint", "midpoint", "center", "quadrant", "tangent", "corner", "edgeMidpoint"});
-}
-
-Json toJson(EntityEditResult value) {
-  return caseName(value, std::array{"applied", "unchanged", "noSelection", "invalidValue", "unsupported"});
-}
-
-Json toJson(EntityConversionTarget value) { return caseName(value, std::array{"line", "wall"}); }
-
-Json toJson(DocumentToastState::Style value) {
-  return caseName(value, std::array{"saving", "success", "error"});
-}
-
-Json toJson(AppearanceMode value) { return std::string(rawValue(value)); }
-Json toJson(ColorScheme value) { return caseName(value, std::array{"light", "dark"}); }
-Json toJson(TrimFailure value) {
-  return caseName(value, std::array{"noIntersection", "intersectionAtEndpoint"});
-}
 
 Json toJson(const SketchEntity& value) {
   Json json{{"case", std::string(entityKindName(value))}, {"id", toJson(entityID(value))}};
@@ -132,9 +93,9 @@ Json toJson(const SelectMarqueeState& value) {
 }
 
 Json toJson(const SelectionHandle& value) {
-  const char* name = kHandleNames[static_cast<std::size_t>(value.kind)];
-  if (value.kind == SelectionHandle::Kind::polygonVertex) return {{name, value.index}};
-  return name;
+  Json name = toJson(value.kind);
+  if (value.kind != SelectionHandle::Kind::polygonVertex) return name;
+  return {{name.get<std::string>(), value.index}};
 }
 
 Json toJson(const std::map<SelectionHandle, SketchPoint>& values) {

@@ -4,13 +4,16 @@
 
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
 #include <variant>
 #include <vector>
 
+#include "automation/case_names.h"
 #include "automation/json_text.h"
 #include "core/sketch_view_model.h"
 #include "documents/app_settings.h"
@@ -52,14 +55,10 @@ Json toJson(SketchPoint value);
 Json toJson(SketchSize value);
 
 Json toJson(SketchTool value);
-Json toJson(AxisSnap value);
-Json toJson(EntitySnapKind value);
-Json toJson(EntityEditResult value);
-Json toJson(EntityConversionTarget value);
-Json toJson(DocumentToastState::Style value);
-Json toJson(AppearanceMode value);
-Json toJson(ColorScheme value);
-Json toJson(TrimFailure value);
+template <HasCaseNames Enumeration>
+Json toJson(Enumeration value) {
+  return CaseNames<Enumeration>::names()[static_cast<std::size_t>(value)];
+}
 
 Json toJson(const SketchEntity& value);
 Json toJson(const EntityList& value);
@@ -177,6 +176,17 @@ struct Reader<std::pair<A, B>> {
   static std::pair<A, B> read(const Json& json, const ReadContext& context) {
     if (!json.is_array() || json.size() != 2) throw ArgumentError("expected a pair");
     return {Reader<A>::read(json[0], context), Reader<B>::read(json[1], context)};
+  }
+};
+
+/// The position of a case that is given by its name, or by that position itself.
+std::size_t readCasePosition(const Json& json, std::span<const std::string_view> names);
+
+template <HasCaseNames Enumeration>
+struct Reader<Enumeration> {
+  static Enumeration read(const Json& json, const ReadContext&) {
+    const auto names = CaseNames<Enumeration>::names();
+    return static_cast<Enumeration>(readCasePosition(json, names));
   }
 };
 

@@ -1,6 +1,8 @@
 #include "documents/app_settings.h"
 
 #include <algorithm>
+#include <array>
+#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -13,6 +15,14 @@ constexpr const char* kDefaultStorage = "default";
 constexpr const char* kCustomStorage = "custom";
 constexpr const char* kProjectsFolderName = "Ostrelon";
 
+struct AppearanceNames {
+  std::string_view raw;
+  std::string_view display;
+};
+// In the order of the cases.
+constexpr std::array<AppearanceNames, std::size(kAppearanceModes)> kAppearanceNames{
+    {{"system", "System"}, {"light", "Light"}, {"dark", "Dark"}, {"tansy", "Tansy"}}};
+
 int intervalAtStart(std::optional<std::int64_t> stored) {
   if (!stored || *stored <= 0) return kDefaultAutoSaveMinutes;
   return static_cast<int>(std::min<std::int64_t>(*stored, kLongestAutoSaveMinutes));
@@ -21,31 +31,11 @@ int intervalAtStart(std::optional<std::int64_t> stored) {
 }  // namespace
 
 std::string_view rawValue(AppearanceMode mode) {
-  switch (mode) {
-    case AppearanceMode::system:
-      return "system";
-    case AppearanceMode::light:
-      return "light";
-    case AppearanceMode::dark:
-      return "dark";
-    case AppearanceMode::tansy:
-      return "tansy";
-  }
-  return "system";
+  return kAppearanceNames[static_cast<std::size_t>(mode)].raw;
 }
 
 std::string_view displayName(AppearanceMode mode) {
-  switch (mode) {
-    case AppearanceMode::system:
-      return "System";
-    case AppearanceMode::light:
-      return "Light";
-    case AppearanceMode::dark:
-      return "Dark";
-    case AppearanceMode::tansy:
-      return "Tansy";
-  }
-  return "System";
+  return kAppearanceNames[static_cast<std::size_t>(mode)].display;
 }
 
 std::optional<AppearanceMode> appearanceModeFromRawValue(std::string_view raw) {

@@ -18,7 +18,7 @@ constexpr double kSmallestBulge = 1e-12;
 SketchPoint mirrored(SketchPoint p) { return {-p.x, p.y}; }
 
 bool addLine(const DxfObject& object, std::vector<SketchEntity>& entities) {
-  // A line is told in the coordinates of the world, whatever its plane.
+  // A line is given in the coordinates of the world, whatever its plane.
   entities.emplace_back(
       LineEntity{UUID::random(), object.point(10, "start point"), object.point(11, "end point")});
   return true;

@@ -23,7 +23,7 @@ struct DxfPolyline {
   bool isMirrored = false;  ///< drawn on a plane seen from behind
 };
 
-/// The groups of one object, behind the one that names its kind.
+/// The groups of one object, after the one that names its kind.
 class DxfObject {
  public:
   DxfObject(std::string_view kind, std::size_t line) : kind_(kind), line_(line) {}

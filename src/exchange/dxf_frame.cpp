@@ -91,7 +91,7 @@ void beginTable(DxfOutput& out, const DxfFrame& frame, std::string_view name, Dx
 
 void endTable(DxfOutput& out) { out.text(0, "ENDTAB"); }
 
-// The start of a table's row. A 2000 file tells its number, its table and its class.
+// The start of a table's row. A 2000 file gives its number, its table and its class.
 void beginRow(DxfOutput& out, const DxfFrame& frame, std::string_view kind, DxfHandle handle, DxfHandle table,
               std::string_view className) {
   out.text(0, kind);
@@ -239,7 +239,7 @@ void writeLayout(DxfOutput& out, const DxfFrame& frame, std::string_view name, D
   const bool isModel = order == 0;
   out.groups({{0, "LAYOUT"}, {5, handle}, {330, kLayoutDictionary}, {100, "AcDbPlotSettings"}});
   out.groups({{1, ""}, {2, ""}, {4, ""}, {6, ""}, {40, 0.0}, {41, 0.0}, {42, 0.0}, {43, 0.0}});
-  // A sheet of 17 by 11 inches, told in millimetres.
+  // A sheet of 17 by 11 inches, given in millimetres.
   out.groups({{44, 431.8}, {45, 279.4}, {46, 0.0}, {47, 0.0}, {48, 0.0}, {49, 0.0}});
   out.groups({{140, 0.0}, {141, 0.0}, {142, 1.0}, {143, 1.0}, {70, isModel ? 1024 : 0}});
   out.groups({{72, 0}, {73, 0}, {74, 5}, {7, ""}, {75, 16}, {147, 1.0}, {148, 0.0}, {149, 0.0}});

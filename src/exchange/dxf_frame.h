@@ -1,4 +1,4 @@
-// What stands before and behind the entities of a DXF file: the header, the tables of layers, line
+// What stands before and after the entities of a DXF file: the header, the tables of layers, line
 // types and styles, the blocks and the objects that each version asks for.
 #pragma once
 
@@ -25,7 +25,7 @@ DxfHandle firstEntityHandle(const DxfLayers& layers);
 
 /// Everything up to the first entity.
 void writeDxfHead(DxfOutput& out, const DxfFrame& frame);
-/// Everything behind the last one.
+/// Everything after the last one.
 void writeDxfTail(DxfOutput& out, const DxfFrame& frame);
 
 }  // namespace ostrelon

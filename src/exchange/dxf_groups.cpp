@@ -78,7 +78,7 @@ std::optional<std::string_view> DxfGroupReader::nextLine() {
 std::optional<DxfGroup> DxfGroupReader::next() {
   const auto code = nextLine();
   if (!code) return std::nullopt;
-  // Empty lines and editors' end-of-file marks behind the last group are harmless.
+  // Empty lines and editors' end-of-file marks after the last group are harmless.
   if ((code->empty() || *code == "\x1A") && withoutBlanksInFront(rest_).empty()) return std::nullopt;
   const auto number = parsed<int>(*code);
   if (!number) {

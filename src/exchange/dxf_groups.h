@@ -1,4 +1,4 @@
-// The groups of a DXF text: a line with a code, a line with a value. What is not DXF at all is told
+// The groups of a DXF text: a line with a code, a line with a value. What is not DXF at all is reported
 // apart here, with the line on which it shows.
 #pragma once
 

@@ -1,6 +1,7 @@
 #include "exchange/dxf_layers.h"
 
 #include <fmt/format.h>
+#include <unicode/utf8.h>
 
 #include <cstdint>
 #include <unordered_set>
@@ -18,47 +19,23 @@ bool isAsciiLetterOrDigit(unsigned char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
 
-struct CodePoint {
-  std::uint32_t value = 0;
-  std::size_t length = 1;  // bytes
-  bool isValid = false;
-};
-
-// The first character of a text in UTF-8. A byte that begins none stands for itself, as not valid.
-CodePoint firstCodePoint(std::string_view text) {
-  const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const unsigned char lead = byte(0);
-  if (lead < 0x80) return {lead, 1, true};
-  const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-  if (lead < 0xC2 || lead > 0xF4 || text.size() < length) return {};
-  std::uint32_t value = lead & (0xFFU >> (length + 1));
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((byte(i) & 0xC0U) != 0x80) return {};
-    value = (value << 6U) | (byte(i) & 0x3FU);
-  }
-  return {value, length, true};
-}
-
-// One character as it stands in a layer name.
-std::string written(const CodePoint& c, DxfVersion version) {
-  const bool isAscii = c.isValid && c.value < 0x80;
-  if (isAscii && isAsciiLetterOrDigit(static_cast<unsigned char>(c.value))) {
-    return {static_cast<char>(c.value)};
-  }
+// One character as it stands in a layer name. Bytes that are no UTF-8 arrive as a negative number.
+std::string written(UChar32 c, DxfVersion version) {
+  const bool isAscii = c >= 0 && c < 0x80;
+  if (isAscii && isAsciiLetterOrDigit(static_cast<unsigned char>(c))) return {static_cast<char>(c)};
   if (version == DxfVersion::r12) {
-    const bool isAllowed = c.isValid && (c.value == '$' || c.value == '_' || c.value == '-');
-    return {isAllowed ? static_cast<char>(c.value) : '_'};
+    return {c == '$' || c == '_' || c == '-' ? static_cast<char>(c) : '_'};
   }
   if (isAscii) {
-    const char ascii = static_cast<char>(c.value);
-    const bool isControl = c.value < 0x20 || c.value == 0x7F;
+    const char ascii = static_cast<char>(c);
+    const bool isControl = c < 0x20 || c == 0x7F;
     return {isControl || kReserved2000.find(ascii) != std::string_view::npos ? '_' : ascii};
   }
   // The code page of the file, Windows-1252, has these at their own numbers.
-  if (c.isValid && c.value >= 0xA0 && c.value <= 0xFF) return {static_cast<char>(c.value)};
+  if (c >= 0xA0 && c <= 0xFF) return {static_cast<char>(c)};
   // The escape has four digits: what lies beyond has no form of its own.
-  if (!c.isValid || c.value > 0xFFFF || (c.value >= 0xD800 && c.value <= 0xDFFF)) return "_";
-  return fmt::format("\\U+{:04X}", c.value);
+  if (c < 0 || c > 0xFFFF) return "_";
+  return fmt::format("\\U+{:04X}", static_cast<std::uint32_t>(c));
 }
 
 std::size_t longestName(DxfVersion version) {
@@ -68,14 +45,15 @@ std::size_t longestName(DxfVersion version) {
 }  // namespace
 
 std::string dxfLayerName(std::string_view systemName, DxfVersion version) {
-  std::string_view rest = trimmed(systemName);
+  const std::string_view text = trimmed(systemName);
+  const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
   std::string name;
-  while (!rest.empty()) {
-    const CodePoint c = firstCodePoint(rest);
+  for (std::size_t at = 0; at < text.size();) {
+    UChar32 c = 0;
+    U8_NEXT(bytes, at, text.size(), c);
     const std::string piece = written(c, version);
     if (name.size() + piece.size() > longestName(version)) break;
     name += piece;
-    rest.remove_prefix(c.length);
   }
   return name.empty() ? "WALL" : name;
 }

@@ -28,7 +28,7 @@ class DxfLayers {
   DxfLayers(std::span<const WallSystemSpec> systems, DxfVersion version);
 
   /// The layer of the walls of this system. Systems of one name, case aside, share a layer; names
-  /// that become alike only on their way into the file are told apart by a number.
+  /// that become alike only on their way into the file are distinguished by a number.
   const std::string& layerOf(const UUID& systemID) const;
   /// All layers but the base layer, each once, in the order of the systems; the one of unknown
   /// systems last.

@@ -36,7 +36,7 @@ void DxfOutput::integer(int code, std::int64_t value) {
 void DxfOutput::real(int code, double value) {
   // A negative zero reads oddly and means nothing here.
   fmt::format_to(std::back_inserter(buffer_), "{}\n{}", code, value == 0 ? 0.0 : value);
-  // Older readers tell a real number by its point.
+  // Older readers recognise a real number by its point.
   const std::string_view written = std::string_view(buffer_).substr(buffer_.rfind('\n') + 1);
   if (written.find_first_of(".e") == std::string_view::npos) buffer_ += ".0";
   endGroup();

@@ -1,5 +1,5 @@
 // How a drawing is exported: the kind of file, its size or its sheet and scale, its colours. The
-// options are told by name and text, so that the command line, scripts and dialogs share one reading
+// options are given by name and text, so that the command line, scripts and dialogs share one reading
 // of them and one set of complaints.
 #pragma once
 

@@ -66,7 +66,7 @@ class PdfWriter::File {
  public:
   explicit File(Write write) : write_(std::move(write)) {
     offsets_.resize(kInformation + 1);
-    // Bytes beyond ASCII tell programs that carry files that this one is binary.
+    // Bytes beyond ASCII show programs that carry files that this one is binary.
     put("%PDF-1.4\n%\xE2\xE3\xCF\xD3\n");
   }
 

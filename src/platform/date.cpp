@@ -19,7 +19,7 @@ microseconds rounded(double seconds) {
   return microseconds(std::llround(held * 1e6));
 }
 
-/// Reads exactly `count` ASCII digits at `position` and moves it behind them.
+/// Reads exactly `count` ASCII digits at `position` and moves it after them.
 std::optional<int> digits(std::string_view text, std::size_t& position, std::size_t count) {
   if (position + count > text.size()) return std::nullopt;
   int value = 0;

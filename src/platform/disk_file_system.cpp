@@ -179,7 +179,7 @@ std::string DiskFileSystem::readFile(const FilePath& path) {
   bytes.reserve(expected + kSpareCapacity);
   std::size_t filled = 0;
   while (true) {
-    // The size is a hint: the file may grow or shrink meanwhile, and some tell none. A piece at a time
+    // The size is a hint: the file may grow or shrink meanwhile, and some report none. A piece at a time
     // stays in the processor's cache between being made room for and being filled.
     const std::size_t wanted =
         filled < expected ? std::min(expected, filled + kReadAtOnce) : filled + kReadAtOnce;

@@ -12,8 +12,8 @@
 namespace ostrelon {
 
 /// The steps of a write, and of the making of folders, as the system offers them: each returns -1 and sets
-/// `errno` on failure. Tests replace one at a time to see that every failure is told and leaves nothing half
-/// done.
+/// `errno` on failure. Tests replace one at a time to see that every failure is reported and leaves nothing
+/// half done.
 struct FileSystemCalls {
   std::function<int(const char* path, int flags, mode_t mode)> open;
   std::function<ssize_t(int file, const void* bytes, std::size_t count)> write;

@@ -23,7 +23,7 @@ class FileError : public UserError {
   using UserError::UserError;
 };
 
-/// What the system tells of one file. Two reads of the same unchanged file give equal values.
+/// What the system reports of one file. Two reads of the same unchanged file give equal values.
 struct FileInfo {
   bool isRegularFile = false;
   bool isFolder = false;
@@ -45,7 +45,7 @@ class PendingFile {
   PendingFile& operator=(const PendingFile&) = delete;
   virtual ~PendingFile() = default;
 
-  /// What the system will tell of the target once this has taken its place.
+  /// What the system will report of the target once this has taken its place.
   virtual FileInfo info() const = 0;
   /// Moves the content over the target, at once and for good. Called at most once.
   virtual void commit() = 0;

@@ -1,5 +1,5 @@
 // A file that stays open from its first byte on, so that what was checked is what is used: it is read
-// through the same descriptor again, and can tell whether its path still leads to it.
+// through the same descriptor again, and can check whether its path still leads to it.
 //
 //   HeldFile file = HeldFile::createPrivate(temporaryFolder, "Ostrelon.deb");
 //   file.append(bytes);  …

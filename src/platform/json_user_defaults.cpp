@@ -175,7 +175,7 @@ void JsonUserDefaults::write() {
     contents_->changes.clear();
     hasToldOfWriting_ = false;
   } catch (const FileError& error) {
-    // Told once, not with every setting; the changes wait for a write that succeeds.
+    // Reported once, not with every setting; the changes wait for a write that succeeds.
     if (!hasToldOfWriting_) note(std::string("The settings could not be saved. ") + error.what());
     hasToldOfWriting_ = true;
   }

@@ -27,7 +27,7 @@ class JsonUserDefaults final : public UserDefaults {
   void remove(std::string_view key) override;
   void change(const std::vector<DefaultsChange>& changes) override;
 
-  /// What the user should be told of the file since the last call, in whole sentences.
+  /// What is to be reported to the user of the file since the last call, in whole sentences.
   std::vector<std::string> takeNotes();
 
  private:

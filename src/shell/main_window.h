@@ -10,7 +10,7 @@
 #include "shell/canvas_overlay.h"
 #include "shell/canvas_widget.h"
 #include "shell/console_panel.h"
-#include "shell/left_navigation.h"
+#include "shell/left_nav_view.h"
 #include "shell/top_bar.h"
 #include "shell/wall_system_panel.h"
 

@@ -10,20 +10,6 @@
 namespace ostrelon {
 namespace {
 
-const char* modeIdentifier(AppearanceMode mode) {
-  switch (mode) {
-    case AppearanceMode::system:
-      return "settings.theme.system";
-    case AppearanceMode::light:
-      return "settings.theme.light";
-    case AppearanceMode::dark:
-      return "settings.theme.dark";
-    case AppearanceMode::tansy:
-      return "settings.theme.tansy";
-  }
-  return "";
-}
-
 // A board in small: panel, grid, walls, and a line under the hand.
 void paintBoard(QPainter& painter, const QRectF& board, const ThemePalette& palette) {
   painter.fillRect(board, qtColor(palette.background));
@@ -71,7 +57,7 @@ void paintBoard(QPainter& painter, const QRectF& board, const ThemePalette& pale
 
 ThemeCard::ThemeCard(Theme& theme, AppearanceMode mode, QWidget* parent)
     : QRadioButton(qtText(displayName(mode)), parent), theme_(theme), mode_(mode) {
-  setObjectName(modeIdentifier(mode));
+  setObjectName("settings.theme." + qtText(rawValue(mode)));
   setFocusPolicy(Qt::TabFocus);
   setProperty("focusRadius", 10);
   setFixedSize(sizeHint());

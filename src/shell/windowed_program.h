@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "app/application.h"
-#include "shell/color_scheme.h"
+#include "shell/color_scheme_watcher.h"
 #include "shell/help_window.h"
 #include "shell/inspector_window.h"
 #include "shell/main_window.h"

@@ -22,7 +22,7 @@ std::vector<std::string_view> splitAt(char separator, std::string_view text) {
   }
 }
 
-/// What stands before the first separator, and what stands behind it if there is one.
+/// What stands before the first separator, and what stands after it if there is one.
 std::pair<std::string_view, std::optional<std::string_view>> splitOnce(char separator,
                                                                        std::string_view text) {
   const std::size_t at = text.find(separator);

@@ -22,7 +22,7 @@ struct AppVersion {
   std::int64_t minor = 0;                    ///< 0 when not written
   std::int64_t patch = 0;                    ///< 0 when not written
   std::optional<std::string> prerelease;     ///< between "-" and "+" or the end; never empty
-  std::optional<std::string> buildMetadata;  ///< behind "+"; never empty, and no part of the order
+  std::optional<std::string> buildMetadata;  ///< after "+"; never empty, and no part of the order
   std::vector<PreReleaseIdentifier> prereleaseIdentifiers;  ///< `prerelease` at its dots
 
   friend bool operator==(const AppVersion&, const AppVersion&) = default;

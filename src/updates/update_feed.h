@@ -1,4 +1,4 @@
-// The release feed: a JSON object that tells of the published releases, and what it means for the
+// The release feed: a JSON object that lists the published releases, and what it means for the
 // version that is running.
 //
 //   { "releases": [ { "version": "1.2.0", "build": "57", "publishedAt": "2026-03-01T12:00:00Z",

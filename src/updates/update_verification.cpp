@@ -31,7 +31,7 @@ using Key = std::unique_ptr<EVP_PKEY, FreeWith<EVP_PKEY_free>>;
 using KeyContext = std::unique_ptr<EVP_PKEY_CTX, FreeWith<EVP_PKEY_CTX_free>>;
 using Signature = std::unique_ptr<ECDSA_SIG, FreeWith<ECDSA_SIG_free>>;
 
-/// Keeps what OpenSSL notes about failures, which are told by our own errors, from piling up.
+/// Keeps what OpenSSL notes about failures, which our own errors report, from piling up.
 struct ErrorQueueCleaner {
   ErrorQueueCleaner() = default;
   ErrorQueueCleaner(const ErrorQueueCleaner&) = delete;
@@ -83,7 +83,7 @@ void checkSignatureForm(std::string_view der) {
   const int size = signature ? i2d_ECDSA_SIG(signature.get(), &encoded) : -1;
   const std::unique_ptr<unsigned char, void (*)(unsigned char*)> owner(
       encoded, [](unsigned char* bytes) { OPENSSL_free(bytes); });
-  // Writing it again shows whether it was in the one form that DER allows, with nothing behind it.
+  // Writing it again shows whether it was in the one form that DER allows, with nothing after it.
   const bool isExact =
       size >= 0 && der == std::string_view(reinterpret_cast<char*>(encoded), static_cast<std::size_t>(size));
   const auto fits = [](const BIGNUM* number) {

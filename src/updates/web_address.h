@@ -7,14 +7,14 @@
 namespace ostrelon {
 
 /// An absolute address by RFC 3986: a scheme, a colon, and only the characters that an address may
-/// hold, "%" with two hexadecimal digits behind it.
+/// hold, "%" with two hexadecimal digits after it.
 bool isWebAddress(std::string_view text);
 /// A web address whose scheme is https in any case, and which names a host.
 bool isSecureWebAddress(std::string_view text);
 /// An address that a link may open in the browser: http or https, and it names a host.
 bool isBrowsableWebAddress(std::string_view text);
 
-/// The name of the file behind an address, made safe to create in a folder: the last part of its path
+/// The name of the file at an address, made safe to create in a folder: the last part of its path
 /// with "%" sequences resolved, without path separators and control characters, at most 200 bytes,
 /// and never "", "." or ".."; those give `kDefaultInstallerName`.
 std::string installerFileName(std::string_view address);

@@ -33,6 +33,10 @@ TEST(CommandLineTest, OpensTheWindowUnlessThereIsWorkWithoutOne) {
   EXPECT_EQ(parseCommandLine({"--open", "x.ostrel"}).mode, Mode::withoutWindow);
   EXPECT_EQ(parseCommandLine({"--console", "a", "--version"}).mode, Mode::version);
   EXPECT_EQ(parseCommandLine({"--help"}).mode, Mode::help);
+  const CommandLine unfed = parseCommandLine({"--update-feed=", "--automation", "--update-key", ""});
+  EXPECT_EQ(unfed.mode, Mode::automation) << "an empty address takes nothing that follows it";
+  EXPECT_EQ(unfed.updateFeed, "");
+  EXPECT_EQ(unfed.updateKey, "");
 }
 
 TEST(CommandLineTest, ReadsWhatToDoWithoutAWindow) {
@@ -68,7 +72,11 @@ TEST(CommandLineTest, ReadsHowToExportAndWhatToImport) {
 
 TEST(CommandLineTest, RefusesWhatItDoesNotUnderstandInOneSentence) {
   EXPECT_THAT(refusal({"--frobnicate"}), HasSubstr("--frobnicate"));
+  EXPECT_THAT(refusal({"-g"}), HasSubstr("Unknown option"));
+  EXPECT_THAT(refusal({"--"}), HasSubstr("Unknown option"));
+  EXPECT_THAT(refusal({"--grid=on", "--export", "a.png"}), HasSubstr("Unknown option \"--grid=on\""));
   EXPECT_THAT(refusal({"--console"}), HasSubstr("--console needs a value"));
+  EXPECT_THAT(refusal({"--console=", "a"}), HasSubstr("--console needs a value"));
   EXPECT_THAT(refusal({"--export", "a.bmp"}), HasSubstr(".png, .svg, .pdf or .dxf"));
   EXPECT_THAT(refusal({"--open", "a.txt"}), HasSubstr(".ostrel"));
   EXPECT_THAT(refusal({"--theme", "blue", "--export", "a.png"}), HasSubstr("light, dark and tansy"));

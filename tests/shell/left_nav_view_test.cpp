@@ -1,4 +1,4 @@
-#include "shell/left_navigation.h"
+#include "shell/left_nav_view.h"
 
 #include <QLabel>
 #include <QSignalSpy>

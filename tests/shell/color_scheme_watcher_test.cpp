@@ -1,5 +1,5 @@
 // The desktop's light or dark scheme, told by a portal on a bus of the test's own.
-#include "shell/color_scheme.h"
+#include "shell/color_scheme_watcher.h"
 
 #include <gtest/gtest.h>
 

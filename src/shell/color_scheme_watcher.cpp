@@ -1,4 +1,4 @@
-#include "shell/color_scheme.h"
+#include "shell/color_scheme_watcher.h"
 
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>

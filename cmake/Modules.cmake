@@ -1,0 +1,37 @@
+# src/modules.txt: OSTRELON_MODULES, from the ground up, and OSTRELON_SEES_name, those that one may include.
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/modules.txt)
+file(STRINGS ${CMAKE_SOURCE_DIR}/src/modules.txt lines REGEX "^[a-z]")
+set(OSTRELON_MODULES "")
+foreach(line ${lines})
+  string(REPLACE " " ";" level "${line}")
+  foreach(module ${level})
+    set(OSTRELON_SEES_${module} ${OSTRELON_MODULES})
+  endforeach()
+  list(APPEND OSTRELON_MODULES ${level})
+endforeach()
+
+# ostrelon_module(NAME targets…): an object library of src/NAME with the libraries that it needs beside
+# those of the modules that it sees. Objects, since the members of one class may live in several modules.
+function(ostrelon_module name)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/*.cpp)
+  add_library(ostrelon_${name} OBJECT ${sources})
+  target_include_directories(ostrelon_${name} PUBLIC ${CMAKE_SOURCE_DIR}/src ${CMAKE_BINARY_DIR}/generated)
+  set_property(TARGET ostrelon_${name} PROPERTY OSTRELON_LIBRARIES ${ARGN})
+  target_link_libraries(ostrelon_${name} PUBLIC ${ARGN})
+  foreach(seen ${OSTRELON_SEES_${name}})
+    get_property(libraries TARGET ostrelon_${seen} PROPERTY OSTRELON_LIBRARIES)
+    target_link_libraries(ostrelon_${name} PUBLIC ${libraries})
+  endforeach()
+endfunction()
+
+# ostrelon_logic_library(modules…): all of them as the one static library `ostrelon_logic`.
+function(ostrelon_logic_library)
+  add_library(ostrelon_logic STATIC)
+  target_include_directories(ostrelon_logic PUBLIC ${CMAKE_SOURCE_DIR}/src ${CMAKE_BINARY_DIR}/generated)
+  target_link_libraries(ostrelon_logic PUBLIC Threads::Threads ICU::data)
+  foreach(module ${ARGN})
+    target_sources(ostrelon_logic PRIVATE $<TARGET_OBJECTS:ostrelon_${module}>)
+    get_property(libraries TARGET ostrelon_${module} PROPERTY OSTRELON_LIBRARIES)
+    target_link_libraries(ostrelon_logic PUBLIC ${libraries})
+  endforeach()
+endfunction()

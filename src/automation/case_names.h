@@ -1,0 +1,97 @@
+// The names of enumerations' cases, as requests and replies write them: one table for each, used both ways.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+#include "core/document_toast.h"
+#include "core/entity_edits.h"
+#include "core/select_drag_state.h"
+#include "core/sketch_tool.h"
+#include "core/snap_types.h"
+#include "documents/app_settings.h"
+#include "geometry/trim.h"
+
+namespace ostrelon {
+
+/// `names()` of an enumeration whose cases count up from zero: an array of texts in the order of the cases.
+template <class Enumeration>
+struct CaseNames;
+
+template <class Enumeration>
+concept HasCaseNames = requires {
+  CaseNames<Enumeration>::names();
+};
+
+template <>
+struct CaseNames<AxisSnap> {
+  static constexpr auto names() {
+    return std::to_array<std::string_view>({"horizontal", "vertical", "diagonalUp", "diagonalDown"});
+  }
+};
+
+template <>
+struct CaseNames<EntitySnapKind> {
+  static constexpr auto names() {
+    return std::to_array<std::string_view>(
+        {"endpoint", "midpoint", "center", "quadrant", "tangent", "corner", "edgeMidpoint"});
+  }
+};
+
+template <>
+struct CaseNames<EntityConversionTarget> {
+  static constexpr auto names() { return std::to_array<std::string_view>({"line", "wall"}); }
+};
+
+template <>
+struct CaseNames<EntityEditResult> {
+  static constexpr auto names() {
+    return std::to_array<std::string_view>(
+        {"applied", "unchanged", "noSelection", "invalidValue", "unsupported"});
+  }
+};
+
+template <>
+struct CaseNames<AlignmentAxis> {
+  static constexpr auto names() { return std::to_array<std::string_view>({"horizontal", "vertical"}); }
+};
+
+template <>
+struct CaseNames<DocumentToastState::Style> {
+  static constexpr auto names() { return std::to_array<std::string_view>({"saving", "success", "error"}); }
+};
+
+template <>
+struct CaseNames<AppearanceMode> {
+  static auto names() {
+    std::array<std::string_view, std::size(kAppearanceModes)> all;
+    std::transform(std::begin(kAppearanceModes), std::end(kAppearanceModes), all.begin(),
+                   [](AppearanceMode mode) { return rawValue(mode); });
+    return all;
+  }
+};
+
+template <>
+struct CaseNames<ColorScheme> {
+  static constexpr auto names() { return std::to_array<std::string_view>({"light", "dark"}); }
+};
+
+template <>
+struct CaseNames<TrimFailure> {
+  static constexpr auto names() {
+    return std::to_array<std::string_view>({"noIntersection", "intersectionAtEndpoint"});
+  }
+};
+
+template <>
+struct CaseNames<SelectionHandle::Kind> {
+  static constexpr auto names() {
+    return std::to_array<std::string_view>({"polygonVertex", "lineStart", "lineEnd", "circleCenter",
+                                            "circleRadius", "rectMinXMinY", "rectMaxXMinY", "rectMaxXMaxY",
+                                            "rectMinXMaxY"});
+  }
+};
+
+}  // namespace ostrelon
