@@ -54,8 +54,6 @@ class EntityIndex {
   /// The position of a candidate.
   std::size_t positionOf(const Candidate& candidate) const;
 
-  /// The bytes that the index itself takes.
-
  private:
   static constexpr std::uint32_t kNone = 0xFFFFFFFF;
   static constexpr int kLevels = 24;

@@ -71,7 +71,6 @@ class ChangeTracker {
 
   /// The number of operations that have changed something.
   std::uint64_t revision() const { return revision_; }
-  bool isOpen() const { return depth_ > 0; }
   /// Called when the outermost scope has ended and the observers have been told.
   void setClosingHook(std::function<void()> closing) { closing_ = std::move(closing); }
 

@@ -23,7 +23,6 @@ class SketchUndoStack {
 
   const std::vector<SketchUndoSnapshot>& undoSnapshots() const { return undoSnapshots_; }  ///< newest last
   const std::vector<SketchUndoSnapshot>& redoSnapshots() const { return redoSnapshots_; }  ///< newest last
-  std::optional<int> sessionLimit() const { return sessionLimit_; }
 
   /// A new edit: appends, applies the limit, and ends the redo history.
   void pushUndoSnapshot(SketchUndoSnapshot snapshot);
