@@ -101,7 +101,7 @@ Json callByName(AutomationSession& session, const Json& request) {
 Json closeWindow(AutomationSession& session) {
   // With no answer yet the window stays open.
   auto reply = std::make_shared<std::string>("refused");
-  session.closeQuestion.windowShouldClose(
+  session.application.windowShouldClose(
       [reply](CloseQuestion::Reply answer) {
         *reply = answer == CloseQuestion::Reply::allowed ? "closed" : "refused";
       },
@@ -115,14 +115,15 @@ const std::map<std::string, Operation, std::less<>>& operations() {
   static const std::map<std::string, Operation, std::less<>> table{
       {"submit",
        [](AutomationSession& session, const Json& request) -> Json {
-         session.sketch().setCommandInput(requestMember<std::string>(session, request, "text"));
-         session.sketch().submitCommandInput();
+         Console& console = session.workspace().console;
+         console.setInput(requestMember<std::string>(session, request, "text"));
+         console.submit();
          return nullptr;
        }},
       {"state",
        [](AutomationSession& session, const Json& request) {
          using Names = std::optional<std::vector<std::string>>;
-         return stateOf(session.sketch(), request.contains("fields")
+         return stateOf(session.workspace(), request.contains("fields")
                                               ? requestMember<Names>(session, request, "fields")
                                               : Names());
        }},
@@ -133,7 +134,7 @@ const std::map<std::string, Operation, std::less<>>& operations() {
       {"call", callByName},
       {"canvas.resize",
        [](AutomationSession& session, const Json& request) -> Json {
-         session.sketch().updateCanvasSize({requestMember<double>(session, request, "width"),
+         session.workspace().board.resizeCanvas({requestMember<double>(session, request, "width"),
                                             requestMember<double>(session, request, "height")});
          return nullptr;
        }},
@@ -188,7 +189,7 @@ const std::map<std::string, Operation, std::less<>>& operations() {
        }},
       {"key",
        [](AutomationSession& session, const Json& request) -> Json {
-         const KeyOutcome outcome = handleKey(keyEventOf(session, request), session.sketch());
+         const KeyOutcome outcome = handleKey(keyEventOf(session, request), session.workspace());
          return outcome == KeyOutcome::consumed ? "consumed" : "passed";
        }},
       {"answer",
@@ -208,14 +209,14 @@ const std::map<std::string, Operation, std::less<>>& operations() {
            setExportOption(exportOptions, name,
                            value.is_string() ? value.get<std::string>() : jsonText(value));
          }
-         exportDrawing(session.sketch(),
+         exportDrawing(session.workspace().sketch,
                        standardizedPath(requestMember<std::string>(session, request, "path")), exportOptions,
                        session.application.makePicture());
          return nullptr;
        }},
       {"import",
        [](AutomationSession& session, const Json& request) -> Json {
-         importDrawing(session.sketch(),
+         importDrawing(session.workspace(),
                        standardizedPath(requestMember<std::string>(session, request, "path")),
                        flag(session, request, "toFeet"));
          return nullptr;
@@ -272,19 +273,14 @@ class AutomationHost::Program {
                      {options.paths.documentsFolder,
                       updateConfiguration(kBuildVersion, kBuildNumber, options.updateFeed, options.updateKey),
                       options.isUITesting}),
-        gestures_(application_.sketch()),
-        closeQuestion_(application_.sketch(),
-                       [this](const std::function<void()>& ended) {
-                         saveCurrentDocument(application_.sketch(), application_.settings(), true,
-                                             [ended](SaveOutcome) { ended(); });
-                       }),
-        session_{application_, scheduler_, dialogs_, gestures_, closeQuestion_, updateClient_} {
+        gestures_(application_.workspace().board),
+        session_{application_, scheduler_, dialogs_, gestures_, updateClient_} {
     application_.mainViewAppeared();
     tellOfSettingsFile();
   }
 
   Json reply(std::string_view line) {
-    const std::size_t linesBefore = application_.sketch().consoleLines->size();
+    const std::size_t linesBefore = messages().lines->size();
     Json reply = Json::object();
     std::optional<Json> id;
     try {
@@ -303,7 +299,7 @@ class AutomationHost::Program {
       reply = {{"ok", false}, {"error", error.what()}};
     }
     tellOfSettingsFile();
-    const auto& lines = *application_.sketch().consoleLines;
+    const auto& lines = *messages().lines;
     Json console = Json::array();
     for (std::size_t i = linesBefore; i < lines.size(); ++i) {
       console.push_back(
@@ -317,10 +313,12 @@ class AutomationHost::Program {
   void terminate() { application_.willTerminate(); }
 
  private:
+  Messages& messages() { return application_.workspace().messages; }
+
   // What the store of preferences has to say, such as a damaged file that it has set aside.
   void tellOfSettingsFile() {
     for (const std::string& note : defaults_.takeNotes()) {
-      application_.sketch().appendConsoleLine(note, false, true);
+      messages().appendSystem(note);
     }
   }
 
@@ -332,7 +330,6 @@ class AutomationHost::Program {
   ServedUpdateClient updateClient_;
   Application application_;
   CanvasGestures gestures_;
-  CloseQuestion closeQuestion_;
   AutomationSession session_;
 };
 

@@ -21,11 +21,10 @@ struct AutomationSession {
   VirtualScheduler& scheduler;
   QueuedDialogs& dialogs;
   CanvasGestures& gestures;
-  CloseQuestion& closeQuestion;
   ServedUpdateClient& updateClient;
 
-  SketchViewModel& sketch() const { return application.sketch(); }
-  ReadContext readContext() const { return {application.sketch()}; }
+  Workspace& workspace() const { return application.workspace(); }
+  ReadContext readContext() const { return {workspace().sketch}; }
 };
 
 /// A member of a request by its type; an error names the member.
@@ -57,8 +56,8 @@ void addUpdateCalls(CallTable& table);
 
 // --- State
 
-/// The observable fields of the view model by name; all but the console lines unless named.
-Json stateOf(const SketchViewModel& sketch, const std::optional<std::vector<std::string>>& names);
+/// The observable fields of the workspace by the names of the protocol; all but the console lines unless named.
+Json stateOf(const Workspace& workspace, const std::optional<std::vector<std::string>>& names);
 Json settingsOf(const AppSettings& settings);
 Json updateOf(const AppUpdateManager& updates);
 

@@ -1,14 +1,16 @@
 // Binding operations for `call`: the arguments are converted by their C++ types, so that a row of the
 // table is one line.
 //
-//   table["zoomToFit"] = sketchCall(&SketchViewModel::zoomToFit);
-//   table["gridStep"] = functionCall(gridStep);
-//   table["menuTitle"] = functionCall([](AutomationSession& session, int row) { … });
+//   table["zoomToFit"] = call(&Board::zoomToFit);          // a member of a part of the program
+//   table["deleteSelection"] = call(deleteSelection);      // a function over parts: no arguments then
+//   table["gridStep"] = call(gridStep);                    // a pure function
+//   table["menuTitle"] = call([](Application& application, int row) { … });
 //
-// Trailing optional arguments may be left out. A parameter of the type `AutomationSession&` is the
-// session itself and no argument.
+// A parameter that refers to a part of the running program (`Sketch&`, `Board&`, …) is that part and no
+// argument. Trailing optional arguments may be left out.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -22,10 +24,55 @@ namespace ostrelon {
 
 namespace binding {
 
-// How an argument is held while the operation runs.
+// The parts of the running program, by their types.
 template <class T>
+struct Part : std::false_type {};
+template <>
+struct Part<AutomationSession> : std::true_type {
+  static AutomationSession& of(AutomationSession& session) { return session; }
+};
+template <>
+struct Part<Application> : std::true_type {
+  static Application& of(AutomationSession& session) { return session.application; }
+};
+template <>
+struct Part<Workspace> : std::true_type {
+  static Workspace& of(AutomationSession& session) { return session.workspace(); }
+};
+template <>
+struct Part<AppSettings> : std::true_type {
+  static AppSettings& of(AutomationSession& session) { return session.application.settings(); }
+};
+template <>
+struct Part<Messages> : std::true_type {
+  static Messages& of(AutomationSession& session) { return session.workspace().messages; }
+};
+template <>
+struct Part<Sketch> : std::true_type {
+  static Sketch& of(AutomationSession& session) { return session.workspace().sketch; }
+};
+template <>
+struct Part<Board> : std::true_type {
+  static Board& of(AutomationSession& session) { return session.workspace().board; }
+};
+template <>
+struct Part<DocumentSession> : std::true_type {
+  static DocumentSession& of(AutomationSession& session) { return session.workspace().document; }
+};
+template <>
+struct Part<Console> : std::true_type {
+  static Console& of(AutomationSession& session) { return session.workspace().console; }
+};
+
+template <class Parameter>
+inline constexpr bool isPart =
+    Part<std::remove_cvref_t<Parameter>>::value && std::is_lvalue_reference_v<Parameter>;
+
+// How an argument is held while the operation runs.
+template <class Parameter>
 struct Held {
-  using Type = std::remove_cvref_t<T>;
+  using Type = std::conditional_t<isPart<Parameter>, std::remove_cvref_t<Parameter>&,
+                                  std::remove_cvref_t<Parameter>>;
 };
 template <>
 struct Held<std::string_view> {
@@ -55,68 +102,81 @@ T readArgument(AutomationSession& session, const Json& arguments, std::size_t po
   }
 }
 
-// Reads the arguments in order, then calls with them.
-template <class... Parameters, class Function, std::size_t... Positions>
-Json callWith(AutomationSession& session, const Json& arguments, const Function& function,
-              std::index_sequence<Positions...>) {
-  if (arguments.size() > sizeof...(Parameters)) {
-    throw ArgumentError("Too many arguments: " + std::to_string(arguments.size()) + " where at most " +
-                        std::to_string(sizeof...(Parameters)) + " are expected.");
-  }
-  std::tuple<typename Held<Parameters>::Type...> held{
-      readArgument<typename Held<Parameters>::Type>(session, arguments, Positions)...};
-  using Result =
-      decltype(function(static_cast<typename Held<Parameters>::Type&>(std::get<Positions>(held))...));
-  if constexpr (std::is_void_v<Result>) {
-    function(static_cast<typename Held<Parameters>::Type&>(std::get<Positions>(held))...);
-    return nullptr;
+template <class Parameter>
+typename Held<Parameter>::Type hold(AutomationSession& session, const Json& arguments, std::size_t position) {
+  if constexpr (isPart<Parameter>) {
+    return Part<std::remove_cvref_t<Parameter>>::of(session);
   } else {
-    return toJson(function(static_cast<typename Held<Parameters>::Type&>(std::get<Positions>(held))...));
+    return readArgument<typename Held<Parameter>::Type>(session, arguments, position);
   }
 }
 
-template <class Function, class Result, class... Parameters>
-Call boundLambda(Function function, Result (Function::*)(AutomationSession&, Parameters...) const) {
+// The position of each parameter among the arguments; parts are none.
+template <class... Parameters>
+constexpr std::array<std::size_t, sizeof...(Parameters) + 1> argumentPositions() {
+  std::array<std::size_t, sizeof...(Parameters) + 1> positions{};
+  const std::array<bool, sizeof...(Parameters) + 1> parts{isPart<Parameters>..., false};
+  for (std::size_t i = 0; i < sizeof...(Parameters); ++i) positions[i + 1] = positions[i] + (parts[i] ? 0 : 1);
+  return positions;
+}
+
+// Reads the arguments in order, then calls with them.
+template <class... Parameters, class Function, std::size_t... Indices>
+Json callWith(AutomationSession& session, const Json& arguments, const Function& function,
+              std::index_sequence<Indices...>) {
+  constexpr auto positions = argumentPositions<Parameters...>();
+  constexpr std::size_t most = positions[sizeof...(Parameters)];
+  if (arguments.size() > most) {
+    throw ArgumentError("Too many arguments: " + std::to_string(arguments.size()) + " where at most " +
+                        std::to_string(most) + " are expected.");
+  }
+  std::tuple<typename Held<Parameters>::Type...> held{
+      hold<Parameters>(session, arguments, positions[Indices])...};
+  using Result = decltype(function(std::get<Indices>(held)...));
+  if constexpr (std::is_void_v<Result>) {
+    function(std::get<Indices>(held)...);
+    return nullptr;
+  } else {
+    return toJson(function(std::get<Indices>(held)...));
+  }
+}
+
+template <class... Parameters, class Function>
+Call bound(Function function) {
   return [function](AutomationSession& session, const Json& arguments) {
-    return callWith<Parameters...>(
-        session, arguments, [&](auto&... values) { return function(session, values...); },
-        std::index_sequence_for<Parameters...>());
+    return callWith<Parameters...>(session, arguments, function, std::index_sequence_for<Parameters...>());
   };
+}
+
+template <class Function, class Result, class... Parameters>
+Call boundLambda(Function function, Result (Function::*)(Parameters...) const) {
+  return bound<Parameters...>(function);
 }
 
 }  // namespace binding
 
+/// A function.
 template <class Result, class... Parameters>
-Call sketchCall(Result (SketchViewModel::*member)(Parameters...)) {
-  return [member](AutomationSession& session, const Json& arguments) {
-    return binding::callWith<Parameters...>(
-        session, arguments, [&](auto&... values) { return (session.sketch().*member)(values...); },
-        std::index_sequence_for<Parameters...>());
-  };
+Call call(Result (*function)(Parameters...)) {
+  return binding::bound<Parameters...>([function](auto&... values) { return function(values...); });
 }
 
-template <class Result, class... Parameters>
-Call sketchCall(Result (SketchViewModel::*member)(Parameters...) const) {
-  return [member](AutomationSession& session, const Json& arguments) {
-    return binding::callWith<Parameters...>(
-        session, arguments, [&](auto&... values) { return (session.sketch().*member)(values...); },
-        std::index_sequence_for<Parameters...>());
-  };
+/// A member of one of the parts.
+template <class Owner, class Result, class... Parameters>
+Call call(Result (Owner::*member)(Parameters...)) {
+  return binding::bound<Owner&, Parameters...>(
+      [member](Owner& owner, auto&... values) { return (owner.*member)(values...); });
+}
+template <class Owner, class Result, class... Parameters>
+Call call(Result (Owner::*member)(Parameters...) const) {
+  return binding::bound<Owner&, Parameters...>(
+      [member](const Owner& owner, auto&... values) { return (owner.*member)(values...); });
 }
 
-/// A pure function.
-template <class Result, class... Parameters>
-Call functionCall(Result (*function)(Parameters...)) {
-  return [function](AutomationSession& session, const Json& arguments) {
-    return binding::callWith<Parameters...>(
-        session, arguments, [&](auto&... values) { return function(values...); },
-        std::index_sequence_for<Parameters...>());
-  };
-}
-
-/// A lambda whose first parameter is the session.
+/// A lambda without captures.
 template <class Function>
-Call sessionCall(Function function) {
+  requires requires { &Function::operator(); }
+Call call(Function function) {
   return binding::boundLambda(function, &Function::operator());
 }
 

@@ -9,154 +9,154 @@ namespace ostrelon {
 
 void addDocumentCalls(CallTable& table) {
   // --- Format
-  table["makeDocumentV2"] = sketchCall(&SketchViewModel::makeDocumentV2);
-  table["applyLoadedDocument"] = sketchCall(&SketchViewModel::applyLoadedDocument);
-  table["decodeDocument"] = functionCall(SketchDocumentIO::decodeDocument);
-  table["encodeDocument"] = sessionCall([](AutomationSession&, const SketchDocumentV2& document) {
+  table["makeDocumentV2"] = call(&DocumentSession::makeDocument);
+  table["applyLoadedDocument"] = call(&DocumentSession::adopt);
+  table["decodeDocument"] = call(SketchDocumentIO::decodeDocument);
+  table["encodeDocument"] = call([](const SketchDocumentV2& document) {
     return SketchDocumentIO::encodeDocument(document);
   });
 
   // --- Store
-  table["saveDocumentFile"] = sessionCall([](AutomationSession& session, const FilePath& url) {
+  table["saveDocumentFile"] = call([](AutomationSession& session, const FilePath& url) {
     session.sketch().saveDocumentFile(url);
     session.application.settings().rememberDocumentBookmark(url);
   });
-  table["openDocumentFile"] = sessionCall([](AutomationSession& session, const FilePath& url) {
+  table["openDocumentFile"] = call([](AutomationSession& session, const FilePath& url) {
     session.sketch().openDocumentFile(url);
     session.application.settings().rememberDocumentBookmark(url);
   });
-  table["setSaveDialogActive"] = sketchCall(&SketchViewModel::setSaveDialogActive);
-  table["saveCurrentDocument"] = sessionCall([](AutomationSession& session, std::optional<bool> announce) {
+  table["setSaveDialogActive"] = call(&DocumentSession::setSaveDialogActive);
+  table["saveCurrentDocument"] = call([](AutomationSession& session, std::optional<bool> announce) {
     saveCurrentDocument(session.sketch(), session.application.settings(), announce.value_or(true));
   });
-  table["saveDocumentAs"] = sessionCall([](AutomationSession& session, std::optional<bool> announce) {
+  table["saveDocumentAs"] = call([](AutomationSession& session, std::optional<bool> announce) {
     saveDocumentAs(session.sketch(), session.application.settings(), announce.value_or(true));
   });
   table["saveToURL"] =
-      sessionCall([](AutomationSession& session, const FilePath& url, std::optional<bool> announce) {
+      call([](AutomationSession& session, const FilePath& url, std::optional<bool> announce) {
         return saveToURL(session.sketch(), session.application.settings(), url, announce.value_or(true));
       });
-  table["openDocument"] = sessionCall([](AutomationSession& session, const FilePath& url) {
+  table["openDocument"] = call([](AutomationSession& session, const FilePath& url) {
     return openDocument(session.sketch(), session.application.settings(), url);
   });
-  table["nextUntitledURL"] = sessionCall([](AutomationSession& session, const FilePath& folder) {
+  table["nextUntitledURL"] = call([](AutomationSession& session, const FilePath& folder) {
     return nextUntitledURL(session.application.settings().files(), folder);
   });
-  table["recentDocuments"] = sessionCall([](AutomationSession& session, std::int64_t limit) {
+  table["recentDocuments"] = call([](AutomationSession& session, std::int64_t limit) {
     return recentDocuments(session.application.settings(), limit);
   });
 
   // --- History
-  table["refreshDocumentHistory"] = sketchCall(&SketchViewModel::refreshDocumentHistory);
-  table["saveCheckpoint"] = sketchCall(&SketchViewModel::saveCheckpoint);
-  table["createHistoryBranch"] = sketchCall(&SketchViewModel::createHistoryBranch);
-  table["switchBranch"] = sketchCall(&SketchViewModel::switchBranch);
-  table["documentHistoryText"] = sketchCall(&SketchViewModel::documentHistoryText);
-  table["currentBranch"] = sessionCall(
+  table["refreshDocumentHistory"] = call(&DocumentSession::refreshHistory);
+  table["saveCheckpoint"] = call(&DocumentSession::saveCheckpoint);
+  table["createHistoryBranch"] = call(&DocumentSession::createBranch);
+  table["switchBranch"] = call(&DocumentSession::switchBranch);
+  table["documentHistoryText"] = call(&DocumentSession::historyText);
+  table["currentBranch"] = call(
       [](AutomationSession& session) { return session.sketch().documentHistoryState->currentBranch(); });
-  table["allCheckpoints"] = sessionCall(
+  table["allCheckpoints"] = call(
       [](AutomationSession& session) { return session.sketch().documentHistoryState->allCheckpoints(); });
-  table["findBranch"] = sessionCall([](AutomationSession& session, const std::string& nameOrID) {
+  table["findBranch"] = call([](AutomationSession& session, const std::string& nameOrID) {
     return session.sketch().documentHistoryState->findBranch(nameOrID);
   });
-  table["findCheckpoint"] = sessionCall([](AutomationSession& session, const std::string& id) {
+  table["findCheckpoint"] = call([](AutomationSession& session, const std::string& id) {
     return session.sketch().documentHistoryState->findCheckpoint(id);
   });
-  table["loadDocumentHistory"] = sessionCall([](AutomationSession& session, const FilePath& url) {
+  table["loadDocumentHistory"] = call([](AutomationSession& session, const FilePath& url) {
     return loadDocumentHistory(session.application.settings().files(), url);
   });
-  table["ensureDocumentHistory"] = sessionCall([](AutomationSession& session, const FilePath& url) {
+  table["ensureDocumentHistory"] = call([](AutomationSession& session, const FilePath& url) {
     return ensureDocumentHistory(session.application.settings().files(), url);
   });
-  table["createCheckpoint"] = sessionCall([](AutomationSession& session, const FilePath& url,
+  table["createCheckpoint"] = call([](AutomationSession& session, const FilePath& url,
                                              const std::string& message, const std::optional<Date>& date) {
     return createCheckpoint(session.application.settings().files(), url, message,
                             date.value_or(session.scheduler.now()), session.sketch().makeDocumentV2(false));
   });
   table["createBranch"] =
-      sessionCall([](AutomationSession& session, const FilePath& url, const std::string& name,
+      call([](AutomationSession& session, const FilePath& url, const std::string& name,
                      const std::string& sourceCheckpointID, const std::optional<Date>& date) {
         return createBranch(session.application.settings().files(), url, name, sourceCheckpointID,
                             date.value_or(session.scheduler.now()));
       });
-  table["normalizeBranchID"] = functionCall(normalizeBranchID);
+  table["normalizeBranchID"] = call(normalizeBranchID);
 
   // --- Auto-save
-  table["autoSaveTick"] = sessionCall([](AutomationSession& session) {
+  table["autoSaveTick"] = call([](AutomationSession& session) {
     return autoSaveTick(session.sketch(), session.application.settings());
   });
   table["restoreAutoSave"] =
-      sessionCall([](AutomationSession& session) { session.application.restoreAutoSaveFromOffer(); });
-  table["revertToLastAutoSave"] = sessionCall([](AutomationSession& session) {
+      call([](AutomationSession& session) { session.application.restoreAutoSaveFromOffer(); });
+  table["revertToLastAutoSave"] = call([](AutomationSession& session) {
     revertToLastAutoSave(session.sketch(), session.application.settings());
   });
   table["restoreCandidate"] =
-      sessionCall([](AutomationSession& session, const std::optional<AutoSaveRecoveryCandidate>& candidate,
+      call([](AutomationSession& session, const std::optional<AutoSaveRecoveryCandidate>& candidate,
                      const std::string& successText, const std::string& missingText) {
         return restoreCandidate(session.sketch(), session.application.settings(), candidate, successText,
                                 missingText);
       });
   table["rescheduleAutoSave"] =
-      sessionCall([](AutomationSession& session) { session.application.rescheduleAutoSave(); });
+      call([](AutomationSession& session) { session.application.rescheduleAutoSave(); });
 
   // --- The sheets of the start
   table["showProjectsFolderSetup"] =
-      sessionCall([](AutomationSession& session) { return *session.application.showProjectsFolderSetup; });
+      call([](Application& application) { return *application.showProjectsFolderSetup; });
   table["showAutoSaveRecoveryOffer"] =
-      sessionCall([](AutomationSession& session) { return *session.application.showAutoSaveRecoveryOffer; });
+      call([](Application& application) { return *application.showAutoSaveRecoveryOffer; });
   table["completeProjectsFolderSetup"] =
-      sessionCall([](AutomationSession& session) { session.application.completeProjectsFolderSetup(); });
+      call([](AutomationSession& session) { session.application.completeProjectsFolderSetup(); });
   table["restoreAutoSaveFromOffer"] =
-      sessionCall([](AutomationSession& session) { session.application.restoreAutoSaveFromOffer(); });
+      call([](AutomationSession& session) { session.application.restoreAutoSaveFromOffer(); });
   table["skipAutoSaveRecovery"] =
-      sessionCall([](AutomationSession& session) { session.application.skipAutoSaveRecovery(); });
+      call([](AutomationSession& session) { session.application.skipAutoSaveRecovery(); });
 
   // --- Settings
-  table["setAppearanceMode"] = sessionCall([](AutomationSession& session, AppearanceMode mode) {
+  table["setAppearanceMode"] = call([](AutomationSession& session, AppearanceMode mode) {
     session.application.settings().setAppearanceMode(mode);
   });
-  table["setAutoSaveEnabled"] = sessionCall([](AutomationSession& session, bool enabled) {
+  table["setAutoSaveEnabled"] = call([](AutomationSession& session, bool enabled) {
     session.application.settings().setAutoSaveEnabled(enabled);
   });
-  table["setAutoSaveIntervalMinutes"] = sessionCall([](AutomationSession& session, int minutes) {
+  table["setAutoSaveIntervalMinutes"] = call([](AutomationSession& session, int minutes) {
     session.application.settings().setAutoSaveIntervalMinutes(minutes);
   });
-  table["updateColorScheme"] = sessionCall([](AutomationSession& session, std::optional<ColorScheme> scheme) {
+  table["updateColorScheme"] = call([](AutomationSession& session, std::optional<ColorScheme> scheme) {
     session.application.settings().updateColorScheme(scheme);
   });
-  table["resolvePalette"] = functionCall(resolvePalette);
-  table["useDefaultProjectsFolder"] = sessionCall(
+  table["resolvePalette"] = call(resolvePalette);
+  table["useDefaultProjectsFolder"] = call(
       [](AutomationSession& session) { session.application.settings().useDefaultProjectsFolder(); });
-  table["setCustomProjectsFolder"] = sessionCall([](AutomationSession& session, const FilePath& url) {
+  table["setCustomProjectsFolder"] = call([](AutomationSession& session, const FilePath& url) {
     session.application.settings().setCustomProjectsFolder(url);
   });
   table["clearProjectsFolder"] =
-      sessionCall([](AutomationSession& session) { session.application.settings().clearProjectsFolder(); });
-  table["resetProjectsFolderForUITesting"] = sessionCall(
+      call([](AutomationSession& session) { session.application.settings().clearProjectsFolder(); });
+  table["resetProjectsFolderForUITesting"] = call(
       [](AutomationSession& session) { session.application.settings().resetProjectsFolderForUITesting(); });
   table["setLastUpdateCheckAt"] =
-      sessionCall([](AutomationSession& session, const std::optional<Date>& date) {
+      call([](AutomationSession& session, const std::optional<Date>& date) {
         session.application.settings().setLastUpdateCheckAt(date);
       });
   table["setPostponedUpdateVersion"] =
-      sessionCall([](AutomationSession& session, const std::optional<std::string>& version) {
+      call([](AutomationSession& session, const std::optional<std::string>& version) {
         session.application.settings().setPostponedUpdateVersion(version);
       });
-  table["recordLastAutoSave"] = sessionCall([](AutomationSession& session, const FilePath& url,
+  table["recordLastAutoSave"] = call([](AutomationSession& session, const FilePath& url,
                                                const std::string& name, const std::optional<Date>& savedAt) {
     session.application.settings().recordLastAutoSave(url, name, savedAt);
   });
-  table["isInsideProjectsFolder"] = sessionCall([](AutomationSession& session, const FilePath& url) {
+  table["isInsideProjectsFolder"] = call([](AutomationSession& session, const FilePath& url) {
     return session.application.settings().isInsideProjectsFolder(url);
   });
-  table["defaultProjectsFolder"] = sessionCall(
+  table["defaultProjectsFolder"] = call(
       [](AutomationSession& session) { return session.application.settings().defaultProjectsFolder(); });
-  table["rememberDocumentBookmark"] = sessionCall([](AutomationSession& session, const FilePath& url) {
+  table["rememberDocumentBookmark"] = call([](AutomationSession& session, const FilePath& url) {
     session.application.settings().rememberDocumentBookmark(url);
   });
   table["isUITesting"] =
-      sessionCall([](AutomationSession& session) { return session.application.settings().isUITesting(); });
-  table["isProjectsFolderConfigured"] = sessionCall(
+      call([](AutomationSession& session) { return session.application.settings().isUITesting(); });
+  table["isProjectsFolderConfigured"] = call(
       [](AutomationSession& session) { return session.application.settings().isProjectsFolderConfigured(); });
 }
 

@@ -35,46 +35,46 @@ Json Reader<Json>::read(const Json& json, const ReadContext&) {
 
 void addEditCalls(CallTable& table) {
   // --- Selection
-  table["selectedEntity"] = sketchCall(&SketchViewModel::selectedEntity);
-  table["selectionSummary"] = sketchCall(&SketchViewModel::selectionSummary);
-  table["selectAtPoint"] = sketchCall(&SketchViewModel::selectAtPoint);
-  table["toggleEntitySelection"] = sketchCall(&SketchViewModel::toggleEntitySelection);
-  table["selectSingleEntity"] = sketchCall(&SketchViewModel::selectSingleEntity);
-  table["selectEntities"] = sketchCall(&SketchViewModel::selectEntities);
-  table["beginMarquee"] = sketchCall(&SketchViewModel::beginMarquee);
-  table["finishMarquee"] = sketchCall(&SketchViewModel::finishMarquee);
-  table["setSelectMarquee"] = sketchCall(&SketchViewModel::setSelectMarquee);
-  table["updateMarquee"] = sketchCall(&SketchViewModel::updateMarquee);
-  table["selectAll"] = sketchCall(&SketchViewModel::selectAll);
-  table["replaceEntity"] = sketchCall(&SketchViewModel::replaceEntity);
+  table["selectedEntity"] = call(&Sketch::selectedEntity);
+  table["selectionSummary"] = call(&Sketch::selectionSummary);
+  table["selectAtPoint"] = call(&Board::selectAtPoint);
+  table["toggleEntitySelection"] = call(toggleEntitySelection);
+  table["selectSingleEntity"] = call(selectSingleEntity);
+  table["selectEntities"] = call(selectEntities);
+  table["beginMarquee"] = call(&Board::beginMarquee);
+  table["finishMarquee"] = call(&Board::finishMarquee);
+  table["setSelectMarquee"] = call(&Board::setMarquee);
+  table["updateMarquee"] = call(&Board::updateMarquee);
+  table["selectAll"] = call(selectAll);
+  table["replaceEntity"] = call([](Sketch& sketch, const UUID& id, const SketchEntity& entity) { replaceEntity(sketch, id, entity); });
 
   // --- Edits
-  table["setSelectedEntityLength"] = sketchCall(&SketchViewModel::setSelectedEntityLength);
-  table["nudgeSelectedEntity"] = sketchCall(&SketchViewModel::nudgeSelectedEntity);
-  table["convertSelectedEntity"] = sketchCall(&SketchViewModel::convertSelectedEntity);
-  table["assignWallSystem"] = sketchCall(&SketchViewModel::assignWallSystem);
-  table["alignSelection"] = sketchCall(&SketchViewModel::alignSelection);
-  table["moveSelectedLine"] = sketchCall(&SketchViewModel::moveSelectedLine);
-  table["deleteEntity"] = sketchCall(&SketchViewModel::deleteEntity);
-  table["deleteSelection"] = sketchCall(&SketchViewModel::deleteSelection);
-  table["duplicateEntity"] = sketchCall(&SketchViewModel::duplicateEntity);
-  table["duplicateSelection"] = sketchCall(&SketchViewModel::duplicateSelection);
-  table["copySelection"] = sketchCall(&SketchViewModel::copySelection);
-  table["pasteClipboard"] = sketchCall(&SketchViewModel::pasteClipboard);
+  table["setSelectedEntityLength"] = call(setSelectedEntityLength);
+  table["nudgeSelectedEntity"] = call(nudgeSelectedEntity);
+  table["convertSelectedEntity"] = call(convertSelectedEntity);
+  table["assignWallSystem"] = call(assignWallSystem);
+  table["alignSelection"] = call(alignSelection);
+  table["moveSelectedLine"] = call(moveSelectedLine);
+  table["deleteEntity"] = call(deleteEntity);
+  table["deleteSelection"] = call(deleteSelection);
+  table["duplicateEntity"] = call(duplicateEntity);
+  table["duplicateSelection"] = call(duplicateSelection);
+  table["copySelection"] = call(copySelection);
+  table["pasteClipboard"] = call([](Sketch& sketch, std::optional<SketchPoint> offset) { return pasteClipboard(sketch, offset.value_or(kDuplicateOffset)); });
   table["entityEditMessage"] =
-      sessionCall([](AutomationSession& session, const std::string& kind, EntityEditResult result,
+      call([](AutomationSession& session, const std::string& kind, EntityEditResult result,
                      const std::optional<Json>& first, const std::optional<Json>& second) {
         return editMessage(session, kind, result, first.value_or(Json()), second.value_or(Json()));
       });
 
   // --- Trim and extend
-  table["applyTrim"] = sketchCall(&SketchViewModel::applyTrim);
-  table["handleTrimClick"] = sketchCall(&SketchViewModel::handleTrimClick);
-  table["trimInstruction"] = sketchCall(&SketchViewModel::trimInstruction);
-  table["clearTrimCuttingEdge"] = sketchCall(&SketchViewModel::clearTrimCuttingEdge);
-  table["extendLine"] = sketchCall(&SketchViewModel::extendLine);
+  table["applyTrim"] = call(applyTrim);
+  table["handleTrimClick"] = call([](Board& board, SketchPoint point) { return board.trimAt(point).message; });
+  table["trimInstruction"] = call(&Board::trimInstruction);
+  table["clearTrimCuttingEdge"] = call(&Board::clearTrimCuttingEdge);
+  table["extendLine"] = call(extendLine);
   table["extendChainSegment"] =
-      sessionCall([](AutomationSession& session, std::int64_t index, SketchPoint to) {
+      call([](AutomationSession& session, std::int64_t index, SketchPoint to) {
         if (index < 0 || index >= static_cast<std::int64_t>(session.sketch().entities->size())) {
           throw ArgumentError("Argument 1: no entity stands at this position.");
         }
@@ -82,32 +82,32 @@ void addEditCalls(CallTable& table) {
       });
 
   // --- The length editor
-  table["currentSegmentLengthText"] = sketchCall(&SketchViewModel::currentSegmentLengthText);
-  table["beginSegmentLengthEdit"] = sketchCall(&SketchViewModel::beginSegmentLengthEdit);
-  table["setSegmentLengthEditText"] = sketchCall(&SketchViewModel::setSegmentLengthEditText);
-  table["commitSegmentLengthEdit"] = sketchCall(&SketchViewModel::commitSegmentLengthEdit);
-  table["applySegmentLength"] = sketchCall(&SketchViewModel::applySegmentLength);
+  table["currentSegmentLengthText"] = call(&Board::currentLengthText);
+  table["beginSegmentLengthEdit"] = call(&Board::beginLengthEdit);
+  table["setSegmentLengthEditText"] = call(&Board::setLengthEditText);
+  table["commitSegmentLengthEdit"] = call(&Board::commitLengthEdit);
+  table["applySegmentLength"] = call(&Board::applyLength);
 
   // --- The inspector
-  table["showEntityInspector"] = sketchCall(&SketchViewModel::showEntityInspector);
-  table["toggleEntityInspector"] = sketchCall(&SketchViewModel::toggleEntityInspector);
-  table["setEntityInspectorVisible"] = sketchCall(&SketchViewModel::setEntityInspectorVisible);
-  table["applyInspectorLength"] = sessionCall([](AutomationSession& session, const std::string& text) {
+  table["showEntityInspector"] = call(showEntityInspector);
+  table["toggleEntityInspector"] = call(toggleEntityInspector);
+  table["setEntityInspectorVisible"] = call(&Sketch::setInspected);
+  table["applyInspectorLength"] = call([](AutomationSession& session, const std::string& text) {
     return applyInspectorLength(session.sketch(), text);
   });
   table["applyInspectorNudge"] =
-      sessionCall([](AutomationSession& session, const std::string& x, const std::string& y) {
+      call([](AutomationSession& session, const std::string& x, const std::string& y) {
         return applyInspectorNudge(session.sketch(), x, y);
       });
   table["applyInspectorConvert"] =
-      sessionCall([](AutomationSession& session) { applyInspectorConvert(session.sketch()); });
-  table["applyInspectorWallSystem"] = sessionCall(
+      call([](AutomationSession& session) { applyInspectorConvert(session.sketch()); });
+  table["applyInspectorWallSystem"] = call(
       [](AutomationSession& session, const UUID& id) { applyInspectorWallSystem(session.sketch(), id); });
   table["inspectorSelectionHeading"] =
-      sessionCall([](AutomationSession& session) { return inspectorSelectionHeading(session.sketch()); });
-  table["inspectorLengthText"] = functionCall(inspectorLengthText);
+      call([](AutomationSession& session) { return inspectorSelectionHeading(session.sketch()); });
+  table["inspectorLengthText"] = call(inspectorLengthText);
   table["inspectorMetricRows"] =
-      sessionCall([](AutomationSession& session, const SketchEntity& entity) -> Json {
+      call([](AutomationSession& session, const SketchEntity& entity) -> Json {
         const auto* wall = std::get_if<WallEntity>(&entity);
         const WallSystemSpec* spec =
             wall != nullptr ? session.sketch().wallSystemSpec(wall->systemSpecID) : nullptr;
@@ -120,23 +120,23 @@ void addEditCalls(CallTable& table) {
       });
 
   // --- The wall system panel
-  table["selectedWallEntity"] = sessionCall([](AutomationSession& session) -> Json {
+  table["selectedWallEntity"] = call([](AutomationSession& session) -> Json {
     const WallEntity* wall = selectedWallEntity(session.sketch());
     if (wall == nullptr) return nullptr;
     return ostrelon::toJson(SketchEntity(*wall));
   });
-  table["activeWallSystem"] = sketchCall(&SketchViewModel::activeWallSystemSpec);
+  table["activeWallSystem"] = call([](const Sketch& sketch) { return sketch.drawing->activeWallSystem(); });
   table["panelSystem"] =
-      sessionCall([](AutomationSession& session) { return panelSystem(session.sketch()); });
+      call([](AutomationSession& session) { return panelSystem(session.sketch()); });
   table["panelContextTitle"] =
-      sessionCall([](AutomationSession& session) { return panelContextTitle(session.sketch()); });
-  table["updateWallSystem"] = sessionCall([](AutomationSession& session, const WallSystemSpec& spec) {
+      call([](AutomationSession& session) { return panelContextTitle(session.sketch()); });
+  table["updateWallSystem"] = call([](AutomationSession& session, const WallSystemSpec& spec) {
     updateWallSystem(session.sketch(), spec);
   });
-  table["selectWallSystemRow"] = sessionCall(
+  table["selectWallSystemRow"] = call(
       [](AutomationSession& session, const UUID& id) { selectWallSystemRow(session.sketch(), id); });
   table["assignPanelSystemToSelection"] =
-      sessionCall([](AutomationSession& session) { assignPanelSystemToSelection(session.sketch()); });
+      call([](AutomationSession& session) { assignPanelSystemToSelection(session.sketch()); });
 }
 
 }  // namespace ostrelon

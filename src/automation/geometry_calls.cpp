@@ -10,7 +10,7 @@ namespace {
 template <class... Targets>
 Call trimCall(TrimGeometry (*trim)(const SketchEntity& target, const SketchEntity& cutter, SketchPoint point),
               const char* kind) {
-  return sessionCall([trim, kind](AutomationSession&, const SketchEntity& target, const SketchEntity& cutter,
+  return call([trim, kind](AutomationSession&, const SketchEntity& target, const SketchEntity& cutter,
                                   SketchPoint point) {
     if (!(std::holds_alternative<Targets>(target) || ...)) {
       throw ArgumentError(std::string("Argument 1: expected ") + kind + ".");
@@ -24,7 +24,7 @@ bool isPoint(const Json& json) { return json.is_array() && json.size() == 2 && j
 // An operation on segments, which also takes each segment as its two ends one after the other.
 template <class Function>
 Call segmentCall(Function function) {
-  return [call = sessionCall(function)](AutomationSession& session, const Json& arguments) {
+  return [call = call(function)](AutomationSession& session, const Json& arguments) {
     Json folded = Json::array();
     for (std::size_t i = 0; i < arguments.size(); ++i) {
       const bool isPair = i + 1 < arguments.size() && isPoint(arguments[i]) && isPoint(arguments[i + 1]);
@@ -38,66 +38,66 @@ Call segmentCall(Function function) {
 }  // namespace
 
 void addGeometryCalls(CallTable& table) {
-  table["distanceToSegment"] = functionCall(distanceToSegment);
-  table["distanceToRectangle"] = functionCall(distanceToRectangle);
-  table["distanceToPolygon"] = functionCall(distanceToPolygon);
-  table["distanceToEntity"] = functionCall(distanceToEntity);
+  table["distanceToSegment"] = call(distanceToSegment);
+  table["distanceToRectangle"] = call(distanceToRectangle);
+  table["distanceToPolygon"] = call(distanceToPolygon);
+  table["distanceToEntity"] = call(distanceToEntity);
   table["pickEntityAtPoint"] =
-      sessionCall([](AutomationSession&, const EntityList& entities, SketchPoint point, double scale) {
+      call([](const EntityList& entities, SketchPoint point, double scale) {
         return pickEntityAtPoint(entities, point, scale);
       });
-  table["distanceBetween"] = functionCall(distanceBetween);
-  table["directionDegrees"] = functionCall(directionDegrees);
-  table["arcPoints"] = sessionCall([](AutomationSession&, const SketchEntity& entity) {
+  table["distanceBetween"] = call(distanceBetween);
+  table["directionDegrees"] = call(directionDegrees);
+  table["arcPoints"] = call([](const SketchEntity& entity) {
     const auto* arc = std::get_if<ArcEntity>(&entity);
     if (arc == nullptr) throw ArgumentError("Argument 1: expected an arc.");
     return arcPoints(*arc);
   });
-  table["entityBounds"] = functionCall(entityBounds);
-  table["rectContains"] = functionCall(rectContains);
-  table["normalizedAngle"] = functionCall(normalizedAngle);
-  table["angleInArcSpan"] = functionCall(angleInArcSpan);
-  table["arcSpan"] = functionCall(arcSpan);
-  table["polygonEdges"] = functionCall(polygonEdges);
-  table["closedPolygonRing"] = functionCall(closedPolygonRing);
-  table["segmentIntersectsRect"] = functionCall(segmentIntersectsRect);
-  table["circleIntersectsRect"] = functionCall(circleIntersectsRect);
-  table["polylineIntersectsRect"] = functionCall(polylineIntersectsRect);
-  table["rectangleIntersectsRect"] = functionCall(rectangleIntersectsRect);
-  table["entityIntersectsRect"] = functionCall(entityIntersectsRect);
-  table["entityContainedInRect"] = functionCall(entityContainedInRect);
+  table["entityBounds"] = call(entityBounds);
+  table["rectContains"] = call(rectContains);
+  table["normalizedAngle"] = call(normalizedAngle);
+  table["angleInArcSpan"] = call(angleInArcSpan);
+  table["arcSpan"] = call(arcSpan);
+  table["polygonEdges"] = call(polygonEdges);
+  table["closedPolygonRing"] = call(closedPolygonRing);
+  table["segmentIntersectsRect"] = call(segmentIntersectsRect);
+  table["circleIntersectsRect"] = call(circleIntersectsRect);
+  table["polylineIntersectsRect"] = call(polylineIntersectsRect);
+  table["rectangleIntersectsRect"] = call(rectangleIntersectsRect);
+  table["entityIntersectsRect"] = call(entityIntersectsRect);
+  table["entityContainedInRect"] = call(entityContainedInRect);
   table["entitiesInMarquee"] =
-      sessionCall([](AutomationSession&, const EntityList& entities, const SketchBox& rect, bool crossing) {
+      call([](const EntityList& entities, const SketchBox& rect, bool crossing) {
         return entitiesInMarquee(entities, rect, crossing);
       });
-  table["entityCentroid"] = functionCall(entityCentroid);
-  table["selectionCentroid"] = functionCall(selectionCentroid);
-  table["translatedEntity"] = functionCall(translatedEntity);
+  table["entityCentroid"] = call(entityCentroid);
+  table["selectionCentroid"] = call(selectionCentroid);
+  table["translatedEntity"] = call(translatedEntity);
 
-  table["selectionHandles"] = functionCall(selectionHandles);
-  table["hitSelectionHandle"] = functionCall(hitSelectionHandle);
-  table["handleFixedPoint"] = functionCall(handleFixedPoint);
-  table["applyHandleDrag"] = functionCall(applyHandleDrag);
+  table["selectionHandles"] = call(selectionHandles);
+  table["hitSelectionHandle"] = call(hitSelectionHandle);
+  table["handleFixedPoint"] = call(handleFixedPoint);
+  table["applyHandleDrag"] = call(applyHandleDrag);
 
-  table["resizedEntity"] = functionCall(resizedEntity);
-  table["convertedEntity"] = functionCall(convertedEntity);
-  table["duplicatedEntity"] = functionCall(duplicatedEntity);
-  table["alignmentOffsets"] = functionCall(alignmentOffsets);
-  table["segmentLengthIndicator"] = functionCall(segmentLengthIndicator);
-  table["dragSegmentLength"] = functionCall(dragSegmentLength);
+  table["resizedEntity"] = call(resizedEntity);
+  table["convertedEntity"] = call(convertedEntity);
+  table["duplicatedEntity"] = call(duplicatedEntity);
+  table["alignmentOffsets"] = call(alignmentOffsets);
+  table["segmentLengthIndicator"] = call(segmentLengthIndicator);
+  table["dragSegmentLength"] = call(dragSegmentLength);
 
-  table["isTrimmable"] = functionCall(isTrimmable);
-  table["cuttingSegments"] = functionCall(cuttingSegments);
-  table["rectangleCorners"] = functionCall(rectangleCorners);
+  table["isTrimmable"] = call(isTrimmable);
+  table["cuttingSegments"] = call(cuttingSegments);
+  table["rectangleCorners"] = call(rectangleCorners);
   table["segmentCircleIntersections"] =
-      segmentCall([](AutomationSession&, const Segment& segment, SketchPoint center, double radius) {
+      segmentCall([](const Segment& segment, SketchPoint center, double radius) {
         return segmentCircleIntersections(segment.first, segment.second, center, radius);
       });
-  table["arcContainingPoint"] = functionCall(arcContainingPoint);
-  table["keptArc"] = sessionCall([](AutomationSession&, SketchPoint center, double radius, double a, double b,
+  table["arcContainingPoint"] = call(arcContainingPoint);
+  table["keptArc"] = call([](SketchPoint center, double radius, double a, double b,
                                     double p) { return keptArc(UUID::random(), center, radius, a, b, p); });
-  table["rectangleFromCorners"] = sessionCall(
-      [](AutomationSession&, const std::vector<SketchPoint>& corners) -> std::optional<SketchEntity> {
+  table["rectangleFromCorners"] = call(
+      [](const std::vector<SketchPoint>& corners) -> std::optional<SketchEntity> {
         return rectangleFromCorners(corners, UUID::random());
       });
   table["trimSegment"] = trimCall<LineEntity, WallEntity>(trimSegment, "a line or a wall");
@@ -106,10 +106,10 @@ void addGeometryCalls(CallTable& table) {
   table["trimRectangle"] = trimCall<RectangleEntity>(trimRectangle, "a rectangle");
   table["trimEntity"] = trimCall<LineEntity, WallEntity, CircleEntity, ArcEntity, RectangleEntity>(
       trimEntity, "an entity that can be trimmed");
-  table["clipPolygonByLine"] = functionCall(clipPolygonByLine);
-  table["trimResultMessage"] = functionCall(trimResultMessage);
+  table["clipPolygonByLine"] = call(clipPolygonByLine);
+  table["trimResultMessage"] = call(trimResultMessage);
   table["extendSegmentToBoundary"] =
-      segmentCall([](AutomationSession&, const Segment& segment, const Segment& boundary) {
+      segmentCall([](const Segment& segment, const Segment& boundary) {
         return extendSegmentToBoundary(segment.first, segment.second, boundary.first, boundary.second);
       });
 }

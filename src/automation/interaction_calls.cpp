@@ -17,99 +17,99 @@ const std::unordered_set<UUID>& idsOf(const Excluded& excluded) {
 void addInteractionCalls(CallTable& table) {
   using namespace SketchSnapping;  // NOLINT(google-build-using-namespace)
   // --- The view
-  table["viewPointToSketch"] = functionCall(viewPointToSketch);
-  table["sketchPointToView"] = functionCall(sketchPointToView);
-  table["visibleSketchRect"] = sessionCall(
-      [](AutomationSession&, const SketchSize& canvasSize, const SketchViewport& viewport) -> Json {
+  table["viewPointToSketch"] = call(viewPointToSketch);
+  table["sketchPointToView"] = call(sketchPointToView);
+  table["visibleSketchRect"] = call(
+      [](const SketchSize& canvasSize, const SketchViewport& viewport) -> Json {
         const SketchBox box = visibleSketchBox(canvasSize, viewport);
         return {{"minX", box.minX}, {"minY", box.minY}, {"width", box.width()}, {"height", box.height()}};
       });
-  table["gridStep"] = functionCall(gridStep);
-  table["gridScaleLabel"] = functionCall(gridScaleLabel);
-  table["zoomPercentageLabel"] = functionCall(zoomPercentageLabel);
-  table["clampedViewportScale"] = functionCall(clampedViewportScale);
-  table["zoomViewport"] = sketchCall(&SketchViewModel::zoomViewport);
-  table["zoomToFit"] = sketchCall(&SketchViewModel::zoomToFit);
-  table["resetViewport"] = sketchCall(&SketchViewModel::resetViewport);
-  table["panViewport"] = sketchCall(&SketchViewModel::panViewport);
-  table["updateCanvasSize"] = sketchCall(&SketchViewModel::updateCanvasSize);
-  table["setViewport"] = sketchCall(&SketchViewModel::setViewport);
+  table["gridStep"] = call(gridStep);
+  table["gridScaleLabel"] = call(gridScaleLabel);
+  table["zoomPercentageLabel"] = call(zoomPercentageLabel);
+  table["clampedViewportScale"] = call(clampedViewportScale);
+  table["zoomViewport"] = call(&Board::zoom);
+  table["zoomToFit"] = call(&Board::zoomToFit);
+  table["resetViewport"] = call(&Board::resetViewport);
+  table["panViewport"] = call(&Board::pan);
+  table["updateCanvasSize"] = call(&Board::resizeCanvas);
+  table["setViewport"] = call([](Board& board, double panX, double panY, double scale) { board.setViewport({{panX, panY}, scale}); });
 
   // --- Snapping
-  table["entitySnapTargets"] = functionCall(entitySnapTargets);
-  table["snapTargetDescription"] = functionCall(snapTargetDescription);
-  table["snapFeedbackText"] = functionCall(snapFeedbackText);
-  table["axesForAngle"] = functionCall(axesForAngle);
-  table["lockAngle"] = functionCall(lockAngle);
-  table["axisSnap"] = functionCall(axisSnap);
-  table["axisSnapDelta"] = functionCall(axisSnapDelta);
-  table["gridSnap"] = functionCall(gridSnap);
+  table["entitySnapTargets"] = call(entitySnapTargets);
+  table["snapTargetDescription"] = call(snapTargetDescription);
+  table["snapFeedbackText"] = call(snapFeedbackText);
+  table["axesForAngle"] = call(axesForAngle);
+  table["lockAngle"] = call(lockAngle);
+  table["axisSnap"] = call(axisSnap);
+  table["axisSnapDelta"] = call(axisSnapDelta);
+  table["gridSnap"] = call(gridSnap);
   table["nearestEntityTarget"] =
-      sessionCall([](AutomationSession&, const EntityList& entities, const Excluded& excluded,
+      call([](const EntityList& entities, const Excluded& excluded,
                      SketchPoint point, double scale, const std::optional<SketchPoint>& from) {
         return nearestEntityTarget(entities, idsOf(excluded), point, scale, from);
       });
-  table["nearestAcquirableTarget"] = sessionCall(
-      [](AutomationSession&, const EntityList& entities, const Excluded& excluded, SketchPoint point,
+  table["nearestAcquirableTarget"] = call(
+      [](const EntityList& entities, const Excluded& excluded, SketchPoint point,
          double scale) { return nearestAcquirableTarget(entities, idsOf(excluded), point, scale); });
-  table["snapPoint"] = sessionCall([](AutomationSession&, SketchPoint point, const SketchViewport& viewport,
+  table["snapPoint"] = call([](SketchPoint point, const SketchViewport& viewport,
                                       const EntityList& entities, const Excluded& excluded, bool useGrid) {
     return snapPoint(point, viewport, entities, idsOf(excluded), useGrid);
   });
-  table["snapEntityMove"] = sessionCall(
-      [](AutomationSession&, SketchPoint delta, const SketchViewport& viewport, const SketchEntity& moved,
+  table["snapEntityMove"] = call(
+      [](SketchPoint delta, const SketchViewport& viewport, const SketchEntity& moved,
          const EntityList& entities) { return snapEntityMove(delta, viewport, moved, entities); });
   table["snapHandleDrag"] =
-      sessionCall([](AutomationSession&, const SelectionHandle& handle, const SketchEntity& entity,
+      call([](const SelectionHandle& handle, const SketchEntity& entity,
                      const EntityList& entities, SketchPoint point, const SketchViewport& viewport,
                      bool useGrid, const std::optional<double>& reference) {
         return snapHandleDrag(handle, entity, entities, point, viewport, useGrid, reference);
       });
-  table["handleAnchor"] = functionCall(handleAnchor);
-  table["trackingCandidate"] = functionCall(trackingCandidate);
-  table["snapPointer"] = sketchCall(&SketchViewModel::snapPointer);
-  table["snapDraftEnd"] = sketchCall(&SketchViewModel::snapDraftEnd);
-  table["publishSnap"] = sessionCall([](AutomationSession& session, const SketchSnapResult& result,
+  table["handleAnchor"] = call(handleAnchor);
+  table["trackingCandidate"] = call(trackingCandidate);
+  table["snapPointer"] = call(&Board::snapPointer);
+  table["snapDraftEnd"] = call(&Board::snapDraftEnd);
+  table["publishSnap"] = call([](AutomationSession& session, const SketchSnapResult& result,
                                         const std::optional<SketchPoint>& guideAnchor) {
     session.sketch().publishSnap(result, guideAnchor);
   });
 
   // --- Tracking
-  table["tickTrackingAcquire"] = sketchCall(&SketchViewModel::tickTrackingAcquire);
-  table["startTrackingDwell"] = sketchCall(&SketchViewModel::startTrackingDwell);
-  table["advanceTrackingDwell"] = sketchCall(&SketchViewModel::advanceTrackingDwell);
-  table["scheduleTrackingDwell"] = sketchCall(&SketchViewModel::scheduleTrackingDwell);
-  table["lockTrackingTarget"] = sketchCall(&SketchViewModel::lockTrackingTarget);
-  table["trackingHoldText"] = sketchCall(&SketchViewModel::trackingHoldText);
-  table["showIdleTrackingFeedback"] = sketchCall(&SketchViewModel::showIdleTrackingFeedback);
+  table["tickTrackingAcquire"] = call(&Board::tickTracking);
+  table["startTrackingDwell"] = call(&Board::startTrackingDwell);
+  table["advanceTrackingDwell"] = call(&Board::advanceTrackingDwell);
+  table["scheduleTrackingDwell"] = call(&Board::scheduleTrackingDwell);
+  table["lockTrackingTarget"] = call(&Board::lockTrackingTarget);
+  table["trackingHoldText"] = call(&Board::trackingHoldText);
+  table["showIdleTrackingFeedback"] = call(&Board::showIdleTrackingFeedback);
 
   // --- Drawing tools
-  table["beginDraft"] = sketchCall(&SketchViewModel::beginDraft);
-  table["updateDraft"] = sketchCall(&SketchViewModel::updateDraft);
-  table["commitDraft"] = sketchCall(&SketchViewModel::commitDraft);
-  table["addPolygonVertex"] = sketchCall(&SketchViewModel::addPolygonVertex);
-  table["updatePolygonDraft"] = sketchCall(&SketchViewModel::updatePolygonDraft);
-  table["closePolygon"] = sketchCall(&SketchViewModel::closePolygon);
-  table["activateTool"] = sketchCall(&SketchViewModel::activateTool);
-  table["setDraftCurrent"] = sketchCall(&SketchViewModel::setDraftCurrent);
-  table["activateToolFromConsole"] = sketchCall(&SketchViewModel::activateToolFromConsole);
-  table["activateSelectTool"] = sketchCall(&SketchViewModel::activateSelectTool);
-  table["handleEscape"] = sketchCall(&SketchViewModel::handleEscape);
-  table["hoverMoved"] = sketchCall(&SketchViewModel::hoverMoved);
-  table["recordPointer"] = sketchCall(&SketchViewModel::recordPointer);
-  table["draftMeasurementText"] = sketchCall(&SketchViewModel::draftMeasurementText);
+  table["beginDraft"] = call(&Board::beginDraft);
+  table["updateDraft"] = call(&Board::updateDraft);
+  table["commitDraft"] = call(&Board::commitDraft);
+  table["addPolygonVertex"] = call(&Board::addPolygonVertex);
+  table["updatePolygonDraft"] = call(&Board::updatePolygonDraft);
+  table["closePolygon"] = call(&Board::closePolygon);
+  table["activateTool"] = call(&Board::activateTool);
+  table["setDraftCurrent"] = call(&Board::setDraftCurrent);
+  table["activateToolFromConsole"] = call(&Board::activateToolFromConsole);
+  table["activateSelectTool"] = call(&Board::activateSelectTool);
+  table["handleEscape"] = call(&Board::handleEscape);
+  table["hoverMoved"] = call(&Board::hoverMoved);
+  table["recordPointer"] = call(&Board::recordPointer);
+  table["draftMeasurementText"] = call(&Board::draftMeasurementText);
   table["applyNumericDraftInput"] =
-      sessionCall([](AutomationSession& session, const std::string& text) -> Json {
+      call([](AutomationSession& session, const std::string& text) -> Json {
         const auto reply = session.sketch().applyNumericDraftInput(text);
         if (!reply) return nullptr;
         return Json::array({reply->message, reply->isError});
       });
 
   // --- Drags of the select tool
-  table["beginSelectDrag"] = sketchCall(&SketchViewModel::beginSelectDrag);
-  table["updateSelectDrag"] = sketchCall(&SketchViewModel::updateSelectDrag);
-  table["finishSelectDrag"] = sketchCall(&SketchViewModel::finishSelectDrag);
-  table["cancelSelectDrag"] = sketchCall(&SketchViewModel::cancelSelectDrag);
+  table["beginSelectDrag"] = call(&Board::beginSelectDrag);
+  table["updateSelectDrag"] = call(&Board::updateSelectDrag);
+  table["finishSelectDrag"] = call(&Board::finishSelectDrag);
+  table["cancelSelectDrag"] = call(&Board::cancelSelectDrag);
 }
 
 }  // namespace ostrelon

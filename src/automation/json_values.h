@@ -144,7 +144,7 @@ Json toJson(const std::map<SelectionHandle, SketchPoint>& values);
 /// Where an argument may look things up: an entity can be given by the identifier of one in the
 /// document.
 struct ReadContext {
-  const SketchViewModel& sketch;
+  const Sketch& sketch;
 };
 
 template <class T>

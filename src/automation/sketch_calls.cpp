@@ -7,91 +7,91 @@ namespace ostrelon {
 
 void addSketchCalls(CallTable& table) {
   // --- Entities as values
-  table["entityID"] = sessionCall([](AutomationSession&, const SketchEntity& e) { return entityID(e); });
-  table["entityKindName"] = functionCall(entityKindName);
-  table["entityTypeLabel"] = functionCall(entityTypeLabel);
-  table["entityLabel"] = functionCall(entityLabel);
-  table["entityDescription"] = functionCall(entityDescription);
-  table["entityMetrics"] = functionCall(entityMetrics);
-  table["entityLabelText"] = sketchCall(&SketchViewModel::entityLabelText);
+  table["entityID"] = call([](const SketchEntity& e) { return entityID(e); });
+  table["entityKindName"] = call(entityKindName);
+  table["entityTypeLabel"] = call(entityTypeLabel);
+  table["entityLabel"] = call(entityLabel);
+  table["entityDescription"] = call(entityDescription);
+  table["entityMetrics"] = call(entityMetrics);
+  table["entityLabelText"] = call(&Sketch::labelOf);
   table["entityNumber"] =
-      sessionCall([](AutomationSession& session, const UUID& id, const std::optional<EntityList>& entities) {
+      call([](AutomationSession& session, const UUID& id, const std::optional<EntityList>& entities) {
         return entityNumber(id, entities ? *entities : session.sketch().entities.get());
       });
-  table["polygonPerimeter"] = functionCall(polygonPerimeter);
-  table["polygonArea"] = functionCall(polygonArea);
-  table["wallCorners"] = functionCall(wallCorners);
-  table["defaultWallSystems"] = functionCall(defaultWallSystems);
+  table["polygonPerimeter"] = call(polygonPerimeter);
+  table["polygonArea"] = call(polygonArea);
+  table["wallCorners"] = call(wallCorners);
+  table["defaultWallSystems"] = call(defaultWallSystems);
 
   // --- Texts
-  table["parseNumber"] = functionCall(parseNumber);
-  table["parseEntityNumber"] = functionCall(parseEntityNumber);
-  table["parsePoint"] = functionCall(parsePoint);
-  table["parseFeetInches"] = functionCall(parseFeetInches);
-  table["formatFeetInches"] = functionCall(formatFeetInches);
-  table["formatShortNumber"] = functionCall(formatShortNumber);
-  table["formatExactNumber"] = functionCall(formatExactNumber);
-  table["parseDegrees"] = functionCall(parseDegrees);
-  table["aliasHelpText"] = functionCall(CommandInterpreter::aliasHelpText);
-  table["helpText"] = functionCall(CommandInterpreter::helpText);
+  table["parseNumber"] = call(parseNumber);
+  table["parseEntityNumber"] = call(parseEntityNumber);
+  table["parsePoint"] = call(parsePoint);
+  table["parseFeetInches"] = call(parseFeetInches);
+  table["formatFeetInches"] = call(formatFeetInches);
+  table["formatShortNumber"] = call(formatShortNumber);
+  table["formatExactNumber"] = call(formatExactNumber);
+  table["parseDegrees"] = call(parseDegrees);
+  table["aliasHelpText"] = call(CommandInterpreter::aliasHelpText);
+  table["helpText"] = call(CommandInterpreter::helpText);
   table["resolveCommandLine"] =
-      sessionCall([](AutomationSession&, const std::vector<std::string>& tokens) -> Json {
+      call([](const std::vector<std::string>& tokens) -> Json {
         const auto resolved = CommandInterpreter::resolveCommandLine(tokens);
         if (!resolved) return nullptr;
         return {{"head", resolved->head}, {"command", resolved->command}, {"arguments", resolved->arguments}};
       });
-  table["executeCommandLine"] = sessionCall([](AutomationSession& session, const std::string& text) {
+  table["executeCommandLine"] = call([](AutomationSession& session, const std::string& text) {
     return CommandInterpreter::executeCommandLine(text, session.sketch());
   });
 
   // --- Console and toasts
-  table["appendConsoleLine"] = sketchCall(&SketchViewModel::appendConsoleLine);
-  table["submitCommandInput"] = sketchCall(&SketchViewModel::submitCommandInput);
-  table["setCommandInput"] = sketchCall(&SketchViewModel::setCommandInput);
-  table["setConsoleInputFocused"] = sketchCall(&SketchViewModel::setConsoleInputFocused);
-  table["printEntityDescription"] = sketchCall(&SketchViewModel::printEntityDescription);
-  table["showDocumentToast"] = sketchCall(&SketchViewModel::showDocumentToast);
-  table["clearDocumentToast"] = sketchCall(&SketchViewModel::clearDocumentToast);
+  table["appendConsoleLine"] = call(&Messages::append);
+  table["submitCommandInput"] = call(&Console::submit);
+  table["setCommandInput"] = call(&Console::setInput);
+  table["setConsoleInputFocused"] = call(&Console::setFocused);
+  table["printEntityDescription"] = call(printEntityDescription);
+  table["showDocumentToast"] = call(&Messages::showToast);
+  table["clearDocumentToast"] = call(&Messages::clearToast);
 
   // --- Wall systems
-  table["activeWallSystemSpec"] = sketchCall(&SketchViewModel::activeWallSystemSpec);
-  table["wallSystemSpec"] = sessionCall([](AutomationSession& session, const std::string& idOrName) {
+  table["activeWallSystemSpec"] = call([](const Sketch& sketch) { return sketch.drawing->activeWallSystem(); });
+  table["wallSystemSpec"] = call([](AutomationSession& session, const std::string& idOrName) {
     const auto id = UUID::parse(idOrName);
     const WallSystemSpec* byID = id ? session.sketch().wallSystemSpec(*id) : nullptr;
     return toJson(byID != nullptr ? byID : session.sketch().wallSystemSpec(std::string_view(idOrName)));
   });
-  table["wallSystemName"] = sketchCall(&SketchViewModel::wallSystemName);
-  table["setActiveWallSystem"] = sketchCall(&SketchViewModel::setActiveWallSystem);
-  table["updateWallSystemSpec"] = sketchCall(&SketchViewModel::updateWallSystemSpec);
+  table["wallSystemName"] = call([](const Sketch& sketch, const SketchEntity& entity) { return sketch.drawing->wallSystemName(entity); });
+  table["setActiveWallSystem"] = call(setActiveWallSystem);
+  table["updateWallSystemSpec"] = call(updateWallSystemSpec);
 
   // --- The document
-  table["setShowGrid"] = sketchCall(&SketchViewModel::setShowGrid);
-  table["newDocument"] = sketchCall(&SketchViewModel::newDocument);
-  table["addLine"] = sketchCall(&SketchViewModel::addLine);
-  table["addRectangle"] = sketchCall(&SketchViewModel::addRectangle);
-  table["addCircle"] = sketchCall(&SketchViewModel::addCircle);
-  table["addPolygon"] = sketchCall(&SketchViewModel::addPolygon);
-  table["addWall"] = sketchCall(&SketchViewModel::addWall);
-  table["clearSketch"] = sketchCall(&SketchViewModel::clearSketch);
+  table["setShowGrid"] = call(setShowGrid);
+  table["newDocument"] = call(&DocumentSession::begin);
+  table["addLine"] = call(addLine);
+  table["addRectangle"] = call(addRectangle);
+  table["addCircle"] = call(addCircle);
+  table["addPolygon"] = call(addPolygon);
+  table["addWall"] = call(addWall);
+  table["clearSketch"] = call(&Board::clearSketch);
 
   // --- Undo
-  table["captureUndoCheckpoint"] = sketchCall(&SketchViewModel::captureUndoCheckpoint);
-  table["undo"] = sketchCall(&SketchViewModel::undo);
-  table["redo"] = sketchCall(&SketchViewModel::redo);
-  table["restoreSnapshot"] = sketchCall(&SketchViewModel::restoreSnapshot);
-  table["clearUndoHistory"] = sketchCall(&SketchViewModel::clearUndoHistory);
-  table["replaceUndoSnapshots"] = sketchCall(&SketchViewModel::replaceUndoSnapshots);
-  table["captureCommandMutationState"] = sketchCall(&SketchViewModel::captureCommandMutationState);
-  table["restoreCommandMutationState"] = sketchCall(&SketchViewModel::restoreCommandMutationState);
-  table["commitCommandMutationState"] = sketchCall(&SketchViewModel::commitCommandMutationState);
+  table["captureUndoCheckpoint"] = call(captureUndoCheckpoint);
+  table["undo"] = call(&Board::undo);
+  table["redo"] = call(&Board::redo);
+  table["restoreSnapshot"] = call(&Board::restoreSnapshot);
+  table["clearUndoHistory"] = call(clearUndoHistory);
+  table["replaceUndoSnapshots"] = call(replaceUndoSnapshots);
+  table["captureCommandMutationState"] = call(captureCommandMutationState);
+  table["restoreCommandMutationState"] = call(restoreCommandMutationState);
+  table["commitCommandMutationState"] = call(commitCommandMutationState);
 
   // --- Resets
-  table["clearSelection"] = sketchCall(&SketchViewModel::clearSelection);
-  table["clearSnapState"] = sketchCall(&SketchViewModel::clearSnapState);
-  table["cancelTrackingDwell"] = sketchCall(&SketchViewModel::cancelTrackingDwell);
-  table["clearDraft"] = sketchCall(&SketchViewModel::clearDraft);
-  table["closeSegmentLengthEdit"] = sketchCall(&SketchViewModel::closeSegmentLengthEdit);
-  table["cancelDraft"] = sketchCall(&SketchViewModel::cancelDraft);
+  table["clearSelection"] = call(&Sketch::clearSelection);
+  table["clearSnapState"] = call(&Board::clearSnap);
+  table["cancelTrackingDwell"] = call(&Board::cancelTrackingDwell);
+  table["clearDraft"] = call(&Board::clearDraft);
+  table["closeSegmentLengthEdit"] = call(&Board::closeLengthEditor);
+  table["cancelDraft"] = call(&Board::cancelDraft);
 }
 
 }  // namespace ostrelon

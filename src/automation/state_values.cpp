@@ -8,98 +8,85 @@ namespace {
 
 struct StateField {
   std::string_view name;
-  Json (*value)(const SketchViewModel& sketch);
+  Json (*value)(const Workspace& workspace);
 };
 
+// A gesture of this kind, or null while another or none is in progress.
+template <class Kind>
+Json inGesture(const Kind* gesture) {
+  return gesture != nullptr ? toJson(*gesture) : Json();
+}
+
+Json dragBaseline(const Board& board) {
+  const SelectDrag* drag = board.selectDrag();
+  if (drag == nullptr || !drag->baseline) return nullptr;
+  return toJson(SketchUndoSnapshot{*drag->baseline});
+}
+
+// The protocol's names, in its order. Undo runs within one request, and so do chains: their markers are
+// always at rest between requests.
 constexpr std::array kStateFields{
-    StateField{"entities", [](const SketchViewModel& s) { return toJson(s.entities.get()); }},
-    StateField{"wallSystemSpecs", [](const SketchViewModel& s) { return toJson(s.wallSystemSpecs.get()); }},
-    StateField{"activeWallSystemSpecID",
-               [](const SketchViewModel& s) { return toJson(s.activeWallSystemSpecID.get()); }},
-    StateField{"selectedEntityIDs",
-               [](const SketchViewModel& s) { return toJson(s.selectedEntityIDs.get()); }},
-    StateField{"primarySelectedEntityID",
-               [](const SketchViewModel& s) { return toJson(s.primarySelectedEntityID.get()); }},
-    StateField{"selectMarquee", [](const SketchViewModel& s) { return toJson(s.selectMarquee.get()); }},
-    StateField{"selectedTool", [](const SketchViewModel& s) { return toJson(s.selectedTool.get()); }},
-    StateField{"consoleLines", [](const SketchViewModel& s) { return toJson(s.consoleLines.get()); }},
-    StateField{"commandInput", [](const SketchViewModel& s) { return toJson(s.commandInput.get()); }},
-    StateField{"isConsoleInputFocused",
-               [](const SketchViewModel& s) { return toJson(s.isConsoleInputFocused.get()); }},
-    StateField{"showGrid", [](const SketchViewModel& s) { return toJson(s.showGrid.get()); }},
-    StateField{"documentName", [](const SketchViewModel& s) { return toJson(s.documentName.get()); }},
-    StateField{"documentFileURL", [](const SketchViewModel& s) { return toJson(s.documentFileURL.get()); }},
-    StateField{"isDocumentDirty", [](const SketchViewModel& s) { return toJson(s.isDocumentDirty.get()); }},
-    StateField{"lastSavedAt", [](const SketchViewModel& s) { return toJson(s.lastSavedAt.get()); }},
-    StateField{"documentToast", [](const SketchViewModel& s) { return toJson(s.documentToast.get()); }},
-    StateField{"documentHistoryState",
-               [](const SketchViewModel& s) { return toJson(s.documentHistoryState.get()); }},
-    StateField{"draft", [](const SketchViewModel& s) { return toJson(s.draft.get()); }},
-    StateField{"polygonDraft", [](const SketchViewModel& s) { return toJson(s.polygonDraft.get()); }},
-    StateField{"hoveredEntityID", [](const SketchViewModel& s) { return toJson(s.hoveredEntityID.get()); }},
-    StateField{"hoverViewPoint", [](const SketchViewModel& s) { return toJson(s.hoverViewPoint.get()); }},
-    StateField{"cursorSketchPoint",
-               [](const SketchViewModel& s) { return toJson(s.cursorSketchPoint.get()); }},
-    StateField{"selectDrag", [](const SketchViewModel& s) { return toJson(s.selectDrag.get()); }},
-    StateField{"isEntityInspectorVisible",
-               [](const SketchViewModel& s) { return toJson(s.isEntityInspectorVisible.get()); }},
-    StateField{"activeAxisSnaps", [](const SketchViewModel& s) { return toJson(s.activeAxisSnaps.get()); }},
-    StateField{"activeEntitySnapPoint",
-               [](const SketchViewModel& s) { return toJson(s.activeEntitySnapPoint.get()); }},
-    StateField{"activeGridSnapPoint",
-               [](const SketchViewModel& s) { return toJson(s.activeGridSnapPoint.get()); }},
-    StateField{"activeEntitySnapSourcePoint",
-               [](const SketchViewModel& s) { return toJson(s.activeEntitySnapSourcePoint.get()); }},
-    StateField{"snapGuideAnchor", [](const SketchViewModel& s) { return toJson(s.snapGuideAnchor.get()); }},
-    StateField{"snapFeedback", [](const SketchViewModel& s) { return toJson(s.snapFeedback.get()); }},
-    StateField{"acquiredEntitySnap",
-               [](const SketchViewModel& s) { return toJson(s.acquiredEntitySnap.get()); }},
-    StateField{"pendingTrackingAcquire",
-               [](const SketchViewModel& s) { return toJson(s.pendingTrackingAcquire.get()); }},
-    StateField{"trackingAcquireProgress",
-               [](const SketchViewModel& s) { return toJson(s.trackingAcquireProgress.get()); }},
-    StateField{"lastDraftConstraintAxes",
-               [](const SketchViewModel& s) { return toJson(s.lastDraftConstraintAxes.get()); }},
-    StateField{"trackingAcquireDwellStart",
-               [](const SketchViewModel& s) { return toJson(s.trackingAcquireDwellStart.get()); }},
-    StateField{"trackingAcquireDwellTask",
-               [](const SketchViewModel& s) { return toJson(s.hasTrackingAcquireDwellTask()); }},
-    StateField{"handleDragReferenceAngle",
-               [](const SketchViewModel& s) { return toJson(s.handleDragReferenceAngle.get()); }},
-    StateField{"trimCuttingEdgeEntityID",
-               [](const SketchViewModel& s) { return toJson(s.trimCuttingEdgeEntityID.get()); }},
-    StateField{"viewport", [](const SketchViewModel& s) { return toJson(s.viewport.get()); }},
-    StateField{"hasInitializedViewport",
-               [](const SketchViewModel& s) { return toJson(s.hasInitializedViewport.get()); }},
-    StateField{"canvasSize", [](const SketchViewModel& s) { return toJson(s.canvasSize.get()); }},
-    StateField{"isSegmentLengthEditing",
-               [](const SketchViewModel& s) { return toJson(s.isSegmentLengthEditing.get()); }},
-    StateField{"segmentLengthEditText",
-               [](const SketchViewModel& s) { return toJson(s.segmentLengthEditText.get()); }},
-    StateField{"segmentLengthEditError",
-               [](const SketchViewModel& s) { return toJson(s.segmentLengthEditError.get()); }},
-    StateField{"undoStack", [](const SketchViewModel& s) { return toJson(s.undoStack()); }},
-    StateField{"isApplyingUndoRedo", [](const SketchViewModel& s) { return toJson(s.isApplyingUndoRedo()); }},
-    StateField{"selectDragUndoBaseline",
-               [](const SketchViewModel& s) { return toJson(s.selectDragUndoBaseline.get()); }},
-    StateField{"entityClipboard", [](const SketchViewModel& s) { return toJson(s.entityClipboard.get()); }},
-    StateField{"entityClipboardPasteOffset",
-               [](const SketchViewModel&) { return toJson(SketchViewModel::entityClipboardPasteOffset); }},
-    StateField{"documentToastDismissTask",
-               [](const SketchViewModel& s) { return toJson(s.hasDocumentToastDismissTask()); }},
-    StateField{"undoCheckpointSuppressionDepth",
-               [](const SketchViewModel& s) { return toJson(s.undoCheckpointSuppressionDepth()); }},
-    StateField{"isSaveDialogActive",
-               [](const SketchViewModel& s) { return toJson(s.isSaveDialogActive.get()); }},
+    StateField{"entities", [](const Workspace& w) { return toJson(w.sketch.entities()); }},
+    StateField{"wallSystemSpecs", [](const Workspace& w) { return toJson(w.sketch.drawing->wallSystemSpecs); }},
+    StateField{"activeWallSystemSpecID", [](const Workspace& w) { return toJson(w.sketch.drawing->activeWallSystemSpecID); }},
+    StateField{"selectedEntityIDs", [](const Workspace& w) { return toJson(w.sketch.selection->ids); }},
+    StateField{"primarySelectedEntityID", [](const Workspace& w) { return toJson(w.sketch.selection->primary); }},
+    StateField{"selectMarquee", [](const Workspace& w) { return inGesture(w.board.marquee()); }},
+    StateField{"selectedTool", [](const Workspace& w) { return toJson(w.board.tool.get()); }},
+    StateField{"consoleLines", [](const Workspace& w) { return toJson(w.messages.lines.get()); }},
+    StateField{"commandInput", [](const Workspace& w) { return toJson(w.console.input.get()); }},
+    StateField{"isConsoleInputFocused", [](const Workspace& w) { return toJson(w.console.isFocused.get()); }},
+    StateField{"showGrid", [](const Workspace& w) { return toJson(w.sketch.drawing->showGrid); }},
+    StateField{"documentName", [](const Workspace& w) { return toJson(w.document.name.get()); }},
+    StateField{"documentFileURL", [](const Workspace& w) { return toJson(w.document.fileURL.get()); }},
+    StateField{"isDocumentDirty", [](const Workspace& w) { return toJson(w.document.isDirty()); }},
+    StateField{"lastSavedAt", [](const Workspace& w) { return toJson(w.document.lastSavedAt.get()); }},
+    StateField{"documentToast", [](const Workspace& w) { return toJson(w.messages.toast.get()); }},
+    StateField{"documentHistoryState", [](const Workspace& w) { return toJson(w.document.history.get()); }},
+    StateField{"draft", [](const Workspace& w) { return inGesture(w.board.draft()); }},
+    StateField{"polygonDraft", [](const Workspace& w) { return inGesture(w.board.polygonDraft()); }},
+    StateField{"hoveredEntityID", [](const Workspace& w) { return toJson(w.board.hover->entityID); }},
+    StateField{"hoverViewPoint", [](const Workspace& w) { return toJson(w.board.hover->viewPoint); }},
+    StateField{"cursorSketchPoint", [](const Workspace& w) { return toJson(w.board.cursor.get()); }},
+    StateField{"selectDrag", [](const Workspace& w) { return w.board.selectDrag() != nullptr ? toJson(w.board.selectDrag()->state) : Json(); }},
+    StateField{"isEntityInspectorVisible", [](const Workspace& w) { return toJson(w.sketch.selection->isInspected); }},
+    StateField{"activeAxisSnaps", [](const Workspace& w) { return toJson(w.board.snap->axes); }},
+    StateField{"activeEntitySnapPoint", [](const Workspace& w) { return toJson(w.board.snap->entityPoint); }},
+    StateField{"activeGridSnapPoint", [](const Workspace& w) { return toJson(w.board.snap->gridPoint); }},
+    StateField{"activeEntitySnapSourcePoint", [](const Workspace& w) { return toJson(w.board.snap->entitySourcePoint); }},
+    StateField{"snapGuideAnchor", [](const Workspace& w) { return toJson(w.board.snap->guideAnchor); }},
+    StateField{"snapFeedback", [](const Workspace& w) { return toJson(w.board.snap->feedback); }},
+    StateField{"acquiredEntitySnap", [](const Workspace& w) { return toJson(w.board.tracking->locked); }},
+    StateField{"pendingTrackingAcquire", [](const Workspace& w) { return toJson(w.board.tracking->pending); }},
+    StateField{"trackingAcquireProgress", [](const Workspace& w) { return toJson(w.board.tracking->progress); }},
+    StateField{"lastDraftConstraintAxes", [](const Workspace& w) { return toJson(w.board.draftAxes.get()); }},
+    StateField{"trackingAcquireDwellStart", [](const Workspace& w) { return toJson(w.board.tracking->dwellStart); }},
+    StateField{"trackingAcquireDwellTask", [](const Workspace& w) { return toJson(w.board.isDwelling()); }},
+    StateField{"handleDragReferenceAngle", [](const Workspace& w) { return w.board.selectDrag() != nullptr ? toJson(w.board.selectDrag()->referenceAngle) : Json(); }},
+    StateField{"trimCuttingEdgeEntityID", [](const Workspace& w) { return toJson(w.board.trimCuttingEdge.get()); }},
+    StateField{"viewport", [](const Workspace& w) { return toJson(w.board.viewport()); }},
+    StateField{"hasInitializedViewport", [](const Workspace& w) { return toJson(w.board.view->isInitialized); }},
+    StateField{"canvasSize", [](const Workspace& w) { return toJson(w.board.view->canvasSize); }},
+    StateField{"isSegmentLengthEditing", [](const Workspace& w) { return toJson(w.board.lengthEditor->isOpen); }},
+    StateField{"segmentLengthEditText", [](const Workspace& w) { return toJson(w.board.lengthEditor->text); }},
+    StateField{"segmentLengthEditError", [](const Workspace& w) { return toJson(w.board.lengthEditor->error); }},
+    StateField{"undoStack", [](const Workspace& w) { return toJson(w.sketch.undoStack.get()); }},
+    StateField{"isApplyingUndoRedo", [](const Workspace&) { return Json(false); }},
+    StateField{"selectDragUndoBaseline", [](const Workspace& w) { return dragBaseline(w.board); }},
+    StateField{"entityClipboard", [](const Workspace& w) { return toJson(w.sketch.clipboard.get()); }},
+    StateField{"entityClipboardPasteOffset", [](const Workspace&) { return toJson(kDuplicateOffset); }},
+    StateField{"documentToastDismissTask", [](const Workspace& w) { return toJson(w.messages.willDismissToast()); }},
+    StateField{"undoCheckpointSuppressionDepth", [](const Workspace&) { return Json(0); }},
+    StateField{"isSaveDialogActive", [](const Workspace& w) { return toJson(w.document.isSaveDialogActive.get()); }},
 };
 
 }  // namespace
 
-Json stateOf(const SketchViewModel& sketch, const std::optional<std::vector<std::string>>& names) {
+Json stateOf(const Workspace& workspace, const std::optional<std::vector<std::string>>& names) {
   Json state = Json::object();
   if (!names) {
     for (const StateField& field : kStateFields) {
-      if (field.name != "consoleLines") state[std::string(field.name)] = field.value(sketch);
+      if (field.name != "consoleLines") state[std::string(field.name)] = field.value(workspace);
     }
     return state;
   }
@@ -107,7 +94,7 @@ Json stateOf(const SketchViewModel& sketch, const std::optional<std::vector<std:
     const auto* const found = std::find_if(kStateFields.begin(), kStateFields.end(),
                                            [&](const StateField& field) { return field.name == name; });
     if (found == kStateFields.end()) throw ArgumentError("There is no field \"" + name + "\".");
-    state[name] = found->value(sketch);
+    state[name] = found->value(workspace);
   }
   return state;
 }

@@ -5,51 +5,51 @@
 namespace ostrelon {
 
 void addUpdateCalls(CallTable& table) {
-  table["parseVersion"] = functionCall(parseVersion);
-  table["compareVersions"] = sessionCall([](AutomationSession&, const AppVersion& a, const AppVersion& b) {
+  table["parseVersion"] = call(parseVersion);
+  table["compareVersions"] = call([](const AppVersion& a, const AppVersion& b) {
     return a < b ? -1 : b < a ? 1 : 0;
   });
   table["<"] =
-      sessionCall([](AutomationSession&, const AppVersion& a, const AppVersion& b) { return a < b; });
+      call([](const AppVersion& a, const AppVersion& b) { return a < b; });
   table["<="] =
-      sessionCall([](AutomationSession&, const AppVersion& a, const AppVersion& b) { return a <= b; });
+      call([](const AppVersion& a, const AppVersion& b) { return a <= b; });
   table[">"] =
-      sessionCall([](AutomationSession&, const AppVersion& a, const AppVersion& b) { return a > b; });
+      call([](const AppVersion& a, const AppVersion& b) { return a > b; });
   table[">="] =
-      sessionCall([](AutomationSession&, const AppVersion& a, const AppVersion& b) { return a >= b; });
+      call([](const AppVersion& a, const AppVersion& b) { return a >= b; });
 
-  table["evaluateManifest"] = sessionCall(
-      [](AutomationSession&, const AppUpdateManifest& manifest, const std::string& currentVersion) {
+  table["evaluateManifest"] = call(
+      [](const AppUpdateManifest& manifest, const std::string& currentVersion) {
         return evaluateManifest(manifest, currentVersion);
       });
   // Without an argument, those of the update that is available.
-  table["changeGroups"] = sessionCall(
+  table["changeGroups"] = call(
       [](AutomationSession& session, const std::optional<AppUpdateAvailability>& availability) -> Json {
         const auto& shown = availability ? availability : *session.application.updates().availableUpdate;
         return shown ? toJson(changeGroups(*shown)) : Json();
       });
-  table["signedPayload"] = functionCall(signedPayload);
-  table["decodeManifest"] = functionCall(decodeManifest);
-  table["encodeManifest"] = functionCall(encodeManifest);
-  table["sha256OfFile"] = sessionCall(
-      [](AutomationSession&, const FilePath& file) { return sha256OfFile(HeldFile::open(file)); });
+  table["signedPayload"] = call(signedPayload);
+  table["decodeManifest"] = call(decodeManifest);
+  table["encodeManifest"] = call(encodeManifest);
+  table["sha256OfFile"] = call(
+      [](const FilePath& file) { return sha256OfFile(HeldFile::open(file)); });
   table["verifyInstaller"] =
-      sessionCall([](AutomationSession&, const AppUpdateRelease& release, const FilePath& file,
+      call([](const AppUpdateRelease& release, const FilePath& file,
                      const std::string& publicKey) { verifyInstaller(release, file, publicKey); });
 
   table["statusText"] =
-      sessionCall([](AutomationSession& session) { return session.application.updates().statusText(); });
+      call([](AutomationSession& session) { return session.application.updates().statusText(); });
   table["startAutomaticChecks"] =
-      sessionCall([](AutomationSession& session) { session.application.updates().startAutomaticChecks(); });
+      call([](AutomationSession& session) { session.application.updates().startAutomaticChecks(); });
   table["checkIfDue"] =
-      sessionCall([](AutomationSession& session) { session.application.updates().checkIfDue(); });
-  table["checkForUpdates"] = sessionCall([](AutomationSession& session, std::optional<bool> userInitiated) {
+      call([](AutomationSession& session) { session.application.updates().checkIfDue(); });
+  table["checkForUpdates"] = call([](AutomationSession& session, std::optional<bool> userInitiated) {
     session.application.updates().checkForUpdates(userInitiated.value_or(true));
   });
   table["postponeUpdate"] =
-      sessionCall([](AutomationSession& session) { session.application.updates().postponeUpdate(); });
+      call([](AutomationSession& session) { session.application.updates().postponeUpdate(); });
   table["downloadAndInstall"] =
-      sessionCall([](AutomationSession& session) { session.application.updates().downloadAndInstall(); });
+      call([](AutomationSession& session) { session.application.updates().downloadAndInstall(); });
 }
 
 }  // namespace ostrelon

@@ -23,6 +23,9 @@ void selectSingleEntity(Sketch& sketch, std::optional<UUID> id);
 void selectEntities(Sketch& sketch, const std::vector<std::int64_t>& positions);
 void selectAll(Sketch& sketch);
 
+/// The description of this entity as a line of the console; nothing for an unknown identifier.
+void printEntityDescription(const Sketch& sketch, Messages& messages, const UUID& id);
+
 // --- Edits of the one selected entity (entity_edit_operations.cpp)
 
 EntityEditResult setSelectedEntityLength(Sketch& sketch, double value);

@@ -45,4 +45,10 @@ void selectAll(Sketch& sketch) {
   sketch.select(std::move(selection));
 }
 
+void printEntityDescription(const Sketch& sketch, Messages& messages, const UUID& id) {
+  if (const SketchEntity* found = sketch.entity(id)) {
+    messages.appendSystem(entityDescription(*found, sketch.drawing->wallSystemName(*found)));
+  }
+}
+
 }  // namespace ostrelon

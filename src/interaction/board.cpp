@@ -78,12 +78,16 @@ void Board::documentBegun() {
   const auto scope = change();
   if (draft() != nullptr) gesture = Gesture();
   // What a drag began with belongs to the document that has gone.
-  if (const SelectDrag* drag = selectDrag(); drag != nullptr && drag->baseline) {
-    SelectDrag orphan = *drag;
-    orphan.baseline = std::nullopt;
-    gesture = std::move(orphan);
-  }
+  forgetDragBaseline();
   changeView([](BoardView& changed) { changed.isInitialized = false; });
+}
+
+void Board::forgetDragBaseline() {
+  const SelectDrag* drag = selectDrag();
+  if (drag == nullptr || !drag->baseline) return;
+  SelectDrag orphan = *drag;
+  orphan.baseline = std::nullopt;
+  gesture = std::move(orphan);
 }
 
 // --- Resets

@@ -92,6 +92,8 @@ class Board {
   /// a marquee stand.
   void documentOpened(const SketchViewport& viewport);
   void documentBegun();
+  /// The undo history has gone; a drag in progress will leave no step.
+  void forgetDragBaseline();
 
   // --- Resets (board.cpp)
 

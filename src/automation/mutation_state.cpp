@@ -1,0 +1,51 @@
+#include "automation/mutation_state.h"
+
+#include <utility>
+
+namespace ostrelon {
+
+SketchCommandMutationState captureCommandMutationState(const Sketch& sketch, const Board& board) {
+  return {{sketch.entities()},
+          sketch.selection->ids,
+          sketch.selection->primary,
+          board.tool,
+          board.draft() != nullptr ? std::optional(*board.draft()) : std::nullopt,
+          board.trimCuttingEdge,
+          sketch.drawing->activeWallSystemSpecID,
+          sketch.isDirty};
+}
+
+void restoreCommandMutationState(Sketch& sketch, Board& board, const SketchCommandMutationState& state) {
+  const auto change = sketch.change();
+  SketchState restored = sketch.state();
+  restored.drawing.entities = state.undoSnapshot.entities;
+  restored.drawing.activeWallSystemSpecID = state.activeWallSystemSpecID;
+  restored.selection.ids = state.selectedEntityIDs;
+  restored.selection.primary = state.primarySelectedEntityID;
+  restored.isDirty = state.isDocumentDirty;
+  sketch.setState(restored);
+  board.setState({state.selectedTool, state.draft ? Gesture(*state.draft) : board.state().gesture,
+                  state.trimCuttingEdgeEntityID});
+}
+
+void commitCommandMutationState(Sketch& sketch, const SketchCommandMutationState& state) {
+  sketch.recordStep(state.undoSnapshot.entities);
+}
+
+void captureUndoCheckpoint(Sketch& sketch) {
+  SketchUndoStack stack = sketch.undoStack;
+  stack.pushUndoSnapshot({sketch.entities()});
+  sketch.setUndoStack(std::move(stack));
+}
+
+void clearUndoHistory(Sketch& sketch, Board& board) { replaceUndoSnapshots(sketch, board, {}); }
+
+void replaceUndoSnapshots(Sketch& sketch, Board& board, const std::vector<SketchUndoSnapshot>& snapshots) {
+  const auto change = sketch.change();
+  SketchUndoStack stack;
+  stack.replaceUndoSnapshots(snapshots);
+  sketch.setUndoStack(std::move(stack));
+  board.forgetDragBaseline();
+}
+
+}  // namespace ostrelon
