@@ -21,6 +21,36 @@ bool readsAsTrimFailure(std::string_view text) {
 
 }  // namespace
 
+// --- The end from elsewhere
+
+CanvasGestures::Work::Work(const SketchViewModel& sketch)
+    : tool(sketch.selectedTool),
+      polygonVertices(*sketch.polygonDraft ? (*sketch.polygonDraft)->vertices.size() : 0),
+      isDragging(sketch.selectDrag->has_value()),
+      hasMarquee(sketch.selectMarquee->has_value()) {
+  if (*sketch.draft) draftStart = (*sketch.draft)->start;
+}
+
+bool CanvasGestures::Work::isContinuedBy(const Work& next) const {
+  return tool == next.tool && (!draftStart || draftStart == next.draftStart) &&
+         polygonVertices <= next.polygonVertices && (!isDragging || next.isDragging) &&
+         (!hasMarquee || next.hasMarquee);
+}
+
+CanvasGestures::CanvasGestures(SketchViewModel& sketch)
+    : sketch_(sketch),
+      work_(sketch),
+      subscription_(
+          sketch.observe(fieldMask(SketchField::selectedTool, SketchField::draft, SketchField::polygonDraft,
+                                   SketchField::selectDrag, SketchField::selectMarquee),
+                         [this](const SketchChange&) { followWork(); })) {}
+
+void CanvasGestures::followWork() {
+  const Work now(sketch_);
+  if (!work_.isContinuedBy(now)) press_.reset();
+  work_ = now;
+}
+
 // --- The primary button
 
 void CanvasGestures::press(SketchPoint viewPoint) {
@@ -56,26 +86,28 @@ void CanvasGestures::changed(SketchPoint viewPoint) {
 
 void CanvasGestures::release(SketchPoint viewPoint, bool shift) {
   if (!press_ || !isFinite(viewPoint)) return;
+  const SketchPoint press = *press_;
+  press_.reset();
+  const bool isClick = distanceBetween(press, viewPoint) < kDragStartThreshold;
   switch (*sketch_.selectedTool) {
     case SketchTool::select:
-      selectEnded(viewPoint, shift);
+      selectEnded(press, isClick, shift);
       break;
     case SketchTool::pan:
       break;
     case SketchTool::trim:
-      if (travelTo(viewPoint) < kDragStartThreshold) trimClicked();
+      if (isClick) trimClicked(press);
       break;
     case SketchTool::polygon:
-      polygonEnded(viewPoint);
+      if (distanceBetween(press, viewPoint) < kPolygonTapSlop) polygonClicked(press, viewPoint);
       break;
     case SketchTool::line:
     case SketchTool::wall:
     case SketchTool::circle:
     case SketchTool::rectangle:
-      draftEnded(viewPoint);
+      sketch_.commitDraft();
       break;
   }
-  press_.reset();
 }
 
 void CanvasGestures::doubleClick() {
@@ -90,7 +122,7 @@ void CanvasGestures::selectChanged(SketchPoint viewPoint) {
     sketch_.updateSelectDrag(toSketch(viewPoint));
   } else if (*sketch_.selectMarquee) {
     sketch_.updateMarquee(viewPoint);
-  } else if (travelTo(viewPoint) >= kDragStartThreshold) {
+  } else if (distanceBetween(*press_, viewPoint) >= kDragStartThreshold) {
     if (sketch_.beginSelectDrag(toSketch(*press_))) {
       sketch_.updateSelectDrag(toSketch(viewPoint));
     } else {
@@ -99,22 +131,21 @@ void CanvasGestures::selectChanged(SketchPoint viewPoint) {
   }
 }
 
-void CanvasGestures::selectEnded(SketchPoint viewPoint, bool additive) {
+void CanvasGestures::selectEnded(SketchPoint press, bool isClick, bool additive) {
   if (*sketch_.selectDrag) {
     sketch_.finishSelectDrag();
   } else if (*sketch_.selectMarquee) {
     sketch_.finishMarquee(additive);
-  } else if (travelTo(viewPoint) < kDragStartThreshold) {
-    sketch_.selectAtPoint(toSketch(*press_), additive);
+  } else if (isClick) {
+    sketch_.selectAtPoint(toSketch(press), additive);
   }
 }
 
 // --- The drawing tools
 
-void CanvasGestures::polygonEnded(SketchPoint viewPoint) {
-  if (travelTo(viewPoint) >= kPolygonTapSlop) return;
+void CanvasGestures::polygonClicked(SketchPoint press, SketchPoint viewPoint) {
   sketch_.recordPointer(viewPoint);
-  sketch_.addPolygonVertex(toSketch(*press_));
+  sketch_.addPolygonVertex(toSketch(press));
 }
 
 void CanvasGestures::draftChanged(SketchPoint viewPoint) {
@@ -126,16 +157,8 @@ void CanvasGestures::draftChanged(SketchPoint viewPoint) {
   }
 }
 
-void CanvasGestures::draftEnded(SketchPoint viewPoint) {
-  if (!*sketch_.draft) {
-    sketch_.beginDraft(toSketch(*press_));
-    sketch_.updateDraft(toSketch(viewPoint));
-  }
-  sketch_.commitDraft();
-}
-
-void CanvasGestures::trimClicked() {
-  const SketchPoint point = toSketch(*press_);
+void CanvasGestures::trimClicked(SketchPoint press) {
+  const SketchPoint point = toSketch(press);
   if (!pickEntityAtPoint(sketch_.index(), point, sketch_.viewport->scale)) {
     sketch_.clearTrimCuttingEdge();
     return;
@@ -170,8 +193,6 @@ std::optional<ContextMenu> CanvasGestures::contextMenu(SketchPoint viewPoint) {
 SketchPoint CanvasGestures::toSketch(SketchPoint viewPoint) const {
   return viewPointToSketch(viewPoint, sketch_.viewport);
 }
-
-double CanvasGestures::travelTo(SketchPoint viewPoint) const { return distanceBetween(*press_, viewPoint); }
 
 bool CanvasGestures::hasCanvas() const {
   return sketch_.canvasSize->width > 0 && sketch_.canvasSize->height > 0;

@@ -7,17 +7,22 @@
 //   gestures.release({180, 100}, shift);  // … and comes up
 //
 // A gesture has changed events, the press being the first, and one end; so a click is a drag of no
-// length. The tool is looked at for each event: the rest of a gesture goes to a tool that is chosen
-// meanwhile. The press is kept in view points and turned into sketch points with the viewport of the
-// moment at which it is used. The end is no change: a draft keeps the point of the last changed event.
+// length. The press is kept in view points and turned into sketch points with the viewport of the moment
+// at which it is used. The end is no change: a draft keeps the point of the last changed event.
+//
+// A gesture is over before its release once something else (a key, a command, a typed size, undo) has
+// ended the draft, drag, marquee or polygon that it works on, and with any change of the tool. What
+// follows of it does nothing then, until the next press.
 //
 // Events with coordinates that are not finite are ignored, as are drags and releases without a press.
 #pragma once
 
-#include <functional>
+#include <cstddef>
 #include <optional>
 
+#include "core/observable.h"
 #include "core/sketch_point.h"
+#include "core/sketch_tool.h"
 #include "interaction/context_menu.h"
 
 namespace ostrelon {
@@ -32,7 +37,10 @@ inline constexpr double kPolygonTapSlop = 8.0;
 class CanvasGestures {
  public:
   /// `sketch` must outlive the object.
-  explicit CanvasGestures(SketchViewModel& sketch) : sketch_(sketch) {}
+  explicit CanvasGestures(SketchViewModel& sketch);
+  CanvasGestures(const CanvasGestures&) = delete;
+  CanvasGestures& operator=(const CanvasGestures&) = delete;
+  ~CanvasGestures() = default;
 
   // --- The primary button
 
@@ -42,6 +50,7 @@ class CanvasGestures {
   void release(SketchPoint viewPoint, bool shift = false);
   /// What the platform delivers after the second release of a double click.
   void doubleClick();
+  /// True from the press to the release, or to an earlier end of the gesture.
   bool isPressed() const { return press_.has_value(); }
   /// Forgets a press whose release will never come. What it has begun stays as it is.
   void forgetPress() { press_.reset(); }
@@ -66,20 +75,33 @@ class CanvasGestures {
   std::optional<ContextMenu> contextMenu(SketchPoint viewPoint);
 
  private:
+  /// What a gesture may be working on.
+  struct Work {
+    SketchTool tool = SketchTool::select;
+    std::optional<SketchPoint> draftStart;
+    std::size_t polygonVertices = 0;
+    bool isDragging = false;
+    bool hasMarquee = false;
+
+    explicit Work(const SketchViewModel& sketch);
+    bool isContinuedBy(const Work& next) const;
+  };
+
+  /// Forgets the press when what it works on has been ended.
+  void followWork();
   void changed(SketchPoint viewPoint);
   void selectChanged(SketchPoint viewPoint);
-  void selectEnded(SketchPoint viewPoint, bool additive);
-  void polygonEnded(SketchPoint viewPoint);
+  void selectEnded(SketchPoint press, bool isClick, bool additive);
+  void polygonClicked(SketchPoint press, SketchPoint viewPoint);
   void draftChanged(SketchPoint viewPoint);
-  void draftEnded(SketchPoint viewPoint);
-  void trimClicked();
+  void trimClicked(SketchPoint press);
   SketchPoint toSketch(SketchPoint viewPoint) const;
-  /// How far a view point lies from the press, view points.
-  double travelTo(SketchPoint viewPoint) const;
   bool hasCanvas() const;
 
   SketchViewModel& sketch_;
   std::optional<SketchPoint> press_;  // view points
+  Work work_;
+  Subscription subscription_;
 };
 
 }  // namespace ostrelon
