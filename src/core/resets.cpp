@@ -17,15 +17,30 @@ void SketchViewModel::selectOnly(const UUID& id) {
 }
 
 void SketchViewModel::deselect(const UUID& id) {
-  if (!selectedEntityIDs->contains(id)) return;
+  const bool isSelected = selectedEntityIDs->contains(id);
+  // A marquee without hits leaves a primary entity that is not selected.
+  if (!isSelected && primarySelectedEntityID != std::optional(id)) return;
   const ChangeScope scope(tracker_);
-  auto& selection = selectedEntityIDs.edit();
-  selection.erase(id);
+  if (isSelected) selectedEntityIDs.edit().erase(id);
+  const auto& selection = *selectedEntityIDs;
   if (primarySelectedEntityID == id) {
     primarySelectedEntityID =
         selection.empty() ? std::optional<UUID>() : std::optional<UUID>(*selection.begin());
   }
   if (selection.empty()) isEntityInspectorVisible = false;
+}
+
+void SketchViewModel::settleSelection() {
+  const ChangeScope scope(tracker_);
+  std::unordered_set<UUID> present = selectedEntityIDs;
+  std::erase_if(present, [&](const UUID& id) { return entity(id) == nullptr; });
+  selectedEntityIDs = std::move(present);
+  if (selectedEntityIDs->empty()) {
+    primarySelectedEntityID = std::nullopt;
+    isEntityInspectorVisible = false;
+  } else if (*primarySelectedEntityID && !selectedEntityIDs->contains(**primarySelectedEntityID)) {
+    primarySelectedEntityID = *selectedEntityIDs->begin();
+  }
 }
 
 void SketchViewModel::clearSnapState() {
@@ -49,6 +64,7 @@ void SketchViewModel::cancelTrackingDwell() {
 void SketchViewModel::closeSegmentLengthEdit() {
   const ChangeScope scope(tracker_);
   isSegmentLengthEditing = false;
+  isSegmentLengthTextOffered_ = false;
   segmentLengthEditText = std::string();
   segmentLengthEditError = std::nullopt;
 }

@@ -2,23 +2,19 @@
 #include "core/sketch_view_model.h"
 
 namespace ostrelon {
-namespace {
-
-// The identifiers of the set that are still in the list.
-std::unordered_set<UUID> stillPresent(const std::unordered_set<UUID>& ids, const EntityIndex& index) {
-  std::unordered_set<UUID> present;
-  for (const UUID& id : ids) {
-    if (index.find(id) != nullptr) present.insert(id);
-  }
-  return present;
-}
-
-}  // namespace
-
 void SketchViewModel::captureUndoCheckpoint() {
   if (isApplyingUndoRedo_ || undoCheckpointSuppressionDepth_ != 0) return;
+  pushUndoStep({entities.get()});
+}
+
+void SketchViewModel::pushUndoStep(const SketchUndoSnapshot& before) {
   const ChangeScope scope(tracker_);
-  undoStack_.pushUndoSnapshot({entities.get()});
+  if (*selectDragUndoBaseline && !hasUndoStepOfDrag_) {
+    hasUndoStepOfDrag_ = true;
+    const SketchUndoSnapshot& baseline = **selectDragUndoBaseline;
+    if (!(baseline.entities == before.entities)) undoStack_.pushUndoSnapshot(baseline);
+  }
+  undoStack_.pushUndoSnapshot(before);
   tracker_.mark(n(SketchField::undoStack));
 }
 
@@ -46,13 +42,7 @@ void SketchViewModel::restoreSnapshot(const EntityList& restored) {
   const ChangeScope scope(tracker_);
   isApplyingUndoRedo_ = true;
   entities = restored;
-  selectedEntityIDs = stillPresent(selectedEntityIDs, index());
-  if (selectedEntityIDs->empty()) {
-    primarySelectedEntityID = std::nullopt;
-    isEntityInspectorVisible = false;
-  } else if (*primarySelectedEntityID && !selectedEntityIDs->contains(**primarySelectedEntityID)) {
-    primarySelectedEntityID = *selectedEntityIDs->begin();
-  }
+  settleSelection();
   draft = std::nullopt;
   selectDrag = std::nullopt;
   selectMarquee = std::nullopt;
@@ -105,9 +95,7 @@ void SketchViewModel::restoreCommandMutationState(const SketchCommandMutationSta
 
 void SketchViewModel::commitCommandMutationState(const SketchCommandMutationState& state) {
   if (state.undoSnapshot.entities == entities.get()) return;
-  const ChangeScope scope(tracker_);
-  undoStack_.pushUndoSnapshot(state.undoSnapshot);
-  tracker_.mark(n(SketchField::undoStack));
+  pushUndoStep(state.undoSnapshot);
 }
 
 void SketchViewModel::changeUndoCheckpointSuppressionDepth(int by) { undoCheckpointSuppressionDepth_ += by; }

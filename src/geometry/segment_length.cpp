@@ -29,9 +29,13 @@ void SketchViewModel::beginSegmentLengthEdit(std::optional<std::string> text) {
   segmentLengthEditText = text ? *text : currentSegmentLengthText().value_or("");
   segmentLengthEditError = std::nullopt;
   isSegmentLengthEditing = true;
+  isSegmentLengthTextOffered_ = !text;
 }
 
-void SketchViewModel::setSegmentLengthEditText(std::string text) { segmentLengthEditText = std::move(text); }
+void SketchViewModel::setSegmentLengthEditText(std::string text) {
+  segmentLengthEditText = std::move(text);
+  isSegmentLengthTextOffered_ = false;
+}
 
 bool SketchViewModel::commitSegmentLengthEdit() {
   const ChangeScope scope(tracker_);
@@ -40,7 +44,9 @@ bool SketchViewModel::commitSegmentLengthEdit() {
     segmentLengthEditError = "Enter a valid feet/inches length.";
     return false;
   }
-  if (!applySegmentLength(*value)) {
+  // The text with which the editor opens is rounded to the inch: as it stands it asks for nothing.
+  const bool isAsOffered = isSegmentLengthTextOffered_ && currentSegmentLengthText();
+  if (!isAsOffered && !applySegmentLength(*value)) {
     segmentLengthEditError = "Length edit is only available for line and wall segments.";
     return false;
   }

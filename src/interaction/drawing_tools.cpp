@@ -41,6 +41,17 @@ bool isDraftLargeEnough(SketchTool tool, const SketchDraft& draft) {
   return std::hypot(span.x, span.y) >= kMinimumDraftSize;
 }
 
+std::optional<SketchPoint> pointerBadgePoint(const SketchViewModel& sketch) {
+  if (*sketch.acquiredEntitySnap && *sketch.draft && *sketch.cursorSketchPoint) {
+    return sketch.cursorSketchPoint;
+  }
+  if (*sketch.activeEntitySnapPoint) return sketch.activeEntitySnapPoint;
+  if (*sketch.activeGridSnapPoint) return sketch.activeGridSnapPoint;
+  if (*sketch.draft) return (*sketch.draft)->current;
+  if (*sketch.polygonDraft) return (*sketch.polygonDraft)->current;
+  return sketch.cursorSketchPoint;
+}
+
 // --- Two-point tools
 
 void SketchViewModel::beginDraft(SketchPoint point) {
@@ -83,11 +94,15 @@ void SketchViewModel::setDraftCurrent(SketchPoint point) {
   if (*draft) draft = SketchDraft{(*draft)->start, point};
 }
 
-void SketchViewModel::commitDraft() {
+void SketchViewModel::commitDraft() { addDraft(false); }
+
+void SketchViewModel::commitTypedDraft() { addDraft(true); }
+
+void SketchViewModel::addDraft(bool whateverItsSize) {
   if (!*draft) return;
   const ChangeScope scope(tracker_);
   auto entity = draftedEntity(selectedTool, **draft, activeWallSystemSpecID);
-  if (entity && isDraftLargeEnough(selectedTool, **draft)) {
+  if (entity && (whateverItsSize || isDraftLargeEnough(selectedTool, **draft))) {
     appendNewEntity(withEntityID(std::move(*entity), UUID::random()));
   }
   clearDraft();

@@ -3,7 +3,6 @@
 // whole course is one undo step.
 #include <algorithm>
 #include <cmath>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -46,6 +45,7 @@ SketchSnapResult snappedMove(SketchPoint start, SketchPoint pointer, const Sketc
 bool SketchViewModel::beginSelectDrag(SketchPoint press) {
   const ChangeScope scope(tracker_);
   selectDragUndoBaseline = std::nullopt;
+  hasUndoStepOfDrag_ = false;
   selectMarquee = std::nullopt;
   groupMove_.reset();
 
@@ -160,10 +160,8 @@ void SketchViewModel::updateGroupDrag(const MultiBodyDrag& drag, SketchPoint poi
 void SketchViewModel::finishSelectDrag() {
   const ChangeScope scope(tracker_);
   if (*selectDragUndoBaseline) {
-    if (!((*selectDragUndoBaseline)->entities == entities.get())) {
-      undoStack_.pushUndoSnapshot(**selectDragUndoBaseline);
-      tracker_.mark(n(SketchField::undoStack));
-    }
+    const bool hasChanged = !((*selectDragUndoBaseline)->entities == entities.get());
+    if (hasChanged && !hasUndoStepOfDrag_) pushUndoStep(SketchUndoSnapshot(**selectDragUndoBaseline));
     selectDragUndoBaseline = std::nullopt;
   }
   selectDrag = std::nullopt;
@@ -177,12 +175,14 @@ void SketchViewModel::cancelSelectDrag() {
   const ChangeScope scope(tracker_);
   if (*selectDragUndoBaseline) {
     // The document may have been saved while the drag was under way.
-    if (!((*selectDragUndoBaseline)->entities == entities.get())) isDocumentDirty = true;
+    if (!((*selectDragUndoBaseline)->entities == entities.get())) {
+      isDocumentDirty = true;
+      // Undo brings the edits back that were made in the middle of the drag.
+      if (hasUndoStepOfDrag_) pushUndoStep({entities.get()});
+    }
     entities = (*selectDragUndoBaseline)->entities;
     // What a command has added meanwhile is gone with the drag, and so is its selection.
-    std::unordered_set<UUID> present = selectedEntityIDs;
-    std::erase_if(present, [&](const UUID& id) { return entity(id) == nullptr; });
-    selectedEntityIDs = std::move(present);
+    settleSelection();
     selectDragUndoBaseline = std::nullopt;
   }
   selectDrag = std::nullopt;

@@ -63,7 +63,12 @@ void SketchViewModel::scheduleTrackingDwell() {
 void SketchViewModel::pollTrackingDwell() {
   const ChangeScope scope(tracker_);
   trackingAcquireDwellTask_.reset();
+  const auto holdText = [&] {
+    return *pendingTrackingAcquire ? std::optional(trackingHoldText(**pendingTrackingAcquire)) : std::nullopt;
+  };
+  const bool isShown = snapFeedback->has_value() && *snapFeedback == holdText();
   advanceTrackingDwell(host_.scheduler.now());
+  if (isShown && *pendingTrackingAcquire) snapFeedback = holdText();
 }
 
 void SketchViewModel::lockTrackingTarget(const EntitySnapTarget& target) {

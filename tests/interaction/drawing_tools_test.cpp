@@ -408,7 +408,8 @@ TEST(Gestures, GoOnWhenNothingOfThemHasEnded) {
   board.sketch.activateTool(SketchTool::line);
   board.press({0, 0});
   board.drag({20, 0});
-  board.reply("select 1; assign none");  // fails, and takes its change of tool back
+  // A chain that fails at its run and takes its change of tool back.
+  board.reply("select; wall 0 60 5 60; wall 5 60 9 60; select 2; assign CMU-8");
   board.reply("zoom in");
   board.drag({40, 0});
   board.release({40, 0});
