@@ -124,8 +124,8 @@ const std::map<std::string, Operation, std::less<>>& operations() {
        [](AutomationSession& session, const Json& request) {
          using Names = std::optional<std::vector<std::string>>;
          return stateOf(session.workspace(), request.contains("fields")
-                                              ? requestMember<Names>(session, request, "fields")
-                                              : Names());
+                                                 ? requestMember<Names>(session, request, "fields")
+                                                 : Names());
        }},
       {"settings",
        [](AutomationSession& session, const Json&) { return settingsOf(session.application.settings()); }},
@@ -135,7 +135,7 @@ const std::map<std::string, Operation, std::less<>>& operations() {
       {"canvas.resize",
        [](AutomationSession& session, const Json& request) -> Json {
          session.workspace().board.resizeCanvas({requestMember<double>(session, request, "width"),
-                                            requestMember<double>(session, request, "height")});
+                                                 requestMember<double>(session, request, "height")});
          return nullptr;
        }},
       {"canvas.press",

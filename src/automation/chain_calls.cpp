@@ -146,25 +146,24 @@ ChainExecutionContext Reader<ChainExecutionContext>::read(const Json& json, cons
 void addChainCalls(CallTable& table) {
   table["runChain"] = call(
       [](AutomationSession& session, const std::string& text) { return runChain(text, session.sketch()); });
-  table["parseChain"] = call(
-      [](AutomationSession& session, const std::string& text) { return parsedChain(session, text); });
+  table["parseChain"] =
+      call([](AutomationSession& session, const std::string& text) { return parsedChain(session, text); });
   table["parseChainSegment"] = call(
       [](AutomationSession& session, const std::vector<std::string>& tokens,
          const std::optional<ChainValidationState>& state) { return parsedSegment(session, tokens, state); });
   table["applyToValidationState"] = call([](AutomationSession& session, const ChainCommand& command,
-                                                   const std::optional<ChainValidationState>& state) {
+                                            const std::optional<ChainValidationState>& state) {
     return advancedState(session, command, state);
   });
   // By itself, outside a chain, a command takes the undo steps of what it does.
   table["executeChainCommand"] = call([](AutomationSession& session, const ChainCommand& command,
-                                                const std::optional<ChainExecutionContext>& context) {
+                                         const std::optional<ChainExecutionContext>& context) {
     ChainExecutionContext counters = context.value_or(ChainExecutionContext());
     return executeChainCommand(command, counters, session.sketch());
   });
-  table["chainSummary"] =
-      call([](const ChainExecutionContext& counters, std::int64_t count) {
-        return chainSummary(counters, static_cast<std::size_t>(std::max<std::int64_t>(count, 0)));
-      });
+  table["chainSummary"] = call([](const ChainExecutionContext& counters, std::int64_t count) {
+    return chainSummary(counters, static_cast<std::size_t>(std::max<std::int64_t>(count, 0)));
+  });
 }
 
 }  // namespace ostrelon

@@ -121,8 +121,7 @@ std::string runChain(std::string_view text, SketchViewModel& sketch) {
   std::string reply;
   sketch.performAsOneChange([&] {
     const SketchCommandMutationState before = sketch.captureCommandMutationState();
-    const std::optional<PolygonDraft> polygon = sketch.polygonDraft;
-    const bool isInspectorVisible = sketch.isEntityInspectorVisible;
+    const SketchViewModel::OpenWork work = sketch.openWork();
     sketch.changeUndoCheckpointSuppressionDepth(1);
     ChainExecutionContext context;
     std::optional<std::string> failure;
@@ -132,7 +131,7 @@ std::string runChain(std::string_view text, SketchViewModel& sketch) {
     }
     sketch.changeUndoCheckpointSuppressionDepth(-1);
     if (failure) {
-      sketch.restoreAfterFailedChain(before, polygon, isInspectorVisible);
+      sketch.restoreAfterFailedChain(before, work);
       reply = chainError(number, *failure);
     } else {
       sketch.commitCommandMutationState(before);
@@ -173,13 +172,36 @@ std::string chainSummary(const ChainExecutionContext& context, std::size_t count
 
 namespace ostrelon {
 
+SketchViewModel::OpenWork SketchViewModel::openWork() const {
+  return {polygonDraft,
+          lastDraftConstraintAxes,
+          isEntityInspectorVisible,
+          isSegmentLengthEditing,
+          isSegmentLengthTextOffered_,
+          segmentLengthEditText,
+          segmentLengthEditError,
+          acquiredEntitySnap,
+          pendingTrackingAcquire,
+          trackingAcquireDwellStart,
+          trackingAcquireProgress};
+}
+
 void SketchViewModel::restoreAfterFailedChain(const SketchCommandMutationState& before,
-                                              const std::optional<PolygonDraft>& polygon,
-                                              bool isInspectorVisible) {
+                                              const OpenWork& work) {
   const ChangeScope scope(tracker_);
   restoreCommandMutationState(before);
-  polygonDraft = polygon;
-  isEntityInspectorVisible = isInspectorVisible;
+  polygonDraft = work.polygonDraft;
+  lastDraftConstraintAxes = work.lastDraftConstraintAxes;
+  isEntityInspectorVisible = work.isEntityInspectorVisible;
+  isSegmentLengthEditing = work.isSegmentLengthEditing;
+  isSegmentLengthTextOffered_ = work.isSegmentLengthTextOffered;
+  segmentLengthEditText = work.segmentLengthEditText;
+  segmentLengthEditError = work.segmentLengthEditError;
+  acquiredEntitySnap = work.acquiredEntitySnap;
+  pendingTrackingAcquire = work.pendingTrackingAcquire;
+  trackingAcquireDwellStart = work.trackingAcquireDwellStart;
+  trackingAcquireProgress = work.trackingAcquireProgress;
+  scheduleTrackingDwell();
 }
 
 void SketchViewModel::extendChainSegment(std::size_t index, SketchPoint to) {

@@ -108,7 +108,7 @@ std::optional<NumericDraftReply> SketchViewModel::applyNumericDraftInput(std::st
   const ChangeScope scope(tracker_);
   setDraftCurrent(end->current);
   clearSnapState();
-  commitDraft();
+  commitTypedDraft();
   return NumericDraftReply{end->message, false};
 }
 

@@ -43,6 +43,15 @@ bool isDraftLargeEnough(SketchTool tool, const SketchDraft& draft) {
   return lengthOf(span) >= kMinimumDraftSize;
 }
 
+std::optional<SketchPoint> pointerBadgePoint(const Board& board) {
+  if (board.tracking->locked && board.draft() != nullptr && *board.cursor) return board.cursor;
+  if (board.snap->entityPoint) return board.snap->entityPoint;
+  if (board.snap->gridPoint) return board.snap->gridPoint;
+  if (board.draft() != nullptr) return board.draft()->current;
+  if (board.polygonDraft() != nullptr) return board.polygonDraft()->current;
+  return board.cursor;
+}
+
 // --- Two-point tools
 
 void Board::beginDraft(SketchPoint point) {
@@ -85,11 +94,15 @@ void Board::setDraftCurrent(SketchPoint point) {
   if (draft() != nullptr) gesture = SketchDraft{draft()->start, point};
 }
 
-void Board::commitDraft() {
+void Board::commitDraft() { addDraft(false); }
+
+void Board::commitTypedDraft() { addDraft(true); }
+
+void Board::addDraft(bool whateverItsSize) {
   if (draft() == nullptr) return;
   const auto scope = change();
   auto entity = draftedEntity(tool, *draft(), sketch_.drawing->activeWallSystemSpecID);
-  if (entity && isDraftLargeEnough(tool, *draft())) {
+  if (entity && (whateverItsSize || isDraftLargeEnough(tool, *draft()))) {
     addEntity(sketch_, withEntityID(std::move(*entity), UUID::random()));
   }
   clearDraft();

@@ -12,6 +12,7 @@
 
 #include "app/align.h"
 #include "interaction/canvas_transform.h"
+#include "interaction/drawing_tools.h"
 #include "interaction/segment_label.h"
 #include "shell/qt_text.h"
 
@@ -470,12 +471,8 @@ void CanvasOverlay::placePointerBadges() {
     return QPoint(std::max(8, x), std::max(8, y));
   };
 
-  std::optional<SketchPoint> snapped = sketch_.activeEntitySnapPoint;
-  if (!snapped) snapped = sketch_.activeGridSnapPoint;
-  if (!snapped && *sketch_.draft) snapped = (*sketch_.draft)->current;
-  if (!snapped && *sketch_.polygonDraft) snapped = (*sketch_.polygonDraft)->current;
-  if (!snapped) snapped = sketch_.cursorSketchPoint;
-  const SketchPoint at = snapped ? sketchPointToView(*snapped, view) : SketchPoint{0, 0};
+  const auto beside = pointerBadgePoint(sketch_);
+  const SketchPoint at = beside ? sketchPointToView(*beside, view) : SketchPoint{0, 0};
   QSize both(0, 0);
   std::vector<Badge*> stack;
   for (Badge* badge : {snapFeedback_, measurement_}) {

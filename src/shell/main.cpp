@@ -2,6 +2,7 @@
 #include <QtGlobal>
 #include <cstdio>
 #include <exception>
+#include <string_view>
 
 #include "app/command_line.h"
 #include "automation/automation_start.h"
@@ -59,7 +60,8 @@ int main(int argc, char** argv) {
   try {
     return run(argc, argv);
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "Ostrelon cannot go on: %s.\n", error.what());
+    const std::string_view reason = error.what();
+    std::fprintf(stderr, "Ostrelon cannot go on: %s%s\n", error.what(), reason.ends_with('.') ? "" : ".");
     return 2;
   }
 }

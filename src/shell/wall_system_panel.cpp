@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/length_text.h"
 #include "shell/accessibility.h"
 #include "shell/entity_list_model.h"
 #include "shell/qt_text.h"

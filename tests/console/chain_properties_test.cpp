@@ -58,6 +58,10 @@ struct Surroundings {
   std::optional<PolygonDraft> polygonDraft;
   std::optional<UUID> cuttingEdge;
   bool isInspectorVisible;
+  bool isLengthEdited;
+  std::string lengthText;
+  std::optional<EntitySnapTarget> lock;
+  std::optional<EntitySnapTarget> dwell;
   std::vector<WallSystemSpec> systems;
 
   explicit Surroundings(const SketchViewModel& sketch)
@@ -65,6 +69,10 @@ struct Surroundings {
         polygonDraft(sketch.polygonDraft),
         cuttingEdge(sketch.trimCuttingEdgeEntityID),
         isInspectorVisible(sketch.isEntityInspectorVisible),
+        isLengthEdited(sketch.isSegmentLengthEditing),
+        lengthText(sketch.segmentLengthEditText),
+        lock(sketch.acquiredEntitySnap),
+        dwell(sketch.pendingTrackingAcquire),
         systems(sketch.wallSystemSpecs) {}
   friend bool operator==(const Surroundings&, const Surroundings&) = default;
 };
@@ -85,6 +93,10 @@ TEST(Chains, RandomOnesAreAllOrNothingAndOneStep) {
     }
     if (drawing.below(8) == 0) t.sketch.addPolygonVertex({1, 1});
     if (drawing.below(8) == 0) t.sketch.setEntityInspectorVisible(true);
+    if (drawing.below(8) == 0) t.sketch.beginSegmentLengthEdit("7'");
+    const EntitySnapTarget target{{3, 4}, EntitySnapKind::endpoint, UUID::random(), "Line 1"};
+    if (drawing.below(8) == 0) t.sketch.lockTrackingTarget(target);
+    if (drawing.below(8) == 0) t.sketch.startTrackingDwell(target, t.scheduler.now());
     std::string chain = piece(drawing);
     for (int i = 1 + drawing.below(6); i > 0; --i) chain += "; " + piece(drawing);
     if (drawing.below(8) == 0) {
