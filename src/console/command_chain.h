@@ -3,65 +3,35 @@
 // same direction lengthens the segment before it, one that turns counts as a corner.
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_set>
-#include <utility>
 #include <variant>
 #include <vector>
 
-#include "core/sketch_view_model.h"
+#include "console/command.h"
 
 namespace ostrelon::CommandInterpreter {
 
-struct ChainLine {
-  SketchPoint from;
-  SketchPoint to;
-};
-struct ChainWall {
-  SketchPoint from;
-  SketchPoint to;
-  UUID systemSpecID;
-};
-struct ChainCircle {
-  SketchPoint center;
-  double radius = 0;
-};
-struct ChainRectangle {
-  SketchPoint origin;
-  SketchSize size;
-};
-struct ChainSelect {
-  std::vector<std::int64_t> indices;  ///< 0-based; empty activates the select tool
-};
-struct ChainAssign {
-  UUID specID;
-};
-struct ChainSpecUse {
-  UUID specID;
-};
-struct ChainSpecShow {
-  std::optional<std::string> name;
-};
-struct ChainSpecList {};
+/// Runs the line.
+Reply runChain(std::string_view text, const CommandContext& context);
 
-using ChainCommand = std::variant<ChainLine, ChainWall, ChainCircle, ChainRectangle, ChainSelect, ChainAssign,
-                                  ChainSpecUse, ChainSpecShow, ChainSpecList>;
+// --- Parsing and checking (command_chain.cpp)
 
-struct ChainFailure {
+/// A segment (counted from 1) and what is wrong with it.
+struct ChainError {
+  std::size_t segment = 0;
   std::string message;
 };
-using ChainParseResult = std::variant<ChainCommand, ChainFailure>;
 
-/// What the document would look like if the segments before had run, as far as checking needs it.
-struct ChainValidationState {
-  const SketchViewModel* sketch = nullptr;  ///< the wall systems, which no chain changes
-  EntityList entities;
-  std::unordered_set<UUID> selectedEntityIDs;
-  UUID activeWallSystemSpecID;
-};
+std::variant<std::vector<Action>, ChainError> parseChain(std::string_view text, const Sketch& sketch);
+/// The command, or the reply that says what is wrong with it. At least one token.
+std::variant<Action, Reply> parseChainSegment(const Words& tokens, const ParseState& state);
+/// Brings the state to where it is once the command has run.
+void applyToValidationState(const Action& command, ParseState& state);
+
+// --- Running (command_chain_run.cpp)
 
 struct ChainSegmentKind {
   std::optional<UUID> wallSystemSpecID;  ///< absent for a line
@@ -90,22 +60,10 @@ struct ChainExecutionContext {
   int cornerJoins = 0;
 };
 
-/// A segment (counted from 1) and what is wrong with it.
-struct ChainError {
-  std::size_t segment = 0;
-  std::string message;
-};
-
-/// Runs the line and gives the reply.
-std::string runChain(std::string_view text, SketchViewModel& sketch);
-
-std::variant<std::vector<ChainCommand>, ChainError> parseChain(std::string_view text,
-                                                               const SketchViewModel& sketch);
-ChainParseResult parseChainSegment(const std::vector<std::string>& tokens, const ChainValidationState& state);
-void applyToValidationState(const ChainCommand& command, ChainValidationState& state);
 /// Runs one command; a message says why it could not run.
-std::optional<std::string> executeChainCommand(const ChainCommand& command, ChainExecutionContext& context,
-                                               SketchViewModel& sketch);
-std::string chainSummary(const ChainExecutionContext& context, std::size_t count);
+std::optional<std::string> executeChainCommand(const Action& command, ChainExecutionContext& chain,
+                                               const CommandContext& context);
+/// The reply to a chain of `count` commands that has run.
+std::string chainSummary(const ChainExecutionContext& chain, std::size_t count);
 
 }  // namespace ostrelon::CommandInterpreter

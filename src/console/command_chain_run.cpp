@@ -5,8 +5,8 @@
 #include <cmath>
 
 #include "console/command_chain.h"
-#include "console/edit_commands.h"
-#include "console/general_commands.h"
+#include "console/wall_system_commands.h"
+#include "core/adding.h"
 #include "geometry/entity_geometry.h"
 
 namespace ostrelon::CommandInterpreter {
@@ -20,143 +20,119 @@ bool isNearlyCollinear(SketchPoint a, SketchPoint b) {
   return product > 0 && std::fabs(cross(a, b)) <= product * kNearlyCollinear;
 }
 
-void runSegment(SketchPoint from, SketchPoint to, const ChainSegmentKind& kind,
-                ChainExecutionContext& context, SketchViewModel& sketch) {
-  const auto& previous = context.previousSegment;
+// Moves the end of the line or wall at this position; a wall becomes the selection.
+void extendSegment(Sketch& sketch, std::size_t index, SketchPoint to) {
+  SketchEntity extended = sketch.entities()[index];
+  const auto* wall = std::get_if<WallEntity>(&extended);
+  if (wall != nullptr) sketch.selectOnly(wall->id);
+  std::visit(Overloaded{[&](LineEntity& line) { line.to = to; },
+                        [&](WallEntity& segment) { segment.to = to; }, [](auto&) {}},
+             extended);
+  sketch.edit([&](Drawing& drawing) { drawing.entities.replace(index, std::move(extended)); });
+}
+
+void runSegment(SketchPoint from, SketchPoint to, const ChainSegmentKind& kind, ChainExecutionContext& chain,
+                Sketch& sketch) {
+  const auto& previous = chain.previousSegment;
   const bool continues = previous && previous->to == from &&
                          previous->kind.wallSystemSpecID.has_value() == kind.wallSystemSpecID.has_value();
   if (continues) {
     if (!isNearlyCollinear(previous->to - previous->from, to - from)) {
-      ++context.cornerJoins;
+      ++chain.cornerJoins;
     } else if (previous->kind == kind) {
-      sketch.extendChainSegment(previous->entityIndex, to);
-      ++context.collinearMerges;
-      context.previousSegment->to = to;
+      extendSegment(sketch, previous->entityIndex, to);
+      ++chain.collinearMerges;
+      chain.previousSegment->to = to;
       return;
     }
   }
   if (kind.wallSystemSpecID) {
-    sketch.addWall(kind.wallSystemSpecID, from, to);
-    ++context.wallsAdded;
+    addWall(sketch, kind.wallSystemSpecID, from, to);
+    ++chain.wallsAdded;
   } else {
-    sketch.addLine(from, to);
-    ++context.linesAdded;
+    addLine(sketch, from, to);
+    ++chain.linesAdded;
   }
-  context.previousSegment = ChainSegment{sketch.entities->size() - 1, kind, from, to};
+  chain.previousSegment = ChainSegment{sketch.entities().size() - 1, kind, from, to};
 }
 
-}  // namespace
-
-std::optional<std::string> executeChainCommand(const ChainCommand& command, ChainExecutionContext& context,
-                                               SketchViewModel& sketch) {
-  using Error = std::optional<std::string>;
-  if (!std::holds_alternative<ChainLine>(command) && !std::holds_alternative<ChainWall>(command)) {
-    context.previousSegment = std::nullopt;
-  }
+// The counter that a command raises; null for those that are not counted.
+int* counterOf(const Action& command, ChainExecutionContext& chain) {
   return std::visit(Overloaded{
-                        [&](const ChainLine& line) {
-                          runSegment(line.from, line.to, {}, context, sketch);
-                          return Error();
-                        },
-                        [&](const ChainWall& wall) {
-                          runSegment(wall.from, wall.to, {wall.systemSpecID}, context, sketch);
-                          return Error();
-                        },
-                        [&](const ChainCircle& circle) {
-                          sketch.addCircle(circle.center, circle.radius);
-                          ++context.circlesAdded;
-                          return Error();
-                        },
-                        [&](const ChainRectangle& rectangle) {
-                          sketch.addRectangle(rectangle.origin, rectangle.size);
-                          ++context.rectanglesAdded;
-                          return Error();
-                        },
-                        [&](const ChainSelect& select) {
-                          if (select.indices.empty()) {
-                            sketch.activateSelectTool();
-                          } else {
-                            sketch.selectEntities(select.indices);
-                          }
-                          ++context.selectionUpdates;
-                          return Error();
-                        },
-                        [&](const ChainAssign& assign) {
-                          const auto wall = selectedWallID(sketch);
-                          if (!wall || !sketch.assignWallSystem(assign.specID, *wall)) {
-                            return Error("Could not assign system to selection.");
-                          }
-                          ++context.wallAssignments;
-                          return Error();
-                        },
-                        [&](const ChainSpecUse& use) {
-                          if (const WallSystemSpec* spec = sketch.wallSystemSpec(use.specID)) {
-                            sketch.setActiveWallSystem(WallSystemSpec(*spec));
-                          }
-                          ++context.specCommands;
-                          return Error();
-                        },
-                        [&](const ChainSpecShow& show) {
-                          printWallSystem(show.name, sketch);
-                          ++context.specCommands;
-                          return Error();
-                        },
-                        [&](const ChainSpecList&) {
-                          printWallSystems(sketch);
-                          ++context.specCommands;
-                          return Error();
-                        },
+                        [&](const DrawCircle&) { return &chain.circlesAdded; },
+                        [&](const DrawRectangle&) { return &chain.rectanglesAdded; },
+                        [&](const SelectEntities&) { return &chain.selectionUpdates; },
+                        [&](const AssignWallSystem&) { return &chain.wallAssignments; },
+                        [&](const UseWallSystem&) { return &chain.specCommands; },
+                        [&](const ShowWallSystem&) { return &chain.specCommands; },
+                        [&](const ListWallSystems&) { return &chain.specCommands; },
+                        [](const auto&) -> int* { return nullptr; },
                     },
                     command);
 }
 
-std::string runChain(std::string_view text, SketchViewModel& sketch) {
-  const auto chainError = [](std::size_t segment, const std::string& message) {
-    return fmt::format("Chain error at segment {}: {}", segment, message);
-  };
-  const auto parsed = parseChain(text, sketch);
-  if (const auto* error = std::get_if<ChainError>(&parsed)) return chainError(error->segment, error->message);
-  const auto& commands = std::get<0>(parsed);
-
-  std::string reply;
-  sketch.performAsOneChange([&] {
-    const SketchCommandMutationState before = sketch.captureCommandMutationState();
-    const SketchViewModel::OpenWork work = sketch.openWork();
-    sketch.changeUndoCheckpointSuppressionDepth(1);
-    ChainExecutionContext context;
-    std::optional<std::string> failure;
-    std::size_t number = 0;
-    while (number < commands.size() && !failure) {
-      failure = executeChainCommand(commands[number++], context, sketch);
-    }
-    sketch.changeUndoCheckpointSuppressionDepth(-1);
-    if (failure) {
-      sketch.restoreAfterFailedChain(before, work);
-      reply = chainError(number, *failure);
-    } else {
-      sketch.commitCommandMutationState(before);
-      reply = chainSummary(context, commands.size());
-    }
-  });
-  return reply;
+Reply chainError(std::size_t segment, const std::string& message) {
+  return Reply::error(fmt::format("Chain error at segment {}: {}", segment, message));
 }
 
-std::string chainSummary(const ChainExecutionContext& context, std::size_t count) {
+}  // namespace
+
+std::optional<std::string> executeChainCommand(const Action& command, ChainExecutionContext& chain,
+                                               const CommandContext& context) {
+  if (const auto* line = std::get_if<DrawLine>(&command)) {
+    runSegment(line->from, line->to, {}, chain, context.sketch);
+    return std::nullopt;
+  }
+  if (const auto* wall = std::get_if<DrawWall>(&command)) {
+    runSegment(wall->from, wall->to, {wall->systemSpecID}, chain, context.sketch);
+    return std::nullopt;
+  }
+  chain.previousSegment = std::nullopt;
+  const Reply reply = run(command, context);
+  // A drawing without wall systems has none to show, which is no reason to take a chain back.
+  const bool mayFail = !std::holds_alternative<ShowWallSystem>(command);
+  if (mayFail && reply.kind != ReplyKind::done) return reply.text;
+  if (int* counter = counterOf(command, chain)) ++*counter;
+  return std::nullopt;
+}
+
+Reply runChain(std::string_view text, const CommandContext& context) {
+  const auto parsed = parseChain(text, context.sketch);
+  if (const auto* error = std::get_if<ChainError>(&parsed)) return chainError(error->segment, error->message);
+  const auto& commands = std::get<std::vector<Action>>(parsed);
+
+  const auto change = context.sketch.change();
+  const BoardState before = context.board.state();
+  ChainExecutionContext chain;
+  std::size_t number = 0;
+  std::optional<std::string> failure;
+  context.sketch.asOneStep([&] {
+    while (number < commands.size() && !failure) {
+      failure = executeChainCommand(commands[number++], chain, context);
+    }
+    return !failure;
+  });
+  if (!failure) return Reply::done(chainSummary(chain, commands.size()));
+  context.board.setState(before);
+  return chainError(number, *failure);
+}
+
+std::string chainSummary(const ChainExecutionContext& chain, std::size_t count) {
   struct Part {
     int count;
     std::string_view one;
     std::string_view more;
   };
   const std::array parts{
-      Part{context.linesAdded, "line added", "lines added"},
-      Part{context.wallsAdded, "wall added", "walls added"},
-      Part{context.circlesAdded, "circle added", "circles added"},
-      Part{context.rectanglesAdded, "rectangle added", "rectangles added"},
-      Part{context.collinearMerges, "collinear merge", "collinear merges"},
-      Part{context.cornerJoins, "corner join", "corner joins"},
-      Part{context.selectionUpdates, "selection updated", "selections updated"},
-      Part{context.wallAssignments, "wall assignment", "wall assignments"},
-      Part{context.specCommands, "spec command", "spec commands"},
+      Part{chain.linesAdded, "line added", "lines added"},
+      Part{chain.wallsAdded, "wall added", "walls added"},
+      Part{chain.circlesAdded, "circle added", "circles added"},
+      Part{chain.rectanglesAdded, "rectangle added", "rectangles added"},
+      Part{chain.collinearMerges, "collinear merge", "collinear merges"},
+      Part{chain.cornerJoins, "corner join", "corner joins"},
+      Part{chain.selectionUpdates, "selection updated", "selections updated"},
+      Part{chain.wallAssignments, "wall assignment", "wall assignments"},
+      Part{chain.specCommands, "spec command", "spec commands"},
   };
   std::string text;
   for (const Part& part : parts) {
@@ -169,55 +145,3 @@ std::string chainSummary(const ChainExecutionContext& context, std::size_t count
 }
 
 }  // namespace ostrelon::CommandInterpreter
-
-namespace ostrelon {
-
-SketchViewModel::OpenWork SketchViewModel::openWork() const {
-  return {polygonDraft,
-          lastDraftConstraintAxes,
-          isEntityInspectorVisible,
-          isSegmentLengthEditing,
-          isSegmentLengthTextOffered_,
-          segmentLengthEditText,
-          segmentLengthEditError,
-          acquiredEntitySnap,
-          pendingTrackingAcquire,
-          trackingAcquireDwellStart,
-          trackingAcquireProgress};
-}
-
-void SketchViewModel::restoreAfterFailedChain(const SketchCommandMutationState& before,
-                                              const OpenWork& work) {
-  const ChangeScope scope(tracker_);
-  restoreCommandMutationState(before);
-  polygonDraft = work.polygonDraft;
-  lastDraftConstraintAxes = work.lastDraftConstraintAxes;
-  isEntityInspectorVisible = work.isEntityInspectorVisible;
-  isSegmentLengthEditing = work.isSegmentLengthEditing;
-  isSegmentLengthTextOffered_ = work.isSegmentLengthTextOffered;
-  segmentLengthEditText = work.segmentLengthEditText;
-  segmentLengthEditError = work.segmentLengthEditError;
-  acquiredEntitySnap = work.acquiredEntitySnap;
-  pendingTrackingAcquire = work.pendingTrackingAcquire;
-  trackingAcquireDwellStart = work.trackingAcquireDwellStart;
-  trackingAcquireProgress = work.trackingAcquireProgress;
-  scheduleTrackingDwell();
-}
-
-void SketchViewModel::extendChainSegment(std::size_t index, SketchPoint to) {
-  const ChangeScope scope(tracker_);
-  SketchEntity extended = entities.get()[index];
-  bool isWall = false;
-  if (auto* wall = std::get_if<WallEntity>(&extended)) {
-    wall->to = to;
-    isWall = true;
-  } else if (auto* line = std::get_if<LineEntity>(&extended)) {
-    line->to = to;
-  }
-  const UUID id = entityID(extended);
-  entities.edit().replace(index, std::move(extended));
-  if (isWall) selectOnly(id);
-  isDocumentDirty = true;
-}
-
-}  // namespace ostrelon

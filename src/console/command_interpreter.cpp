@@ -1,76 +1,25 @@
 #include "console/command_interpreter.h"
 
 #include <algorithm>
-#include <array>
-#include <span>
 
 #include "console/command_chain.h"
-#include "console/drawing_commands.h"
-#include "console/edit_commands.h"
-#include "console/general_commands.h"
-#include "console/history_commands.h"
-#include "console/selection_commands.h"
-#include "console/trim_commands.h"
-#include "console/zoom_command.h"
 #include "platform/unicode.h"
 
 namespace ostrelon::CommandInterpreter {
-namespace {
 
-using Handler = Reply (*)(const ResolvedCommand& command, SketchViewModel& sketch);
-
-struct HandlerRow {
-  std::string_view word;
-  Handler handler;
-};
-
-// The order of the tests. Rows behind a word of the same handler are its further spellings, which no
-// alias resolves.
-constexpr std::array kHandlers{
-    HandlerRow{"help", helpCommand},
-    HandlerRow{"clear", clearCommand},
-    HandlerRow{"select", selectCommand},
-    HandlerRow{"s", selectCommand},
-    HandlerRow{"assign", assignCommand},
-    HandlerRow{"copy", copyCommand},
-    HandlerRow{"co", copyCommand},
-    HandlerRow{"cp", copyCommand},
-    HandlerRow{"paste", pasteCommand},
-    HandlerRow{"spec", specCommand},
-    HandlerRow{"checkpoint", checkpointCommand},
-    HandlerRow{"history", historyCommand},
-    HandlerRow{"branch", branchCommand},
-    HandlerRow{"line", lineCommand},
-    HandlerRow{"trim", trimCommand},
-    HandlerRow{"tr", trimCommand},
-    HandlerRow{"move", moveCommand},
-    HandlerRow{"extend", extendCommand},
-    HandlerRow{"zoom", zoomCommand},
-    HandlerRow{"length", lengthCommand},
-    HandlerRow{"nudge", nudgeCommand},
-    HandlerRow{"center", centerCommand},
-    HandlerRow{"convert", convertCommand},
-    HandlerRow{"type", convertCommand},
-    HandlerRow{"wall", wallCommand},
-    HandlerRow{"circle", circleCommand},
-    HandlerRow{"rect", rectangleCommand},
-    HandlerRow{"poly", polygonCommand},
-};
-
-}  // namespace
-
-Reply executeCommandLine(std::string_view text, SketchViewModel& sketch) {
+Reply executeCommandLine(std::string_view text, const CommandContext& context) {
   const std::string_view line = trimmed(text);
-  if (line.find(';') != std::string_view::npos) return runChain(text, sketch);
+  if (line.find(';') != std::string_view::npos) return runChain(text, context);
   const auto resolved = resolveCommandLine(splitAtWhiteSpace(line));
-  if (!resolved) return std::nullopt;
-  for (const HandlerRow& row : kHandlers) {
-    if (row.word == resolved->command) return row.handler(*resolved, sketch);
-  }
-  return "Unknown command \"" + resolved->head + "\". Type help for commands.";
+  if (!resolved) return Reply::silent();
+  const Command* command = findCommand(resolved->command);
+  if (command == nullptr) return Reply::error(unknownCommandText(resolved->head));
+  auto parsed = parseCommand(*command, resolved->arguments, parseStateOf(context.sketch), Place::alone);
+  if (auto* reply = std::get_if<Reply>(&parsed)) return std::move(*reply);
+  return run(std::get<Action>(parsed), context);
 }
 
-std::optional<ResolvedCommand> resolveCommandLine(const std::vector<std::string>& tokens) {
+std::optional<ResolvedCommand> resolveCommandLine(const Words& tokens) {
   if (tokens.empty()) return std::nullopt;
   ResolvedCommand resolved;
   resolved.head = lowerCased(tokens.front());
@@ -85,9 +34,12 @@ std::optional<ResolvedCommand> resolveCommandLine(const std::vector<std::string>
 
 const std::vector<CommandAlias>& aliasTable() {
   static const std::vector<CommandAlias> sorted = [] {
-    std::vector<CommandAlias> rows{{"polygon", "poly"},   {"pl", "poly"}, {"poly", "poly"},
-                                   {"rectangle", "rect"}, {"l", "line"},  {"m", "move"},
-                                   {"ex", "extend"},      {"z", "zoom"},  {"?", "help"}};
+    std::vector<CommandAlias> rows;
+    for (const Command& command : commandTable()) {
+      for (const std::string_view alias : command.aliases) {
+        rows.push_back({std::string(alias), std::string(command.word)});
+      }
+    }
     std::sort(rows.begin(), rows.end(), [](const CommandAlias& a, const CommandAlias& b) {
       const std::size_t lengthA = characterCount(a.alias);
       const std::size_t lengthB = characterCount(b.alias);
@@ -98,23 +50,44 @@ const std::vector<CommandAlias>& aliasTable() {
   return sorted;
 }
 
-std::string aliasHelpText() {
-  std::string text;
-  for (const CommandAlias& row : aliasTable()) {
-    if (!text.empty()) text += '\n';
-    text += "    " + row.alias + " -> " + row.command;
-  }
-  return text;
+std::string unknownCommandText(std::string_view word) {
+  return "Unknown command \"" + std::string(word) + "\". Type help for commands.";
 }
 
 std::vector<std::string> commandWords() {
   std::vector<std::string> words;
-  words.reserve(kHandlers.size() + aliasTable().size());
-  for (const HandlerRow& row : kHandlers) words.emplace_back(row.word);
-  for (const CommandAlias& row : aliasTable()) words.push_back(row.alias);
+  for (const Command& command : commandTable()) {
+    words.emplace_back(command.word);
+    words.insert(words.end(), command.spellings.begin(), command.spellings.end());
+    words.insert(words.end(), command.aliases.begin(), command.aliases.end());
+  }
   std::sort(words.begin(), words.end());
   words.erase(std::unique(words.begin(), words.end()), words.end());
   return words;
+}
+
+std::vector<std::string> wordsBehind(const Words& words, const CommandContext& context) {
+  const auto resolved = resolveCommandLine(words);
+  if (!resolved) return commandWords();
+  std::vector<std::string> possible;
+  const Command* command = findCommand(resolved->command);
+  if (command == nullptr) return possible;
+  const std::string last = lowerCased(words.back());
+  for (const Completion& completion : command->completions) {
+    if (completion.position != words.size()) continue;
+    if (!completion.onlyAfter.empty() && completion.onlyAfter != last) continue;
+    possible.insert(possible.end(), completion.words.begin(), completion.words.end());
+    if (completion.names == Completion::Names::wallSystems) {
+      for (const WallSystemSpec& spec : context.sketch.drawing->wallSystemSpecs) {
+        possible.push_back(spec.name);
+      }
+    } else if (completion.names == Completion::Names::branches) {
+      for (const DocumentHistoryBranch& branch : context.document.history->metadata.branches) {
+        possible.push_back(branch.name);
+      }
+    }
+  }
+  return possible;
 }
 
 }  // namespace ostrelon::CommandInterpreter

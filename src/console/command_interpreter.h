@@ -1,5 +1,5 @@
-// The command language of the console: how a line is split, how its word is resolved, and which
-// handler takes it. All state lives on the view model; a failure is a reply text like any other.
+// The command language of the console: how a line is split, how its word is resolved, what may follow,
+// and what comes of it. All state is that of the context; a failure is a reply like any other.
 #pragma once
 
 #include <optional>
@@ -7,9 +7,14 @@
 #include <string_view>
 #include <vector>
 
-#include "core/sketch_view_model.h"
+#include "console/command.h"
 
 namespace ostrelon::CommandInterpreter {
+
+/// Runs one line, which may be a chain.
+Reply executeCommandLine(std::string_view text, const CommandContext& context);
+
+// --- Words
 
 struct CommandAlias {
   std::string alias;
@@ -19,27 +24,29 @@ struct CommandAlias {
 struct ResolvedCommand {
   std::string head;     ///< the first word, lower-cased
   std::string command;  ///< the canonical word
-  /// The canonical word, then the tokens behind the head with their case untouched.
-  std::vector<std::string> arguments;
+  Words arguments;      ///< the canonical word, then the tokens behind the head
 };
 
-/// What a handler gives back: a reply, or nothing when it wrote its own output.
-using Reply = std::optional<std::string>;
-
-/// Runs one line. Absent when the command has written its own output or there was nothing to do.
-Reply executeCommandLine(std::string_view text, SketchViewModel& sketch);
-
 /// Absent for an empty list.
-std::optional<ResolvedCommand> resolveCommandLine(const std::vector<std::string>& tokens);
-
+std::optional<ResolvedCommand> resolveCommandLine(const Words& tokens);
 /// All aliases, longer ones first, equal lengths by text.
 const std::vector<CommandAlias>& aliasTable();
+/// The reply to a word that is none of a command.
+std::string unknownCommandText(std::string_view word);
+
+// --- Texts, and words to complete
+
 /// The alias lines of the help text.
 std::string aliasHelpText();
-/// The whole help text.
+/// What `help` writes: the commands whose help is fixed, and the aliases.
 std::string helpText();
+/// What `more` writes: all other commands, with an example each.
+std::string moreText();
 
-/// Every word that the interpreter answers to, aliases included, for completion. Sorted.
+/// Every word that the interpreter answers to, aliases included, sorted.
 std::vector<std::string> commandWords();
+/// What may stand behind these words of a line: command words when there are none, else the sub-command
+/// words and names that the command takes there.
+std::vector<std::string> wordsBehind(const Words& words, const CommandContext& context);
 
 }  // namespace ostrelon::CommandInterpreter

@@ -1,14 +1,22 @@
-// The commands that draw: `line`, `wall`, `circle`, `rect` and `poly`.
+// The commands that draw, and `clear`.
 #pragma once
 
-#include "console/command_interpreter.h"
+#include "console/command.h"
 
 namespace ostrelon::CommandInterpreter {
 
-Reply lineCommand(const ResolvedCommand& command, SketchViewModel& sketch);
-Reply wallCommand(const ResolvedCommand& command, SketchViewModel& sketch);
-Reply circleCommand(const ResolvedCommand& command, SketchViewModel& sketch);
-Reply rectangleCommand(const ResolvedCommand& command, SketchViewModel& sketch);
-Reply polygonCommand(const ResolvedCommand& command, SketchViewModel& sketch);
+ParseResult parseLine(const Words& words, const ParseState& state, Place place);
+ParseResult parseWall(const Words& words, const ParseState& state, Place place);
+ParseResult parseCircle(const Words& words, const ParseState& state, Place place);
+ParseResult parseRectangle(const Words& words, const ParseState& state, Place place);
+ParseResult parsePolygon(const Words& words, const ParseState& state, Place place);
+ParseResult parseClear(const Words& words, const ParseState& state, Place place);
+
+Reply run(const DrawLine& line, const CommandContext& context);
+Reply run(const DrawWall& wall, const CommandContext& context);
+Reply run(const DrawCircle& circle, const CommandContext& context);
+Reply run(const DrawRectangle& rectangle, const CommandContext& context);
+Reply run(const DrawPolygon& polygon, const CommandContext& context);
+Reply run(const ClearDrawing& clear, const CommandContext& context);
 
 }  // namespace ostrelon::CommandInterpreter

@@ -1,105 +1,156 @@
 #include "console/edit_commands.h"
 
-#include "console/command_arguments.h"
-#include "core/length_text.h"
-#include "platform/unicode.h"
+#include "console/command_words.h"
+#include "geometry/edit_operations.h"
 
 namespace ostrelon::CommandInterpreter {
 namespace {
 
 // What a command says of an edit: its own words for a success, a bad value and an entity that the edit
 // does not apply to.
-std::string editReply(EntityEditResult result, std::string applied, std::string_view invalid,
-                      std::string_view unsupported) {
+Reply editReply(EntityEditResult result, std::string applied, std::string invalid, std::string unsupported) {
   switch (result) {
     case EntityEditResult::applied:
-      return applied;
+      return Reply::done(std::move(applied));
     case EntityEditResult::unchanged:
-      return "No change.";
+      return Reply::done("No change.");
     case EntityEditResult::noSelection:
-      return "Select an entity first.";
+      return Reply::refused("Select an entity first.");
     case EntityEditResult::invalidValue:
-      return std::string(invalid);
+      return Reply::refused(std::move(invalid));
     case EntityEditResult::unsupported:
-      return std::string(unsupported);
+      return Reply::refused(std::move(unsupported));
   }
-  return applied;
+  return Reply::done(std::move(applied));
 }
 
-const SketchEntity* primarySelection(const SketchViewModel& sketch) {
-  const auto& primary = *sketch.primarySelectedEntityID;
+const SketchEntity* primarySelection(const Sketch& sketch) {
+  const auto& primary = sketch.selection->primary;
   return primary ? sketch.entity(*primary) : nullptr;
+}
+
+bool isWall(const SketchEntity* entity) {
+  return entity != nullptr && std::holds_alternative<WallEntity>(*entity);
+}
+
+// What the chain made stands behind the entities of the document, which their index finds; so it is
+// looked for from the end.
+const SketchEntity* findEntity(const UUID& id, const ParseState& state) {
+  if (const SketchEntity* found = state.sketch->entity(id)) return found;
+  for (std::size_t i = state.entities.size(); i > 0; --i) {
+    const SketchEntity& made = state.entities[i - 1];
+    if (entityID(made) == id) return &made;
+  }
+  return nullptr;
+}
+
+// A chain asks for a selection of one, since the primary one is not known before it runs.
+bool hasWallToAssign(const ParseState& state, Place place) {
+  if (place == Place::alone) return selectedWallID(*state.sketch).has_value();
+  return state.selected().size() == 1 && isWall(findEntity(*state.selected().begin(), state));
+}
+
+std::string_view wordOf(EntityConversionTarget target) {
+  return target == EntityConversionTarget::wall ? "wall" : "line";
 }
 
 }  // namespace
 
-std::optional<UUID> selectedWallID(const SketchViewModel& sketch) {
+std::optional<UUID> selectedWallID(const Sketch& sketch) {
   const SketchEntity* primary = primarySelection(sketch);
-  if (primary == nullptr || !std::holds_alternative<WallEntity>(*primary)) return std::nullopt;
+  if (!isWall(primary)) return std::nullopt;
   const UUID& id = entityID(*primary);
-  return sketch.selectedEntityIDs->contains(id) ? std::optional(id) : std::nullopt;
+  return sketch.selection->contains(id) ? std::optional(id) : std::nullopt;
 }
 
-Reply assignCommand(const ResolvedCommand& command, SketchViewModel& sketch) {
-  const auto& arguments = command.arguments;
+ParseResult parseAssign(const Words& words, const ParseState& state, Place place) {
   const WallSystemSpec* spec =
-      arguments.size() == 2 ? sketch.wallSystemSpec(std::string_view(arguments[1])) : nullptr;
-  const auto wall = selectedWallID(sketch);
-  if (spec == nullptr || !wall) return "Usage: assign <system>  (select a wall first)";
-  const std::string name = spec->name;
-  if (!sketch.assignWallSystem(spec->id, *wall)) return "Could not assign system to selection.";
-  return "Wall assigned to " + name + ".";
+      words.size() == 2 ? state.drawing().wallSystem(std::string_view(words[1])) : nullptr;
+  if (spec == nullptr || !hasWallToAssign(state, place)) return WrongUse{};
+  return AssignWallSystem{spec->id};
 }
 
-Reply moveCommand(const ResolvedCommand& command, SketchViewModel& sketch) {
-  const auto numbers = command.arguments.size() == 3 ? readNumbers(command.arguments) : std::nullopt;
-  if (!numbers) return "Usage: move <dx> <dy>  (select a line first)";
-  const SketchEntity* primary = primarySelection(sketch);
-  if (primary == nullptr) return "Select a line before moving.";
-  if (!std::holds_alternative<LineEntity>(*primary)) return "Move currently supports selected lines only.";
-  if (!sketch.moveSelectedLine((*numbers)[0], (*numbers)[1])) return "Could not move selected line.";
-  return "Line moved.";
+ParseResult parseMove(const Words& words, const ParseState& /*state*/, Place /*place*/) {
+  const auto n = readNumbers(words, 2);
+  if (!n) return WrongUse{};
+  return MoveSelectedLine{(*n)[0], (*n)[1]};
 }
 
-Reply lengthCommand(const ResolvedCommand& command, SketchViewModel& sketch) {
-  const auto numbers = command.arguments.size() == 2 ? readNumbers(command.arguments) : std::nullopt;
-  if (!numbers || !(numbers->front() > 0)) return "Usage: length <value>  (select an entity first)";
-  return editReply(sketch.setSelectedEntityLength(numbers->front()),
-                   "Length set to " + command.arguments[1] + ".", "Invalid length value.",
+ParseResult parseLength(const Words& words, const ParseState& /*state*/, Place /*place*/) {
+  const auto n = readNumbers(words, 1);
+  if (!n || !(n->front() > 0)) return WrongUse{};
+  return SetSelectedLength{n->front(), words[1]};
+}
+
+ParseResult parseNudge(const Words& words, const ParseState& /*state*/, Place /*place*/) {
+  const auto n = readNumbers(words, 2);
+  if (!n) return WrongUse{};
+  return NudgeSelection{(*n)[0], (*n)[1]};
+}
+
+ParseResult parseCenter(const Words& words, const ParseState& /*state*/, Place /*place*/) {
+  const std::string axis = words.size() == 2 ? lowerCasedWord(words, 1) : std::string();
+  if (axis == "h") return AlignSelection{AlignmentAxis::horizontal};
+  if (axis == "v") return AlignSelection{AlignmentAxis::vertical};
+  return WrongUse{};
+}
+
+ParseResult parseConvert(const Words& words, const ParseState& state, Place /*place*/) {
+  const std::string target = words.size() <= 3 ? lowerCasedWord(words, 1) : std::string();
+  if (target == "line") return ConvertSelection{EntityConversionTarget::line, std::nullopt};
+  if (target != "wall") return WrongUse{};
+  ConvertSelection toWall{EntityConversionTarget::wall, std::nullopt};
+  if (words.size() == 3) {
+    const WallSystemSpec* spec = state.drawing().wallSystem(std::string_view(words[2]));
+    if (spec == nullptr) return Reply::error("Unknown wall system.");
+    toWall.systemSpecID = spec->id;
+  }
+  return toWall;
+}
+
+Reply run(const AssignWallSystem& assign, const CommandContext& context) {
+  const auto wall = selectedWallID(context.sketch);
+  if (!wall || !assignWallSystem(context.sketch, assign.specID, *wall)) {
+    return Reply::refused("Could not assign system to selection.");
+  }
+  return Reply::done("Wall assigned to " + context.sketch.drawing->wallSystem(assign.specID)->name + ".");
+}
+
+Reply run(const MoveSelectedLine& move, const CommandContext& context) {
+  const SketchEntity* primary = primarySelection(context.sketch);
+  if (primary == nullptr) return Reply::refused("Select a line before moving.");
+  if (!std::holds_alternative<LineEntity>(*primary)) {
+    return Reply::refused("Move currently supports selected lines only.");
+  }
+  if (!moveSelectedLine(context.sketch, move.dx, move.dy)) {
+    return Reply::refused("Could not move selected line.");
+  }
+  return Reply::done("Line moved.");
+}
+
+Reply run(const SetSelectedLength& length, const CommandContext& context) {
+  return editReply(setSelectedEntityLength(context.sketch, length.value),
+                   "Length set to " + length.typed + ".", "Invalid length value.",
                    "Length edit is not supported for this selection.");
 }
 
-Reply nudgeCommand(const ResolvedCommand& command, SketchViewModel& sketch) {
-  const auto numbers = command.arguments.size() == 3 ? readNumbers(command.arguments) : std::nullopt;
-  if (!numbers) return "Usage: nudge <dx> <dy>  (select an entity first)";
-  return editReply(sketch.nudgeSelectedEntity((*numbers)[0], (*numbers)[1]), "Selection nudged.",
+Reply run(const NudgeSelection& nudge, const CommandContext& context) {
+  return editReply(nudgeSelectedEntity(context.sketch, nudge.dx, nudge.dy), "Selection nudged.",
                    "Invalid nudge values.", "Nudge is not supported for this selection.");
 }
 
-Reply centerCommand(const ResolvedCommand& command, SketchViewModel& sketch) {
-  const std::string word = command.arguments.size() == 2 ? lowerCased(command.arguments[1]) : std::string();
-  if (word != "h" && word != "v") return "Usage: center h|v  (align selected entities; need ≥2 selected)";
-  if (sketch.selectedEntityIDs->size() < 2) return "Select at least 2 entities.";
-  const bool isHorizontal = word == "h";
-  const int count = sketch.alignSelection(isHorizontal ? AlignmentAxis::horizontal : AlignmentAxis::vertical);
-  const std::string direction = isHorizontal ? " horizontally." : " vertically.";
-  if (count == 0) return "Selection already aligned" + direction;
-  return "Aligned " + (count == 1 ? "1 entity" : std::to_string(count) + " entities") + direction;
+Reply run(const AlignSelection& align, const CommandContext& context) {
+  if (context.sketch.selection->ids.size() < 2) return Reply::refused("Select at least 2 entities.");
+  const int count = alignSelection(context.sketch, align.axis);
+  const std::string direction = align.axis == AlignmentAxis::horizontal ? " horizontally." : " vertically.";
+  if (count == 0) return Reply::done("Selection already aligned" + direction);
+  return Reply::done("Aligned " + (count == 1 ? "1 entity" : std::to_string(count) + " entities") +
+                     direction);
 }
 
-Reply convertCommand(const ResolvedCommand& command, SketchViewModel& sketch) {
-  const auto& arguments = command.arguments;
-  const std::string word = arguments.size() == 2 || arguments.size() == 3 ? lowerCased(arguments[1]) : "";
-  if (word != "line" && word != "wall") return "Usage: convert line|wall [system]";
-  const bool toWall = word == "wall";
-  std::optional<UUID> system;
-  if (toWall && arguments.size() == 3) {
-    const WallSystemSpec* spec = sketch.wallSystemSpec(std::string_view(arguments[2]));
-    if (spec == nullptr) return "Unknown wall system.";
-    system = spec->id;
-  }
-  const auto target = toWall ? EntityConversionTarget::wall : EntityConversionTarget::line;
-  return editReply(sketch.convertSelectedEntity(target, system), "Selection converted to " + word + ".",
+Reply run(const ConvertSelection& convert, const CommandContext& context) {
+  return editReply(convertSelectedEntity(context.sketch, convert.target, convert.systemSpecID),
+                   "Selection converted to " + std::string(wordOf(convert.target)) + ".",
                    "Invalid conversion request.", "Conversion is not supported for this selection.");
 }
 

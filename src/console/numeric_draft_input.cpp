@@ -7,11 +7,10 @@
 
 #include "core/circle.h"
 #include "core/length_text.h"
-#include "core/sketch_view_model.h"
 #include "interaction/axis_directions.h"
 #include "platform/unicode.h"
 
-namespace ostrelon {
+namespace ostrelon::CommandInterpreter {
 namespace {
 
 // Where a typed size puts the end of the draft, and how the console tells it.
@@ -96,20 +95,21 @@ std::optional<TypedEnd> typedEnd(SketchTool tool, const SketchDraft& draft,
 
 }  // namespace
 
-std::optional<NumericDraftReply> SketchViewModel::applyNumericDraftInput(std::string_view text) {
-  const char* usage = usageOf(selectedTool);
-  if (!*draft || usage == nullptr) return std::nullopt;
+std::optional<Reply> applyNumericDraftInput(std::string_view text, Board& board) {
+  const char* usage = usageOf(board.tool);
+  const SketchDraft* draft = board.draft();
+  if (draft == nullptr || usage == nullptr) return std::nullopt;
   const auto tokens = splitAtWhiteSpace(text);
   if (tokens.empty() || !parseDegrees(tokens.front())) return std::nullopt;
 
   const auto sizes = readSizes(tokens);
-  const auto end = sizes ? typedEnd(selectedTool, **draft, *sizes) : std::nullopt;
-  if (!end) return NumericDraftReply{usage, true};
-  const ChangeScope scope(tracker_);
-  setDraftCurrent(end->current);
-  clearSnapState();
-  commitTypedDraft();
-  return NumericDraftReply{end->message, false};
+  auto end = sizes ? typedEnd(board.tool, *draft, *sizes) : std::nullopt;
+  if (!end) return Reply::error(usage);
+  const auto change = board.change();
+  board.setDraftCurrent(end->current);
+  board.clearSnap();
+  board.commitTypedDraft();
+  return Reply::done(std::move(end->message));
 }
 
-}  // namespace ostrelon
+}  // namespace ostrelon::CommandInterpreter

@@ -3,17 +3,18 @@
 // "12 90" straight up; a circle takes its radius, a rectangle its width and height.
 #pragma once
 
-#include <string>
+#include <optional>
+#include <string_view>
 
-namespace ostrelon {
+#include "console/command.h"
+
+namespace ostrelon::CommandInterpreter {
 
 /// The smallest number accepted, sketch units; the pointer may draw smaller rectangles than that.
 inline constexpr double kMinimumTypedSize = 1.0;
 
-/// What the console answers. An error leaves the draft as it was.
-struct NumericDraftReply {
-  std::string message;
-  bool isError = false;
-};
+/// Absent where the line is no typed size and goes on to the interpreter. An error leaves the draft as it
+/// was.
+std::optional<Reply> applyNumericDraftInput(std::string_view text, Board& board);
 
-}  // namespace ostrelon
+}  // namespace ostrelon::CommandInterpreter

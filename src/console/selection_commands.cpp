@@ -1,44 +1,57 @@
 #include "console/selection_commands.h"
 
-#include "console/tool_commands.h"
-#include "core/length_text.h"
+#include "console/command_words.h"
+#include "geometry/edit_operations.h"
 
 namespace ostrelon::CommandInterpreter {
+namespace {
 
-std::optional<std::vector<std::int64_t>> readEntityIndices(const std::vector<std::string>& arguments) {
-  std::vector<std::int64_t> indices;
-  indices.reserve(arguments.size());
-  for (std::size_t i = 1; i < arguments.size(); ++i) {
-    const auto number = parseEntityNumber(arguments[i]);
-    if (!number || *number < 1) return std::nullopt;
-    indices.push_back(*number - 1);
+std::string entityCount(int count) { return count == 1 ? "1 entity" : std::to_string(count) + " entities"; }
+
+}  // namespace
+
+ParseResult parseSelect(const Words& words, const ParseState& /*state*/, Place /*place*/) {
+  auto indices = readEntityIndices(words);
+  if (!indices) return WrongUse{};
+  return SelectEntities{std::move(*indices)};
+}
+
+ParseResult parseCopy(const Words& words, const ParseState& /*state*/, Place /*place*/) {
+  if (words.size() > 1) return WrongUse{};
+  return CopySelection{};
+}
+
+ParseResult parsePaste(const Words& words, const ParseState& /*state*/, Place /*place*/) {
+  if (words.size() > 1) return WrongUse{};
+  return PasteClipboard{};
+}
+
+Reply run(const ActivateTool& activate, const CommandContext& context) {
+  context.board.activateToolFromConsole(activate.tool);
+  std::string text = std::string(displayName(activate.tool)) + " tool active.";
+  if (activate.tool == SketchTool::trim) text += " Select cutting edge, then click entities to trim.";
+  return Reply::done(std::move(text));
+}
+
+Reply run(const SelectEntities& select, const CommandContext& context) {
+  if (select.indices.empty()) return run(ActivateTool{SketchTool::select}, context);
+  selectEntities(context.sketch, select.indices);
+  if (const SketchEntity* selected = context.sketch.selectedEntity()) {
+    return Reply::done("Selected entity (" + std::string(entityKindName(*selected)) + ").");
   }
-  return indices;
+  return Reply::done("Selected " + std::to_string(context.sketch.selection->ids.size()) + " entities.");
 }
 
-Reply selectCommand(const ResolvedCommand& command, SketchViewModel& sketch) {
-  if (command.arguments.size() == 1) return activateToolCommand(SketchTool::select, sketch);
-  const auto indices = readEntityIndices(command.arguments);
-  if (!indices) return "Usage: select [<n>…]  (1-based entity numbers)";
-  sketch.selectEntities(*indices);
-  if (const SketchEntity* selected = sketch.selectedEntity()) {
-    return "Selected entity (" + std::string(entityKindName(*selected)) + ").";
-  }
-  return "Selected " + std::to_string(sketch.selectedEntityIDs->size()) + " entities.";
+Reply run(const CopySelection& /*copy*/, const CommandContext& context) {
+  const int count = copySelection(context.sketch);
+  if (count == 0) return Reply::refused("Select an entity to copy.");
+  return Reply::done(entityCount(count) + " copied.");
 }
 
-Reply copyCommand(const ResolvedCommand& command, SketchViewModel& sketch) {
-  if (command.arguments.size() > 1) return "Usage: copy";
-  const int count = sketch.copySelection();
-  if (count == 0) return "Select an entity to copy.";
-  return count == 1 ? "1 entity copied." : std::to_string(count) + " entities copied.";
-}
-
-Reply pasteCommand(const ResolvedCommand& command, SketchViewModel& sketch) {
-  if (command.arguments.size() > 1) return "Usage: paste";
-  const int count = sketch.pasteClipboard(SketchViewModel::entityClipboardPasteOffset);
-  if (count == 0) return "Clipboard is empty.";
-  return count == 1 ? "1 entity pasted." : std::to_string(count) + " entities pasted.";
+Reply run(const PasteClipboard& /*paste*/, const CommandContext& context) {
+  const int count = pasteClipboard(context.sketch);
+  if (count == 0) return Reply::refused("Clipboard is empty.");
+  return Reply::done(entityCount(count) + " pasted.");
 }
 
 }  // namespace ostrelon::CommandInterpreter

@@ -1,16 +1,18 @@
-// The commands that select and copy: `select`, `copy` and `paste`.
+// The commands that select and copy, and the tool forms of the commands: the word of `line`, `poly`,
+// `trim` or `select` alone changes the tool.
 #pragma once
 
-#include "console/command_interpreter.h"
+#include "console/command.h"
 
 namespace ostrelon::CommandInterpreter {
 
-Reply selectCommand(const ResolvedCommand& command, SketchViewModel& sketch);
-Reply copyCommand(const ResolvedCommand& command, SketchViewModel& sketch);
-Reply pasteCommand(const ResolvedCommand& command, SketchViewModel& sketch);
+ParseResult parseSelect(const Words& words, const ParseState& state, Place place);
+ParseResult parseCopy(const Words& words, const ParseState& state, Place place);
+ParseResult parsePaste(const Words& words, const ParseState& state, Place place);
 
-/// The entity numbers behind the command word as 0-based indices; absent when one is not a whole
-/// number of at least 1.
-std::optional<std::vector<std::int64_t>> readEntityIndices(const std::vector<std::string>& arguments);
+Reply run(const ActivateTool& activate, const CommandContext& context);
+Reply run(const SelectEntities& select, const CommandContext& context);
+Reply run(const CopySelection& copy, const CommandContext& context);
+Reply run(const PasteClipboard& paste, const CommandContext& context);
 
 }  // namespace ostrelon::CommandInterpreter

@@ -1,23 +1,23 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/random_drawing.h"
-#include "support/test_sketch.h"
+#include "support/test_workspace.h"
 
 namespace ostrelon {
 namespace {
 
-using testing::DocumentState;
-using testing::TestSketch;
+using testing::TestWorkspace;
 
-// Runs the lines and expects each to answer as told.
-void expectReplies(TestSketch& t, const std::vector<std::pair<std::string, std::string>>& lines) {
-  for (const auto& [line, reply] : lines) EXPECT_EQ(t.reply(line), reply) << line;
+// Runs the lines and expects each to answer as told, as an error exactly where the wording says so.
+void expectReplies(TestWorkspace& t, const std::vector<std::pair<std::string, std::string>>& lines) {
+  for (const auto& [line, reply] : lines) {
+    EXPECT_EQ(t.reply(line), reply) << line;
+    EXPECT_EQ(t.lines().back().isError, reply.starts_with("Usage: ") || reply.starts_with("Unknown"));
+  }
 }
 
 TEST(EditCommands, SelectAndSayWhat) {
-  TestSketch t;
-  t.run("line 0 0 10 0; circle 5 5 1; rect 0 0 4 4");
+  TestWorkspace t;
+  t.submit("line 0 0 10 0; circle 5 5 1; rect 0 0 4 4");
   expectReplies(t, {{"select 2", "Selected entity (circle)."},
                     {"s 1 3 3", "Selected 2 entities."},
                     {"select 2 2", "Selected entity (circle)."},
@@ -29,14 +29,14 @@ TEST(EditCommands, SelectAndSayWhat) {
                     {"line", "Line tool active."},
                     {"pl", "Polygon tool active."},
                     {"tr", "Trim tool active. Select cutting edge, then click entities to trim."}});
-  EXPECT_EQ(t.sketch.selectedTool, SketchTool::trim);
-  EXPECT_TRUE(t.sketch.selectedEntityIDs->empty()) << "the trim tool starts with nothing selected";
+  EXPECT_EQ(t.board.tool, SketchTool::trim);
+  EXPECT_TRUE(t.sketch.selection->empty()) << "the trim tool starts with nothing selected";
 }
 
 TEST(EditCommands, EditTheSelection) {
-  TestSketch t;
-  t.run("line 0 0 10 0");
-  t.run("line 20 -5 20 5");
+  TestWorkspace t;
+  t.submit("line 0 0 10 0");
+  t.submit("line 20 -5 20 5");
   expectReplies(t, {{"co", "Select an entity to copy."},
                     {"paste", "Clipboard is empty."},
                     {"move 1 1", "Select a line before moving."},
@@ -76,9 +76,9 @@ TEST(EditCommands, EditTheSelection) {
 }
 
 TEST(EditCommands, TrimByNumbers) {
-  TestSketch t;
-  t.run("line 0 0 10 0; line 4 -5 4 5; circle 0 50 1");
-  t.run("poly 0 0 1 0 1 1");
+  TestWorkspace t;
+  t.submit("line 0 0 10 0; line 4 -5 4 5; circle 0 50 1");
+  t.submit("poly 0 0 1 0 1 1");
   expectReplies(t, {{"trim 1 2", "Usage: trim [<n> <edge> <keep-x> <keep-y>]"},
                     {"trim 1 2 a 0", "Usage: trim [<n> <edge> <keep-x> <keep-y>]"},
                     {"trim 0 1 0 0", "Trim target not found."},
@@ -87,64 +87,6 @@ TEST(EditCommands, TrimByNumbers) {
                     {"trim 1 4 0 0", "Entity type cannot be trimmed."},
                     {"trim 1 3 0 0", "Segments do not intersect."},
                     {"trim 1 2 9 0", "Entity 1 trimmed at intersection with Entity 2."}});
-}
-
-TEST(Chains, JoinSegmentsAndCountWhatTheyDo) {
-  TestSketch t;
-  expectReplies(
-      t, {{"line 0 0 10 0; line 10 0 20 0", "Chain OK (2 commands): 1 line added, 1 collinear merge."},
-          {"line 0 0 10 0; line 10 0 10 10", "Chain OK (2 commands): 2 lines added, 1 corner join."},
-          {"line 0 0 10 0; line 10.001 0 20 0", "Chain OK (2 commands): 2 lines added."},
-          {"line 0 0 10 0; wall 10 0 20 0", "Chain OK (2 commands): 1 line added, 1 wall added."},
-          {"wall 0 0 10 0 W2-INT; wall 10 0 20 0 W2-EXT", "Chain OK (2 commands): 2 walls added."},
-          {"line 0 0 10 0; circle 5 5 1; line 10 0 20 0",
-           "Chain OK (3 commands): 2 lines added, 1 circle added."},
-          {"l 0 0 10 0; L 10 0 0 0", "Chain OK (2 commands): 1 line added, 1 collinear merge."},
-          {"line 0 0 0 0; line 0 0 1 0", "Chain OK (2 commands): 2 lines added, 1 corner join."},
-          {"spec list; spec list", "Chain OK (2 commands): 2 spec commands."},
-          {"select 1; select 2", "Chain OK (2 commands): 2 selections updated."},
-          {"spec use CMU-8; wall 0 0 10 0", "Chain OK (2 commands): 1 wall added, 1 spec command."},
-          {"wall 0 0 10 0; assign W2-EXT", "Chain OK (2 commands): 1 wall added, 1 wall assignment."}});
-  EXPECT_EQ(t.sketch.wallSystemName(t.sketch.entities->back()), "W2-EXT");
-}
-
-TEST(Chains, AreOneUndoStepOrNothing) {
-  TestSketch t;
-  t.run("line 0 0 1 1");
-  t.run("select 1");
-  const DocumentState before(t.sketch);
-  const std::vector<std::pair<std::string, std::string>> failures{
-      {";", "Chain error at segment 1: empty command."},
-      {"line 0 0 10 0;", "Chain error at segment 2: empty command."},
-      {"line 0 0 1 1; clear",
-       "Chain error at segment 2: clear cannot be used in a chain; run clear by itself."},
-      {"select 1; pl 0 0 1 1 2 2",
-       "Chain error at segment 2: Unknown command \"pl\". Type help for commands."},
-      {"line 0 0 1 1; line", "Chain error at segment 2: line tool activation cannot be used in a chain."},
-      {"select;", "Chain error at segment 2: empty command."},
-      {"wall 0 0 1 1; select; assign CMU-8",
-       "Chain error at segment 3: Usage: assign <system>  (select a wall first)"},
-      {"spec list x; line 0 0 1 1",
-       "Chain error at segment 1: Usage: spec list | spec use <name> | spec show [name]"},
-      {"spec show nope;", "Chain error at segment 1: Unknown wall system."}};
-  for (const auto& [line, reply] : failures) {
-    EXPECT_EQ(t.reply(line), reply);
-    EXPECT_TRUE(t.sketch.consoleLines->back().isError);
-    EXPECT_EQ(DocumentState(t.sketch), before) << line;
-  }
-  t.run("wall 0 0 10 0; circle 1 1 1; rect 0 0 2 2; select 2; assign CMU-8");
-  EXPECT_EQ(t.sketch.undoStack().undoSnapshots().size(), before.undoSteps + 1);
-  t.sketch.undo();
-  EXPECT_EQ(*t.sketch.entities, before.entities);
-}
-
-TEST(Chains, ARunThatFailsGoesBackWhole) {
-  TestSketch t;
-  // The merge makes one wall of two, so the number that was right in checking is not there at the run.
-  const DocumentState before(t.sketch);
-  EXPECT_EQ(t.reply("wall 0 0 5 0; wall 5 0 9 0; select 2; assign CMU-8"),
-            "Chain error at segment 4: Could not assign system to selection.");
-  EXPECT_EQ(DocumentState(t.sketch), before);
 }
 
 }  // namespace

@@ -3,23 +3,25 @@
 
 #include <gtest/gtest.h>
 
-#include "support/test_sketch.h"
+#include "core/adding.h"
+#include "geometry/edit_operations.h"
+#include "support/test_workspace.h"
 
 namespace ostrelon {
 namespace {
 
-using testing::TestSketch;
+using testing::TestWorkspace;
 
-struct DrawingSketch : TestSketch {
-  DrawingSketch() { sketch.updateCanvasSize({800, 600}); }
+struct DrawingSketch : TestWorkspace {
+  DrawingSketch() { board.resizeCanvas({800, 600}); }
   void draft(SketchTool tool, SketchPoint start, SketchPoint current) {
-    sketch.activateTool(tool);
-    sketch.beginDraft(start);
-    sketch.setDraftCurrent(current);
+    board.activateTool(tool);
+    board.beginDraft(start);
+    board.setDraftCurrent(current);
   }
   template <class Entity>
   Entity last() const {
-    return std::get<Entity>(sketch.entities->back());
+    return std::get<Entity>(sketch.entities().back());
   }
 };
 
@@ -28,9 +30,9 @@ TEST(TypedLength, EndsTheLineAlongItsPresentDirection) {
   test.draft(SketchTool::line, {0, 0}, {-7, 0});
   EXPECT_EQ(test.reply("12"), "Line added (length 12, angle 180°).");
   EXPECT_EQ(test.last<LineEntity>().to, (SketchPoint{-12, 0}));
-  EXPECT_FALSE(*test.sketch.draft);
-  EXPECT_EQ(test.sketch.selectedTool, SketchTool::line);
-  EXPECT_EQ(test.sketch.undoStack().undoSnapshots().size(), 1U);
+  EXPECT_EQ(test.board.draft(), nullptr);
+  EXPECT_EQ(test.board.tool, SketchTool::line);
+  EXPECT_EQ(test.undoSteps(), 1U);
 
   test.draft(SketchTool::wall, {0, 0}, {0, 0});
   EXPECT_EQ(test.reply(" 2.55 "), "Wall added (length 2.6, angle 0°).");
@@ -79,13 +81,13 @@ TEST(TypedSize, ThatDoesNotReadLeavesTheDraft) {
   DrawingSketch test;
   const auto expectUsage = [&](SketchTool tool, const std::string& text, const std::string& usage) {
     test.draft(tool, {0, 0}, {20, 0});
-    const auto lines = test.run(text);
+    const auto lines = test.submit(text);
     ASSERT_EQ(lines.size(), 1U) << text;
     EXPECT_EQ(lines[0].text, usage);
     EXPECT_TRUE(lines[0].isError);
     EXPECT_FALSE(lines[0].isSystem);
-    EXPECT_EQ(test.sketch.draft->value(), (SketchDraft{{0, 0}, {20, 0}}));
-    EXPECT_TRUE(test.sketch.entities->empty());
+    EXPECT_EQ(*test.board.draft(), (SketchDraft{{0, 0}, {20, 0}}));
+    EXPECT_TRUE(test.sketch.entities().empty());
   };
   const std::string segment = "Usage: <length> [angle] while drawing";
   for (const char* text : {"12 north", "0.5", "-3", "1 2 3", "nan", "inf", "12 inf", "1e999"}) {
@@ -101,23 +103,24 @@ TEST(TypedSize, IsOnlyForDraftsAndLinesThatBeginWithANumber) {
   EXPECT_EQ(test.reply("12"), "Unknown command \"12\". Type help for commands.");
   test.draft(SketchTool::line, {0, 0}, {20, 0});
   EXPECT_EQ(test.reply("zoom in"), "Zoomed in.");
-  EXPECT_TRUE(*test.sketch.draft);
-  EXPECT_FALSE(test.sketch.applyNumericDraftInput("12; line 0 0 1 1")) << "a chain is no number";
-  EXPECT_FALSE(test.sketch.applyNumericDraftInput("   "));
+  EXPECT_NE(test.board.draft(), nullptr);
+  EXPECT_FALSE(CommandInterpreter::applyNumericDraftInput("12; line 0 0 1 1", test.board))
+      << "a chain is no number";
+  EXPECT_FALSE(CommandInterpreter::applyNumericDraftInput("   ", test.board));
 
-  test.sketch.activateTool(SketchTool::polygon);
-  test.sketch.addPolygonVertex({0, 0});
-  EXPECT_FALSE(test.sketch.applyNumericDraftInput("12"));
+  test.board.activateTool(SketchTool::polygon);
+  test.board.addPolygonVertex({0, 0});
+  EXPECT_FALSE(CommandInterpreter::applyNumericDraftInput("12", test.board));
 }
 
 TEST(TypedSize, OfHugeNumbersNeitherHangsNorCrashes) {
   DrawingSketch test;
   test.draft(SketchTool::line, {0, 0}, {20, 5});
-  test.run("1e300 1e300");
+  test.submit("1e300 1e300");
   test.draft(SketchTool::rectangle, {1e308, 0}, {1.5e308, 1});
-  test.run("1e308 1e308");
-  test.sketch.zoomToFit({800, 600});
-  test.sketch.hoverMoved(SketchPoint{400, 300});
+  test.submit("1e308 1e308");
+  test.board.zoomToFit({800, 600});
+  test.board.hoverMoved(SketchPoint{400, 300});
 }
 
 // --- Tool forms
@@ -126,29 +129,29 @@ TEST(ToolForms, ActivateTheToolAndEndWhatIsUnderWay) {
   DrawingSketch test;
   test.draft(SketchTool::circle, {0, 0}, {20, 0});
   EXPECT_EQ(test.reply("line"), "Line tool active.");
-  EXPECT_EQ(test.sketch.selectedTool, SketchTool::line);
-  EXPECT_FALSE(*test.sketch.draft);
+  EXPECT_EQ(test.board.tool, SketchTool::line);
+  EXPECT_EQ(test.board.draft(), nullptr);
   EXPECT_EQ(test.reply("PL"), "Polygon tool active.");
-  EXPECT_EQ(test.sketch.selectedTool, SketchTool::polygon);
+  EXPECT_EQ(test.board.tool, SketchTool::polygon);
   EXPECT_EQ(test.reply("s"), "Select tool active.");
   EXPECT_EQ(test.reply("l 1 2 3"), "Usage: line [<x1> <y1> <x2> <y2>]");
-  EXPECT_EQ(test.sketch.selectedTool, SketchTool::select);
+  EXPECT_EQ(test.board.tool, SketchTool::select);
 }
 
 TEST(ToolForms, TrimStartsWithNothingSelectedAndOnlyDropsItsEdgeWhenChosenAgain) {
   DrawingSketch test;
-  test.sketch.addLine({0, 0}, {40, 0});
-  test.sketch.selectAll();
+  addLine(test.sketch, {0, 0}, {40, 0});
+  selectAll(test.sketch);
   const std::string reply = "Trim tool active. Select cutting edge, then click entities to trim.";
   EXPECT_EQ(test.reply("tr"), reply);
-  EXPECT_TRUE(test.sketch.selectedEntityIDs->empty());
-  test.sketch.handleTrimClick({20, 0});
-  EXPECT_TRUE(*test.sketch.trimCuttingEdgeEntityID);
+  EXPECT_TRUE(test.sketch.selection->ids.empty());
+  test.board.trimAt({20, 0});
+  EXPECT_TRUE(*test.board.trimCuttingEdge);
   EXPECT_EQ(test.reply("trim"), reply);
-  EXPECT_FALSE(*test.sketch.trimCuttingEdgeEntityID);
-  EXPECT_EQ(test.sketch.selectedEntityIDs->size(), 1U);
+  EXPECT_FALSE(*test.board.trimCuttingEdge);
+  EXPECT_EQ(test.sketch.selection->ids.size(), 1U);
   EXPECT_EQ(test.reply("line"), "Line tool active.");
-  EXPECT_EQ(test.sketch.selectedEntityIDs->size(), 1U) << "only the tool buttons let go of the selection";
+  EXPECT_EQ(test.sketch.selection->ids.size(), 1U) << "only the tool buttons let go of the selection";
 }
 
 // --- Zoom
@@ -156,17 +159,17 @@ TEST(ToolForms, TrimStartsWithNothingSelectedAndOnlyDropsItsEdgeWhenChosenAgain)
 TEST(ZoomCommand, MovesTheViewAboutTheMiddleOfTheCanvas) {
   DrawingSketch test;
   EXPECT_EQ(test.reply("z"), "Zoomed in.");
-  EXPECT_EQ(test.sketch.viewport->scale, 5);
+  EXPECT_EQ(test.board.scale(), 5);
   EXPECT_EQ(test.reply("zoom OUT"), "Zoomed out.");
-  EXPECT_EQ(*test.sketch.viewport, (SketchViewport{{400, 300}, 4}));
+  EXPECT_EQ(test.board.viewport(), (SketchViewport{{400, 300}, 4}));
   EXPECT_EQ(test.reply("zoom +"), "Zoomed in.");
   EXPECT_EQ(test.reply("zoom -"), "Zoomed out.");
-  test.sketch.panViewport(30, 30);
+  test.board.pan(30, 30);
   EXPECT_EQ(test.reply("zoom reset"), "View reset.");
-  EXPECT_EQ(*test.sketch.viewport, (SketchViewport{{400, 300}, 4}));
-  test.sketch.addLine({100, 0}, {200, 0});
+  EXPECT_EQ(test.board.viewport(), (SketchViewport{{400, 300}, 4}));
+  addLine(test.sketch, {100, 0}, {200, 0});
   EXPECT_EQ(test.reply("zoom fit"), "Zoomed to fit.");
-  EXPECT_NEAR(test.sketch.viewport->scale, (800.0 - 96) / (100 + 96), 1e-12);
+  EXPECT_NEAR(test.board.scale(), (800.0 - 96) / (100 + 96), 1e-12);
   EXPECT_EQ(test.reply("zoom 2"), "Usage: zoom [in|out|fit|reset]");
   EXPECT_EQ(test.reply("zoom in in"), "Usage: zoom [in|out|fit|reset]");
 }

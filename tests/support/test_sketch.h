@@ -7,24 +7,10 @@
 
 #include "core/sketch_view_model.h"
 #include "platform/dialogs.h"
-#include "platform/file_system.h"
 #include "platform/scheduler.h"
+#include "support/no_file_system.h"
 
 namespace ostrelon::testing {
-
-/// A file system with nothing in it, on which nothing can be written.
-class NoFileSystem final : public FileSystem {
- public:
-  std::string readFile(const FilePath&) override { throw FileError("There is no file."); }
-  std::unique_ptr<PendingFile> prepareFile(const FilePath&, const Producer&) override {
-    throw FileError("Nothing can be written.");
-  }
-  std::optional<FileInfo> info(const FilePath&) override { return std::nullopt; }
-  std::vector<std::string> list(const FilePath&) override { return {}; }
-  void createFolders(const FilePath&) override { throw FileError("Nothing can be written."); }
-  void copyFile(const FilePath&, const FilePath&) override { throw FileError("There is no file."); }
-  void removeFile(const FilePath&) override {}
-};
 
 struct TestSketch {
   VirtualScheduler scheduler{dateFromSeconds(1'767'225'600)};

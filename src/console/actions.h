@@ -1,0 +1,133 @@
+// What the commands of the console do once they have been read: plain values, one record a deed. Sketch
+// units; entity numbers and positions as told.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "core/entity_edits.h"
+#include "core/sketch_point.h"
+#include "interaction/sketch_tool.h"
+#include "platform/uuid.h"
+
+namespace ostrelon::CommandInterpreter {
+
+// --- Drawing (drawing_commands.h)
+
+struct DrawLine {
+  SketchPoint from;
+  SketchPoint to;
+};
+struct DrawWall {
+  SketchPoint from;
+  SketchPoint to;
+  UUID systemSpecID;
+};
+struct DrawCircle {
+  SketchPoint center;
+  double radius = 0;  ///< above 0
+};
+struct DrawRectangle {
+  SketchPoint origin;
+  SketchSize size;  ///< above 0
+};
+struct DrawPolygon {
+  std::vector<SketchPoint> vertices;  ///< 3 or more
+};
+struct ClearDrawing {};
+
+// --- Selecting and copying (selection_commands.h)
+
+struct ActivateTool {
+  SketchTool tool = SketchTool::select;
+};
+struct SelectEntities {
+  std::vector<std::int64_t> indices;  ///< 0-based; empty activates the select tool
+};
+struct CopySelection {};
+struct PasteClipboard {};
+
+// --- Edits of the selection (edit_commands.h)
+
+struct AssignWallSystem {
+  UUID specID;
+};
+struct MoveSelectedLine {
+  double dx = 0;
+  double dy = 0;
+};
+struct SetSelectedLength {
+  double value = 0;
+  std::string typed;  ///< the value as the reply repeats it
+};
+struct NudgeSelection {
+  double dx = 0;
+  double dy = 0;
+};
+struct AlignSelection {
+  AlignmentAxis axis = AlignmentAxis::horizontal;
+};
+struct ConvertSelection {
+  EntityConversionTarget target = EntityConversionTarget::line;
+  std::optional<UUID> systemSpecID;  ///< absent: the active one
+};
+
+// --- Cutting and lengthening (trim_commands.h)
+
+struct TrimEntity {
+  std::int64_t target = 0;  ///< 1-based, as typed
+  std::int64_t edge = 0;    ///< 1-based, as typed
+  SketchPoint point;        ///< on the portion that goes
+};
+struct ExtendToBoundary {
+  std::optional<std::int64_t> line;  ///< 1-based, as typed; absent: the selected one
+  std::int64_t boundary = 0;         ///< 1-based, as typed
+};
+
+// --- Wall systems (wall_system_commands.h)
+
+struct UseWallSystem {
+  UUID specID;
+};
+struct ShowWallSystem {
+  std::optional<std::string> name;  ///< absent: that of the selected wall, or the active one
+};
+struct ListWallSystems {};
+
+// --- The view (zoom_command.h)
+
+struct ZoomView {
+  enum class To { in, out, fit, reset };
+  To to = To::in;
+};
+
+// --- Documents (history_commands.h)
+
+struct SaveCheckpoint {
+  std::string message;  ///< may be empty
+};
+struct ShowHistory {};
+struct CreateBranch {
+  std::string name;
+  std::optional<std::string> checkpointID;  ///< absent: the head of the current branch
+};
+struct SwitchBranch {
+  std::string nameOrID;
+};
+
+// --- Help (help_commands.h)
+
+struct ShowHelp {};
+struct ShowMore {};
+
+using Action =
+    std::variant<DrawLine, DrawWall, DrawCircle, DrawRectangle, DrawPolygon, ClearDrawing, ActivateTool,
+                 SelectEntities, CopySelection, PasteClipboard, AssignWallSystem, MoveSelectedLine,
+                 SetSelectedLength, NudgeSelection, AlignSelection, ConvertSelection, TrimEntity,
+                 ExtendToBoundary, UseWallSystem, ShowWallSystem, ListWallSystems, ZoomView, SaveCheckpoint,
+                 ShowHistory, CreateBranch, SwitchBranch, ShowHelp, ShowMore>;
+
+}  // namespace ostrelon::CommandInterpreter

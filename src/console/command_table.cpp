@@ -1,0 +1,215 @@
+// The one table of the commands.
+#include <algorithm>
+
+#include "console/command.h"
+#include "console/drawing_commands.h"
+#include "console/edit_commands.h"
+#include "console/help_commands.h"
+#include "console/history_commands.h"
+#include "console/selection_commands.h"
+#include "console/trim_commands.h"
+#include "console/wall_system_commands.h"
+#include "console/zoom_command.h"
+
+namespace ostrelon::CommandInterpreter {
+namespace {
+
+using Names = Completion::Names;
+
+std::vector<Command> makeTable() {
+  return {
+      {.word = "line",
+       .aliases = {"l"},
+       .usage = "line [<x1> <y1> <x2> <y2>]",
+       .chainUsage = "line <x1> <y1> <x2> <y2>",
+       .help = "line [<x1> <y1> <x2> <y2>]     draw a line or activate line tool\n"
+               "l [<x1> <y1> <x2> <y2>]        alias for line\n",
+       .isKnownInChains = true,
+       .parse = parseLine},
+      {.word = "trim",
+       .spellings = {"tr"},
+       .usage = "trim [<n> <edge> <keep-x> <keep-y>]",
+       .help = "trim <n> <edge> <x> <y>           trim entity; point x y on portion to remove\n"
+               "tr [<n> <edge> <x> <y>]           alias for trim (no args → Trim tool)\n",
+       .isKnownInChains = true,
+       .chainRefusal = "trim cannot be used in a chain.",
+       .parse = parseTrim},
+      {.word = "move",
+       .aliases = {"m"},
+       .usage = "move <dx> <dy>  (select a line first)",
+       .help = "move <dx> <dy>                 move selected line by delta\n"
+               "m <dx> <dy>                    alias for move\n",
+       .parse = parseMove},
+      {.word = "extend",
+       .aliases = {"ex"},
+       .usage = "extend [<line>] <boundary>",
+       .help = "extend [<line>] <boundary>      extend line to line/wall boundary\n"
+               "ex [<line>] <boundary>          alias for extend\n",
+       .parse = parseExtend},
+      {.word = "zoom",
+       .aliases = {"z"},
+       .usage = "zoom [in|out|fit|reset]",
+       .help = "zoom [in|out|fit|reset]         zoom view (default: in)\n"
+               "z [in|out|fit|reset]            alias for zoom; canvas Z in, Shift+Z out\n",
+       .completions = {{.words = {"fit", "in", "out", "reset"}}},
+       .parse = parseZoom},
+      {.word = "wall",
+       .usage = "wall <x1> <y1> <x2> <y2> [system]",
+       .help = "wall <x1> <y1> <x2> <y2>       draw a wall (active system)\n"
+               "wall <x1> <y1> <x2> <y2> <sys> draw wall with named system\n",
+       .completions = {{.position = 5, .names = Names::wallSystems}},
+       .isKnownInChains = true,
+       .parse = parseWall},
+      {.word = "circle",
+       .usage = "circle <cx> <cy> <r>",
+       .help = "circle <cx> <cy> <r>           draw a circle\n",
+       .isKnownInChains = true,
+       .parse = parseCircle},
+      {.word = "rect",
+       .aliases = {"rectangle"},
+       .usage = "rect <x> <y> <w> <h>",
+       .help = "rect <x> <y> <w> <h>           draw a rectangle\n",
+       .isKnownInChains = true,
+       .parse = parseRectangle},
+      {.word = "poly",
+       .aliases = {"polygon", "pl", "poly"},
+       .usage = "poly [<x1> <y1> <x2> <y2> ...]  (≥3 vertices)",
+       .help = "poly [<x1> <y1> <x2> <y2> ...] draw a polygon (≥3 vertices) or activate polygon tool\n"
+               "pl [<x1> <y1> ...]             alias for poly\n",
+       .parse = parsePolygon},
+      {.word = "select",
+       .spellings = {"s"},
+       .usage = "select [<n>…]  (1-based entity numbers)",
+       .help = "select [<n>…]                  select entities or activate select tool\n"
+               "s [<n>]                          alias for select\n",
+       .isKnownInChains = true,
+       .parse = parseSelect},
+      {.word = "copy",
+       .spellings = {"co", "cp"},
+       .usage = "copy",
+       .help = "copy | co | cp                 copy selected entities to clipboard\n",
+       .parse = parseCopy},
+      {.word = "paste",
+       .usage = "paste",
+       .help = "paste                          paste clipboard entities\n",
+       .parse = parsePaste},
+      {.word = "assign",
+       .usage = "assign <system>  (select a wall first)",
+       .help = "assign <system>                set wall system on selected wall\n",
+       .completions = {{.names = Names::wallSystems}},
+       .isKnownInChains = true,
+       .parse = parseAssign},
+      {.word = "length",
+       .usage = "length <value>  (select an entity first)",
+       .help = "length <value>                 set selected length/diameter\n",
+       .parse = parseLength},
+      {.word = "nudge",
+       .usage = "nudge <dx> <dy>  (select an entity first)",
+       .help = "nudge <dx> <dy>                move selected entity by delta\n",
+       .parse = parseNudge},
+      {.word = "center",
+       .usage = "center h|v  (align selected entities; need ≥2 selected)",
+       .help = "center h|v                     align selected entities to shared centerline (≥2 selected)\n",
+       .completions = {{.words = {"h", "v"}}},
+       .parse = parseCenter},
+      {.word = "convert",
+       .spellings = {"type"},
+       .usage = "convert line|wall [system]",
+       .help = "convert line|wall [system]     convert selected line/wall\n"
+               "type line|wall [system]        alias for convert\n",
+       .completions = {{.words = {"line", "wall"}},
+                       {.position = 2, .names = Names::wallSystems, .onlyAfter = "wall"}},
+       .parse = parseConvert},
+      {.word = "spec",
+       .usage = "spec list | spec use <name> | spec show [name]",
+       .help = "spec list                      list wall system specs\n"
+               "spec use <name>                set active system for new walls\n"
+               "spec show [name]               show system details\n",
+       .completions = {{.words = {"list", "show", "use"}},
+                       {.position = 2, .names = Names::wallSystems, .onlyAfter = "use"},
+                       {.position = 2, .names = Names::wallSystems, .onlyAfter = "show"}},
+       .isKnownInChains = true,
+       .parse = parseSpec},
+      {.word = "checkpoint",
+       .help = "checkpoint [message]           save a named document checkpoint\n",
+       .parse = parseCheckpoint},
+      {.word = "history",
+       .help = "history                        list document branches and checkpoints\n",
+       .parse = parseHistory},
+      {.word = "branch",
+       .usage = "branch list | branch create <name> [checkpoint-id] | branch switch <name>",
+       .help = "branch list                    list branches\n"
+               "branch create <name> [cp-id]   create branch from checkpoint/current head\n"
+               "branch switch <name>           switch active branch\n",
+       .completions = {{.words = {"create", "list", "switch"}},
+                       {.position = 2, .names = Names::branches, .onlyAfter = "switch"}},
+       .parse = parseBranch},
+      {.word = "clear",
+       .help = "clear                          remove all entities\n",
+       .isKnownInChains = true,
+       .chainRefusal = "clear cannot be used in a chain; run clear by itself.",
+       .parse = parseClear},
+      // The help text tells of chains and typed sizes, which are no commands, in front of itself.
+      {.word = "help",
+       .aliases = {"?"},
+       .help = "cmd; cmd                       run chained immediate commands all-or-nothing\n"
+               "                               chains reject empty segments, help, clear, and tool-only "
+               "line/wall    while drawing: <length> [angle] line/wall numeric input    help               "
+               "            show this message\n",
+       .isKnownInChains = true,
+       .chainRefusal = "help cannot be used in a chain.",
+       .parse = parseHelp},
+      {.word = "more",
+       .usage = "more",
+       .summary = "list the commands that help does not tell",
+       .example = "more",
+       .parse = parseMore},
+  };
+}
+
+bool has(const std::vector<std::string_view>& words, std::string_view word) {
+  return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+}  // namespace
+
+std::span<const Command> commandTable() {
+  static const std::vector<Command> table = makeTable();
+  return table;
+}
+
+const Command* findCommand(std::string_view word) {
+  for (const Command& command : commandTable()) {
+    if (command.word == word || has(command.spellings, word)) return &command;
+  }
+  return nullptr;
+}
+
+const Command* findChainCommand(std::string_view word) {
+  for (const Command& command : commandTable()) {
+    if (!command.isKnownInChains) continue;
+    if (command.word == word || has(command.spellings, word) || has(command.aliases, word)) return &command;
+  }
+  return nullptr;
+}
+
+ParseState parseStateOf(const Sketch& sketch) {
+  return {&sketch, sketch.entities(), std::nullopt, sketch.drawing->activeWallSystemSpecID};
+}
+
+std::variant<Action, Reply> parseCommand(const Command& command, const Words& words, const ParseState& state,
+                                         Place place) {
+  ParseResult result = command.parse(words, state, place);
+  if (auto* action = std::get_if<Action>(&result)) return std::move(*action);
+  if (auto* reply = std::get_if<Reply>(&result)) return std::move(*reply);
+  std::string_view usage = std::get<WrongUse>(result).usage;
+  if (usage.empty() && place == Place::chain) usage = command.chainUsage;
+  if (usage.empty()) usage = command.usage;
+  return Reply::error("Usage: " + std::string(usage));
+}
+
+Reply run(const Action& action, const CommandContext& context) {
+  return std::visit([&](const auto& deed) { return run(deed, context); }, action);
+}
+
+}  // namespace ostrelon::CommandInterpreter

@@ -1,0 +1,47 @@
+#include "console/command_words.h"
+
+#include "core/length_text.h"
+#include "platform/unicode.h"
+
+namespace ostrelon::CommandInterpreter {
+
+std::optional<std::vector<double>> readNumbers(const Words& words, std::size_t first, std::size_t end) {
+  std::vector<double> numbers;
+  numbers.reserve(end > first ? end - first : 0);
+  for (std::size_t i = first; i < end; ++i) {
+    const auto number = parseNumber(words[i]);
+    if (!number) return std::nullopt;
+    numbers.push_back(*number);
+  }
+  return numbers;
+}
+
+std::optional<std::vector<double>> readNumbers(const Words& words, std::size_t count) {
+  return words.size() == count + 1 ? readNumbers(words, 1, words.size()) : std::nullopt;
+}
+
+std::optional<std::vector<std::int64_t>> readEntityIndices(const Words& words) {
+  std::vector<std::int64_t> indices;
+  indices.reserve(words.size());
+  for (std::size_t i = 1; i < words.size(); ++i) {
+    const auto number = parseEntityNumber(words[i]);
+    if (!number || *number < 1) return std::nullopt;
+    indices.push_back(*number - 1);
+  }
+  return indices;
+}
+
+std::string lowerCasedWord(const Words& words, std::size_t place) {
+  return place < words.size() ? lowerCased(words[place]) : std::string();
+}
+
+std::string joinedWords(const Words& words, std::size_t first) {
+  std::string text;
+  for (std::size_t i = first; i < words.size(); ++i) {
+    if (i > first) text += ' ';
+    text += words[i];
+  }
+  return text;
+}
+
+}  // namespace ostrelon::CommandInterpreter
