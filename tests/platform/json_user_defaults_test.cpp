@@ -100,7 +100,7 @@ TEST_F(JsonUserDefaultsTest, SetsADamagedFileAsideAndSaysSo) {
 TEST_F(JsonUserDefaultsTest, GoesOnWhenTheFileCannotBeWrittenAndTellsOnce) {
   FileSystemCalls calls = FileSystemCalls::ofTheSystem();
   bool fails = true;
-  calls.rename = [&](const char* from, const char* to) {
+  calls.renameNew = [&](const char* from, const char* to) {
     if (!fails) return std::rename(from, to);
     errno = ENOSPC;
     return -1;
