@@ -272,6 +272,8 @@ TEST_F(DocumentHistoryTest, SaysWhatIsWrongWithItsFilesAndShowsNone) {
     return messageOf([&] { loadDocumentHistory(files, plan); });
   };
   EXPECT_EQ(failureOf("{\"v\":1,"), "The history is damaged in meta.json at byte 7: it is not JSON.");
+  EXPECT_EQ(failureOf(good + '\0' + "{}"), "The history is damaged in meta.json at byte " +
+                                               std::to_string(good.size()) + ": it is not JSON.");
   EXPECT_EQ(failureOf("[]"), "The history is damaged in meta.json: expected an object.");
   EXPECT_EQ(failureOf("{}"), "The history is damaged in meta.json: the key \"v\" is missing.");
   EXPECT_EQ(failureOf(R"({"v":1.5})"), "The history is damaged in meta.json, v: expected an integer.");

@@ -79,7 +79,8 @@ TEST_F(JsonUserDefaultsTest, KeepsWhatItDoesNotUnderstand) {
 
 TEST_F(JsonUserDefaultsTest, SetsADamagedFileAsideAndSaysSo) {
   files.createFolders(path.parent_path());
-  for (const std::string damaged : {"{\"a\":", "[1]", "", "\xFF"}) {
+  for (const std::string& damaged :
+       std::vector<std::string>{"{\"a\":", "[1]", "", "\xFF", std::string("{}\0{}", 5)}) {
     files.writeFile(path, damaged);
     const std::size_t before = files.list(path.parent_path()).size();
     JsonUserDefaults defaults(files, path);
