@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "app/menu.h"
+#include "app/settings_notes.h"
 #include "automation/automation_session.h"
 #include "build_information.h"
 #include "documents/document_store.h"
@@ -280,7 +281,7 @@ class AutomationHost::Program {
                        }),
         session_{application_, scheduler_, dialogs_, gestures_, closeQuestion_, updateClient_} {
     application_.mainViewAppeared();
-    tellOfSettingsFile();
+    tellSettingsNotes(defaults_, application_.sketch());
   }
 
   Json reply(std::string_view line) {
@@ -302,7 +303,7 @@ class AutomationHost::Program {
     } catch (const std::exception& error) {
       reply = {{"ok", false}, {"error", error.what()}};
     }
-    tellOfSettingsFile();
+    tellSettingsNotes(defaults_, application_.sketch());
     const auto& lines = *application_.sketch().consoleLines;
     Json console = Json::array();
     for (std::size_t i = linesBefore; i < lines.size(); ++i) {
@@ -317,13 +318,6 @@ class AutomationHost::Program {
   void terminate() { application_.willTerminate(); }
 
  private:
-  // What the store of preferences has to say, such as a damaged file that it has set aside.
-  void tellOfSettingsFile() {
-    for (const std::string& note : defaults_.takeNotes()) {
-      application_.sketch().appendConsoleLine(note, false, true);
-    }
-  }
-
   VirtualScheduler scheduler_;
   QueuedDialogs dialogs_;
   DiskFileSystem disk_;
