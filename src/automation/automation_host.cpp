@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "app/menu.h"
+#include "app/settings_notes.h"
 #include "automation/automation_session.h"
 #include "build_information.h"
 #include "documents/document_store.h"
@@ -276,7 +277,7 @@ class AutomationHost::Program {
         gestures_(application_.workspace().board),
         session_{application_, scheduler_, dialogs_, gestures_, updateClient_} {
     application_.mainViewAppeared();
-    tellOfSettingsFile();
+    tellSettingsNotes(defaults_, messages());
   }
 
   Json reply(std::string_view line) {
@@ -298,7 +299,7 @@ class AutomationHost::Program {
     } catch (const std::exception& error) {
       reply = {{"ok", false}, {"error", error.what()}};
     }
-    tellOfSettingsFile();
+    tellSettingsNotes(defaults_, messages());
     const auto& lines = *messages().lines;
     Json console = Json::array();
     for (std::size_t i = linesBefore; i < lines.size(); ++i) {
@@ -314,13 +315,6 @@ class AutomationHost::Program {
 
  private:
   Messages& messages() { return application_.workspace().messages; }
-
-  // What the store of preferences has to say, such as a damaged file that it has set aside.
-  void tellOfSettingsFile() {
-    for (const std::string& note : defaults_.takeNotes()) {
-      messages().appendSystem(note);
-    }
-  }
 
   VirtualScheduler scheduler_;
   QueuedDialogs dialogs_;

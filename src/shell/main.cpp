@@ -27,7 +27,9 @@ int run(int argc, char** argv) {
   using ostrelon::CommandLine;
   CommandLine line;
   try {
-    line = ostrelon::parseCommandLine({argv + (argc > 0 ? 1 : 0), argv + argc});
+    line = ostrelon::parseCommandLine({argv + (argc > 0 ? 1 : 0), argv + argc}, [](const std::string& name) {
+      return qEnvironmentVariable(name.c_str()).toStdString();
+    });
   } catch (const ostrelon::CommandLineError& error) {
     std::fprintf(stderr, "%s\n", error.what());
     return 2;

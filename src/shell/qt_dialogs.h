@@ -17,6 +17,7 @@ class QtDialogs final : public Dialogs {
   void setWindow(QWidget* window) { window_ = window; }
 
   void ask(const DialogRequest& request, std::function<void(DialogAnswer)> answered) override;
+  bool confirmsReplacing() const override { return true; }
 
  private:
   void askForFile(QWidget& window, const DialogRequest& request, std::function<void(DialogAnswer)> answered);

@@ -17,6 +17,7 @@
 #include "platform/user_error.h"
 #include "shell/date_text.h"
 #include "shell/qt_text.h"
+#include "updates/web_address.h"
 
 namespace ostrelon {
 namespace {
@@ -153,9 +154,9 @@ void AppSettingsView::makeUpdates() {
   fullNotes_->setUnderlined(true);
   fullNotes_->setPaddings(0, 20);
   connect(fullNotes_, &QPushButton::clicked, this, [this] {
-    if (shownUpdate_ && shownUpdate_->latestRelease.releaseNotesURL) {
-      QDesktopServices::openUrl(QUrl(qtText(*shownUpdate_->latestRelease.releaseNotesURL)));
-    }
+    if (!shownUpdate_) return;
+    const auto& notes = shownUpdate_->latestRelease.releaseNotesURL;
+    if (notes && isSecureWebAddress(*notes)) QDesktopServices::openUrl(QUrl(qtText(*notes)));
   });
   notesRow->addWidget(omitted_, 1);
   notesRow->addWidget(fullNotes_);

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QTimer>
 
+#include "app/settings_notes.h"
 #include "app/shortcut_page.h"
 #include "build_information.h"
 #include "platform/disk_file_system.h"
@@ -98,8 +99,7 @@ int runWithWindows(int& argc, char** argv, const WindowStart& start) {
       [&application](ColorScheme scheme) { application.settings().updateColorScheme(scheme); });
   installBaseStyle(theme);
   WindowedProgram program(application, theme, dialogs);
-  for (const std::string& note : defaults.takeNotes())
-    application.sketch().appendConsoleLine(note, false, true);
+  keepTellingSettingsNotes(defaults, application.sketch());
   program.show();
   if (start.document) {
     QTimer::singleShot(0, &theme,
