@@ -79,6 +79,8 @@ PageControls::PageControls(Theme& theme, const QString& prefix, const QString& n
   showRows();
 }
 
+void PageControls::chooseFitToSheet() { scale_->setCurrentIndex(0); }
+
 bool PageControls::isOnPaper() const { return !paper_->currentData().toString().isEmpty(); }
 
 void PageControls::showRows() {
