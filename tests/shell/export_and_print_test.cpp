@@ -163,8 +163,13 @@ TEST_F(ExportAndPrint, theSheetIsWalkedByTabAndOffersTheLastChoicesAgain) {
   };
   EXPECT_EQ(walk(), "kind paper size theme grid cancel confirm");
   auto* paper = find<QComboBox>(window, "export.paper");
+  const auto* colors = find<QWidget>(window, "export.theme");
+  const QRect before = colors->geometry();
   paper->setFocus();
   paper->setCurrentIndex(paper->findData("Tabloid"));
+  settle();
+  EXPECT_EQ(colors->x(), before.x()) << "columns keep their widths";
+  EXPECT_EQ(colors->width(), before.width());
   EXPECT_TRUE(paper->hasFocus()) << "a choice leaves it where it is";
   EXPECT_EQ(walk(), "paper scale orientation theme grid cancel confirm kind");
   find(window, "export.grid")->click();
