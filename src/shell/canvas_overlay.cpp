@@ -294,6 +294,9 @@ CanvasOverlay::CanvasOverlay(Application& application, Theme& theme, QWidget& ca
   lengthEditor_->setFixedHeight(24);
   lengthEditor_->setAlignment(Qt::AlignCenter);
   lengthEditor_->installEventFilter(this);
+  // The cluster stands at the foot.
+  QWidget::setTabOrder(alignVertical_, lengthLabel_);
+  QWidget::setTabOrder(lengthLabel_, lengthEditor_);
   connect(lengthEditor_, &QLineEdit::textEdited, this,
           [this](const QString& text) { sketch_.setSegmentLengthEditText(plainText(text)); });
   connect(lengthEditor_, &QLineEdit::returnPressed, this, [this] { sketch_.commitSegmentLengthEdit(); });

@@ -1,5 +1,7 @@
 #include "shell/controls.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -309,6 +311,24 @@ void Field::setPrefix(const QString& prefix) {
 void Field::setItalicPlaceholder(const QString& placeholder) {
   placeholder_ = placeholder;
   setAccessibleDescription(placeholder);
+}
+
+bool Field::hasUseFor(const QKeyEvent& key) const {
+  if (!(key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))) return true;
+  if (key.matches(QKeySequence::Paste)) return !QGuiApplication::clipboard()->text().isEmpty();
+  if (key.matches(QKeySequence::Cut) || key.matches(QKeySequence::Copy)) return hasSelectedText();
+  if (key.matches(QKeySequence::Undo)) return isUndoAvailable();
+  if (key.matches(QKeySequence::Redo)) return isRedoAvailable();
+  if (key.matches(QKeySequence::MoveToEndOfLine)) return cursorPosition() < text().size();
+  return !text().isEmpty();
+}
+
+bool Field::event(QEvent* event) {
+  if (event->type() == QEvent::ShortcutOverride && !hasUseFor(*static_cast<QKeyEvent*>(event))) {
+    event->ignore();
+    return true;
+  }
+  return QLineEdit::event(event);
 }
 
 void Field::paintEvent(QPaintEvent* event) {

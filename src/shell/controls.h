@@ -105,9 +105,13 @@ class Field : public QLineEdit {
   void setItalicPlaceholder(const QString& placeholder);
 
  protected:
+  bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  /// False for a key that would change nothing here: it is left to the menus.
+  bool hasUseFor(const QKeyEvent& key) const;
+
   Theme& theme_;
   QString prefix_;
   QString placeholder_;

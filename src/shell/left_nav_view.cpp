@@ -175,7 +175,6 @@ LeftNavView::LeftNavView(SketchViewModel& sketch, Theme& theme, QWidget* parent)
           new TextLabel(theme, TextStyle::heading, TextLabel::Rank::secondary, "ENTITIES", this)),
       emptyText_(new TextLabel(theme, TextStyle::small, TextLabel::Rank::secondary, "No entities", this)),
       model_(new EntityListModel(sketch, this)),
-      list_(new EntityRowsView(theme, *model_, this)),
       coordinatesLine_(new Hairline(theme, Qt::Horizontal, this)),
       coordinatesHeading_(
           new TextLabel(theme, TextStyle::heading, TextLabel::Rank::secondary, "COORDINATES", this)),
@@ -183,7 +182,6 @@ LeftNavView::LeftNavView(SketchViewModel& sketch, Theme& theme, QWidget* parent)
                                 QStringLiteral("0,0 at center  ·  Y ↑"), this)),
       gesturesText_(new TextLabel(theme, TextStyle::caption, TextLabel::Rank::secondary,
                                   QStringLiteral("two-finger pan  ·  pinch zoom"), this)),
-      unfoldButton_(new Button(theme, Button::Kind::plain, QString(), this)),
       update_(sketch, kShownFields, this, [this] { refresh(); }) {
   setObjectName(QStringLiteral("leftNav"));
   setAccessibleName(QStringLiteral("Navigation"));
@@ -195,6 +193,9 @@ LeftNavView::LeftNavView(SketchViewModel& sketch, Theme& theme, QWidget* parent)
     });
     toolRows_.push_back(row);
   }
+  // Made after the tools, since Tab goes in the order of making.
+  list_ = new EntityRowsView(theme, *model_, this);
+  unfoldButton_ = new Button(theme, Button::Kind::plain, QString(), this);
   emptyText_->setObjectName(QStringLiteral("leftNav.noEntities"));
   list_->setObjectName(QStringLiteral("leftNav.entities"));
   list_->setAccessibleName(QStringLiteral("Entities"));

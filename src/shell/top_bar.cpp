@@ -122,6 +122,7 @@ TopMenuBarView::TopMenuBarView(Application& application, Theme& theme, QWidget* 
   gridSwitch_->setToolTip(toolTipWithKey(QStringLiteral("Show the grid"), "⌘G"));
   connect(gridSwitch_, &QCheckBox::clicked, this,
           [this](bool checked) { application_.sketch().setShowGrid(checked); });
+  setTabOrder(actions_.back(), gridSwitch_);
   refresh();
 }
 

@@ -82,7 +82,7 @@ int runWithWindows(int& argc, char** argv, const WindowStart& start) {
   JsonUserDefaults defaults(files, paths.settingsFile);
   QtScheduler scheduler;
   Theme theme;
-  QtDialogs dialogs(theme);
+  QtDialogs dialogs(theme, qtText(paths.documentsFolder.string()));
   AppUpdateNetworkClient client(paths.temporaryFolder);
   Application application({.host = {scheduler, dialogs, files},
                            .defaults = defaults,

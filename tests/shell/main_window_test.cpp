@@ -32,6 +32,11 @@ struct MainWindowTest : testing::WindowFixture {
     QTest::keyClick(QApplication::focusWidget(), static_cast<Qt::Key>(code), modifiers);
     settle();
   }
+  /// A click as the desktop gives it, to the window.
+  void click(QPoint at) {
+    QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, at);
+    settle();
+  }
   void resizeTo(int width, int height) {
     window.resize(width, height);
     settle();
@@ -93,11 +98,18 @@ TEST_F(MainWindowTest, panelsFoldByTheWindowsWidth) {
   EXPECT_EQ(window.wallSystems().width(), WallSystemPanelView::kWidth);
   EXPECT_EQ(window.canvas().width(), 919 - LeftNavView::kRailWidth - WallSystemPanelView::kRailWidth)
       << "it lies over the canvas";
-  QTest::mouseClick(&window.canvas(), Qt::LeftButton, {}, QPoint(100, 100));
-  settle();
+  sketch.activateTool(SketchTool::polygon);
+  click(window.canvas().geometry().topLeft() + QPoint(100, 100));
   EXPECT_TRUE(window.wallSystems().isRail()) << "a click outside folds it";
+  EXPECT_FALSE(sketch.polygonDraft->has_value()) << "and does nothing else";
+  click(window.canvas().geometry().topLeft() + QPoint(100, 100));
+  EXPECT_TRUE(sketch.polygonDraft->has_value());
   press(window, "leftNav.unfold");
   EXPECT_EQ(window.navigation().width(), LeftNavView::kWidth);
+  key(Qt::Key_Escape);
+  EXPECT_TRUE(window.navigation().isRail()) << "as Escape does";
+  EXPECT_TRUE(sketch.polygonDraft->has_value());
+  press(window, "leftNav.unfold");
   resizeTo(1200, 800);
   EXPECT_FALSE(window.navigation().isRail());
   EXPECT_EQ(window.canvas().size(), QSize(716, 576));
@@ -134,6 +146,27 @@ TEST_F(MainWindowTest, lettersChooseToolsUntilSomethingIsTyped) {
   EXPECT_EQ(sketch.selectedTool.get(), SketchTool::select);
 }
 
+TEST_F(MainWindowTest, aLetterThatBeginsACommandLeavesNoTrace) {
+  sketch.activateTool(SketchTool::wall);
+  const SketchViewport view = sketch.viewport;
+  window.console().input()->setFocus();
+  type(*window.console().input(), "zoom");
+  EXPECT_EQ(window.console().input()->text(), "zoom");
+  EXPECT_EQ(sketch.viewport.get(), view);
+  window.console().input()->clear();
+  window.canvas().setFocus();
+  for (const char letter : std::string_view("spec use")) {
+    QTest::keyClick(QApplication::focusWidget(), letter);
+  }
+  EXPECT_EQ(*sketch.commandInput, "spec use");
+  EXPECT_EQ(sketch.selectedTool.get(), SketchTool::wall);
+  window.console().input()->clear();
+  key(Qt::Key_L);
+  QTest::mouseClick(&window.canvas(), Qt::LeftButton, {}, QPoint(300, 300));
+  key(Qt::Key_I);
+  EXPECT_EQ(sketch.selectedTool.get(), SketchTool::line) << "it was used before the next letter came";
+}
+
 TEST_F(MainWindowTest, digitsTypedOverTheCanvasGoToTheConsole) {
   window.canvas().setFocus();
   QTest::keyClick(&window.canvas(), Qt::Key_4);
@@ -152,6 +185,46 @@ TEST_F(MainWindowTest, undoOfAnEmptyLineIsTheDrawings) {
   type(*window.console().input(), "hallo");
   key(Qt::Key_Z, Qt::ControlModifier);
   EXPECT_EQ(sketch.entities->size(), 1U) << "a filled line undoes its own typing";
+}
+
+TEST_F(MainWindowTest, aClickOnTheCanvasLeavesTheFocusWithTheConsole) {
+  run("circle 0 0 4");
+  window.console().input()->setFocus();
+  type(*window.console().input(), "help");
+  key(Qt::Key_Return);
+  click(window.canvas().geometry().center());
+  EXPECT_TRUE(window.console().input()->hasFocus());
+  key(Qt::Key_Up);
+  EXPECT_EQ(window.console().input()->text(), "help");
+  find<QLineEdit>(window, "wallSystems.assembly")->setFocus();
+  click(window.canvas().geometry().center());
+  EXPECT_TRUE(window.canvas().hasFocus()) << "other fields give it up";
+}
+
+TEST_F(MainWindowTest, keysThatAFieldHasNoUseForReachTheMenu) {
+  int exports = 0;
+  application.setWindowActions({.showExport = [&] { ++exports; }});
+  QLineEdit* input = window.console().input();
+  input->setFocus();
+  key(Qt::Key_E, Qt::ControlModifier);
+  EXPECT_EQ(exports, 1);
+  type(*input, "hallo");
+  key(Qt::Key_E, Qt::ControlModifier);
+  EXPECT_EQ(exports, 2) << "the cursor is at the end";
+
+  run("circle 0 0 4");
+  sketch.selectAll();
+  settle();
+  type(*input, "move");
+  key(Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(sketch.entityClipboard->size(), 1U) << "no text is selected";
+  QGuiApplication::clipboard()->clear();
+  key(Qt::Key_V, Qt::ControlModifier);
+  EXPECT_EQ(sketch.entities->size(), 2U) << "there is no text to paste";
+  QGuiApplication::clipboard()->setText(" 1");
+  key(Qt::Key_V, Qt::ControlModifier);
+  EXPECT_EQ(input->text(), "move 1");
+  EXPECT_EQ(sketch.entities->size(), 2U);
 }
 
 TEST_F(MainWindowTest, theEditingKeysAreTheDrawingsUntilALineIsTyped) {
@@ -382,6 +455,7 @@ TEST_F(MainWindowTest, everyControlHasARoleAndAName) {
 
 TEST_F(MainWindowTest, tabReachesTheControlsInTheOrderInWhichTheyStand) {
   QStringList seen;
+  run("wall 0 0 20 0");
   window.canvas().setFocus();
   for (int i = 0; i < 60; ++i) {
     QWidget* focus = QApplication::focusWidget();
@@ -390,14 +464,29 @@ TEST_F(MainWindowTest, tabReachesTheControlsInTheOrderInWhichTheyStand) {
     // An empty console line passes Tab on.
     QTest::keyClick(focus, Qt::Key_Tab);
   }
-  for (const char* reached : {"leftNav.tool.select", "leftNav.tool.trim", "topMenuBar.new", "topMenuBar.grid",
-                              "viewport.zoomIn", "console.focus", "console.commandInput", "console.run",
-                              "wallSystems.list", "wallSystems.thickness"}) {
-    EXPECT_TRUE(seen.contains(reached)) << reached;
-  }
-  EXPECT_LT(seen.indexOf("leftNav.tool.select"), seen.indexOf("leftNav.tool.trim"));
-  EXPECT_LT(seen.indexOf("console.commandInput"), seen.indexOf("console.run"));
-  EXPECT_LT(seen.indexOf("wallSystems.thickness"), seen.indexOf("wallSystems.assembly"));
+  const QStringList inOrder{"leftNav.tool.select",
+                            "leftNav.tool.trim",
+                            "leftNav.entities",
+                            "topMenuBar.new",
+                            "topMenuBar.clear",
+                            "topMenuBar.grid",
+                            "canvas.segmentLengthLabel",
+                            "viewport.zoomIn",
+                            "viewport.reset",
+                            "console.resizeHandle",
+                            "console.focus",
+                            "console.transcript",
+                            "console.commandInput",
+                            "console.run",
+                            "wallSystems.list",
+                            "wallSystems.thickness",
+                            "wallSystems.assembly"};
+  // The round may begin anywhere.
+  const qsizetype start = seen.indexOf(inOrder.front());
+  std::rotate(seen.begin(), seen.begin() + std::max<qsizetype>(0, start), seen.end());
+  QStringList reached = seen;
+  reached.removeIf([&](const QString& name) { return !inOrder.contains(name); });
+  EXPECT_EQ(reached, inOrder) << seen.join(' ').toStdString();
 }
 
 // --- The program's windows together
@@ -448,7 +537,31 @@ TEST(WindowedProgramTest, sheetsSettingsAndThemesWorkTogether) {
   EXPECT_EQ(settings.findChild<QLabel*>("settings.status")->text().toStdString(),
             test.application.updates().statusText());
   EXPECT_EQ(settings.findChild<QLabel*>("settings.currentVersion")->text(), "1.4.2 (318)");
+  // A key in the spin box is the box's.
+  runMenuCommand(test.application, "Help/Open Sample Plan");
+  test.sketch.activateTool(SketchTool::wall);
+  settings.findChild<QAbstractButton*>("settings.autoSaveEnabled")->click();
+  settle();
+  minutes->setFocus();
+  ASSERT_TRUE(minutes->hasFocus());
+  QTest::keyClick(minutes, Qt::Key_Space);
+  EXPECT_EQ(test.sketch.selectedTool.get(), SketchTool::wall);
   theme.setPalette(lightPalette());
+}
+
+TEST(WindowedProgramTest, aBuildWithoutAFeedHasFailedAtNothing) {
+  testing::TestApplication test;
+  Application application(test.services(), {.documentsFolder = test.home / "Documents",
+                                            .updates = updateConfiguration("1.4.2", "318", "", "")});
+  application.updates().checkForUpdates(true);
+  test.settle();
+  ASSERT_EQ(application.updates().status->value, AppUpdateStatus::Case::failed);
+  Theme& theme = testing::sharedTheme();
+  const AppSettingsView view(application, theme, {});
+  const auto* status = view.findChild<QLabel*>("settings.status");
+  EXPECT_TRUE(status->text().startsWith("Update feed is not configured."));
+  EXPECT_EQ(status->palette().color(QPalette::WindowText), theme.secondaryOnCard());
+  EXPECT_TRUE(view.findChild<QWidget*>("settings.statusMark")->isHidden());
 }
 
 }  // namespace
