@@ -86,6 +86,7 @@ void CanvasGestures::doubleClick() {
 // a marquee
 
 void CanvasGestures::selectChanged(SketchPoint viewPoint) {
+  sketch_.recordPointer(viewPoint);
   if (*sketch_.selectDrag) {
     sketch_.updateSelectDrag(toSketch(viewPoint));
   } else if (*sketch_.selectMarquee) {
