@@ -18,7 +18,7 @@ QLineEdit {{
 QLineEdit:disabled {{ color: {mutedForeground}; }}
 
 QComboBox QAbstractItemView {{
-  background: transparent; color: {foreground}; border: none; outline: none; padding: 4px;
+  background: transparent; color: {foreground}; border: none; outline: none; padding: 0 4px;
   selection-background-color: {muted}; selection-color: {foreground};
 }}
 QComboBox QAbstractItemView::item {{ min-height: 28px; padding: 0 6px; border-radius: 6px; }}

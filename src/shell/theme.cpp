@@ -335,8 +335,12 @@ class FocusHalo final : public QFocusFrame {
 class FocusWatcher final : public QObject {
  public:
   FocusWatcher(Theme& theme, QObject* parent) : QObject(parent), theme_(theme) {
+    // Qt hides the frame when the style changes under it.
     QObject::connect(&theme, &Theme::changed, this, [this] {
-      if (halo_) halo_->update();
+      if (!halo_ || halo_->widget() == nullptr) return;
+      halo_->setVisible(halo_->widget()->isVisible());
+      halo_->raise();
+      halo_->update();
     });
   }
 

@@ -540,8 +540,15 @@ TEST(WindowedProgramTest, sheetsSettingsAndThemesWorkTogether) {
   settle();
   SettingsWindow& settings = program.settings();
   EXPECT_TRUE(settings.isVisible());
-  settings.findChild<QAbstractButton*>("settings.theme.dark")->click();
+  auto* dark = settings.findChild<QAbstractButton*>("settings.theme.dark");
+  static_cast<void>(QTest::qWaitForWindowActive(&settings, 1000));
+  dark->setFocus(Qt::TabFocusReason);
+  dark->click();
   settle();
+  auto* halo = settings.findChild<QFocusFrame*>();
+  ASSERT_NE(halo, nullptr);
+  EXPECT_EQ(halo->widget(), dark);
+  EXPECT_TRUE(halo->isVisible()) << "another theme leaves the focus where it is seen";
   EXPECT_EQ(theme.palette(), darkPalette());
   EXPECT_EQ(program.mainWindow().canvas().themePalette(), darkPalette());
   settings.findChild<QAbstractButton*>("settings.autoSaveEnabled")->click();
