@@ -18,7 +18,7 @@ constexpr int kBranchGap = 6;
 constexpr int kLeastName = 64;
 constexpr int kLeastBranch = 36;
 constexpr int kReadableName = 160;
-constexpr int kReadableBranch = 72;
+constexpr int kReadableBranch = 48;
 
 // A button of the bar: its title, its key, and the menu command that it stands for.
 struct MenuBarAction {
