@@ -143,12 +143,13 @@ class EntityRowsView final : public RowsView {
     }
     paintIcon(painter, model_.icon(row), QRectF(kEdge, box.top(), 14, box.height()), 14,
               isSelected || isHovered ? theme().foreground() : theme().mutedForeground());
-    painter.setFont(fontOf(isSelected ? TextStyle::smallStrong : TextStyle::small));
+    painter.setFont(rowFont(row));
     painter.setPen(theme().foreground());
-    const QRect words = box.adjusted(kEdge + 24, 0, -8, 0);
-    const QString label = model_.data(model_.index(row), Qt::DisplayRole).toString();
-    painter.drawText(words, Qt::AlignVCenter | Qt::AlignLeft,
-                     painter.fontMetrics().elidedText(label, Qt::ElideRight, words.width()));
+    painter.drawText(wordsBox(box), Qt::AlignVCenter | Qt::AlignLeft, shownLabel(row, box));
+  }
+
+  QString toolTipText(int row, const QRect& box) const override {
+    return shownLabel(row, box) == label(row) ? QString() : label(row);
   }
 
   void keyPressEvent(QKeyEvent* event) override {
@@ -160,6 +161,15 @@ class EntityRowsView final : public RowsView {
   }
 
  private:
+  static QRect wordsBox(const QRect& box) { return box.adjusted(kEdge + 24, 0, -8, 0); }
+  QFont rowFont(int row) const {
+    return fontOf(model_.isSelected(row) ? TextStyle::smallStrong : TextStyle::small);
+  }
+  QString label(int row) const { return model_.data(model_.index(row), Qt::DisplayRole).toString(); }
+  QString shownLabel(int row, const QRect& box) const {
+    return elided(label(row), rowFont(row), Qt::ElideRight, wordsBox(box).width());
+  }
+
   EntityListModel& model_;
 };
 

@@ -12,6 +12,7 @@
 #include "shell/app_update_network_client.h"
 #include "shell/drawing_export.h"
 #include "shell/export_sheet.h"
+#include "shell/icons.h"
 #include "shell/installer_opener.h"
 #include "shell/print_window.h"
 #include "shell/qt_scheduler.h"
@@ -73,6 +74,7 @@ int runWithWindows(int& argc, char** argv, const WindowStart& start) {
   QApplication::setApplicationVersion(QString::fromUtf8(kBuildVersion));
   QApplication::setDesktopFileName(QStringLiteral("org.ostrelon.Ostrelon"));
   QApplication qt(argc, argv);
+  QApplication::setWindowIcon(programIcon());
 
   DiskFileSystem files;
   const UserPaths paths =

@@ -5,14 +5,22 @@
 #include <QClipboard>
 #include <QDragEnterEvent>
 #include <QFocusFrame>
+#include <QHelpEvent>
 #include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
 #include <QMimeData>
+#include <QToolTip>
 #include <QUrl>
 
 #include "app/menu.h"
+#include "interaction/canvas_transform.h"
+#include "shell/canvas_overlay.h"
+#include "shell/context_menu_popup.h"
 #include "shell/dialog_sheet.h"
 #include "shell/inspector_window.h"
 #include "shell/qt_dialogs.h"
+#include "shell/qt_text.h"
 #include "shell/windowed_program.h"
 #include "window_fixture.h"
 
@@ -81,6 +89,29 @@ TEST_F(MainWindowTest, tellsItsDocumentInTheTitle) {
   settle();
   EXPECT_FALSE(window.isWindowModified());
   EXPECT_TRUE(window.windowFilePath().endsWith("Untitled Project.ostrel"));
+}
+
+TEST_F(MainWindowTest, aNameIsNeverTakenForMarkup) {
+  const QString name = "<b>House</b>";
+  sketch.showDocumentToast(plainText(name), DocumentToastState::Style::success);
+  QMessageBox box(QMessageBox::Warning, name, name, {}, &window);
+  box.show();
+  settle();
+  QToolTip::showText(window.mapToGlobal(QPoint(50, 50)), name, &window);
+  int labels = 0;
+  for (const QWidget* widget : QApplication::allWidgets()) {
+    const auto* label = qobject_cast<const QLabel*>(widget);
+    if (label == nullptr || label->text() != name) continue;
+    EXPECT_EQ(label->textFormat(), Qt::PlainText) << label->metaObject()->className();
+    ++labels;
+  }
+  EXPECT_EQ(labels, 3) << "toast, message box, tooltip";
+  QToolTip::hideText();
+
+  QMenu menu;
+  fillContextMenu(menu, {{.title = "R&D\tCtrl+Q", .shortcut = {}, .content = ContextMenuCommand::inspect}},
+                  sketch);
+  EXPECT_EQ(menu.actions().front()->text(), "R&&D Ctrl+Q") << "no key of its own";
 }
 
 TEST_F(MainWindowTest, panelsFoldByTheWindowsWidth) {
@@ -411,6 +442,84 @@ TEST_F(MainWindowTest, aToastComesAndGoes) {
   EXPECT_FALSE(toast->isVisible());
 }
 
+TEST_F(MainWindowTest, theToastNeverCoversTheViewportControls) {
+  auto* toast = find<ToastView>(window, "canvas.toast");
+  const auto* controls = find<QWidget>(window, "viewport");
+  const auto* coordinates = find<QWidget>(window, "canvas.cursorCoordinates");
+  QApplication::setEffectEnabled(Qt::UI_General, false);
+  for (const std::string& words : {std::string("Saved."), std::string(30, 'm'), std::string(90, 'm')}) {
+    sketch.showDocumentToast(words, DocumentToastState::Style::saving);
+    for (int width = 760; width <= 1800; width += 40) {
+      resizeTo(width, 700);
+      EXPECT_FALSE(toast->card().intersects(controls->geometry())) << words << " at " << width;
+      EXPECT_FALSE(toast->card().intersects(coordinates->geometry())) << words << " at " << width;
+    }
+  }
+  QApplication::setEffectEnabled(Qt::UI_General, true);
+}
+
+TEST_F(MainWindowTest, theTooltipHoldsTheWholeOfACutName) {
+  const auto toolTipOver = [](QWidget* widget, QPoint at) {
+    QToolTip::hideText();
+    QHelpEvent asked(QEvent::ToolTip, at, widget->mapToGlobal(at));
+    QApplication::sendEvent(widget, &asked);
+    return QToolTip::text();
+  };
+  const auto rows = [&](const char* identifier) {
+    return find<QAbstractItemView>(window, identifier)->viewport();
+  };
+  auto* notes = find<QLineEdit>(window, "wallSystems.assembly");
+  run("wall 0 0 20 0");
+  EXPECT_EQ(toolTipOver(rows("leftNav.entities"), {20, 10}), "") << "nothing is cut";
+  EXPECT_EQ(toolTipOver(&window.canvas(), {24, 24}), "");
+
+  application.save();
+  settle();
+  const std::string name = "Inner wall" + std::string(80, 'm');
+  std::string bytes = files.readFile(**sketch.documentFileURL);
+  for (std::size_t at = bytes.find("W2-INT"); at != std::string::npos; at = bytes.find("W2-INT", at + 90)) {
+    bytes.replace(at, 6, name);
+  }
+  files.writeFile(home / "long.ostrel", bytes);
+  application.openDocumentAt(home / "long.ostrel");
+  settle();
+  WallSystemSpec spec = sketch.wallSystemSpecs->front();
+  spec.assemblyNotes = "Begins " + name;
+  sketch.updateWallSystemSpec(spec);
+  settle();
+  EXPECT_EQ(toolTipOver(rows("leftNav.entities"), {20, 10}), "Wall 1 (" + qtText(name) + ")");
+  EXPECT_EQ(toolTipOver(rows("wallSystems.list"), {20, 10}).split('\n').front(), qtText(name));
+  EXPECT_TRUE(toolTipOver(&window.canvas(), {24, 24}).contains(qtText(name))) << "the status badge";
+  EXPECT_EQ(toolTipOver(find<QWidget>(window, "wallSystems.contextTitle"), {5, 5}),
+            "ACTIVE SYSTEM · " + qtText(name));
+  EXPECT_EQ(toolTipOver(notes, {5, 5}), notes->text());
+  EXPECT_EQ(notes->cursorPosition(), 0) << "the field shows the beginning of its text";
+  QToolTip::hideText();
+}
+
+TEST_F(MainWindowTest, theInspectorHidesNeitherTheEntityNorThePointer) {
+  InspectorWindow inspector(sketch, theme, &window);
+  window.move(0, 0);
+  resizeTo(800, 800);
+  const int width = window.canvas().width();
+  for (const auto& [entityX, pointerX] : {std::pair(width - 150, width - 100), std::pair(150, 100)}) {
+    sketch.clearSketch();
+    const auto inSketch = [&](int x, int y) {
+      return viewPointToSketch({static_cast<double>(x), static_cast<double>(y)}, sketch.viewport);
+    };
+    sketch.addLine(inSketch(entityX, 100), inSketch(entityX, 400));
+    sketch.selectAll();
+    QCursor::setPos(window.canvas().mapToGlobal(QPoint(pointerX, 150)));
+    sketch.showEntityInspector();
+    settle();
+    ASSERT_TRUE(inspector.isVisible());
+    const QRect hidden(window.canvas().mapFromGlobal(inspector.geometry().topLeft()), inspector.size());
+    EXPECT_FALSE(hidden.contains(entityX, 200)) << entityX;
+    EXPECT_FALSE(hidden.contains(pointerX, 150)) << pointerX;
+    inspector.close();
+  }
+}
+
 // --- For those who hear the window
 
 TEST_F(MainWindowTest, everyControlHasARoleAndAName) {
@@ -520,8 +629,15 @@ TEST(WindowedProgramTest, sheetsSettingsAndThemesWorkTogether) {
   settle();
   SettingsWindow& settings = program.settings();
   EXPECT_TRUE(settings.isVisible());
-  settings.findChild<QAbstractButton*>("settings.theme.dark")->click();
+  auto* dark = settings.findChild<QAbstractButton*>("settings.theme.dark");
+  static_cast<void>(QTest::qWaitForWindowActive(&settings, 1000));
+  dark->setFocus(Qt::TabFocusReason);
+  dark->click();
   settle();
+  auto* halo = settings.findChild<QFocusFrame*>();
+  ASSERT_NE(halo, nullptr);
+  EXPECT_EQ(halo->widget(), dark);
+  EXPECT_TRUE(halo->isVisible()) << "another theme leaves the focus where it is seen";
   EXPECT_EQ(theme.palette(), darkPalette());
   EXPECT_EQ(program.mainWindow().canvas().themePalette(), darkPalette());
   settings.findChild<QAbstractButton*>("settings.autoSaveEnabled")->click();
