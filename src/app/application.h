@@ -107,8 +107,8 @@ class Application {
 
   // --- Sheets
 
-  Observable<bool, Application> showProjectsFolderSetup{tracker_, 0};
-  Observable<bool, Application> showAutoSaveRecoveryOffer{tracker_, 1};
+  Observable<bool, Application> showProjectsFolderSetup{tracker_};
+  Observable<bool, Application> showAutoSaveRecoveryOffer{tracker_};
   /// Calls back when a sheet comes or goes.
   [[nodiscard]] Subscription observe(ChangeTracker::Callback changed) {
     return tracker_.observe(kAllFields, std::move(changed));

@@ -60,25 +60,6 @@ inline constexpr int kDefaultAutoSaveMinutes = 5;
 inline constexpr int kShortestAutoSaveMinutes = 1;
 inline constexpr int kLongestAutoSaveMinutes = 120;
 
-/// The observable properties, in the order in which they are told.
-enum class SettingsField : unsigned {
-  appearanceMode,
-  activePalette,
-  lastKnownColorScheme,
-  autoSaveEnabled,
-  autoSaveIntervalMinutes,
-  projectsFolderURL,
-  lastAutoSave,
-  lastUpdateCheckAt,
-  postponedUpdateVersion,
-  autoSaveRecoveryCandidate,
-};
-
-template <class... Fields>
-constexpr FieldMask settingsMask(Fields... fields) {
-  return (fieldBit(static_cast<unsigned>(fields)) | ... | FieldMask{0});
-}
-
 /// Whether this start is one of a test of the user interface: by the switch
 /// `-uiTestingResetProjectsFolder`, or by UI_TESTING_RESET_PROJECTS=1 in the environment, whose value
 /// is handed in where it is set.
@@ -99,23 +80,21 @@ class AppSettings {
   AppSettings& operator=(const AppSettings&) = delete;
 
   // --- Appearance
-  Field<AppearanceMode> appearanceMode{tracker_, n(SettingsField::appearanceMode)};
+  Field<AppearanceMode> appearanceMode{tracker_};
   /// Follows the mode and the system's scheme.
-  Field<ThemePalette> activePalette{tracker_, n(SettingsField::activePalette), lightPalette()};
-  Field<std::optional<ColorScheme>> lastKnownColorScheme{tracker_, n(SettingsField::lastKnownColorScheme)};
+  Field<ThemePalette> activePalette{tracker_, lightPalette()};
+  Field<std::optional<ColorScheme>> lastKnownColorScheme{tracker_};
   void setAppearanceMode(AppearanceMode mode);
   /// Records the scheme if one is given, and derives the palette again.
   void updateColorScheme(std::optional<ColorScheme> scheme);
 
   // --- Auto-save
-  Field<bool> autoSaveEnabled{tracker_, n(SettingsField::autoSaveEnabled), true};
+  Field<bool> autoSaveEnabled{tracker_, true};
   /// As it was set; the store holds it within 1 to 120.
-  Field<int> autoSaveIntervalMinutes{tracker_, n(SettingsField::autoSaveIntervalMinutes),
-                                     kDefaultAutoSaveMinutes};
-  Field<std::optional<AutoSaveRecoveryCandidate>> lastAutoSave{tracker_, n(SettingsField::lastAutoSave)};
+  Field<int> autoSaveIntervalMinutes{tracker_, kDefaultAutoSaveMinutes};
+  Field<std::optional<AutoSaveRecoveryCandidate>> lastAutoSave{tracker_};
   /// Set at the start only, after a session that did not end cleanly.
-  Field<std::optional<AutoSaveRecoveryCandidate>> autoSaveRecoveryCandidate{
-      tracker_, n(SettingsField::autoSaveRecoveryCandidate)};
+  Field<std::optional<AutoSaveRecoveryCandidate>> autoSaveRecoveryCandidate{tracker_};
   void setAutoSaveEnabled(bool enabled);
   void setAutoSaveIntervalMinutes(int minutes);
   /// Nothing is recorded where no file is.
@@ -124,7 +103,7 @@ class AppSettings {
   void clearAutoSaveRecoveryCandidate();
 
   // --- The projects folder
-  Field<std::optional<FilePath>> projectsFolderURL{tracker_, n(SettingsField::projectsFolderURL)};
+  Field<std::optional<FilePath>> projectsFolderURL{tracker_};
   FilePath defaultProjectsFolder() const;
   bool isProjectsFolderConfigured() const { return projectsFolderURL->has_value(); }
   /// Whether the path is the projects folder or lies in it, at any depth.
@@ -139,9 +118,8 @@ class AppSettings {
   void rememberDocumentBookmark(const FilePath& url);
 
   // --- Updates
-  Field<std::optional<Date>> lastUpdateCheckAt{tracker_, n(SettingsField::lastUpdateCheckAt)};
-  Field<std::optional<std::string>> postponedUpdateVersion{tracker_,
-                                                           n(SettingsField::postponedUpdateVersion)};
+  Field<std::optional<Date>> lastUpdateCheckAt{tracker_};
+  Field<std::optional<std::string>> postponedUpdateVersion{tracker_};
   void setLastUpdateCheckAt(std::optional<Date> date);
   void setPostponedUpdateVersion(std::optional<std::string> version);
 
@@ -155,8 +133,6 @@ class AppSettings {
   }
 
  private:
-  static constexpr unsigned n(SettingsField field) { return static_cast<unsigned>(field); }
-
   std::optional<FilePath> storedPath(const char* key) const;
   std::optional<FilePath> projectsFolderAtStart();
   std::optional<AutoSaveRecoveryCandidate> lastAutoSaveAtStart() const;

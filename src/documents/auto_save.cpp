@@ -19,10 +19,10 @@ struct AutoSaveTarget {
   std::optional<std::string> refusal;
 };
 
-AutoSaveTarget autoSaveTarget(const SketchViewModel& sketch, const AppSettings& settings) {
-  if (!settings.autoSaveEnabled || !sketch.isDocumentDirty || sketch.isSaveDialogActive) return {};
-  if (const std::optional<FilePath>& url = sketch.documentFileURL) {
-    if (documentChangedOnDisk(sketch)) return {std::nullopt, changedOnDiskText(*url)};
+AutoSaveTarget autoSaveTarget(const DocumentSession& document, const AppSettings& settings) {
+  if (!settings.autoSaveEnabled || !document.isDirty() || document.isSaveDialogActive) return {};
+  if (const std::optional<FilePath>& url = document.fileURL) {
+    if (documentChangedOnDisk(document)) return {std::nullopt, changedOnDiskText(*url)};
     return {url, std::nullopt};
   }
   if (!settings.isProjectsFolderConfigured()) {
@@ -32,56 +32,56 @@ AutoSaveTarget autoSaveTarget(const SketchViewModel& sketch, const AppSettings& 
   return {nextUntitledURL(settings.files(), **settings.projectsFolderURL), std::nullopt};
 }
 
-std::string reportSkipped(SketchViewModel& sketch, const std::string& reason) {
-  sketch.appendConsoleLine("Auto-save skipped: " + reason, false, true);
+std::string reportSkipped(DocumentSession& document, const std::string& reason) {
+  document.messages().append("Auto-save skipped: " + reason, false, true);
   return reason;
 }
 
-void recordAutoSave(const SketchViewModel& sketch, AppSettings& settings) {
-  const Date savedAt = sketch.lastSavedAt->value_or(sketch.host().scheduler.now());
-  settings.recordLastAutoSave(sketch.documentFileURL->value(), sketch.documentName, savedAt);
+void recordAutoSave(const DocumentSession& document, AppSettings& settings) {
+  const Date savedAt = document.lastSavedAt->value_or(document.host().scheduler.now());
+  settings.recordLastAutoSave(document.fileURL->value(), document.name, savedAt);
 }
 
 }  // namespace
 
-std::optional<std::string> autoSaveTick(SketchViewModel& sketch, AppSettings& settings) {
-  const AutoSaveTarget target = autoSaveTarget(sketch, settings);
-  if (target.refusal) return reportSkipped(sketch, *target.refusal);
+std::optional<std::string> autoSaveTick(DocumentSession& document, AppSettings& settings) {
+  const AutoSaveTarget target = autoSaveTarget(document, settings);
+  if (target.refusal) return reportSkipped(document, *target.refusal);
   if (!target.url) return std::nullopt;
-  auto failure = sketch.documentFileURL->has_value() ? saveToURL(sketch, settings, *target.url, false)
-                                                     : saveToFreeName(sketch, settings, false);
-  if (!failure) recordAutoSave(sketch, settings);
+  auto failure = document.fileURL->has_value() ? saveToURL(document, settings, *target.url, false)
+                                               : saveToFreeName(document, settings, false);
+  if (!failure) recordAutoSave(document, settings);
   return failure;
 }
 
-bool restoreAutoSave(SketchViewModel& sketch, AppSettings& settings) {
-  const bool restored = restoreCandidate(sketch, settings, settings.autoSaveRecoveryCandidate,
+bool restoreAutoSave(DocumentSession& document, AppSettings& settings) {
+  const bool restored = restoreCandidate(document, settings, settings.autoSaveRecoveryCandidate,
                                          "Restored last autosave.", "No autosave recovery is available.");
   settings.clearAutoSaveRecoveryCandidate();
   return restored;
 }
 
-bool revertToLastAutoSave(SketchViewModel& sketch, AppSettings& settings) {
-  return restoreCandidate(sketch, settings, settings.lastAutoSave, "Reverted to last autosave.",
+bool revertToLastAutoSave(DocumentSession& document, AppSettings& settings) {
+  return restoreCandidate(document, settings, settings.lastAutoSave, "Reverted to last autosave.",
                           "No last autosave is available.");
 }
 
-bool restoreCandidate(SketchViewModel& sketch, AppSettings& settings,
+bool restoreCandidate(DocumentSession& document, AppSettings& settings,
                       const std::optional<AutoSaveRecoveryCandidate>& candidate,
                       const std::string& successText, const std::string& missingText) {
   if (!candidate) {
-    sketch.appendConsoleLine(missingText, true, false);
+    document.messages().append(missingText, true, false);
     return false;
   }
   try {
-    sketch.openDocumentFile(candidate->url);
+    document.open(candidate->url);
   } catch (const UserError& error) {
-    sketch.appendConsoleLine(std::string("Autosave restore failed: ") + error.what(), true, false);
+    document.messages().append(std::string("Autosave restore failed: ") + error.what(), true, false);
     return false;
   }
   settings.rememberDocumentBookmark(candidate->url);
-  sketch.refreshDocumentHistory();
-  sketch.appendConsoleLine(successText, false, true);
+  document.refreshHistory();
+  document.messages().append(successText, false, true);
   return true;
 }
 
@@ -95,10 +95,10 @@ struct AutoSaveController::Running {
   std::optional<std::string> failure;
 };
 
-AutoSaveController::AutoSaveController(SketchViewModel& sketch, AppSettings& settings)
-    : sketch_(sketch), settings_(settings) {
+AutoSaveController::AutoSaveController(DocumentSession& document, AppSettings& settings)
+    : document_(document), settings_(settings) {
   settingsObservation_ =
-      settings.observe(settingsMask(SettingsField::autoSaveEnabled, SettingsField::autoSaveIntervalMinutes),
+      settings.observe(fieldsOf(settings.autoSaveEnabled, settings.autoSaveIntervalMinutes),
                        [this](FieldMask) { rescheduleAutoSave(); });
 }
 
@@ -106,24 +106,24 @@ void AutoSaveController::rescheduleAutoSave() {
   timer_.reset();
   if (!settings_.autoSaveEnabled) return;
   const int minutes = std::max(settings_.autoSaveIntervalMinutes.get(), kShortestAutoSaveMinutes);
-  timer_ = sketch_.host().scheduler.every(Seconds(minutes * kSecondsInAMinute), [this] { tick(); });
+  timer_ = document_.host().scheduler.every(Seconds(minutes * kSecondsInAMinute), [this] { tick(); });
 }
 
 void AutoSaveController::tick() {
   if (running_) return;  // a slow disk: the one that is under way comes first
-  const AutoSaveTarget target = autoSaveTarget(sketch_, settings_);
-  if (target.refusal) reportSkipped(sketch_, *target.refusal);
+  const AutoSaveTarget target = autoSaveTarget(document_, settings_);
+  if (target.refusal) reportSkipped(document_, *target.refusal);
   if (!target.url) return;
   std::shared_ptr<Running> running;
   try {
-    running = std::make_shared<Running>(Running{DocumentSave(sketch_, *target.url), sketch_.documentFileURL,
-                                                sketch_.documentOnDisk(), std::nullopt});
+    running = std::make_shared<Running>(Running{DocumentSave(*target.url, document_.makeDocument(true)),
+                                                document_.fileURL, document_.onDisk(), std::nullopt});
   } catch (const UserError& error) {
-    reportSaveFailed(sketch_, error.what(), false);
+    reportSaveFailed(document_, error.what(), false);
     return;
   }
-  FileSystem& files = sketch_.host().files;
-  running_ = sketch_.host().scheduler.inBackground(
+  FileSystem& files = document_.host().files;
+  running_ = document_.host().scheduler.inBackground(
       [running, &files] {
         try {
           running->save.write(files);
@@ -141,34 +141,35 @@ void AutoSaveController::tick() {
 void AutoSaveController::finish(Running& running) {
   // The user may have saved, opened or begun another document meanwhile, or be about to choose a file.
   const bool isSameFile =
-      sketch_.documentFileURL.get() == running.documentURL && sketch_.documentOnDisk() == running.onDisk;
-  if (!isSameFile || !sketch_.isDocumentDirty || sketch_.isSaveDialogActive) return;
+      document_.fileURL.get() == running.documentURL && document_.onDisk() == running.onDisk;
+  if (!isSameFile || !document_.isDirty() || document_.isSaveDialogActive) return;
   if (running.failure) {
-    reportSaveFailed(sketch_, *running.failure, false);
+    reportSaveFailed(document_, *running.failure, false);
     return;
   }
   const bool isNewFile = !running.documentURL.has_value();
-  if (isNewFile && (!running.save.holdsStateOf(sketch_) || settings_.files().isTaken(running.save.url()))) {
+  if (isNewFile &&
+      (!running.save.holdsStateOf(document_.sketch()) || settings_.files().isTaken(running.save.url()))) {
     // Of a document without a file only its content says that it is still the same, and its name may have
     // been taken: by a link, which was then followed.
-    autoSaveTick(sketch_, settings_);
+    autoSaveTick(document_, settings_);
     return;
   }
-  if (documentChangedOnDisk(sketch_)) {
-    reportSkipped(sketch_, changedOnDiskText(running.save.url()));
+  if (documentChangedOnDisk(document_)) {
+    reportSkipped(document_, changedOnDiskText(running.save.url()));
     return;
   }
   try {
-    sketch_.finishDocumentSave(running.save);
+    document_.finishSave(running.save);
   } catch (const NameTakenError&) {
-    autoSaveTick(sketch_, settings_);
+    autoSaveTick(document_, settings_);
     return;
   } catch (const UserError& error) {
-    reportSaveFailed(sketch_, error.what(), false);
+    reportSaveFailed(document_, error.what(), false);
     return;
   }
-  reportSaved(sketch_, settings_, false);
-  recordAutoSave(sketch_, settings_);
+  reportSaved(document_, settings_, false);
+  recordAutoSave(document_, settings_);
 }
 
 }  // namespace ostrelon

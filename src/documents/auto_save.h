@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "core/sketch_view_model.h"
 #include "documents/app_settings.h"
+#include "documents/document_session.h"
 #include "platform/scheduler.h"
 
 namespace ostrelon {
@@ -15,14 +15,14 @@ namespace ostrelon {
 /// One auto-save, done when it returns. Nothing happens to a clean document, with auto-save off, or
 /// while a save panel is up. A file that another program has changed is left alone. The failure text,
 /// as the console tells it for a failed save and without prefix for a skipped one; absent otherwise.
-std::optional<std::string> autoSaveTick(SketchViewModel& sketch, AppSettings& settings);
+std::optional<std::string> autoSaveTick(DocumentSession& document, AppSettings& settings);
 
 /// Opens the offered auto-save and withdraws the offer, whatever the result. False when it failed.
-bool restoreAutoSave(SketchViewModel& sketch, AppSettings& settings);
+bool restoreAutoSave(DocumentSession& document, AppSettings& settings);
 /// Opens the document of the last auto-save; unsaved changes are dropped. False when it failed.
-bool revertToLastAutoSave(SketchViewModel& sketch, AppSettings& settings);
+bool revertToLastAutoSave(DocumentSession& document, AppSettings& settings);
 /// Opens the candidate's document and says so; without one says `missingText`. False when it failed.
-bool restoreCandidate(SketchViewModel& sketch, AppSettings& settings,
+bool restoreCandidate(DocumentSession& document, AppSettings& settings,
                       const std::optional<AutoSaveRecoveryCandidate>& candidate,
                       const std::string& successText, const std::string& missingText);
 
@@ -30,8 +30,8 @@ bool restoreCandidate(SketchViewModel& sketch, AppSettings& settings,
 /// where there is one to spare; the document stays free to change and to be saved meanwhile.
 class AutoSaveController {
  public:
-  /// `sketch` and `settings` must outlive the object.
-  AutoSaveController(SketchViewModel& sketch, AppSettings& settings);
+  /// `document` and `settings` must outlive the object.
+  AutoSaveController(DocumentSession& document, AppSettings& settings);
   AutoSaveController(const AutoSaveController&) = delete;
   AutoSaveController& operator=(const AutoSaveController&) = delete;
 
@@ -46,7 +46,7 @@ class AutoSaveController {
   void tick();
   void finish(Running& running);
 
-  SketchViewModel& sketch_;
+  DocumentSession& document_;
   AppSettings& settings_;
   Subscription settingsObservation_;
   std::optional<ScheduledTask> timer_;

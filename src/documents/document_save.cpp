@@ -1,13 +1,15 @@
 #include "documents/document_save.h"
 
+#include <utility>
+
 #include "documents/content_hash.h"
 #include "documents/document_paths.h"
 #include "documents/sketch_document_io.h"
 
 namespace ostrelon {
 
-DocumentSave::DocumentSave(const SketchViewModel& sketch, const FilePath& url)
-    : url_(checkedDocumentURL(url)), document_(sketch.makeDocumentV2(true)) {}
+DocumentSave::DocumentSave(const FilePath& url, SketchDocumentV2 document)
+    : url_(checkedDocumentURL(url)), document_(std::move(document)) {}
 
 void DocumentSave::write(FileSystem& files) {
   ContentHash hash;
@@ -20,9 +22,10 @@ void DocumentSave::write(FileSystem& files) {
   onDisk_ = {url_, pending_->info(), hash.value()};
 }
 
-bool DocumentSave::holdsStateOf(const SketchViewModel& sketch) const {
-  return document_.grid == sketch.showGrid && document_.ws.items == *sketch.wallSystemSpecs &&
-         document_.e == *sketch.entities;
+bool DocumentSave::holdsStateOf(const Sketch& sketch) const {
+  const Drawing& drawing = sketch.drawing;
+  return document_.grid == drawing.showGrid && document_.ws.items == drawing.wallSystemSpecs &&
+         document_.e == drawing.entities;
 }
 
 void DocumentSave::release() {
@@ -30,10 +33,10 @@ void DocumentSave::release() {
   pending_.reset();
 }
 
-bool documentChangedOnDisk(const SketchViewModel& sketch) {
-  const std::optional<DocumentOnDisk>& known = sketch.documentOnDisk();
-  if (!known || known->path != sketch.documentFileURL.get()) return false;
-  FileSystem& files = sketch.host().files;
+bool documentChangedOnDisk(const DocumentSession& document) {
+  const std::optional<DocumentOnDisk>& known = document.onDisk();
+  if (!known || known->path != document.fileURL.get()) return false;
+  FileSystem& files = document.host().files;
   const auto info = files.info(known->path);
   if (!info || *info == known->info) return false;
   if (info->size != known->info.size) return true;

@@ -2,15 +2,15 @@
 // with the document, the long part (encoding and writing) may run away from the main thread, and the
 // end belongs to it again.
 //
-//   DocumentSave save(sketch, url);          // main thread
-//   save.write(files);                       // any thread: a temporary file beside the target
-//   sketch.finishDocumentSave(save);         // main thread: into its place, and the document is clean
+//   DocumentSave save(url, session.makeDocument(true));  // main thread
+//   save.write(files);                                   // any thread: a temporary file beside the target
+//   session.finishSave(save);                            // main thread: into its place, and it is clean
 #pragma once
 
 #include <memory>
 
-#include "core/sketch_view_model.h"
 #include "documents/document_on_disk.h"
+#include "documents/document_session.h"
 #include "documents/sketch_document.h"
 #include "platform/file_system.h"
 
@@ -19,7 +19,7 @@ namespace ostrelon {
 class DocumentSave {
  public:
   /// Throws `invalidFileExtension`.
-  DocumentSave(const SketchViewModel& sketch, const FilePath& url);
+  DocumentSave(const FilePath& url, SketchDocumentV2 document);
 
   const FilePath& url() const { return url_; }
   /// Encodes and writes. Throws the file system's error or the format's.
@@ -29,7 +29,7 @@ class DocumentSave {
   /// What lies on the disk after `commit`.
   const DocumentOnDisk& onDisk() const { return onDisk_; }
   /// Whether nothing that a document's file holds of the drawing has changed since the save began.
-  bool holdsStateOf(const SketchViewModel& sketch) const;
+  bool holdsStateOf(const Sketch& sketch) const;
   /// Lets go of the entities, and of what was written but not committed. To be called on the main thread
   /// after a write elsewhere, since the storage that lists share is owned by that thread.
   void release();
@@ -43,6 +43,6 @@ class DocumentSave {
 
 /// Whether the file of the document is there and no longer holds what was last read from it or
 /// written to it. Looks at its identity, size and time, and only where those differ at its content.
-bool documentChangedOnDisk(const SketchViewModel& sketch);
+bool documentChangedOnDisk(const DocumentSession& document);
 
 }  // namespace ostrelon

@@ -16,6 +16,7 @@
 #include "core/sketch_viewport.h"
 #include "documents/document_history_state.h"
 #include "documents/document_on_disk.h"
+#include "documents/document_paths.h"
 #include "platform/date.h"
 #include "platform/host.h"
 
@@ -24,6 +25,7 @@ namespace ostrelon {
 class DocumentReading;        // documents/document_reading.h
 class DocumentSave;           // documents/document_save.h
 struct LoadedSketchDocument;  // documents/sketch_document.h
+struct OpenedDocument;        // documents/opened_document.h
 struct SketchDocumentV2;      // documents/sketch_document.h
 
 /// Where the document is shown: the session asks it for the view that a file keeps, and says when
@@ -37,9 +39,6 @@ class DocumentStage {
   /// A new, empty document has been begun.
   virtual void documentBegun() = 0;
 };
-
-/// The name of a document that has none yet.
-inline constexpr const char* kUntitledName = "Untitled Project";
 
 class DocumentSession {
  public:
@@ -99,6 +98,13 @@ class DocumentSession {
   std::string historyText() const;
 
  private:
+  void adopt(OpenedDocument document);
+  /// Writes the head of a branch as the document, and the branch as the current one, or neither.
+  void writeSwitched(const FilePath& url, const OpenedDocument& next, const DocumentHistoryMetadata& before,
+                     const std::string& branchID);
+  /// Moves what was written into its place, and knows it as ours from then on.
+  void putInPlace(DocumentSave& save);
+
   Sketch& sketch_;
   Messages& messages_;
   DocumentStage& stage_;

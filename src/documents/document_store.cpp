@@ -22,36 +22,37 @@ SaveOutcome outcomeOf(const std::optional<std::string>& failure) {
   return failure ? SaveOutcome::failed : SaveOutcome::saved;
 }
 
-void saveAsIsOrAsk(SketchViewModel& sketch, AppSettings& settings, bool announce, const SaveDone& done) {
-  if (sketch.documentFileURL->has_value()) {
-    askBeforeOverwriting(sketch, [&sketch, &settings, announce, done](std::optional<std::string> refusal) {
+void saveAsIsOrAsk(DocumentSession& document, AppSettings& settings, bool announce, const SaveDone& done) {
+  if (document.fileURL->has_value()) {
+    askBeforeOverwriting(document, [&document, &settings, announce,
+                                    done](std::optional<std::string> refusal) {
       if (refusal) {
-        reportSaveFailed(sketch, *refusal, announce);
+        reportSaveFailed(document, *refusal, announce);
         finish(done, SaveOutcome::cancelled);
         return;
       }
-      const std::optional<FilePath> url = sketch.documentFileURL;
-      finish(done, url ? outcomeOf(saveToURL(sketch, settings, *url, announce)) : SaveOutcome::cancelled);
+      const std::optional<FilePath> url = document.fileURL;
+      finish(done, url ? outcomeOf(saveToURL(document, settings, *url, announce)) : SaveOutcome::cancelled);
     });
     return;
   }
   if (!settings.isProjectsFolderConfigured()) {
-    if (announce) sketch.clearDocumentToast();
-    saveDocumentAs(sketch, settings, announce, done);
+    if (announce) document.messages().clearToast();
+    saveDocumentAs(document, settings, announce, done);
     return;
   }
-  finish(done, outcomeOf(saveToFreeName(sketch, settings, announce)));
+  finish(done, outcomeOf(saveToFreeName(document, settings, announce)));
 }
 
 // Runs the work once a toast has been drawn that says that it is under way.
-void announceSaving(SketchViewModel& sketch, std::function<void()> work) {
-  sketch.showDocumentToast("Saving…", Style::saving);
-  sketch.host().scheduler.soon(std::move(work));
+void announceSaving(DocumentSession& document, std::function<void()> work) {
+  document.messages().showToast("Saving…", Style::saving);
+  document.host().scheduler.soon(std::move(work));
 }
 
-FilePath startingFolder(const SketchViewModel& sketch, const AppSettings& settings) {
+FilePath startingFolder(const DocumentSession& document, const AppSettings& settings) {
   if (settings.isProjectsFolderConfigured()) return **settings.projectsFolderURL;
-  if (sketch.documentFileURL->has_value()) return (*sketch.documentFileURL)->parent_path();
+  if (document.fileURL->has_value()) return (*document.fileURL)->parent_path();
   return {};
 }
 
@@ -62,110 +63,112 @@ struct RecentFile {
 
 }  // namespace
 
-void saveCurrentDocument(SketchViewModel& sketch, AppSettings& settings, bool announce, SaveDone done) {
+void saveCurrentDocument(DocumentSession& document, AppSettings& settings, bool announce, SaveDone done) {
   if (!announce) {
-    saveAsIsOrAsk(sketch, settings, false, done);
+    saveAsIsOrAsk(document, settings, false, done);
     return;
   }
-  announceSaving(
-      sketch, [&sketch, &settings, done = std::move(done)] { saveAsIsOrAsk(sketch, settings, true, done); });
+  announceSaving(document, [&document, &settings, done = std::move(done)] {
+    saveAsIsOrAsk(document, settings, true, done);
+  });
 }
 
-void saveDocumentAs(SketchViewModel& sketch, AppSettings& settings, bool announce, SaveDone done) {
+void saveDocumentAs(DocumentSession& document, AppSettings& settings, bool announce, SaveDone done) {
   SavePanel panel;
-  panel.startingFolder = startingFolder(sketch, settings);
-  panel.suggestedName = sketch.documentName.get() + kDocumentExtension;
-  sketch.setSaveDialogActive(true);
-  sketch.host().dialogs.ask(
-      panel, [&sketch, &settings, announce, done = std::move(done)](const DialogAnswer& answer) {
-        if (!answer || answer->empty()) {
-          sketch.setSaveDialogActive(false);
-          finish(done, SaveOutcome::cancelled);
-          return;
-        }
-        const FilePath url = withEnding(*answer, kDocumentExtension);
-        askBeforeReplacing(sketch.host(), *answer, url, [&sketch, &settings, announce, done, url](bool may) {
-          sketch.setSaveDialogActive(false);
-          if (!may) {
-            finish(done, SaveOutcome::cancelled);
-            return;
-          }
-          const auto save = [&sketch, &settings, announce, done, url] {
-            finish(done, outcomeOf(saveToURL(sketch, settings, url, announce)));
-          };
-          if (announce) {
-            announceSaving(sketch, save);
-          } else {
-            save();
-          }
-        });
-      });
+  panel.startingFolder = startingFolder(document, settings);
+  panel.suggestedName = document.name.get() + kDocumentExtension;
+  document.setSaveDialogActive(true);
+  document.host().dialogs.ask(panel, [&document, &settings, announce,
+                                      done = std::move(done)](const DialogAnswer& answer) {
+    if (!answer || answer->empty()) {
+      document.setSaveDialogActive(false);
+      finish(done, SaveOutcome::cancelled);
+      return;
+    }
+    const FilePath url = withEnding(*answer, kDocumentExtension);
+    askBeforeReplacing(document.host(), *answer, url, [&document, &settings, announce, done, url](bool may) {
+      document.setSaveDialogActive(false);
+      if (!may) {
+        finish(done, SaveOutcome::cancelled);
+        return;
+      }
+      const auto save = [&document, &settings, announce, done, url] {
+        finish(done, outcomeOf(saveToURL(document, settings, url, announce)));
+      };
+      if (announce) {
+        announceSaving(document, save);
+      } else {
+        save();
+      }
+    });
+  });
 }
 
-std::optional<std::string> saveToURL(SketchViewModel& sketch, AppSettings& settings, const FilePath& url,
+std::optional<std::string> saveToURL(DocumentSession& document, AppSettings& settings, const FilePath& url,
                                      bool announce) {
   try {
-    sketch.saveDocumentFile(url);
+    document.save(url);
   } catch (const UserError& error) {
-    return reportSaveFailed(sketch, error.what(), announce);
+    return reportSaveFailed(document, error.what(), announce);
   }
-  reportSaved(sketch, settings, announce);
+  reportSaved(document, settings, announce);
   return std::nullopt;
 }
 
-std::optional<std::string> saveToFreeName(SketchViewModel& sketch, AppSettings& settings, bool announce) {
+std::optional<std::string> saveToFreeName(DocumentSession& document, AppSettings& settings, bool announce) {
   try {
     for (bool isSaved = false; !isSaved;) {
       try {
-        sketch.saveDocumentFile(nextUntitledURL(settings.files(), **settings.projectsFolderURL));
+        document.save(nextUntitledURL(settings.files(), **settings.projectsFolderURL));
         isSaved = true;
       } catch (const NameTakenError&) {
         // Another window was quicker: the next name may be free.
       }
     }
   } catch (const UserError& error) {
-    return reportSaveFailed(sketch, error.what(), announce);
+    return reportSaveFailed(document, error.what(), announce);
   }
-  reportSaved(sketch, settings, announce);
+  reportSaved(document, settings, announce);
   return std::nullopt;
 }
 
-void reportSaved(SketchViewModel& sketch, AppSettings& settings, bool announce) {
-  settings.rememberDocumentBookmark(sketch.documentFileURL->value());
-  sketch.refreshDocumentHistory();
-  const std::string text = "Saved " + sketch.documentName.get();
-  sketch.appendConsoleLine(text + ".", false, true);
-  if (announce) sketch.showDocumentToast(text, Style::success);
+void reportSaved(DocumentSession& document, AppSettings& settings, bool announce) {
+  settings.rememberDocumentBookmark(document.fileURL->value());
+  document.refreshHistory();
+  const std::string text = "Saved " + document.name.get();
+  document.messages().append(text + ".", false, true);
+  if (announce) document.messages().showToast(text, Style::success);
 }
 
-std::string reportSaveFailed(SketchViewModel& sketch, const std::string& description, bool announce) {
+std::string reportSaveFailed(DocumentSession& document, const std::string& description, bool announce) {
   std::string text = "Save failed: " + description;
-  sketch.appendConsoleLine(text, true, false);
-  if (announce) sketch.showDocumentToast(text, Style::error);
+  document.messages().append(text, true, false);
+  if (announce) document.messages().showToast(text, Style::error);
   return text;
 }
 
-std::optional<std::string> openDocument(SketchViewModel& sketch, AppSettings& settings, const FilePath& url) {
+std::optional<std::string> openDocument(DocumentSession& document, AppSettings& settings,
+                                        const FilePath& url) {
   try {
     DocumentReading reading(url);
-    reading.read(sketch.host().files);
-    finishOpening(sketch, settings, reading);
+    reading.read(document.host().files);
+    finishOpening(document, settings, reading);
     return std::nullopt;
   } catch (const UserError& error) {
-    return reportOpenFailed(sketch, error.what());
+    return reportOpenFailed(document, error.what());
   }
 }
 
-void finishOpening(SketchViewModel& sketch, AppSettings& settings, DocumentReading& reading) {
-  sketch.finishDocumentOpening(reading);
-  settings.rememberDocumentBookmark(sketch.documentFileURL->value());
-  sketch.refreshDocumentHistory();
-  sketch.appendConsoleLine("Opened " + sketch.documentName.get() + ".", false, true);
+void finishOpening(DocumentSession& document, AppSettings& settings, DocumentReading& reading) {
+  document.finishOpening(reading);
+  settings.rememberDocumentBookmark(document.fileURL->value());
+  document.refreshHistory();
+  document.messages().append("Opened " + document.name.get() + ".", false, true);
 }
 
-std::string reportOpenFailed(SketchViewModel& sketch, const std::string& description) {
+std::string reportOpenFailed(DocumentSession& document, const std::string& description) {
   std::string text = "Open failed: " + description;
-  sketch.appendConsoleLine(text, true, false);
+  document.messages().append(text, true, false);
   return text;
 }
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "core/sketch_view_model.h"
 #include "documents/app_settings.h"
+#include "documents/document_session.h"
 
 namespace ostrelon {
 
@@ -19,22 +19,23 @@ using SaveDone = std::function<void(SaveOutcome)>;
 /// The Save command: to the document's file, else to a free name in the projects folder, else as Save
 /// As. With `announce` the steps show as toasts, and the work starts once the first one has been drawn.
 /// Asks before it overwrites what another program has written. `done` is called once, at the end.
-void saveCurrentDocument(SketchViewModel& sketch, AppSettings& settings, bool announce, SaveDone done = {});
+void saveCurrentDocument(DocumentSession& document, AppSettings& settings, bool announce, SaveDone done = {});
 /// Asks where, and saves there. A name without extension gets the document's.
-void saveDocumentAs(SketchViewModel& sketch, AppSettings& settings, bool announce, SaveDone done = {});
+void saveDocumentAs(DocumentSession& document, AppSettings& settings, bool announce, SaveDone done = {});
 /// Saves and tells of it. The failure text, prefix included; absent when the document was saved.
-std::optional<std::string> saveToURL(SketchViewModel& sketch, AppSettings& settings, const FilePath& url,
+std::optional<std::string> saveToURL(DocumentSession& document, AppSettings& settings, const FilePath& url,
                                      bool announce);
 /// Saves a new document under the first free name of the projects folder, which must be set; a name that
 /// another window takes meanwhile is passed over. Else as `saveToURL`.
-std::optional<std::string> saveToFreeName(SketchViewModel& sketch, AppSettings& settings, bool announce);
+std::optional<std::string> saveToFreeName(DocumentSession& document, AppSettings& settings, bool announce);
 /// Opens and tells of it. The failure text, prefix included; absent when the document was opened.
-std::optional<std::string> openDocument(SketchViewModel& sketch, AppSettings& settings, const FilePath& url);
+std::optional<std::string> openDocument(DocumentSession& document, AppSettings& settings,
+                                        const FilePath& url);
 
 /// The end of an opening whose file was read elsewhere: takes the document over and tells of it.
-void finishOpening(SketchViewModel& sketch, AppSettings& settings, DocumentReading& reading);
+void finishOpening(DocumentSession& document, AppSettings& settings, DocumentReading& reading);
 /// Tells of an opening that failed. Gives the whole text.
-std::string reportOpenFailed(SketchViewModel& sketch, const std::string& description);
+std::string reportOpenFailed(DocumentSession& document, const std::string& description);
 
 /// The first of "Untitled Project.ostrel", "Untitled Project (1).ostrel", … that is free.
 FilePath nextUntitledURL(FileSystem& files, const FilePath& folder);
@@ -46,8 +47,8 @@ std::vector<FilePath> recentDocuments(const AppSettings& settings, std::int64_t 
 // --- The two ends of a save, for those that write on their own
 
 /// History, the console line and, with `announce`, the toast of a save that went well.
-void reportSaved(SketchViewModel& sketch, AppSettings& settings, bool announce);
+void reportSaved(DocumentSession& document, AppSettings& settings, bool announce);
 /// The same of one that did not. Gives the whole text.
-std::string reportSaveFailed(SketchViewModel& sketch, const std::string& description, bool announce);
+std::string reportSaveFailed(DocumentSession& document, const std::string& description, bool announce);
 
 }  // namespace ostrelon

@@ -4,15 +4,15 @@
 
 #include <string>
 
-#include "core/sketch_view_model.h"
+#include "documents/document_session.h"
 
 namespace ostrelon {
 
 /// Asks for a message and saves a checkpoint with it.
-void promptForCheckpoint(SketchViewModel& sketch);
+void promptForCheckpoint(DocumentSession& document);
 /// Asks for a name and creates a branch from the head of the current one.
-void promptForBranch(SketchViewModel& sketch);
+void promptForBranch(DocumentSession& document);
 /// Switches to a branch by its name or identifier.
-void switchBranchFromMenu(SketchViewModel& sketch, const std::string& nameOrID);
+void switchBranchFromMenu(DocumentSession& document, const std::string& nameOrID);
 
 }  // namespace ostrelon

@@ -17,18 +17,18 @@ std::string changedOnDiskText(const FilePath& url) {
   return quotedName(url) + " has been changed by another program and was not overwritten.";
 }
 
-void askBeforeOverwriting(SketchViewModel& sketch,
+void askBeforeOverwriting(DocumentSession& document,
                           std::function<void(std::optional<std::string> refusal)> answered) {
-  if (!documentChangedOnDisk(sketch)) {
+  if (!documentChangedOnDisk(document)) {
     answered(std::nullopt);
     return;
   }
-  const FilePath url = sketch.documentFileURL->value();
+  const FilePath url = document.fileURL->value();
   Alert question;
   question.message = quotedName(url) + " has been changed by another program.";
   question.informativeText = "If you overwrite it, what was changed there is lost.";
   question.buttons = {"Cancel", kOverwrite};
-  sketch.host().dialogs.ask(question, [url, answered = std::move(answered)](const DialogAnswer& answer) {
+  document.host().dialogs.ask(question, [url, answered = std::move(answered)](const DialogAnswer& answer) {
     if (answer == kOverwrite) {
       answered(std::nullopt);
     } else {
@@ -37,14 +37,14 @@ void askBeforeOverwriting(SketchViewModel& sketch,
   });
 }
 
-void askBeforeSwitching(SketchViewModel& sketch, const std::string& nameOrID,
+void askBeforeSwitching(DocumentSession& document, const std::string& nameOrID,
                         std::function<void(std::optional<std::string> refusal)> answered) {
-  sketch.refreshDocumentHistory();
-  const DocumentHistoryBranch* branch = sketch.documentHistoryState->findBranch(nameOrID);
-  const bool writes = !sketch.isDocumentDirty && branch != nullptr &&
-                      branch->id != sketch.documentHistoryState->metadata.currentBranchID;
+  document.refreshHistory();
+  const DocumentHistoryBranch* branch = document.history->findBranch(nameOrID);
+  const bool writes =
+      !document.isDirty() && branch != nullptr && branch->id != document.history->metadata.currentBranchID;
   if (writes) {
-    askBeforeOverwriting(sketch, std::move(answered));
+    askBeforeOverwriting(document, std::move(answered));
   } else {
     answered(std::nullopt);
   }

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "core/sketch_view_model.h"
+#include "documents/document_session.h"
 
 namespace ostrelon {
 
@@ -15,12 +15,12 @@ std::string changedOnDiskText(const FilePath& url);
 
 /// Calls `answered` once: with nothing when the document's file may be written, at once where nobody
 /// else has changed it, else after the user has agreed; or with the reason why it may not.
-void askBeforeOverwriting(SketchViewModel& sketch,
+void askBeforeOverwriting(DocumentSession& document,
                           std::function<void(std::optional<std::string> refusal)> answered);
 
 /// The same before a switch to this branch, which writes over the document's file. There is no question
 /// where the switch would be refused or nothing would change.
-void askBeforeSwitching(SketchViewModel& sketch, const std::string& nameOrID,
+void askBeforeSwitching(DocumentSession& document, const std::string& nameOrID,
                         std::function<void(std::optional<std::string> refusal)> answered);
 
 /// The path that a save panel gave, with this ending where its name has none; a dot alone is none.

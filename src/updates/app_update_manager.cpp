@@ -81,7 +81,7 @@ std::string statusText(const AppUpdateStatus& status, std::optional<double> down
 
 AppUpdateManager::AppUpdateManager(Scheduler& scheduler, AppSettings& settings, AppUpdateClient& client,
                                    UpdateConfiguration configuration, InstallerOpener openInstaller)
-    : lastCheckedAt(tracker_, n(UpdateField::lastCheckedAt), settings.lastUpdateCheckAt.get()),
+    : lastCheckedAt(tracker_, settings.lastUpdateCheckAt.get()),
       scheduler_(scheduler),
       settings_(settings),
       client_(client),

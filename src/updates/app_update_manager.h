@@ -55,15 +55,6 @@ std::string_view caseName(AppUpdateStatus::Case value);
 /// The sentence for the user. `downloadProgress` (0 to 1) is shown in per cent while downloading.
 std::string statusText(const AppUpdateStatus& status, std::optional<double> downloadProgress);
 
-/// The observable fields.
-enum class UpdateField : unsigned {
-  latestVersion,
-  lastCheckedAt,
-  status,
-  availableUpdate,
-  downloadProgress,
-};
-
 template <class... Fields>
 constexpr FieldMask updateMask(Fields... fields) {
   return (fieldBit(static_cast<unsigned>(fields)) | ... | FieldMask{0});
@@ -74,7 +65,6 @@ class AppUpdateManager {
 
   template <class T>
   using Field = Observable<T, AppUpdateManager>;
-  static constexpr unsigned n(UpdateField field) { return static_cast<unsigned>(field); }
 
  public:
   /// Asks the system to open the installer; false when it refuses.
@@ -85,13 +75,13 @@ class AppUpdateManager {
                    UpdateConfiguration configuration, InstallerOpener openInstaller);
 
   // --- State
-  Field<std::optional<std::string>> latestVersion{tracker_, n(UpdateField::latestVersion)};
+  Field<std::optional<std::string>> latestVersion{tracker_};
   /// The last check or failure; what the settings hold until there is one.
   Field<std::optional<Date>> lastCheckedAt;
-  Field<AppUpdateStatus> status{tracker_, n(UpdateField::status)};
-  Field<std::optional<AppUpdateAvailability>> availableUpdate{tracker_, n(UpdateField::availableUpdate)};
+  Field<AppUpdateStatus> status{tracker_};
+  Field<std::optional<AppUpdateAvailability>> availableUpdate{tracker_};
   /// 0 to 1 from the start of a download until the installer is opened or the download has failed.
-  Field<std::optional<double>> downloadProgress{tracker_, n(UpdateField::downloadProgress)};
+  Field<std::optional<double>> downloadProgress{tracker_};
 
   const std::string& currentVersion() const { return configuration_.currentVersion; }
   const std::string& currentDisplayVersion() const { return configuration_.currentDisplayVersion; }

@@ -1,0 +1,93 @@
+#include "documents/document_session.h"
+
+#include <utility>
+
+#include "documents/document_paths.h"
+#include "documents/document_reading.h"
+#include "documents/document_save.h"
+#include "documents/opened_document.h"
+
+namespace ostrelon {
+
+DocumentSession::DocumentSession(ChangeTracker& tracker, Sketch& sketch, Messages& messages,
+                                 DocumentStage& stage, Host host)
+    : tracker_(tracker), sketch_(sketch), messages_(messages), stage_(stage), host_(host) {}
+
+// --- The document as a whole
+
+void DocumentSession::begin() {
+  const auto scope = change();
+  Drawing empty = sketch_.drawing;
+  empty.entities.clear();
+  sketch_.replace(std::move(empty));
+  sketch_.clearSelection();
+  sketch_.setDirty(false);
+  fileURL = std::nullopt;
+  name = kUntitledName;
+  lastSavedAt = std::nullopt;
+  history = DocumentHistoryState();
+  stage_.documentBegun();
+  messages_.appendSystem("New document.");
+}
+
+SketchDocumentV2 DocumentSession::makeDocument(bool includeUndo) const {
+  const std::vector<SketchUndoSnapshot> none;
+  return documentOf(name, sketch_.drawing, stage_.viewport(),
+                    includeUndo ? sketch_.undoStack->undoSnapshots() : none);
+}
+
+void DocumentSession::adopt(LoadedSketchDocument document) {
+  adopt(openedDocument(std::move(document), sketch_.drawing));
+}
+
+void DocumentSession::adopt(OpenedDocument document) {
+  const auto scope = change();
+  name = std::move(document.name);
+  sketch_.replace(std::move(document.drawing), std::move(document.undo));
+  stage_.documentOpened(document.viewport);
+}
+
+// --- On the disk
+
+void DocumentSession::save(const FilePath& url) {
+  DocumentSave save(url, makeDocument(true));
+  save.write(host_.files);
+  finishSave(save);
+}
+
+void DocumentSession::putInPlace(DocumentSave& save) {
+  try {
+    save.commit();
+  } catch (...) {
+    // The file may be in its place though it could not be made to last; then it is still ours.
+    if (host_.files.info(save.url()) == save.onDisk().info) onDisk_ = save.onDisk();
+    throw;
+  }
+  onDisk_ = save.onDisk();
+}
+
+void DocumentSession::finishSave(DocumentSave& save) {
+  putInPlace(save);
+  const auto scope = change();
+  fileURL = save.url();
+  name = documentNameFor(save.url());
+  sketch_.setDirty(!save.holdsStateOf(sketch_));
+  lastSavedAt = host_.scheduler.now();
+}
+
+void DocumentSession::open(const FilePath& url) {
+  DocumentReading reading(url);
+  reading.read(host_.files);
+  finishOpening(reading);
+}
+
+void DocumentSession::finishOpening(DocumentReading& reading) {
+  const auto scope = change();
+  adopt(reading.take());
+  onDisk_ = reading.onDisk();
+  fileURL = reading.onDisk().path;
+  sketch_.setDirty(false);
+  lastSavedAt = host_.scheduler.now();
+}
+
+}  // namespace ostrelon
