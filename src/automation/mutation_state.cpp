@@ -24,8 +24,11 @@ void restoreCommandMutationState(Sketch& sketch, Board& board, const SketchComma
   restored.selection.primary = state.primarySelectedEntityID;
   restored.isDirty = state.isDocumentDirty;
   sketch.setState(restored);
-  board.setState({state.selectedTool, state.draft ? Gesture(*state.draft) : board.state().gesture,
-                  state.trimCuttingEdgeEntityID});
+  BoardState work = board.state();
+  work.tool = state.selectedTool;
+  if (state.draft) work.gesture = *state.draft;
+  work.trimCuttingEdge = state.trimCuttingEdgeEntityID;
+  board.setState(work);
 }
 
 void commitCommandMutationState(Sketch& sketch, const SketchCommandMutationState& state) {

@@ -108,7 +108,7 @@ std::optional<Reply> applyNumericDraftInput(std::string_view text, Board& board)
   const auto change = board.change();
   board.setDraftCurrent(end->current);
   board.clearSnap();
-  board.commitDraft();
+  board.commitTypedDraft();
   return Reply::done(std::move(end->message));
 }
 

@@ -60,6 +60,10 @@ void Board::setState(const BoardState& state) {
   gesture = isDrawn ? state.gesture : Gesture();
   groupMove_.reset();
   trimCuttingEdge = state.trimCuttingEdge;
+  lengthEditor = state.lengthEditor;
+  tracking = state.tracking;
+  draftAxes = state.draftAxes;
+  scheduleTrackingDwell();
   hover = Hover();
   clearSnap();
 }

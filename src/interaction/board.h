@@ -31,6 +31,9 @@ struct BoardState {
   SketchTool tool = SketchTool::select;
   Gesture gesture;
   std::optional<UUID> trimCuttingEdge;
+  LengthEditor lengthEditor;
+  Tracking tracking;
+  std::vector<AxisSnap> draftAxes;
 };
 
 class Board {
@@ -85,7 +88,7 @@ class Board {
   void clearSketch();
   /// Puts these entities in the place of all, as undo and redo do.
   void restoreSnapshot(const EntityList& entities);
-  BoardState state() const { return {tool, gesture, trimCuttingEdge}; }
+  BoardState state() const { return {tool, gesture, trimCuttingEdge, lengthEditor, tracking, draftAxes}; }
   /// As it was before a chain that failed. A drag or marquee is not taken up again.
   void setState(const BoardState& state);
   /// Another document has come, with its own view where it has one. A new one lets a polygon, a drag and
@@ -167,6 +170,8 @@ class Board {
   void setDraftCurrent(SketchPoint point);
   /// Adds what the draft has become, unless it is too small for its tool.
   void commitDraft();
+  /// As `commitDraft`, whatever the size: for a draft whose size was typed.
+  void commitTypedDraft();
   void addPolygonVertex(SketchPoint point);
   void updatePolygonDraft(SketchPoint point);
   bool closePolygon();
@@ -219,6 +224,7 @@ class Board {
   void showHovered(std::optional<UUID> id, std::optional<SketchPoint> viewPoint);
   /// Clears the snap state unless a draft or a drag shows it.
   void clearIdleSnap();
+  void addDraft(bool whateverItsSize);
   /// Ends a drag and a marquee before the tool changes.
   void endSelectGestures();
   /// What undo and redo end: anything but a polygon in progress.

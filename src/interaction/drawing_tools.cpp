@@ -85,11 +85,15 @@ void Board::setDraftCurrent(SketchPoint point) {
   if (draft() != nullptr) gesture = SketchDraft{draft()->start, point};
 }
 
-void Board::commitDraft() {
+void Board::commitDraft() { addDraft(false); }
+
+void Board::commitTypedDraft() { addDraft(true); }
+
+void Board::addDraft(bool whateverItsSize) {
   if (draft() == nullptr) return;
   const auto scope = change();
   auto entity = draftedEntity(tool, *draft(), sketch_.drawing->activeWallSystemSpecID);
-  if (entity && isDraftLargeEnough(tool, *draft())) {
+  if (entity && (whateverItsSize || isDraftLargeEnough(tool, *draft()))) {
     addEntity(sketch_, withEntityID(std::move(*entity), UUID::random()));
   }
   clearDraft();

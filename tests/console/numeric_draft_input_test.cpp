@@ -50,6 +50,20 @@ TEST(TypedLength, TakesAnAngleInDegrees) {
   EXPECT_EQ(test.reply("2 359.97"), "Line added (length 2, angle 360°).");
 }
 
+TEST(TypedLength, OfOneIsLongEnoughAtAnyAngle) {
+  DrawingSketch test;
+  for (int angle = 0; angle < 360; ++angle) {
+    test.draft(SketchTool::line, {0.1, 0.7}, {20, 13});
+    test.submit("1 " + std::to_string(angle));
+    ASSERT_EQ(test.sketch.entities().size(), static_cast<std::size_t>(angle) + 1) << angle;
+  }
+  test.draft(SketchTool::circle, {0.1, 0.7}, {20, 13});
+  test.submit("1");
+  test.draft(SketchTool::rectangle, {0.1, 0.7}, {-20, -13});
+  test.submit("1");
+  EXPECT_EQ(test.sketch.entities().size(), 362U);
+}
+
 TEST(TypedSize, OfCirclesAndRectangles) {
   DrawingSketch test;
   test.draft(SketchTool::circle, {5, 5}, {5, 9});
