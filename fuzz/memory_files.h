@@ -28,6 +28,7 @@ class MemoryFiles final : public FileSystem {
     if (found == contents.end()) return std::nullopt;
     return infoOf(found->second);
   }
+  bool isLink(const FilePath&) override { return false; }
   std::vector<std::string> list(const FilePath&) override { return {}; }
   void createFolders(const FilePath&) override {}
   void copyFile(const FilePath& from, const FilePath& to) override { contents[to] = readFile(from); }

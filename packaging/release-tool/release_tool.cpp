@@ -35,8 +35,8 @@ void checkFields(const AppUpdateRelease& release) {
   if (!isSecureWebAddress(release.downloadURL)) {
     throw UserError("\"" + release.downloadURL + "\" is not an https address.");
   }
-  if (release.releaseNotesURL && !isBrowsableWebAddress(*release.releaseNotesURL)) {
-    throw UserError("\"" + *release.releaseNotesURL + "\" is not a web address.");
+  if (release.releaseNotesURL && !isSecureWebAddress(*release.releaseNotesURL)) {
+    throw UserError("\"" + *release.releaseNotesURL + "\" is not an https address.");
   }
 }
 

@@ -140,7 +140,8 @@ TEST_F(ReleaseTool, RefusesWhatCouldNotBePublishedAndLeavesTheManifestAlone) {
   EXPECT_EQ(add("1.3.0", "--url http://h.example/a").output, "--url is given twice.");
   EXPECT_EQ(add("1.3.0", "--published today").output,
             "\"today\" is not a date such as 2026-03-01T12:00:00Z.");
-  EXPECT_EQ(add("1.3.0", "--notes file:///n").output, "\"file:///n\" is not a web address.");
+  EXPECT_EQ(add("1.3.0", "--notes http://h.example/n").output,
+            "\"http://h.example/n\" is not an https address.");
   EXPECT_EQ(add("1.3.0", "--change").output, "--change needs a value behind it.");
   EXPECT_EQ(add("1.3.0", "--changes x").output, "There is no option --changes here.");
   runCommand("openssl ecparam -name secp384r1 -genkey -noout -out " + path("p384.pem"));

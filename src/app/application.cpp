@@ -97,9 +97,17 @@ void Application::openSamplePlan() {
   });
 }
 
-void Application::save() { saveCurrentDocument(sketch_, settings_, true); }
+void Application::save() {
+  // A document without a file may need the panel, as below.
+  if (!sketch_.documentFileURL->has_value()) opener_.giveUp();
+  saveCurrentDocument(sketch_, settings_, true);
+}
 
-void Application::saveAs() { saveDocumentAs(sketch_, settings_, true); }
+void Application::saveAs() {
+  // Else the panel's answer might find another document than the one that it was asked for.
+  opener_.giveUp();
+  saveDocumentAs(sketch_, settings_, true);
+}
 
 void Application::rescheduleAutoSave() {
   if (autoSaveController_) autoSaveController_->rescheduleAutoSave();

@@ -7,6 +7,7 @@
 #include <functional>
 #include <string_view>
 
+#include "documents/app_settings.h"
 #include "platform/unicode.h"
 
 namespace ostrelon {
@@ -75,8 +76,9 @@ std::vector<std::string> readable(const std::vector<std::string>& arguments, CLI
 
 }  // namespace
 
-CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
+CommandLine parseCommandLine(const std::vector<std::string>& arguments, const Environment& environment) {
   CommandLine line;
+  if (environment) line.isUITesting = isUITestingStart({}, environment("UI_TESTING_RESET_PROJECTS"));
   bool isAutomation = false;
   std::string exportOption;      // the last option that says how to export
   std::string automationOption;  // the last option that only automation knows
@@ -203,7 +205,7 @@ How exported files look:
   --size WxH                     the size of pictures, 1200x800 unless told
   --pixel-ratio 1|2|3|4          pixels of a PNG for each of these
   --paper NAME                   a sheet instead of a size: Letter, Legal, Tabloid,
-                                 "ANSI C" to E, "ARCH A" to E, A4 to A0; a PDF has
+                                 "ANSI A" to E, "ARCH A" to E, A4 to A0; a PDF has
                                  as many as it takes
   --scale SCALE                  true scale, such as 1/4in=1ft or 1:50; without it
                                  the drawing fills its sheet

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -49,8 +50,12 @@ struct CommandLine {
   std::optional<std::string> updateKey;
 };
 
-/// Reads the arguments, the program's name not among them. Throws `CommandLineError`.
-CommandLine parseCommandLine(const std::vector<std::string>& arguments);
+/// The value of an environment variable; empty when there is none.
+using Environment = std::function<std::string(const std::string& name)>;
+
+/// Reads the arguments, the program's name not among them, and what the environment says in their place.
+/// Throws `CommandLineError`.
+CommandLine parseCommandLine(const std::vector<std::string>& arguments, const Environment& environment = {});
 
 /// What `--help` prints.
 std::string commandLineHelp();

@@ -133,4 +133,23 @@ ConsoleCompletion completeConsoleLine(std::string_view line, std::size_t cursor,
   return completion;
 }
 
+ConsoleCompletion ConsoleCompleter::complete(std::string_view line, std::size_t cursor,
+                                             const SketchViewModel& sketch) {
+  if (next_ && line == last_.text && cursor == last_.cursor) {
+    const std::string& word = last_.candidates[*next_];
+    last_.text = std::string(line.substr(0, wordStart_)) + word + std::string(line.substr(cursor));
+    last_.cursor = wordStart_ + word.size();
+    next_ = (*next_ + 1) % last_.candidates.size();
+    return last_;
+  }
+  last_ = completeConsoleLine(line, cursor, sketch);
+  next_.reset();
+  if (last_.candidates.size() > 1 && last_.text == line) {
+    next_ = 0;
+    wordStart_ = cursor;
+    while (wordStart_ > 0 && line[wordStart_ - 1] != ' ' && line[wordStart_ - 1] != ';') --wordStart_;
+  }
+  return last_;
+}
+
 }  // namespace ostrelon

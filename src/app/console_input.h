@@ -41,4 +41,16 @@ struct ConsoleCompletion {
 ConsoleCompletion completeConsoleLine(std::string_view line, std::size_t cursor,
                                       const SketchViewModel& sketch);
 
+/// Completion key by key: where several words fit and nothing more is certain, the line stays once, so
+/// that they can be listed, and each further time the next of them is put in, in turn.
+class ConsoleCompleter {
+ public:
+  ConsoleCompletion complete(std::string_view line, std::size_t cursor, const SketchViewModel& sketch);
+
+ private:
+  ConsoleCompletion last_;
+  std::size_t wordStart_ = 0;
+  std::optional<std::size_t> next_;  // the candidate to put in, while `last_` is left as it was given
+};
+
 }  // namespace ostrelon

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "app/application.h"
+#include "documents/overwrite_question.h"
 #include "exchange/dxf_import.h"
 #include "exchange/dxf_writer.h"
 #include "exchange/picture_page.h"
@@ -64,6 +65,18 @@ void importFrom(Application& application, const FilePath& path) {
   });
 }
 
+void exportTo(Application& application, const FilePath& path, const ExportOptions& options) {
+  SketchViewModel& sketch = application.sketch();
+  try {
+    exportDrawing(sketch, path, options, application.makePicture());
+  } catch (const UserError& error) {
+    tellFailure(sketch, "Export", error);
+    return;
+  }
+  sketch.appendConsoleLine(fmt::format("Exported to \"{}\".", path.string()), false, true);
+  sketch.showDocumentToast("Exported " + path.filename().string(), Style::success);
+}
+
 }  // namespace
 
 void exportDrawing(const SketchViewModel& sketch, const FilePath& path, const ExportOptions& options,
@@ -98,17 +111,11 @@ void exportWithPanel(Application& application, const ExportOptions& options, Exp
   const ExportPanel panel{documentFolder(document), *document.documentName + ending};
   application.host().dialogs.ask(panel, [&application, options, ending](const DialogAnswer& answer) {
     if (!answer) return;
-    SketchViewModel& sketch = application.sketch();
-    FilePath path = standardizedPath(*answer);
-    if (!path.has_extension()) path += ending;
-    try {
-      exportDrawing(sketch, path, options, application.makePicture());
-    } catch (const UserError& error) {
-      tellFailure(sketch, "Export", error);
-      return;
-    }
-    sketch.appendConsoleLine(fmt::format("Exported to \"{}\".", path.string()), false, true);
-    sketch.showDocumentToast("Exported " + path.filename().string(), Style::success);
+    const FilePath given = standardizedPath(*answer);
+    const FilePath path = withEnding(given, ending);
+    askBeforeReplacing(application.host(), given, path, [&application, options, path](bool may) {
+      if (may) exportTo(application, path, options);
+    });
   });
 }
 

@@ -12,7 +12,9 @@ namespace ostrelon {
 
 namespace {
 
-std::string pointText(SketchPoint point) { return fmt::format("({:.1f}, {:.1f})", point.x, point.y); }
+std::string pointText(SketchPoint point) {
+  return "(" + formatOneDecimal(point.x) + ", " + formatOneDecimal(point.y) + ")";
+}
 
 std::string pluralKind(std::string_view kind, std::size_t count) {
   return fmt::format("{} {}{}", count, kind, count == 1 ? "" : "s");
@@ -31,7 +33,7 @@ std::vector<InspectorMetricRow> inspectorMetricRows(const SketchEntity& entity,
     if (metrics.length) add(std::move(label), formatFeetInches(*metrics.length));
   };
   const auto addDecimal = [&](std::string label, const std::optional<double>& value) {
-    if (value) add(std::move(label), fmt::format("{:.1f}", *value));
+    if (value) add(std::move(label), formatOneDecimal(*value));
   };
   const auto addAngle = [&] {
     if (metrics.angle) add("Angle", formatShortNumber(*metrics.angle) + "°");
@@ -127,7 +129,8 @@ EntityEditMessage entityEditMessage(const EntityEditKind& kind, EntityEditResult
           Overloaded{
               [](const LengthEdit& edit) { return fmt::format("Length set to {:g}.", edit.value); },
               [](const NudgeEdit& edit) {
-                return fmt::format("Selection nudged by ({:g}, {:g}).", edit.dx, edit.dy);
+                // Adding 0 makes a 0 of -0.
+                return fmt::format("Selection nudged by ({:g}, {:g}).", edit.dx + 0.0, edit.dy + 0.0);
               },
               [&](const ConvertEdit& edit) {
                 return fmt::format("Selection converted to {}.", target(edit.target));
@@ -165,7 +168,11 @@ bool applyInspectorLength(SketchViewModel& sketch, std::string_view lengthText) 
     sketch.appendConsoleLine("Enter a valid feet/inches length.", true, false);
     return false;
   }
-  const EntityEditResult result = sketch.setSelectedEntityLength(*value);
+  // The text that the field shows is rounded: applied as it stands it asks for nothing.
+  const SketchEntity* selected = sketch.selectedEntity();
+  const bool isAsShown = selected != nullptr && lengthText == inspectorLengthText(*selected);
+  const EntityEditResult result =
+      isAsShown ? EntityEditResult::unchanged : sketch.setSelectedEntityLength(*value);
   report(sketch, LengthEdit{*value}, result);
   return result == EntityEditResult::applied || result == EntityEditResult::unchanged;
 }

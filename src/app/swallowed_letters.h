@@ -1,26 +1,45 @@
 // The letters of the drawing board also work while the console has the focus and its line is empty: L is
 // the line tool, S the select tool, Z zooms. A user who begins to type `line 0 0 10 10` there has the
-// first letter taken as a shortcut. This remembers it for a moment, so that it can be put back in front
-// once the next character shows that a command was meant.
+// first letter taken as a shortcut. This remembers it for a moment: once the next character shows that a
+// command was meant, the letter is put back in front of it, and the drawing board is as it was before.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "core/sketch_view_model.h"
 #include "platform/date.h"
 
 namespace ostrelon {
 
 class SwallowedLetters {
  public:
-  /// The drawing board took these characters from the empty command line.
-  void swallowed(std::string_view characters, Date now);
+  /// All that a letter may change.
+  struct Board {
+    SketchCommandMutationState drawing;
+    std::optional<PolygonDraft> polygon;
+    bool isInspectorVisible = false;
+    SketchViewport viewport;
+  };
+  static Board boardOf(const SketchViewModel& sketch);
+
+  /// The drawing board took these characters from the empty command line. `before`: how it was then.
+  void swallowed(std::string_view characters, Date now, Board before);
   /// A character is about to be typed into the empty command line. Gives what belongs in front of it to
-  /// make the beginning of a command; empty when nothing does. What was remembered is then forgotten.
-  std::string takeBeginning(std::string_view typed, Date now);
+  /// make the beginning of a command, and takes back what that did; empty when nothing does. What was
+  /// remembered is then forgotten.
+  std::string takeBeginning(std::string_view typed, Date now, SketchViewModel& sketch);
+  /// Something else was done meanwhile: the letters were shortcuts.
+  void forget() { letters_.clear(); }
 
  private:
-  std::string letters_;
+  struct Letter {
+    std::string characters;
+    Board before;
+  };
+  std::vector<Letter> letters_;
   Date lastAt_;
 };
 

@@ -1,14 +1,14 @@
 #include "app/wall_panel.h"
 
-#include <array>
 #include <charconv>
 #include <cmath>
+
+#include "core/length_text.h"
 
 namespace ostrelon {
 
 const WallEntity* selectedWallEntity(const SketchViewModel& sketch) {
-  const auto& primary = *sketch.primarySelectedEntityID;
-  const SketchEntity* selected = primary ? sketch.entity(*primary) : nullptr;
+  const SketchEntity* selected = sketch.selectedEntity();
   return selected != nullptr ? std::get_if<WallEntity>(selected) : nullptr;
 }
 
@@ -87,6 +87,8 @@ bool commitWallSystemField(SketchViewModel& sketch, const UUID& specID, WallSyst
   WallSystemSpec edited = *old;
   if (field == WallSystemField::assemblyNotes) {
     edited.assemblyNotes = text;
+  } else if (text == wallSystemFieldText(*old, field)) {
+    return true;  // as it was shown, which may be less than the value holds
   } else {
     const auto number = parsePlainDecimal(text);
     if (!number || !(*number > 0)) return false;
@@ -110,12 +112,6 @@ std::optional<double> parsePlainDecimal(std::string_view text) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value)) return std::nullopt;
   return value;
-}
-
-std::string plainDecimalText(double value) {
-  std::array<char, 32> buffer{};
-  const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
-  return error == std::errc() ? std::string(buffer.data(), end) : std::string();
 }
 
 }  // namespace ostrelon

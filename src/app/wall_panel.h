@@ -10,7 +10,7 @@
 
 namespace ostrelon {
 
-/// The primary selected entity when it is a wall, else null.
+/// The one selected entity when it is a wall, else null.
 const WallEntity* selectedWallEntity(const SketchViewModel& sketch);
 /// The system of the selected wall, when there is one that exists, else null.
 const WallSystemSpec* selectedWallSystem(const SketchViewModel& sketch);
@@ -50,7 +50,5 @@ bool commitWallSystemField(SketchViewModel& sketch, const UUID& specID, WallSyst
 /// The whole text as a plain decimal number: a sign, digits, a point, an exponent; no white space,
 /// no hexadecimal, nothing infinite.
 std::optional<double> parsePlainDecimal(std::string_view text);
-/// The shortest text that reads back to the same number: "4.5", "96".
-std::string plainDecimalText(double value);
 
 }  // namespace ostrelon

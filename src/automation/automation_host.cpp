@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "app/menu.h"
+#include "app/settings_notes.h"
 #include "automation/automation_session.h"
 #include "build_information.h"
 #include "documents/document_store.h"
@@ -124,8 +125,8 @@ const std::map<std::string, Operation, std::less<>>& operations() {
        [](AutomationSession& session, const Json& request) {
          using Names = std::optional<std::vector<std::string>>;
          return stateOf(session.workspace(), request.contains("fields")
-                                              ? requestMember<Names>(session, request, "fields")
-                                              : Names());
+                                                 ? requestMember<Names>(session, request, "fields")
+                                                 : Names());
        }},
       {"settings",
        [](AutomationSession& session, const Json&) { return settingsOf(session.application.settings()); }},
@@ -135,7 +136,7 @@ const std::map<std::string, Operation, std::less<>>& operations() {
       {"canvas.resize",
        [](AutomationSession& session, const Json& request) -> Json {
          session.workspace().board.resizeCanvas({requestMember<double>(session, request, "width"),
-                                            requestMember<double>(session, request, "height")});
+                                                 requestMember<double>(session, request, "height")});
          return nullptr;
        }},
       {"canvas.press",
@@ -276,7 +277,7 @@ class AutomationHost::Program {
         gestures_(application_.workspace().board),
         session_{application_, scheduler_, dialogs_, gestures_, updateClient_} {
     application_.mainViewAppeared();
-    tellOfSettingsFile();
+    tellSettingsNotes(defaults_, messages());
   }
 
   Json reply(std::string_view line) {
@@ -298,7 +299,7 @@ class AutomationHost::Program {
     } catch (const std::exception& error) {
       reply = {{"ok", false}, {"error", error.what()}};
     }
-    tellOfSettingsFile();
+    tellSettingsNotes(defaults_, messages());
     const auto& lines = *messages().lines;
     Json console = Json::array();
     for (std::size_t i = linesBefore; i < lines.size(); ++i) {
@@ -314,13 +315,6 @@ class AutomationHost::Program {
 
  private:
   Messages& messages() { return application_.workspace().messages; }
-
-  // What the store of preferences has to say, such as a damaged file that it has set aside.
-  void tellOfSettingsFile() {
-    for (const std::string& note : defaults_.takeNotes()) {
-      messages().appendSystem(note);
-    }
-  }
 
   VirtualScheduler scheduler_;
   QueuedDialogs dialogs_;

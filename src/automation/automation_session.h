@@ -56,7 +56,8 @@ void addUpdateCalls(CallTable& table);
 
 // --- State
 
-/// The observable fields of the workspace by the names of the protocol; all but the console lines unless named.
+/// The observable fields of the workspace by the names of the protocol; all but the console lines unless
+/// named.
 Json stateOf(const Workspace& workspace, const std::optional<std::vector<std::string>>& names);
 Json settingsOf(const AppSettings& settings);
 Json updateOf(const AppUpdateManager& updates);

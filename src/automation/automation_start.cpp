@@ -6,7 +6,6 @@
 #include <iostream>
 
 #include "automation/automation_host.h"
-#include "documents/app_settings.h"
 #include "platform/disk_file_system.h"
 
 namespace ostrelon {
@@ -36,7 +35,7 @@ int serveAutomation(const CommandLine& line, PictureMaker makePicture) {
   options.paths = line.home ? userPathsBelow(standardizedPath(*line.home)) : userPaths(files, environment);
   options.updateFeed = line.updateFeed.value_or("");
   options.updateKey = line.updateKey.value_or("");
-  options.isUITesting = line.isUITesting || isUITestingStart({}, environment("UI_TESTING_RESET_PROJECTS"));
+  options.isUITesting = line.isUITesting;
   // Every reply is flushed by hand; the C streams are not used beside them.
   std::ios::sync_with_stdio(false);
   std::cin.tie(nullptr);

@@ -66,13 +66,13 @@ struct Part<Console> : std::true_type {
 
 template <class Parameter>
 inline constexpr bool isPart =
-    Part<std::remove_cvref_t<Parameter>>::value && std::is_lvalue_reference_v<Parameter>;
+    Part<std::remove_cvref_t<Parameter>>::value&& std::is_lvalue_reference_v<Parameter>;
 
 // How an argument is held while the operation runs.
 template <class Parameter>
 struct Held {
-  using Type = std::conditional_t<isPart<Parameter>, std::remove_cvref_t<Parameter>&,
-                                  std::remove_cvref_t<Parameter>>;
+  using Type =
+      std::conditional_t<isPart<Parameter>, std::remove_cvref_t<Parameter>&, std::remove_cvref_t<Parameter>>;
 };
 template <>
 struct Held<std::string_view> {
@@ -116,7 +116,8 @@ template <class... Parameters>
 constexpr std::array<std::size_t, sizeof...(Parameters) + 1> argumentPositions() {
   std::array<std::size_t, sizeof...(Parameters) + 1> positions{};
   const std::array<bool, sizeof...(Parameters) + 1> parts{isPart<Parameters>..., false};
-  for (std::size_t i = 0; i < sizeof...(Parameters); ++i) positions[i + 1] = positions[i] + (parts[i] ? 0 : 1);
+  for (std::size_t i = 0; i < sizeof...(Parameters); ++i)
+    positions[i + 1] = positions[i] + (parts[i] ? 0 : 1);
   return positions;
 }
 
@@ -175,9 +176,7 @@ Call call(Result (Owner::*member)(Parameters...) const) {
 
 /// A lambda without captures.
 template <class Function>
-  requires requires { &Function::operator(); }
-Call call(Function function) {
-  return binding::boundLambda(function, &Function::operator());
-}
+requires requires { &Function::operator(); }
+Call call(Function function) { return binding::boundLambda(function, &Function::operator()); }
 
 }  // namespace ostrelon

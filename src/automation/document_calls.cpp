@@ -12,9 +12,8 @@ void addDocumentCalls(CallTable& table) {
   table["makeDocumentV2"] = call(&DocumentSession::makeDocument);
   table["applyLoadedDocument"] = call(&DocumentSession::adopt);
   table["decodeDocument"] = call(SketchDocumentIO::decodeDocument);
-  table["encodeDocument"] = call([](const SketchDocumentV2& document) {
-    return SketchDocumentIO::encodeDocument(document);
-  });
+  table["encodeDocument"] =
+      call([](const SketchDocumentV2& document) { return SketchDocumentIO::encodeDocument(document); });
 
   // --- Store
   table["saveDocumentFile"] = call([](AutomationSession& session, const FilePath& url) {
@@ -52,8 +51,8 @@ void addDocumentCalls(CallTable& table) {
   table["createHistoryBranch"] = call(&DocumentSession::createBranch);
   table["switchBranch"] = call(&DocumentSession::switchBranch);
   table["documentHistoryText"] = call(&DocumentSession::historyText);
-  table["currentBranch"] = call(
-      [](AutomationSession& session) { return session.sketch().documentHistoryState->currentBranch(); });
+  table["currentBranch"] =
+      call([](AutomationSession& session) { return session.sketch().documentHistoryState->currentBranch(); });
   table["allCheckpoints"] = call(
       [](AutomationSession& session) { return session.sketch().documentHistoryState->allCheckpoints(); });
   table["findBranch"] = call([](AutomationSession& session, const std::string& nameOrID) {
@@ -69,16 +68,15 @@ void addDocumentCalls(CallTable& table) {
     return ensureDocumentHistory(session.application.settings().files(), url);
   });
   table["createCheckpoint"] = call([](AutomationSession& session, const FilePath& url,
-                                             const std::string& message, const std::optional<Date>& date) {
+                                      const std::string& message, const std::optional<Date>& date) {
     return createCheckpoint(session.application.settings().files(), url, message,
                             date.value_or(session.scheduler.now()), session.sketch().makeDocumentV2(false));
   });
-  table["createBranch"] =
-      call([](AutomationSession& session, const FilePath& url, const std::string& name,
-                     const std::string& sourceCheckpointID, const std::optional<Date>& date) {
-        return createBranch(session.application.settings().files(), url, name, sourceCheckpointID,
-                            date.value_or(session.scheduler.now()));
-      });
+  table["createBranch"] = call([](AutomationSession& session, const FilePath& url, const std::string& name,
+                                  const std::string& sourceCheckpointID, const std::optional<Date>& date) {
+    return createBranch(session.application.settings().files(), url, name, sourceCheckpointID,
+                        date.value_or(session.scheduler.now()));
+  });
   table["normalizeBranchID"] = call(normalizeBranchID);
 
   // --- Auto-save
@@ -92,7 +90,7 @@ void addDocumentCalls(CallTable& table) {
   });
   table["restoreCandidate"] =
       call([](AutomationSession& session, const std::optional<AutoSaveRecoveryCandidate>& candidate,
-                     const std::string& successText, const std::string& missingText) {
+              const std::string& successText, const std::string& missingText) {
         return restoreCandidate(session.sketch(), session.application.settings(), candidate, successText,
                                 missingText);
       });
@@ -125,8 +123,8 @@ void addDocumentCalls(CallTable& table) {
     session.application.settings().updateColorScheme(scheme);
   });
   table["resolvePalette"] = call(resolvePalette);
-  table["useDefaultProjectsFolder"] = call(
-      [](AutomationSession& session) { session.application.settings().useDefaultProjectsFolder(); });
+  table["useDefaultProjectsFolder"] =
+      call([](AutomationSession& session) { session.application.settings().useDefaultProjectsFolder(); });
   table["setCustomProjectsFolder"] = call([](AutomationSession& session, const FilePath& url) {
     session.application.settings().setCustomProjectsFolder(url);
   });
@@ -134,23 +132,22 @@ void addDocumentCalls(CallTable& table) {
       call([](AutomationSession& session) { session.application.settings().clearProjectsFolder(); });
   table["resetProjectsFolderForUITesting"] = call(
       [](AutomationSession& session) { session.application.settings().resetProjectsFolderForUITesting(); });
-  table["setLastUpdateCheckAt"] =
-      call([](AutomationSession& session, const std::optional<Date>& date) {
-        session.application.settings().setLastUpdateCheckAt(date);
-      });
+  table["setLastUpdateCheckAt"] = call([](AutomationSession& session, const std::optional<Date>& date) {
+    session.application.settings().setLastUpdateCheckAt(date);
+  });
   table["setPostponedUpdateVersion"] =
       call([](AutomationSession& session, const std::optional<std::string>& version) {
         session.application.settings().setPostponedUpdateVersion(version);
       });
   table["recordLastAutoSave"] = call([](AutomationSession& session, const FilePath& url,
-                                               const std::string& name, const std::optional<Date>& savedAt) {
+                                        const std::string& name, const std::optional<Date>& savedAt) {
     session.application.settings().recordLastAutoSave(url, name, savedAt);
   });
   table["isInsideProjectsFolder"] = call([](AutomationSession& session, const FilePath& url) {
     return session.application.settings().isInsideProjectsFolder(url);
   });
-  table["defaultProjectsFolder"] = call(
-      [](AutomationSession& session) { return session.application.settings().defaultProjectsFolder(); });
+  table["defaultProjectsFolder"] =
+      call([](AutomationSession& session) { return session.application.settings().defaultProjectsFolder(); });
   table["rememberDocumentBookmark"] = call([](AutomationSession& session, const FilePath& url) {
     session.application.settings().rememberDocumentBookmark(url);
   });

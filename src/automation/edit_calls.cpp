@@ -46,7 +46,8 @@ void addEditCalls(CallTable& table) {
   table["setSelectMarquee"] = call(&Board::setMarquee);
   table["updateMarquee"] = call(&Board::updateMarquee);
   table["selectAll"] = call(selectAll);
-  table["replaceEntity"] = call([](Sketch& sketch, const UUID& id, const SketchEntity& entity) { replaceEntity(sketch, id, entity); });
+  table["replaceEntity"] = call(
+      [](Sketch& sketch, const UUID& id, const SketchEntity& entity) { replaceEntity(sketch, id, entity); });
 
   // --- Edits
   table["setSelectedEntityLength"] = call(setSelectedEntityLength);
@@ -60,26 +61,28 @@ void addEditCalls(CallTable& table) {
   table["duplicateEntity"] = call(duplicateEntity);
   table["duplicateSelection"] = call(duplicateSelection);
   table["copySelection"] = call(copySelection);
-  table["pasteClipboard"] = call([](Sketch& sketch, std::optional<SketchPoint> offset) { return pasteClipboard(sketch, offset.value_or(kDuplicateOffset)); });
+  table["pasteClipboard"] = call([](Sketch& sketch, std::optional<SketchPoint> offset) {
+    return pasteClipboard(sketch, offset.value_or(kDuplicateOffset));
+  });
   table["entityEditMessage"] =
       call([](AutomationSession& session, const std::string& kind, EntityEditResult result,
-                     const std::optional<Json>& first, const std::optional<Json>& second) {
+              const std::optional<Json>& first, const std::optional<Json>& second) {
         return editMessage(session, kind, result, first.value_or(Json()), second.value_or(Json()));
       });
 
   // --- Trim and extend
   table["applyTrim"] = call(applyTrim);
-  table["handleTrimClick"] = call([](Board& board, SketchPoint point) { return board.trimAt(point).message; });
+  table["handleTrimClick"] =
+      call([](Board& board, SketchPoint point) { return board.trimAt(point).message; });
   table["trimInstruction"] = call(&Board::trimInstruction);
   table["clearTrimCuttingEdge"] = call(&Board::clearTrimCuttingEdge);
   table["extendLine"] = call(extendLine);
-  table["extendChainSegment"] =
-      call([](AutomationSession& session, std::int64_t index, SketchPoint to) {
-        if (index < 0 || index >= static_cast<std::int64_t>(session.sketch().entities->size())) {
-          throw ArgumentError("Argument 1: no entity stands at this position.");
-        }
-        session.sketch().extendChainSegment(static_cast<std::size_t>(index), to);
-      });
+  table["extendChainSegment"] = call([](AutomationSession& session, std::int64_t index, SketchPoint to) {
+    if (index < 0 || index >= static_cast<std::int64_t>(session.sketch().entities->size())) {
+      throw ArgumentError("Argument 1: no entity stands at this position.");
+    }
+    session.sketch().extendChainSegment(static_cast<std::size_t>(index), to);
+  });
 
   // --- The length editor
   table["currentSegmentLengthText"] = call(&Board::currentLengthText);
@@ -106,18 +109,17 @@ void addEditCalls(CallTable& table) {
   table["inspectorSelectionHeading"] =
       call([](AutomationSession& session) { return inspectorSelectionHeading(session.sketch()); });
   table["inspectorLengthText"] = call(inspectorLengthText);
-  table["inspectorMetricRows"] =
-      call([](AutomationSession& session, const SketchEntity& entity) -> Json {
-        const auto* wall = std::get_if<WallEntity>(&entity);
-        const WallSystemSpec* spec =
-            wall != nullptr ? session.sketch().wallSystemSpec(wall->systemSpecID) : nullptr;
-        Json rows = Json::array();
-        for (const auto& row :
-             inspectorMetricRows(entity, spec != nullptr ? std::optional(spec->thickness) : std::nullopt)) {
-          rows.push_back(toJson(row));
-        }
-        return rows;
-      });
+  table["inspectorMetricRows"] = call([](AutomationSession& session, const SketchEntity& entity) -> Json {
+    const auto* wall = std::get_if<WallEntity>(&entity);
+    const WallSystemSpec* spec =
+        wall != nullptr ? session.sketch().wallSystemSpec(wall->systemSpecID) : nullptr;
+    Json rows = Json::array();
+    for (const auto& row :
+         inspectorMetricRows(entity, spec != nullptr ? std::optional(spec->thickness) : std::nullopt)) {
+      rows.push_back(toJson(row));
+    }
+    return rows;
+  });
 
   // --- The wall system panel
   table["selectedWallEntity"] = call([](AutomationSession& session) -> Json {
@@ -126,15 +128,14 @@ void addEditCalls(CallTable& table) {
     return ostrelon::toJson(SketchEntity(*wall));
   });
   table["activeWallSystem"] = call([](const Sketch& sketch) { return sketch.drawing->activeWallSystem(); });
-  table["panelSystem"] =
-      call([](AutomationSession& session) { return panelSystem(session.sketch()); });
+  table["panelSystem"] = call([](AutomationSession& session) { return panelSystem(session.sketch()); });
   table["panelContextTitle"] =
       call([](AutomationSession& session) { return panelContextTitle(session.sketch()); });
   table["updateWallSystem"] = call([](AutomationSession& session, const WallSystemSpec& spec) {
     updateWallSystem(session.sketch(), spec);
   });
-  table["selectWallSystemRow"] = call(
-      [](AutomationSession& session, const UUID& id) { selectWallSystemRow(session.sketch(), id); });
+  table["selectWallSystemRow"] =
+      call([](AutomationSession& session, const UUID& id) { selectWallSystemRow(session.sketch(), id); });
   table["assignPanelSystemToSelection"] =
       call([](AutomationSession& session) { assignPanelSystemToSelection(session.sketch()); });
 }

@@ -11,7 +11,7 @@ template <class... Targets>
 Call trimCall(TrimGeometry (*trim)(const SketchEntity& target, const SketchEntity& cutter, SketchPoint point),
               const char* kind) {
   return call([trim, kind](AutomationSession&, const SketchEntity& target, const SketchEntity& cutter,
-                                  SketchPoint point) {
+                           SketchPoint point) {
     if (!(std::holds_alternative<Targets>(target) || ...)) {
       throw ArgumentError(std::string("Argument 1: expected ") + kind + ".");
     }
@@ -42,10 +42,9 @@ void addGeometryCalls(CallTable& table) {
   table["distanceToRectangle"] = call(distanceToRectangle);
   table["distanceToPolygon"] = call(distanceToPolygon);
   table["distanceToEntity"] = call(distanceToEntity);
-  table["pickEntityAtPoint"] =
-      call([](const EntityList& entities, SketchPoint point, double scale) {
-        return pickEntityAtPoint(entities, point, scale);
-      });
+  table["pickEntityAtPoint"] = call([](const EntityList& entities, SketchPoint point, double scale) {
+    return pickEntityAtPoint(entities, point, scale);
+  });
   table["distanceBetween"] = call(distanceBetween);
   table["directionDegrees"] = call(directionDegrees);
   table["arcPoints"] = call([](const SketchEntity& entity) {
@@ -66,10 +65,9 @@ void addGeometryCalls(CallTable& table) {
   table["rectangleIntersectsRect"] = call(rectangleIntersectsRect);
   table["entityIntersectsRect"] = call(entityIntersectsRect);
   table["entityContainedInRect"] = call(entityContainedInRect);
-  table["entitiesInMarquee"] =
-      call([](const EntityList& entities, const SketchBox& rect, bool crossing) {
-        return entitiesInMarquee(entities, rect, crossing);
-      });
+  table["entitiesInMarquee"] = call([](const EntityList& entities, const SketchBox& rect, bool crossing) {
+    return entitiesInMarquee(entities, rect, crossing);
+  });
   table["entityCentroid"] = call(entityCentroid);
   table["selectionCentroid"] = call(selectionCentroid);
   table["translatedEntity"] = call(translatedEntity);
@@ -94,10 +92,11 @@ void addGeometryCalls(CallTable& table) {
         return segmentCircleIntersections(segment.first, segment.second, center, radius);
       });
   table["arcContainingPoint"] = call(arcContainingPoint);
-  table["keptArc"] = call([](SketchPoint center, double radius, double a, double b,
-                                    double p) { return keptArc(UUID::random(), center, radius, a, b, p); });
-  table["rectangleFromCorners"] = call(
-      [](const std::vector<SketchPoint>& corners) -> std::optional<SketchEntity> {
+  table["keptArc"] = call([](SketchPoint center, double radius, double a, double b, double p) {
+    return keptArc(UUID::random(), center, radius, a, b, p);
+  });
+  table["rectangleFromCorners"] =
+      call([](const std::vector<SketchPoint>& corners) -> std::optional<SketchEntity> {
         return rectangleFromCorners(corners, UUID::random());
       });
   table["trimSegment"] = trimCall<LineEntity, WallEntity>(trimSegment, "a line or a wall");
@@ -108,10 +107,9 @@ void addGeometryCalls(CallTable& table) {
       trimEntity, "an entity that can be trimmed");
   table["clipPolygonByLine"] = call(clipPolygonByLine);
   table["trimResultMessage"] = call(trimResultMessage);
-  table["extendSegmentToBoundary"] =
-      segmentCall([](const Segment& segment, const Segment& boundary) {
-        return extendSegmentToBoundary(segment.first, segment.second, boundary.first, boundary.second);
-      });
+  table["extendSegmentToBoundary"] = segmentCall([](const Segment& segment, const Segment& boundary) {
+    return extendSegmentToBoundary(segment.first, segment.second, boundary.first, boundary.second);
+  });
 }
 
 }  // namespace ostrelon

@@ -19,11 +19,10 @@ void addInteractionCalls(CallTable& table) {
   // --- The view
   table["viewPointToSketch"] = call(viewPointToSketch);
   table["sketchPointToView"] = call(sketchPointToView);
-  table["visibleSketchRect"] = call(
-      [](const SketchSize& canvasSize, const SketchViewport& viewport) -> Json {
-        const SketchBox box = visibleSketchBox(canvasSize, viewport);
-        return {{"minX", box.minX}, {"minY", box.minY}, {"width", box.width()}, {"height", box.height()}};
-      });
+  table["visibleSketchRect"] = call([](const SketchSize& canvasSize, const SketchViewport& viewport) -> Json {
+    const SketchBox box = visibleSketchBox(canvasSize, viewport);
+    return {{"minX", box.minX}, {"minY", box.minY}, {"width", box.width()}, {"height", box.height()}};
+  });
   table["gridStep"] = call(gridStep);
   table["gridScaleLabel"] = call(gridScaleLabel);
   table["zoomPercentageLabel"] = call(zoomPercentageLabel);
@@ -33,7 +32,9 @@ void addInteractionCalls(CallTable& table) {
   table["resetViewport"] = call(&Board::resetViewport);
   table["panViewport"] = call(&Board::pan);
   table["updateCanvasSize"] = call(&Board::resizeCanvas);
-  table["setViewport"] = call([](Board& board, double panX, double panY, double scale) { board.setViewport({{panX, panY}, scale}); });
+  table["setViewport"] = call([](Board& board, double panX, double panY, double scale) {
+    board.setViewport({{panX, panY}, scale});
+  });
 
   // --- Snapping
   table["entitySnapTargets"] = call(entitySnapTargets);
@@ -45,24 +46,25 @@ void addInteractionCalls(CallTable& table) {
   table["axisSnapDelta"] = call(axisSnapDelta);
   table["gridSnap"] = call(gridSnap);
   table["nearestEntityTarget"] =
-      call([](const EntityList& entities, const Excluded& excluded,
-                     SketchPoint point, double scale, const std::optional<SketchPoint>& from) {
+      call([](const EntityList& entities, const Excluded& excluded, SketchPoint point, double scale,
+              const std::optional<SketchPoint>& from) {
         return nearestEntityTarget(entities, idsOf(excluded), point, scale, from);
       });
-  table["nearestAcquirableTarget"] = call(
-      [](const EntityList& entities, const Excluded& excluded, SketchPoint point,
-         double scale) { return nearestAcquirableTarget(entities, idsOf(excluded), point, scale); });
-  table["snapPoint"] = call([](SketchPoint point, const SketchViewport& viewport,
-                                      const EntityList& entities, const Excluded& excluded, bool useGrid) {
+  table["nearestAcquirableTarget"] =
+      call([](const EntityList& entities, const Excluded& excluded, SketchPoint point, double scale) {
+        return nearestAcquirableTarget(entities, idsOf(excluded), point, scale);
+      });
+  table["snapPoint"] = call([](SketchPoint point, const SketchViewport& viewport, const EntityList& entities,
+                               const Excluded& excluded, bool useGrid) {
     return snapPoint(point, viewport, entities, idsOf(excluded), useGrid);
   });
-  table["snapEntityMove"] = call(
-      [](SketchPoint delta, const SketchViewport& viewport, const SketchEntity& moved,
-         const EntityList& entities) { return snapEntityMove(delta, viewport, moved, entities); });
+  table["snapEntityMove"] =
+      call([](SketchPoint delta, const SketchViewport& viewport, const SketchEntity& moved,
+              const EntityList& entities) { return snapEntityMove(delta, viewport, moved, entities); });
   table["snapHandleDrag"] =
-      call([](const SelectionHandle& handle, const SketchEntity& entity,
-                     const EntityList& entities, SketchPoint point, const SketchViewport& viewport,
-                     bool useGrid, const std::optional<double>& reference) {
+      call([](const SelectionHandle& handle, const SketchEntity& entity, const EntityList& entities,
+              SketchPoint point, const SketchViewport& viewport, bool useGrid,
+              const std::optional<double>& reference) {
         return snapHandleDrag(handle, entity, entities, point, viewport, useGrid, reference);
       });
   table["handleAnchor"] = call(handleAnchor);
@@ -70,7 +72,7 @@ void addInteractionCalls(CallTable& table) {
   table["snapPointer"] = call(&Board::snapPointer);
   table["snapDraftEnd"] = call(&Board::snapDraftEnd);
   table["publishSnap"] = call([](AutomationSession& session, const SketchSnapResult& result,
-                                        const std::optional<SketchPoint>& guideAnchor) {
+                                 const std::optional<SketchPoint>& guideAnchor) {
     session.sketch().publishSnap(result, guideAnchor);
   });
 
@@ -98,12 +100,11 @@ void addInteractionCalls(CallTable& table) {
   table["hoverMoved"] = call(&Board::hoverMoved);
   table["recordPointer"] = call(&Board::recordPointer);
   table["draftMeasurementText"] = call(&Board::draftMeasurementText);
-  table["applyNumericDraftInput"] =
-      call([](Board& board, const std::string& text) -> Json {
-        const auto reply = CommandInterpreter::applyNumericDraftInput(text, board);
-        if (!reply) return nullptr;
-        return Json::array({*reply->text, reply->kind == CommandInterpreter::ReplyKind::error});
-      });
+  table["applyNumericDraftInput"] = call([](Board& board, const std::string& text) -> Json {
+    const auto reply = CommandInterpreter::applyNumericDraftInput(text, board);
+    if (!reply) return nullptr;
+    return Json::array({*reply->text, reply->kind == CommandInterpreter::ReplyKind::error});
+  });
 
   // --- Drags of the select tool
   table["beginSelectDrag"] = call(&Board::beginSelectDrag);

@@ -3,6 +3,8 @@
 #include <charconv>
 #include <cmath>
 
+#include "platform/nul_byte.h"
+
 namespace ostrelon {
 namespace {
 
@@ -97,6 +99,10 @@ void append(std::string& text, const Json& value) {
 std::optional<Json> parseJson(std::string_view text, std::string& error) {
   if (depthOf(text) > kDeepestJson) {
     error = "The request is nested too deeply.";
+    return std::nullopt;
+  }
+  if (nulByteIn(text)) {
+    error = "The request is not JSON.";
     return std::nullopt;
   }
   try {

@@ -24,11 +24,15 @@ void restoreCommandMutationState(Sketch& sketch, Board& board, const SketchComma
   restored.selection.primary = state.primarySelectedEntityID;
   restored.isDirty = state.isDocumentDirty;
   sketch.setState(restored);
-  BoardState work = board.state();
-  work.tool = state.selectedTool;
-  if (state.draft) work.gesture = *state.draft;
-  work.trimCuttingEdge = state.trimCuttingEdgeEntityID;
-  board.setState(work);
+  BoardState onBoard = board.state();
+  onBoard.tool = state.selectedTool;
+  if (state.draft) {
+    onBoard.gesture = *state.draft;
+  } else if (board.draft() != nullptr) {
+    onBoard.gesture = Gesture();
+  }
+  onBoard.trimCuttingEdge = state.trimCuttingEdgeEntityID;
+  board.setState(onBoard);
 }
 
 void commitCommandMutationState(Sketch& sketch, const SketchCommandMutationState& state) {
@@ -41,14 +45,14 @@ void captureUndoCheckpoint(Sketch& sketch) {
   sketch.setUndoStack(std::move(stack));
 }
 
-void clearUndoHistory(Sketch& sketch, Board& board) { replaceUndoSnapshots(sketch, board, {}); }
+void clearUndoHistory(Sketch& sketch) { replaceUndoSnapshots(sketch, {}); }
 
-void replaceUndoSnapshots(Sketch& sketch, Board& board, const std::vector<SketchUndoSnapshot>& snapshots) {
+void replaceUndoSnapshots(Sketch& sketch, const std::vector<SketchUndoSnapshot>& snapshots) {
   const auto change = sketch.change();
   SketchUndoStack stack;
   stack.replaceUndoSnapshots(snapshots);
   sketch.setUndoStack(std::move(stack));
-  board.forgetDragBaseline();
+  sketch.forgetDragStep();
 }
 
 }  // namespace ostrelon

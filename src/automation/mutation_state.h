@@ -30,8 +30,8 @@ void commitCommandMutationState(Sketch& sketch, const SketchCommandMutationState
 
 /// An undo step of the entities as they are; a redo history ends.
 void captureUndoCheckpoint(Sketch& sketch);
-void clearUndoHistory(Sketch& sketch, Board& board);
+void clearUndoHistory(Sketch& sketch);
 /// The last 20 of these, oldest first, with no redo.
-void replaceUndoSnapshots(Sketch& sketch, Board& board, const std::vector<SketchUndoSnapshot>& snapshots);
+void replaceUndoSnapshots(Sketch& sketch, const std::vector<SketchUndoSnapshot>& snapshots);
 
 }  // namespace ostrelon

@@ -34,12 +34,11 @@ void addSketchCalls(CallTable& table) {
   table["parseDegrees"] = call(parseDegrees);
   table["aliasHelpText"] = call(CommandInterpreter::aliasHelpText);
   table["helpText"] = call(CommandInterpreter::helpText);
-  table["resolveCommandLine"] =
-      call([](const std::vector<std::string>& tokens) -> Json {
-        const auto resolved = CommandInterpreter::resolveCommandLine(tokens);
-        if (!resolved) return nullptr;
-        return {{"head", resolved->head}, {"command", resolved->command}, {"arguments", resolved->arguments}};
-      });
+  table["resolveCommandLine"] = call([](const std::vector<std::string>& tokens) -> Json {
+    const auto resolved = CommandInterpreter::resolveCommandLine(tokens);
+    if (!resolved) return nullptr;
+    return {{"head", resolved->head}, {"command", resolved->command}, {"arguments", resolved->arguments}};
+  });
   table["executeCommandLine"] = call([](AutomationSession& session, const std::string& text) {
     return CommandInterpreter::executeCommandLine(text, session.workspace().commands()).text;
   });
@@ -54,13 +53,16 @@ void addSketchCalls(CallTable& table) {
   table["clearDocumentToast"] = call(&Messages::clearToast);
 
   // --- Wall systems
-  table["activeWallSystemSpec"] = call([](const Sketch& sketch) { return sketch.drawing->activeWallSystem(); });
+  table["activeWallSystemSpec"] =
+      call([](const Sketch& sketch) { return sketch.drawing->activeWallSystem(); });
   table["wallSystemSpec"] = call([](AutomationSession& session, const std::string& idOrName) {
     const auto id = UUID::parse(idOrName);
     const WallSystemSpec* byID = id ? session.sketch().wallSystemSpec(*id) : nullptr;
     return toJson(byID != nullptr ? byID : session.sketch().wallSystemSpec(std::string_view(idOrName)));
   });
-  table["wallSystemName"] = call([](const Sketch& sketch, const SketchEntity& entity) { return sketch.drawing->wallSystemName(entity); });
+  table["wallSystemName"] = call([](const Sketch& sketch, const SketchEntity& entity) {
+    return sketch.drawing->wallSystemName(entity);
+  });
   table["setActiveWallSystem"] = call(setActiveWallSystem);
   table["updateWallSystemSpec"] = call(updateWallSystemSpec);
 

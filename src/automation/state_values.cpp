@@ -17,20 +17,21 @@ Json inGesture(const Kind* gesture) {
   return gesture != nullptr ? toJson(*gesture) : Json();
 }
 
-Json dragBaseline(const Board& board) {
-  const SelectDrag* drag = board.selectDrag();
-  if (drag == nullptr || !drag->baseline) return nullptr;
-  return toJson(SketchUndoSnapshot{*drag->baseline});
+Json dragBaseline(const Sketch& sketch) {
+  return sketch.dragStart() != nullptr ? toJson(SketchUndoSnapshot{*sketch.dragStart()}) : Json();
 }
 
 // The protocol's names, in its order. Undo runs within one request, and so do chains: their markers are
 // always at rest between requests.
 constexpr std::array kStateFields{
     StateField{"entities", [](const Workspace& w) { return toJson(w.sketch.entities()); }},
-    StateField{"wallSystemSpecs", [](const Workspace& w) { return toJson(w.sketch.drawing->wallSystemSpecs); }},
-    StateField{"activeWallSystemSpecID", [](const Workspace& w) { return toJson(w.sketch.drawing->activeWallSystemSpecID); }},
+    StateField{"wallSystemSpecs",
+               [](const Workspace& w) { return toJson(w.sketch.drawing->wallSystemSpecs); }},
+    StateField{"activeWallSystemSpecID",
+               [](const Workspace& w) { return toJson(w.sketch.drawing->activeWallSystemSpecID); }},
     StateField{"selectedEntityIDs", [](const Workspace& w) { return toJson(w.sketch.selection->ids); }},
-    StateField{"primarySelectedEntityID", [](const Workspace& w) { return toJson(w.sketch.selection->primary); }},
+    StateField{"primarySelectedEntityID",
+               [](const Workspace& w) { return toJson(w.sketch.selection->primary); }},
     StateField{"selectMarquee", [](const Workspace& w) { return inGesture(w.board.marquee()); }},
     StateField{"selectedTool", [](const Workspace& w) { return toJson(w.board.tool.get()); }},
     StateField{"consoleLines", [](const Workspace& w) { return toJson(w.messages.lines.get()); }},
@@ -48,36 +49,55 @@ constexpr std::array kStateFields{
     StateField{"hoveredEntityID", [](const Workspace& w) { return toJson(w.board.hover->entityID); }},
     StateField{"hoverViewPoint", [](const Workspace& w) { return toJson(w.board.hover->viewPoint); }},
     StateField{"cursorSketchPoint", [](const Workspace& w) { return toJson(w.board.cursor.get()); }},
-    StateField{"selectDrag", [](const Workspace& w) { return w.board.selectDrag() != nullptr ? toJson(w.board.selectDrag()->state) : Json(); }},
-    StateField{"isEntityInspectorVisible", [](const Workspace& w) { return toJson(w.sketch.selection->isInspected); }},
+    StateField{"selectDrag",
+               [](const Workspace& w) {
+                 return w.board.selectDrag() != nullptr ? toJson(w.board.selectDrag()->state) : Json();
+               }},
+    StateField{"isEntityInspectorVisible",
+               [](const Workspace& w) { return toJson(w.sketch.selection->isInspected); }},
     StateField{"activeAxisSnaps", [](const Workspace& w) { return toJson(w.board.snap->axes); }},
     StateField{"activeEntitySnapPoint", [](const Workspace& w) { return toJson(w.board.snap->entityPoint); }},
     StateField{"activeGridSnapPoint", [](const Workspace& w) { return toJson(w.board.snap->gridPoint); }},
-    StateField{"activeEntitySnapSourcePoint", [](const Workspace& w) { return toJson(w.board.snap->entitySourcePoint); }},
+    StateField{"activeEntitySnapSourcePoint",
+               [](const Workspace& w) { return toJson(w.board.snap->entitySourcePoint); }},
     StateField{"snapGuideAnchor", [](const Workspace& w) { return toJson(w.board.snap->guideAnchor); }},
     StateField{"snapFeedback", [](const Workspace& w) { return toJson(w.board.snap->feedback); }},
     StateField{"acquiredEntitySnap", [](const Workspace& w) { return toJson(w.board.tracking->locked); }},
-    StateField{"pendingTrackingAcquire", [](const Workspace& w) { return toJson(w.board.tracking->pending); }},
-    StateField{"trackingAcquireProgress", [](const Workspace& w) { return toJson(w.board.tracking->progress); }},
+    StateField{"pendingTrackingAcquire",
+               [](const Workspace& w) { return toJson(w.board.tracking->pending); }},
+    StateField{"trackingAcquireProgress",
+               [](const Workspace& w) { return toJson(w.board.tracking->progress); }},
     StateField{"lastDraftConstraintAxes", [](const Workspace& w) { return toJson(w.board.draftAxes.get()); }},
-    StateField{"trackingAcquireDwellStart", [](const Workspace& w) { return toJson(w.board.tracking->dwellStart); }},
+    StateField{"trackingAcquireDwellStart",
+               [](const Workspace& w) { return toJson(w.board.tracking->dwellStart); }},
     StateField{"trackingAcquireDwellTask", [](const Workspace& w) { return toJson(w.board.isDwelling()); }},
-    StateField{"handleDragReferenceAngle", [](const Workspace& w) { return w.board.selectDrag() != nullptr ? toJson(w.board.selectDrag()->referenceAngle) : Json(); }},
-    StateField{"trimCuttingEdgeEntityID", [](const Workspace& w) { return toJson(w.board.trimCuttingEdge.get()); }},
+    StateField{"handleDragReferenceAngle",
+               [](const Workspace& w) {
+                 return w.board.selectDrag() != nullptr ? toJson(w.board.selectDrag()->referenceAngle)
+                                                        : Json();
+               }},
+    StateField{"trimCuttingEdgeEntityID",
+               [](const Workspace& w) { return toJson(w.board.trimCuttingEdge.get()); }},
     StateField{"viewport", [](const Workspace& w) { return toJson(w.board.viewport()); }},
-    StateField{"hasInitializedViewport", [](const Workspace& w) { return toJson(w.board.view->isInitialized); }},
+    StateField{"hasInitializedViewport",
+               [](const Workspace& w) { return toJson(w.board.view->isInitialized); }},
     StateField{"canvasSize", [](const Workspace& w) { return toJson(w.board.view->canvasSize); }},
-    StateField{"isSegmentLengthEditing", [](const Workspace& w) { return toJson(w.board.lengthEditor->isOpen); }},
-    StateField{"segmentLengthEditText", [](const Workspace& w) { return toJson(w.board.lengthEditor->text); }},
-    StateField{"segmentLengthEditError", [](const Workspace& w) { return toJson(w.board.lengthEditor->error); }},
+    StateField{"isSegmentLengthEditing",
+               [](const Workspace& w) { return toJson(w.board.lengthEditor->isOpen); }},
+    StateField{"segmentLengthEditText",
+               [](const Workspace& w) { return toJson(w.board.lengthEditor->text); }},
+    StateField{"segmentLengthEditError",
+               [](const Workspace& w) { return toJson(w.board.lengthEditor->error); }},
     StateField{"undoStack", [](const Workspace& w) { return toJson(w.sketch.undoStack.get()); }},
     StateField{"isApplyingUndoRedo", [](const Workspace&) { return Json(false); }},
-    StateField{"selectDragUndoBaseline", [](const Workspace& w) { return dragBaseline(w.board); }},
+    StateField{"selectDragUndoBaseline", [](const Workspace& w) { return dragBaseline(w.sketch); }},
     StateField{"entityClipboard", [](const Workspace& w) { return toJson(w.sketch.clipboard.get()); }},
     StateField{"entityClipboardPasteOffset", [](const Workspace&) { return toJson(kDuplicateOffset); }},
-    StateField{"documentToastDismissTask", [](const Workspace& w) { return toJson(w.messages.willDismissToast()); }},
+    StateField{"documentToastDismissTask",
+               [](const Workspace& w) { return toJson(w.messages.willDismissToast()); }},
     StateField{"undoCheckpointSuppressionDepth", [](const Workspace&) { return Json(0); }},
-    StateField{"isSaveDialogActive", [](const Workspace& w) { return toJson(w.document.isSaveDialogActive.get()); }},
+    StateField{"isSaveDialogActive",
+               [](const Workspace& w) { return toJson(w.document.isSaveDialogActive.get()); }},
 };
 
 }  // namespace

@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 #include <clocale>
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -23,11 +25,37 @@ locale_t cLocale() {
   return locale;
 }
 
-// Takes the blanks (space and tab) off both ends.
+// The white space within a line: space, tab, and the wide, narrow and no-break spaces of typesetting.
+constexpr std::array<std::string_view, 18> kBlanks{
+    " ",      "\t",     "\u00A0", "\u1680", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004",
+    "\u2005", "\u2006", "\u2007", "\u2008", "\u2009", "\u200A", "\u202F", "\u205F", "\u3000"};
+
 std::string_view withoutBlanks(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+  const auto startsWith = [&](std::string_view blank) { return text.starts_with(blank); };
+  const auto endsWith = [&](std::string_view blank) { return text.ends_with(blank); };
+  for (auto blank = kBlanks.begin(); blank != kBlanks.end();) {
+    blank = std::find_if(kBlanks.begin(), kBlanks.end(), startsWith);
+    if (blank != kBlanks.end()) text.remove_prefix(blank->size());
+  }
+  for (auto blank = kBlanks.begin(); blank != kBlanks.end();) {
+    blank = std::find_if(kBlanks.begin(), kBlanks.end(), endsWith);
+    if (blank != kBlanks.end()) text.remove_suffix(blank->size());
+  }
+  return text;
+}
+
+// The shortest text that reads back to the value, or to its 32-bit self where it is no more than that.
+// Whole numbers are written out in full either way.
+template <class... Format>
+std::string shortestText(double value, Format... format) {
+  std::array<char, 64> buffer{};
+  char* const begin = buffer.data();
+  char* const end = begin + buffer.size();
+  const bool isNarrow = std::fabs(value) <= std::numeric_limits<float>::max() &&
+                        static_cast<double>(static_cast<float>(value)) == value && std::trunc(value) != value;
+  const auto written = isNarrow ? std::to_chars(begin, end, static_cast<float>(value), format...)
+                                : std::to_chars(begin, end, value == 0 ? 0.0 : value, format...);
+  return {begin, written.ptr};
 }
 
 }  // namespace
@@ -91,6 +119,11 @@ std::string formatFeetInches(double value) {
   return fmt::format("{}{:.0f}'{:.0f}\"", sign, feet, inches);
 }
 
+std::string formatOneDecimal(double value) {
+  std::string text = fmt::format("{:.1f}", value);
+  return text == "-0.0" ? "0.0" : text;
+}
+
 std::string formatShortNumber(double value) {
   const double scaled = std::round(value * 10) / 10;
   // Beyond this size a double has no decimals left, and times ten it may overflow.
@@ -105,13 +138,12 @@ std::string formatExactNumber(double value) {
   // Plain decimals between 1e-4 and 1e16, as people expect sizes; powers of ten beyond.
   const double magnitude = std::fabs(value);
   const bool plain = magnitude == 0 || (magnitude >= 1e-4 && magnitude < 1e16);
-  char buffer[64];
-  const auto format = plain ? std::chars_format::fixed : std::chars_format::scientific;
-  const auto [end, error] = std::to_chars(buffer, buffer + sizeof buffer, value, format);
-  std::string text(buffer, error == std::errc() ? end : buffer);
+  std::string text = shortestText(value, plain ? std::chars_format::fixed : std::chars_format::scientific);
   if (plain && text.find('.') == std::string::npos) text += ".0";
   return text;
 }
+
+std::string plainDecimalText(double value) { return shortestText(value); }
 
 std::optional<double> parseDegrees(std::string_view text) {
   constexpr std::string_view kDegreeSign = "\u00B0";

@@ -21,10 +21,15 @@ std::optional<SketchPoint> parsePoint(std::string_view xText, std::string_view y
 std::optional<double> parseFeetInches(std::string_view text);
 /// `3'6"`, rounded to the inch, halves away from zero; not finite gives `0'`.
 std::string formatFeetInches(double value);
+/// Always one decimal, and never "-0.0".
+std::string formatOneDecimal(double value);
 /// One decimal, or none when the rounded value is whole. `value` must be finite.
 std::string formatShortNumber(double value);
-/// The shortest text that reads back exactly, with at least one decimal: 4.5, 96.0, 1e+16.
+/// The shortest text that reads back exactly, with at least one decimal: 4.5, 96.0, 1e+16. A value that
+/// came through 32 bits reads back to the same 32 bits: 4.1, not 4.099999904632568.
 std::string formatExactNumber(double value);
+/// The same without the decimal of a whole number: 4.5, 96.
+std::string plainDecimalText(double value);
 /// A number in degrees with any degree signs at its ends taken off.
 std::optional<double> parseDegrees(std::string_view text);
 

@@ -67,7 +67,7 @@ void Sketch::edit(const std::function<void(Drawing&)>& change, UndoStep step) {
 
 void Sketch::countAsEdit(UndoStep step) {
   const ChangeScope scope(tracker_);
-  if (step == UndoStep::own && openSteps_ == 0) undoStack.edit().pushUndoSnapshot({entities()});
+  if (step == UndoStep::own && openSteps_ == 0) pushStep(entities());
   isDirty = true;
 }
 
@@ -86,24 +86,46 @@ bool Sketch::asOneStep(const std::function<bool()>& changes) {
 }
 
 void Sketch::recordStep(const EntityList& before) {
-  if (openSteps_ > 0 || before == entities()) return;
-  const ChangeScope scope(tracker_);
-  undoStack.edit().pushUndoSnapshot({before});
+  if (openSteps_ == 0 && !(before == entities())) pushStep(before);
 }
 
-void Sketch::takeBack(const EntityList& before) {
-  if (before == entities()) return;
+void Sketch::pushStep(const EntityList& before) {
   const ChangeScope scope(tracker_);
-  // The document may have been saved while the drag was under way.
-  edit([&](Drawing& drawing) { drawing.entities = before; }, UndoStep::none);
-  Selection remaining = selection;
-  std::erase_if(remaining.ids, [&](const UUID& id) { return entity(id) == nullptr; });
-  selection = remaining.empty() ? Selection() : std::move(remaining);
+  SketchUndoStack& stack = undoStack.edit();
+  if (dragStep_ && !dragStep_->isRecorded) {
+    dragStep_->isRecorded = true;
+    if (!(dragStep_->before == before)) stack.pushUndoSnapshot({dragStep_->before});
+  }
+  stack.pushUndoSnapshot({before});
+}
+
+// --- A drag
+
+void Sketch::beginDragStep() { dragStep_ = DragStep{entities()}; }
+
+void Sketch::endDragStep() {
+  if (!dragStep_) return;
+  const DragStep step = *std::exchange(dragStep_, std::nullopt);
+  if (!step.isRecorded) recordStep(step.before);
+}
+
+void Sketch::cancelDragStep() {
+  if (!dragStep_) return;
+  const ChangeScope scope(tracker_);
+  const DragStep step = *dragStep_;
+  if (!(step.before == entities())) {
+    // The document may have been saved while the drag was under way.
+    edit([&](Drawing& drawing) { drawing.entities = step.before; },
+         step.isRecorded ? UndoStep::own : UndoStep::none);
+  }
+  dragStep_.reset();
+  settleSelection();
 }
 
 void Sketch::setState(const SketchState& state) {
   const ChangeScope scope(tracker_);
   drawing = state.drawing;
+  dragStep_.reset();
   selection = state.selection;
   isDirty = state.isDirty;
 }
@@ -111,6 +133,7 @@ void Sketch::setState(const SketchState& state) {
 void Sketch::replace(Drawing replacement, std::vector<SketchUndoSnapshot> undoSteps) {
   const ChangeScope scope(tracker_);
   drawing = std::move(replacement);
+  dragStep_.reset();
   selection = Selection{{}, std::nullopt, selection->isInspected};
   clipboard = {};
   undoStack.edit().replaceUndoSnapshots(std::move(undoSteps));
@@ -145,6 +168,12 @@ bool Sketch::redo() {
 void Sketch::restore(const EntityList& restored) {
   const ChangeScope scope(tracker_);
   if (!(restored == entities())) drawing.edit().entities = restored;
+  dragStep_.reset();
+  settleSelection();
+  isDirty = true;
+}
+
+void Sketch::settleSelection() {
   Selection remaining = selection;
   std::erase_if(remaining.ids, [&](const UUID& id) { return entity(id) == nullptr; });
   if (remaining.empty()) {
@@ -153,7 +182,6 @@ void Sketch::restore(const EntityList& restored) {
     remaining.primary = *remaining.ids.begin();
   }
   selection = std::move(remaining);
-  isDirty = true;
 }
 
 void Sketch::setUndoStack(SketchUndoStack stack) {
@@ -173,7 +201,7 @@ void Sketch::addToSelection(const UUID& id) {
 }
 
 void Sketch::deselect(const UUID& id) {
-  if (!selection->contains(id)) return;
+  if (!selection->contains(id) && selection->primary != id) return;
   const ChangeScope scope(tracker_);
   Selection& selected = selection.edit();
   selected.ids.erase(id);

@@ -94,11 +94,24 @@ class Sketch {
   /// All edits that `changes` makes are one step, or none where the entities end as they began. When it
   /// returns false, everything in `SketchState` is put back.
   bool asOneStep(const std::function<bool()>& changes);
-  /// Records what a drag has done as one step, unless the entities are what they were before.
+  /// Records what was done without a step as one, unless the entities are what they were before.
   void recordStep(const EntityList& before);
-  /// Puts the entities back as they were when a drag began. What a command has added meanwhile goes with
-  /// the drag, and so does its selection.
-  void takeBack(const EntityList& before);
+
+  // --- A drag, whose whole course is one step. An edit in the middle of it has what was dragged so far as
+  // a step of its own beneath it.
+
+  void beginDragStep();
+  void endDragStep();
+  /// Puts the entities back as they were when the drag began. What a command has added meanwhile goes
+  /// with the drag, and so does its selection; where it took a step, undo brings it back.
+  void cancelDragStep();
+  /// The drag leaves no step.
+  void forgetDragStep() { dragStep_.reset(); }
+  /// The entities when the drag began, while one is under way.
+  const EntityList* dragStart() const { return dragStep_ ? &dragStep_->before : nullptr; }
+
+  // --- The whole of it
+
   SketchState state() const { return {drawing, selection, isDirty}; }
   void setState(const SketchState& state);
   /// Another document takes the place of this one: nothing is selected, nothing copied, and undo steps
@@ -123,8 +136,8 @@ class Sketch {
   void selectOnly(const UUID& id);
   /// Adds it and makes it the primary one.
   void addToSelection(const UUID& id);
-  /// Takes it out of the selection; a primary one that goes is replaced by some member. The inspector
-  /// closes with the last one.
+  /// Takes it out of the selection, and as the primary one also where it is not selected; some member
+  /// takes its place. The inspector closes with the last one.
   void deselect(const UUID& id);
   /// Nothing is selected, and the inspector closes.
   void clearSelection() { selection = Selection(); }
@@ -133,8 +146,19 @@ class Sketch {
   void setClipboard(std::vector<SketchEntity> entities) { clipboard = std::move(entities); }
 
  private:
+  struct DragStep {
+    EntityList before;
+    bool isRecorded = false;  // what was dragged can be undone already
+  };
+
+  void pushStep(const EntityList& before);
+  /// Leaves out of the selection what is gone. Some member becomes the primary one when that is gone;
+  /// none, and no inspector, when nothing is selected.
+  void settleSelection();
+
   mutable EntityIndex index_;  // follows the entities, lazily
   int openSteps_ = 0;          // how many `asOneStep` are under way
+  std::optional<DragStep> dragStep_;
 };
 
 }  // namespace ostrelon

@@ -7,6 +7,7 @@
 
 #include "core/circle.h"
 #include "core/entity_list.h"
+#include "core/length_text.h"
 
 namespace ostrelon {
 namespace {
@@ -24,9 +25,12 @@ constexpr std::array<KindNames, std::variant_size_v<SketchEntity>> kKindNames{{{
                                                                                {"rectangle", "Rectangle"},
                                                                                {"polygon", "Polygon"}}};
 
+std::string pointText(SketchPoint point) {
+  return "(" + formatOneDecimal(point.x) + ", " + formatOneDecimal(point.y) + ")";
+}
+
 std::string segmentDescription(SketchPoint from, SketchPoint to) {
-  return fmt::format("from ({:.1f}, {:.1f}) to ({:.1f}, {:.1f}) · L={:.1f}", from.x, from.y, to.x, to.y,
-                     distanceBetween(from, to));
+  return fmt::format("from {} to {} · L={:.1f}", pointText(from), pointText(to), distanceBetween(from, to));
 }
 
 EntityMetrics segmentMetrics(std::string type, SketchPoint from, SketchPoint to) {
@@ -82,16 +86,16 @@ std::string entityDescription(const SketchEntity& entity, const std::optional<st
                                segmentDescription(wall.from, wall.to));
           },
           [](const CircleEntity& circle) {
-            return fmt::format("circle center ({:.1f}, {:.1f}) · r={:.1f}", circle.center.x, circle.center.y,
-                               circle.radius);
+            return fmt::format("circle center {} · r={:.1f}", pointText(circle.center), circle.radius);
           },
           [](const ArcEntity& arc) {
-            return fmt::format("arc center ({:.1f}, {:.1f}) · r={:.1f} · span={:.1f}°", arc.center.x,
-                               arc.center.y, arc.radius, degreesOf(arcSpan(arc.startAngle, arc.endAngle)));
+            return fmt::format("arc center {} · r={:.1f} · span={:.1f}°", pointText(arc.center), arc.radius,
+                               degreesOf(arcSpan(arc.startAngle, arc.endAngle)));
           },
           [](const RectangleEntity& rectangle) {
-            return fmt::format("rect origin ({:.1f}, {:.1f}) · {:.1f}×{:.1f}", rectangle.origin.x,
-                               rectangle.origin.y, rectangle.size.width, rectangle.size.height);
+            return fmt::format("rect origin {} · {}×{}", pointText(rectangle.origin),
+                               formatOneDecimal(rectangle.size.width),
+                               formatOneDecimal(rectangle.size.height));
           },
           [](const PolygonEntity& polygon) {
             return fmt::format("polygon · {} vertices · P={:.1f} · A={:.1f}", polygon.vertices.size(),

@@ -377,6 +377,8 @@ class SketchViewModel {
   /// Puts the moving point of the draft exactly there.
   void setDraftCurrent(SketchPoint point);
   void commitDraft();
+  /// As `commitDraft`, whatever the size: for a draft whose size was typed.
+  void commitTypedDraft();
   void addPolygonVertex(SketchPoint point);
   void updatePolygonDraft(SketchPoint point);
   bool closePolygon();
@@ -410,10 +412,22 @@ class SketchViewModel {
   /// Moves the end of the line or wall at this position; a wall becomes the selection. No undo step
   /// of its own: the chain takes one.
   void extendChainSegment(std::size_t index, SketchPoint to);
-  /// Takes a failed chain back, together with what `select` may have closed: a polygon in progress and
-  /// the inspector.
-  void restoreAfterFailedChain(const SketchCommandMutationState& before,
-                               const std::optional<PolygonDraft>& polygon, bool isInspectorVisible);
+  /// What a chain's `select` may close and a failed chain leaves alone.
+  struct OpenWork {
+    std::optional<PolygonDraft> polygonDraft;
+    std::vector<AxisSnap> lastDraftConstraintAxes;
+    bool isEntityInspectorVisible = false;
+    bool isSegmentLengthEditing = false;
+    bool isSegmentLengthTextOffered = false;
+    std::string segmentLengthEditText;
+    std::optional<std::string> segmentLengthEditError;
+    std::optional<EntitySnapTarget> acquiredEntitySnap;
+    std::optional<EntitySnapTarget> pendingTrackingAcquire;
+    std::optional<Date> trackingAcquireDwellStart;
+    double trackingAcquireProgress = 0;
+  };
+  OpenWork openWork() const;
+  void restoreAfterFailedChain(const SketchCommandMutationState& before, const OpenWork& work);
 
   // --- Documents (documents/document_operations.cpp); failures are thrown as UserError
 
@@ -448,6 +462,13 @@ class SketchViewModel {
  private:
   static constexpr unsigned n(SketchField field) { return static_cast<unsigned>(field); }
 
+  /// One more step to go back to. An edit in the middle of a drag has what was dragged so far as a step of
+  /// its own beneath it.
+  void pushUndoStep(const SketchUndoSnapshot& before);
+  /// Some member of the selection becomes the primary entity when the primary one is gone; none, and no
+  /// inspector, when nothing is selected.
+  void settleSelection();
+  void addDraft(bool whateverItsSize);
   /// Checkpoint, append, dirty: the common end of every operation that adds one entity.
   void appendNewEntity(SketchEntity entity);
   /// The new selection of one, with its entity as the primary one.
@@ -499,6 +520,8 @@ class SketchViewModel {
   SketchUndoStack undoStack_;
   std::optional<DocumentOnDisk> documentOnDisk_;
   bool isApplyingUndoRedo_ = false;
+  bool hasUndoStepOfDrag_ = false;           // what the drag moves can be undone already
+  bool isSegmentLengthTextOffered_ = false;  // the editor shows the text with which it opened
   int undoCheckpointSuppressionDepth_ = 0;
   std::optional<ScheduledTask> documentToastDismissTask_;
   std::optional<ScheduledTask> trackingAcquireDwellTask_;

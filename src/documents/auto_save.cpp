@@ -48,7 +48,8 @@ std::optional<std::string> autoSaveTick(SketchViewModel& sketch, AppSettings& se
   const AutoSaveTarget target = autoSaveTarget(sketch, settings);
   if (target.refusal) return reportSkipped(sketch, *target.refusal);
   if (!target.url) return std::nullopt;
-  auto failure = saveToURL(sketch, settings, *target.url, false);
+  auto failure = sketch.documentFileURL->has_value() ? saveToURL(sketch, settings, *target.url, false)
+                                                     : saveToFreeName(sketch, settings, false);
   if (!failure) recordAutoSave(sketch, settings);
   return failure;
 }
@@ -147,9 +148,9 @@ void AutoSaveController::finish(Running& running) {
     return;
   }
   const bool isNewFile = !running.documentURL.has_value();
-  if (isNewFile && (!running.save.holdsStateOf(sketch_) || settings_.files().exists(running.save.url()))) {
-    // Of a document without a file only its content says that it is still the same, and its name may
-    // have been taken.
+  if (isNewFile && (!running.save.holdsStateOf(sketch_) || settings_.files().isTaken(running.save.url()))) {
+    // Of a document without a file only its content says that it is still the same, and its name may have
+    // been taken: by a link, which was then followed.
     autoSaveTick(sketch_, settings_);
     return;
   }
@@ -159,6 +160,9 @@ void AutoSaveController::finish(Running& running) {
   }
   try {
     sketch_.finishDocumentSave(running.save);
+  } catch (const NameTakenError&) {
+    autoSaveTick(sketch_, settings_);
+    return;
   } catch (const UserError& error) {
     reportSaveFailed(sketch_, error.what(), false);
     return;

@@ -51,10 +51,25 @@ FilePath timelineURL(const FilePath& url, const std::string& branchID) {
   return branchFolder(url, branchID) / "timeline.json";
 }
 
+// The path of a file of the store, once it is known that no link leads away from there.
+FilePath checkedForLinks(FileSystem& files, const FilePath& url, FilePath inStore) {
+  const FilePath folder = storeFolder(url).parent_path();
+  FilePath part = folder;
+  for (const FilePath& name : inStore.lexically_relative(folder)) {
+    part /= name;
+    if (files.isLink(part)) {
+      throw DocumentFormatError("The history is damaged: " + quotedName(part) +
+                                " is a link that leads out of the history folder.");
+    }
+  }
+  return inStore;
+}
+
 void writeTimeline(FileSystem& files, const FilePath& url, const std::string& branchID,
                    const std::vector<DocumentCheckpoint>& checkpoints) {
-  files.createFolders(branchFolder(url, branchID));
-  files.writeFile(timelineURL(url, branchID), encodeBranchTimeline({branchID, checkpoints}));
+  const FilePath timeline = checkedForLinks(files, url, timelineURL(url, branchID));
+  files.createFolders(timeline.parent_path());
+  files.writeFile(timeline, encodeBranchTimeline({branchID, checkpoints}));
 }
 
 std::string newCheckpointID() { return "cp-" + lowerCased(UUID::random().text()); }
@@ -96,12 +111,13 @@ DocumentHistoryState defaultDocumentHistoryState(std::optional<std::string> docu
 
 DocumentHistoryState loadDocumentHistory(FileSystem& files, const FilePath& url) {
   const FilePath path = checkedDocumentURL(url);
-  if (!files.exists(metadataURL(path))) return defaultDocumentHistoryState(path.filename().string());
+  const FilePath metadata = checkedForLinks(files, path, metadataURL(path));
+  if (!files.exists(metadata)) return defaultDocumentHistoryState(path.filename().string());
   DocumentHistoryState state;
-  state.metadata = decodeHistoryMetadata(files.readFile(metadataURL(path)));
+  state.metadata = decodeHistoryMetadata(files.readFile(metadata));
   state.checkpointsByBranch.clear();
   for (const DocumentHistoryBranch& branch : state.metadata.branches) {
-    const FilePath timeline = timelineURL(path, branch.id);
+    const FilePath timeline = checkedForLinks(files, path, timelineURL(path, branch.id));
     state.checkpointsByBranch[branch.id] = files.exists(timeline)
                                                ? decodeBranchTimeline(files.readFile(timeline)).checkpoints
                                                : std::vector<DocumentCheckpoint>();
@@ -135,7 +151,7 @@ DocumentCheckpoint createCheckpoint(FileSystem& files, const FilePath& url, std:
   checkpoint.fileName = checkpoint.id + kDocumentExtension;
 
   const std::string& branchID = state.metadata.currentBranchID;
-  const FilePath target = checkpointURL(path, branchID, checkpoint.fileName);
+  const FilePath target = checkedForLinks(files, path, checkpointURL(path, branchID, checkpoint.fileName));
   files.createFolders(target.parent_path());
   if (files.exists(target)) {
     throw FileError("Could not write " + quotedName(target) + ": a file of that name is there.");
@@ -175,9 +191,10 @@ DocumentHistoryBranch createBranch(FileSystem& files, const FilePath& url, const
   first.fileName = first.id + kDocumentExtension;
   first.sourceCheckpointID = source->checkpoint.id;
 
-  const FilePath target = checkpointURL(path, id, first.fileName);
+  const FilePath target = checkedForLinks(files, path, checkpointURL(path, id, first.fileName));
+  const FilePath copied = checkpointURL(path, source->branch.id, source->checkpoint.fileName);
   files.createFolders(target.parent_path());
-  files.copyFile(checkpointURL(path, source->branch.id, source->checkpoint.fileName), target);
+  files.copyFile(checkedForLinks(files, path, copied), target);
 
   DocumentHistoryBranch branch;
   branch.id = id;
@@ -199,8 +216,29 @@ FilePath checkpointURL(const FilePath& url, const std::string& branchID, const s
   return branchFolder(url, branchID) / "checkpoints" / fileName;
 }
 
+std::string readCheckpoint(FileSystem& files, const FilePath& url, const std::string& branchID,
+                           const std::string& fileName) {
+  return files.readFile(checkedForLinks(files, url, checkpointURL(url, branchID, fileName)));
+}
+
 void writeHistoryMetadata(FileSystem& files, const FilePath& url, const DocumentHistoryMetadata& metadata) {
-  files.writeFile(metadataURL(url), encodeHistoryMetadata(metadata));
+  prepareHistoryMetadata(files, url, metadata)->commit();
+}
+
+std::unique_ptr<PendingFile> prepareHistoryMetadata(FileSystem& files, const FilePath& url,
+                                                    const DocumentHistoryMetadata& metadata) {
+  return files.prepareFile(checkedForLinks(files, url, metadataURL(url)),
+                           [&](const FileSystem::Writer& write) { write(encodeHistoryMetadata(metadata)); });
+}
+
+void takeBackHistoryMetadata(FileSystem& files, const FilePath& url, const PendingFile& written,
+                             const DocumentHistoryMetadata& before) {
+  if (files.info(metadataURL(url)) != written.info()) return;
+  try {
+    writeHistoryMetadata(files, url, before);
+  } catch (const UserError&) {
+    return;
+  }
 }
 
 std::unique_ptr<FileLock> lockDocumentHistory(FileSystem& files, const FilePath& url) {

@@ -6,12 +6,14 @@
 //   .ostrel-history/branches/ID/checkpoints/CHECKPOINT.ostrel one snapshot: a document without undo
 //
 // What is read from these files is not trusted: an identifier or a file name that is not a plain name
-// of one folder or file is an error, so that nothing outside the store is read or written.
+// of one folder or file is an error, and so is a symbolic link anywhere in the store or in its place, so that
+// nothing outside the store is read or written.
 //
 // The operations take the URL of the document file and throw `DocumentHistoryStoreError`,
 // `DocumentFileStoreError`, `DocumentFormatError` or `FileError`.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -63,8 +65,18 @@ DocumentHistoryBranch createBranch(FileSystem& files, const FilePath& url, const
 
 /// Where the snapshot of a checkpoint lies. Throws for names that are not plain.
 FilePath checkpointURL(const FilePath& url, const std::string& branchID, const std::string& fileName);
+/// The snapshot's bytes.
+std::string readCheckpoint(FileSystem& files, const FilePath& url, const std::string& branchID,
+                           const std::string& fileName);
 /// Writes `meta.json`.
 void writeHistoryMetadata(FileSystem& files, const FilePath& url, const DocumentHistoryMetadata& metadata);
+/// The same, up to where it takes the place of the old one.
+std::unique_ptr<PendingFile> prepareHistoryMetadata(FileSystem& files, const FilePath& url,
+                                                    const DocumentHistoryMetadata& metadata);
+/// The way back of a change that has failed half-way: puts `before` into the place that `written` has taken,
+/// if it has. Tells of no failure of its own, since there is one to be told already.
+void takeBackHistoryMetadata(FileSystem& files, const FilePath& url, const PendingFile& written,
+                             const DocumentHistoryMetadata& before);
 /// Held while the store is read, changed and written back, against another copy of the program.
 std::unique_ptr<FileLock> lockDocumentHistory(FileSystem& files, const FilePath& url);
 

@@ -40,8 +40,7 @@ void saveAsIsOrAsk(SketchViewModel& sketch, AppSettings& settings, bool announce
     saveDocumentAs(sketch, settings, announce, done);
     return;
   }
-  const FilePath url = nextUntitledURL(settings.files(), **settings.projectsFolderURL);
-  finish(done, outcomeOf(saveToURL(sketch, settings, url, announce)));
+  finish(done, outcomeOf(saveToFreeName(sketch, settings, announce)));
 }
 
 // Runs the work once a toast has been drawn that says that it is under way.
@@ -54,13 +53,6 @@ FilePath startingFolder(const SketchViewModel& sketch, const AppSettings& settin
   if (settings.isProjectsFolderConfigured()) return **settings.projectsFolderURL;
   if (sketch.documentFileURL->has_value()) return (*sketch.documentFileURL)->parent_path();
   return {};
-}
-
-// What the user has typed, with the extension of documents where it has none; a dot alone is none.
-FilePath withExtension(FilePath url) {
-  const FilePath extension = url.extension();
-  if (extension.empty() || extension == ".") url.replace_filename(url.stem().string() + kDocumentExtension);
-  return url;
 }
 
 struct RecentFile {
@@ -86,20 +78,27 @@ void saveDocumentAs(SketchViewModel& sketch, AppSettings& settings, bool announc
   sketch.setSaveDialogActive(true);
   sketch.host().dialogs.ask(
       panel, [&sketch, &settings, announce, done = std::move(done)](const DialogAnswer& answer) {
-        sketch.setSaveDialogActive(false);
         if (!answer || answer->empty()) {
+          sketch.setSaveDialogActive(false);
           finish(done, SaveOutcome::cancelled);
           return;
         }
-        const FilePath url = withExtension(*answer);
-        const auto save = [&sketch, &settings, announce, done, url] {
-          finish(done, outcomeOf(saveToURL(sketch, settings, url, announce)));
-        };
-        if (announce) {
-          announceSaving(sketch, save);
-        } else {
-          save();
-        }
+        const FilePath url = withEnding(*answer, kDocumentExtension);
+        askBeforeReplacing(sketch.host(), *answer, url, [&sketch, &settings, announce, done, url](bool may) {
+          sketch.setSaveDialogActive(false);
+          if (!may) {
+            finish(done, SaveOutcome::cancelled);
+            return;
+          }
+          const auto save = [&sketch, &settings, announce, done, url] {
+            finish(done, outcomeOf(saveToURL(sketch, settings, url, announce)));
+          };
+          if (announce) {
+            announceSaving(sketch, save);
+          } else {
+            save();
+          }
+        });
       });
 }
 
@@ -107,6 +106,23 @@ std::optional<std::string> saveToURL(SketchViewModel& sketch, AppSettings& setti
                                      bool announce) {
   try {
     sketch.saveDocumentFile(url);
+  } catch (const UserError& error) {
+    return reportSaveFailed(sketch, error.what(), announce);
+  }
+  reportSaved(sketch, settings, announce);
+  return std::nullopt;
+}
+
+std::optional<std::string> saveToFreeName(SketchViewModel& sketch, AppSettings& settings, bool announce) {
+  try {
+    for (bool isSaved = false; !isSaved;) {
+      try {
+        sketch.saveDocumentFile(nextUntitledURL(settings.files(), **settings.projectsFolderURL));
+        isSaved = true;
+      } catch (const NameTakenError&) {
+        // Another window was quicker: the next name may be free.
+      }
+    }
   } catch (const UserError& error) {
     return reportSaveFailed(sketch, error.what(), announce);
   }
@@ -155,7 +171,7 @@ std::string reportOpenFailed(SketchViewModel& sketch, const std::string& descrip
 
 FilePath nextUntitledURL(FileSystem& files, const FilePath& folder) {
   FilePath url = folder / (std::string(kUntitledName) + kDocumentExtension);
-  for (int number = 1; files.exists(url); ++number) {
+  for (int number = 1; files.isTaken(url); ++number) {
     url = folder / (std::string(kUntitledName) + " (" + std::to_string(number) + ")" + kDocumentExtension);
   }
   return url;

@@ -25,6 +25,9 @@ void saveDocumentAs(SketchViewModel& sketch, AppSettings& settings, bool announc
 /// Saves and tells of it. The failure text, prefix included; absent when the document was saved.
 std::optional<std::string> saveToURL(SketchViewModel& sketch, AppSettings& settings, const FilePath& url,
                                      bool announce);
+/// Saves a new document under the first free name of the projects folder, which must be set; a name that
+/// another window takes meanwhile is passed over. Else as `saveToURL`.
+std::optional<std::string> saveToFreeName(SketchViewModel& sketch, AppSettings& settings, bool announce);
 /// Opens and tells of it. The failure text, prefix included; absent when the document was opened.
 std::optional<std::string> openDocument(SketchViewModel& sketch, AppSettings& settings, const FilePath& url);
 

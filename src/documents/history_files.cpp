@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "documents/sketch_document_io.h"
+#include "platform/nul_byte.h"
 
 namespace ostrelon {
 namespace {
@@ -81,11 +82,15 @@ std::optional<std::string> optionalText(const std::optional<Node>& node) {
 }
 
 json parsed(std::string_view bytes, const char* file) {
+  const auto damageAt = [file](std::size_t place) {
+    return DocumentFormatError(std::string("The history is damaged in ") + file + " at byte " +
+                               std::to_string(place) + ": it is not JSON.");
+  };
+  if (const auto place = nulByteIn(bytes)) throw damageAt(*place);
   try {
     return json::parse(bytes);
   } catch (const json::parse_error& error) {
-    throw DocumentFormatError(std::string("The history is damaged in ") + file + " at byte " +
-                              std::to_string(error.byte == 0 ? 0 : error.byte - 1) + ": it is not JSON.");
+    throw damageAt(error.byte == 0 ? 0 : error.byte - 1);
   } catch (const json::exception&) {
     throw DocumentFormatError(std::string("The history is damaged in ") + file + ": a number is too large.");
   }

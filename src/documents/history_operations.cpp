@@ -4,6 +4,7 @@
 #include "core/sketch_view_model.h"
 #include "documents/document_history.h"
 #include "documents/document_paths.h"
+#include "documents/document_save.h"
 #include "documents/sketch_document.h"
 #include "documents/sketch_document_io.h"
 
@@ -81,7 +82,7 @@ DocumentHistoryBranch SketchViewModel::switchBranch(const std::string& nameOrID)
   const DocumentCheckpoint* head = findCheckpointOf(state, branch, *branch.headCheckpointID);
   if (head == nullptr) throw Error(Error::Case::checkpointNotFound, *branch.headCheckpointID);
   LoadedSketchDocument document =
-      SketchDocumentIO::decodeDocument(host_.files.readFile(checkpointURL(*url, branch.id, head->fileName)));
+      SketchDocumentIO::decodeDocument(readCheckpoint(host_.files, *url, branch.id, head->fileName));
 
   const ChangeScope scope(tracker_);
   const std::optional<DocumentOnDisk> onDisk = documentOnDisk_;
@@ -116,15 +117,25 @@ DocumentHistoryBranch SketchViewModel::switchBranch(const std::string& nameOrID)
   clearUndoHistory();
   documentFileURL = *url;
   try {
-    saveDocumentFile(*url);
+    // Both are whole and on the disk before either takes its place.
+    DocumentSave save(*this, *url);
+    save.write(host_.files);
+    const DocumentHistoryMetadata before = state.metadata;
+    state.metadata.currentBranchID = branch.id;
+    const auto metadata = prepareHistoryMetadata(host_.files, *url, state.metadata);
+    try {
+      metadata->commit();
+      finishDocumentSave(save);
+    } catch (...) {
+      takeBackHistoryMetadata(host_.files, *url, *metadata, before);
+      throw;
+    }
   } catch (...) {
     putBack();
     // The new content may be in its place though it could not be made to last.
     if (documentOnDisk_ != onDisk) isDocumentDirty = true;
     throw;
   }
-  state.metadata.currentBranchID = branch.id;
-  writeHistoryMetadata(host_.files, *url, state.metadata);
   refreshDocumentHistory();
   return branch;
 }

@@ -9,6 +9,7 @@ namespace ostrelon {
 namespace {
 
 constexpr const char* kOverwrite = "Overwrite";
+constexpr const char* kReplace = "Replace";
 
 }  // namespace
 
@@ -47,6 +48,27 @@ void askBeforeSwitching(SketchViewModel& sketch, const std::string& nameOrID,
   } else {
     answered(std::nullopt);
   }
+}
+
+FilePath withEnding(FilePath path, const std::string& ending) {
+  const FilePath present = path.extension();
+  if (present.empty() || present == ".") path.replace_filename(path.stem().string() + ending);
+  return path;
+}
+
+void askBeforeReplacing(const Host& host, const FilePath& given, const FilePath& completed,
+                        std::function<void(bool mayReplace)> answered) {
+  if (completed == given || !host.dialogs.confirmsReplacing() || !host.files.exists(completed)) {
+    answered(true);
+    return;
+  }
+  Alert question;
+  question.message = quotedName(completed) + " already exists. Do you want to replace it?";
+  question.informativeText = "If you replace it, what it holds is lost.";
+  question.buttons = {"Cancel", kReplace};
+  host.dialogs.ask(question, [answered = std::move(answered)](const DialogAnswer& answer) {
+    answered(answer == kReplace);
+  });
 }
 
 }  // namespace ostrelon

@@ -23,4 +23,13 @@ void askBeforeOverwriting(SketchViewModel& sketch,
 void askBeforeSwitching(SketchViewModel& sketch, const std::string& nameOrID,
                         std::function<void(std::optional<std::string> refusal)> answered);
 
+/// The path that a save panel gave, with this ending where its name has none; a dot alone is none.
+FilePath withEnding(FilePath path, const std::string& ending);
+
+/// Calls `answered` once: with true when a file may be written to `completed`, which was made of the path
+/// that a save panel gave. Where they differ and a file is there, the panel could not ask about it, and the
+/// user is asked here; never on a host whose panels do not ask either.
+void askBeforeReplacing(const Host& host, const FilePath& given, const FilePath& completed,
+                        std::function<void(bool mayReplace)> answered);
+
 }  // namespace ostrelon

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include "geometry/entity_geometry.h"
 #include "interaction/canvas_frame.h"
@@ -26,6 +27,28 @@ constexpr std::array kPaperSizes{
     PaperSize{"A3", millimeters(297), millimeters(420)}, PaperSize{"A2", millimeters(420), millimeters(594)},
     PaperSize{"A1", millimeters(594), millimeters(841)}, PaperSize{"A0", millimeters(841), millimeters(1189)},
 };
+
+// In lower case without blanks: what else a sheet is called, and its name above.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 18> kOtherPaperNames{{
+    {"ansia", "letter"},
+    {"usletter", "letter"},
+    {"uslegal", "legal"},
+    {"ansib", "tabloid"},
+    {"ledger", "tabloid"},
+    {"ustabloid", "tabloid"},
+    {"usledger", "tabloid"},
+    {"11x17", "tabloid"},
+    {"isoa4", "a4"},
+    {"isoa3", "a3"},
+    {"isoa2", "a2"},
+    {"isoa1", "a1"},
+    {"isoa0", "a0"},
+    {"dina4", "a4"},
+    {"dina3", "a3"},
+    {"dina2", "a2"},
+    {"dina1", "a1"},
+    {"dina0", "a0"},
+}};
 
 constexpr std::array kCommonScales{
     DrawingScale{4},   DrawingScale{8},  DrawingScale{12},  DrawingScale{16},  DrawingScale{24},
@@ -219,8 +242,12 @@ std::optional<PaperSize> paperSizeNamed(std::string_view name) {
     std::erase_if(result, [](char c) { return c == ' ' || c == '-' || c == '_'; });
     return result;
   };
+  std::string wanted = plain(name);
+  for (const auto& [other, own] : kOtherPaperNames) {
+    if (wanted == other) wanted = own;
+  }
   const auto* found = std::find_if(kPaperSizes.begin(), kPaperSizes.end(),
-                                   [&](const PaperSize& size) { return plain(size.name) == plain(name); });
+                                   [&](const PaperSize& size) { return plain(size.name) == wanted; });
   return found == kPaperSizes.end() ? std::nullopt : std::optional(*found);
 }
 

@@ -43,7 +43,8 @@ struct PaperSize {
 
 /// Letter, Legal, Tabloid, the ANSI, ARCH and ISO A sheets, small to large within each family.
 std::span<const PaperSize> paperSizes();
-/// By name, without regard to case and blanks.
+/// By name, without regard to case and blanks. Other usual names are known too, such as "ANSI B" and "Ledger"
+/// for Tabloid, "US Letter" and "ISO A3".
 std::optional<PaperSize> paperSizeNamed(std::string_view name);
 
 // --- Scale

@@ -60,9 +60,9 @@ void Board::setState(const BoardState& state) {
   gesture = isDrawn ? state.gesture : Gesture();
   groupMove_.reset();
   trimCuttingEdge = state.trimCuttingEdge;
+  draftAxes = state.draftAxes;
   lengthEditor = state.lengthEditor;
   tracking = state.tracking;
-  draftAxes = state.draftAxes;
   scheduleTrackingDwell();
   hover = Hover();
   clearSnap();
@@ -81,17 +81,7 @@ void Board::documentOpened(const SketchViewport& viewport) {
 void Board::documentBegun() {
   const auto scope = change();
   if (draft() != nullptr) gesture = Gesture();
-  // What a drag began with belongs to the document that has gone.
-  forgetDragBaseline();
   changeView([](BoardView& changed) { changed.isInitialized = false; });
-}
-
-void Board::forgetDragBaseline() {
-  const SelectDrag* drag = selectDrag();
-  if (drag == nullptr || !drag->baseline) return;
-  SelectDrag orphan = *drag;
-  orphan.baseline = std::nullopt;
-  gesture = std::move(orphan);
 }
 
 // --- Resets

@@ -31,9 +31,9 @@ struct BoardState {
   SketchTool tool = SketchTool::select;
   Gesture gesture;
   std::optional<UUID> trimCuttingEdge;
+  std::vector<AxisSnap> draftAxes;
   LengthEditor lengthEditor;
   Tracking tracking;
-  std::vector<AxisSnap> draftAxes;
 };
 
 class Board {
@@ -88,15 +88,13 @@ class Board {
   void clearSketch();
   /// Puts these entities in the place of all, as undo and redo do.
   void restoreSnapshot(const EntityList& entities);
-  BoardState state() const { return {tool, gesture, trimCuttingEdge, lengthEditor, tracking, draftAxes}; }
+  BoardState state() const { return {tool, gesture, trimCuttingEdge, draftAxes, lengthEditor, tracking}; }
   /// As it was before a chain that failed. A drag or marquee is not taken up again.
   void setState(const BoardState& state);
   /// Another document has come, with its own view where it has one. A new one lets a polygon, a drag and
   /// a marquee stand.
   void documentOpened(const SketchViewport& viewport);
   void documentBegun();
-  /// The undo history has gone; a drag in progress will leave no step.
-  void forgetDragBaseline();
 
   // --- Resets (board.cpp)
 
@@ -217,6 +215,7 @@ class Board {
   /// While a point is locked, a result without an entity point marks the locked one.
   void publishDraftSnap(const SketchSnapResult& result, SketchPoint anchor);
   void publishTrackedTarget(const EntitySnapTarget& target, std::string feedback);
+  void showFeedback(std::optional<std::string> feedback);
   /// One look of the dwell task at the clock.
   void pollTrackingDwell();
   /// What hovering shows for a tool whose first point is not placed yet: entity points alone.

@@ -101,6 +101,7 @@ void CanvasGestures::doubleClick() {
 // a marquee
 
 void CanvasGestures::selectChanged(SketchPoint viewPoint) {
+  board_.recordPointer(viewPoint);
   if (board_.selectDrag() != nullptr) {
     board_.updateSelectDrag(toSketch(viewPoint));
   } else if (board_.marquee() != nullptr) {

@@ -10,6 +10,8 @@
 
 namespace ostrelon {
 
+class Board;
+
 /// The shortest line, wall or radius, and the smallest side of a rectangle, sketch units. Smaller
 /// gestures end without an entity.
 inline constexpr double kMinimumDraftSize = 1.0;
@@ -22,5 +24,9 @@ std::optional<SketchEntity> draftedEntity(SketchTool tool, const SketchDraft& dr
                                           const UUID& wallSystemID);
 /// True when a draft is large enough for the tool to make an entity of it.
 bool isDraftLargeEnough(SketchTool tool, const SketchDraft& draft);
+
+/// The point that the badges of the snap and of the measures stand beside: the snapped point, which lies
+/// near the pointer; under a lock, which marks a point far away, the pointer itself. Sketch units.
+std::optional<SketchPoint> pointerBadgePoint(const Board& board);
 
 }  // namespace ostrelon

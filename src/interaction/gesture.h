@@ -7,7 +7,6 @@
 #include <variant>
 #include <vector>
 
-#include "core/entity_list.h"
 #include "core/sketch_point.h"
 #include "core/sketch_viewport.h"
 #include "interaction/select_drag_state.h"
@@ -17,11 +16,9 @@
 
 namespace ostrelon {
 
-/// The drag of a handle, of an entity or of a group, as one undo step.
+/// The drag of a handle, of an entity or of a group.
 struct SelectDrag {
   SelectDragState state;
-  /// The entities before the drag; absent when another document has come meanwhile.
-  std::optional<EntityList> baseline;
   /// The direction of a handle from the point that stays, when the drag began. Degrees, 0 up to but not
   /// including 360.
   std::optional<double> referenceAngle;
@@ -63,6 +60,7 @@ struct LengthEditor {
   bool isOpen = false;
   std::string text;
   std::optional<std::string> error;
+  bool isTextOffered = false;  ///< the text is that with which the editor opened
   friend bool operator==(const LengthEditor&, const LengthEditor&) = default;
 };
 

@@ -28,12 +28,13 @@ std::optional<std::string> Board::currentLengthText() const {
 }
 
 void Board::beginLengthEdit(std::optional<std::string> text) {
-  lengthEditor = LengthEditor{true, text ? *text : currentLengthText().value_or(""), std::nullopt};
+  lengthEditor = LengthEditor{true, text ? *text : currentLengthText().value_or(""), std::nullopt, !text};
 }
 
 void Board::setLengthEditText(std::string text) {
   LengthEditor edited = lengthEditor;
   edited.text = std::move(text);
+  edited.isTextOffered = false;
   lengthEditor = std::move(edited);
 }
 
@@ -49,7 +50,9 @@ bool Board::commitLengthEdit() {
     refuse("Enter a valid feet/inches length.");
     return false;
   }
-  if (!applyLength(*value)) {
+  // The text with which the editor opens is rounded to the inch: as it stands it asks for nothing.
+  const bool isAsOffered = lengthEditor->isTextOffered && currentLengthText();
+  if (!isAsOffered && !applyLength(*value)) {
     refuse("Length edit is only available for line and wall segments.");
     return false;
   }

@@ -48,6 +48,7 @@ SketchSnapResult snappedMove(SketchPoint start, SketchPoint pointer, const Sketc
 bool Board::beginSelectDrag(SketchPoint press) {
   const auto scope = change();
   if (marquee() != nullptr) gesture = Gesture();
+  sketch_.forgetDragStep();
   groupMove_.reset();
 
   // Handles come before picking, and only a selection of one has them.
@@ -61,8 +62,8 @@ bool Board::beginSelectDrag(SketchPoint press) {
         const SketchPoint reach = position->second - *fixed;
         reference = directionDegrees(reach.x, reach.y);
       }
-      gesture =
-          SelectDrag{HandleDrag{*handle, entityID(*selected), *selected}, sketch_.entities(), reference};
+      sketch_.beginDragStep();
+      gesture = SelectDrag{HandleDrag{*handle, entityID(*selected), *selected}, reference};
       return true;
     }
   }
@@ -71,15 +72,16 @@ bool Board::beginSelectDrag(SketchPoint press) {
   if (!pick) return false;
   const UUID hitID = entityID(pick->entity);
   if (!sketch_.selection->contains(hitID)) sketch_.selectOnly(hitID);
+  sketch_.beginDragStep();
   if (sketch_.selection->ids.size() == 1) {
-    gesture = SelectDrag{BodyDrag{hitID, pick->entity, press}, sketch_.entities(), std::nullopt};
+    gesture = SelectDrag{BodyDrag{hitID, pick->entity, press}, std::nullopt};
     return true;
   }
   MultiBodyDrag group{sketch_.selection->ids, {}, hitID, press};
   for (const UUID& id : group.entityIDs) {
     if (const SketchEntity* member = sketch_.entity(id)) group.anchors.emplace(id, *member);
   }
-  gesture = SelectDrag{std::move(group), sketch_.entities(), std::nullopt};
+  gesture = SelectDrag{std::move(group), std::nullopt};
   return true;
 }
 
@@ -160,10 +162,8 @@ void Board::updateGroupDrag(const MultiBodyDrag& drag, SketchPoint point) {
 
 void Board::finishSelectDrag() {
   const auto scope = change();
-  if (const SelectDrag* drag = selectDrag()) {
-    if (drag->baseline) sketch_.recordStep(*drag->baseline);
-    gesture = Gesture();
-  }
+  sketch_.endDragStep();
+  if (selectDrag() != nullptr) gesture = Gesture();
   groupMove_.reset();
   closeLengthEditor();
   clearSnap();
@@ -171,9 +171,7 @@ void Board::finishSelectDrag() {
 
 void Board::cancelSelectDrag() {
   const auto scope = change();
-  if (const SelectDrag* drag = selectDrag(); drag != nullptr && drag->baseline) {
-    sketch_.takeBack(*drag->baseline);
-  }
+  sketch_.cancelDragStep();
   if (selectDrag() != nullptr || marquee() != nullptr) gesture = Gesture();
   groupMove_.reset();
   closeLengthEditor();

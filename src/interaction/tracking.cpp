@@ -62,16 +62,26 @@ void Board::scheduleTrackingDwell() {
 void Board::pollTrackingDwell() {
   const auto scope = change();
   dwellTask_.reset();
+  const auto holdText = [&] {
+    return tracking->pending ? std::optional(trackingHoldText(*tracking->pending)) : std::nullopt;
+  };
+  const bool isShown = snap->feedback && snap->feedback == holdText();
   advanceTrackingDwell(scheduler_.now());
+  if (isShown && tracking->pending) showFeedback(holdText());
+}
+
+// Other words beside the point that is marked.
+void Board::showFeedback(std::optional<std::string> feedback) {
+  SnapState shown = snap;
+  shown.feedback = std::move(feedback);
+  snap = std::move(shown);
 }
 
 void Board::lockTrackingTarget(const EntitySnapTarget& target) {
   const auto scope = change();
   tracking = Tracking{target, std::nullopt, 1.0, std::nullopt};
   dwellTask_.reset();
-  SnapState shown = snap;
-  shown.feedback = lockedFeedbackText(target);
-  snap = std::move(shown);
+  showFeedback(lockedFeedbackText(target));
 }
 
 std::string Board::trackingHoldText(const EntitySnapTarget& target) const {

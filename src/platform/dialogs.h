@@ -70,6 +70,9 @@ class Dialogs {
 
   /// Asks, and calls `answered` exactly once.
   virtual void ask(const DialogRequest& request, std::function<void(DialogAnswer)> answered) = 0;
+  /// Whether a save panel asks by itself before it gives the path of a file that is there. A path that the
+  /// program completes has then to be asked about in the same way.
+  virtual bool confirmsReplacing() const { return false; }
 };
 
 /// Answers from a queue, at once; with nothing queued every dialog is cancelled.
@@ -77,6 +80,10 @@ class QueuedDialogs final : public Dialogs {
  public:
   void queue(DialogAnswer answer) { answers_.push_back(std::move(answer)); }
   const std::vector<DialogRequest>& asked() const { return asked_; }
+  /// Has the answers to save panels count as those of a panel that confirms. Scripts give paths that they
+  /// mean.
+  void setConfirmsReplacing(bool confirms) { confirmsReplacing_ = confirms; }
+  bool confirmsReplacing() const override { return confirmsReplacing_; }
 
   void ask(const DialogRequest& request, std::function<void(DialogAnswer)> answered) override {
     asked_.push_back(request);
@@ -91,6 +98,7 @@ class QueuedDialogs final : public Dialogs {
  private:
   std::deque<DialogAnswer> answers_;
   std::vector<DialogRequest> asked_;
+  bool confirmsReplacing_ = false;
 };
 
 }  // namespace ostrelon

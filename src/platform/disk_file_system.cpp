@@ -90,6 +90,28 @@ int makeNamesLast(const FileSystemCalls& calls, const FilePath& folder) {
   return calls.fsync(file) != 0 && errno != EINVAL ? errno : 0;
 }
 
+NameTakenError nameTaken(const FilePath& path) {
+  return NameTakenError("Could not write " + quotedName(path) + ": a file of that name is there.");
+}
+
+// Not every file system knows of a rename that replaces nothing; a second link to the file does the same.
+int renameToNewName(const char* from, const char* to) {
+  if (::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) return 0;
+  if (errno != EINVAL && errno != ENOSYS) return -1;
+  if (::link(from, to) == 0) {
+    ::unlink(from);  // a first name that stays is one that a later save removes
+    return 0;
+  }
+  if (errno != EPERM && errno != EOPNOTSUPP) return -1;
+  // Neither is known: what remains is to look first.
+  struct stat present {};
+  if (::lstat(to, &present) == 0) {
+    errno = EEXIST;
+    return -1;
+  }
+  return std::rename(from, to);
+}
+
 // The file beside the target while it waits to take its place.
 class PendingDiskFile final : public PendingFile {
  public:
@@ -101,11 +123,22 @@ class PendingDiskFile final : public PendingFile {
     if (!committed_) calls_.unlink(temporary_.c_str());
   }
 
+  /// What the target was when the file was prepared; absent when nothing was there.
+  void setReplaced(const std::optional<FileInfo>& replaced) { replaced_ = replaced; }
   void setInfo(const FileInfo& info) { info_ = info; }
   FileInfo info() const override { return info_; }
 
   void commit() override {
-    if (calls_.rename(temporary_.c_str(), target_.c_str()) != 0) {
+    if (replaced_) {
+      struct stat present {};
+      if (::stat(target_.c_str(), &present) == 0 && infoOf(present) != *replaced_) {
+        throw FileError(quotedName(target_) +
+                        " has been changed by another program and was not overwritten.");
+      }
+    }
+    const auto& rename = replaced_ ? calls_.rename : calls_.renameNew;
+    if (rename(temporary_.c_str(), target_.c_str()) != 0) {
+      if (errno == EEXIST && !replaced_) throw nameTaken(target_);
       throw systemError(errno, FileAttempt::writing, target_);
     }
     committed_ = true;
@@ -117,6 +150,7 @@ class PendingDiskFile final : public PendingFile {
   FileSystemCalls calls_;
   FilePath target_;
   FilePath temporary_;
+  std::optional<FileInfo> replaced_;
   FileInfo info_;
   bool committed_ = false;
 };
@@ -155,6 +189,7 @@ FileSystemCalls FileSystemCalls::ofTheSystem() {
       ::fsync,
       ::close,
       [](const char* from, const char* to) { return std::rename(from, to); },
+      renameToNewName,
       ::unlink,
       ::mkdir,
   };
@@ -220,6 +255,7 @@ std::unique_ptr<PendingFile> DiskFileSystem::prepareFile(const FilePath& path, c
   if (created < 0) throw systemError(errno, FileAttempt::writing, target);
   OpenFile file(created);
   auto pending = std::make_unique<PendingDiskFile>(calls_, target, temporary);
+  if (replaces) pending->setReplaced(infoOf(old));
 
   produce([&](std::string_view bytes) {
     while (!bytes.empty()) {
@@ -233,8 +269,11 @@ std::unique_ptr<PendingFile> DiskFileSystem::prepareFile(const FilePath& path, c
   if (replaces) {
     struct stat made {};
     if (::fstat(file.get(), &made) == 0 && (made.st_uid != old.st_uid || made.st_gid != old.st_gid)) {
-      // Only some users may give files away; for all others the new file is simply their own.
-      [[maybe_unused]] const int owned = ::fchown(file.get(), old.st_uid, old.st_gid);
+      // Only some users may give files away; for all others the new file is their own. Its group may stay
+      // where they belong to it.
+      if (::fchown(file.get(), old.st_uid, old.st_gid) != 0) {
+        [[maybe_unused]] const int grouped = ::fchown(file.get(), static_cast<uid_t>(-1), old.st_gid);
+      }
     }
     if (calls_.fchmod(file.get(), old.st_mode & 07777U) != 0) {
       throw systemError(errno, FileAttempt::writing, target);
@@ -253,6 +292,11 @@ std::optional<FileInfo> DiskFileSystem::info(const FilePath& path) {
   struct stat status {};
   if (::stat(path.c_str(), &status) != 0) return std::nullopt;
   return infoOf(status);
+}
+
+bool DiskFileSystem::isLink(const FilePath& path) {
+  struct stat status {};
+  return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
 }
 
 std::vector<std::string> DiskFileSystem::list(const FilePath& folder) {
@@ -287,7 +331,7 @@ void DiskFileSystem::createFolders(const FilePath& folder) {
 }
 
 void DiskFileSystem::copyFile(const FilePath& from, const FilePath& to) {
-  if (exists(to)) throw FileError("Could not write " + quotedName(to) + ": a file of that name is there.");
+  if (isTaken(to)) throw nameTaken(to);
   const std::string bytes = readFile(from);
   writeFile(to, bytes);
 }

@@ -21,6 +21,7 @@ struct FileSystemCalls {
   std::function<int(int file)> fsync;
   std::function<int(int file)> close;
   std::function<int(const char* from, const char* to)> rename;
+  std::function<int(const char* from, const char* to)> renameNew;  ///< fails where `to` is there
   std::function<int(const char* path)> unlink;
   std::function<int(const char* path, mode_t mode)> mkdir;
 
@@ -36,6 +37,7 @@ class DiskFileSystem final : public FileSystem {
   std::string readFile(const FilePath& path) override;
   std::unique_ptr<PendingFile> prepareFile(const FilePath& path, const Producer& produce) override;
   std::optional<FileInfo> info(const FilePath& path) override;
+  bool isLink(const FilePath& path) override;
   std::vector<std::string> list(const FilePath& folder) override;
   void createFolders(const FilePath& folder) override;
   void copyFile(const FilePath& from, const FilePath& to) override;

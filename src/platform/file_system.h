@@ -23,6 +23,12 @@ class FileError : public UserError {
   using UserError::UserError;
 };
 
+/// A file was to get a name that was free, and something else has come to have it meanwhile.
+class NameTakenError : public FileError {
+ public:
+  using FileError::FileError;
+};
+
 /// What the system reports of one file. Two reads of the same unchanged file give equal values.
 struct FileInfo {
   bool isRegularFile = false;
@@ -47,7 +53,9 @@ class PendingFile {
 
   /// What the system will report of the target once this has taken its place.
   virtual FileInfo info() const = 0;
-  /// Moves the content over the target, at once and for good. Called at most once.
+  /// Moves the content over the target, at once and for good. Called at most once. What the target has
+  /// become since this was prepared is not replaced: throws `NameTakenError` where nothing was there and
+  /// something is now, and `FileError` where somebody else has written the file.
   virtual void commit() = 0;
 };
 
@@ -82,6 +90,8 @@ class FileSystem {
   virtual std::unique_ptr<PendingFile> prepareFile(const FilePath& path, const Producer& produce) = 0;
   /// Absent when nothing is there or it cannot be looked at. Links are followed.
   virtual std::optional<FileInfo> info(const FilePath& path) = 0;
+  /// Whether the path itself is a symbolic link, wherever it leads.
+  virtual bool isLink(const FilePath& path) = 0;
   /// The names in a folder, hidden ones included, in no order.
   virtual std::vector<std::string> list(const FilePath& folder) = 0;
   /// Makes the folder and those above it; no error when it is there already.
@@ -96,6 +106,8 @@ class FileSystem {
   virtual std::unique_ptr<FileLock> lock(const FilePath& folder);
 
   bool exists(const FilePath& path) { return info(path).has_value(); }
+  /// Whether a new file cannot have this name. A link that leads nowhere takes it too.
+  bool isTaken(const FilePath& path) { return exists(path) || isLink(path); }
   /// Writes the file and moves it over the target: after a crash the old file is there or the new
   /// one, never a part.
   void writeFile(const FilePath& path, const Producer& produce) { prepareFile(path, produce)->commit(); }

@@ -5,6 +5,8 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "platform/nul_byte.h"
+
 namespace ostrelon {
 namespace {
 
@@ -16,6 +18,7 @@ constexpr int kDeepestNesting = 64;
 
 // The values of a settings file; absent when it is damaged.
 std::optional<json> parsed(const std::string& bytes) {
+  if (nulByteIn(bytes)) return std::nullopt;
   bool isTooDeep = false;
   const auto keepsShallow = [&](int depth, json::parse_event_t, const json&) {
     isTooDeep = isTooDeep || depth > kDeepestNesting;
@@ -135,7 +138,7 @@ void JsonUserDefaults::setAside(const std::string& bytes) {
     aside = path_;
     aside.replace_filename(path_.stem().string() + "-damaged-" + std::to_string(number) +
                            path_.extension().string());
-  } while (files_.exists(aside));
+  } while (files_.isTaken(aside));
   try {
     files_.writeFile(aside, bytes);
     files_.removeFile(path_);
@@ -181,6 +184,9 @@ void JsonUserDefaults::write() {
   }
 }
 
-void JsonUserDefaults::note(std::string sentence) { notes_.push_back(std::move(sentence)); }
+void JsonUserDefaults::note(std::string sentence) {
+  notes_.push_back(std::move(sentence));
+  if (noted_) noted_();
+}
 
 }  // namespace ostrelon

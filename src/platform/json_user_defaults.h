@@ -6,8 +6,10 @@
 // sentence about it waits in `takeNotes`. A file that is not what it should be is set aside whole.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/file_system.h"
@@ -29,6 +31,8 @@ class JsonUserDefaults final : public UserDefaults {
 
   /// What is to be reported to the user of the file since the last call, in whole sentences.
   std::vector<std::string> takeNotes();
+  /// Calls back whenever there is something new to take.
+  void whenNoted(std::function<void()> noted) { noted_ = std::move(noted); }
 
  private:
   struct Contents;
@@ -42,6 +46,7 @@ class JsonUserDefaults final : public UserDefaults {
   FilePath path_;
   std::unique_ptr<Contents> contents_;
   std::vector<std::string> notes_;
+  std::function<void()> noted_;
   bool isUnreadable_ = false;  // then it is left alone: what is in it cannot be kept
   bool hasToldOfWriting_ = false;
 };

@@ -4,6 +4,8 @@
 #include <QPainter>
 #include <algorithm>
 
+#include "shell/controls.h"
+
 namespace ostrelon {
 namespace {
 
@@ -12,11 +14,17 @@ constexpr int kBadgePadding = 10;
 constexpr int kBadgeIcon = 16;
 constexpr int kBadgeGap = 8;
 constexpr double kBadgeOpacity = 0.96;
+// What a cut part keeps at least, so that an ellipsis has something before it.
+constexpr int kLeastWords = 28;
 
 QColor badgeFill(const Theme& theme) {
   QColor fill = theme.card();
   fill.setAlphaF(static_cast<float>(kBadgeOpacity));
   return fill;
+}
+
+int wordsWidth(const BadgePart& part) {
+  return QFontMetrics(fontOf(part.style)).horizontalAdvance(part.words);
 }
 
 }  // namespace
@@ -45,7 +53,7 @@ void Badge::setFilled(bool filled) {
 }
 
 int Badge::widthOf(const BadgePart& part) const {
-  int width = QFontMetrics(fontOf(part.style)).horizontalAdvance(part.words);
+  int width = wordsWidth(part);
   if (part.icon != Icon::none) width += kBadgeIcon + (part.words.isEmpty() ? 0 : kBadgeGap);
   return width;
 }
@@ -58,6 +66,24 @@ QSize Badge::sizeHint() const {
   }
   return {std::max(width, minimumWidth_), kBadgeHeight};
 }
+
+std::vector<int> Badge::wordWidths() const {
+  std::vector<int> widths;
+  for (const BadgePart& part : parts_) widths.push_back(wordsWidth(part));
+  int missing = std::max(0, sizeHint().width() - width());
+  // First the parts that are meant to, then the others from the last on.
+  for (const bool elides : {true, false}) {
+    for (std::size_t i = parts_.size(); i-- > 0;) {
+      if (parts_[i].elides != elides) continue;
+      const int given = std::clamp(widths[i] - kLeastWords, 0, missing);
+      widths[i] -= given;
+      missing -= given;
+    }
+  }
+  return widths;
+}
+
+bool Badge::isCut() const { return width() < sizeHint().width(); }
 
 QColor Badge::ink(BadgePart::Ink which) const {
   if (isFilled_) return theme_.fillText();
@@ -82,8 +108,7 @@ void Badge::paintEvent(QPaintEvent* /*event*/) {
   } else {
     paintBox(painter, rect(), 6, badgeFill(theme_), theme_.border());
   }
-  // What does not fit is taken from the parts that give way.
-  int missing = std::max(0, sizeHint().width() - width());
+  const std::vector<int> widths = wordWidths();
   int x = kBadgePadding;
   for (std::size_t i = 0; i < parts_.size(); ++i) {
     const BadgePart& part = parts_[i];
@@ -105,16 +130,9 @@ void Badge::paintEvent(QPaintEvent* /*event*/) {
     }
     painter.setFont(fontOf(part.style));
     painter.setPen(ink(part.ink));
-    int wordsWidth = painter.fontMetrics().horizontalAdvance(part.words);
-    QString words = part.words;
-    if (part.elides && missing > 0) {
-      const int room = std::max(24, wordsWidth - missing);
-      missing -= wordsWidth - room;
-      wordsWidth = room;
-      words = painter.fontMetrics().elidedText(words, Qt::ElideRight, room);
-    }
-    painter.drawText(QRect(x, 0, wordsWidth + 2, height()), Qt::AlignVCenter | Qt::AlignLeft, words);
-    x += wordsWidth;
+    painter.drawText(QRect(x, 0, widths[i] + 2, height()), Qt::AlignVCenter | Qt::AlignLeft,
+                     elided(part.words, painter.font(), Qt::ElideRight, widths[i]));
+    x += widths[i];
   }
 }
 

@@ -21,7 +21,7 @@ struct BadgePart {
   Ink iconInk = Ink::secondary;
   TextStyle style = TextStyle::badge;
   bool hasLineBefore = false;  ///< a hairline sets it off from the part before
-  bool elides = false;         ///< gives way when there is no room for all
+  bool elides = false;         ///< gives way before the others when there is no room for all
   friend bool operator==(const BadgePart&, const BadgePart&) = default;
 };
 
@@ -35,12 +35,16 @@ class Badge : public QLabel {
   void setFilled(bool filled);
   void setMinimumBadgeWidth(int width) { minimumWidth_ = width; }
   QSize sizeHint() const override;
+  /// Whether some of the words are shown with an ellipsis.
+  bool isCut() const;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
   Theme& theme() { return theme_; }
 
  private:
+  /// How wide the words of each part are in the width that there is, px.
+  std::vector<int> wordWidths() const;
   int widthOf(const BadgePart& part) const;
   QColor ink(BadgePart::Ink ink) const;
 

@@ -5,6 +5,7 @@
 #include <QAccessible>
 #include <QFocusEvent>
 #include <QHBoxLayout>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <algorithm>
@@ -12,6 +13,7 @@
 
 #include "app/align.h"
 #include "interaction/canvas_transform.h"
+#include "interaction/drawing_tools.h"
 #include "interaction/segment_label.h"
 #include "shell/qt_text.h"
 
@@ -23,6 +25,7 @@ constexpr int kStackGap = 8;
 constexpr int kToastHeight = 40;
 constexpr int kToastWidest = 480;
 constexpr int kToastRaisedBelow = 720;
+constexpr int kToastRaise = 60;
 
 // Everything that the badges tell.
 constexpr FieldMask kShownFields = fieldMask(
@@ -39,11 +42,18 @@ QString entityCount(std::size_t count) {
   return QStringLiteral("%1 %2").arg(count).arg(count == 1 ? "entity" : "entities");
 }
 
+// A badge beside the pointer is never wider than the canvas.
+void fitBadge(Badge& badge) {
+  const int room =
+      badge.parentWidget() != nullptr ? badge.parentWidget()->width() - 16 : badge.sizeHint().width();
+  badge.resize(std::min(badge.sizeHint().width(), std::max(room, 80)), badge.sizeHint().height());
+}
+
 void showBadge(Badge& badge, const std::optional<std::string>& text, Icon icon, TextStyle style) {
   badge.setVisible(text.has_value());
   if (!text) return;
   badge.setParts({{.icon = icon, .words = qtText(*text), .iconInk = BadgePart::Ink::active, .style = style}});
-  badge.resize(badge.sizeHint());
+  fitBadge(badge);
 }
 
 }  // namespace
@@ -56,7 +66,7 @@ EntityHoverLabel::EntityHoverLabel(Theme& theme, QWidget* parent)
 void EntityHoverLabel::show(const QString& label, bool accent) {
   setFilled(accent);
   setParts({{.words = label}});
-  resize(sizeHint());
+  fitBadge(*this);
   setVisible(true);
 }
 
@@ -103,15 +113,26 @@ void ToastView::setToast(const std::optional<DocumentToastState>& toast) {
 
 void ToastView::setAnchor(QPoint bottomMiddle, int canvasWidth) {
   anchor_ = bottomMiddle;
-  room_ = std::min(kToastWidest, canvasWidth - 2 * kEdge);
+  canvasWidth_ = canvasWidth;
   if (toast_) place();
+}
+
+int ToastView::wantedWidth(int canvasWidth) const {
+  if (!toast_) return 0;
+  const int room = std::min(kToastWidest, canvasWidth - 2 * kEdge);
+  // Painted words may be a fraction wider than measured ones; what fits is never cut short.
+  const int words = QFontMetrics(fontOf(TextStyle::control)).horizontalAdvance(qtText(toast_->message)) + 2;
+  return std::clamp(words + 16 + 12 + 2 * 14, 120, std::max(120, room));
+}
+
+QRect ToastView::card() const {
+  const int reach = shadowReach(2);
+  return geometry().adjusted(reach, reach, -reach, -reach);
 }
 
 void ToastView::place() {
   if (!toast_) return;
-  // Painted words may be a fraction wider than measured ones; what fits is never cut short.
-  const int words = QFontMetrics(fontOf(TextStyle::control)).horizontalAdvance(qtText(toast_->message)) + 2;
-  const int width = std::clamp(words + 16 + 12 + 2 * 14, 120, std::max(120, room_));
+  const int width = wantedWidth(canvasWidth_);
   const int reach = shadowReach(2);
   const double shown = slide_.state() == QAbstractAnimation::Running ? slide_.currentValue().toDouble() : 1.0;
   const int rise = static_cast<int>(std::lround((1 - shown) * 12));
@@ -293,6 +314,9 @@ CanvasOverlay::CanvasOverlay(Application& application, Theme& theme, QWidget& ca
   lengthEditor_->setFixedHeight(24);
   lengthEditor_->setAlignment(Qt::AlignCenter);
   lengthEditor_->installEventFilter(this);
+  // The cluster stands at the foot.
+  QWidget::setTabOrder(alignVertical_, lengthLabel_);
+  QWidget::setTabOrder(lengthLabel_, lengthEditor_);
   connect(lengthEditor_, &QLineEdit::textEdited, this,
           [this](const QString& text) { sketch_.setSegmentLengthEditText(plainText(text)); });
   connect(lengthEditor_, &QLineEdit::returnPressed, this, [this] { sketch_.commitSegmentLengthEdit(); });
@@ -300,10 +324,18 @@ CanvasOverlay::CanvasOverlay(Application& application, Theme& theme, QWidget& ca
                           static_cast<QWidget*>(lengthError_), static_cast<QWidget*>(alignBar_)}) {
     widget->hide();
   }
+  canvas_.installEventFilter(this);
   refresh();
 }
 
 bool CanvasOverlay::eventFilter(QObject* object, QEvent* event) {
+  // The badge lets the pointer through, so that its tooltip is asked of the canvas.
+  if (object == &canvas_ && event->type() == QEvent::ToolTip) {
+    const auto& help = *static_cast<QHelpEvent*>(event);
+    const bool isAsked = status_->isCut() && status_->geometry().contains(help.pos());
+    showToolTip(help, isAsked ? status_->text() : QString(), &canvas_);
+    return true;
+  }
   // An editor that loses the focus closes without a result.
   if (object == lengthEditor_ && event->type() == QEvent::FocusOut &&
       static_cast<QFocusEvent*>(event)->reason() != Qt::ActiveWindowFocusReason &&
@@ -399,7 +431,7 @@ void CanvasOverlay::refreshSegmentLabel() {
     if (isEditing && error) {
       lengthError_->setParts(
           {{.icon = Icon::alert, .words = qtText(*error), .iconInk = BadgePart::Ink::foreground}});
-      lengthError_->resize(lengthError_->sizeHint());
+      fitBadge(*lengthError_);
       lengthError_->move(std::clamp(editor.center().x() - lengthError_->width() / 2, 4,
                                     std::max(4, canvas_.width() - lengthError_->width() - 4)),
                          editor.bottom() + 6);
@@ -451,7 +483,12 @@ void CanvasOverlay::place() {
   const QSize cluster = viewport_->sizeHint();
   const int clusterWidth = cluster.width();
   viewport_->setGeometry(width - kEdge - clusterWidth, height - kEdge - 32, clusterWidth, 32);
-  const int toastRise = width < kToastRaisedBelow ? 60 : kEdge;
+  // The toast stands in one row with the coordinates and the viewport controls where it reaches
+  // neither, and above them everywhere else.
+  const int toastReach = (toast_->wantedWidth(width) + 1) / 2 + kStackGap;
+  const bool isClear = coordinates_->geometry().right() < width / 2 - toastReach &&
+                       viewport_->geometry().left() > width / 2 + toastReach;
+  const int toastRise = width < kToastRaisedBelow || !isClear ? kToastRaise : kEdge;
   toast_->setAnchor({width / 2, height - toastRise}, width);
   placePointerBadges();
 }
@@ -470,12 +507,8 @@ void CanvasOverlay::placePointerBadges() {
     return QPoint(std::max(8, x), std::max(8, y));
   };
 
-  std::optional<SketchPoint> snapped = sketch_.activeEntitySnapPoint;
-  if (!snapped) snapped = sketch_.activeGridSnapPoint;
-  if (!snapped && *sketch_.draft) snapped = (*sketch_.draft)->current;
-  if (!snapped && *sketch_.polygonDraft) snapped = (*sketch_.polygonDraft)->current;
-  if (!snapped) snapped = sketch_.cursorSketchPoint;
-  const SketchPoint at = snapped ? sketchPointToView(*snapped, view) : SketchPoint{0, 0};
+  const auto beside = pointerBadgePoint(sketch_);
+  const SketchPoint at = beside ? sketchPointToView(*beside, view) : SketchPoint{0, 0};
   QSize both(0, 0);
   std::vector<Badge*> stack;
   for (Badge* badge : {snapFeedback_, measurement_}) {

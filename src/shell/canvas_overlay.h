@@ -26,6 +26,10 @@ class ToastView final : public QLabel {
   /// Where the toast rests: the middle of its bottom edge, in the parent.
   void setAnchor(QPoint bottomMiddle, int canvasWidth);
   bool isShown() const { return toast_.has_value(); }
+  /// The width that it takes on a canvas of this width, px.
+  int wantedWidth(int canvasWidth) const;
+  /// Its card without the shadow, in the parent.
+  QRect card() const;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -37,7 +41,7 @@ class ToastView final : public QLabel {
   Theme& theme_;
   std::optional<DocumentToastState> toast_;
   QPoint anchor_;
-  int room_ = 480;
+  int canvasWidth_ = 720;
   QVariantAnimation slide_;
   int spinnerTimer_ = 0;
   int spinnerAngle_ = 0;

@@ -81,7 +81,6 @@ CanvasWidget::CanvasWidget(SketchViewModel& model, QWidget* parent)
       selection_(EntityPicture::Kind::selection, repaintLater()) {
   setAttribute(Qt::WA_OpaquePaintEvent);
   setMouseTracking(true);
-  setFocusPolicy(Qt::ClickFocus);
   setAccessibleName(tr("Canvas"));
   subscription_ =
       model_.observe(kPaintedFields, [this](const SketchChange& change) { modelChanged(change.fields); });

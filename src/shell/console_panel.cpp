@@ -322,12 +322,10 @@ bool ConsoleView::eventFilter(QObject* object, QEvent* event) {
   if (object == input_) {
     if (event->type() == QEvent::FocusIn) sketch_.setConsoleInputFocused(true);
     if (event->type() == QEvent::FocusOut) sketch_.setConsoleInputFocused(false);
-    // The editing keys belong to the drawing while nothing is being typed; text can still be pasted.
+    // While nothing is being typed, undo is the drawing's, even where typing could be taken back.
     if (event->type() == QEvent::ShortcutOverride && input_->text().isEmpty()) {
       const auto* key = static_cast<QKeyEvent*>(event);
-      for (const auto drawingKey : {QKeySequence::Undo, QKeySequence::Redo, QKeySequence::Cut,
-                                    QKeySequence::Copy, QKeySequence::SelectAll}) {
-        if (!key->matches(drawingKey)) continue;
+      if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo)) {
         event->ignore();
         return true;
       }
@@ -361,7 +359,7 @@ bool ConsoleView::handleInputKey(const QKeyEvent& event) {
 
 void ConsoleView::complete() {
   const std::string before = plainText(input_->text().left(input_->cursorPosition()));
-  const ConsoleCompletion completion = completeConsoleLine(plainText(input_->text()), before.size(), sketch_);
+  const ConsoleCompletion completion = completer_.complete(plainText(input_->text()), before.size(), sketch_);
   if (completion.candidates.empty()) return;
   const bool isUnchanged = completion.text == plainText(input_->text());
   showInput(qtText(completion.text));

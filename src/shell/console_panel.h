@@ -96,6 +96,7 @@ class ConsoleView final : public Panel {
   SketchViewModel& sketch_;
   double height_ = kConsoleDefaultHeight;
   ConsoleRecall recall_;
+  ConsoleCompleter completer_;
   ConsoleResizeHandle* handle_;
   TextLabel* heading_;
   Button* defaultHeightButton_;

@@ -13,7 +13,7 @@ void fillContextMenu(QMenu& menu, const ContextMenu& rows, SketchViewModel& sket
       menu.addSeparator();
       continue;
     }
-    const QString title = qtText(row.title).replace('&', QStringLiteral("&&"));
+    const QString title = menuText(row.title);
     if (const auto* submenu = std::get_if<ContextMenuSubmenu>(&row.content)) {
       fillContextMenu(*menu.addMenu(title), *submenu, sketch);
       continue;

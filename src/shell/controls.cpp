@@ -1,17 +1,32 @@
 #include "shell/controls.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QStyle>
 #include <QStyleOptionFrame>
 #include <QTextLayout>
+#include <QToolTip>
 #include <algorithm>
 
 #include "app/shortcut_text.h"
 #include "shell/qt_text.h"
 
 namespace ostrelon {
+
+QString elided(const QString& text, const QFont& font, Qt::TextElideMode mode, int width) {
+  const QFontMetrics metrics(font);
+  // Widths are rounded one by one, so that a text may seem to miss its room by a pixel.
+  return metrics.horizontalAdvance(text) <= width + 1 ? text
+                                                      : metrics.elidedText(text, mode, std::max(0, width));
+}
+
+void showToolTip(const QHelpEvent& event, const QString& text, QWidget* widget) {
+  QToolTip::showText(event.globalPos(), text, widget);
+}
 
 // --- TextLabel
 
@@ -57,9 +72,39 @@ int TextLabel::heightForWidth(int width) const {
                   layOutLines(text(), font(), width, lineHeightOf(style_), [](QTextLine&, double) {}));
 }
 
+void TextLabel::setElision(Qt::TextElideMode mode) {
+  elision_ = mode;
+  updateGeometry();
+  update();
+}
+
+QSize TextLabel::minimumSizeHint() const {
+  const QSize whole = QLabel::minimumSizeHint();
+  return elision_ == Qt::ElideNone ? whole : QSize(0, whole.height());
+}
+
+QString TextLabel::shownText() const {
+  return elision_ == Qt::ElideNone ? text() : elided(text(), font(), elision_, contentsRect().width());
+}
+
+bool TextLabel::event(QEvent* event) {
+  if (event->type() == QEvent::ToolTip && elision_ != Qt::ElideNone && toolTip().isEmpty()) {
+    showToolTip(*static_cast<QHelpEvent*>(event), shownText() != text() ? text() : QString(), this);
+    return true;
+  }
+  return QLabel::event(event);
+}
+
 void TextLabel::paintEvent(QPaintEvent* event) {
   if (!wordWrap()) {
-    QLabel::paintEvent(event);
+    const QString shown = shownText();
+    if (shown == text()) {
+      QLabel::paintEvent(event);
+      return;
+    }
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::WindowText));
+    painter.drawText(contentsRect(), static_cast<int>(alignment()) | Qt::TextSingleLine, shown);
     return;
   }
   // Qt sets lines as tight as the font allows; ours have the height of the type scale.
@@ -274,15 +319,15 @@ void Switch::paintEvent(QPaintEvent* /*event*/) {
   painter.setPen(isEnabled() ? theme_.foreground() : theme_.mutedForeground());
   painter.drawText(rect(), Qt::AlignVCenter | Qt::AlignLeft, text());
   const QRectF track(width() - kSwitchWidth, (height() - kSwitchHeight) / 2.0, kSwitchWidth, kSwitchHeight);
-  QColor color = isChecked() ? theme_.accent() : theme_.border();
+  // `border` hardly differs from `card` in any theme: an off-switch has an outline that does.
+  const bool isOff = !isChecked();
+  QColor color = isOff ? theme_.border() : theme_.accent();
   if (!isEnabled()) color = theme_.muted();
-  painter.setPen(Qt::NoPen);
-  painter.setBrush(color);
-  painter.drawRoundedRect(track, 9, 9);
+  const QColor outline = isOff && isEnabled() ? theme_.mutedForeground() : QColor();
+  paintBox(painter, track, 9, color, outline);
   const double knob = 14;
-  const double x = isChecked() ? track.right() - knob - 2 : track.left() + 2;
-  painter.setBrush(theme_.card());
-  painter.drawEllipse(QRectF(x, track.top() + 2, knob, knob));
+  const double x = isOff ? track.left() + 2 : track.right() - knob - 2;
+  paintBox(painter, QRectF(x, track.top() + 2, knob, knob), 7, theme_.card(), outline);
 }
 
 void Switch::keyPressEvent(QKeyEvent* event) {
@@ -309,6 +354,31 @@ void Field::setPrefix(const QString& prefix) {
 void Field::setItalicPlaceholder(const QString& placeholder) {
   placeholder_ = placeholder;
   setAccessibleDescription(placeholder);
+}
+
+bool Field::hasUseFor(const QKeyEvent& key) const {
+  if (!(key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))) return true;
+  if (key.matches(QKeySequence::Paste)) return !QGuiApplication::clipboard()->text().isEmpty();
+  if (key.matches(QKeySequence::Cut) || key.matches(QKeySequence::Copy)) return hasSelectedText();
+  if (key.matches(QKeySequence::Undo)) return isUndoAvailable();
+  if (key.matches(QKeySequence::Redo)) return isRedoAvailable();
+  if (key.matches(QKeySequence::MoveToEndOfLine)) return cursorPosition() < text().size();
+  return !text().isEmpty();
+}
+
+bool Field::event(QEvent* event) {
+  if (event->type() == QEvent::ShortcutOverride && !hasUseFor(*static_cast<QKeyEvent*>(event))) {
+    event->ignore();
+    return true;
+  }
+  if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
+    constexpr int kSides = 2 * 11;  // border, padding and the distance that Qt keeps by itself
+    const int room = width() - kSides - textMargins().left() - textMargins().right();
+    const bool isCut = fontMetrics().horizontalAdvance(text()) > room;
+    showToolTip(*static_cast<QHelpEvent*>(event), isCut ? text() : QString(), this);
+    return true;
+  }
+  return QLineEdit::event(event);
 }
 
 void Field::paintEvent(QPaintEvent* event) {

@@ -10,6 +10,8 @@
 #include "shell/icons.h"
 #include "shell/theme.h"
 
+class QHelpEvent;
+
 namespace ostrelon {
 
 /// A word or a line in the type scale, in the colour of its rank.
@@ -19,17 +21,24 @@ class TextLabel : public QLabel {
 
   TextLabel(Theme& theme, TextStyle style, Rank rank, const QString& text = {}, QWidget* parent = nullptr);
   void setRank(Rank rank);
+  /// Cuts a line that has no room with an ellipsis; the tooltip then tells the whole.
+  void setElision(Qt::TextElideMode mode);
   int heightForWidth(int width) const override;
+  QSize minimumSizeHint() const override;
 
  protected:
+  bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
  private:
   void applyColor();
 
+  QString shownText() const;
+
   Theme& theme_;
   TextStyle style_;
   Rank rank_;
+  Qt::TextElideMode elision_ = Qt::ElideNone;
 };
 
 /// A button. Its identifier is its object name.
@@ -95,7 +104,7 @@ class Switch : public QCheckBox {
   Theme& theme_;
 };
 
-/// A field of one line: 28 high, digits in mono where `isNumeric`.
+/// A field of one line: 28 high, digits in mono where `isNumeric`. A tooltip tells a text that is longer.
 class Field : public QLineEdit {
  public:
   Field(Theme& theme, bool isNumeric, QWidget* parent = nullptr);
@@ -105,9 +114,13 @@ class Field : public QLineEdit {
   void setItalicPlaceholder(const QString& placeholder);
 
  protected:
+  bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  /// False for a key that would change nothing here: it is left to the menus.
+  bool hasUseFor(const QKeyEvent& key) const;
+
   Theme& theme_;
   QString prefix_;
   QString placeholder_;
@@ -141,6 +154,12 @@ class Panel : public QWidget {
 
 /// Return presses the control that has the focus: Space belongs to the drawing board.
 bool isPressingKey(const QKeyEvent& event);
+
+/// The text, or as much of it as `width` px have room for, with an ellipsis.
+QString elided(const QString& text, const QFont& font, Qt::TextElideMode mode, int width);
+
+/// Shows a tooltip where the pointer asks for one; an empty text takes a shown one away.
+void showToolTip(const QHelpEvent& event, const QString& text, QWidget* widget);
 
 /// "Save (Ctrl+S)".
 QString toolTipWithKey(const QString& text, std::string_view shortcut);

@@ -15,6 +15,8 @@ namespace ostrelon {
 namespace {
 
 constexpr int kCardRadius = 14;
+/// What has the focus after a sheet when nothing else had it before.
+constexpr const char* kConsoleInput = "console.commandInput";
 
 }  // namespace
 
@@ -55,7 +57,17 @@ void DialogSheet::hideEvent(QHideEvent* event) {
   if (auto* menus = window_.findChild<QMenuBar*>(); menus != nullptr && inFrontOf(window_) == nullptr) {
     menus->setEnabled(true);
   }
-  if (focusBefore_) focusBefore_->setFocus(Qt::OtherFocusReason);
+  QWidget* back = focusBefore_;
+  if (back == nullptr || back->isHidden()) back = window_.findChild<QWidget*>(kConsoleInput);
+  if (back != nullptr) back->setFocus(Qt::OtherFocusReason);
+}
+
+// Of a window that is not in front it is what will have the focus once it is.
+QWidget* DialogSheet::focusInWindow() const {
+  QWidget* focus = QApplication::focusWidget();
+  if (focus == nullptr || focus->window() != window_.window()) focus = window_.focusWidget();
+  // A menu that was opened by its key gives the focus up by itself.
+  return qobject_cast<QMenuBar*>(focus) == nullptr ? focus : nullptr;
 }
 
 DialogSheet* DialogSheet::inFrontOf(const QWidget& window) {
@@ -92,7 +104,7 @@ Button* DialogSheet::addLeftButton(const QString& title, Button::Kind kind, cons
 }
 
 void DialogSheet::open() {
-  focusBefore_ = QApplication::focusWidget();
+  focusBefore_ = focusInWindow();
   // Keys of menu commands wait too.
   if (auto* menus = window_.findChild<QMenuBar*>()) menus->setEnabled(false);
   place();
@@ -109,6 +121,8 @@ void DialogSheet::place() {
                                                           : card_->sizeHint().height();
   card_->setGeometry((width() - card_->width()) / 2, std::max(16, (this->height() - height) / 2),
                      card_->width(), height);
+  // The shadow reaches beyond the card, where it was before too.
+  update();
 }
 
 void DialogSheet::paintEvent(QPaintEvent* /*event*/) {
@@ -140,8 +154,12 @@ bool DialogSheet::focusNextPrevChild(bool next) {
   const qsizetype count = tabOrder_.size();
   qsizetype at = tabOrder_.indexOf(QApplication::focusWidget());
   if (at < 0) at = next ? count - 1 : 0;
-  at = (at + (next ? 1 : count - 1)) % count;
-  tabOrder_[at]->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+  for (qsizetype step = 0; step < count; ++step) {
+    at = (at + (next ? 1 : count - 1)) % count;
+    if (!tabOrder_[at]->isVisibleTo(this) || !tabOrder_[at]->isEnabled()) continue;
+    tabOrder_[at]->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    break;
+  }
   return true;
 }
 

@@ -49,9 +49,11 @@ class DialogSheet : public QWidget {
   void keyPressEvent(QKeyEvent* event) override;
   bool focusNextPrevChild(bool next) override;
   bool eventFilter(QObject* object, QEvent* event) override;
+  /// Gives the card the height of its content, in the middle of the window.
+  void place();
 
  private:
-  void place();
+  QWidget* focusInWindow() const;
 
   Theme& theme_;
   QWidget& window_;

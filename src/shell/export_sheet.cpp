@@ -11,6 +11,9 @@ namespace {
 
 constexpr int kSheetWidth = 480;
 constexpr int kSheetPadding = 24;
+/// What was chosen last, by the names of the controls.
+constexpr const char* kChoicesKey = "ostrel.exportChoices";
+constexpr const char* kOn = "on";
 
 Picker* makePicker(Theme& theme, const char* identifier,
                    std::initializer_list<std::pair<const char*, const char*>> choices) {
@@ -71,11 +74,12 @@ ExportSheet::ExportSheet(Application& application, Theme& theme, QWidget& window
   setCancelButton(cancel);
   setDefaultButton(confirm);
   setFirstFocus(kind_);
-  for (QWidget* widget : std::initializer_list<QWidget*>{kind_}) addToTabOrder(widget);
+  addToTabOrder(kind_);
   for (auto* picker : page_->findChildren<QWidget*>(QRegularExpression("^export\\."))) addToTabOrder(picker);
   for (QWidget* widget : std::initializer_list<QWidget*>{size_, pixelRatio_, colors_, grid_, dxfVersion_}) {
     addToTabOrder(widget);
   }
+  restoreChoices();
   connect(kind_, &QComboBox::currentIndexChanged, this, [this] { showRows(); });
   connect(page_, &PageControls::changed, this, [this] { showRows(); });
   connect(cancel, &QPushButton::clicked, this, [this] {
@@ -118,7 +122,36 @@ void ExportSheet::showRows() {
   show({dxfVersion_, dxfVersionLabel_}, isDxf);
   error_->hide();
   content().invalidate();
-  if (isVisible()) open();
+  place();
+}
+
+void ExportSheet::restoreChoices() {
+  const auto remembered = application_.defaults().map(kChoicesKey);
+  if (!remembered) return;
+  for (const auto& [name, value] : *remembered) {
+    auto* control = findChild<QWidget*>(qtText(name));
+    if (auto* picker = qobject_cast<QComboBox*>(control)) {
+      if (const int index = picker->findData(qtText(value)); index >= 0) picker->setCurrentIndex(index);
+    } else if (auto* field = qobject_cast<QLineEdit*>(control)) {
+      field->setText(qtText(value));
+    } else if (auto* toggle = qobject_cast<QCheckBox*>(control)) {
+      toggle->setChecked(value == kOn);
+    }
+  }
+}
+
+void ExportSheet::rememberChoices() {
+  DefaultsMap choices;
+  for (const auto* picker : findChildren<QComboBox*>()) {
+    choices[plainText(picker->objectName())] = plainText(picker->currentData().toString());
+  }
+  for (const auto* field : findChildren<QLineEdit*>()) {
+    choices[plainText(field->objectName())] = plainText(field->text());
+  }
+  for (const auto* toggle : findChildren<QCheckBox*>()) {
+    choices[plainText(toggle->objectName())] = toggle->isChecked() ? kOn : "off";
+  }
+  application_.defaults().set(kChoicesKey, choices);
 }
 
 void ExportSheet::chooseFile() {
@@ -134,9 +167,10 @@ void ExportSheet::chooseFile() {
     error_->setText(QString::fromUtf8(error.what()));
     error_->show();
     content().invalidate();
-    open();
+    place();
     return;
   }
+  rememberChoices();
   const ExportFormat kind = format();
   hide();
   deleteLater();

@@ -1,4 +1,5 @@
-// How to export the drawing, asked over the main window before the file is chosen.
+// How to export the drawing, asked over the main window before the file is chosen. What was chosen last
+// is offered again.
 #pragma once
 
 #include "app/application.h"
@@ -18,6 +19,8 @@ class ExportSheet final : public DialogSheet {
   /// Throws `ExportOptionError` for what cannot be read.
   ExportOptions options() const;
   void showRows();
+  void restoreChoices();
+  void rememberChoices();
   void chooseFile();
 
   Application& application_;

@@ -66,7 +66,11 @@ QFont fontOf(TextStyle style) {
   const Face face = faceOf(style);
   QFont font;
   font.setFamilies(families(face.family));
-  if (face.family == Face::Family::mono) font.setStyleHint(QFont::Monospace);
+  if (face.family == Face::Family::mono) {
+    font.setStyleHint(QFont::Monospace);
+    // Every character is shown as it was typed: no ligatures for "->" or ">=".
+    font.setStyleStrategy(QFont::PreferNoShaping);
+  }
   font.setPixelSize(face.pixelSize);
   font.setWeight(face.weight);
   // Widths that do not follow the pixel grid, so that words are spaced as drawn at every scale.

@@ -161,4 +161,17 @@ QPixmap logoPixmap(int size, const Theme& theme, qreal devicePixelRatio) {
   return renderedSvg(body, R"(fill="none")", size, devicePixelRatio);
 }
 
+QIcon programIcon() {
+  QSvgRenderer drawing(QStringLiteral(":/icon/org.ostrelon.Ostrelon.svg"));
+  QIcon icon;
+  for (const int size : {16, 24, 32, 48, 64, 128, 256}) {
+    QPixmap pixmap(size, size);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    drawing.render(&painter);
+    icon.addPixmap(pixmap);
+  }
+  return icon;
+}
+
 }  // namespace ostrelon

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QColor>
+#include <QIcon>
 #include <QPixmap>
 #include <QRectF>
 
@@ -59,5 +60,8 @@ void paintIcon(QPainter& painter, Icon icon, const QRectF& box, int size, const 
 
 /// The mark of the program: an O in plan, its last quarter the swing of a door.
 QPixmap logoPixmap(int size, const Theme& theme, qreal devicePixelRatio);
+
+/// The icon of the windows: the mark on a card, in the sizes that desktops show.
+QIcon programIcon();
 
 }  // namespace ostrelon

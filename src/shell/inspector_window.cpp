@@ -2,6 +2,7 @@
 
 #include <QAbstractItemView>
 #include <QCloseEvent>
+#include <QCursor>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -11,6 +12,8 @@
 #include <algorithm>
 
 #include "app/shortcut_text.h"
+#include "geometry/marquee.h"
+#include "interaction/canvas_transform.h"
 #include "shell/qt_text.h"
 
 namespace ostrelon {
@@ -19,6 +22,10 @@ namespace {
 constexpr int kPadding = 16;
 constexpr int kRowHeight = 26;
 constexpr int kButtonColumn = 76;
+constexpr int kFromCanvasEdge = 24;
+constexpr int kBelowBadges = 72;
+constexpr int kMargin = 12;
+constexpr int kTitleHeight = 30;
 
 constexpr FieldMask kShownFields =
     fieldMask(SketchField::entities, SketchField::selectedEntityIDs, SketchField::primarySelectedEntityID,
@@ -126,6 +133,7 @@ QWidget* EntityInspectorView::makeOnePage() {
   kindIcon_ = new QLabel(page);
   name_ = new TextLabel(theme_, TextStyle::title, TextLabel::Rank::primary, {}, page);
   name_->setObjectName(QStringLiteral("inspector.title"));
+  name_->setElision(Qt::ElideRight);
   titleRow->addWidget(kindIcon_);
   titleRow->addWidget(name_, 1);
   column->addLayout(titleRow);
@@ -258,8 +266,7 @@ void EntityInspectorView::showEntity(const SketchEntity& entity) {
     shownIcon_ = drawing;
   }
   const QString label = qtText(sketch_.entityLabelText(entityID(entity)).value_or(""));
-  name_->setText(name_->fontMetrics().elidedText(label, Qt::ElideRight, kWidth - 2 * kPadding - 28));
-  name_->setAccessibleName(label);
+  name_->setText(label);
 
   const auto* wall = std::get_if<WallEntity>(&entity);
   const WallSystemSpec* system = wall != nullptr ? sketch_.wallSystemSpec(wall->systemSpecID) : nullptr;
@@ -298,6 +305,7 @@ void EntityInspectorView::showMetricRows(const std::vector<InspectorMetricRow>& 
     auto* value = new TextLabel(theme_, TextStyle::mono, TextLabel::Rank::primary, {}, onePage_);
     value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     value->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    value->setElision(Qt::ElideRight);
     for (TextLabel* text : {label, value}) text->setFixedHeight(kRowHeight);
     metrics_->addWidget(label, row, 0);
     metrics_->addWidget(value, row, 1);
@@ -340,15 +348,57 @@ void InspectorWindow::followFlag() {
     hide();
     return;
   }
-  if (!wasPlaced_ && parentWidget() != nullptr) {
-    // Over the canvas, clear of the wall systems.
-    const QWidget* main = parentWidget()->window();
-    const QRect frame = main->frameGeometry();
-    move(frame.right() - 264 - width() - 24, frame.top() + 44 + 72);
-    wasPlaced_ = true;
-  }
+  if (parentWidget() != nullptr) placeClear();
   show();
   raise();
+}
+
+// Where it was, or in a corner of the canvas: the first place that hides neither what is selected nor
+// the pointer. Where there is none, the one that hides least.
+void InspectorWindow::placeClear() {
+  const QWidget* main = parentWidget()->window();
+  const QWidget* canvas = main->findChild<QWidget*>(QStringLiteral("canvas"));
+  if (canvas == nullptr) canvas = main;
+  const QPoint origin = canvas->mapToGlobal(QPoint(0, 0));
+  const QRect room(origin, canvas->size());
+  const int left = room.left() + kFromCanvasEdge;
+  const int right = room.right() - kFromCanvasEdge - width();
+  const int top = room.top() + kBelowBadges;
+  const int bottom = room.bottom() - kBelowBadges - height();
+  std::vector<QPoint> places{{right, top}, {left, top}, {right, bottom}, {left, bottom}};
+  if (wasPlaced_) places.insert(places.begin(), pos());
+  // Beside the window, where the screen has room for that.
+  const QRect frame = main->frameGeometry();
+  places.emplace_back(frame.right() + kFromCanvasEdge, top);
+  places.emplace_back(frame.left() - kFromCanvasEdge - width(), top);
+
+  const QRect onScreen = screen() != nullptr ? screen()->availableGeometry() : room;
+  std::optional<QPoint> best;
+  std::size_t leastHidden = 0;
+  for (QPoint place : places) {
+    place.setX(std::clamp(place.x(), onScreen.left(), std::max(onScreen.left(), onScreen.right() - width())));
+    place.setY(std::clamp(place.y(), onScreen.top(), std::max(onScreen.top(), onScreen.bottom() - height())));
+    // Counted with the frame that the desktop adds.
+    const QRect box = QRect(place, size()).adjusted(-kMargin, -kMargin - kTitleHeight, kMargin, kMargin);
+    const auto inSketch = [&](QPoint global) {
+      const QPointF inView = global - origin;
+      return viewPointToSketch({inView.x(), inView.y()}, sketch_.viewport);
+    };
+    const SketchPoint low = inSketch(box.bottomLeft());
+    const SketchPoint high = inSketch(box.topRight());
+    std::size_t hidden = box.contains(QCursor::pos()) ? 1 : 0;
+    for (const UUID& id : *sketch_.selectedEntityIDs) {
+      const SketchEntity* entity = sketch_.entity(id);
+      if (entity != nullptr && entityIntersectsRect(*entity, {low.x, low.y, high.x, high.y})) ++hidden;
+    }
+    if (!best || hidden < leastHidden) {
+      best = place;
+      leastHidden = hidden;
+    }
+    if (hidden == 0) break;
+  }
+  move(best.value_or(places.front()));
+  wasPlaced_ = true;
 }
 
 void InspectorWindow::closeEvent(QCloseEvent* event) {

@@ -74,6 +74,7 @@ class InspectorWindow final : public QWidget {
 
  private:
   void followFlag();
+  void placeClear();
   void fitContent();
 
   SketchViewModel& sketch_;

@@ -143,12 +143,13 @@ class EntityRowsView final : public RowsView {
     }
     paintIcon(painter, model_.icon(row), QRectF(kEdge, box.top(), 14, box.height()), 14,
               isSelected || isHovered ? theme().foreground() : theme().mutedForeground());
-    painter.setFont(fontOf(isSelected ? TextStyle::smallStrong : TextStyle::small));
+    painter.setFont(rowFont(row));
     painter.setPen(theme().foreground());
-    const QRect words = box.adjusted(kEdge + 24, 0, -8, 0);
-    const QString label = model_.data(model_.index(row), Qt::DisplayRole).toString();
-    painter.drawText(words, Qt::AlignVCenter | Qt::AlignLeft,
-                     painter.fontMetrics().elidedText(label, Qt::ElideRight, words.width()));
+    painter.drawText(wordsBox(box), Qt::AlignVCenter | Qt::AlignLeft, shownLabel(row, box));
+  }
+
+  QString toolTipText(int row, const QRect& box) const override {
+    return shownLabel(row, box) == label(row) ? QString() : label(row);
   }
 
   void keyPressEvent(QKeyEvent* event) override {
@@ -160,6 +161,15 @@ class EntityRowsView final : public RowsView {
   }
 
  private:
+  static QRect wordsBox(const QRect& box) { return box.adjusted(kEdge + 24, 0, -8, 0); }
+  QFont rowFont(int row) const {
+    return fontOf(model_.isSelected(row) ? TextStyle::smallStrong : TextStyle::small);
+  }
+  QString label(int row) const { return model_.data(model_.index(row), Qt::DisplayRole).toString(); }
+  QString shownLabel(int row, const QRect& box) const {
+    return elided(label(row), rowFont(row), Qt::ElideRight, wordsBox(box).width());
+  }
+
   EntityListModel& model_;
 };
 
@@ -175,7 +185,6 @@ LeftNavView::LeftNavView(SketchViewModel& sketch, Theme& theme, QWidget* parent)
           new TextLabel(theme, TextStyle::heading, TextLabel::Rank::secondary, "ENTITIES", this)),
       emptyText_(new TextLabel(theme, TextStyle::small, TextLabel::Rank::secondary, "No entities", this)),
       model_(new EntityListModel(sketch, this)),
-      list_(new EntityRowsView(theme, *model_, this)),
       coordinatesLine_(new Hairline(theme, Qt::Horizontal, this)),
       coordinatesHeading_(
           new TextLabel(theme, TextStyle::heading, TextLabel::Rank::secondary, "COORDINATES", this)),
@@ -183,7 +192,6 @@ LeftNavView::LeftNavView(SketchViewModel& sketch, Theme& theme, QWidget* parent)
                                 QStringLiteral("0,0 at center  ·  Y ↑"), this)),
       gesturesText_(new TextLabel(theme, TextStyle::caption, TextLabel::Rank::secondary,
                                   QStringLiteral("two-finger pan  ·  pinch zoom"), this)),
-      unfoldButton_(new Button(theme, Button::Kind::plain, QString(), this)),
       update_(sketch, kShownFields, this, [this] { refresh(); }) {
   setObjectName(QStringLiteral("leftNav"));
   setAccessibleName(QStringLiteral("Navigation"));
@@ -195,6 +203,9 @@ LeftNavView::LeftNavView(SketchViewModel& sketch, Theme& theme, QWidget* parent)
     });
     toolRows_.push_back(row);
   }
+  // Made after the tools, since Tab goes in the order of making.
+  list_ = new EntityRowsView(theme, *model_, this);
+  unfoldButton_ = new Button(theme, Button::Kind::plain, QString(), this);
   emptyText_->setObjectName(QStringLiteral("leftNav.noEntities"));
   list_->setObjectName(QStringLiteral("leftNav.entities"));
   list_->setAccessibleName(QStringLiteral("Entities"));

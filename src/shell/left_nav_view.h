@@ -81,12 +81,12 @@ class LeftNavView final : public Panel {
   TextLabel* entitiesHeading_;
   TextLabel* emptyText_;
   EntityListModel* model_;
-  EntityRowsView* list_;
+  EntityRowsView* list_ = nullptr;
   Hairline* coordinatesLine_;
   TextLabel* coordinatesHeading_;
   TextLabel* originText_;
   TextLabel* gesturesText_;
-  Button* unfoldButton_;
+  Button* unfoldButton_ = nullptr;
   std::optional<UUID> shownPrimary_;
   ScheduledUpdate update_;
 };

@@ -2,6 +2,7 @@
 #include <QtGlobal>
 #include <cstdio>
 #include <exception>
+#include <string_view>
 
 #include "app/command_line.h"
 #include "automation/automation_start.h"
@@ -26,7 +27,9 @@ int run(int argc, char** argv) {
   using ostrelon::CommandLine;
   CommandLine line;
   try {
-    line = ostrelon::parseCommandLine({argv + (argc > 0 ? 1 : 0), argv + argc});
+    line = ostrelon::parseCommandLine({argv + (argc > 0 ? 1 : 0), argv + argc}, [](const std::string& name) {
+      return qEnvironmentVariable(name.c_str()).toStdString();
+    });
   } catch (const ostrelon::CommandLineError& error) {
     std::fprintf(stderr, "%s\n", error.what());
     return 2;
@@ -59,7 +62,8 @@ int main(int argc, char** argv) {
   try {
     return run(argc, argv);
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "Ostrelon cannot go on: %s.\n", error.what());
+    const std::string_view reason = error.what();
+    std::fprintf(stderr, "Ostrelon cannot go on: %s%s\n", error.what(), reason.ends_with('.') ? "" : ".");
     return 2;
   }
 }

@@ -1,6 +1,7 @@
 #include "shell/main_window.h"
 
 #include <QAbstractButton>
+#include <QAbstractSpinBox>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
@@ -12,9 +13,11 @@
 #include <QPointer>
 #include <QTextEdit>
 #include <QUrl>
+#include <QWindow>
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <utility>
 
 #include "shell/accessibility.h"
 #include "shell/context_menu_popup.h"
@@ -48,6 +51,7 @@ bool isDocument(const QUrl& url) {
 bool isTextControl(const QWidget* widget) {
   if (const auto* combo = qobject_cast<const QComboBox*>(widget)) return combo->isEditable();
   return qobject_cast<const QLineEdit*>(widget) != nullptr ||
+         qobject_cast<const QAbstractSpinBox*>(widget) != nullptr ||
          qobject_cast<const QTextEdit*>(widget) != nullptr ||
          qobject_cast<const QPlainTextEdit*>(widget) != nullptr;
 }
@@ -159,8 +163,29 @@ void MainWindow::unfold(QWidget* panel) {
 
 void MainWindow::foldBack() {
   if (unfolded_ == nullptr) return;
+  if (unfolded_->isAncestorOf(QApplication::focusWidget())) console_->input()->setFocus(Qt::OtherFocusReason);
   unfolded_ = nullptr;
   place();
+}
+
+// A click outside of an unfolded panel folds it, and is over. It is looked at before it is decided which
+// control it is for, since that would take the focus.
+bool MainWindow::takesClickToFold(const QEvent& event) {
+  switch (event.type()) {
+    case QEvent::MouseButtonPress: {
+      const auto& press = static_cast<const QMouseEvent&>(event);
+      isFoldingClick_ = unfolded_ != nullptr && !unfolded_->geometry().contains(press.position().toPoint()) &&
+                        DialogSheet::inFrontOf(*this) == nullptr;
+      if (isFoldingClick_) foldBack();
+      return isFoldingClick_;
+    }
+    case QEvent::MouseMove:
+      return isFoldingClick_;
+    case QEvent::MouseButtonRelease:
+      return std::exchange(isFoldingClick_, false);
+    default:
+      return false;
+  }
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event) {
@@ -257,16 +282,17 @@ void MainWindow::dropEvent(QDropEvent* event) {
 // --- Keys and clicks
 
 bool MainWindow::eventFilter(QObject* object, QEvent* event) {
+  if (object == windowHandle() && takesClickToFold(*event)) return true;
   auto* widget = qobject_cast<QWidget*>(object);
   if (widget == nullptr) return false;
   switch (event->type()) {
     case QEvent::KeyPress:
       return routeKey(*static_cast<QKeyEvent*>(event), widget);
+    case QEvent::Wheel:
+      swallowedLetters_.forget();
+      return false;
     case QEvent::MouseButtonPress:
-      if (widget->window() == this && unfolded_ != nullptr && widget != unfolded_ &&
-          !unfolded_->isAncestorOf(widget)) {
-        foldBack();
-      }
+      swallowedLetters_.forget();
       // The canvas leaves the focus with the console, where numbers are typed while drawing; other
       // fields give it up.
       if (widget == canvas_ && QApplication::focusWidget() != console_->input()) {
@@ -286,6 +312,10 @@ bool MainWindow::routeKey(QKeyEvent& event, QWidget* receiver) {
   if (focus != nullptr ? receiver != focus : receiver != this) return false;
   if (DialogSheet::inFrontOf(*this) != nullptr) return false;
 
+  if (unfolded_ != nullptr && receiver->window() == this && event.key() == Qt::Key_Escape) {
+    foldBack();
+    return true;
+  }
   KeyEvent key = keyEventOf(event);
   key.documentWindow = receiver->window() == this;
   key.textFocus = isTextControl(focus);
@@ -296,14 +326,22 @@ bool MainWindow::routeKey(QKeyEvent& event, QWidget* receiver) {
   const bool onEmptyLine = key.documentWindow && application_.sketch().commandInput->empty() &&
                            (key.consoleFocus || !key.textFocus);
   const bool isText = !event.text().isEmpty() && event.text().front().isPrint();
+  const bool mayBeTyping = onEmptyLine && isText;
   const Date now = application_.host().scheduler.now();
+  std::optional<SwallowedLetters::Board> before;
+  if (mayBeTyping) {
+    before = SwallowedLetters::boardOf(application_.sketch());
+  } else if (event.key() != Qt::Key_Shift) {
+    swallowedLetters_.forget();
+  }
   if (handleKey(key, application_.sketch()) == KeyOutcome::consumed) {
-    if (onEmptyLine && isText) swallowedLetters_.swallowed(plainText(event.text()), now);
+    if (before) swallowedLetters_.swallowed(plainText(event.text()), now, std::move(*before));
     return true;
   }
-  if (onEmptyLine && isText) {
+  if (mayBeTyping) {
     // What follows a shortcut's letter may show it to be the beginning of a command.
-    const std::string beginning = swallowedLetters_.takeBeginning(plainText(event.text()), now);
+    const std::string beginning =
+        swallowedLetters_.takeBeginning(plainText(event.text()), now, application_.sketch());
     if (!beginning.empty()) console_->input()->setText(qtText(beginning));
   }
   return key.documentWindow && typeIntoConsole(event);

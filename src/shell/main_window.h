@@ -48,6 +48,7 @@ class MainWindow final : public QWidget {
   void centreNewView();
   void unfold(QWidget* panel);
   void foldBack();
+  bool takesClickToFold(const QEvent& event);
   bool routeKey(QKeyEvent& event, QWidget* receiver);
   bool typeIntoConsole(const QKeyEvent& event);
 
@@ -60,6 +61,7 @@ class MainWindow final : public QWidget {
   ConsoleView* console_;
   WallSystemPanelView* wallSystems_;
   QWidget* unfolded_ = nullptr;  // a folded panel that lies unfolded over the canvas
+  bool isFoldingClick_ = false;  // the button is held with which a panel was folded
   SwallowedLetters swallowedLetters_;
   QWidget* unfoldedShadow_;
   bool hasAppeared_ = false;

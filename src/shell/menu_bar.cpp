@@ -13,9 +13,6 @@ constexpr FieldMask kEnablingFields =
     fieldMask(SketchField::entities, SketchField::selectedEntityIDs, SketchField::undoStack,
               SketchField::entityClipboard, SketchField::documentHistoryState, SketchField::documentFileURL);
 
-// "&" would mark a key to Qt.
-QString menuText(std::string_view text) { return qtText(text).replace('&', QStringLiteral("&&")); }
-
 QList<QKeySequence> keySequences(std::string_view shortcut) {
   QList<QKeySequence> keys{QKeySequence(qtText(desktopNotation(shortcut)), QKeySequence::PortableText)};
   // Plus shares its key with the equals sign on most keyboards, and nobody holds Shift to zoom.

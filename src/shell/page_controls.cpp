@@ -30,7 +30,9 @@ TextLabel* addFormRow(QGridLayout& form, Theme& theme, const QString& label, QWi
   control.setAccessibleName(label);
   const int row = form.rowCount();
   form.addWidget(words, row, 0);
-  form.addWidget(&control, row, 1);
+  // Aligned, a control of fixed width does not hold its whole column to that width.
+  const bool isFixed = control.sizePolicy().horizontalPolicy() == QSizePolicy::Fixed;
+  form.addWidget(&control, row, 1, isFixed ? Qt::AlignLeft | Qt::AlignVCenter : Qt::Alignment());
   return words;
 }
 
@@ -78,6 +80,8 @@ PageControls::PageControls(Theme& theme, const QString& prefix, const QString& n
   connect(otherScale_, &QLineEdit::editingFinished, this, &PageControls::changed);
   showRows();
 }
+
+void PageControls::chooseFitToSheet() { scale_->setCurrentIndex(0); }
 
 bool PageControls::isOnPaper() const { return !paper_->currentData().toString().isEmpty(); }
 

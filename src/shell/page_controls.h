@@ -25,6 +25,8 @@ class PageControls final : public QWidget {
   PageControls(Theme& theme, const QString& prefix, const QString& noSheet, QWidget* parent = nullptr);
 
   bool isOnPaper() const;
+  /// Chooses the scale that fits the sheet, in place of the usual one.
+  void chooseFitToSheet();
   /// Writes the choices into the options. Throws `ExportOptionError` for a scale that cannot be read.
   void apply(ExportOptions& options) const;
 

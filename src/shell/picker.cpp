@@ -1,10 +1,10 @@
 #include "shell/picker.h"
 
 #include <QAbstractItemView>
+#include <QHelpEvent>
 #include <QPainter>
 
-#include "shell/fonts.h"
-#include "shell/icons.h"
+#include "shell/controls.h"
 
 namespace ostrelon {
 
@@ -17,17 +17,26 @@ Picker::Picker(Theme& theme, QWidget* parent) : QComboBox(parent), theme_(theme)
   connect(&theme, &Theme::changed, this, [this] { update(); });
 }
 
+QString Picker::shownText() const {
+  return elided(currentText(), font(), Qt::ElideRight, comboBoxWords(rect()).width());
+}
+
+bool Picker::event(QEvent* event) {
+  if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
+    const bool isCut = shownText() != currentText();
+    showToolTip(*static_cast<QHelpEvent*>(event), isCut ? currentText() : QString(), this);
+    return true;
+  }
+  return QComboBox::event(event);
+}
+
 void Picker::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
-  paintBox(painter, rect(), 6, underMouse() && isEnabled() ? theme_.muted() : theme_.card(), theme_.border());
-  const QColor words = isEnabled() ? theme_.foreground() : theme_.mutedForeground();
-  const QRect inner = rect().adjusted(9, 0, -26, 0);
+  paintComboBox(painter, rect(), theme_, isEnabled(), underMouse());
   painter.setFont(font());
-  painter.setPen(words);
-  painter.drawText(inner, Qt::AlignVCenter | Qt::AlignLeft,
-                   fontMetrics().elidedText(currentText(), Qt::ElideRight, inner.width()));
-  paintIcon(painter, Icon::chevronDown, QRectF(width() - 22, 0, 14, height()), 14, theme_.mutedForeground());
+  painter.setPen(isEnabled() ? theme_.foreground() : theme_.mutedForeground());
+  painter.drawText(comboBoxWords(rect()), Qt::AlignVCenter | Qt::AlignLeft, shownText());
 }
 
 }  // namespace ostrelon

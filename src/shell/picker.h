@@ -7,15 +7,18 @@
 
 namespace ostrelon {
 
-/// A picker of 28 px, painted from the theme.
+/// A picker of 28 px, painted from the theme. A tooltip tells a choice that is longer.
 class Picker final : public QComboBox {
  public:
   explicit Picker(Theme& theme, QWidget* parent = nullptr);
 
  protected:
+  bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  QString shownText() const;
+
   Theme& theme_;
 };
 

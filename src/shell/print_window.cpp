@@ -1,7 +1,10 @@
 #include "shell/print_window.h"
 
+#include <QDir>
+#include <QGraphicsView>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QLineEdit>
 #include <QPageLayout>
 #include <QPainter>
 #include <QPrintDialog>
@@ -103,8 +106,11 @@ PrintWindow::PrintWindow(Application& application, Theme& theme, QWidget* parent
   row->addWidget(new Hairline(theme, Qt::Vertical, this));
   preview_->setObjectName(QStringLiteral("print.preview"));
   preview_->fitInView();
+  connect(&theme, &Theme::changed, this, [this] { paintSurround(); });
+  paintSurround();
   row->addWidget(preview_, 1);
 
+  page_->chooseFitToSheet();
   connect(page_, &PageControls::changed, this, [this] { refresh(); });
   connect(grid_, &QCheckBox::toggled, this, [this] { refresh(); });
   connect(close, &QPushButton::clicked, this, &QDialog::close);
@@ -118,6 +124,11 @@ PrintWindow::PrintWindow(Application& application, Theme& theme, QWidget* parent
     }
   });
   refresh();
+}
+
+void PrintWindow::paintSurround() {
+  auto* view = preview_->findChild<QGraphicsView*>();
+  if (view != nullptr && view->scene() != nullptr) view->scene()->setBackgroundBrush(theme_.muted());
 }
 
 void PrintWindow::paintEvent(QPaintEvent* /*event*/) { QPainter(this).fillRect(rect(), theme_.card()); }
@@ -147,11 +158,22 @@ void PrintWindow::refresh() {
 }
 
 void PrintWindow::print() {
+  SketchViewModel& sketch = application_.sketch();
+  printer_.setDocName(qtText(*sketch.documentName));
   QPrintDialog dialog(&printer_, this);
+  // Qt would offer the working folder, and cut the name at its last point.
+  const QDir documents(qtText(application_.settings().defaultProjectsFolder().parent_path().string()));
+  auto* fileName = dialog.findChild<QLineEdit*>(QStringLiteral("filename"));
+  if (fileName != nullptr && documents.exists()) {
+    fileName->setText(documents.filePath(printer_.docName() + QStringLiteral(".pdf")));
+  }
   if (dialog.exec() != QDialog::Accepted) return;
   try {
-    printDrawing(printer_, application_.sketch(), options());
-    application_.sketch().showDocumentToast("Sent to the printer", DocumentToastState::Style::success);
+    printDrawing(printer_, sketch, options());
+    const std::string written = plainText(printer_.outputFileName());
+    sketch.showDocumentToast(
+        written.empty() ? "Sent to the printer" : "Printed to " + FilePath(written).filename().string(),
+        DocumentToastState::Style::success);
     close();
   } catch (const UserError& error) {
     status_->setText(QString::fromUtf8(error.what()));

@@ -31,6 +31,7 @@ class PrintWindow final : public QDialog {
   /// Lays the pages out anew, and says how many there are or why there are none.
   void refresh();
   void print();
+  void paintSurround();
 
   Application& application_;
   Theme& theme_;

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QHeaderView>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -19,10 +20,11 @@ constexpr int kAlertPadding = 24;
 
 QString documentFilter() { return QStringLiteral("Ostrelon documents (*.ostrel *.OSTREL)"); }
 
-// Sets up the desktop's panel for what is asked.
-void prepare(QFileDialog& panel, const DialogRequest& request) {
-  const auto startIn = [&panel](const std::filesystem::path& folder) {
-    if (!folder.empty()) panel.setDirectory(qtText(folder.string()));
+// Sets up the desktop's panel for what is asked. `lastFolder`: where it starts when nothing else is said.
+void prepare(QFileDialog& panel, const DialogRequest& request, const QString& lastFolder) {
+  const auto startIn = [&](const std::filesystem::path& folder) {
+    const QString start = folder.empty() ? lastFolder : qtText(folder.string());
+    if (!start.isEmpty()) panel.setDirectory(start);
   };
   std::visit(Overloaded{
                  [&](const OpenPanel& open) {
@@ -44,8 +46,10 @@ void prepare(QFileDialog& panel, const DialogRequest& request) {
                    panel.setWindowTitle(QStringLiteral("Export"));
                    panel.setAcceptMode(QFileDialog::AcceptSave);
                    panel.setFileMode(QFileDialog::AnyFile);
-                   panel.setNameFilters({QStringLiteral("PDF (*.pdf)"), QStringLiteral("SVG (*.svg)"),
-                                         QStringLiteral("PNG (*.png)"), QStringLiteral("DXF (*.dxf)")});
+                   // The name that is offered ends in the kind that was chosen.
+                   const QString kind = QFileInfo(qtText(save.suggestedName)).suffix();
+                   panel.setNameFilters({QStringLiteral("%1 (*.%2 *.%1)").arg(kind.toUpper(), kind)});
+                   panel.setDefaultSuffix(kind);
                    startIn(save.startingFolder);
                    panel.selectFile(qtText(save.suggestedName));
                  },
@@ -105,16 +109,18 @@ void QtDialogs::askForFile(QWidget& window, const DialogRequest& request,
   auto* panel = new QFileDialog(parent != nullptr ? parent->window() : &window);
   panel->setObjectName(QStringLiteral("filePanel"));
   panel->setAttribute(Qt::WA_DeleteOnClose);
-  prepare(*panel, request);
+  prepare(*panel, request, lastFolder_);
   layOutColumns(*panel);
-  QObject::connect(panel, &QFileDialog::finished, panel, [panel, answered = std::move(answered)](int result) {
-    const QStringList chosen = panel->selectedFiles();
-    if (result == QDialog::Accepted && !chosen.isEmpty()) {
-      answered(plainText(chosen.front()));
-    } else {
-      answered(std::nullopt);
-    }
-  });
+  QObject::connect(panel, &QFileDialog::finished, panel,
+                   [this, panel, answered = std::move(answered)](int result) {
+                     const QStringList chosen = panel->selectedFiles();
+                     if (result == QDialog::Accepted && !chosen.isEmpty()) {
+                       lastFolder_ = panel->directory().path();
+                       answered(plainText(chosen.front()));
+                     } else {
+                       answered(std::nullopt);
+                     }
+                   });
   panel->open();
 }
 

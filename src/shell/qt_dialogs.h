@@ -12,11 +12,13 @@ namespace ostrelon {
 
 class QtDialogs final : public Dialogs {
  public:
-  explicit QtDialogs(Theme& theme) : theme_(theme) {}
+  /// File panels start in `folder` at first, where nothing else is asked for, and then in the last one.
+  explicit QtDialogs(Theme& theme, QString folder = {}) : theme_(theme), lastFolder_(std::move(folder)) {}
   /// The window over which questions are asked. Without one they are cancelled.
   void setWindow(QWidget* window) { window_ = window; }
 
   void ask(const DialogRequest& request, std::function<void(DialogAnswer)> answered) override;
+  bool confirmsReplacing() const override { return true; }
 
  private:
   void askForFile(QWidget& window, const DialogRequest& request, std::function<void(DialogAnswer)> answered);
@@ -24,6 +26,7 @@ class QtDialogs final : public Dialogs {
   void askAlert(QWidget& window, const Alert& alert, std::function<void(DialogAnswer)> answered);
 
   Theme& theme_;
+  QString lastFolder_;
   QPointer<QWidget> window_;
 };
 

@@ -1,6 +1,7 @@
 #include "shell/rows_view.h"
 
 #include <QAccessible>
+#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -8,6 +9,7 @@
 #include <algorithm>
 
 #include "shell/accessibility.h"
+#include "shell/controls.h"
 
 namespace ostrelon {
 
@@ -170,7 +172,17 @@ void RowsView::mouseMoveEvent(QMouseEvent* event) {
   QAbstractItemView::mouseMoveEvent(event);
 }
 
+QString RowsView::toolTipText(int row, const QRect& /*box*/) const {
+  return model()->index(row, 0).data(Qt::ToolTipRole).toString();
+}
+
 bool RowsView::viewportEvent(QEvent* event) {
+  if (event->type() == QEvent::ToolTip) {
+    const auto& help = *static_cast<QHelpEvent*>(event);
+    const QModelIndex index = indexAt(help.pos());
+    showToolTip(help, index.isValid() ? toolTipText(index.row(), visualRect(index)) : QString(), viewport());
+    return true;
+  }
   if (event->type() == QEvent::Leave) setHoveredRow(-1);
   return QAbstractItemView::viewportEvent(event);
 }

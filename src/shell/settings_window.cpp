@@ -17,6 +17,7 @@
 #include "platform/user_error.h"
 #include "shell/date_text.h"
 #include "shell/qt_text.h"
+#include "updates/web_address.h"
 
 namespace ostrelon {
 namespace {
@@ -110,6 +111,7 @@ void AppSettingsView::makeUpdates() {
   auto* statusLabel = new TextLabel(theme_, TextStyle::body, TextLabel::Rank::secondary, "Status", this);
   statusLabel->setFixedWidth(kLabelColumn);
   statusMark_ = new QLabel(this);
+  statusMark_->setObjectName(QStringLiteral("settings.statusMark"));
   status_ = new TextLabel(theme_, TextStyle::bodyStrong, TextLabel::Rank::primary, {}, this);
   status_->setObjectName(QStringLiteral("settings.status"));
   status_->setWordWrap(true);
@@ -153,9 +155,9 @@ void AppSettingsView::makeUpdates() {
   fullNotes_->setUnderlined(true);
   fullNotes_->setPaddings(0, 20);
   connect(fullNotes_, &QPushButton::clicked, this, [this] {
-    if (shownUpdate_ && shownUpdate_->latestRelease.releaseNotesURL) {
-      QDesktopServices::openUrl(QUrl(qtText(*shownUpdate_->latestRelease.releaseNotesURL)));
-    }
+    if (!shownUpdate_) return;
+    const auto& notes = shownUpdate_->latestRelease.releaseNotesURL;
+    if (notes && isSecureWebAddress(*notes)) QDesktopServices::openUrl(QUrl(qtText(*notes)));
   });
   notesRow->addWidget(omitted_, 1);
   notesRow->addWidget(fullNotes_);
@@ -304,7 +306,10 @@ void AppSettingsView::refreshUpdates() {
   const bool isAvailable = status == Case::updateAvailable || status == Case::postponed;
   status_->setText(qtText(updates.statusText()));
   const bool hasDot = status == Case::updateAvailable;
-  const bool hasAlert = status == Case::failed;
+  // A build that has no feed to ask has not failed at anything.
+  const bool hasFeed = updates.feedURL().has_value();
+  const bool hasAlert = status == Case::failed && hasFeed;
+  status_->setRank(hasFeed ? TextLabel::Rank::primary : TextLabel::Rank::secondary);
   statusMark_->setVisible(hasDot || hasAlert);
   if (hasDot || hasAlert) {
     const qreal ratio = devicePixelRatioF();

@@ -29,8 +29,11 @@ class CandidateBox final : public QWidget {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(16, 8, 16, 8);
     column->setSpacing(0);
-    column->addWidget(new TextLabel(theme, TextStyle::bodyStrong, TextLabel::Rank::primary,
-                                    qtText(candidate.displayName), this));
+    auto* name = new TextLabel(theme, TextStyle::bodyStrong, TextLabel::Rank::primary,
+                               qtText(candidate.displayName), this);
+    name->setObjectName(QStringLiteral("autoSaveRecovery.name"));
+    name->setElision(Qt::ElideMiddle);
+    column->addWidget(name);
     if (candidate.savedAt) {
       column->addWidget(new TextLabel(theme, TextStyle::small, TextLabel::Rank::primary,
                                       QStringLiteral("Autosaved ") + abbreviatedDateText(*candidate.savedAt),

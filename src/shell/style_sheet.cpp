@@ -17,16 +17,8 @@ QLineEdit {{
 }}
 QLineEdit:disabled {{ color: {mutedForeground}; }}
 
-QComboBox {{
-  background: {card}; color: {foreground}; border: 1px solid {border}; border-radius: 6px;
-  padding: 0 8px; min-height: 26px;
-}}
-QComboBox:hover {{ background: {muted}; }}
-QComboBox:disabled {{ color: {mutedForeground}; }}
-QComboBox::drop-down {{ border: none; width: 24px; }}
-QComboBox::down-arrow {{ image: none; }}
 QComboBox QAbstractItemView {{
-  background: {card}; color: {foreground}; border: 1px solid {border}; outline: none; padding: 4px;
+  background: transparent; color: {foreground}; border: none; outline: none; padding: 0 4px;
   selection-background-color: {muted}; selection-color: {foreground};
 }}
 QComboBox QAbstractItemView::item {{ min-height: 28px; padding: 0 6px; border-radius: 6px; }}

@@ -4,6 +4,7 @@
 #include <QBitmap>
 #include <QFocusEvent>
 #include <QFocusFrame>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPainter>
@@ -25,14 +26,75 @@
 namespace ostrelon {
 namespace {
 
+constexpr int kControlHeight = 28;
 constexpr int kMenuItemHeight = 28;
 constexpr int kMenuItemPadding = 10;
 constexpr int kMenuMinimumWidth = 200;
 constexpr int kMenuCheckWidth = 24;
-constexpr int kMenuRadius = 10;
+constexpr int kPopupRadius = 10;
 constexpr int kMenuPadding = 4;
 constexpr int kSubmenuGap = 3;
 constexpr int kHaloWidth = 3;
+constexpr const char* kHasShadow = "hasPopupShadow";
+
+// The shadow of a popup. It is painted into the window below it, so that it needs nobody who composes
+// windows, and the popup stays as large as it looks.
+class PopupShadow final : public QObject {
+ public:
+  PopupShadow(Theme& theme, QWidget& popup) : QObject(&popup), theme_(theme), popup_(popup) {}
+  ~PopupShadow() override { delete shadow_; }
+
+  bool eventFilter(QObject* /*object*/, QEvent* event) override {
+    switch (event->type()) {
+      case QEvent::Show:
+      case QEvent::Move:
+      case QEvent::Resize:
+        if (popup_.isVisible()) place();
+        break;
+      case QEvent::Hide:
+        delete shadow_;
+        break;
+      default:
+        break;
+    }
+    return false;
+  }
+
+ private:
+  class Painted final : public QWidget {
+   public:
+    Painted(Theme& theme, QWidget* parent) : QWidget(parent), theme_(theme) {
+      setAttribute(Qt::WA_TransparentForMouseEvents);
+    }
+
+   protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+      const int reach = shadowReach(2);
+      QPainter painter(this);
+      paintShadow(painter, QRectF(rect()).adjusted(reach, reach, -reach, -reach), theme_, 2, kPopupRadius);
+    }
+
+   private:
+    Theme& theme_;
+  };
+
+  void place() {
+    QWidget* window = popup_.parentWidget();
+    while (window != nullptr && (!window->isWindow() || window->windowType() == Qt::Popup))
+      window = window->parentWidget();
+    if (window == nullptr) return;
+    if (shadow_ == nullptr) shadow_ = new Painted(theme_, window);
+    const int reach = shadowReach(2);
+    const QRect box(window->mapFromGlobal(popup_.mapToGlobal(QPoint(0, 0))), popup_.size());
+    shadow_->setGeometry(box.adjusted(-reach, -reach, reach, reach));
+    shadow_->raise();
+    shadow_->show();
+  }
+
+  Theme& theme_;
+  QWidget& popup_;
+  QPointer<QWidget> shadow_;
+};
 
 // Fusion with our menus, and without focus rectangles: the halo shows the focus.
 class BaseStyle final : public QProxyStyle {
@@ -84,7 +146,7 @@ class BaseStyle final : public QProxyStyle {
       // What the mask leaves of the corners has the colour of the outline.
       if (widget != nullptr && !widget->mask().isEmpty()) painter->fillRect(option->rect, theme_.border());
       painter->setRenderHint(QPainter::Antialiasing);
-      paintBox(*painter, option->rect, kMenuRadius, theme_.card(), theme_.border());
+      paintBox(*painter, option->rect, kPopupRadius, theme_.card(), theme_.border());
       painter->restore();
       return;
     }
@@ -106,6 +168,10 @@ class BaseStyle final : public QProxyStyle {
 
   QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
                          const QWidget* widget) const override {
+    if (type == CT_ComboBox) {
+      const int sides = option->rect.width() - comboBoxWords(option->rect).width();
+      return {size.width() + sides + 4, std::max(size.height(), kControlHeight)};
+    }
     if (type == CT_MenuItem) {
       const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
       if (item != nullptr && item->menuItemType == QStyleOptionMenuItem::Separator) return {8, 9};
@@ -122,34 +188,82 @@ class BaseStyle final : public QProxyStyle {
     return QProxyStyle::sizeFromContents(type, option, size, widget);
   }
 
-  // Where nothing composes windows, what lies outside the rounded corners would be black.
+  QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                       const QWidget* widget) const override {
+    if (control == CC_ComboBox && part == SC_ComboBoxEditField) return comboBoxWords(option->rect);
+    if (control == CC_ComboBox && part == SC_ComboBoxArrow)
+      return option->rect.adjusted(option->rect.width() - 26, 0, 0, 0);
+    return QProxyStyle::subControlRect(control, option, part, widget);
+  }
+
+  void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                          const QWidget* widget) const override {
+    if (control != CC_ComboBox) {
+      QProxyStyle::drawComplexControl(control, option, painter, widget);
+      return;
+    }
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    paintComboBox(*painter, option->rect, theme_, (option->state & State_Enabled) != 0,
+                  (option->state & State_MouseOver) != 0);
+    painter->restore();
+  }
+
   bool eventFilter(QObject* object, QEvent* event) override {
-    if (event->type() == QEvent::Resize) {
-      if (auto* menu = qobject_cast<QMenu*>(object)) {
-        QBitmap mask(menu->size());
-        mask.clear();
-        QPainter painter(&mask);
-        painter.setBrush(Qt::color1);
-        painter.setPen(Qt::color1);
-        painter.drawRoundedRect(menu->rect().adjusted(0, 0, -1, -1), kMenuRadius - 1, kMenuRadius - 1);
-        painter.end();
-        menu->setMask(mask);
-      }
+    auto* popup = qobject_cast<QWidget*>(object);
+    switch (popup != nullptr ? event->type() : QEvent::None) {
+      case QEvent::Resize:
+        roundCorners(*popup);
+        break;
+      case QEvent::Paint:
+        if (qobject_cast<QMenu*>(popup) == nullptr) {
+          QPainter painter(popup);
+          QStyleOption whole;
+          whole.initFrom(popup);
+          drawPrimitive(PE_PanelMenu, &whole, &painter, popup);
+          return true;
+        }
+        break;
+      default:
+        break;
     }
     return QProxyStyle::eventFilter(object, event);
   }
 
   void polish(QWidget* widget) override {
     QProxyStyle::polish(widget);
-    if (qobject_cast<QMenu*>(widget) != nullptr) {
+    // Names come out of files. No label, tooltip or message box may take one for markup, which could
+    // load pictures or pass for words of the program.
+    if (auto* label = qobject_cast<QLabel*>(widget); label && label->textFormat() == Qt::AutoText) {
+      label->setTextFormat(Qt::PlainText);
+    }
+    // Menus and the lists of combo boxes look alike: our corners and our shadow, none of the desktop's.
+    if (qobject_cast<QMenu*>(widget) != nullptr || widget->inherits("QComboBoxPrivateContainer")) {
       widget->setWindowFlag(Qt::FramelessWindowHint);
       widget->setWindowFlag(Qt::NoDropShadowWindowHint);
       widget->setAttribute(Qt::WA_TranslucentBackground);
-      if (QGuiApplication::platformName() == QLatin1String("xcb")) widget->installEventFilter(this);
+      widget->installEventFilter(this);
+      if (!widget->property(kHasShadow).toBool()) {
+        widget->setProperty(kHasShadow, true);
+        widget->installEventFilter(new PopupShadow(theme_, *widget));
+      }
     }
   }
 
  private:
+  // Where nothing composes windows, what lies outside the rounded corners would be black.
+  static void roundCorners(QWidget& popup) {
+    if (QGuiApplication::platformName() != QLatin1String("xcb")) return;
+    QBitmap mask(popup.size());
+    mask.clear();
+    QPainter painter(&mask);
+    painter.setBrush(Qt::color1);
+    painter.setPen(Qt::color1);
+    painter.drawRoundedRect(popup.rect().adjusted(0, 0, -1, -1), kPopupRadius - 1, kPopupRadius - 1);
+    painter.end();
+    popup.setMask(mask);
+  }
+
   void paintMenuItem(const QStyleOptionMenuItem& item, QPainter& painter) const {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
@@ -221,8 +335,12 @@ class FocusHalo final : public QFocusFrame {
 class FocusWatcher final : public QObject {
  public:
   FocusWatcher(Theme& theme, QObject* parent) : QObject(parent), theme_(theme) {
+    // Qt hides the frame when the style changes under it.
     QObject::connect(&theme, &Theme::changed, this, [this] {
-      if (halo_) halo_->update();
+      if (!halo_ || halo_->widget() == nullptr) return;
+      halo_->setVisible(halo_->widget()->isVisible());
+      halo_->raise();
+      halo_->update();
     });
   }
 
@@ -325,6 +443,14 @@ void paintBox(QPainter& painter, const QRectF& box, double radius, const QColor&
   painter.setBrush(fill.isValid() ? QBrush(fill) : QBrush(Qt::NoBrush));
   const double inset = border.isValid() ? 0.5 : 0;
   painter.drawRoundedRect(box.adjusted(inset, inset, -inset, -inset), radius - inset, radius - inset);
+}
+
+QRect comboBoxWords(const QRect& box) { return box.adjusted(9, 0, -26, 0); }
+
+void paintComboBox(QPainter& painter, const QRect& box, const Theme& theme, bool isEnabled, bool isHovered) {
+  paintBox(painter, box, 6, isHovered && isEnabled ? theme.muted() : theme.card(), theme.border());
+  paintIcon(painter, Icon::chevronDown, QRectF(box.right() + 1 - 22, box.top(), 14, box.height()), 14,
+            theme.mutedForeground());
 }
 
 namespace {

@@ -62,6 +62,10 @@ void installBaseStyle(Theme& theme);
 
 /// A box with a one-pixel border drawn inside it on pixel centres.
 void paintBox(QPainter& painter, const QRectF& box, double radius, const QColor& fill, const QColor& border);
+/// The frame and the arrow of a combo box.
+void paintComboBox(QPainter& painter, const QRect& box, const Theme& theme, bool isEnabled, bool isHovered);
+/// Where the words of a combo box stand.
+QRect comboBoxWords(const QRect& box);
 /// A soft shadow around `box`, painted as a nine-patch that is made once. `elevation`: 2 menus and
 /// toasts, 3 sheets.
 void paintShadow(QPainter& painter, const QRectF& box, const Theme& theme, int elevation, double radius);

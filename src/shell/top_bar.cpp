@@ -14,7 +14,11 @@ constexpr int kGap = 8;
 constexpr int kDot = 7;
 constexpr int kBranchIcon = 14;
 constexpr int kBranchGap = 6;
-constexpr int kTightWidth = 800;
+// The least that is left of a cut word, and what is readable of it without effort.
+constexpr int kLeastName = 64;
+constexpr int kLeastBranch = 36;
+constexpr int kReadableName = 160;
+constexpr int kReadableBranch = 48;
 
 // A button of the bar: its title, its key, and the menu command that it stands for.
 struct MenuBarAction {
@@ -46,29 +50,43 @@ void DocumentTitle::setDocument(const QString& name, bool isEdited, const QStrin
   update();
 }
 
-void DocumentTitle::setBranchShown(bool shown) {
-  isBranchShown_ = shown;
-  update();
+int DocumentTitle::marksWidth() const {
+  const int dot = isEdited_ ? kGap + kDot : 0;
+  return dot + kGap + QFontMetrics(fontOf(TextStyle::body)).horizontalAdvance(u'·') + kGap + kBranchIcon;
 }
 
-int DocumentTitle::fixedWidth() const {
-  const QFontMetrics body(fontOf(TextStyle::body));
-  int width = kGap + body.horizontalAdvance(u'·') + kGap + kBranchIcon;
-  if (isBranchShown_) width += kBranchGap + body.horizontalAdvance(branch_);
-  if (isEdited_) width += kGap + kDot;
-  return width;
+DocumentTitle::Room DocumentTitle::wholeWords() const {
+  return {QFontMetrics(fontOf(TextStyle::bodyStrong)).horizontalAdvance(name_) + 1,
+          QFontMetrics(fontOf(TextStyle::body)).horizontalAdvance(branch_) + 1};
+}
+
+DocumentTitle::Room DocumentTitle::roomForWords(int width) const {
+  const Room whole = wholeWords();
+  const int room = std::max(0, width - marksWidth());
+  const int leastBranch = std::min(whole.branch, kLeastBranch);
+  const int forBoth = room - kBranchGap;
+  if (forBoth < std::min(whole.name, kLeastName) + leastBranch) return {.name = std::min(whole.name, room)};
+  const int branch = std::clamp(forBoth - whole.name, leastBranch, whole.branch);
+  return {.name = std::min(whole.name, forBoth - branch), .branch = branch};
 }
 
 QSize DocumentTitle::sizeHint() const {
-  return {QFontMetrics(fontOf(TextStyle::bodyStrong)).horizontalAdvance(name_) + 1 + fixedWidth(), 28};
+  const Room whole = wholeWords();
+  return {marksWidth() + whole.name + kBranchGap + whole.branch, 28};
+}
+
+int DocumentTitle::readableWidth() const {
+  const Room whole = wholeWords();
+  return marksWidth() + std::min(whole.name, kReadableName) + kBranchGap +
+         std::min(whole.branch, kReadableBranch);
 }
 
 void DocumentTitle::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
+  const Room room = roomForWords(width());
   const QFont strong = fontOf(TextStyle::bodyStrong);
-  const QString name =
-      QFontMetrics(strong).elidedText(name_, Qt::ElideMiddle, std::max(0, width() - fixedWidth()));
+  const QFont plain = fontOf(TextStyle::body);
   int x = 0;
   const auto drawWords = [&](const QString& words, const QColor& color) {
     painter.setPen(color);
@@ -77,7 +95,7 @@ void DocumentTitle::paintEvent(QPaintEvent* /*event*/) {
     x += advance;
   };
   painter.setFont(strong);
-  drawWords(name, theme_.foreground());
+  drawWords(elided(name_, strong, Qt::ElideMiddle, room.name), theme_.foreground());
   if (isEdited_) {
     painter.setPen(Qt::NoPen);
     painter.setBrush(theme_.active());
@@ -85,13 +103,15 @@ void DocumentTitle::paintEvent(QPaintEvent* /*event*/) {
     x += kGap + kDot;
   }
   x += kGap;
-  painter.setFont(fontOf(TextStyle::body));
+  painter.setFont(plain);
   drawWords(QStringLiteral("·"), theme_.secondaryOnCard());
   x += kGap;
   paintIcon(painter, Icon::branch, QRectF(x, 0, kBranchIcon, height()), kBranchIcon,
             theme_.secondaryOnCard());
   x += kBranchIcon + kBranchGap;
-  if (isBranchShown_) drawWords(branch_, theme_.secondaryOnCard());
+  if (room.branch > 0) {
+    drawWords(elided(branch_, plain, Qt::ElideRight, room.branch), theme_.secondaryOnCard());
+  }
 }
 
 TopMenuBarView::TopMenuBarView(Application& application, Theme& theme, QWidget* parent)
@@ -122,6 +142,7 @@ TopMenuBarView::TopMenuBarView(Application& application, Theme& theme, QWidget* 
   gridSwitch_->setToolTip(toolTipWithKey(QStringLiteral("Show the grid"), "⌘G"));
   connect(gridSwitch_, &QCheckBox::clicked, this,
           [this](bool checked) { application_.sketch().setShowGrid(checked); });
+  setTabOrder(actions_.back(), gridSwitch_);
   refresh();
 }
 
@@ -136,15 +157,22 @@ void TopMenuBarView::resizeEvent(QResizeEvent* event) {
 }
 
 void TopMenuBarView::place() {
-  // In a very narrow bar the actions stand closer, and the switch and the branch lose their words, so
-  // that something is left for the name.
-  const bool isTight = width() < kTightWidth;
+  // The name stands in the middle of what is left between the menus and the actions. Where that is too
+  // little to read it, the actions move closer and the switch gives up its word.
+  const int left = 8 + menuBar_->sizeHint().width() + 12;
+  int right = placeActions(false);
+  if (right - left < title_->readableWidth()) right = placeActions(true);
+  const int middle = (kHeight - 1) / 2;
+  menuBar_->setGeometry(8, middle - 14, menuBar_->sizeHint().width(), 28);
+  const int room = std::max(0, right - left);
+  const int wanted = std::min(title_->sizeHint().width(), room);
+  title_->setGeometry(left + (room - wanted) / 2, middle - 14, wanted, 28);
+}
+
+int TopMenuBarView::placeActions(bool isTight) {
   for (Button* button : actions_) button->setPaddings(isTight ? 5 : 8, 28);
   gridSwitch_->setText(isTight ? QString() : QStringLiteral("Grid"));
-  title_->setBranchShown(!isTight);
   const int middle = (kHeight - 1) / 2;
-  const QSize menus = menuBar_->sizeHint();
-  menuBar_->setGeometry(8, middle - 14, menus.width(), 28);
   int right = width() - 16;
   const QSize grid = gridSwitch_->sizeHint();
   right -= grid.width();
@@ -157,11 +185,7 @@ void TopMenuBarView::place() {
     right -= size.width();
     (*button)->setGeometry(right, middle - 14, size.width(), 28);
   }
-  // The name stands in the middle of what is left between the menus and the actions.
-  const int left = 8 + menus.width() + 12;
-  const int room = right - 12 - left;
-  const int wanted = std::min(title_->sizeHint().width(), std::max(0, room));
-  title_->setGeometry(left + std::max(0, (room - wanted) / 2), middle - 14, wanted, 28);
+  return right - 12;
 }
 
 void TopMenuBarView::refresh() {

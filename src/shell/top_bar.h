@@ -8,27 +8,34 @@
 
 namespace ostrelon {
 
-/// The document's name, a dot while it has unsaved changes, and the branch. The name gives way in
-/// its middle, the branch never.
+/// The document's name, a dot while it has unsaved changes, and the branch. Where there is no room for
+/// both, the branch is cut first, at its end, and then the name, in its middle; last the branch is told
+/// by its icon alone. The tooltip holds both as they are.
 class DocumentTitle final : public QLabel {
  public:
   explicit DocumentTitle(Theme& theme, QWidget* parent = nullptr);
   void setDocument(const QString& name, bool isEdited, const QString& branch);
-  /// Without its words the branch is told by its icon, and by the tooltip.
-  void setBranchShown(bool shown);
   QSize sizeHint() const override;
+  /// Below this width, px, the name or the branch is hard to tell.
+  int readableWidth() const;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  int fixedWidth() const;
+  struct Room {
+    int name = 0;
+    int branch = 0;  ///< none where there is no room for a word
+  };
+  Room roomForWords(int width) const;
+  Room wholeWords() const;
+  /// What the marks take, and their gaps.
+  int marksWidth() const;
 
   Theme& theme_;
   QString name_;
   QString branch_;
   bool isEdited_ = false;
-  bool isBranchShown_ = true;
 };
 
 class TopMenuBarView final : public Panel {
@@ -46,6 +53,8 @@ class TopMenuBarView final : public Panel {
  private:
   void refresh();
   void place();
+  /// Places what stands right of the title. Gives the x at which the title has to end.
+  int placeActions(bool isTight);
 
   Application& application_;
   MenuBar* menuBar_;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/length_text.h"
 #include "shell/accessibility.h"
 #include "shell/entity_list_model.h"
 #include "shell/qt_text.h"
@@ -19,6 +20,7 @@ constexpr int kRowHeight = 48;
 constexpr int kRowGap = 2;
 constexpr int kLabelColumn = 66;
 constexpr int kPreviewHeight = 88;
+constexpr const char* kActiveTag = "Active";
 constexpr double kSwatchScale = 1.6;   // px a sketch unit
 constexpr double kPreviewScale = 4.0;  // px a sketch unit
 // Heading, preview, fields and button with their gaps.
@@ -68,8 +70,6 @@ QVariant WallSystemListModel::data(const QModelIndex& index, int role) const {
       if (shown.isAssignedToSelection) words += QStringLiteral(", used by the selected wall");
       return words;
     }
-    case Qt::ToolTipRole:
-      return qtText(shown.spec.assemblyNotes);
     case kIdentifierRole:
       return QStringLiteral("wallSystems.row.") + qtText(shown.spec.name);
     case kSelectedRole:
@@ -126,35 +126,40 @@ class WallSystemRowsView final : public RowsView {
               false);
     painter.restore();
 
-    // The marks at the right first, so that the name knows its room.
     int right = box.right() - 10;
     if (shown.isActive) {
-      const QFont font = fontOf(TextStyle::tag);
-      const QString tag = QStringLiteral("Active");
-      const int width = QFontMetrics(font).horizontalAdvance(tag) + 14;
-      const QRectF tagBox(right - width, box.center().y() - 8.5, width, 18);
+      const QRectF tagBox(right - tagWidth(), box.center().y() - 8.5, tagWidth(), 18);
       paintBox(painter, tagBox, 4, theme().card(), theme().border());
-      painter.setFont(font);
+      painter.setFont(fontOf(TextStyle::tag));
       painter.setPen(theme().foreground());
-      painter.drawText(tagBox, Qt::AlignCenter, tag);
-      right -= width + 8;
+      painter.drawText(tagBox, Qt::AlignCenter, kActiveTag);
+      right -= tagWidth() + 8;
     }
     if (shown.isAssignedToSelection) {
       paintIcon(painter, Icon::check, QRectF(right - 18, box.top(), 18, box.height()), 18, theme().active());
-      right -= 18 + 8;
     }
 
-    const QRect words(box.left() + 52, box.top(), right - box.left() - 52, box.height());
+    const QRect words = wordsBox(shown, box);
     painter.setFont(fontOf(TextStyle::bodyStrong));
     painter.setPen(theme().foreground());
-    painter.drawText(
-        words.adjusted(0, 5, 0, -23), Qt::AlignVCenter | Qt::AlignLeft,
-        painter.fontMetrics().elidedText(qtText(shown.spec.name), Qt::ElideRight, words.width()));
+    painter.drawText(words.adjusted(0, 5, 0, -23), Qt::AlignVCenter | Qt::AlignLeft, shownName(shown, words));
     painter.setFont(fontOf(TextStyle::caption));
     painter.setPen(onMuted ? theme().foreground() : theme().secondaryOnCard());
     painter.drawText(words.adjusted(0, 25, 0, -6), Qt::AlignVCenter | Qt::AlignLeft,
-                     painter.fontMetrics().elidedText(qtText(wallSystemMeasures(shown.spec)), Qt::ElideRight,
-                                                      words.width()));
+                     shownMeasures(shown, words));
+  }
+
+  // What is cut, and the notes, which have no place in the row.
+  QString toolTipText(int row, const QRect& box) const override {
+    const WallSystemRow& shown = model_.row(row);
+    const QRect words = wordsBox(shown, box);
+    const QString name = qtText(shown.spec.name);
+    const QString measures = qtText(wallSystemMeasures(shown.spec));
+    QStringList lines;
+    if (shownName(shown, words) != name) lines.append(name);
+    if (shownMeasures(shown, words) != measures) lines.append(measures);
+    if (!shown.spec.assemblyNotes.empty()) lines.append(qtText(shown.spec.assemblyNotes));
+    return lines.join('\n');
   }
 
   void keyPressEvent(QKeyEvent* event) override {
@@ -166,6 +171,20 @@ class WallSystemRowsView final : public RowsView {
   }
 
  private:
+  static int tagWidth() { return QFontMetrics(fontOf(TextStyle::tag)).horizontalAdvance(kActiveTag) + 14; }
+  // The words have what the marks at the right leave.
+  static QRect wordsBox(const WallSystemRow& shown, const QRect& box) {
+    const int marks = (shown.isActive ? tagWidth() + 8 : 0) + (shown.isAssignedToSelection ? 18 + 8 : 0);
+    return box.adjusted(52, 0, -11 - marks, 0);
+  }
+  static QString shownName(const WallSystemRow& shown, const QRect& words) {
+    return elided(qtText(shown.spec.name), fontOf(TextStyle::bodyStrong), Qt::ElideRight, words.width());
+  }
+  static QString shownMeasures(const WallSystemRow& shown, const QRect& words) {
+    return elided(qtText(wallSystemMeasures(shown.spec)), fontOf(TextStyle::caption), Qt::ElideRight,
+                  words.width());
+  }
+
   WallSystemListModel& model_;
 };
 
@@ -205,7 +224,7 @@ void WallPreview::paintEvent(QPaintEvent* /*event*/) {
   painter.setFont(font);
   painter.setPen(theme_.foreground());
   painter.drawText(QRectF(dimensionX + 9, 0, textWidth + 4, height()), Qt::AlignVCenter | Qt::AlignLeft,
-                   text);
+                   elided(text, font, Qt::ElideRight, textWidth));
 }
 
 // --- The panel
@@ -228,6 +247,7 @@ WallSystemPanelView::WallSystemPanelView(SketchViewModel& sketch, Theme& theme, 
   list_->setObjectName(QStringLiteral("wallSystems.list"));
   list_->setAccessibleName(QStringLiteral("Wall systems"));
   contextTitle_->setObjectName(QStringLiteral("wallSystems.contextTitle"));
+  contextTitle_->setElision(Qt::ElideRight);
   connect(list_, &QAbstractItemView::clicked, this, [this](const QModelIndex& index) {
     selectWallSystemRow(sketch_, UUID(model_->row(index.row()).spec.id));
   });
@@ -315,9 +335,7 @@ bool WallSystemPanelView::eventFilter(QObject* object, QEvent* event) {
 
 void WallSystemPanelView::refresh() {
   model_->setRows(wallSystemRows(sketch_));
-  const QString title = qtText(panelContextTitle(sketch_));
-  contextTitle_->setText(contextTitle_->fontMetrics().elidedText(title, Qt::ElideRight, kWidth - 2 * kEdge));
-  contextTitle_->setAccessibleName(title);
+  contextTitle_->setText(qtText(panelContextTitle(sketch_)));
   assignButton_->setEnabled(selectedWallEntity(sketch_) != nullptr);
   const WallSystemSpec* spec = panelSystem(sketch_);
   const bool isAnother = !spec || !shown_ || shown_->id != spec->id;
@@ -335,6 +353,8 @@ void WallSystemPanelView::showFieldTexts(bool evenWhileEditing) {
     const QString text = shown_ ? qtText(wallSystemFieldText(*shown_, row.field)) : QString();
     if (row.input->text() != text) row.input->setText(text);
     row.input->setModified(false);
+    // A text that is too long for the field shows its beginning.
+    if (!row.input->hasFocus()) row.input->setCursorPosition(0);
   }
 }
 

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QTimer>
 
+#include "app/settings_notes.h"
 #include "app/shortcut_page.h"
 #include "build_information.h"
 #include "platform/disk_file_system.h"
@@ -11,6 +12,7 @@
 #include "shell/app_update_network_client.h"
 #include "shell/drawing_export.h"
 #include "shell/export_sheet.h"
+#include "shell/icons.h"
 #include "shell/installer_opener.h"
 #include "shell/print_window.h"
 #include "shell/qt_scheduler.h"
@@ -72,6 +74,7 @@ int runWithWindows(int& argc, char** argv, const WindowStart& start) {
   QApplication::setApplicationVersion(QString::fromUtf8(kBuildVersion));
   QApplication::setDesktopFileName(QStringLiteral("org.ostrelon.Ostrelon"));
   QApplication qt(argc, argv);
+  QApplication::setWindowIcon(programIcon());
 
   DiskFileSystem files;
   const UserPaths paths =
@@ -81,7 +84,7 @@ int runWithWindows(int& argc, char** argv, const WindowStart& start) {
   JsonUserDefaults defaults(files, paths.settingsFile);
   QtScheduler scheduler;
   Theme theme;
-  QtDialogs dialogs(theme);
+  QtDialogs dialogs(theme, qtText(paths.documentsFolder.string()));
   AppUpdateNetworkClient client(paths.temporaryFolder);
   Application application({.host = {scheduler, dialogs, files},
                            .defaults = defaults,
@@ -98,8 +101,7 @@ int runWithWindows(int& argc, char** argv, const WindowStart& start) {
       [&application](ColorScheme scheme) { application.settings().updateColorScheme(scheme); });
   installBaseStyle(theme);
   WindowedProgram program(application, theme, dialogs);
-  for (const std::string& note : defaults.takeNotes())
-    application.sketch().appendConsoleLine(note, false, true);
+  keepTellingSettingsNotes(defaults, application.sketch());
   program.show();
   if (start.document) {
     QTimer::singleShot(0, &theme,

@@ -104,7 +104,11 @@ void AppUpdateManager::startAutomaticChecks() {
 
 void AppUpdateManager::checkIfDue() {
   const auto& last = *settings_.lastUpdateCheckAt;
-  if (last && Seconds(secondsBetween(*last, scheduler_.now())) < kTimeBetweenChecks) return;
+  if (last) {
+    const Seconds since(secondsBetween(*last, scheduler_.now()));
+    // A check in the future is one that a wrong clock has put down, and says nothing.
+    if (since >= Seconds(0) && since < kTimeBetweenChecks) return;
+  }
   startedCheck_ = scheduler_.after(Seconds(0), [this] { checkForUpdates(false); });
 }
 

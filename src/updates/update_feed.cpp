@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "platform/nul_byte.h"
 #include "updates/app_update_error.h"
 #include "updates/app_version.h"
 #include "updates/web_address.h"
@@ -50,10 +51,12 @@ class ReleaseReader {
     return address;
   }
 
-  std::optional<std::string> optionalAddress(const char* key) const {
+  /// An address of another scheme than https, which the signature does not vouch for, counts as none.
+  std::optional<std::string> optionalSecureAddress(const char* key) const {
     auto address = optionalText(key);
-    if (address && !isWebAddress(*address)) fail(fmt::format("has a \"{}\" that is not a web address", key));
-    return address;
+    if (!address) return std::nullopt;
+    if (!isWebAddress(*address)) fail(fmt::format("has a \"{}\" that is not a web address", key));
+    return isSecureWebAddress(*address) ? std::move(address) : std::nullopt;
   }
 
   std::vector<std::string> texts(const char* key) const {
@@ -90,7 +93,7 @@ AppUpdateRelease readRelease(const json& object, std::size_t index) {
   release.downloadURL = reader.secureAddress("downloadUrl");
   release.sha256 = reader.text("sha256");
   release.signature = reader.text("signature");
-  release.releaseNotesURL = reader.optionalAddress("releaseNotesUrl");
+  release.releaseNotesURL = reader.optionalSecureAddress("releaseNotesUrl");
   release.changes = reader.texts("changes");
   return release;
 }
@@ -105,11 +108,15 @@ AppUpdateManifest decodeManifest(std::string_view text) {
   if (text.size() > kLargestManifest) {
     throw AppUpdateError::invalidManifestFormat("It is larger than 4 MiB.");
   }
+  const auto notJsonAt = [](std::size_t byte) {
+    return AppUpdateError::invalidManifestFormat(fmt::format("It is not JSON (at byte {}).", byte));
+  };
+  if (const auto place = nulByteIn(text)) throw notJsonAt(*place + 1);
   json root;
   try {
     root = json::parse(text);
   } catch (const json::parse_error& error) {
-    throw AppUpdateError::invalidManifestFormat(fmt::format("It is not JSON (at byte {}).", error.byte));
+    throw notJsonAt(error.byte);
   } catch (const json::exception&) {  // a number beyond every range
     throw AppUpdateError::invalidManifestFormat("It is not JSON.");
   }

@@ -100,11 +100,6 @@ bool isSecureWebAddress(std::string_view text) {
   return isWebAddress(text) && namesHost(text) && lowerCased(schemeOf(text)) == "https";
 }
 
-bool isBrowsableWebAddress(std::string_view text) {
-  return isSecureWebAddress(text) ||
-         (isWebAddress(text) && namesHost(text) && lowerCased(schemeOf(text)) == "http");
-}
-
 std::string installerFileName(std::string_view address) {
   std::string_view path = address;
   if (const std::size_t host = path.find("://"); host != std::string_view::npos) {

@@ -11,8 +11,6 @@ namespace ostrelon {
 bool isWebAddress(std::string_view text);
 /// A web address whose scheme is https in any case, and which names a host.
 bool isSecureWebAddress(std::string_view text);
-/// An address that a link may open in the browser: http or https, and it names a host.
-bool isBrowsableWebAddress(std::string_view text);
 
 /// The name of the file at an address, made safe to create in a folder: the last part of its path
 /// with "%" sequences resolved, without path separators and control characters, at most 200 bytes,

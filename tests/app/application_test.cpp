@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "app/settings_notes.h"
 #include "app/update_summary.h"
 #include "support/test_application.h"
 
@@ -21,6 +22,20 @@ TEST(ApplicationLife, aSessionCountsAsUncleanUntilItEnds) {
   EXPECT_EQ(endedCleanly(test.defaults), false);
   test.application.willTerminate();
   EXPECT_EQ(endedCleanly(test.defaults), true);
+}
+
+TEST(SettingsNotes, whatTheSettingsFileHasToSayComesIntoTheConsole) {
+  TestApplication test;
+  const FilePath settings = test.home / "settings.json";
+  testing::writeBytes(settings, "damaged");
+  JsonUserDefaults defaults(test.files, settings);
+  keepTellingSettingsNotes(defaults, test.sketch);
+  EXPECT_THAT(test.lastLine().text, ::testing::HasSubstr("The settings file was damaged."));
+  EXPECT_TRUE(test.lastLine().isSystem);
+  std::filesystem::create_directory(settings);
+  defaults.set("later", true);
+  test.settle();
+  EXPECT_THAT(test.lastLine().text, ::testing::StartsWith("The settings could not be read."));
 }
 
 TEST(ApplicationLife, theFirstRunAsksForAProjectsFolder) {

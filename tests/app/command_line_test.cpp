@@ -29,6 +29,11 @@ TEST(CommandLineTest, OpensTheWindowUnlessThereIsWorkWithoutOne) {
   EXPECT_EQ(withDocument.document, "house.ostrel");
   EXPECT_EQ(withDocument.home, "/h");
   EXPECT_TRUE(parseCommandLine({"-uiTestingResetProjectsFolder"}).isUITesting);
+  const auto asksByVariable = [](const std::string& name) {
+    return name == "UI_TESTING_RESET_PROJECTS" ? "1" : "";
+  };
+  EXPECT_TRUE(parseCommandLine({}, asksByVariable).isUITesting);
+  EXPECT_FALSE(parseCommandLine({}, [](const std::string&) { return ""; }).isUITesting);
   EXPECT_EQ(parseCommandLine({"--automation", "--clock", "2026-01-01T00:00:00Z"}).mode, Mode::automation);
   EXPECT_EQ(parseCommandLine({"--open", "x.ostrel"}).mode, Mode::withoutWindow);
   EXPECT_EQ(parseCommandLine({"--console", "a", "--version"}).mode, Mode::version);

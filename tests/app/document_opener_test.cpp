@@ -88,6 +88,15 @@ TEST_F(DocumentOpenerTest, aLaterCommandTakesItsPlace) {
   EXPECT_THAT(dialogs.asked(), SizeIs(0));
 }
 
+TEST_F(DocumentOpenerTest, savingUnderAnotherNameGivesItUp) {
+  for (const auto save : {&Application::saveAs, &Application::save}) {
+    program.openDocumentAt(large);
+    (program.*save)();
+    background.finishBackground();
+    EXPECT_THAT(*open.entities, SizeIs(0)) << "the document for which a name was asked stays";
+  }
+}
+
 TEST_F(DocumentOpenerTest, withoutBackgroundEverythingHasHappenedWhenTheCallReturns) {
   application.openDocumentAt(large);
   EXPECT_THAT(*sketch.entities, SizeIs(80'000));

@@ -72,6 +72,20 @@ TEST_F(DrawingExchange, ExportsToTheChosenPlaceInTheKindOfItsName) {
   EXPECT_EQ(std::get<ExportPanel>(dialogs.asked().back()).suggestedName, "Untitled Project.pdf");
 }
 
+TEST_F(DrawingExchange, AsksBeforeItReplacesWhatThePanelKnewNothingOf) {
+  sketch.addLine({0, 0}, {1, 1});
+  dialogs.setConfirmsReplacing(true);
+  testing::writeBytes(home / "plan.pdf", "theirs");
+  dialogs.queue((home / "plan.").string());
+  menu("File/Export…");
+  EXPECT_EQ(std::get<Alert>(dialogs.asked().back()).buttons, (std::vector<std::string>{"Cancel", "Replace"}));
+  EXPECT_EQ(testing::readBytes(home / "plan.pdf"), "theirs");
+  dialogs.queue((home / "plan").string());
+  dialogs.queue("Replace");
+  EXPECT_THAT(menu("File/Export…"), HasSubstr("Exported to"));
+  EXPECT_THAT(testing::readBytes(home / "plan.pdf"), StartsWith("%PDF-"));
+}
+
 TEST_F(DrawingExchange, AFailedExportSaysSoAndLeavesNothing) {
   dialogs.queue((home / "missing" / "plan.dxf").string());
   EXPECT_THAT(menu("File/Export…"), HasSubstr("Export failed: "));

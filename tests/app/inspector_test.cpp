@@ -30,6 +30,7 @@ TEST_F(InspectorTest, eachKindShowsItsRowsInOrder) {
                           Row{"Angle", "45°"}));
   EXPECT_THAT(inspectorMetricRows(CircleEntity{id, {1, 2}, 3}, std::nullopt),
               ElementsAre(Row{"From", "(1.0, 2.0)"}, Row{"To", "(4.0, 2.0)"}, Row{"Diameter", "6'"}));
+  EXPECT_EQ(inspectorMetricRows(CircleEntity{id, {-0.04, -0.06}, 3}, std::nullopt)[0].value, "(0.0, -0.1)");
   EXPECT_THAT(inspectorMetricRows(ArcEntity{id, {0, 0}, 2, 0, std::numbers::pi}, std::nullopt),
               ElementsAre(Row{"From", "(2.0, 0.0)"}, Row{"To", "(-2.0, 0.0)"}, Row{"Length", "6'3\""}));
   EXPECT_THAT(inspectorMetricRows(RectangleEntity{id, {0, 0}, {8, 3.5}}, std::nullopt),
@@ -80,6 +81,14 @@ TEST_F(InspectorTest, aLengthIsReadInFeetAndInches) {
   EXPECT_EQ(lastLine().text, "No change.");
 }
 
+TEST_F(InspectorTest, theLengthThatIsShownAppliedAsItStandsChangesNothing) {
+  test.run("line 0 0 14.183 0");
+  select(0);
+  EXPECT_TRUE(applyInspectorLength(sketch, inspectorLengthText(sketch.entities->front())));
+  EXPECT_EQ(lastLine().text, "No change.");
+  EXPECT_EQ(std::get<LineEntity>(sketch.entities->front()).to.x, 14.183);
+}
+
 TEST_F(InspectorTest, aNudgeTakesPlainNumbers) {
   test.run("line 0 0 10 0");
   select(0);
@@ -92,7 +101,9 @@ TEST_F(InspectorTest, aNudgeTakesPlainNumbers) {
   EXPECT_EQ(sketch.undoStack().undoSnapshots().size(), steps);
   EXPECT_TRUE(applyInspectorNudge(sketch, "1.5", "-2"));
   EXPECT_EQ(lastLine().text, "Selection nudged by (1.5, -2).");
-  EXPECT_EQ(std::get<LineEntity>(sketch.entities->front()).from, (SketchPoint{1.5, -2}));
+  EXPECT_TRUE(applyInspectorNudge(sketch, "-0", "2"));
+  EXPECT_EQ(lastLine().text, "Selection nudged by (0, 2).");
+  EXPECT_EQ(std::get<LineEntity>(sketch.entities->front()).from, (SketchPoint{1.5, 0}));
 }
 
 TEST_F(InspectorTest, linesAndWallsConvertIntoEachOther) {

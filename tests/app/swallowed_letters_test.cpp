@@ -2,34 +2,71 @@
 
 #include <gtest/gtest.h>
 
+#include "interaction/key_routing.h"
+#include "support/test_sketch.h"
+
 namespace ostrelon {
 namespace {
 
-TEST(SwallowedLetters, ComeBackInFrontOfACommand) {
+struct SwallowedLettersTest : ::testing::Test, testing::TestSketch {
   SwallowedLetters letters;
-  const Date start = dateFromSeconds(100);
-  letters.swallowed("l", start);
-  EXPECT_EQ(letters.takeBeginning("i", advanced(start, Seconds(0.2))), "l") << "line";
-  EXPECT_EQ(letters.takeBeginning("n", advanced(start, Seconds(0.3))), "") << "once";
-  letters.swallowed("S", start);
-  EXPECT_EQ(letters.takeBeginning("E", start), "S") << "SELECT";
-  letters.swallowed("s", start);
-  letters.swallowed(" ", start);
-  EXPECT_EQ(letters.takeBeginning("1", start), "s ") << "s 1";
+  double now = 100;
+
+  void press(const char* letter) {
+    const auto before = SwallowedLetters::boardOf(sketch);
+    KeyEvent event{.key = std::string_view(letter) == " " ? KeyName::space : KeyName::character,
+                   .characters = letter};
+    event.textFocus = event.consoleFocus = true;
+    ASSERT_EQ(handleKey(event, sketch), KeyOutcome::consumed) << letter;
+    letters.swallowed(letter, dateFromSeconds(now), before);
+  }
+  std::string type(const char* letter) { return letters.takeBeginning(letter, dateFromSeconds(now), sketch); }
+};
+
+TEST_F(SwallowedLettersTest, comeBackInFrontOfACommandAndLeaveNoTrace) {
+  sketch.activateTool(SketchTool::wall);
+  sketch.beginDraft({0, 0});
+  const SketchViewport view = sketch.viewport;
+  press("l");
+  EXPECT_EQ(type("i"), "l") << "line";
+  EXPECT_EQ(sketch.selectedTool.get(), SketchTool::wall);
+  EXPECT_TRUE(sketch.draft->has_value());
+  EXPECT_EQ(type("n"), "") << "once";
+  press("s");
+  press(" ");
+  EXPECT_EQ(type("1"), "s ") << "s 1";
+  EXPECT_EQ(sketch.selectedTool.get(), SketchTool::wall);
+  press("z");
+  EXPECT_EQ(type("O"), "z");
+  EXPECT_EQ(sketch.viewport.get(), view);
+
+  sketch.activateTool(SketchTool::polygon);
+  for (const SketchPoint corner : {SketchPoint{0, 0}, {9, 0}, {9, 9}}) sketch.addPolygonVertex(corner);
+  press("c");
+  ASSERT_EQ(sketch.entities->size(), 1U);
+  EXPECT_EQ(type("i"), "c") << "circle";
+  EXPECT_TRUE(sketch.entities->empty());
+  EXPECT_TRUE(sketch.polygonDraft->has_value());
+  EXPECT_TRUE(sketch.undoStack().undoSnapshots().empty());
 }
 
-TEST(SwallowedLetters, StayShortcutsWhenNoCommandFollows) {
-  SwallowedLetters letters;
-  const Date start = dateFromSeconds(100);
-  letters.swallowed("l", start);
-  EXPECT_EQ(letters.takeBeginning("w", start), "") << "wall";
-  letters.swallowed("l", start);
-  EXPECT_EQ(letters.takeBeginning("i", advanced(start, Seconds(5))), "") << "after a pause";
-  letters.swallowed(" ", start);
-  EXPECT_EQ(letters.takeBeginning("1", start), "");
-  letters.swallowed("z", start);
-  letters.swallowed("z", advanced(start, Seconds(3)));
-  EXPECT_EQ(letters.takeBeginning("o", advanced(start, Seconds(3))), "z");
+TEST_F(SwallowedLettersTest, stayShortcutsWhenNoCommandFollows) {
+  press("l");
+  EXPECT_EQ(type("w"), "") << "wall";
+  EXPECT_EQ(sketch.selectedTool.get(), SketchTool::line);
+  press("l");
+  now += 5;
+  EXPECT_EQ(type("i"), "") << "after a pause";
+  letters.swallowed(" ", dateFromSeconds(now), {});
+  EXPECT_EQ(type("1"), "");
+  press("z");
+  const SketchViewport once = sketch.viewport;
+  press("z");
+  EXPECT_EQ(type("o"), "z") << "the first one zoomed";
+  EXPECT_EQ(sketch.viewport.get(), once);
+  press("l");
+  letters.forget();
+  EXPECT_EQ(type("i"), "");
 }
 
 }  // namespace

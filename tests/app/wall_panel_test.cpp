@@ -34,6 +34,39 @@ TEST_F(WallPanelTest, aRowChangesTheSelectedWallAndElseTheActiveSystem) {
   EXPECT_EQ(sketch.consoleLines->back().text, "Active wall system: W2-EXT");
 }
 
+TEST_F(WallPanelTest, onlyTheOneSelectedWallIsChanged) {
+  addWall(0);
+  addWall(0);
+  const EntityList before = sketch.entities;
+  const auto expectNoWall = [&] {
+    EXPECT_EQ(selectedWallEntity(sketch), nullptr);
+    EXPECT_EQ(panelContextTitle(sketch).substr(0, 6), "ACTIVE");
+    selectWallSystemRow(sketch, spec(1).id);
+    assignPanelSystemToSelection(sketch);
+    EXPECT_EQ(*sketch.entities, before);
+  };
+  sketch.selectAll();
+  expectNoWall();
+  sketch.updateCanvasSize({800, 600});
+  sketch.beginMarquee({0, 0}, {5, 5});
+  sketch.finishMarquee(false);
+  ASSERT_TRUE(*sketch.primarySelectedEntityID) << "a marquee without hits leaves it";
+  expectNoWall();
+}
+
+TEST_F(WallPanelTest, aValueThatCameThroughThirtyTwoBitsShowsAsShortAsItWasTyped) {
+  WallSystemSpec narrow = spec(0);
+  narrow.thickness = static_cast<double>(4.1F);
+  sketch.updateWallSystemSpec(narrow);
+  EXPECT_EQ(wallSystemFieldText(spec(0), WallSystemField::thickness), "4.1");
+  EXPECT_EQ(wallSystemMeasures(spec(0)), "4.1 thick · 96 high");
+  test.reply("spec list");
+  EXPECT_TRUE(sketch.consoleLines->back().text.starts_with("  W2-INT *  t=4.1  h=96.0\n"));
+  EXPECT_EQ(test.reply("spec show").substr(0, 24), "W2-INT\n  thickness: 4.1\n");
+  EXPECT_TRUE(commitWallSystemField(sketch, narrow.id, WallSystemField::thickness, "4.1"));
+  EXPECT_EQ(spec(0).thickness, narrow.thickness) << "the text as it was shown changes nothing";
+}
+
 TEST_F(WallPanelTest, theTitleTellsWhoseSystemIsShown) {
   EXPECT_EQ(panelContextTitle(sketch), "ACTIVE SYSTEM · W2-INT");
   addWall(1);

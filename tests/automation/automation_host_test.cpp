@@ -69,6 +69,7 @@ TEST_F(Session, RefusesWhatDoesNotFitAndGoesOn) {
   EXPECT_EQ(refusal("nonsense"), "The request is not JSON.");
   EXPECT_EQ(refusal("[1]"), "The request is not an object.");
   EXPECT_EQ(refusal("\"\xFF\""), "The request is not JSON.");
+  EXPECT_EQ(refusal(std::string(R"({"op":"state"})") + '\0' + "x"), "The request is not JSON.");
   EXPECT_EQ(refusal(std::string(5000, '[')), "The request is nested too deeply.");
   EXPECT_EQ(refusal(R"({"op":"call","name":"gridStep","args":[1e999]})"),
             "The request holds a number that is too large.");

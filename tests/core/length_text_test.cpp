@@ -34,6 +34,8 @@ TEST(LengthText, ReadsFeetAndInches) {
   EXPECT_EQ(parseFeetInches("5"), 5);
   EXPECT_EQ(parseFeetInches("6\""), 6);
   EXPECT_EQ(parseFeetInches(" 5' 6\" "), 5.5);
+  EXPECT_EQ(parseFeetInches("5'\u00A06\""), 5.5) << "a no-break space";
+  EXPECT_EQ(parseFeetInches("5\u202F' \u20096\""), 5.5);
   EXPECT_EQ(parseFeetInches("5'6"), 5.5);
   EXPECT_EQ(parseFeetInches("-3'6"), -2.5);
   EXPECT_EQ(parseFeetInches("1.5'3"), 1.75);
@@ -65,6 +67,13 @@ TEST(LengthText, WritesShortAndExactNumbers) {
   EXPECT_EQ(formatExactNumber(96), "96.0");
   EXPECT_EQ(formatExactNumber(0.001), "0.001");
   EXPECT_EQ(formatExactNumber(1e16), "1e+16");
+  EXPECT_EQ(formatExactNumber(-0.0), "0.0");
+  EXPECT_EQ(formatOneDecimal(-0.04), "0.0");
+  EXPECT_EQ(plainDecimalText(static_cast<double>(4.1F)), "4.1") << "the shortest of its 32-bit self";
+  EXPECT_EQ(plainDecimalText(4.1), "4.1");
+  EXPECT_EQ(plainDecimalText(4.09999990463), "4.09999990463");
+  EXPECT_EQ(plainDecimalText(16777217), "16777217");
+  EXPECT_EQ(formatExactNumber(static_cast<double>(123456789.0F)), "123456792.0") << "whole numbers in full";
 }
 
 TEST(LengthText, ReadsDegreesWithTheirSign) {

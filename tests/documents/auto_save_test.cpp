@@ -169,6 +169,16 @@ TEST_F(BackgroundAutoSaveTest, NeverPutsOneDocumentInThePlaceOfAnother) {
   EXPECT_FALSE(sketch.isDocumentDirty);
 }
 
+TEST_F(BackgroundAutoSaveTest, NeverWritesThroughALinkThatHasTakenTheName) {
+  settings.setCustomProjectsFolder(home.path());
+  sketch.addLine({0, 0}, {1, 1});
+  startAutoSave();
+  std::filesystem::create_symlink("elsewhere", home / "Untitled Project.ostrel");
+  scheduler.finishBackground();
+  EXPECT_EQ(sketch.documentFileURL.get(), home / "Untitled Project (1).ostrel");
+  EXPECT_FALSE(files.exists(home / "elsewhere"));
+}
+
 TEST_F(BackgroundAutoSaveTest, SkipsAFileThatSomebodyElseWritesMeanwhile) {
   sketch.saveDocumentFile(plan);
   sketch.addLine({0, 0}, {1, 1});

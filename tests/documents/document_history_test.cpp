@@ -236,6 +236,34 @@ TEST_F(DocumentHistoryTest, RefusesNamesThatLeadOutOfTheStore) {
   EXPECT_EQ(files.list(home.path()), before);
 }
 
+TEST_F(DocumentHistoryTest, FollowsNoLinkOutOfTheStore) {
+  sketch.saveCheckpoint("one");
+  sketch.createHistoryBranch("b");
+  const std::string source = head("b");
+  const std::string file = source + ".ostrel";
+  for (const std::string name : {"", "meta.json", "branches", "branches/b", "branches/b/timeline.json",
+                                 "branches/b/checkpoints", "branches/b/checkpoints/"}) {
+    SCOPED_TRACE(name);
+    const FilePath inside = standardizedPath(store / (name.ends_with('/') ? name + file : name));
+    const FilePath outside = home / "outside";
+    std::filesystem::rename(inside, outside);
+    std::filesystem::create_symlink(outside, inside);
+    EXPECT_THAT(reply("branch switch b"), HasSubstr("leads out of the history folder"));
+    EXPECT_THAT(reply("branch create c " + source), HasSubstr("leads out of the history folder"));
+    std::filesystem::remove(inside);
+    std::filesystem::rename(outside, inside);
+  }
+  // A link that leads nowhere would be written through.
+  std::filesystem::rename(store / "branches/main", home / "aside");
+  files.createFolders(store / "branches/main");
+  std::filesystem::create_symlink(home / "planted", store / "branches/main/timeline.json");
+  EXPECT_THAT(reply("checkpoint two"), HasSubstr("leads out of the history folder"));
+  std::filesystem::rename(store / "meta.json", home / "meta.json");
+  std::filesystem::create_symlink(home / "planted", store / "meta.json");
+  EXPECT_THAT(reply("checkpoint two"), HasSubstr("leads out of the history folder"));
+  EXPECT_FALSE(files.exists(home / "planted"));
+}
+
 TEST_F(DocumentHistoryTest, SaysWhatIsWrongWithItsFilesAndShowsNone) {
   sketch.saveCheckpoint("one");
   const std::string good = metadataText();
@@ -244,6 +272,8 @@ TEST_F(DocumentHistoryTest, SaysWhatIsWrongWithItsFilesAndShowsNone) {
     return messageOf([&] { loadDocumentHistory(files, plan); });
   };
   EXPECT_EQ(failureOf("{\"v\":1,"), "The history is damaged in meta.json at byte 7: it is not JSON.");
+  EXPECT_EQ(failureOf(good + '\0' + "{}"), "The history is damaged in meta.json at byte " +
+                                               std::to_string(good.size()) + ": it is not JSON.");
   EXPECT_EQ(failureOf("[]"), "The history is damaged in meta.json: expected an object.");
   EXPECT_EQ(failureOf("{}"), "The history is damaged in meta.json: the key \"v\" is missing.");
   EXPECT_EQ(failureOf(R"({"v":1.5})"), "The history is damaged in meta.json, v: expected an integer.");

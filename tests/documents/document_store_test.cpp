@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -13,6 +14,7 @@
 #include <functional>
 #include <limits>
 
+#include "documents/document_history.h"
 #include "documents/document_paths.h"
 #include "documents/random_document.h"
 #include "documents/sketch_document_io.h"
@@ -238,6 +240,51 @@ TEST(DocumentStoreFailures, KnowsItsOwnFileWhenOnlyTheFolderCouldNotBeMadeToLast
   EXPECT_EQ(on.lastLine(), "S Saved plan.") << "without a question: nobody else has written the file";
 }
 
+TEST(DocumentStoreFailures, TakesTheNextNameWhenAnotherWindowIsQuicker) {
+  testing::InterruptedCalls interrupted;
+  DiskSketch on(interrupted.calls);
+  on.settings.useDefaultProjectsFolder();
+  const FilePath folder = on.home / "Documents/Ostrelon";
+  const FilePath first = folder / "Untitled Project.ostrel";
+  std::filesystem::create_symlink(folder / "nothing", folder / "Untitled Project (1).ostrel");
+  on.sketch.addLine({0, 0}, {1, 1});
+  *interrupted.work = [&] { writeBytes(first, "theirs"); };
+  saveCurrentDocument(on.sketch, on.settings, false);
+  EXPECT_EQ(on.sketch.documentFileURL.get(), folder / "Untitled Project (2).ostrel")
+      << "one that leads nowhere is no free name either";
+  EXPECT_EQ(on.lastLine(), "S Saved Untitled Project (2).");
+  EXPECT_EQ(readBytes(first), "theirs");
+  EXPECT_EQ(on.files.list(folder).size(), 3U) << "nothing is written through the link, and none left behind";
+}
+
+TEST(DocumentStoreFailures, NoticesWhatAnotherProgramWritesWhileItSaves) {
+  testing::InterruptedCalls interrupted;
+  DiskSketch on(interrupted.calls);
+  const FilePath plan = on.home / "plan.ostrel";
+  on.sketch.addLine({0, 0}, {1, 1});
+  on.sketch.saveDocumentFile(plan);
+  on.sketch.saveCheckpoint("one");
+  on.sketch.createHistoryBranch("b");
+  const std::string refusal = "“plan.ostrel” has been changed by another program and was not overwritten.";
+  const auto expectRefused = [&](const std::string& prefix, const std::function<void()>& command) {
+    *interrupted.work = [&] { writeBytes(plan, "theirs"); };
+    const bool wasDirty = on.sketch.isDocumentDirty;
+    command();
+    EXPECT_EQ(on.sketch.consoleLines->back().text, prefix + refusal);
+    EXPECT_EQ(readBytes(plan), "theirs");
+    EXPECT_EQ(on.sketch.isDocumentDirty, wasDirty);
+    on.dialogs.queue("Overwrite");
+    saveCurrentDocument(on.sketch, on.settings, false);
+    EXPECT_EQ(on.lastLine(), "S Saved plan.");
+  };
+  expectRefused("Switch branch failed: ", [&] { on.reply("branch switch b"); });
+  EXPECT_EQ(loadDocumentHistory(on.files, plan).metadata.currentBranchID, "main");
+  on.sketch.addLine({0, 0}, {2, 2});
+  expectRefused("Checkpoint failed: ", [&] { on.reply("checkpoint two"); });
+  on.sketch.addLine({0, 0}, {3, 3});
+  expectRefused("Save failed: ", [&] { saveCurrentDocument(on.sketch, on.settings, false); });
+}
+
 // Runs `work` in a process of its own; gives the status that it exits with.
 int inChild(const std::function<int()>& work) {
   const pid_t child = ::fork();
@@ -284,6 +331,26 @@ TEST_F(DocumentStoreTest, TellsOfAFolderOrFileThatMayNotBeWritten) {
   EXPECT_EQ(asAnother(plan), 7) << "a folder that may not be written";
   EXPECT_EQ(asAnother(home / "new.ostrel"), 7);
   EXPECT_EQ(readBytes(plan), before);
+}
+
+TEST_F(DocumentStoreTest, KeepsTheGroupOfAFileWhereItMay) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs to become another user";
+  constexpr gid_t team = 4711;
+  constexpr uid_t user = 65534;
+  sketch.saveDocumentFile(plan);
+  ASSERT_EQ(::chown(plan.c_str(), 0, team), 0);
+  ::chmod(plan.c_str(), 0660);
+  ::chmod(home.path().c_str(), 0777);
+  const int status = inChild([&] {
+    if (::setgroups(1, &team) != 0 || ::setgid(user) != 0 || ::setuid(user) != 0) return 1;
+    return saveToURL(sketch, settings, plan, false) ? 2 : 7;
+  });
+  EXPECT_EQ(status, 7);
+  struct stat saved {};
+  ::stat(plan.c_str(), &saved);
+  EXPECT_EQ(saved.st_uid, user);
+  EXPECT_EQ(saved.st_gid, team);
+  EXPECT_EQ(saved.st_mode & 07777U, 0660U);
 }
 
 TEST_F(DocumentStoreTest, IsWholeOldOrNewWhenKilledAtAnyMoment) {
@@ -351,6 +418,39 @@ TEST_F(DocumentStoreTest, AsksWhereWithoutAProjectsFolder) {
   const auto& panel = std::get<SavePanel>(dialogs.asked().back());
   EXPECT_EQ(panel.startingFolder, home.path());
   EXPECT_EQ(panel.suggestedName, "house.ostrel");
+}
+
+TEST_F(DocumentStoreTest, AsksBeforeItReplacesWhatTheSavePanelKnewNothingOf) {
+  draw();
+  writeBytes(plan, "theirs");
+  std::vector<SaveOutcome> outcomes;
+  const auto saveAs = [&](const std::string& name) {
+    dialogs.queue((home / name).string());
+    saveDocumentAs(sketch, settings, false, [&](SaveOutcome outcome) { outcomes.push_back(outcome); });
+  };
+  dialogs.setConfirmsReplacing(true);
+  for (const std::string name : {"plan", "plan."}) {
+    saveAs(name);
+    EXPECT_EQ(std::get<Alert>(dialogs.asked().back()).message,
+              "“plan.ostrel” already exists. Do you want to replace it?");
+    EXPECT_EQ(readBytes(plan), "theirs");
+    EXPECT_FALSE(sketch.isSaveDialogActive);
+  }
+  saveAs("new");
+  saveAs("new.ostrel");
+  EXPECT_EQ(dialogs.asked().size(), 6U)
+      << "no question about a free name, or one that the panel has asked about";
+  // Another one in between: the answer to the panel comes first.
+  dialogs.queue((home / "plan").string());
+  dialogs.queue("Replace");
+  saveDocumentAs(sketch, settings, false);
+  EXPECT_EQ(sketch.documentFileURL.get(), plan);
+  // A script means the paths that it gives.
+  dialogs.setConfirmsReplacing(false);
+  saveAs("new");
+  EXPECT_EQ(sketch.documentFileURL.get(), home / "new.ostrel");
+  EXPECT_THAT(outcomes, ElementsAre(SaveOutcome::cancelled, SaveOutcome::cancelled, SaveOutcome::saved,
+                                    SaveOutcome::saved, SaveOutcome::saved));
 }
 
 TEST_F(DocumentStoreTest, AsksBeforeItOverwritesWhatAnotherProgramHasWritten) {

@@ -50,6 +50,9 @@ TEST(PaperSizes, AreFoundByNameHoweverItIsWritten) {
   EXPECT_EQ(paperSizeNamed("arch-d")->height, 36 * 72);
   EXPECT_EQ(paperSizeNamed(" ansi c")->name, "ANSI C");
   EXPECT_NEAR(paperSizeNamed("A4")->width, 595.28, 0.01);
+  for (const char* other : {"ANSI B", "Ledger", "11x17"}) EXPECT_EQ(paperSizeNamed(other)->name, "Tabloid");
+  EXPECT_EQ(paperSizeNamed("ansi-a")->name, "Letter");
+  EXPECT_EQ(paperSizeNamed("ISO A3")->name, "A3");
   EXPECT_FALSE(paperSizeNamed("napkin"));
 }
 

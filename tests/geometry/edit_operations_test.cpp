@@ -133,6 +133,29 @@ TEST(Edits, DeletingTheSelectedClosesTheInspector) {
   EXPECT_EQ(t.sketch.undoStack().undoSnapshots().size(), steps + 1);
 }
 
+TEST(Edits, APrimaryEntityThatIsNotSelectedGoesWithItsEntity) {
+  TestSketch t;
+  t.sketch.addLine({0, 0}, {1, 0});
+  const UUID id = addAndSelect(t.sketch);
+  t.sketch.beginMarquee({500, 500}, {510, 510});
+  t.sketch.finishMarquee(false);
+  ASSERT_EQ(t.sketch.primarySelectedEntityID, std::optional(id));
+  t.sketch.deleteEntity(id);
+  EXPECT_EQ(*t.sketch.primarySelectedEntityID, std::nullopt);
+}
+
+TEST(Edits, MovesByInfinitiesAreRefused) {
+  TestSketch t;
+  t.sketch.addLine({0, 0}, {1, 0});
+  addAndSelect(t.sketch);
+  const DocumentState before(t.sketch);
+  EXPECT_EQ(t.reply("move inf 0"), "Could not move selected line.");
+  EXPECT_EQ(t.reply("move 0 -1e999"), "Could not move selected line.");
+  EXPECT_EQ(t.reply("nudge inf 0"), "Invalid nudge values.");
+  EXPECT_EQ(t.reply("length inf"), "Invalid length value.");
+  EXPECT_EQ(DocumentState(t.sketch), before);
+}
+
 TEST(Edits, TheLengthThatASegmentHasIsNoChange) {
   const auto seed = std::random_device{}();
   SCOPED_TRACE(seed);
@@ -173,6 +196,19 @@ TEST(LengthEditor, SetsTheSelectedSegment) {
   EXPECT_TRUE(t.sketch.commitSegmentLengthEdit());
   EXPECT_DOUBLE_EQ(entityMetrics(t.sketch.entities->back()).length.value(), 7.5);
   EXPECT_FALSE(t.sketch.isSegmentLengthEditing);
+  t.sketch.addLine({0, 0}, {14.183, 0});
+  addAndSelect(t.sketch);
+  t.sketch.beginSegmentLengthEdit();
+  EXPECT_EQ(*t.sketch.segmentLengthEditText, "14'2\"");
+  const auto steps = t.sketch.undoStack().undoSnapshots().size();
+  EXPECT_TRUE(t.sketch.commitSegmentLengthEdit());
+  EXPECT_EQ(std::get<LineEntity>(t.sketch.entities->back()).to.x, 14.183) << "closed as it was opened";
+  EXPECT_EQ(t.sketch.undoStack().undoSnapshots().size(), steps);
+  EXPECT_FALSE(t.sketch.isSegmentLengthEditing);
+  t.sketch.beginSegmentLengthEdit();
+  t.sketch.setSegmentLengthEditText("14'2\"");
+  EXPECT_TRUE(t.sketch.commitSegmentLengthEdit());
+  EXPECT_DOUBLE_EQ(entityMetrics(t.sketch.entities->back()).length.value(), 14 + 2.0 / 12) << "typed";
   t.sketch.addCircle({0, 0}, 2);
   addAndSelect(t.sketch);
   t.sketch.beginSegmentLengthEdit("3");

@@ -204,6 +204,17 @@ TEST(TrimTool, WhatTakesThePlaceOfATargetIsSelected) {
   EXPECT_EQ(t.sketch.primarySelectedEntityID, std::optional(entityID(t.sketch.entities.get()[1])));
   EXPECT_EQ(t.sketch.selectedEntityIDs->size(), 1u);
 
+  t.sketch.addRectangle({100, 0}, {10, 10});
+  t.sketch.addLine({90, -10}, {120, 20});
+  EXPECT_EQ(t.sketch.applyTrim(7, 8, {109, 1}).code, TrimResult::Code::success);
+  EXPECT_EQ(t.sketch.entities->size(), 7u + 1 + 3) << "through two corners: lines too";
+  for (std::size_t i = 7; i < 10; ++i) {
+    EXPECT_TRUE(std::holds_alternative<LineEntity>(t.sketch.entities.get()[i])) << i;
+  }
+  t.sketch.undo();
+  t.sketch.undo();
+  t.sketch.undo();
+
   // The circle touches the line and is trimmed away.
   t.sketch.selectEntities({5, 6});
   t.sketch.selectSingleEntity(entityID(t.sketch.entities.get()[6]));

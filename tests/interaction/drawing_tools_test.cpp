@@ -4,7 +4,9 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <functional>
 #include <limits>
+#include <vector>
 
 #include "interaction/board.h"
 
@@ -114,33 +116,6 @@ TEST(Drafts, AreMeasuredInTheDirectionOfTheLengthOne) {
   EXPECT_TRUE(isDraftLargeEnough(SketchTool::line, {{0, 0}, {0, -1}}));
   EXPECT_FALSE(isDraftLargeEnough(SketchTool::rectangle, {{0, 0}, {5, 0.5}}));
   EXPECT_FALSE(draftedEntity(SketchTool::polygon, {{0, 0}, {5, 5}}, {}));
-}
-
-TEST(Drafts, AToolChosenMidwayTakesTheRestOfTheGesture) {
-  Board board;
-  board.sketch.activateTool(SketchTool::line);
-  board.press({0, 0});
-  board.drag({20, 0});
-  board.sketch.activateTool(SketchTool::wall);
-  EXPECT_FALSE(*board.sketch.draft);
-  board.release({40, 0});
-  ASSERT_EQ(board.entities().size(), 1U);
-  const auto wall = std::get<WallEntity>(board.entities()[0]);
-  EXPECT_EQ(wall.from, (SketchPoint{0, 0})) << "the press";
-  EXPECT_EQ(wall.to, (SketchPoint{40, 0})) << "the release, since no draft was open";
-}
-
-TEST(Drafts, ThePressIsTakenWithTheViewOfTheMomentOfItsUse) {
-  Board board;
-  board.sketch.setShowGrid(false);
-  board.sketch.activateTool(SketchTool::line);
-  board.press({0, 0});
-  board.sketch.activateTool(SketchTool::circle);
-  board.gestures.scroll(40, 0);  // 10 units
-  board.gestures.release({440, 260});
-  const auto circle = std::get<CircleEntity>(board.entities()[0]);
-  EXPECT_EQ(circle.center, (SketchPoint{-10, 0}));
-  EXPECT_NEAR(circle.radius, std::hypot(10, 10), 1e-12);
 }
 
 // --- Polygons
@@ -342,6 +317,104 @@ TEST(Hover, TellsObserversOnceAMoveAndNotAtAllWhenNothingChanges) {
                               SketchField::trackingAcquireDwellStart));
   board.hover({0.5, 0.5});
   EXPECT_EQ(told, 1);
+}
+
+// --- The end of a gesture before its release
+
+TEST(Gestures, OnceEndedFromElsewhereDoNothingUntilTheNextPress) {
+  using Steps = std::function<void(Board&)>;
+  struct Case {
+    const char* name;
+    SketchTool tool;
+    Steps before, end;
+    SketchPoint from{13, 0}, to{33, 22};
+  };
+  const auto type = [](const char* text) { return [text](Board& board) { board.reply(text); }; };
+  const auto choose = [](SketchTool tool) {
+    return [tool](Board& board) { board.sketch.activateTool(tool); };
+  };
+  const Steps escape = [](Board& board) { board.sketch.handleEscape(); };
+  const Steps undo = [](Board& board) { board.sketch.undo(); };
+  const Steps moveFar = [](Board& board) { board.drag({33, 22}); };
+  const Steps nothing = [](Board&) {};
+  const Steps thereAndBack = [](Board& board) {
+    board.sketch.activateTool(SketchTool::pan);
+    board.sketch.activateTool(SketchTool::select);
+  };
+  const Steps twoVertices = [](Board& board) {
+    board.release({13, 0});
+    board.click({40, 0});
+    board.click({40, 40});
+    board.press({13, 40});
+  };
+  const std::vector<Case> cases{
+      {"line, Escape on empty paper", SketchTool::line, nothing, escape, {-20, 40}, {13, 0}},
+      {"line, Escape", SketchTool::line, moveFar, escape},
+      {"line, a typed size", SketchTool::line, moveFar, type("20 90")},
+      {"line, undo", SketchTool::line, moveFar, undo},
+      {"line, its own tool again", SketchTool::line, moveFar, choose(SketchTool::line)},
+      {"line, another tool", SketchTool::line, moveFar, choose(SketchTool::wall)},
+      {"line, the trim command, which keeps the draft", SketchTool::line, moveFar, type("trim")},
+      {"circle, clear", SketchTool::circle, moveFar, type("clear")},
+      {"polygon, closed",
+       SketchTool::polygon,
+       twoVertices,
+       [](Board& b) { b.sketch.closePolygon(); },
+       {13, 0},
+       {13, 40}},
+      {"polygon, not begun, another tool",
+       SketchTool::polygon,
+       nothing,
+       choose(SketchTool::line),
+       {13, 0},
+       {13, 0}},
+      {"body drag, Escape", SketchTool::select, moveFar, escape},
+      {"body drag, undo", SketchTool::select, moveFar, undo},
+      {"body drag, another tool", SketchTool::select, moveFar, choose(SketchTool::line)},
+      {"marquee, Escape", SketchTool::select, moveFar, escape, {-20, 40}, {13, 0}},
+      {"select, not begun, there and back", SketchTool::select, nothing, thereAndBack},
+      {"click, there and back", SketchTool::select, nothing, thereAndBack, {13, 0}, {13, 0}},
+      {"trim, a click, another tool",
+       SketchTool::trim,
+       nothing,
+       choose(SketchTool::rectangle),
+       {13, 0},
+       {13, 0}},
+      {"pan, another tool", SketchTool::pan, nothing, choose(SketchTool::select)},
+  };
+  for (const Case& one : cases) {
+    SCOPED_TRACE(one.name);
+    Board board;
+    board.sketch.addLine({0, 0}, {40, 0});
+    board.sketch.addLine({0, 60}, {40, 60});
+    board.sketch.activateTool(one.tool);
+    board.press(one.from);
+    one.before(board);
+    one.end(board);
+    EXPECT_FALSE(board.gestures.isPressed());
+    const auto revision = board.sketch.revision();
+    board.drag(one.to);
+    board.drag(one.to + SketchPoint{0.5, 0});
+    board.release(one.to);
+    EXPECT_EQ(board.sketch.revision(), revision);
+    board.sketch.activateTool(SketchTool::line);
+    board.stroke({-80, -40}, {-80, -60});
+    EXPECT_EQ(std::get<LineEntity>(board.entities().back()).from, (SketchPoint{-80, -40}));
+  }
+}
+
+TEST(Gestures, GoOnWhenNothingOfThemHasEnded) {
+  Board board;
+  board.sketch.activateTool(SketchTool::line);
+  board.press({0, 0});
+  board.drag({20, 0});
+  // A chain that fails at its run and takes its change of tool back.
+  board.reply("select; wall 0 60 5 60; wall 5 60 9 60; select 2; assign CMU-8");
+  board.reply("zoom in");
+  board.drag({40, 0});
+  board.release({40, 0});
+  ASSERT_EQ(board.entities().size(), 1U);
+  EXPECT_EQ(board.line(0).to, (SketchPoint{40, 0}));
 }
 
 // --- Events that are none

@@ -201,6 +201,50 @@ TEST(SelectDrag, ASecondaryClickMeanwhileChangesNothing) {
   EXPECT_EQ(board.undoSteps(), 2U) << "the drag is still one step";
 }
 
+TEST(SelectDrag, CancelledWithWhatWasAddedMeanwhileLeavesNothingSelected) {
+  Board board;
+  board.sketch.addLine({0, 0}, {40, 0});
+  board.press({13, 0});
+  board.drag({13, 30});
+  board.reply("wall 0 60 10 60");
+  board.sketch.showEntityInspector();
+  board.sketch.handleEscape();
+  EXPECT_EQ(board.entities().size(), 1U);
+  EXPECT_TRUE(board.sketch.selectedEntityIDs->empty());
+  EXPECT_FALSE(*board.sketch.primarySelectedEntityID);
+  EXPECT_FALSE(*board.sketch.isEntityInspectorVisible);
+  board.sketch.undo();
+  EXPECT_EQ(board.entities().size(), 2U) << "undo brings back what was added";
+}
+
+TEST(SelectDrag, EditsMeanwhileAreUndoneInOrder) {
+  Board board;
+  board.sketch.addLine({0, 0}, {40, 0});
+  std::vector<EntityList> course{board.entities()};
+  board.press({13, 0});
+  board.drag({13, 20});
+  course.push_back(board.entities());
+  board.reply("line 0 60 10 60");
+  course.push_back(board.entities());
+  board.reply("circle 0 60 5; circle 0 60 8");
+  board.drag({13, 30});
+  board.release({13, 30});
+  while (!course.empty()) {
+    board.sketch.undo();
+    EXPECT_EQ(board.entities(), course.back()) << course.size();
+    course.pop_back();
+  }
+
+  board.sketch.redo();
+  board.press({13, 0});
+  board.drag({13, 20});
+  board.drag({13, 0});
+  board.reply("line 0 60 10 60");
+  const std::size_t steps = board.undoSteps();
+  board.release({13, 0});
+  EXPECT_EQ(board.undoSteps(), steps) << "what was not dragged takes no step";
+}
+
 // --- The canvas gesture of the trim tool
 
 TEST(TrimClick, CutsAtThePressAndSaysSo) {

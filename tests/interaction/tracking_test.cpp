@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "interaction/board.h"
+#include "interaction/drawing_tools.h"
 
 namespace ostrelon {
 namespace {
@@ -33,6 +34,7 @@ TEST(Dwell, LocksAtRestAfterExactlyOneSecond) {
   for (int poll = 1; poll < 20; ++poll) {
     board.wait(0.05);
     EXPECT_DOUBLE_EQ(board.progress(), 0.05 * poll);
+    EXPECT_EQ(board.feedback(), "Hold to lock · Endpoint · Line 1 · " + std::to_string(5 * poll) + "%");
     ASSERT_FALSE(board.isLocked()) << poll;
   }
   board.wait(0.05);
@@ -146,6 +148,7 @@ TEST(Lock, AlignsTheEndOfTheDraftFromAnyDistance) {
   // The pointer goes along the diagonal, but only its side of the anchor counts.
   EXPECT_EQ(board.feedback(), "Endpoint · Line 1") << "a tracking result carries the locked point itself";
   EXPECT_EQ(board.sketch.draft->value().current, (SketchPoint{0, -11}));
+  EXPECT_EQ(pointerBadgePoint(board.sketch), std::optional(SketchPoint{-63, 52})) << "not at the lock";
   board.drag({-60, 55.2});
   EXPECT_EQ(board.sketch.draft->value().current, (SketchPoint{0, 55}));
   EXPECT_EQ(*board.sketch.activeAxisSnaps, std::vector{AxisSnap::horizontal});

@@ -79,7 +79,8 @@ TEST_F(JsonUserDefaultsTest, KeepsWhatItDoesNotUnderstand) {
 
 TEST_F(JsonUserDefaultsTest, SetsADamagedFileAsideAndSaysSo) {
   files.createFolders(path.parent_path());
-  for (const std::string damaged : {"{\"a\":", "[1]", "", "\xFF"}) {
+  for (const std::string& damaged :
+       std::vector<std::string>{"{\"a\":", "[1]", "", "\xFF", std::string("{}\0{}", 5)}) {
     files.writeFile(path, damaged);
     const std::size_t before = files.list(path.parent_path()).size();
     JsonUserDefaults defaults(files, path);
@@ -100,7 +101,7 @@ TEST_F(JsonUserDefaultsTest, SetsADamagedFileAsideAndSaysSo) {
 TEST_F(JsonUserDefaultsTest, GoesOnWhenTheFileCannotBeWrittenAndTellsOnce) {
   FileSystemCalls calls = FileSystemCalls::ofTheSystem();
   bool fails = true;
-  calls.rename = [&](const char* from, const char* to) {
+  calls.renameNew = [&](const char* from, const char* to) {
     if (!fails) return std::rename(from, to);
     errno = ENOSPC;
     return -1;

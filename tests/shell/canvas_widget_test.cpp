@@ -158,6 +158,17 @@ TEST_F(CanvasWidgetTest, ADoubleClickClosesAPolygonBehindItsOwnVertices) {
   EXPECT_GE(std::get<PolygonEntity>(sketch.entities->back()).vertices.size(), 3u);
 }
 
+TEST_F(CanvasWidgetTest, TheCoordinatesFollowDragsAndMarquees) {
+  for (const QPointF from : {QPointF(330, 220), QPointF(420, 400)}) {
+    press(from);
+    move(from + QPointF(20, 20), Qt::LeftButton);
+    move(from + QPointF(40, 8), Qt::LeftButton);
+    EXPECT_TRUE(sketch.selectDrag->has_value() || sketch.selectMarquee->has_value());
+    EXPECT_EQ(*sketch.cursorSketchPoint, (SketchPoint{(from.x() + 40 - 320) / 4, (220 - from.y() - 8) / 4}));
+    release(from + QPointF(40, 8));
+  }
+}
+
 TEST_F(CanvasWidgetTest, FollowsThePointerAndForgetsItWhenItLeaves) {
   move({320, 222}, Qt::NoButton);
   EXPECT_EQ(*sketch.hoveredEntityID, entityID(line()));

@@ -1,6 +1,7 @@
 // A view model and settings over real files in a folder of their own, on a virtual clock.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -56,6 +57,19 @@ struct FailingCalls {
       return -1;
     };
     return *this;
+  }
+};
+
+/// The system's calls, with work that another program does once, right before something takes its place.
+struct InterruptedCalls {
+  std::shared_ptr<std::function<void()>> work = std::make_shared<std::function<void()>>();
+  FileSystemCalls calls = FileSystemCalls::ofTheSystem();
+
+  InterruptedCalls() {
+    calls.close = [work = work, real = calls.close](int file) {
+      if (const auto now = std::exchange(*work, nullptr)) now();
+      return real(file);
+    };
   }
 };
 

@@ -45,11 +45,15 @@ FileSystemCalls RecordedDisk::calls() {
     openFiles_.erase(file);
     return real.close(file);
   };
-  calls.rename = [this, real](const char* from, const char* to) {
-    const int result = real.rename(from, to);
-    if (result == 0) note({Kind::rename, belowRoot(from), belowRoot(to), -1});
-    return result;
+  const auto noted = [this](auto rename) {
+    return [this, rename](const char* from, const char* to) {
+      const int result = rename(from, to);
+      if (result == 0) note({Kind::rename, belowRoot(from), belowRoot(to), -1});
+      return result;
+    };
   };
+  calls.rename = noted(real.rename);
+  calls.renameNew = noted(real.renameNew);
   calls.unlink = [this, real](const char* path) {
     const int result = real.unlink(path);
     if (result == 0) note({Kind::remove, belowRoot(path), "", -1});

@@ -153,6 +153,14 @@ TEST_F(AppUpdateManagerTest, AStartWithinTwelveHoursWaitsForTheTimer) {
   EXPECT_EQ(client.fetched.size(), 1U);
 }
 
+TEST_F(AppUpdateManagerTest, ACheckPutDownForTheFutureCountsAsNone) {
+  defaults.setDate("ostrel.lastUpdateCheckAt", kStart + std::chrono::hours(24 * 365));
+  start();
+  manager->startAutomaticChecks();
+  scheduler.advance(Seconds(0));
+  EXPECT_EQ(client.fetched.size(), 1U);
+}
+
 TEST_F(AppUpdateManagerTest, AFailedCheckSaysWhyAndCountsForTheTwelveHours) {
   start();
   manager->startAutomaticChecks();
