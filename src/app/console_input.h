@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/sketch_view_model.h"
+#include "console/command_context.h"
 
 namespace ostrelon {
 
@@ -39,13 +39,13 @@ struct ConsoleCompletion {
 /// in. `cursor` is a byte offset into `line`. Words fit without regard to case; a single candidate
 /// is followed by a blank.
 ConsoleCompletion completeConsoleLine(std::string_view line, std::size_t cursor,
-                                      const SketchViewModel& sketch);
+                                      const CommandContext& commands);
 
 /// Completion key by key: where several words fit and nothing more is certain, the line stays once, so
 /// that they can be listed, and each further time the next of them is put in, in turn.
 class ConsoleCompleter {
  public:
-  ConsoleCompletion complete(std::string_view line, std::size_t cursor, const SketchViewModel& sketch);
+  ConsoleCompletion complete(std::string_view line, std::size_t cursor, const CommandContext& commands);
 
  private:
   ConsoleCompletion last_;

@@ -100,10 +100,10 @@ void addInteractionCalls(CallTable& table) {
   table["hoverMoved"] = call(&Board::hoverMoved);
   table["recordPointer"] = call(&Board::recordPointer);
   table["draftMeasurementText"] = call(&Board::draftMeasurementText);
-  table["applyNumericDraftInput"] = call([](AutomationSession& session, const std::string& text) -> Json {
-    const auto reply = session.sketch().applyNumericDraftInput(text);
+  table["applyNumericDraftInput"] = call([](Board& board, const std::string& text) -> Json {
+    const auto reply = CommandInterpreter::applyNumericDraftInput(text, board);
     if (!reply) return nullptr;
-    return Json::array({reply->message, reply->isError});
+    return Json::array({*reply->text, reply->kind == CommandInterpreter::ReplyKind::error});
   });
 
   // --- Drags of the select tool

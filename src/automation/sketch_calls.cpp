@@ -40,7 +40,7 @@ void addSketchCalls(CallTable& table) {
     return {{"head", resolved->head}, {"command", resolved->command}, {"arguments", resolved->arguments}};
   });
   table["executeCommandLine"] = call([](AutomationSession& session, const std::string& text) {
-    return CommandInterpreter::executeCommandLine(text, session.sketch());
+    return CommandInterpreter::executeCommandLine(text, session.workspace().commands()).text;
   });
 
   // --- Console and toasts

@@ -269,6 +269,7 @@ ConsoleView::ConsoleView(SketchViewModel& sketch, Theme& theme, QWidget* parent)
   input_->setAccessibleName(QStringLiteral("Command"));
   input_->setPrefix(QStringLiteral(">"));
   input_->setItalicPlaceholder(QStringLiteral("wall 0 0 120 0"));
+  input_->setHint(QStringLiteral("help and more list the commands"));
   input_->setFixedHeight(kInputHeight);
   input_->installEventFilter(this);
   connect(input_, &QLineEdit::textChanged, this, [this](const QString& text) {

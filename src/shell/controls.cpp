@@ -340,6 +340,9 @@ void Switch::keyPressEvent(QKeyEvent* event) {
 
 // --- Field
 
+// The least distance between the placeholder of a field and its hint.
+constexpr int kHintGap = 24;
+
 Field::Field(Theme& theme, bool isNumeric, QWidget* parent) : QLineEdit(parent), theme_(theme) {
   setFont(fontOf(isNumeric ? TextStyle::mono : TextStyle::small));
   setFixedHeight(28);
@@ -354,6 +357,11 @@ void Field::setPrefix(const QString& prefix) {
 void Field::setItalicPlaceholder(const QString& placeholder) {
   placeholder_ = placeholder;
   setAccessibleDescription(placeholder);
+}
+
+void Field::setHint(const QString& hint) {
+  hint_ = hint;
+  setAccessibleDescription(placeholder_ + QStringLiteral(". ") + hint);
 }
 
 bool Field::hasUseFor(const QKeyEvent& key) const {
@@ -393,9 +401,15 @@ void Field::paintEvent(QPaintEvent* event) {
     QFont italic = font();
     italic.setItalic(true);
     painter.setFont(italic);
-    const QMargins margins = textMargins();
-    painter.drawText(rect().adjusted(11 + margins.left(), 0, -8, 0), Qt::AlignVCenter | Qt::AlignLeft,
-                     placeholder_);
+    const QRect box = rect().adjusted(11 + textMargins().left(), 0, -8, 0);
+    painter.drawText(box, Qt::AlignVCenter | Qt::AlignLeft, placeholder_);
+    const QFont plain = fontOf(TextStyle::small);
+    const int taken = painter.fontMetrics().horizontalAdvance(placeholder_) +
+                      QFontMetrics(plain).horizontalAdvance(hint_) + kHintGap;
+    if (!hint_.isEmpty() && taken <= box.width()) {
+      painter.setFont(plain);
+      painter.drawText(box, Qt::AlignVCenter | Qt::AlignRight, hint_);
+    }
   }
 }
 

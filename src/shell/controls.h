@@ -112,6 +112,8 @@ class Field : public QLineEdit {
   void setPrefix(const QString& prefix);
   /// The placeholder is painted in italic in secondary colour.
   void setItalicPlaceholder(const QString& placeholder);
+  /// A few words at the right end of the empty field, where there is room beside the placeholder.
+  void setHint(const QString& hint);
 
  protected:
   bool event(QEvent* event) override;
@@ -124,6 +126,7 @@ class Field : public QLineEdit {
   Theme& theme_;
   QString prefix_;
   QString placeholder_;
+  QString hint_;
 };
 
 /// A hairline of one pixel.

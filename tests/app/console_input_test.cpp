@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "support/test_sketch.h"
+#include "support/test_workspace.h"
 
 namespace ostrelon {
 namespace {
@@ -33,10 +33,10 @@ TEST(ConsoleRecall, keepsNeitherBlankLinesNorALineTwiceInARow) {
 }
 
 struct ConsoleCompletionTest : ::testing::Test {
-  testing::TestSketch test;
+  testing::TestWorkspace test;
 
   ConsoleCompletion complete(std::string_view line) {
-    return completeConsoleLine(line, line.size(), test.sketch);
+    return completeConsoleLine(line, line.size(), test.workspace.commands());
   }
 };
 
@@ -63,11 +63,13 @@ TEST_F(ConsoleCompletionTest, subCommandsAndWallSystemsAreKnownByTheirPlace) {
   EXPECT_THAT(complete("spec list w").candidates, IsEmpty());
   EXPECT_EQ(complete("convert wall cm").text, "convert wall CMU-8 ");
   EXPECT_THAT(complete("convert line cm").candidates, IsEmpty());
+  EXPECT_EQ(complete("type w").text, "type wall ");
+  EXPECT_THAT(complete("s ").candidates, IsEmpty());
 }
 
 TEST_F(ConsoleCompletionTest, inAChainTheCommandOfTheCursorCounts) {
   EXPECT_EQ(complete("line 0 0 1 1; spec u").text, "line 0 0 1 1; spec use ");
-  const ConsoleCompletion middle = completeConsoleLine("cir 0 0 4", 3, test.sketch);
+  const ConsoleCompletion middle = completeConsoleLine("cir 0 0 4", 3, test.workspace.commands());
   EXPECT_EQ(middle.text, "circle 0 0 4");
   EXPECT_EQ(middle.cursor, 6U);
 }

@@ -91,6 +91,9 @@ TEST(Chains, ARunThatFailsGoesBackWhole) {
   t.sketch.setInspected(true);
   t.board.activateTool(SketchTool::polygon);
   t.board.addPolygonVertex({1, 1});
+  const EntitySnapTarget target{{3, 4}, EntitySnapKind::endpoint, UUID::random(), "Line 1"};
+  t.board.startTrackingDwell(target, t.scheduler.now());
+  t.board.beginLengthEdit("7'");
   const WorkspaceState before(t);
   const BoardState board = t.board.state();
   // The merge makes one wall of two, so the number that was right in checking is not there at the run.
@@ -98,6 +101,9 @@ TEST(Chains, ARunThatFailsGoesBackWhole) {
             "Chain error at segment 6: Could not assign system to selection.");
   EXPECT_EQ(WorkspaceState(t), before);
   EXPECT_EQ(t.board.gesture, board.gesture);
+  EXPECT_EQ(t.board.lengthEditor, board.lengthEditor);
+  EXPECT_EQ(t.board.tracking, board.tracking);
+  EXPECT_TRUE(t.board.isDwelling());
 }
 
 }  // namespace

@@ -54,14 +54,14 @@ TEST(TypedLength, OfOneIsLongEnoughAtAnyAngle) {
   DrawingSketch test;
   for (int angle = 0; angle < 360; ++angle) {
     test.draft(SketchTool::line, {0.1, 0.7}, {20, 13});
-    test.run("1 " + std::to_string(angle));
-    ASSERT_EQ(test.sketch.entities->size(), static_cast<std::size_t>(angle) + 1) << angle;
+    test.submit("1 " + std::to_string(angle));
+    ASSERT_EQ(test.sketch.entities().size(), static_cast<std::size_t>(angle) + 1) << angle;
   }
   test.draft(SketchTool::circle, {0.1, 0.7}, {20, 13});
-  test.run("1");
+  test.submit("1");
   test.draft(SketchTool::rectangle, {0.1, 0.7}, {-20, -13});
-  test.run("1");
-  EXPECT_EQ(test.sketch.entities->size(), 362U);
+  test.submit("1");
+  EXPECT_EQ(test.sketch.entities().size(), 362U);
 }
 
 TEST(TypedSize, OfCirclesAndRectangles) {

@@ -17,6 +17,7 @@ class NoFileSystem final : public FileSystem {
     throw FileError("Nothing can be written.");
   }
   std::optional<FileInfo> info(const FilePath&) override { return std::nullopt; }
+  bool isLink(const FilePath&) override { return false; }
   std::vector<std::string> list(const FilePath&) override { return {}; }
   void createFolders(const FilePath&) override { throw FileError("Nothing can be written."); }
   void copyFile(const FilePath&, const FilePath&) override { throw FileError("There is no file."); }
