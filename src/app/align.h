@@ -1,11 +1,12 @@
 // The align buttons: the operation and what they say.
 #pragma once
 
-#include "core/sketch_view_model.h"
+#include "app/workspace.h"
+#include "core/entity_edits.h"
 
 namespace ostrelon {
 
 /// Aligns the selection and reports through the console.
-void alignSelectionAndReport(SketchViewModel& sketch, AlignmentAxis axis);
+void alignSelectionAndReport(Workspace& workspace, AlignmentAxis axis);
 
 }  // namespace ostrelon

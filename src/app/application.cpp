@@ -16,25 +16,25 @@ constexpr const char* kLastFolder = "ostrel.lastFolder";
 Application::Application(ApplicationServices services, ApplicationOptions options)
     : host_(services.host),
       defaults_(services.defaults),
-      sketch_(services.host),
+      workspace_(services.host),
       settings_(services.defaults, services.host.files, std::move(options.documentsFolder),
                 options.isUITesting),
       updates_(services.host.scheduler, settings_, services.updateClient, std::move(options.updates),
                std::move(services.openInstaller)),
       makePicture_(std::move(services.makePicture)),
-      closeQuestion_(sketch_,
+      closeQuestion_(workspace_,
                      [this](const std::function<void()>& ended) {
-                       saveCurrentDocument(sketch_, settings_, true, [ended](SaveOutcome) { ended(); });
+                       saveCurrentDocument(workspace_.document, settings_, true,
+                                           [ended](SaveOutcome) { ended(); });
                      }),
-      opener_(sketch_, settings_, closeQuestion_, options.opensInBackground) {
-  selectionSubscription_ =
-      sketch_.observe(fieldMask(SketchField::selectedEntityIDs), [this](const SketchChange&) {
-        if (!sketch_.selectedEntityIDs->empty() || !*sketch_.isEntityInspectorVisible) return;
-        // Observers do not change what they observe: the window goes once the operation has ended.
-        inspectorTask_ = host_.scheduler.after(Seconds(0), [this] {
-          if (sketch_.selectedEntityIDs->empty()) sketch_.setEntityInspectorVisible(false);
-        });
-      });
+      opener_(workspace_, settings_, closeQuestion_, options.opensInBackground) {
+  selectionSubscription_ = workspace_.observe(fieldsOf(workspace_.sketch.selection), [this](FieldMask) {
+    if (!workspace_.sketch.selection->ids.empty() || !workspace_.sketch.selection->isInspected) return;
+    // Observers do not change what they observe: the window goes once the operation has ended.
+    inspectorTask_ = host_.scheduler.after(Seconds(0), [this] {
+      if (workspace_.sketch.selection->ids.empty()) workspace_.sketch.setInspected(false);
+    });
+  });
 }
 
 void Application::mainViewAppeared() {
@@ -46,7 +46,7 @@ void Application::mainViewAppeared() {
     showAutoSaveRecoveryOffer = !isTesting && settings_.autoSaveRecoveryCandidate->has_value();
   }
   defaults_.set(SettingsKey::lastSessionEndedCleanly, false);
-  if (!autoSaveController_) autoSaveController_.emplace(sketch_, settings_);
+  if (!autoSaveController_) autoSaveController_.emplace(workspace_.document, settings_);
   autoSaveController_->rescheduleAutoSave();
   updates_.startAutomaticChecks();
 }
@@ -56,7 +56,7 @@ void Application::willTerminate() { defaults_.set(SettingsKey::lastSessionEndedC
 // --- Documents
 
 void Application::newDocument() {
-  beforeReplacing([this] { sketch_.newDocument(); });
+  beforeReplacing([this] { workspace_.document.begin(); });
 }
 
 void Application::openDocumentWithPanel() {
@@ -89,24 +89,24 @@ void Application::openAndRemember(const FilePath& url) {
 
 void Application::openSamplePlan() {
   beforeReplacing([this] {
-    sketch_.newDocument();
-    sketch_.applyLoadedDocument(SketchDocumentIO::decodeDocument(kSamplePlan));
+    workspace_.document.begin();
+    workspace_.document.adopt(SketchDocumentIO::decodeDocument(kSamplePlan));
     // Laid out now, or the window would centre the origin over the fitted view.
-    sketch_.updateCanvasSize(sketch_.canvasSize);
-    sketch_.zoomToFit(sketch_.canvasSize);
+    workspace_.board.resizeCanvas(workspace_.board.view->canvasSize);
+    workspace_.board.zoomToFit(workspace_.board.view->canvasSize);
   });
 }
 
 void Application::save() {
   // A document without a file may need the panel, as below.
-  if (!sketch_.documentFileURL->has_value()) opener_.giveUp();
-  saveCurrentDocument(sketch_, settings_, true);
+  if (!workspace_.document.fileURL->has_value()) opener_.giveUp();
+  saveCurrentDocument(workspace_.document, settings_, true);
 }
 
 void Application::saveAs() {
   // Else the panel's answer might find another document than the one that it was asked for.
   opener_.giveUp();
-  saveDocumentAs(sketch_, settings_, true);
+  saveDocumentAs(workspace_.document, settings_, true);
 }
 
 void Application::rescheduleAutoSave() {
@@ -117,10 +117,10 @@ void Application::revertToLastAutosave() {
   opener_.giveUp();
   using Style = DocumentToastState::Style;
   if (!settings_.lastAutoSave->has_value()) {
-    revertToLastAutoSave(sketch_, settings_);
-    sketch_.showDocumentToast("No last autosave is available.", Style::error);
-  } else if (revertToLastAutoSave(sketch_, settings_)) {
-    sketch_.showDocumentToast("Reverted to last autosave.", Style::success);
+    revertToLastAutoSave(workspace_.document, settings_);
+    workspace_.messages.showToast("No last autosave is available.", Style::error);
+  } else if (revertToLastAutoSave(workspace_.document, settings_)) {
+    workspace_.messages.showToast("Reverted to last autosave.", Style::success);
   }
 }
 
@@ -144,7 +144,7 @@ void Application::completeProjectsFolderSetup() { showProjectsFolderSetup = fals
 
 void Application::restoreAutoSaveFromOffer() {
   opener_.giveUp();
-  restoreAutoSave(sketch_, settings_);
+  restoreAutoSave(workspace_.document, settings_);
   showAutoSaveRecoveryOffer = false;
 }
 

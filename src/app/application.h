@@ -15,8 +15,8 @@
 #include "app/close_question.h"
 #include "app/document_opener.h"
 #include "app/drawing_exchange.h"
+#include "app/workspace.h"
 #include "core/observable.h"
-#include "core/sketch_view_model.h"
 #include "documents/app_settings.h"
 #include "documents/auto_save.h"
 #include "platform/host.h"
@@ -64,8 +64,8 @@ class Application {
  public:
   Application(ApplicationServices services, ApplicationOptions options);
 
-  SketchViewModel& sketch() { return sketch_; }
-  const SketchViewModel& sketch() const { return sketch_; }
+  Workspace& workspace() { return workspace_; }
+  const Workspace& workspace() const { return workspace_; }
   AppSettings& settings() { return settings_; }
   const AppSettings& settings() const { return settings_; }
   AppUpdateManager& updates() { return updates_; }
@@ -127,7 +127,7 @@ class Application {
 
   Host host_;
   UserDefaults& defaults_;
-  SketchViewModel sketch_;
+  Workspace workspace_;
   AppSettings settings_;
   AppUpdateManager updates_;
   PictureMaker makePicture_;

@@ -13,7 +13,7 @@ constexpr const char* kDontSave = "Don't Save";
 
 void CloseQuestion::windowShouldClose(const std::function<void(Reply)>& reply,
                                       std::function<void()> closeNow) {
-  if (!*sketch_.isDocumentDirty) {
+  if (!workspace_.document.isDirty()) {
     reply(Reply::allowed);
     return;
   }
@@ -28,7 +28,7 @@ void CloseQuestion::windowShouldClose(const std::function<void(Reply)>& reply,
 }
 
 void CloseQuestion::beforeReplacing(std::function<void()> proceed) {
-  if (!*sketch_.isDocumentDirty) {
+  if (!workspace_.document.isDirty()) {
     proceed();
     return;
   }
@@ -49,10 +49,10 @@ void CloseQuestion::beforeReplacing(std::function<void()> proceed) {
 
 void CloseQuestion::ask(std::function<void(Answer)> answered) {
   isAsking_ = true;
-  const Alert alert{"Do you want to save changes to " + *sketch_.documentName + " before closing?",
+  const Alert alert{"Do you want to save changes to " + *workspace_.document.name + " before closing?",
                     "If you do not save, changes will be lost.",
                     {kSave, kCancel, kDontSave}};
-  sketch_.host().dialogs.ask(
+  workspace_.host().dialogs.ask(
       alert, [weak = std::weak_ptr(self_), answered = std::move(answered)](DialogAnswer title) {
         const auto self = weak.lock();
         if (!self) return;
@@ -68,14 +68,14 @@ void CloseQuestion::ask(std::function<void(Answer)> answered) {
 void CloseQuestion::saveThen(std::function<void()> whenClean) {
   if (isClosingAfterSave_) return;
   isClosingAfterSave_ = true;
-  sketch_.host().scheduler.soon([weak = std::weak_ptr(self_), whenClean = std::move(whenClean)]() mutable {
+  workspace_.host().scheduler.soon([weak = std::weak_ptr(self_), whenClean = std::move(whenClean)]() mutable {
     const auto self = weak.lock();
     if (!self) return;
     (*self)->save_([weak, whenClean = std::move(whenClean)] {
       const auto stillThere = weak.lock();
       if (!stillThere) return;
       (*stillThere)->isClosingAfterSave_ = false;
-      if (!*(*stillThere)->sketch_.isDocumentDirty) whenClean();
+      if (!(*stillThere)->workspace_.document.isDirty()) whenClean();
     });
   });
 }

@@ -5,7 +5,7 @@
 #include <functional>
 #include <memory>
 
-#include "core/sketch_view_model.h"
+#include "app/workspace.h"
 
 namespace ostrelon {
 
@@ -17,7 +17,7 @@ class CloseQuestion {
   enum class Reply { allowed, refused };
 
   /// `sketch` must outlive the object.
-  CloseQuestion(SketchViewModel& sketch, Save save) : sketch_(sketch), save_(std::move(save)) {}
+  CloseQuestion(Workspace& workspace, Save save) : workspace_(workspace), save_(std::move(save)) {}
 
   /// The window is asked to close. A clean document is allowed at once; with changes the user is asked,
   /// and the reply comes with the answer. "Save" refuses for now: the document is saved by a task of its
@@ -35,7 +35,7 @@ class CloseQuestion {
   void ask(std::function<void(Answer)> answered);
   void saveThen(std::function<void()> whenClean);
 
-  SketchViewModel& sketch_;
+  Workspace& workspace_;
   Save save_;
   bool isAsking_ = false;
   bool isClosingAfterSave_ = false;

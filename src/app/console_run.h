@@ -6,14 +6,15 @@
 
 namespace ostrelon {
 
-class SketchViewModel;
+class Workspace;
 
 /// Prints the lines of the transcript as they come, each once.
 class TranscriptPrinter {
  public:
   using Print = std::function<void(std::string_view line)>;
 
-  TranscriptPrinter(const SketchViewModel& sketch, Print print) : sketch_(sketch), print_(std::move(print)) {}
+  TranscriptPrinter(const Workspace& workspace, Print print)
+      : workspace_(workspace), print_(std::move(print)) {}
 
   /// Prints what has been added since the last call.
   void printNewLines();
@@ -21,7 +22,7 @@ class TranscriptPrinter {
   bool hasSeenError() const { return hasSeenError_; }
 
  private:
-  const SketchViewModel& sketch_;
+  const Workspace& workspace_;
   Print print_;
   std::size_t printed_ = 0;
   bool hasSeenError_ = false;
@@ -29,7 +30,6 @@ class TranscriptPrinter {
 
 /// Submits every line of the script as if it had been typed; `afterLine` runs behind each, for what
 /// the line has set going. Lines end in "\n" or "\r\n"; the last one need not.
-void runConsoleScript(SketchViewModel& sketch, std::string_view script,
-                      const std::function<void()>& afterLine);
+void runConsoleScript(Workspace& workspace, std::string_view script, const std::function<void()>& afterLine);
 
 }  // namespace ostrelon

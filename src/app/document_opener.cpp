@@ -15,7 +15,6 @@ constexpr std::uint64_t kLargeDocument = 2 << 20;
 constexpr Seconds kLongWork(0.3);
 
 /// What would be lost if a document took the place of the present one.
-constexpr FieldMask kContent = fieldMask(SketchField::entities, SketchField::wallSystemSpecs);
 
 }  // namespace
 
@@ -37,7 +36,7 @@ void DocumentOpener::open(const FilePath& url) {
   if (inBackground_ && info && info->size > kLargeDocument) {
     openInBackground(url);
   } else {
-    openDocument(sketch_, settings_, url);
+    openDocument(workspace_.document, settings_, url);
   }
 }
 
@@ -45,7 +44,7 @@ void DocumentOpener::giveUp() {
   if (!opening_) return;
   task_.cancel();
   clearToast();
-  sketch_.appendConsoleLine("Stopped opening " + opening_->name + ".", false, true);
+  workspace_.messages.append("Stopped opening " + opening_->name + ".", false, true);
   opening_.reset();
 }
 
@@ -53,14 +52,16 @@ void DocumentOpener::openInBackground(const FilePath& url) {
   try {
     opening_ = std::make_shared<Opening>(url);
   } catch (const UserError& error) {
-    reportOpenFailed(sketch_, error.what());
+    reportOpenFailed(workspace_.document, error.what());
     return;
   }
-  opening_->changes = sketch_.observe(
-      kContent, [opening = opening_.get()](const SketchChange&) { opening->hasContentChanged = true; });
-  Scheduler& scheduler = sketch_.host().scheduler;
-  toastTask_ = scheduler.after(
-      kLongWork, [this] { sketch_.showDocumentToast(opening_->toast(), DocumentToastState::Style::saving); });
+  opening_->changes =
+      workspace_.observe(fieldsOf(workspace_.sketch.drawing),
+                         [opening = opening_.get()](FieldMask) { opening->hasContentChanged = true; });
+  Scheduler& scheduler = workspace_.host().scheduler;
+  toastTask_ = scheduler.after(kLongWork, [this] {
+    workspace_.messages.showToast(opening_->toast(), DocumentToastState::Style::saving);
+  });
   FileSystem& files = settings_.files();
   task_ = scheduler.inBackground(
       [opening = opening_, &files] {
@@ -78,10 +79,10 @@ void DocumentOpener::finish(const std::shared_ptr<Opening>& opening) {
   clearToast();
   opening_.reset();
   if (opening->failure) {
-    reportOpenFailed(sketch_, *opening->failure);
+    reportOpenFailed(workspace_.document, *opening->failure);
     return;
   }
-  const auto takeOver = [this, opening] { finishOpening(sketch_, settings_, opening->reading); };
+  const auto takeOver = [this, opening] { finishOpening(workspace_.document, settings_, opening->reading); };
   if (opening->hasContentChanged) {
     question_.beforeReplacing(takeOver);
   } else {
@@ -91,8 +92,8 @@ void DocumentOpener::finish(const std::shared_ptr<Opening>& opening) {
 
 void DocumentOpener::clearToast() {
   toastTask_.cancel();
-  const auto& toast = *sketch_.documentToast;
-  if (toast && toast->message == opening_->toast()) sketch_.clearDocumentToast();
+  const auto& toast = *workspace_.messages.toast;
+  if (toast && toast->message == opening_->toast()) workspace_.messages.clearToast();
 }
 
 }  // namespace ostrelon

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "app/close_question.h"
-#include "core/sketch_view_model.h"
+#include "app/workspace.h"
 #include "documents/app_settings.h"
 #include "platform/scheduler.h"
 
@@ -17,8 +17,8 @@ class DocumentOpener {
  public:
   /// The referenced objects must outlive this one. Without `inBackground` every opening has ended when
   /// its call returns.
-  DocumentOpener(SketchViewModel& sketch, AppSettings& settings, CloseQuestion& question, bool inBackground)
-      : sketch_(sketch), settings_(settings), question_(question), inBackground_(inBackground) {}
+  DocumentOpener(Workspace& workspace, AppSettings& settings, CloseQuestion& question, bool inBackground)
+      : workspace_(workspace), settings_(settings), question_(question), inBackground_(inBackground) {}
 
   /// Opens the document and tells of it, in the console as `openDocument` does. Unsaved changes were
   /// asked about before; only those made from now on are asked about again.
@@ -33,7 +33,7 @@ class DocumentOpener {
   void finish(const std::shared_ptr<Opening>& opening);
   void clearToast();
 
-  SketchViewModel& sketch_;
+  Workspace& workspace_;
   AppSettings& settings_;
   CloseQuestion& question_;
   bool inBackground_;

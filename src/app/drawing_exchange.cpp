@@ -20,24 +20,24 @@ constexpr std::string_view kConvertButton = "Convert to Feet";
 constexpr std::string_view kKeepButton = "Keep the Numbers";
 
 // The folder of the document, or the panel's own choice for one that was never saved.
-FilePath documentFolder(const SketchViewModel& sketch) {
-  const auto& url = *sketch.documentFileURL;
+FilePath documentFolder(const Workspace& workspace) {
+  const auto& url = *workspace.document.fileURL;
   return url ? url->parent_path() : FilePath();
 }
 
-void tellFailure(SketchViewModel& sketch, std::string_view what, const UserError& error) {
+void tellFailure(Workspace& workspace, std::string_view what, const UserError& error) {
   std::string text = fmt::format("{} failed: {}", what, error.what());
-  sketch.appendConsoleLine(text, true, false);
-  sketch.showDocumentToast(std::move(text), Style::error);
+  workspace.messages.append(text, true, false);
+  workspace.messages.showToast(std::move(text), Style::error);
 }
 
 void addDrawing(Application& application, DxfDrawing drawing, const std::string& name, bool convertToFeet) {
-  SketchViewModel& sketch = application.sketch();
+  Workspace& workspace = application.workspace();
   try {
-    importDxf(sketch, std::move(drawing), name, convertToFeet);
-    sketch.showDocumentToast("Imported " + name, Style::success);
+    importDxf(workspace.board, std::move(drawing), name, convertToFeet);
+    workspace.messages.showToast("Imported " + name, Style::success);
   } catch (const UserError& error) {
-    tellFailure(sketch, "Import", error);
+    tellFailure(workspace, "Import", error);
   }
 }
 
@@ -47,7 +47,7 @@ void importFrom(Application& application, const FilePath& path) {
   try {
     *drawing = readDxf(application.host().files.readFile(path));
   } catch (const UserError& error) {
-    tellFailure(application.sketch(), "Import", error);
+    tellFailure(application.workspace(), "Import", error);
     return;
   }
   if (drawing->entities.empty() || !drawing->unit || drawing->unit->feet == 1) {
@@ -66,49 +66,53 @@ void importFrom(Application& application, const FilePath& path) {
 }
 
 void exportTo(Application& application, const FilePath& path, const ExportOptions& options) {
-  SketchViewModel& sketch = application.sketch();
+  Workspace& workspace = application.workspace();
   try {
-    exportDrawing(sketch, path, options, application.makePicture());
+    exportDrawing(workspace, path, options, application.makePicture());
   } catch (const UserError& error) {
-    tellFailure(sketch, "Export", error);
+    tellFailure(workspace, "Export", error);
     return;
   }
-  sketch.appendConsoleLine(fmt::format("Exported to \"{}\".", path.string()), false, true);
-  sketch.showDocumentToast("Exported " + path.filename().string(), Style::success);
+  workspace.messages.append(fmt::format("Exported to \"{}\".", path.string()), false, true);
+  workspace.messages.showToast("Exported " + path.filename().string(), Style::success);
 }
 
 }  // namespace
 
-void exportDrawing(const SketchViewModel& sketch, const FilePath& path, const ExportOptions& options,
+void exportDrawing(const Workspace& workspace, const FilePath& path, const ExportOptions& options,
                    const PictureMaker& makePicture) {
   const ExportFormat format = exportFormatOf(path);
-  FileSystem& files = sketch.host().files;
+  FileSystem& files = workspace.host().files;
   if (format == ExportFormat::dxf) {
     files.writeFile(path, [&](const FileSystem::Writer& write) {
-      writeDxf(*sketch.entities, *sketch.wallSystemSpecs, options.dxfVersion, write);
+      writeDxf(workspace.sketch.entities(), workspace.sketch.drawing->wallSystemSpecs, options.dxfVersion,
+               write);
     });
     return;
   }
   if (format == ExportFormat::pdf) {
-    const auto pages = picturePages(format, *sketch.entities, *sketch.wallSystemSpecs, options);
+    const auto pages =
+        picturePages(format, workspace.sketch.entities(), workspace.sketch.drawing->wallSystemSpecs, options);
     files.writeFile(path, [&](const FileSystem::Writer& write) {
-      writePdf(pages, *sketch.entities, *sketch.wallSystemSpecs, options, write);
+      writePdf(pages, workspace.sketch.entities(), workspace.sketch.drawing->wallSystemSpecs, options, write);
     });
     return;
   }
   if (!makePicture)
     throw ExportOptionError("Pictures of pixels cannot be drawn here; PDF and DXF can be written.");
-  files.writeFile(path, makePicture(format, *sketch.entities, *sketch.wallSystemSpecs, options));
+  files.writeFile(path, makePicture(format, workspace.sketch.entities(),
+                                    workspace.sketch.drawing->wallSystemSpecs, options));
 }
 
-void importDrawing(SketchViewModel& sketch, const FilePath& path, bool convertToFeet) {
-  importDxf(sketch, readDxf(sketch.host().files.readFile(path)), path.filename().string(), convertToFeet);
+void importDrawing(Workspace& workspace, const FilePath& path, bool convertToFeet) {
+  importDxf(workspace.board, readDxf(workspace.host().files.readFile(path)), path.filename().string(),
+            convertToFeet);
 }
 
 void exportWithPanel(Application& application, const ExportOptions& options, ExportFormat suggested) {
-  const SketchViewModel& document = application.sketch();
+  const Workspace& workspace = application.workspace();
   const std::string ending(fileEnding(suggested));
-  const ExportPanel panel{documentFolder(document), *document.documentName + ending};
+  const ExportPanel panel{documentFolder(workspace), *workspace.document.name + ending};
   application.host().dialogs.ask(panel, [&application, options, ending](const DialogAnswer& answer) {
     if (!answer) return;
     const FilePath given = standardizedPath(*answer);
@@ -120,7 +124,7 @@ void exportWithPanel(Application& application, const ExportOptions& options, Exp
 }
 
 void importWithPanel(Application& application) {
-  application.host().dialogs.ask(ImportPanel{documentFolder(application.sketch())},
+  application.host().dialogs.ask(ImportPanel{documentFolder(application.workspace())},
                                  [&application](const DialogAnswer& answer) {
                                    if (answer) importFrom(application, standardizedPath(*answer));
                                  });

@@ -14,7 +14,7 @@
 namespace ostrelon {
 
 class Application;
-class SketchViewModel;
+class Workspace;
 
 /// Paints a picture of the entities and gives its bytes; asked for PNG and SVG alone. Throws `UserError`.
 using PictureMaker =
@@ -23,11 +23,11 @@ using PictureMaker =
 
 /// Writes all entities to a file of the kind that its name tells. Throws `UserError`, and has written
 /// nothing then. `makePicture` may be empty, and PNG and SVG are then refused.
-void exportDrawing(const SketchViewModel& sketch, const FilePath& path, const ExportOptions& options,
+void exportDrawing(const Workspace& workspace, const FilePath& path, const ExportOptions& options,
                    const PictureMaker& makePicture);
 
 /// Reads a DXF file and adds what it draws. Throws `UserError`, and has changed nothing then.
-void importDrawing(SketchViewModel& sketch, const FilePath& path, bool convertToFeet);
+void importDrawing(Workspace& workspace, const FilePath& path, bool convertToFeet);
 
 // --- From the menus. What came of it is told in the console and in a toast.
 

@@ -7,6 +7,7 @@
 
 #include "app/wall_panel.h"
 #include "core/length_text.h"
+#include "geometry/edit_operations.h"
 
 namespace ostrelon {
 
@@ -70,12 +71,12 @@ std::vector<InspectorMetricRow> inspectorMetricRows(const SketchEntity& entity,
   return rows;
 }
 
-std::string inspectorSelectionHeading(const SketchViewModel& sketch) {
+std::string inspectorSelectionHeading(const Workspace& workspace) {
   std::array<std::size_t, std::variant_size_v<SketchEntity>> counts{};
   std::array<std::string_view, std::variant_size_v<SketchEntity>> kinds{};
   std::size_t total = 0;
-  for (const UUID& id : *sketch.selectedEntityIDs) {
-    const SketchEntity* entity = sketch.entity(id);
+  for (const UUID& id : workspace.sketch.selection->ids) {
+    const SketchEntity* entity = workspace.sketch.entity(id);
     if (entity == nullptr) continue;
     ++total;
     ++counts[entity->index()];
@@ -110,11 +111,21 @@ std::string inspectorLengthText(const SketchEntity& entity) {
   return length ? formatFeetInches(*length) : std::string();
 }
 
-std::string inspectorConvertTitle(const SketchViewModel& sketch, const SketchEntity& entity) {
+std::string inspectorConvertTitle(const Workspace& workspace, const SketchEntity& entity) {
   if (std::holds_alternative<WallEntity>(entity)) return "Convert to Line";
-  const WallSystemSpec* active = sketch.activeWallSystemSpec();
+  const WallSystemSpec* active = workspace.sketch.drawing->activeWallSystem();
   if (!std::holds_alternative<LineEntity>(entity) || active == nullptr) return {};
   return "Convert to Wall (" + active->name + ")";
+}
+
+// --- Showing it
+
+void showEntityInspector(Sketch& sketch) {
+  if (!sketch.selection->empty()) sketch.setInspected(true);
+}
+
+void toggleEntityInspector(Sketch& sketch) {
+  sketch.setInspected(!sketch.selection->empty() && !sketch.selection->isInspected);
 }
 
 // --- Reports
@@ -153,57 +164,57 @@ EntityEditMessage entityEditMessage(const EntityEditKind& kind, EntityEditResult
 
 namespace {
 
-void report(SketchViewModel& sketch, const EntityEditKind& kind, EntityEditResult result) {
+void report(Workspace& workspace, const EntityEditKind& kind, EntityEditResult result) {
   EntityEditMessage message = entityEditMessage(kind, result);
-  sketch.appendConsoleLine(std::move(message.text), message.isError, message.isSystem);
+  workspace.messages.append(std::move(message.text), message.isError, message.isSystem);
 }
 
 }  // namespace
 
 // --- Operations
 
-bool applyInspectorLength(SketchViewModel& sketch, std::string_view lengthText) {
+bool applyInspectorLength(Workspace& workspace, std::string_view lengthText) {
   const auto value = parseFeetInches(lengthText);
   if (!value || !(*value > 0) || !std::isfinite(*value)) {
-    sketch.appendConsoleLine("Enter a valid feet/inches length.", true, false);
+    workspace.messages.append("Enter a valid feet/inches length.", true, false);
     return false;
   }
   // The text that the field shows is rounded: applied as it stands it asks for nothing.
-  const SketchEntity* selected = sketch.selectedEntity();
+  const SketchEntity* selected = workspace.sketch.selectedEntity();
   const bool isAsShown = selected != nullptr && lengthText == inspectorLengthText(*selected);
   const EntityEditResult result =
-      isAsShown ? EntityEditResult::unchanged : sketch.setSelectedEntityLength(*value);
-  report(sketch, LengthEdit{*value}, result);
+      isAsShown ? EntityEditResult::unchanged : setSelectedEntityLength(workspace.sketch, *value);
+  report(workspace, LengthEdit{*value}, result);
   return result == EntityEditResult::applied || result == EntityEditResult::unchanged;
 }
 
-bool applyInspectorNudge(SketchViewModel& sketch, std::string_view xText, std::string_view yText) {
+bool applyInspectorNudge(Workspace& workspace, std::string_view xText, std::string_view yText) {
   const auto dx = parsePlainDecimal(xText);
   const auto dy = parsePlainDecimal(yText);
   if (!dx || !dy) {
-    sketch.appendConsoleLine("Enter numeric nudge values.", true, false);
+    workspace.messages.append("Enter numeric nudge values.", true, false);
     return false;
   }
-  const EntityEditResult result = sketch.nudgeSelectedEntity(*dx, *dy);
-  report(sketch, NudgeEdit{*dx, *dy}, result);
+  const EntityEditResult result = nudgeSelectedEntity(workspace.sketch, *dx, *dy);
+  report(workspace, NudgeEdit{*dx, *dy}, result);
   return result == EntityEditResult::applied || result == EntityEditResult::unchanged;
 }
 
-void applyInspectorConvert(SketchViewModel& sketch) {
-  const SketchEntity* entity = sketch.selectedEntity();
+void applyInspectorConvert(Workspace& workspace) {
+  const SketchEntity* entity = workspace.sketch.selectedEntity();
   if (entity == nullptr) return;
   const bool isWall = std::holds_alternative<WallEntity>(*entity);
   const auto target = isWall ? EntityConversionTarget::line : EntityConversionTarget::wall;
-  report(sketch, ConvertEdit{target}, sketch.convertSelectedEntity(target));
+  report(workspace, ConvertEdit{target}, convertSelectedEntity(workspace.sketch, target));
 }
 
-void applyInspectorWallSystem(SketchViewModel& sketch, const UUID& specID) {
-  const WallSystemSpec* spec = sketch.wallSystemSpec(specID);
-  const WallEntity* wall = selectedWallEntity(sketch);
+void applyInspectorWallSystem(Workspace& workspace, const UUID& specID) {
+  const WallSystemSpec* spec = workspace.sketch.drawing->wallSystem(specID);
+  const WallEntity* wall = selectedWallEntity(workspace);
   if (spec == nullptr || wall == nullptr || wall->systemSpecID == specID) return;
   const std::string name = spec->name;
-  if (sketch.assignWallSystem(specID, UUID(wall->id))) {
-    sketch.appendConsoleLine("Wall system set to " + name + ".", false, true);
+  if (assignWallSystem(workspace.sketch, specID, UUID(wall->id))) {
+    workspace.messages.append("Wall system set to " + name + ".", false, true);
   }
 }
 

@@ -6,7 +6,8 @@
 #include <variant>
 #include <vector>
 
-#include "core/sketch_view_model.h"
+#include "app/workspace.h"
+#include "core/entity_edits.h"
 
 namespace ostrelon {
 
@@ -21,13 +22,20 @@ struct InspectorMetricRow {
 std::vector<InspectorMetricRow> inspectorMetricRows(const SketchEntity& entity,
                                                     std::optional<double> wallThickness);
 /// "3 selected · 2 walls, 1 circle".
-std::string inspectorSelectionHeading(const SketchViewModel& sketch);
+std::string inspectorSelectionHeading(const Workspace& workspace);
 /// True when the entity has a length that can be set.
 bool inspectorSupportsLength(const SketchEntity& entity);
 /// The entity's length as feet and inches, or empty when it has none that can be set.
 std::string inspectorLengthText(const SketchEntity& entity);
 /// "Convert to Wall (W2-INT)", "Convert to Line", or empty for an entity that cannot be converted.
-std::string inspectorConvertTitle(const SketchViewModel& sketch, const SketchEntity& entity);
+std::string inspectorConvertTitle(const Workspace& workspace, const SketchEntity& entity);
+
+// --- Showing it
+
+/// Opens on a selection; nothing without one.
+void showEntityInspector(Sketch& sketch);
+/// Closes it, or opens it on a selection.
+void toggleEntityInspector(Sketch& sketch);
 
 // --- Reports
 
@@ -55,12 +63,12 @@ EntityEditMessage entityEditMessage(const EntityEditKind& kind, EntityEditResult
 // --- Operations on the selected entity. Each reports through the console.
 
 /// The Apply button beside the length field. True when the length was set or stood already.
-bool applyInspectorLength(SketchViewModel& sketch, std::string_view lengthText);
+bool applyInspectorLength(Workspace& workspace, std::string_view lengthText);
 /// The Nudge button: both texts are plain finite decimal numbers, in sketch units.
-bool applyInspectorNudge(SketchViewModel& sketch, std::string_view xText, std::string_view yText);
+bool applyInspectorNudge(Workspace& workspace, std::string_view xText, std::string_view yText);
 /// The convert button: a line becomes a wall of the active system, a wall a line.
-void applyInspectorConvert(SketchViewModel& sketch);
+void applyInspectorConvert(Workspace& workspace);
 /// The wall system picker: the selected wall takes the system. Nothing when it has it already.
-void applyInspectorWallSystem(SketchViewModel& sketch, const UUID& specID);
+void applyInspectorWallSystem(Workspace& workspace, const UUID& specID);
 
 }  // namespace ostrelon

@@ -3,9 +3,12 @@
 #include <array>
 
 #include "app/application.h"
+#include "app/inspector.h"
 #include "console/command_interpreter.h"
+#include "core/adding.h"
 #include "documents/document_store.h"
 #include "documents/history_prompts.h"
+#include "geometry/edit_operations.h"
 #include "interaction/canvas_transform.h"
 
 namespace ostrelon {
@@ -13,30 +16,37 @@ namespace {
 
 constexpr std::array<std::string_view, 6> kMenuTitles{"File", "Edit", "Sketch", "Console", "View", "Help"};
 
-bool hasSelection(const Application& app) { return !app.sketch().selectedEntityIDs->empty(); }
-bool hasClipboard(const Application& app) { return !app.sketch().entityClipboard->empty(); }
-bool hasEntities(const Application& app) { return !app.sketch().entities->empty(); }
-bool canUndo(const Application& app) { return !app.sketch().undoStack().undoSnapshots().empty(); }
-bool canRedo(const Application& app) { return !app.sketch().undoStack().redoSnapshots().empty(); }
+bool hasSelection(const Application& app) { return !app.workspace().sketch.selection->ids.empty(); }
+bool hasClipboard(const Application& app) { return !app.workspace().sketch.clipboard->empty(); }
+bool hasEntities(const Application& app) { return !app.workspace().sketch.entities().empty(); }
+bool canUndo(const Application& app) { return !app.workspace().sketch.undoStack->undoSnapshots().empty(); }
+bool canRedo(const Application& app) { return !app.workspace().sketch.undoStack->redoSnapshots().empty(); }
 
-void showHelp(Application& app) { CommandInterpreter::executeCommandLine("help", app.sketch()); }
-void duplicate(Application& app) { app.sketch().duplicateSelection(kDuplicateOffset.x, kDuplicateOffset.y); }
+void showHelp(Application& app) {
+  CommandInterpreter::executeCommandLine("help", app.workspace().commands());
+}
+void duplicate(Application& app) {
+  duplicateSelection(app.workspace().sketch, app.workspace().messages, kDuplicateOffset.x,
+                     kDuplicateOffset.y);
+}
 void zoomBy(Application& app, double factor) {
-  const SketchSize canvas = app.sketch().canvasSize;
-  app.sketch().zoomViewport(factor, {canvas.width * 0.5, canvas.height * 0.5});
+  const SketchSize canvas = app.workspace().board.view->canvasSize;
+  app.workspace().board.zoom(factor, {canvas.width * 0.5, canvas.height * 0.5});
 }
 // What a console command does, told in the console as that command tells it.
 void runCommand(Application& app, std::string_view command) {
-  const auto reply = CommandInterpreter::executeCommandLine(command, app.sketch());
-  if (reply) app.sketch().appendConsoleLine(*reply, false, true);
+  const auto reply = CommandInterpreter::executeCommandLine(command, app.workspace().commands());
+  if (reply.text) app.workspace().messages.append(*reply.text, false, true);
 }
 void copy(Application& app) { runCommand(app, "copy"); }
 void cut(Application& app) {
   copy(app);
-  app.sketch().deleteSelection();
+  deleteSelection(app.workspace().sketch, app.workspace().messages);
 }
 void paste(Application& app) { runCommand(app, "paste"); }
-void toggleGrid(Application& app) { app.sketch().setShowGrid(!*app.sketch().showGrid); }
+void toggleGrid(Application& app) {
+  setShowGrid(app.workspace().sketch, !app.workspace().sketch.drawing->showGrid);
+}
 
 // A title that says which document, without its extension.
 std::vector<MenuChoice> recentChoices(Application& app) {
@@ -55,13 +65,14 @@ std::vector<MenuChoice> recentChoices(Application& app) {
 }
 
 std::vector<MenuChoice> branchChoices(Application& app) {
-  app.sketch().refreshDocumentHistory();
-  const DocumentHistoryState& history = app.sketch().documentHistoryState;
+  app.workspace().document.refreshHistory();
+  const DocumentHistoryState& history = app.workspace().document.history;
   std::vector<MenuChoice> choices;
   for (const DocumentHistoryBranch& branch : history.metadata.branches) {
     const bool isCurrent = branch.id == history.metadata.currentBranchID;
-    choices.push_back({branch.name, !isCurrent, isCurrent,
-                       [id = branch.id](Application& to) { switchBranchFromMenu(to.sketch(), id); }});
+    choices.push_back({branch.name, !isCurrent, isCurrent, [id = branch.id](Application& to) {
+                         switchBranchFromMenu(to.workspace().document, id);
+                       }});
   }
   return choices;
 }
@@ -105,8 +116,9 @@ constexpr std::array kMenuCommands{
     row("File", "Save", "⌘S", [](Application& app) { app.save(); }),
     row("File", "Save As…", "⇧⌘S", [](Application& app) { app.saveAs(); }),
     separator("File"),
-    row("File", "Save Checkpoint…", "", [](Application& app) { promptForCheckpoint(app.sketch()); }),
-    row("File", "Create Branch…", "", [](Application& app) { promptForBranch(app.sketch()); }),
+    row("File", "Save Checkpoint…", "",
+        [](Application& app) { promptForCheckpoint(app.workspace().document); }),
+    row("File", "Create Branch…", "", [](Application& app) { promptForBranch(app.workspace().document); }),
     submenu("File", "Switch Branch", branchChoices),
     separator("File"),
     row("File", "Revert to Last Autosave", "", [](Application& app) { app.revertToLastAutosave(); }),
@@ -118,21 +130,21 @@ constexpr std::array kMenuCommands{
     row("File", "Settings…", "⌘,", [](Application& app) { runIfThere(app.windowActions().showSettings); }),
     row("File", "Quit", "⌘Q", [](Application& app) { runIfThere(app.windowActions().close); }),
     row(
-        "Edit", "Undo", "⌘Z", [](Application& app) { app.sketch().undo(); }, canUndo),
+        "Edit", "Undo", "⌘Z", [](Application& app) { app.workspace().board.undo(); }, canUndo),
     row(
-        "Edit", "Redo", "⇧⌘Z", [](Application& app) { app.sketch().redo(); }, canRedo),
+        "Edit", "Redo", "⇧⌘Z", [](Application& app) { app.workspace().board.redo(); }, canRedo),
     separator("Edit"),
     row("Edit", "Cut", "⌘X", cut, hasSelection),
     row("Edit", "Copy", "⌘C", copy, hasSelection),
     row("Edit", "Paste", "⌘V", paste, hasClipboard),
     row(
-        "Edit", "Select All", "⌘A", [](Application& app) { app.sketch().selectAll(); }, hasEntities),
+        "Edit", "Select All", "⌘A", [](Application& app) { selectAll(app.workspace().sketch); }, hasEntities),
     row(
-        "Sketch", "Inspect", "⌘I", [](Application& app) { app.sketch().showEntityInspector(); },
+        "Sketch", "Inspect", "⌘I", [](Application& app) { showEntityInspector(app.workspace().sketch); },
         hasSelection),
     row("Sketch", "Duplicate", "⌘D", duplicate, hasSelection),
     separator("Sketch"),
-    row("Sketch", "Clear Sketch", "⇧⌘K", [](Application& app) { app.sketch().clearSketch(); }),
+    row("Sketch", "Clear Sketch", "⇧⌘K", [](Application& app) { app.workspace().board.clearSketch(); }),
     row("Sketch", "Toggle Grid", "⌘G", toggleGrid),
     row("Console", "Show Help", "", showHelp),
     submenu("View", "Appearance", appearanceChoices),
@@ -140,9 +152,11 @@ constexpr std::array kMenuCommands{
     row("View", "Zoom In", "⌘+", [](Application& app) { zoomBy(app, kZoomInFactor); }),
     row("View", "Zoom Out", "⌘-", [](Application& app) { zoomBy(app, kZoomOutFactor); }),
     row("View", "Zoom to Fit", "⌘0",
-        [](Application& app) { app.sketch().zoomToFit(app.sketch().canvasSize); }),
+        [](Application& app) { app.workspace().board.zoomToFit(app.workspace().board.view->canvasSize); }),
     row("View", "Reset View", "⇧⌘0",
-        [](Application& app) { app.sketch().resetViewport(app.sketch().canvasSize); }),
+        [](Application& app) {
+          app.workspace().board.resetViewport(app.workspace().board.view->canvasSize);
+        }),
     row("Help", "Manual", "", [](Application& app) { runIfThere(app.windowActions().showManual); }),
     row("Help", "Keyboard Shortcuts", "",
         [](Application& app) { runIfThere(app.windowActions().showShortcuts); }),

@@ -2,15 +2,15 @@
 
 namespace ostrelon {
 
-void tellSettingsNotes(JsonUserDefaults& defaults, SketchViewModel& sketch) {
-  for (const std::string& note : defaults.takeNotes()) sketch.appendConsoleLine(note, false, true);
+void tellSettingsNotes(JsonUserDefaults& defaults, Workspace& workspace) {
+  for (const std::string& note : defaults.takeNotes()) workspace.messages.append(note, false, true);
 }
 
-void keepTellingSettingsNotes(JsonUserDefaults& defaults, SketchViewModel& sketch) {
-  tellSettingsNotes(defaults, sketch);
+void keepTellingSettingsNotes(JsonUserDefaults& defaults, Workspace& workspace) {
+  tellSettingsNotes(defaults, workspace);
   // A setting may be written in the middle of an operation, which observers have not heard of yet.
-  defaults.whenNoted([&defaults, &sketch] {
-    sketch.host().scheduler.soon([&defaults, &sketch] { tellSettingsNotes(defaults, sketch); });
+  defaults.whenNoted([&defaults, &workspace] {
+    workspace.host().scheduler.soon([&defaults, &workspace] { tellSettingsNotes(defaults, workspace); });
   });
 }
 

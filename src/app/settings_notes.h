@@ -1,14 +1,14 @@
 // What the settings file has to say, told in the console.
 #pragma once
 
-#include "core/sketch_view_model.h"
+#include "app/workspace.h"
 #include "platform/json_user_defaults.h"
 
 namespace ostrelon {
 
 /// Writes the notes that wait into the console.
-void tellSettingsNotes(JsonUserDefaults& defaults, SketchViewModel& sketch);
+void tellSettingsNotes(JsonUserDefaults& defaults, Workspace& workspace);
 /// The same, and again soon after every new one. The arguments must outlive the tasks of the scheduler.
-void keepTellingSettingsNotes(JsonUserDefaults& defaults, SketchViewModel& sketch);
+void keepTellingSettingsNotes(JsonUserDefaults& defaults, Workspace& workspace);
 
 }  // namespace ostrelon

@@ -23,14 +23,22 @@ bool beginsCommand(const std::string& text) {
                      [&](const std::string& word) { return word.starts_with(text); });
 }
 
-}  // namespace
-
-SwallowedLetters::Board SwallowedLetters::boardOf(const SketchViewModel& sketch) {
-  return {sketch.captureCommandMutationState(), *sketch.polygonDraft, *sketch.isEntityInspectorVisible,
-          *sketch.viewport};
+void takeBack(const SwallowedLetters::Before& before, Workspace& workspace) {
+  const auto change = workspace.change();
+  // A polygon that was closed is not left behind as a step to undo.
+  if (!(before.sketch.drawing.entities == workspace.sketch.entities())) workspace.board.undo();
+  workspace.sketch.setState(before.sketch);
+  workspace.board.setState(before.board);
+  workspace.board.setViewport(before.viewport);
 }
 
-void SwallowedLetters::swallowed(std::string_view characters, Date now, Board before) {
+}  // namespace
+
+SwallowedLetters::Before SwallowedLetters::stateOf(const Workspace& workspace) {
+  return {workspace.sketch.state(), workspace.board.state(), workspace.board.viewport()};
+}
+
+void SwallowedLetters::swallowed(std::string_view characters, Date now, Before before) {
   if (secondsBetween(lastAt_, now) > kLongestPause) letters_.clear();
   lastAt_ = now;
   // A blank alone begins no command.
@@ -38,7 +46,7 @@ void SwallowedLetters::swallowed(std::string_view characters, Date now, Board be
   letters_.push_back({std::string(characters), std::move(before)});
 }
 
-std::string SwallowedLetters::takeBeginning(std::string_view typed, Date now, SketchViewModel& sketch) {
+std::string SwallowedLetters::takeBeginning(std::string_view typed, Date now, Workspace& workspace) {
   const std::vector<Letter> letters = std::exchange(letters_, {});
   if (secondsBetween(lastAt_, now) > kLongestPause) return {};
   // The earlier ones may have been shortcuts: Z twice to zoom, and a third time to begin `zoom`.
@@ -46,12 +54,7 @@ std::string SwallowedLetters::takeBeginning(std::string_view typed, Date now, Sk
     std::string beginning;
     for (auto letter = first; letter != letters.end(); ++letter) beginning += letter->characters;
     if (beginning.starts_with(' ') || !beginsCommand(lowerCased(beginning + std::string(typed)))) continue;
-    sketch.performAsOneChange([&sketch, &before = first->before] {
-      // A polygon that was closed is not left behind as a step to undo.
-      if (!(before.drawing.undoSnapshot.entities == sketch.entities.get())) sketch.undo();
-      sketch.restoreAfterFailedChain(before.drawing, before.polygon, before.isInspectorVisible);
-      sketch.setViewport(before.viewport.pan.x, before.viewport.pan.y, before.viewport.scale);
-    });
+    takeBack(first->before, workspace);
     return beginning;
   }
   return {};

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/sketch_view_model.h"
+#include "app/workspace.h"
 #include "platform/date.h"
 
 namespace ostrelon {
@@ -17,27 +17,26 @@ namespace ostrelon {
 class SwallowedLetters {
  public:
   /// All that a letter may change.
-  struct Board {
-    SketchCommandMutationState drawing;
-    std::optional<PolygonDraft> polygon;
-    bool isInspectorVisible = false;
+  struct Before {
+    SketchState sketch;
+    BoardState board;
     SketchViewport viewport;
   };
-  static Board boardOf(const SketchViewModel& sketch);
+  static Before stateOf(const Workspace& workspace);
 
   /// The drawing board took these characters from the empty command line. `before`: how it was then.
-  void swallowed(std::string_view characters, Date now, Board before);
+  void swallowed(std::string_view characters, Date now, Before before);
   /// A character is about to be typed into the empty command line. Gives what belongs in front of it to
   /// make the beginning of a command, and takes back what that did; empty when nothing does. What was
   /// remembered is then forgotten.
-  std::string takeBeginning(std::string_view typed, Date now, SketchViewModel& sketch);
+  std::string takeBeginning(std::string_view typed, Date now, Workspace& workspace);
   /// Something else was done meanwhile: the letters were shortcuts.
   void forget() { letters_.clear(); }
 
  private:
   struct Letter {
     std::string characters;
-    Board before;
+    Before before;
   };
   std::vector<Letter> letters_;
   Date lastAt_;

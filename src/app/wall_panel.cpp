@@ -3,37 +3,41 @@
 #include <charconv>
 #include <cmath>
 
+#include "core/adding.h"
 #include "core/length_text.h"
+#include "geometry/edit_operations.h"
 
 namespace ostrelon {
 
-const WallEntity* selectedWallEntity(const SketchViewModel& sketch) {
-  const SketchEntity* selected = sketch.selectedEntity();
+const WallEntity* selectedWallEntity(const Workspace& workspace) {
+  const SketchEntity* selected = workspace.sketch.selectedEntity();
   return selected != nullptr ? std::get_if<WallEntity>(selected) : nullptr;
 }
 
-const WallSystemSpec* selectedWallSystem(const SketchViewModel& sketch) {
-  const WallEntity* wall = selectedWallEntity(sketch);
-  return wall != nullptr ? sketch.wallSystemSpec(wall->systemSpecID) : nullptr;
+const WallSystemSpec* selectedWallSystem(const Workspace& workspace) {
+  const WallEntity* wall = selectedWallEntity(workspace);
+  return wall != nullptr ? workspace.sketch.drawing->wallSystem(wall->systemSpecID) : nullptr;
 }
 
-const WallSystemSpec* panelSystem(const SketchViewModel& sketch) {
-  const WallSystemSpec* selected = selectedWallSystem(sketch);
-  return selected != nullptr ? selected : sketch.activeWallSystemSpec();
+const WallSystemSpec* panelSystem(const Workspace& workspace) {
+  const WallSystemSpec* selected = selectedWallSystem(workspace);
+  return selected != nullptr ? selected : workspace.sketch.drawing->activeWallSystem();
 }
 
-std::string panelContextTitle(const SketchViewModel& sketch) {
-  if (const WallSystemSpec* selected = selectedWallSystem(sketch)) return "SELECTED WALL · " + selected->name;
-  const WallSystemSpec* active = sketch.activeWallSystemSpec();
+std::string panelContextTitle(const Workspace& workspace) {
+  if (const WallSystemSpec* selected = selectedWallSystem(workspace))
+    return "SELECTED WALL · " + selected->name;
+  const WallSystemSpec* active = workspace.sketch.drawing->activeWallSystem();
   return "ACTIVE SYSTEM · " + (active != nullptr ? active->name : std::string());
 }
 
-std::vector<WallSystemRow> wallSystemRows(const SketchViewModel& sketch) {
-  const WallSystemSpec* assigned = selectedWallSystem(sketch);
-  const WallSystemSpec* shown = panelSystem(sketch);
+std::vector<WallSystemRow> wallSystemRows(const Workspace& workspace) {
+  const WallSystemSpec* assigned = selectedWallSystem(workspace);
+  const WallSystemSpec* shown = panelSystem(workspace);
   std::vector<WallSystemRow> rows;
-  for (const WallSystemSpec& spec : *sketch.wallSystemSpecs) {
-    rows.push_back({spec, spec.id == sketch.activeWallSystemSpecID.get(), &spec == assigned, &spec == shown});
+  for (const WallSystemSpec& spec : workspace.sketch.drawing->wallSystemSpecs) {
+    rows.push_back({spec, spec.id == workspace.sketch.drawing->activeWallSystemSpecID, &spec == assigned,
+                    &spec == shown});
   }
   return rows;
 }
@@ -42,30 +46,30 @@ std::string wallSystemMeasures(const WallSystemSpec& spec) {
   return plainDecimalText(spec.thickness) + " thick · " + plainDecimalText(spec.height) + " high";
 }
 
-void selectWallSystemRow(SketchViewModel& sketch, const UUID& specID) {
-  const WallSystemSpec* spec = sketch.wallSystemSpec(specID);
+void selectWallSystemRow(Workspace& workspace, const UUID& specID) {
+  const WallSystemSpec* spec = workspace.sketch.drawing->wallSystem(specID);
   if (spec == nullptr) return;
-  if (const WallEntity* wall = selectedWallEntity(sketch)) {
-    sketch.assignWallSystem(specID, UUID(wall->id));
+  if (const WallEntity* wall = selectedWallEntity(workspace)) {
+    assignWallSystem(workspace.sketch, specID, UUID(wall->id));
   } else {
-    sketch.setActiveWallSystem(WallSystemSpec(*spec));
+    setActiveWallSystem(workspace.sketch, workspace.messages, WallSystemSpec(*spec));
   }
 }
 
-void assignPanelSystemToSelection(SketchViewModel& sketch) {
-  const WallEntity* wall = selectedWallEntity(sketch);
-  const WallSystemSpec* shown = panelSystem(sketch);
+void assignPanelSystemToSelection(Workspace& workspace) {
+  const WallEntity* wall = selectedWallEntity(workspace);
+  const WallSystemSpec* shown = panelSystem(workspace);
   if (wall == nullptr || shown == nullptr) return;
   const std::string name = shown->name;
-  if (sketch.assignWallSystem(UUID(shown->id), UUID(wall->id))) {
-    sketch.appendConsoleLine("Wall assigned to " + name + ".", false, true);
+  if (assignWallSystem(workspace.sketch, UUID(shown->id), UUID(wall->id))) {
+    workspace.messages.append("Wall assigned to " + name + ".", false, true);
   }
 }
 
-void updateWallSystem(SketchViewModel& sketch, const WallSystemSpec& spec) {
-  const WallSystemSpec* old = sketch.wallSystemSpec(spec.id);
+void updateWallSystem(Workspace& workspace, const WallSystemSpec& spec) {
+  const WallSystemSpec* old = workspace.sketch.drawing->wallSystem(spec.id);
   if (old == nullptr || *old == spec) return;
-  sketch.updateWallSystemSpec(spec);
+  updateWallSystemSpec(workspace.sketch, spec);
 }
 
 std::string wallSystemFieldText(const WallSystemSpec& spec, WallSystemField field) {
@@ -80,9 +84,9 @@ std::string wallSystemFieldText(const WallSystemSpec& spec, WallSystemField fiel
   return {};
 }
 
-bool commitWallSystemField(SketchViewModel& sketch, const UUID& specID, WallSystemField field,
+bool commitWallSystemField(Workspace& workspace, const UUID& specID, WallSystemField field,
                            std::string_view text) {
-  const WallSystemSpec* old = sketch.wallSystemSpec(specID);
+  const WallSystemSpec* old = workspace.sketch.drawing->wallSystem(specID);
   if (old == nullptr) return false;
   WallSystemSpec edited = *old;
   if (field == WallSystemField::assemblyNotes) {
@@ -94,7 +98,7 @@ bool commitWallSystemField(SketchViewModel& sketch, const UUID& specID, WallSyst
     if (!number || !(*number > 0)) return false;
     (field == WallSystemField::thickness ? edited.thickness : edited.height) = *number;
   }
-  updateWallSystem(sketch, edited);
+  updateWallSystem(workspace, edited);
   return true;
 }
 

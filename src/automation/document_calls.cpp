@@ -17,26 +17,28 @@ void addDocumentCalls(CallTable& table) {
 
   // --- Store
   table["saveDocumentFile"] = call([](AutomationSession& session, const FilePath& url) {
-    session.sketch().saveDocumentFile(url);
+    session.workspace().document.save(url);
     session.application.settings().rememberDocumentBookmark(url);
   });
   table["openDocumentFile"] = call([](AutomationSession& session, const FilePath& url) {
-    session.sketch().openDocumentFile(url);
+    session.workspace().document.open(url);
     session.application.settings().rememberDocumentBookmark(url);
   });
   table["setSaveDialogActive"] = call(&DocumentSession::setSaveDialogActive);
   table["saveCurrentDocument"] = call([](AutomationSession& session, std::optional<bool> announce) {
-    saveCurrentDocument(session.sketch(), session.application.settings(), announce.value_or(true));
+    saveCurrentDocument(session.workspace().document, session.application.settings(),
+                        announce.value_or(true));
   });
   table["saveDocumentAs"] = call([](AutomationSession& session, std::optional<bool> announce) {
-    saveDocumentAs(session.sketch(), session.application.settings(), announce.value_or(true));
+    saveDocumentAs(session.workspace().document, session.application.settings(), announce.value_or(true));
   });
   table["saveToURL"] =
       call([](AutomationSession& session, const FilePath& url, std::optional<bool> announce) {
-        return saveToURL(session.sketch(), session.application.settings(), url, announce.value_or(true));
+        return saveToURL(session.workspace().document, session.application.settings(), url,
+                         announce.value_or(true));
       });
   table["openDocument"] = call([](AutomationSession& session, const FilePath& url) {
-    return openDocument(session.sketch(), session.application.settings(), url);
+    return openDocument(session.workspace().document, session.application.settings(), url);
   });
   table["nextUntitledURL"] = call([](AutomationSession& session, const FilePath& folder) {
     return nextUntitledURL(session.application.settings().files(), folder);
@@ -52,14 +54,14 @@ void addDocumentCalls(CallTable& table) {
   table["switchBranch"] = call(&DocumentSession::switchBranch);
   table["documentHistoryText"] = call(&DocumentSession::historyText);
   table["currentBranch"] =
-      call([](AutomationSession& session) { return session.sketch().documentHistoryState->currentBranch(); });
-  table["allCheckpoints"] = call(
-      [](AutomationSession& session) { return session.sketch().documentHistoryState->allCheckpoints(); });
+      call([](AutomationSession& session) { return session.workspace().document.history->currentBranch(); });
+  table["allCheckpoints"] =
+      call([](AutomationSession& session) { return session.workspace().document.history->allCheckpoints(); });
   table["findBranch"] = call([](AutomationSession& session, const std::string& nameOrID) {
-    return session.sketch().documentHistoryState->findBranch(nameOrID);
+    return session.workspace().document.history->findBranch(nameOrID);
   });
   table["findCheckpoint"] = call([](AutomationSession& session, const std::string& id) {
-    return session.sketch().documentHistoryState->findCheckpoint(id);
+    return session.workspace().document.history->findCheckpoint(id);
   });
   table["loadDocumentHistory"] = call([](AutomationSession& session, const FilePath& url) {
     return loadDocumentHistory(session.application.settings().files(), url);
@@ -70,7 +72,8 @@ void addDocumentCalls(CallTable& table) {
   table["createCheckpoint"] = call([](AutomationSession& session, const FilePath& url,
                                       const std::string& message, const std::optional<Date>& date) {
     return createCheckpoint(session.application.settings().files(), url, message,
-                            date.value_or(session.scheduler.now()), session.sketch().makeDocumentV2(false));
+                            date.value_or(session.scheduler.now()),
+                            session.workspace().document.makeDocument(false));
   });
   table["createBranch"] = call([](AutomationSession& session, const FilePath& url, const std::string& name,
                                   const std::string& sourceCheckpointID, const std::optional<Date>& date) {
@@ -81,18 +84,18 @@ void addDocumentCalls(CallTable& table) {
 
   // --- Auto-save
   table["autoSaveTick"] = call([](AutomationSession& session) {
-    return autoSaveTick(session.sketch(), session.application.settings());
+    return autoSaveTick(session.workspace().document, session.application.settings());
   });
   table["restoreAutoSave"] =
       call([](AutomationSession& session) { session.application.restoreAutoSaveFromOffer(); });
   table["revertToLastAutoSave"] = call([](AutomationSession& session) {
-    revertToLastAutoSave(session.sketch(), session.application.settings());
+    revertToLastAutoSave(session.workspace().document, session.application.settings());
   });
   table["restoreCandidate"] =
       call([](AutomationSession& session, const std::optional<AutoSaveRecoveryCandidate>& candidate,
               const std::string& successText, const std::string& missingText) {
-        return restoreCandidate(session.sketch(), session.application.settings(), candidate, successText,
-                                missingText);
+        return restoreCandidate(session.workspace().document, session.application.settings(), candidate,
+                                successText, missingText);
       });
   table["rescheduleAutoSave"] =
       call([](AutomationSession& session) { session.application.rescheduleAutoSave(); });

@@ -78,10 +78,10 @@ void addEditCalls(CallTable& table) {
   table["clearTrimCuttingEdge"] = call(&Board::clearTrimCuttingEdge);
   table["extendLine"] = call(extendLine);
   table["extendChainSegment"] = call([](AutomationSession& session, std::int64_t index, SketchPoint to) {
-    if (index < 0 || index >= static_cast<std::int64_t>(session.sketch().entities->size())) {
+    if (index < 0 || index >= static_cast<std::int64_t>(session.workspace().sketch.entities().size())) {
       throw ArgumentError("Argument 1: no entity stands at this position.");
     }
-    session.sketch().extendChainSegment(static_cast<std::size_t>(index), to);
+    session.workspace().extendChainSegment(static_cast<std::size_t>(index), to);
   });
 
   // --- The length editor
@@ -96,23 +96,23 @@ void addEditCalls(CallTable& table) {
   table["toggleEntityInspector"] = call(toggleEntityInspector);
   table["setEntityInspectorVisible"] = call(&Sketch::setInspected);
   table["applyInspectorLength"] = call([](AutomationSession& session, const std::string& text) {
-    return applyInspectorLength(session.sketch(), text);
+    return applyInspectorLength(session.workspace(), text);
   });
   table["applyInspectorNudge"] =
       call([](AutomationSession& session, const std::string& x, const std::string& y) {
-        return applyInspectorNudge(session.sketch(), x, y);
+        return applyInspectorNudge(session.workspace(), x, y);
       });
   table["applyInspectorConvert"] =
-      call([](AutomationSession& session) { applyInspectorConvert(session.sketch()); });
+      call([](AutomationSession& session) { applyInspectorConvert(session.workspace()); });
   table["applyInspectorWallSystem"] = call(
-      [](AutomationSession& session, const UUID& id) { applyInspectorWallSystem(session.sketch(), id); });
+      [](AutomationSession& session, const UUID& id) { applyInspectorWallSystem(session.workspace(), id); });
   table["inspectorSelectionHeading"] =
-      call([](AutomationSession& session) { return inspectorSelectionHeading(session.sketch()); });
+      call([](AutomationSession& session) { return inspectorSelectionHeading(session.workspace()); });
   table["inspectorLengthText"] = call(inspectorLengthText);
   table["inspectorMetricRows"] = call([](AutomationSession& session, const SketchEntity& entity) -> Json {
     const auto* wall = std::get_if<WallEntity>(&entity);
     const WallSystemSpec* spec =
-        wall != nullptr ? session.sketch().wallSystemSpec(wall->systemSpecID) : nullptr;
+        wall != nullptr ? session.workspace().sketch.drawing->wallSystem(wall->systemSpecID) : nullptr;
     Json rows = Json::array();
     for (const auto& row :
          inspectorMetricRows(entity, spec != nullptr ? std::optional(spec->thickness) : std::nullopt)) {
@@ -123,21 +123,21 @@ void addEditCalls(CallTable& table) {
 
   // --- The wall system panel
   table["selectedWallEntity"] = call([](AutomationSession& session) -> Json {
-    const WallEntity* wall = selectedWallEntity(session.sketch());
+    const WallEntity* wall = selectedWallEntity(session.workspace());
     if (wall == nullptr) return nullptr;
     return ostrelon::toJson(SketchEntity(*wall));
   });
   table["activeWallSystem"] = call([](const Sketch& sketch) { return sketch.drawing->activeWallSystem(); });
-  table["panelSystem"] = call([](AutomationSession& session) { return panelSystem(session.sketch()); });
+  table["panelSystem"] = call([](AutomationSession& session) { return panelSystem(session.workspace()); });
   table["panelContextTitle"] =
-      call([](AutomationSession& session) { return panelContextTitle(session.sketch()); });
+      call([](AutomationSession& session) { return panelContextTitle(session.workspace()); });
   table["updateWallSystem"] = call([](AutomationSession& session, const WallSystemSpec& spec) {
-    updateWallSystem(session.sketch(), spec);
+    updateWallSystem(session.workspace(), spec);
   });
   table["selectWallSystemRow"] =
-      call([](AutomationSession& session, const UUID& id) { selectWallSystemRow(session.sketch(), id); });
+      call([](AutomationSession& session, const UUID& id) { selectWallSystemRow(session.workspace(), id); });
   table["assignPanelSystemToSelection"] =
-      call([](AutomationSession& session) { assignPanelSystemToSelection(session.sketch()); });
+      call([](AutomationSession& session) { assignPanelSystemToSelection(session.workspace()); });
 }
 
 }  // namespace ostrelon

@@ -73,7 +73,7 @@ void addInteractionCalls(CallTable& table) {
   table["snapDraftEnd"] = call(&Board::snapDraftEnd);
   table["publishSnap"] = call([](AutomationSession& session, const SketchSnapResult& result,
                                  const std::optional<SketchPoint>& guideAnchor) {
-    session.sketch().publishSnap(result, guideAnchor);
+    session.workspace().board.publishSnap(result, guideAnchor);
   });
 
   // --- Tracking

@@ -13,9 +13,9 @@
 #include <variant>
 #include <vector>
 
+#include "app/workspace.h"
 #include "automation/case_names.h"
 #include "automation/json_text.h"
-#include "core/sketch_view_model.h"
 #include "documents/app_settings.h"
 #include "documents/sketch_document.h"
 #include "geometry/entity_edits.h"

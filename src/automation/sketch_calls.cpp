@@ -16,7 +16,7 @@ void addSketchCalls(CallTable& table) {
   table["entityLabelText"] = call(&Sketch::labelOf);
   table["entityNumber"] =
       call([](AutomationSession& session, const UUID& id, const std::optional<EntityList>& entities) {
-        return entityNumber(id, entities ? *entities : session.sketch().entities.get());
+        return entityNumber(id, entities ? *entities : session.workspace().sketch.entities());
       });
   table["polygonPerimeter"] = call(polygonPerimeter);
   table["polygonArea"] = call(polygonArea);
@@ -57,8 +57,9 @@ void addSketchCalls(CallTable& table) {
       call([](const Sketch& sketch) { return sketch.drawing->activeWallSystem(); });
   table["wallSystemSpec"] = call([](AutomationSession& session, const std::string& idOrName) {
     const auto id = UUID::parse(idOrName);
-    const WallSystemSpec* byID = id ? session.sketch().wallSystemSpec(*id) : nullptr;
-    return toJson(byID != nullptr ? byID : session.sketch().wallSystemSpec(std::string_view(idOrName)));
+    const WallSystemSpec* byID = id ? session.workspace().sketch.drawing->wallSystem(*id) : nullptr;
+    return toJson(
+        byID != nullptr ? byID : session.workspace().sketch.drawing->wallSystem(std::string_view(idOrName)));
   });
   table["wallSystemName"] = call([](const Sketch& sketch, const SketchEntity& entity) {
     return sketch.drawing->wallSystemName(entity);

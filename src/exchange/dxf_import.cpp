@@ -4,8 +4,9 @@
 
 #include <cmath>
 
+#include "core/adding.h"
 #include "core/entity_bounds.h"
-#include "core/sketch_view_model.h"
+#include "interaction/board.h"
 
 namespace ostrelon {
 namespace {
@@ -69,7 +70,7 @@ std::string dxfImportSentence(const DxfDrawing& drawing, const std::string& file
   return sentence + ".";
 }
 
-void importDxf(SketchViewModel& sketch, DxfDrawing drawing, const std::string& fileName, bool convertToFeet) {
+void importDxf(Board& board, DxfDrawing drawing, const std::string& fileName, bool convertToFeet) {
   if (drawing.entities.empty()) {
     throw DxfError(drawing.leftOutCount() == 0
                        ? "There is nothing in the file."
@@ -79,10 +80,10 @@ void importDxf(SketchViewModel& sketch, DxfDrawing drawing, const std::string& f
   const double factor = convertToFeet && drawing.unit ? drawing.unit->feet : 1;
   std::vector<SketchEntity> entities =
       factor == 1 ? std::move(drawing.entities) : scaledEntities(std::move(drawing.entities), factor);
-  const bool wasEmpty = sketch.entities->empty();
-  sketch.addEntities(std::move(entities));
-  sketch.appendConsoleLine(std::move(sentence), false, true);
-  if (wasEmpty) sketch.zoomToFit(sketch.canvasSize);
+  const bool wasEmpty = board.sketch().entities().empty();
+  addEntities(board.sketch(), std::move(entities));
+  board.messages().append(std::move(sentence), false, true);
+  if (wasEmpty) board.zoomToFit(board.view->canvasSize);
 }
 
 }  // namespace ostrelon

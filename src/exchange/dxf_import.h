@@ -8,7 +8,7 @@
 
 namespace ostrelon {
 
-class SketchViewModel;
+class Board;
 
 /// The entities with every length multiplied by `factor`, above 0. Throws `DxfError` where a
 /// coordinate would no longer be finite.
@@ -22,7 +22,6 @@ std::string dxfImportSentence(const DxfDrawing& drawing, const std::string& file
 /// converted where the file names one, and writes `dxfImportSentence` to the console. A drawing that
 /// was empty before is then shown whole. Throws `DxfError`, and has changed nothing then; a file
 /// with nothing to draw in it is an error too.
-void importDxf(SketchViewModel& sketch, DxfDrawing drawing, const std::string& fileName,
-               bool convertToFeet = false);
+void importDxf(Board& board, DxfDrawing drawing, const std::string& fileName, bool convertToFeet = false);
 
 }  // namespace ostrelon
