@@ -96,6 +96,9 @@ TEST(Chains, ARunThatFailsGoesBackWhole) {
   t.board.beginLengthEdit("7'");
   const WorkspaceState before(t);
   const BoardState board = t.board.state();
+  int notices = 0;
+  const auto subscription = t.workspace.observe(fieldsOf(t.sketch.drawing, t.board.gesture, t.board.tool),
+                                                [&](FieldMask) { ++notices; });
   // The merge makes one wall of two, so the number that was right in checking is not there at the run.
   EXPECT_EQ(t.reply("select; spec use CMU-8; wall 0 0 5 0; wall 5 0 9 0; select 3; assign CMU-8"),
             "Chain error at segment 6: Could not assign system to selection.");
@@ -104,6 +107,7 @@ TEST(Chains, ARunThatFailsGoesBackWhole) {
   EXPECT_EQ(t.board.lengthEditor, board.lengthEditor);
   EXPECT_EQ(t.board.tracking, board.tracking);
   EXPECT_TRUE(t.board.isDwelling());
+  EXPECT_EQ(notices, 1);
 }
 
 }  // namespace
