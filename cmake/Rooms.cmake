@@ -4,11 +4,6 @@
 function(ostrelon_room name)
   cmake_parse_arguments(ROOM "" "" "SEES;LIBRARIES" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/*.cpp)
-  if(NOT sources)
-    # A room that is not furnished yet.
-    file(WRITE ${CMAKE_BINARY_DIR}/empty_room.cpp "")
-    set(sources ${CMAKE_BINARY_DIR}/empty_room.cpp)
-  endif()
   add_library(ostrelon_${name} OBJECT ${sources})
   target_include_directories(ostrelon_${name} PUBLIC ${CMAKE_SOURCE_DIR}/src ${CMAKE_BINARY_DIR}/generated)
   set_property(TARGET ostrelon_${name} PROPERTY OSTRELON_LIBRARIES ${ROOM_LIBRARIES})

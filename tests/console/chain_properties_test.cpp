@@ -69,63 +69,6 @@ struct Surroundings {
   friend bool operator==(const Surroundings&, const Surroundings&) = default;
 };
 
-TEST(Chains, RandomOnesAreAllOrNothingAndOneStep) {
-  const auto seed = std::random_device{}();
-  SCOPED_TRACE(seed);
-  RandomDrawing drawing(seed);
-  int done = 0;
-  int failedAtTheRun = 0;
-  int notices = 0;
-  TestSketch t;
-  const auto subscription = t.sketch.observe(kAllFields, [&](const SketchChange&) { ++notices; });
-  for (int round = 0; round < 3000; ++round) {
-    if (round % 20 == 0) {
-      t.sketch.clearSketch();
-      t.sketch.clearUndoHistory();
-    }
-    if (drawing.below(8) == 0) t.sketch.addPolygonVertex({1, 1});
-    if (drawing.below(8) == 0) t.sketch.setEntityInspectorVisible(true);
-    std::string chain = piece(drawing);
-    for (int i = 1 + drawing.below(6); i > 0; --i) chain += "; " + piece(drawing);
-    if (drawing.below(8) == 0) {
-      // Reads well, but the merge of the two walls leaves the number that is selected to nobody.
-      chain = std::string(drawing.below(2) == 0 ? "select; " : "circle 0 0 1; select 1; ") +
-              "wall 0 9 1 9; wall 1 9 2 9; select ";
-      const std::size_t made = chain.starts_with("circle") ? 3 : 2;
-      chain += std::to_string(t.sketch.entities->size() + made) + "; assign CMU-8";
-    }
-    const bool isReadable = std::holds_alternative<std::vector<CommandInterpreter::ChainCommand>>(
-        CommandInterpreter::parseChain(chain, t.sketch));
-    const DocumentState before(t.sketch);
-    const Surroundings around(t.sketch);
-    notices = 0;
-    const std::string reply = CommandInterpreter::runChain(chain, t.sketch);
-    EXPECT_LE(notices, 1) << "observers hear of a chain once";
-    EXPECT_EQ(t.sketch.undoCheckpointSuppressionDepth(), 0);
-    if (reply.starts_with("Chain error at segment ")) {
-      if (isReadable) ++failedAtTheRun;
-      EXPECT_EQ(DocumentState(t.sketch), before) << chain;
-      EXPECT_EQ(Surroundings(t.sketch), around) << chain;
-      continue;
-    }
-    ++done;
-    EXPECT_TRUE(isReadable) << reply;
-    const EntityList after = t.sketch.entities;
-    const bool hasChanged = after != before.entities;
-    EXPECT_EQ(t.sketch.undoStack().undoSnapshots().size(), before.undoSteps + (hasChanged ? 1 : 0)) << chain;
-    for (std::size_t i = 0; i < before.entities.size(); ++i) {
-      EXPECT_EQ(entityID(after[i]), entityID(before.entities[i])) << "what stood there stands there still";
-    }
-    if (!hasChanged) continue;
-    t.sketch.undo();
-    EXPECT_EQ(*t.sketch.entities, before.entities) << chain;
-    t.sketch.redo();
-    EXPECT_EQ(*t.sketch.entities, after) << chain;
-  }
-  EXPECT_GT(done, 300);
-  EXPECT_GT(failedAtTheRun, 100);
-}
-
 TEST(Chains, ABendOfEightDegreesMergesAndIsMeasuredAgainstTheMergedSegment) {
   TestSketch t;
   // tan 8° = 0.14054…

@@ -14,7 +14,6 @@
 #include <limits>
 
 #include "documents/document_paths.h"
-#include "documents/random_document.h"
 #include "documents/sketch_document_io.h"
 #include "support/disk_sketch.h"
 
@@ -284,30 +283,6 @@ TEST_F(DocumentStoreTest, TellsOfAFolderOrFileThatMayNotBeWritten) {
   EXPECT_EQ(asAnother(plan), 7) << "a folder that may not be written";
   EXPECT_EQ(asAnother(home / "new.ostrel"), 7);
   EXPECT_EQ(readBytes(plan), before);
-}
-
-TEST_F(DocumentStoreTest, IsWholeOldOrNewWhenKilledAtAnyMoment) {
-  const auto write = [&](int generation) {
-    sketch.addRectangle({0, 0}, {1.0 + generation, 2});
-    sketch.saveDocumentFile(plan);
-  };
-  for (int count = 0; count < 400; ++count) sketch.addCircle({count + 0.5, 2.5}, count);
-  write(0);
-  for (int round = 0; round < 12; ++round) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-      for (int generation = 1;; ++generation) write(generation);
-    }
-    ::usleep(static_cast<useconds_t>(3000 + 3700 * round));
-    ::kill(child, SIGKILL);
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    DiskSketch reader;
-    ASSERT_NO_THROW(reader.sketch.openDocumentFile(plan));
-    ASSERT_GE(reader.sketch.entities->size(), 401U);
-    ASSERT_EQ(reader.sketch.entities->size() - 400,
-              std::get<RectangleEntity>(reader.sketch.entities->back()).size.width);
-  }
 }
 
 // --- The commands

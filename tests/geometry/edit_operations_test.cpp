@@ -4,7 +4,6 @@
 
 #include "geometry/entity_edits.h"
 #include "geometry/entity_geometry.h"
-#include "geometry/trim.h"
 #include "support/random_drawing.h"
 #include "support/test_sketch.h"
 
@@ -134,7 +133,7 @@ TEST(Edits, DeletingTheSelectedClosesTheInspector) {
 }
 
 TEST(Edits, TheLengthThatASegmentHasIsNoChange) {
-  const auto seed = std::random_device{}();
+  const auto seed = testing::seed();
   SCOPED_TRACE(seed);
   testing::RandomDrawing drawing(seed);
   for (int i = 0; i < 200; ++i) {
@@ -178,103 +177,6 @@ TEST(LengthEditor, SetsTheSelectedSegment) {
   t.sketch.beginSegmentLengthEdit("3");
   EXPECT_FALSE(t.sketch.commitSegmentLengthEdit());
   EXPECT_EQ(*t.sketch.segmentLengthEditError, "Length edit is only available for line and wall segments.");
-}
-
-// Runs one random edit; tells whether it says that it changed something.
-bool randomEdit(SketchViewModel& sketch, testing::RandomDrawing& drawing) {
-  const auto any = [&]() -> UUID {
-    if (sketch.entities->empty()) return UUID::random();
-    return entityID(sketch.entities.get()[drawing.random() % sketch.entities->size()]);
-  };
-  switch (drawing.below(11)) {
-    case 0:
-      return sketch.setSelectedEntityLength(drawing.coordinate()) == EntityEditResult::applied;
-    case 1:
-      return sketch.nudgeSelectedEntity(drawing.coordinate(), 0) == EntityEditResult::applied;
-    case 2:
-      return sketch.convertSelectedEntity(drawing.below(2) == 0
-                                              ? EntityConversionTarget::line
-                                              : EntityConversionTarget::wall) == EntityEditResult::applied;
-    case 3:
-      return sketch.assignWallSystem(
-          sketch.wallSystemSpecs->at(static_cast<std::size_t>(drawing.below(3))).id, any());
-    case 4:
-      return sketch.alignSelection(drawing.below(2) == 0 ? AlignmentAxis::horizontal
-                                                         : AlignmentAxis::vertical) > 0;
-    case 5: {
-      const bool hasSelection = !sketch.selectedEntityIDs->empty();
-      sketch.duplicateSelection(1, 2);
-      return hasSelection;
-    }
-    case 6:
-      sketch.copySelection();
-      return sketch.pasteClipboard() > 0;
-    case 7:
-      return sketch.applyTrim(drawing.below(14) - 1, drawing.below(14) - 1, drawing.point()).code ==
-             TrimResult::Code::success;
-    case 8:
-      return sketch.extendLine(any(), any());
-    case 9:
-      if (drawing.below(4) != 0) return false;
-      sketch.deleteEntity(any());
-      return true;
-    default: {
-      const bool hasSelection = !sketch.selectedEntityIDs->empty();
-      if (drawing.below(4) != 0) return false;
-      sketch.deleteSelection();
-      return hasSelection;
-    }
-  }
-}
-
-// The identifiers of the list that are also in the other, in order.
-std::vector<UUID> survivors(const EntityList& list, const EntityList& other) {
-  std::vector<UUID> ids;
-  for (const SketchEntity& entity : list) {
-    if (other.find(entityID(entity)) != nullptr) ids.push_back(entityID(entity));
-  }
-  return ids;
-}
-
-TEST(Edits, UndoGivesBackTheListAndRefusalsChangeNothing) {
-  const auto seed = std::random_device{}();
-  SCOPED_TRACE(seed);
-  testing::RandomDrawing drawing(seed);
-  int applied = 0;
-  for (int round = 0; round < 60; ++round) {
-    TestSketch t;
-    for (int i = 0; i < 12; ++i) {
-      const SketchEntity entity = drawing.entity(t.sketch);
-      std::visit(Overloaded{
-                     [&](const LineEntity& line) { t.sketch.addLine(line.from, line.to); },
-                     [&](const WallEntity& wall) { t.sketch.addWall(wall.systemSpecID, wall.from, wall.to); },
-                     [&](const CircleEntity& circle) { t.sketch.addCircle(circle.center, circle.radius); },
-                     [&](const ArcEntity& arc) { t.sketch.addCircle(arc.center, arc.radius); },
-                     [&](const RectangleEntity& box) { t.sketch.addRectangle(box.origin, box.size); },
-                     [&](const PolygonEntity& polygon) { t.sketch.addPolygon(polygon.vertices.list()); },
-                 },
-                 entity);
-    }
-    for (int i = 0; i < 40; ++i) {
-      t.sketch.selectEntities({drawing.below(12), drawing.below(12) - 6, drawing.below(40) - 30});
-      const DocumentState before(t.sketch);
-      if (!randomEdit(t.sketch, drawing)) {
-        EXPECT_EQ(DocumentState(t.sketch), before);
-        continue;
-      }
-      ++applied;
-      const EntityList after = t.sketch.entities;
-      EXPECT_EQ(survivors(before.entities, after), survivors(after, before.entities))
-          << "what stays keeps its identifier and its order";
-      EXPECT_EQ(t.sketch.undoStack().undoSnapshots().size(), before.undoSteps + 1);
-      for (const UUID& id : *t.sketch.selectedEntityIDs) EXPECT_NE(t.sketch.entity(id), nullptr);
-      t.sketch.undo();
-      EXPECT_EQ(*t.sketch.entities, before.entities);
-      t.sketch.redo();
-      EXPECT_EQ(*t.sketch.entities, after);
-    }
-  }
-  EXPECT_GT(applied, 200);
 }
 
 }  // namespace

@@ -122,7 +122,7 @@ TEST(Trim, ARectangleIsCutAsAPolygon) {
 }
 
 TEST(Trim, AnUprightCutLeavesAnExactRectangleWhereverItGoes) {
-  const auto seed = std::random_device{}();
+  const auto seed = testing::seed();
   SCOPED_TRACE(seed);
   testing::RandomDrawing drawing(seed);
   for (int i = 0; i < 500; ++i) {
@@ -214,10 +214,10 @@ TEST(TrimTool, WhatTakesThePlaceOfATargetIsSelected) {
 }
 
 TEST(TrimTool, RandomCutsOfRectanglesKeepCornersOnTheFarSideOnly) {
-  const auto seed = std::random_device{}();
+  const auto seed = testing::seed();
   SCOPED_TRACE(seed);
   testing::RandomDrawing drawing(seed);
-  for (int i = 0; i < 2000; ++i) {
+  for (int i = 0; i < testing::rounds(2000); ++i) {
     const RectangleEntity target{id(), drawing.point(), {drawing.number(1, 9), drawing.number(1, 9)}};
     const LineEntity cutter{id(), drawing.point(), drawing.point()};
     const SketchPoint point = drawing.point();
@@ -254,7 +254,7 @@ TEST(TrimTool, RandomCutsOfRectanglesKeepCornersOnTheFarSideOnly) {
 }
 
 TEST(Trim, APointAtAnEndOfTheCutterLiesToItsLeft) {
-  const auto seed = std::random_device{}();
+  const auto seed = testing::seed();
   SCOPED_TRACE(seed);
   testing::RandomDrawing drawing(seed);
   const std::vector<SketchPoint> square = rectangleCorners({-30, -30}, {60, 60});
@@ -269,14 +269,13 @@ TEST(Trim, APointAtAnEndOfTheCutterLiesToItsLeft) {
 }
 
 TEST(TrimTool, RandomTrimsNeverMoveTheSideTheyKeep) {
-  const auto seed = std::random_device{}();
+  const auto seed = testing::seed();
   SCOPED_TRACE(seed);
   testing::RandomDrawing drawing(seed);
-  testing::TestSketch t;
   int cuts = 0;
-  for (int i = 0; i < 3000; ++i) {
-    const SketchEntity target = drawing.entity(t.sketch);
-    const SketchEntity cutter = drawing.entity(t.sketch);
+  for (int i = 0; i < testing::rounds(3000); ++i) {
+    const SketchEntity target = drawing.entity();
+    const SketchEntity cutter = drawing.entity();
     if (!isTrimmable(target) || !isTrimmable(cutter)) continue;
     const TrimGeometry geometry = trimEntity(target, cutter, drawing.point());
     const auto* outcome = std::get_if<TrimOutcome>(&geometry);

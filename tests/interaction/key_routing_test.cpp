@@ -179,15 +179,5 @@ TEST(Keys, ReturnAndCCloseThePolygon) {
   EXPECT_EQ(board.entities().size(), 1U);
 }
 
-TEST(KeyTable, TellsEveryRowInWords) {
-  for (const KeyBinding& binding : keyBindings()) {
-    EXPECT_FALSE(binding.keys.empty());
-    EXPECT_FALSE(binding.title.empty());
-  }
-  // The tests come in the order in which they are made.
-  EXPECT_TRUE(std::is_sorted(keyBindings().begin(), keyBindings().end(),
-                             [](const KeyBinding& a, const KeyBinding& b) { return a.test < b.test; }));
-}
-
 }  // namespace
 }  // namespace ostrelon

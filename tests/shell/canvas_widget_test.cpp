@@ -14,6 +14,7 @@
 #include "shell/golden_picture.h"
 #include "shell/pixel_canvas_painter.h"
 #include "support/test_sketch.h"
+#include "support/random_drawing.h"
 
 namespace ostrelon {
 namespace {
@@ -291,7 +292,7 @@ TEST_F(CanvasWidgetTest, ShowsWhatIsDraggedWhereItIs) {
 
 // So many that a thread of its own paints them.
 TEST_F(CanvasWidgetTest, ItsKeptPicturesFollowALargeDrawing) {
-  const unsigned seed = std::random_device{}();
+  const unsigned seed = testing::seed();
   SCOPED_TRACE(::testing::Message() << "seed " << seed);
   std::mt19937 random(seed);
   const auto below = [&random](int limit) {
