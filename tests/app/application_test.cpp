@@ -52,44 +52,6 @@ TEST(ApplicationLife, aTestRunResetsTheFolderAndShowsNoSheets) {
   EXPECT_EQ(testing.settings().projectsFolderURL.get(), testing.settings().defaultProjectsFolder());
 }
 
-struct Recovery : ::testing::Test, TestApplication {
-  void SetUp() override {
-    application.settings().useDefaultProjectsFolder();
-    application.mainViewAppeared();
-    submit("line 0 0 10 0");
-    scheduler.advance(Seconds(301));
-    ASSERT_FALSE(*sketch.isDocumentDirty);
-    // From here the process is as good as killed: it never ends cleanly.
-  }
-};
-
-TEST_F(Recovery, theNextStartOffersAndRestoresTheAutosave) {
-  Application next(services(), options());
-  next.mainViewAppeared();
-  ASSERT_TRUE(*next.showAutoSaveRecoveryOffer);
-  next.restoreAutoSaveFromOffer();
-  EXPECT_EQ(next.sketch().entities->size(), 1U);
-  EXPECT_EQ(next.sketch().consoleLines->back().text, "Restored last autosave.");
-  EXPECT_FALSE(*next.showAutoSaveRecoveryOffer);
-  EXPECT_FALSE(next.settings().autoSaveRecoveryCandidate->has_value());
-}
-
-TEST_F(Recovery, skippingKeepsTheNewSession) {
-  Application next(services(), options());
-  next.mainViewAppeared();
-  next.skipAutoSaveRecovery();
-  EXPECT_TRUE(next.sketch().entities->empty());
-  EXPECT_FALSE(*next.showAutoSaveRecoveryOffer);
-  EXPECT_TRUE(next.settings().lastAutoSave->has_value()) << "the menu can still go back to it";
-}
-
-TEST_F(Recovery, afterACleanEndNothingIsOffered) {
-  application.willTerminate();
-  Application next(services(), options());
-  next.mainViewAppeared();
-  EXPECT_FALSE(*next.showAutoSaveRecoveryOffer);
-}
-
 TEST(ApplicationLife, anEmptySelectionTakesTheInspectorWithIt) {
   TestApplication test;
   test.submit("wall 0 0 10 0");

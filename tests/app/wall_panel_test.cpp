@@ -18,43 +18,6 @@ struct WallPanelTest : ::testing::Test {
   }
 };
 
-TEST_F(WallPanelTest, aRowChangesTheSelectedWallAndElseTheActiveSystem) {
-  addWall(0);
-  const UUID active = sketch.activeWallSystemSpecID;
-  const std::size_t lines = sketch.consoleLines->size();
-  selectWallSystemRow(sketch, spec(2).id);
-  EXPECT_EQ(std::get<WallEntity>(sketch.entities->back()).systemSpecID, spec(2).id);
-  EXPECT_EQ(sketch.activeWallSystemSpecID.get(), active);
-  EXPECT_EQ(sketch.consoleLines->size(), lines) << "a row assigns without a word";
-
-  sketch.clearSelection();
-  selectWallSystemRow(sketch, spec(1).id);
-  EXPECT_EQ(sketch.activeWallSystemSpecID.get(), spec(1).id);
-  EXPECT_EQ(std::get<WallEntity>(sketch.entities->back()).systemSpecID, spec(2).id);
-  EXPECT_EQ(sketch.consoleLines->back().text, "Active wall system: W2-EXT");
-}
-
-TEST_F(WallPanelTest, theTitleTellsWhoseSystemIsShown) {
-  EXPECT_EQ(panelContextTitle(sketch), "ACTIVE SYSTEM · W2-INT");
-  addWall(1);
-  EXPECT_EQ(panelContextTitle(sketch), "SELECTED WALL · W2-EXT");
-  EXPECT_EQ(panelSystem(sketch)->id, spec(1).id);
-  sketch.addWall(UUID::random(), {0, 0}, {5, 0});
-  EXPECT_EQ(panelContextTitle(sketch), "ACTIVE SYSTEM · W2-INT") << "the wall's system is gone";
-  const auto rows = wallSystemRows(sketch);
-  EXPECT_TRUE(rows[0].isActive && rows[0].isShown);
-  EXPECT_FALSE(rows[1].isAssignedToSelection);
-}
-
-TEST_F(WallPanelTest, theAssignButtonSaysWhatItDid) {
-  assignPanelSystemToSelection(sketch);
-  EXPECT_FALSE(sketch.isDocumentDirty) << "without a selected wall it does nothing";
-  addWall(1);
-  assignPanelSystemToSelection(sketch);
-  EXPECT_EQ(sketch.consoleLines->back().text, "Wall assigned to W2-EXT.");
-  EXPECT_TRUE(sketch.consoleLines->back().isSystem);
-}
-
 TEST_F(WallPanelTest, aNumberThatIsNoneOrNotPositiveIsDroppedInSilence) {
   const WallSystemSpec before = spec(0);
   const std::size_t lines = sketch.consoleLines->size();

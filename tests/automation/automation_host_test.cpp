@@ -65,53 +65,6 @@ TEST_F(Session, SubmitsLinesAndTellsWhatTheConsoleSaid) {
   EXPECT_EQ(state["trackingAcquireDwellTask"], false);
 }
 
-TEST_F(Session, RefusesWhatDoesNotFitAndGoesOn) {
-  EXPECT_EQ(refusal("nonsense"), "The request is not JSON.");
-  EXPECT_EQ(refusal("[1]"), "The request is not an object.");
-  EXPECT_EQ(refusal("\"\xFF\""), "The request is not JSON.");
-  EXPECT_EQ(refusal(std::string(5000, '[')), "The request is nested too deeply.");
-  EXPECT_EQ(refusal(R"({"op":"call","name":"gridStep","args":[1e999]})"),
-            "The request holds a number that is too large.");
-  EXPECT_EQ(refusal(R"({"op":"fly"})"), "Unknown operation \"fly\".");
-  EXPECT_EQ(refusal(R"({"op":"call","name":"fly"})"), "Unknown operation \"fly\".");
-  EXPECT_EQ(refusal(R"({"op":"submit"})"), "\"text\": expected a text.");
-  EXPECT_EQ(refusal(R"({"op":"call","name":"addCircle","args":[[0,0]]})"), "Argument 2 is missing.");
-  EXPECT_EQ(refusal(R"({"op":"call","name":"addCircle","args":[[0],1]})"),
-            "Argument 1: expected a point [x, y].");
-  EXPECT_EQ(refusal(R"({"op":"call","name":"undo","args":[1]})"),
-            "Too many arguments: 1 where at most 0 are expected.");
-  EXPECT_EQ(refusal(R"({"op":"state","fields":["nothing"]})"), "There is no field \"nothing\".");
-  EXPECT_EQ(refusal(R"({"op":"time.advance","seconds":-1})"),
-            "\"seconds\": expected a number from 0 to 1e8.");
-  EXPECT_EQ(refusal(R"({"op":"menu","title":"Edit/Undo"})"), "The menu command \"Edit/Undo\" is disabled.");
-  EXPECT_EQ(result(R"({"op":"state","fields":["entities"]})")["entities"].size(), 0u);
-}
-
-TEST_F(Session, CallsTakeEntitiesByValueOrIdentifier) {
-  call("addLine", "[[0,0],[3,4]]");
-  const std::string id = result(R"({"op":"state","fields":["entities"]})")["entities"][0]["id"];
-  EXPECT_EQ(call("entityMetrics", "[\"" + id + "\"]")["length"], 5.0);
-  EXPECT_EQ(call("entityDescription", R"([{"case":"circle","center":[0,0],"radius":2}])"),
-            "circle center (0.0, 0.0) · r=2.0");
-  EXPECT_EQ(call("formatFeetInches", "[3.5]"), "3'6\"");
-  EXPECT_EQ(call("parseNumber", R"(["nan"])"), Json()) << "what is not finite is null";
-  EXPECT_EQ(call("selectionHandles", R"([{"case":"line","from":[0,0],"to":[1,1]}])").size(), 2u);
-  EXPECT_EQ(call("setSelectedEntityLength", "[3]"), "noSelection");
-  EXPECT_EQ(call("applyTrim", "[0,5,[0,0]]"), Json::parse(R"({"case":"failure","code":1})"));
-  EXPECT_EQ(call("makeDocumentV2", "[false]")["e"][0][0], "L");
-  EXPECT_EQ(
-      refusal(R"({"op":"call","name":"entityMetrics","args":["0A1B2C3D-4E5F-6071-8293-A4B5C6D7E8F9"]})"),
-      "Argument 1: no entity of the document has this identifier.");
-}
-
-TEST_F(Session, SegmentsAreGivenAsPairsOrAsTheirEnds) {
-  EXPECT_EQ(call("extendSegmentToBoundary", "[[[0,0],[1,0]],[[5,-1],[5,1]]]"), Json::parse("[[0,0],[5,0]]"));
-  EXPECT_EQ(call("extendSegmentToBoundary", "[[0,0],[1,0],[5,-1],[5,1]]"), Json::parse("[[0,0],[5,0]]"));
-  const Json hits = Json::parse("[[[-2,0],0.3],[[2,0],0.7]]");
-  EXPECT_EQ(call("segmentCircleIntersections", "[[[-5,0],[5,0]],[0,0],2]"), hits);
-  EXPECT_EQ(call("segmentCircleIntersections", "[[-5,0],[5,0],[0,0],2]"), hits);
-}
-
 TEST_F(Session, ChainsAreCheckedStepByStep) {
   const auto parsed = [&](const std::string& words, const Json& state) {
     return call("parseChainSegment", "[" + words + "," + state.dump() + "]");
@@ -127,26 +80,6 @@ TEST_F(Session, ChainsAreCheckedStepByStep) {
             "Could not assign system to selection.");
   EXPECT_EQ(call("executeChainCommand", "[" + wall.dump() + "]"), Json());
   EXPECT_EQ(result(R"({"op":"state","fields":["entities"]})")["entities"].size(), 1u);
-}
-
-TEST_F(Session, DrawsWithThePointerOnAVirtualClock) {
-  result(R"({"op":"canvas.resize","width":800,"height":600})");
-  call("activateTool", R"(["line"])");
-  result(R"({"op":"canvas.press","x":400,"y":300})");
-  result(R"({"op":"canvas.drag","x":480,"y":302})");
-  result(R"({"op":"canvas.release","x":480,"y":302})");
-  const Json entities = result(R"({"op":"state","fields":["entities"]})")["entities"];
-  ASSERT_EQ(entities.size(), 1u);
-  EXPECT_EQ(entities[0]["to"], Json::parse("[20,0]"));
-  result(R"({"op":"canvas.hover","x":480,"y":300})");
-  result(R"({"op":"time.advance","seconds":0.95})");
-  EXPECT_EQ(result(R"({"op":"state","fields":["acquiredEntitySnap"]})")["acquiredEntitySnap"], Json());
-  result(R"({"op":"time.advance","seconds":0.05})");
-  EXPECT_EQ(result(R"({"op":"state","fields":["snapFeedback"]})")["snapFeedback"],
-            "Locked · Endpoint · Line 1");
-  EXPECT_EQ(result(R"({"op":"key","key":"z","modifiers":["shift"]})"), "consumed");
-  EXPECT_EQ(result(R"({"op":"key","key":"s","textFocus":true})"), "passed");
-  EXPECT_EQ(result(R"({"op":"menu","title":"Edit/Undo"})"), Json());
 }
 
 TEST_F(Session, SavesAsksAndStartsAgain) {
@@ -170,24 +103,6 @@ TEST_F(Session, CopiesAnIdentifierOfAnyTypeNullIncluded) {
   EXPECT_TRUE(send(R"({"op":"state","fields":[],"id":null})").contains("id"));
   EXPECT_FALSE(send(R"({"op":"state","fields":[]})").contains("id"));
   EXPECT_EQ(send(R"({"op":"fly","id":{"a":[1]}})")["id"], Json::parse(R"({"a":[1]})"));
-}
-
-TEST_F(Session, KeepsCheckpointsOnBranches) {
-  std::filesystem::create_directories(home);
-  const std::string path = "\"" + (home / "plan.ostrel").string() + "\"";
-  result(R"({"op":"submit","text":"line 0 0 10 10"})");
-  call("saveToURL", "[" + path + ",false]");
-  const std::string checkpoint = call("saveCheckpoint", R"(["Walls"])")["id"];
-  EXPECT_EQ(call("createBranch", "[" + path + R"(,"Option A",")" + checkpoint + "\",1767225600]")["id"],
-            "option-a");
-  EXPECT_EQ(call("loadDocumentHistory", "[" + path + "]")["metadata"]["branches"].size(), 2u);
-  EXPECT_EQ(refusal(R"({"op":"call","name":"switchBranch","args":["attic"]})"),
-            "No branch named attic exists.");
-  const Json branch = call("switchBranch", R"(["option a"])");
-  EXPECT_EQ(branch, call("currentBranch"));
-  result(R"({"op":"submit","text":"circle 0 0 5"})");
-  EXPECT_EQ(refusal(R"({"op":"call","name":"switchBranch","args":["main"]})"),
-            "Save or checkpoint current changes before switching branches.");
 }
 
 TEST_F(Session, OffersTheLastAutoSaveAfterAKill) {

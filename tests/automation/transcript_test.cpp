@@ -1,9 +1,11 @@
 // Replays the transcripts of tests/automation/transcripts against the whole program: each line is a request
 // in short, and the lines below it, set in by two spaces, are what it must answer.
 //
-//   new                           a new program in a new home; so begins every file
+//   new                           a new program in a new home, with a canvas of 800 by 600; so begins a file
+//   restart; quit                 the program killed or ended, and started again
 //   > line 0 0 10 10              a console line
 //   ? entities undoStack          fields of the state
+//   =                             the entities, "*" before the selected, and what can be undone
 //   gridStep [4]                  a call, with its arguments as JSON
 //   press 0 0; drag; release 0 0 shift; click; stroke 0 0 20 0; hover    in sketch units, in the fresh view
 //   wait 0.95; key z shift; answer Save; menu Edit/Undo
@@ -50,13 +52,16 @@ class Replay {
   std::string answer(const std::string& line) {
     if (line == "new") {
       home_.emplace();
+      numbers_.clear();
       start();
       return {};
     }
-    if (line == "restart") {
+    if (line == "restart" || line == "quit") {
+      if (line == "quit") host_->terminate();
       start();
       return {};
     }
+    if (line == "=") return drawing();
     std::string shown;
     for (const Json& request : requestsOf(line)) shown += shownReply(request);
     return shown;
@@ -69,6 +74,21 @@ class Replay {
     options.clock = dateFromSeconds(1'767'225'600);
     host_.reset();
     host_ = std::make_unique<AutomationHost>(options);
+    host_->answer(R"({"op":"canvas.resize","width":800,"height":600})");
+  }
+  std::string drawing() {
+    const Json state = Json::parse(host_->answer(R"({"op":"state"})"))["result"];
+    std::string shown;
+    for (Json entity : state["entities"]) {
+      const auto& selected = state["selectedEntityIDs"];
+      const bool isSelected = std::find(selected.begin(), selected.end(), entity["id"]) != selected.end();
+      entity.erase("id");
+      shown += std::string(isSelected ? "  * " : "    ") + rounded(entity).dump() + "\n";
+    }
+    const Json& steps = state["undoStack"];
+    return withNumbers(shown + "  " + state["selectedTool"].get<std::string>() + ", undo " +
+                       steps["undoSnapshots"].dump() + ", redo " + steps["redoSnapshots"].dump() +
+                       (state["isDocumentDirty"] == true ? ", dirty\n" : "\n"));
   }
 
   std::vector<Json> requestsOf(const std::string& shortLine) {
@@ -100,13 +120,13 @@ class Replay {
     if (callTable().contains(word)) {
       return {{{"op", "call"}, {"name", word}, {"args", Json::parse(rest.empty() ? "[]" : rest)}}};
     }
-    return {Json::parse(line)};
+    return {line.starts_with("{") ? Json::parse(line) : Json(line)};
   }
 
   std::string shownReply(const Json& request) {
     const auto state = [&] { return host_->answer(R"({"op":"state"})"); };
     const std::string before = state();
-    const std::string text = host_->answer(request.dump());
+    const std::string text = host_->answer(request.is_string() ? request.get<std::string>() : request.dump());
     EXPECT_EQ(text.find('\n'), std::string::npos);
     const Json reply = Json::parse(text);
     std::string shown;
@@ -145,10 +165,13 @@ class Replay {
     for (std::sregex_iterator found(text.begin(), text.end(), identifier), end; found != end; ++found) {
       shown.append(from, (*found)[0].first);
       from = (*found)[0].second;
-      // Those of the built-in systems and of the transcript itself are the same in every run.
-      const bool isFixed = found->str().starts_with("0000000") || isBuiltIn(found->str());
-      if (isFixed) {
+      // Those of the transcript itself are the same in every run; the built-in systems have names.
+      if (found->str().starts_with("0000000")) {
         shown += found->str();
+        continue;
+      }
+      if (const std::string name = builtInName(found->str()); !name.empty()) {
+        shown += "<" + name + ">";
         continue;
       }
       const auto [entry, isNew] = numbers_.try_emplace(found->str(), numbers_.size() + 1);
@@ -158,13 +181,19 @@ class Replay {
     for (std::size_t at; (at = shown.find(home_->path().string())) != std::string::npos;) {
       shown.replace(at, home_->path().string().size(), "HOME");
     }
-    return shown;
+    // The beginning of an identifier, as the first checkpoint of a branch names its source.
+    return std::regex_replace(shown, std::regex("cp-[0-9a-f]{8}\\b"), "cp-…");
   }
-  static bool isBuiltIn(const std::string& id) {
-    return std::any_of(defaultWallSystems().begin(), defaultWallSystems().end(),
-                       [&](const WallSystemSpec& spec) { return spec.id.text() == id; });
+  static std::string builtInName(const std::string& id) {
+    for (const WallSystemSpec& spec : defaultWallSystems()) {
+      if (spec.id.text() == id) return spec.name;
+    }
+    return {};
   }
   std::string withIdentifiers(std::string line) const {
+    for (const WallSystemSpec& spec : defaultWallSystems()) {
+      line = std::regex_replace(line, std::regex("<" + spec.name + ">"), spec.id.text());
+    }
     for (const auto& [id, number] : numbers_) {
       line = std::regex_replace(line, std::regex("#" + std::to_string(number) + "\\b"), id);
     }

@@ -67,43 +67,6 @@ TEST(SketchViewModel, ObserversMayComeAndGoWhileTheyAreTold) {
   EXPECT_EQ(second, 1);
 }
 
-TEST(SketchViewModel, ToastsGoByTheirStyleUnlessReplaced) {
-  TestSketch t;
-  using Style = DocumentToastState::Style;
-  t.sketch.showDocumentToast("Saving…", Style::saving);
-  t.scheduler.advance(Seconds(1000));
-  EXPECT_TRUE(t.sketch.documentToast->has_value());
-
-  t.sketch.showDocumentToast("Saved", Style::success);
-  t.scheduler.advance(Seconds(2));
-  t.sketch.showDocumentToast("Saved", Style::success);
-  t.scheduler.advance(Seconds(2));
-  EXPECT_TRUE(t.sketch.documentToast->has_value()) << "an equal message starts its time anew";
-  t.scheduler.advance(Seconds(0.5));
-  EXPECT_FALSE(t.sketch.documentToast->has_value());
-
-  t.sketch.showDocumentToast("Failed", Style::error, 1.0);
-  t.sketch.showDocumentToast("Other", Style::error);
-  t.scheduler.advance(Seconds(4.9));
-  EXPECT_EQ((*t.sketch.documentToast)->message, "Other");
-  t.scheduler.advance(Seconds(0.1));
-  EXPECT_FALSE(t.sketch.documentToast->has_value());
-}
-
-TEST(SketchViewModel, FallsBackOnTheFirstSystemWhenTheActiveOneIsGone) {
-  TestSketch t;
-  WallSystemSpec spec = t.sketch.wallSystemSpecs->at(1);
-  t.sketch.setActiveWallSystem(spec);
-  EXPECT_EQ(t.sketch.consoleLines->back().text, "Active wall system: W2-EXT");
-  spec.thickness = 7;
-  t.sketch.updateWallSystemSpec(spec);
-  EXPECT_EQ(t.sketch.activeWallSystemSpec()->thickness, 7);
-  EXPECT_TRUE(t.sketch.isDocumentDirty);
-  spec.id = UUID::random();
-  t.sketch.setActiveWallSystem(spec);
-  EXPECT_EQ(t.sketch.activeWallSystemSpec()->name, "W2-INT");
-}
-
 TEST(Undo, TakesBackAndBringsBackWithoutReselecting) {
   TestSketch t;
   t.sketch.addWall(std::nullopt, {0, 0}, {10, 0});

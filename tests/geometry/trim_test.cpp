@@ -7,7 +7,6 @@
 #include <numbers>
 
 #include "support/random_drawing.h"
-#include "support/test_sketch.h"
 
 namespace ostrelon {
 namespace {
@@ -166,51 +165,6 @@ TEST(Extend, OnlyTheEndTowardsTheBoundaryMoves) {
   EXPECT_EQ(extended({-3, 0}, {-9, 0}), (Segment{{-3, 0}, {10, 0}}));
   EXPECT_EQ(extended({0, 1}, {10, 1}), std::nullopt);
   EXPECT_EQ(extended({20, 0}, {20, 0}), std::nullopt);
-}
-
-TEST(TrimTool, TakesAnEdgeFirstAndThenTrims) {
-  testing::TestSketch t;
-  t.sketch.setViewport(0, 0, 4);
-  t.sketch.addLine({0, 0}, {10, 0});
-  t.sketch.addLine({4, -5}, {4, 5});
-  t.sketch.addPolygon({{50, 50}, {60, 50}, {60, 60}});
-  t.sketch.activateTool(SketchTool::trim);
-  EXPECT_EQ(t.sketch.trimInstruction(), "Click an entity to use as the cutting edge");
-  EXPECT_EQ(t.sketch.handleTrimClick({50, 50}), "Entity type cannot be trimmed.");
-  EXPECT_EQ(t.sketch.handleTrimClick({100, 0}), "Click an entity to use as the cutting edge.");
-  EXPECT_EQ(t.sketch.handleTrimClick({4, 4}), "Line 2 set as cutting edge. Click entities to trim.");
-  EXPECT_EQ(t.sketch.trimInstruction(), "Line 2: click entities to trim");
-  EXPECT_EQ(t.sketch.handleTrimClick({4, 4}), "Cannot trim the cutting edge with itself.");
-  EXPECT_EQ(t.sketch.handleTrimClick({9, 0}), "Entity 1 trimmed at intersection with Entity 2.");
-  EXPECT_EQ(t.sketch.handleTrimClick({1, 0}), "Segment already ends at that intersection.");
-  t.sketch.deleteEntity(entityID(t.sketch.entities.get()[1]));
-  EXPECT_EQ(t.sketch.trimInstruction(), "Click entities to trim");
-  EXPECT_EQ(t.sketch.handleTrimClick({1, 0}), "Cutting edge no longer exists.");
-  EXPECT_TRUE(t.sketch.selectedEntityIDs->empty());
-}
-
-TEST(TrimTool, WhatTakesThePlaceOfATargetIsSelected) {
-  testing::TestSketch t;
-  t.sketch.addLine({0, 5}, {5, 0});
-  t.sketch.addRectangle({0, 0}, {10, 10});
-  t.sketch.addLine({50, 0}, {60, 0});
-  t.sketch.addLine({5, -10}, {5, 10});
-  t.sketch.addCircle({0, 0}, 5);
-  const UUID behind = entityID(t.sketch.entities.get()[2]);
-  EXPECT_EQ(t.sketch.applyTrim(1, 0, {9, 9}).code, TrimResult::Code::success);
-  ASSERT_EQ(t.sketch.entities->size(), 7u) << "the rectangle gave way to three lines";
-  EXPECT_EQ(entityID(t.sketch.entities.get()[4]), behind);
-  EXPECT_EQ(t.sketch.primarySelectedEntityID, std::optional(entityID(t.sketch.entities.get()[1])));
-  EXPECT_EQ(t.sketch.selectedEntityIDs->size(), 1u);
-
-  // The circle touches the line and is trimmed away.
-  t.sketch.selectEntities({5, 6});
-  t.sketch.selectSingleEntity(entityID(t.sketch.entities.get()[6]));
-  t.sketch.setEntityInspectorVisible(true);
-  EXPECT_EQ(t.sketch.applyTrim(6, 5, {-5, 0}).code, TrimResult::Code::success);
-  EXPECT_EQ(t.sketch.entities->size(), 6u);
-  EXPECT_EQ(*t.sketch.primarySelectedEntityID, std::nullopt);
-  EXPECT_FALSE(t.sketch.isEntityInspectorVisible);
 }
 
 TEST(TrimTool, RandomCutsOfRectanglesKeepCornersOnTheFarSideOnly) {
