@@ -14,7 +14,7 @@ std::optional<bool> endedCleanly(const UserDefaults& defaults) {
   return defaults.boolean(SettingsKey::lastSessionEndedCleanly);
 }
 
-TEST(ApplicationLife, aSessionCountsAsUncleanUntilItEnds) {
+TEST(ApplicationLife, ASessionCountsAsUncleanUntilItEnds) {
   TestApplication test;
   EXPECT_EQ(endedCleanly(test.defaults), std::nullopt);
   test.application.mainViewAppeared();
@@ -23,7 +23,7 @@ TEST(ApplicationLife, aSessionCountsAsUncleanUntilItEnds) {
   EXPECT_EQ(endedCleanly(test.defaults), true);
 }
 
-TEST(ApplicationLife, theFirstRunAsksForAProjectsFolder) {
+TEST(ApplicationLife, TheFirstRunAsksForAProjectsFolder) {
   TestApplication test;
   test.application.mainViewAppeared();
   EXPECT_TRUE(*test.application.showProjectsFolderSetup);
@@ -42,7 +42,7 @@ TEST(ApplicationLife, theFirstRunAsksForAProjectsFolder) {
   EXPECT_FALSE(*again.showProjectsFolderSetup);
 }
 
-TEST(ApplicationLife, aTestRunResetsTheFolderAndShowsNoSheets) {
+TEST(ApplicationLife, ATestRunResetsTheFolderAndShowsNoSheets) {
   TestApplication test;
   test.defaults.set(SettingsKey::lastSessionEndedCleanly, false);
   Application testing(test.services(), test.options(true));
@@ -52,7 +52,7 @@ TEST(ApplicationLife, aTestRunResetsTheFolderAndShowsNoSheets) {
   EXPECT_EQ(testing.settings().projectsFolderURL.get(), testing.settings().defaultProjectsFolder());
 }
 
-TEST(ApplicationLife, anEmptySelectionTakesTheInspectorWithIt) {
+TEST(ApplicationLife, AnEmptySelectionTakesTheInspectorWithIt) {
   TestApplication test;
   test.submit("wall 0 0 10 0");
   const UUID id = entityID(test.sketch.entities->front());
@@ -62,7 +62,7 @@ TEST(ApplicationLife, anEmptySelectionTakesTheInspectorWithIt) {
   EXPECT_FALSE(*test.sketch.isEntityInspectorVisible);
 }
 
-TEST(UpdateSummary, showsTheNewestVersionsFirstInTheLinesThereAre) {
+TEST(UpdateSummary, ShowsTheNewestVersionsFirstInTheLinesThereAre) {
   AppUpdateAvailability available;
   AppUpdateRelease older;
   older.version = "1.4.3";

@@ -20,7 +20,7 @@ struct CloseQuestionTest : ::testing::Test, testing::TestApplication {
   }
 };
 
-TEST_F(CloseQuestionTest, asksInTheStatedWords) {
+TEST_F(CloseQuestionTest, AsksInTheStatedWords) {
   submit("line 0 0 10 0");
   EXPECT_EQ(close(), Reply::refused) << "a cancelled question refuses";
   const auto& alert = std::get<Alert>(dialogs.asked().front());
@@ -32,7 +32,7 @@ TEST_F(CloseQuestionTest, asksInTheStatedWords) {
   EXPECT_TRUE(*sketch.isDocumentDirty);
 }
 
-TEST_F(CloseQuestionTest, saveRefusesForNowAndClosesOnceTheDocumentIsClean) {
+TEST_F(CloseQuestionTest, SaveRefusesForNowAndClosesOnceTheDocumentIsClean) {
   submit("line 0 0 10 0");
   dialogs.queue("Save");
   EXPECT_EQ(close(), Reply::refused);

@@ -29,7 +29,7 @@ struct MenuTest : ::testing::Test, testing::TestApplication {
   void useProjectsFolder() { application.settings().useDefaultProjectsFolder(); }
 };
 
-TEST_F(MenuTest, atMostTenRecentDocumentsAreOffered) {
+TEST_F(MenuTest, AtMostTenRecentDocumentsAreOffered) {
   useProjectsFolder();
   for (int i = 0; i < 12; ++i) {
     testing::writeBytes(home / "Documents" / "Ostrelon" / ("Plan " + std::to_string(i) + ".ostrel"), "{}");

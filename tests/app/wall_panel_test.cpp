@@ -18,7 +18,7 @@ struct WallPanelTest : ::testing::Test {
   }
 };
 
-TEST_F(WallPanelTest, aNumberThatIsNoneOrNotPositiveIsDroppedInSilence) {
+TEST_F(WallPanelTest, ANumberThatIsNoneOrNotPositiveIsDroppedInSilence) {
   const WallSystemSpec before = spec(0);
   const std::size_t lines = sketch.consoleLines->size();
   for (const char* text :
@@ -30,7 +30,7 @@ TEST_F(WallPanelTest, aNumberThatIsNoneOrNotPositiveIsDroppedInSilence) {
   EXPECT_EQ(sketch.consoleLines->size(), lines);
 }
 
-TEST_F(WallPanelTest, anEditMarksTheDocumentAndTakesNoUndoStep) {
+TEST_F(WallPanelTest, AnEditMarksTheDocumentAndTakesNoUndoStep) {
   addWall(0);
   const std::size_t steps = sketch.undoStack().undoSnapshots().size();
   EXPECT_TRUE(commitWallSystemField(sketch, spec(0).id, WallSystemField::height, "+1.2e2"));
@@ -43,7 +43,7 @@ TEST_F(WallPanelTest, anEditMarksTheDocumentAndTakesNoUndoStep) {
   EXPECT_EQ(spec(0).height, 120);
 }
 
-TEST_F(WallPanelTest, theSameValueChangesNothing) {
+TEST_F(WallPanelTest, TheSameValueChangesNothing) {
   EXPECT_TRUE(commitWallSystemField(sketch, spec(0).id, WallSystemField::thickness, "4.50"));
   EXPECT_FALSE(sketch.isDocumentDirty);
   EXPECT_FALSE(commitWallSystemField(sketch, UUID::random(), WallSystemField::thickness, "3"));

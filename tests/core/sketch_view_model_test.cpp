@@ -50,6 +50,25 @@ TEST(SketchViewModel, TellsOncePerOperationWithExactlyTheChangedFields) {
   EXPECT_EQ(recorder.changes.size(), 1u) << "an operation that changes nothing tells nobody";
 }
 
+TEST(SketchViewModel, ReportsWhatWasAskedForAndNothingAfterTheEnd) {
+  TestSketch t;
+  std::vector<FieldMask> heard;
+  std::optional<Subscription> subscription =
+      t.sketch.observe(fieldMask(SketchField::showGrid, SketchField::undoStack),
+                       [&](const SketchChange& change) { heard.push_back(change.fields); });
+  t.sketch.selectAll();
+  t.sketch.setCommandInput("line");
+  EXPECT_TRUE(heard.empty());
+  t.sketch.setShowGrid(false);
+  t.sketch.addLine({0, 0}, {1, 1});
+  t.run("circle 0 0 1; rect 0 0 2 2");
+  t.sketch.undo();
+  EXPECT_EQ(heard.size(), 4U) << "a chain is reported once";
+  subscription.reset();
+  t.sketch.setShowGrid(true);
+  EXPECT_EQ(heard.size(), 4U);
+}
+
 TEST(SketchViewModel, ObserversMayComeAndGoWhileTheyAreTold) {
   TestSketch t;
   int first = 0;

@@ -287,25 +287,6 @@ TEST_F(DocumentStoreTest, TellsOfAFolderOrFileThatMayNotBeWritten) {
 
 // --- The commands
 
-TEST_F(DocumentStoreTest, SavesANewDocumentIntoTheProjectsFolderAndAnnouncesIt) {
-  settings.useDefaultProjectsFolder();
-  const FilePath folder = home / "Documents/Ostrelon";
-  writeBytes(folder / "Untitled Project (1).ostrel", "");
-  draw();
-  int done = 0;
-  saveCurrentDocument(sketch, settings, true,
-                      [&](SaveOutcome outcome) { done += outcome == SaveOutcome::saved ? 1 : 10; });
-  EXPECT_EQ(toast(), "Saving…");
-  EXPECT_EQ(done, 0) << "the toast is drawn first";
-  scheduler.advance(Seconds(0));
-  EXPECT_EQ(done, 1);
-  EXPECT_EQ(toast(), "Saved Untitled Project");
-  EXPECT_EQ(lastLine(), "S Saved Untitled Project.");
-  EXPECT_EQ(sketch.documentFileURL.get(), folder / "Untitled Project.ostrel");
-  EXPECT_EQ(nextUntitledURL(files, folder), folder / "Untitled Project (2).ostrel");
-  EXPECT_FALSE(defaults.has(SettingsKey::documentBookmarks));
-}
-
 TEST_F(DocumentStoreTest, AsksWhereWithoutAProjectsFolder) {
   draw();
   std::vector<SaveOutcome> outcomes;
@@ -357,18 +338,6 @@ TEST_F(DocumentStoreTest, AsksBeforeItOverwritesWhatAnotherProgramHasWritten) {
   saveCurrentDocument(sketch, settings, false);
   EXPECT_EQ(lastLine(), "S Saved plan.");
   EXPECT_EQ(dialogs.asked().size(), 2U);
-}
-
-TEST_F(DocumentStoreTest, OpensWithFeedback) {
-  draw();
-  sketch.saveDocumentFile(plan);
-  DiskSketch other;
-  EXPECT_EQ(openDocument(other.sketch, other.settings, plan), std::nullopt);
-  EXPECT_EQ(other.lastLine(), "S Opened plan.");
-  EXPECT_EQ(openDocument(other.sketch, other.settings, home / "no.ostrel"),
-            "Open failed: The file “no.ostrel” does not exist.");
-  EXPECT_EQ(other.lastLine(), "E Open failed: The file “no.ostrel” does not exist.");
-  EXPECT_EQ(other.sketch.documentName.get(), "plan");
 }
 
 TEST_F(DocumentStoreTest, ListsTheLatestDocumentsOfTheProjectsFolder) {

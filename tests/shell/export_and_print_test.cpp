@@ -67,7 +67,7 @@ struct ExportAndPrint : testing::WindowFixture {
   }
 };
 
-TEST_F(ExportAndPrint, aPdfIsAtTrueScale) {
+TEST_F(ExportAndPrint, APdfIsAtTrueScale) {
   if (!isInstalled("pdftoppm")) GTEST_SKIP() << "poppler-utils is not installed";
   const auto path = home / "plan.pdf";
   testing::writeBytes(path, pdf(onPaper("Tabloid", "1/4in=1ft")));
@@ -76,7 +76,7 @@ TEST_F(ExportAndPrint, aPdfIsAtTrueScale) {
   expectTenByFiveInches(page, 144);
 }
 
-TEST_F(ExportAndPrint, aPdfOnSeveralSheetsGoesOnAtTheirEdges) {
+TEST_F(ExportAndPrint, APdfOnSeveralSheetsGoesOnAtTheirEdges) {
   if (!isInstalled("pdftoppm")) GTEST_SKIP() << "poppler-utils is not installed";
   const auto path = home / "plan.pdf";
   ExportOptions options = onPaper("Letter", "1/4in=1ft");
@@ -89,7 +89,7 @@ TEST_F(ExportAndPrint, aPdfOnSeveralSheetsGoesOnAtTheirEdges) {
   EXPECT_NEAR(right.left(), 0.5, 0.03);
 }
 
-TEST_F(ExportAndPrint, anSvgIsAtTrueScaleToo) {
+TEST_F(ExportAndPrint, AnSvgIsAtTrueScaleToo) {
   if (!isInstalled("rsvg-convert")) GTEST_SKIP() << "librsvg2-bin is not installed";
   testing::writeBytes(home / "plan.svg",
                       picture(ExportFormat::svg, onPaper("Tabloid", "1:48")).toStdString());
@@ -101,7 +101,7 @@ TEST_F(ExportAndPrint, anSvgIsAtTrueScaleToo) {
   expectTenByFiveInches(QImage(QString::fromStdString(png)), 144);
 }
 
-TEST_F(ExportAndPrint, aPngHasThePixelsThatWereAskedFor) {
+TEST_F(ExportAndPrint, APngHasThePixelsThatWereAskedFor) {
   ExportOptions options;
   setExportOption(options, "size", "300x200");
   setExportOption(options, "pixel-ratio", "3");
@@ -112,7 +112,7 @@ TEST_F(ExportAndPrint, aPngHasThePixelsThatWereAskedFor) {
   expectTenByFiveInches(sheet, 96);
 }
 
-TEST_F(ExportAndPrint, aPrintIsAtTrueScale) {
+TEST_F(ExportAndPrint, APrintIsAtTrueScale) {
   if (!isInstalled("pdftoppm")) GTEST_SKIP() << "poppler-utils is not installed";
   const auto path = home / "print.pdf";
   QPrinter printer(QPrinter::HighResolution);
@@ -122,7 +122,7 @@ TEST_F(ExportAndPrint, aPrintIsAtTrueScale) {
   expectTenByFiveInches(popplersPage(path, 1), 144);
 }
 
-TEST_F(ExportAndPrint, theSheetAsksAndTheFileIsWritten) {
+TEST_F(ExportAndPrint, TheSheetAsksAndTheFileIsWritten) {
   QWidget window;
   window.resize(900, 700);
   present(window);
@@ -142,7 +142,7 @@ TEST_F(ExportAndPrint, theSheetAsksAndTheFileIsWritten) {
   EXPECT_NE(testing::readBytes(home / "plan.dxf").find("AC1009"), std::string::npos) << lastLine();
 }
 
-TEST_F(ExportAndPrint, theSheetTellsWhatDoesNotFitAndStays) {
+TEST_F(ExportAndPrint, TheSheetTellsWhatDoesNotFitAndStays) {
   QWidget window;
   window.resize(900, 700);
   present(window);
@@ -159,7 +159,7 @@ TEST_F(ExportAndPrint, theSheetTellsWhatDoesNotFitAndStays) {
   EXPECT_TRUE(dialogs.asked().empty());
 }
 
-TEST_F(ExportAndPrint, thePreviewTellsSheetsAndScale) {
+TEST_F(ExportAndPrint, ThePreviewTellsSheetsAndScale) {
   PrintWindow window(application, theme, nullptr);
   window.setAttribute(Qt::WA_DeleteOnClose, false);
   auto* status = find<QLabel>(window, "print.status");
@@ -173,7 +173,7 @@ TEST_F(ExportAndPrint, thePreviewTellsSheetsAndScale) {
   EXPECT_EQ(status->text(), "1 sheet at 1/2\" = 1'-0\"");
 }
 
-TEST_F(ExportAndPrint, theManualGoesWithTheProgram) {
+TEST_F(ExportAndPrint, TheManualGoesWithTheProgram) {
   HelpWindow manual(theme, "Ostrelon Manual", "help.manual", nullptr);
   showManual(manual);
   const QString text = manual.page().toPlainText();

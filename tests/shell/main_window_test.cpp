@@ -38,7 +38,7 @@ struct MainWindowTest : testing::WindowFixture {
   }
 };
 
-TEST_F(MainWindowTest, aFocusedFieldHasTheHalo) {
+TEST_F(MainWindowTest, AFocusedFieldHasTheHalo) {
   window.console().input()->setFocus();
   settle();
   auto* halo = window.findChild<QFocusFrame*>();
@@ -47,7 +47,7 @@ TEST_F(MainWindowTest, aFocusedFieldHasTheHalo) {
   EXPECT_EQ(halo->widget(), window.console().input());
 }
 
-TEST_F(MainWindowTest, aSheetGivesTheFocusBack) {
+TEST_F(MainWindowTest, ASheetGivesTheFocusBack) {
   QtDialogs questions(theme);
   questions.setWindow(&window);
   DialogAnswer answer = "unanswered";
@@ -66,7 +66,7 @@ TEST_F(MainWindowTest, aSheetGivesTheFocusBack) {
   EXPECT_EQ(window.findChildren<DialogSheet*>().size(), 0);
 }
 
-TEST_F(MainWindowTest, tellsItsDocumentInTheTitle) {
+TEST_F(MainWindowTest, TellsItsDocumentInTheTitle) {
   EXPECT_EQ(window.objectName(), "main");
   EXPECT_EQ(window.windowTitle(), "Untitled Project[*]");
   EXPECT_FALSE(window.isWindowModified());
@@ -78,7 +78,7 @@ TEST_F(MainWindowTest, tellsItsDocumentInTheTitle) {
   EXPECT_TRUE(window.windowFilePath().endsWith("Untitled Project.ostrel"));
 }
 
-TEST_F(MainWindowTest, panelsFoldByTheWindowsWidth) {
+TEST_F(MainWindowTest, PanelsFoldByTheWindowsWidth) {
   EXPECT_FALSE(window.wallSystems().isRail());
   EXPECT_EQ(window.canvas().size(), QSize(716, 576));
   resizeTo(1079, 800);
@@ -103,7 +103,7 @@ TEST_F(MainWindowTest, panelsFoldByTheWindowsWidth) {
   EXPECT_EQ(window.canvas().size(), QSize(716, 576));
 }
 
-TEST_F(MainWindowTest, aShortWindowShowsTheConsoleAtItsLeastHeight) {
+TEST_F(MainWindowTest, AShortWindowShowsTheConsoleAtItsLeastHeight) {
   window.console().setPanelHeight(300);
   EXPECT_EQ(window.console().height(), 300);
   resizeTo(1200, 600);
@@ -112,7 +112,7 @@ TEST_F(MainWindowTest, aShortWindowShowsTheConsoleAtItsLeastHeight) {
   EXPECT_EQ(window.console().height(), 300);
 }
 
-TEST_F(MainWindowTest, lettersChooseToolsUntilSomethingIsTyped) {
+TEST_F(MainWindowTest, LettersChooseToolsUntilSomethingIsTyped) {
   window.console().input()->setFocus();
   key(Qt::Key_L);
   EXPECT_EQ(sketch.selectedTool.get(), SketchTool::line);
@@ -134,7 +134,7 @@ TEST_F(MainWindowTest, lettersChooseToolsUntilSomethingIsTyped) {
   EXPECT_EQ(sketch.selectedTool.get(), SketchTool::select);
 }
 
-TEST_F(MainWindowTest, digitsTypedOverTheCanvasGoToTheConsole) {
+TEST_F(MainWindowTest, DigitsTypedOverTheCanvasGoToTheConsole) {
   window.canvas().setFocus();
   QTest::keyClick(&window.canvas(), Qt::Key_4);
   EXPECT_TRUE(window.console().input()->hasFocus());
@@ -142,7 +142,7 @@ TEST_F(MainWindowTest, digitsTypedOverTheCanvasGoToTheConsole) {
   EXPECT_EQ(*sketch.commandInput, "40");
 }
 
-TEST_F(MainWindowTest, undoOfAnEmptyLineIsTheDrawings) {
+TEST_F(MainWindowTest, UndoOfAnEmptyLineIsTheDrawings) {
   run("line 0 0 10 0");
   window.console().input()->setFocus();
   key(Qt::Key_Z, Qt::ControlModifier);
@@ -154,7 +154,7 @@ TEST_F(MainWindowTest, undoOfAnEmptyLineIsTheDrawings) {
   EXPECT_EQ(sketch.entities->size(), 1U) << "a filled line undoes its own typing";
 }
 
-TEST_F(MainWindowTest, theEditingKeysAreTheDrawingsUntilALineIsTyped) {
+TEST_F(MainWindowTest, TheEditingKeysAreTheDrawingsUntilALineIsTyped) {
   run("line 0 0 10 0");
   window.console().input()->setFocus();
   key(Qt::Key_A, Qt::ControlModifier);
@@ -179,7 +179,7 @@ TEST_F(MainWindowTest, theEditingKeysAreTheDrawingsUntilALineIsTyped) {
   EXPECT_EQ(sketch.selectedEntityIDs->size(), 1U) << "the lines were copied, not the drawing";
 }
 
-TEST_F(MainWindowTest, theSamplePlanIsShownWhole) {
+TEST_F(MainWindowTest, TheSamplePlanIsShownWhole) {
   runMenuCommand(application, "Help/Open Sample Plan");
   settle();
   const SketchViewport shown = sketch.viewport;
@@ -188,7 +188,7 @@ TEST_F(MainWindowTest, theSamplePlanIsShownWhole) {
   EXPECT_FALSE(*sketch.isDocumentDirty);
 }
 
-TEST_F(MainWindowTest, closingWithChangesAsks) {
+TEST_F(MainWindowTest, ClosingWithChangesAsks) {
   run("line 0 0 10 0");
   dialogs.queue("Cancel");
   EXPECT_FALSE(window.close());
@@ -201,7 +201,7 @@ TEST_F(MainWindowTest, closingWithChangesAsks) {
   EXPECT_EQ(*sketch.documentName, "Untitled Project");
 }
 
-TEST_F(MainWindowTest, aDocumentDroppedOnTheWindowIsOpened) {
+TEST_F(MainWindowTest, ADocumentDroppedOnTheWindowIsOpened) {
   run("circle 0 0 4");
   application.save();
   settle();
@@ -224,7 +224,7 @@ TEST_F(MainWindowTest, aDocumentDroppedOnTheWindowIsOpened) {
   EXPECT_FALSE(foreign.isAccepted());
 }
 
-TEST_F(MainWindowTest, theLayoutOfTheLastRunComesBack) {
+TEST_F(MainWindowTest, TheLayoutOfTheLastRunComesBack) {
   window.console().setPanelHeight(240);
   resizeTo(1100, 700);
   window.saveLayout();
@@ -234,7 +234,7 @@ TEST_F(MainWindowTest, theLayoutOfTheLastRunComesBack) {
   EXPECT_EQ(next.console().panelHeight(), 240);
 }
 
-TEST_F(MainWindowTest, aDocumentIsShownInTheViewThatItWasSavedWith) {
+TEST_F(MainWindowTest, ADocumentIsShownInTheViewThatItWasSavedWith) {
   run("line 0 0 10 0");
   sketch.setViewport(123, 45, 8);
   application.save();
@@ -250,7 +250,7 @@ TEST_F(MainWindowTest, aDocumentIsShownInTheViewThatItWasSavedWith) {
 
 // --- What lies over the canvas
 
-TEST_F(MainWindowTest, theBadgesTellTheState) {
+TEST_F(MainWindowTest, TheBadgesTellTheState) {
   const auto text = [&](const char* identifier) {
     return find<QWidget>(window, identifier)->accessibleName().toStdString();
   };
@@ -288,7 +288,7 @@ TEST_F(MainWindowTest, theBadgesTellTheState) {
   EXPECT_FALSE(isShown("canvas.cursorCoordinates"));
 }
 
-TEST_F(MainWindowTest, theViewportClusterMovesTheView) {
+TEST_F(MainWindowTest, TheViewportClusterMovesTheView) {
   EXPECT_EQ(find<QLabel>(window, "viewport.gridScale")->text(), "10'");
   EXPECT_EQ(find<QLabel>(window, "viewport.zoomPercentage")->text(), "100%");
   press(window, "viewport.zoomIn");
@@ -303,7 +303,7 @@ TEST_F(MainWindowTest, theViewportClusterMovesTheView) {
   EXPECT_LT(sketch.viewport->scale, 1);
 }
 
-TEST_F(MainWindowTest, theLengthOfASegmentIsEditedInPlace) {
+TEST_F(MainWindowTest, TheLengthOfASegmentIsEditedInPlace) {
   run("wall 0 0 20 0");
   auto* editor = find<QLineEdit>(window, "canvas.segmentLengthEditor");
   EXPECT_TRUE(editor->isHidden());
@@ -327,7 +327,7 @@ TEST_F(MainWindowTest, theLengthOfASegmentIsEditedInPlace) {
   EXPECT_EQ(sketch.entities->size(), 1U);
 }
 
-TEST_F(MainWindowTest, aToastComesAndGoes) {
+TEST_F(MainWindowTest, AToastComesAndGoes) {
   auto* toast = find<QWidget>(window, "canvas.toast");
   sketch.showDocumentToast("Saved House", DocumentToastState::Style::success);
   settle();
@@ -340,7 +340,7 @@ TEST_F(MainWindowTest, aToastComesAndGoes) {
 
 // --- For those who hear the window
 
-TEST_F(MainWindowTest, everyControlHasARoleAndAName) {
+TEST_F(MainWindowTest, EveryControlHasARoleAndAName) {
   run("wall 0 0 20 0");
   run("nonsense");
   int controls = 0;
@@ -380,7 +380,7 @@ TEST_F(MainWindowTest, everyControlHasARoleAndAName) {
   EXPECT_EQ(status->role(), QAccessible::StaticText);
 }
 
-TEST_F(MainWindowTest, tabReachesTheControlsInTheOrderInWhichTheyStand) {
+TEST_F(MainWindowTest, TabReachesTheControlsInTheOrderInWhichTheyStand) {
   QStringList seen;
   window.canvas().setFocus();
   for (int i = 0; i < 60; ++i) {
@@ -402,7 +402,7 @@ TEST_F(MainWindowTest, tabReachesTheControlsInTheOrderInWhichTheyStand) {
 
 // --- The program's windows together
 
-TEST(WindowedProgramTest, sheetsSettingsAndThemesWorkTogether) {
+TEST(WindowedProgramTest, SheetsSettingsAndThemesWorkTogether) {
   testing::TestApplication test;
   Theme& theme = testing::sharedTheme();
   QtDialogs dialogs(theme);

@@ -28,14 +28,14 @@ struct TopBarTest : testing::WindowFixture {
   }
 };
 
-TEST_F(TopBarTest, tellsTheDocumentItsMarkAndItsBranch) {
+TEST_F(TopBarTest, TellsTheDocumentItsMarkAndItsBranch) {
   auto* title = find<DocumentTitle>(bar, "topMenuBar.document");
   EXPECT_EQ(title->accessibleName(), "Untitled Project, branch main");
   run("line 0 0 1 1");
   EXPECT_EQ(title->accessibleName(), "Untitled Project, edited, branch main");
 }
 
-TEST_F(TopBarTest, theButtonsAndTheSwitchRunTheirCommands) {
+TEST_F(TopBarTest, TheButtonsAndTheSwitchRunTheirCommands) {
   run("line 0 0 1 1");
   press(bar, "topMenuBar.clear");
   EXPECT_TRUE(sketch.entities->empty());
@@ -48,7 +48,7 @@ TEST_F(TopBarTest, theButtonsAndTheSwitchRunTheirCommands) {
   EXPECT_TRUE(find(bar, "topMenuBar.grid")->isChecked());
 }
 
-TEST_F(TopBarTest, menuRowsAreEnabledWhereThereIsSomethingToDo) {
+TEST_F(TopBarTest, MenuRowsAreEnabledWhereThereIsSomethingToDo) {
   EXPECT_FALSE(menuAction("Undo")->isEnabled());
   EXPECT_FALSE(menuAction("Inspect")->isEnabled());
   EXPECT_EQ(menuAction("Undo")->shortcut().toString(QKeySequence::PortableText), "Ctrl+Z");
@@ -83,7 +83,7 @@ struct WallSystemPanelTest : testing::WindowFixture {
   QString text(const char* identifier) { return find<QLineEdit>(panel, identifier)->text(); }
 };
 
-TEST_F(WallSystemPanelTest, aFieldCommitsWithReturnAndDropsWhatIsNoNumber) {
+TEST_F(WallSystemPanelTest, AFieldCommitsWithReturnAndDropsWhatIsNoNumber) {
   EXPECT_EQ(text("wallSystems.thickness"), "4.5");
   enter("wallSystems.thickness", "5.25");
   EXPECT_EQ(sketch.wallSystemSpecs.get()[0].thickness, 5.25);
@@ -98,7 +98,7 @@ TEST_F(WallSystemPanelTest, aFieldCommitsWithReturnAndDropsWhatIsNoNumber) {
   EXPECT_EQ(sketch.wallSystemSpecs.get()[0].assemblyNotes, "straw");
 }
 
-TEST_F(WallSystemPanelTest, aFieldLeftWithoutReturnShowsAgainWhatHolds) {
+TEST_F(WallSystemPanelTest, AFieldLeftWithoutReturnShowsAgainWhatHolds) {
   auto* field = find<QLineEdit>(panel, "wallSystems.height");
   field->setFocus();
   field->selectAll();
@@ -108,7 +108,7 @@ TEST_F(WallSystemPanelTest, aFieldLeftWithoutReturnShowsAgainWhatHolds) {
   EXPECT_EQ(sketch.wallSystemSpecs.get()[0].height, 96);
 }
 
-TEST_F(WallSystemPanelTest, theFieldsShowTheSelectedWallsSystem) {
+TEST_F(WallSystemPanelTest, TheFieldsShowTheSelectedWallsSystem) {
   auto* title = find<QLabel>(panel, "wallSystems.contextTitle");
   EXPECT_EQ(title->text(), "ACTIVE SYSTEM · W2-INT");
   EXPECT_FALSE(find(panel, "wallSystems.assign")->isEnabled());
@@ -136,7 +136,7 @@ struct InspectorWindowTest : testing::WindowFixture {
   void SetUp() override { present(main); }
 };
 
-TEST_F(InspectorWindowTest, comesAndGoesWithItsFlag) {
+TEST_F(InspectorWindowTest, ComesAndGoesWithItsFlag) {
   EXPECT_EQ(window.windowTitle(), "Entity Inspector");
   EXPECT_EQ(window.objectName(), "entity-inspector");
   run("wall 0 0 10 0");
@@ -152,7 +152,7 @@ TEST_F(InspectorWindowTest, comesAndGoesWithItsFlag) {
   EXPECT_FALSE(window.isVisible());
 }
 
-TEST_F(InspectorWindowTest, showsOneEntityAndEditsIt) {
+TEST_F(InspectorWindowTest, ShowsOneEntityAndEditsIt) {
   run("wall 0 0 10 0");
   sketch.showEntityInspector();
   settle();
@@ -193,7 +193,7 @@ TEST_F(InspectorWindowTest, showsOneEntityAndEditsIt) {
   EXPECT_FALSE(window.isVisible());
 }
 
-TEST_F(InspectorWindowTest, severalSelectedAreEditedTogether) {
+TEST_F(InspectorWindowTest, SeveralSelectedAreEditedTogether) {
   run("wall 0 0 10 0");
   run("circle 0 0 4");
   sketch.selectAll();
