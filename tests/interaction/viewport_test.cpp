@@ -20,24 +20,6 @@ bool isUsable(const SketchViewport& viewport) {
          viewport.scale <= 200;
 }
 
-TEST(CanvasTransform, MapsBothWaysWithYTurned) {
-  const SketchViewport viewport{{100, 50}, 2};
-  EXPECT_EQ(sketchPointToView({10, 5}, viewport), (SketchPoint{120, 40}));
-  EXPECT_EQ(viewPointToSketch({120, 40}, viewport), (SketchPoint{10, 5}));
-  EXPECT_EQ(visibleSketchRect({400, 200}, viewport), (VisibleSketchRect{-50, -75, 200, 100}));
-}
-
-TEST(CanvasTransform, PicksTheNearestGridStepAndTheSmallerOfTwo) {
-  EXPECT_EQ(gridStep(4), 10);
-  EXPECT_EQ(gridStep(200), 1);
-  EXPECT_EQ(gridStep(0.05), 500);
-  EXPECT_EQ(gridStep(56.0 / 15), 10) << "15 lies midway between 10 and 20";
-  EXPECT_EQ(gridScaleLabel(4), "10'");
-  EXPECT_EQ(zoomPercentageLabel(4), "100%");
-  EXPECT_EQ(zoomPercentageLabel(0.05), "1%");
-  EXPECT_EQ(zoomPercentageLabel(200), "5000%");
-}
-
 TEST(Viewport, ACanvasThatWasAPointCentresAgain) {
   TestSketch test;
   test.sketch.updateCanvasSize({1, 1});
