@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "app/console_run.h"
-#include "support/test_sketch.h"
+#include "support/test_workspace.h"
 
 namespace ostrelon {
 namespace {
@@ -98,7 +98,7 @@ TEST(CommandLineTest, RefusesWhatItDoesNotUnderstandInOneSentence) {
 }
 
 TEST(ConsoleRun, PrintsTheTranscriptOnceAndNoticesErrors) {
-  testing::TestSketch test;
+  testing::TestWorkspace test;
   std::vector<std::string> printed;
   TranscriptPrinter transcript(test.sketch, [&](std::string_view text) { printed.emplace_back(text); });
   runConsoleScript(test.sketch, "line 0 0 1 1\r\n\nclear\n", [&] { transcript.printNewLines(); });

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/disk_sketch.h"
+#include "support/disk_workspace.h"
 
 namespace ostrelon {
 namespace {

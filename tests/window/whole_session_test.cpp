@@ -6,7 +6,7 @@
 
 #include <cstdlib>
 
-#include "support/disk_sketch.h"
+#include "support/disk_workspace.h"
 #include "window/virtual_screen.h"
 
 namespace ostrelon {
@@ -77,7 +77,7 @@ struct WholeSession : ::testing::Test {
     return settings.find('"' + name + '"') == std::string::npos ? std::string() : settings;
   }
   std::size_t savedEntities() const {
-    testing::DiskSketch reader;
+    testing::DiskWorkspace reader;
     reader.sketch.openDocumentFile(document);
     return reader.sketch.entities->size();
   }
