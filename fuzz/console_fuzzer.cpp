@@ -90,9 +90,14 @@ void act(std::string_view action, SketchViewModel& sketch) {
 
 void submit(const std::string& text, SketchViewModel& sketch) {
   const Drawing before(sketch);
+  int told = 0;
+  const Subscription subscription =
+      sketch.observe(fieldMask(SketchField::entities), [&](const SketchChange&) { ++told; });
   const std::size_t linesBefore = sketch.consoleLines->size();
   sketch.setCommandInput(text);
+  told = 0;
   sketch.submitCommandInput();
+  require(told <= 1, "observers hear of an edit once");
   require(sketch.commandInput->empty(), "the field is empty again");
   const auto& lines = *sketch.consoleLines;
   const Drawing after(sketch);

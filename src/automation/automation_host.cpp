@@ -3,12 +3,12 @@
 #include <istream>
 #include <ostream>
 
+#include "app/key_handling.h"
 #include "app/menu.h"
 #include "app/settings_notes.h"
 #include "automation/automation_session.h"
 #include "build_information.h"
 #include "documents/document_store.h"
-#include "interaction/key_routing.h"
 #include "platform/disk_file_system.h"
 #include "platform/json_user_defaults.h"
 #include "platform/unicode.h"
@@ -210,7 +210,7 @@ const std::map<std::string, Operation, std::less<>>& operations() {
            setExportOption(exportOptions, name,
                            value.is_string() ? value.get<std::string>() : jsonText(value));
          }
-         exportDrawing(session.workspace().sketch,
+         exportDrawing(session.workspace(),
                        standardizedPath(requestMember<std::string>(session, request, "path")), exportOptions,
                        session.application.makePicture());
          return nullptr;
@@ -277,7 +277,7 @@ class AutomationHost::Program {
         gestures_(application_.workspace().board),
         session_{application_, scheduler_, dialogs_, gestures_, updateClient_} {
     application_.mainViewAppeared();
-    tellSettingsNotes(defaults_, messages());
+    tellSettingsNotes(defaults_, application_.workspace());
   }
 
   Json reply(std::string_view line) {
@@ -299,7 +299,7 @@ class AutomationHost::Program {
     } catch (const std::exception& error) {
       reply = {{"ok", false}, {"error", error.what()}};
     }
-    tellSettingsNotes(defaults_, messages());
+    tellSettingsNotes(defaults_, application_.workspace());
     const auto& lines = *messages().lines;
     Json console = Json::array();
     for (std::size_t i = linesBefore; i < lines.size(); ++i) {

@@ -8,11 +8,11 @@
 
 #include "core/document_toast.h"
 #include "core/entity_edits.h"
-#include "core/select_drag_state.h"
-#include "core/sketch_tool.h"
-#include "core/snap_types.h"
 #include "documents/app_settings.h"
 #include "geometry/trim.h"
+#include "interaction/select_drag_state.h"
+#include "interaction/sketch_tool.h"
+#include "interaction/snap_types.h"
 
 namespace ostrelon {
 

@@ -10,7 +10,8 @@ namespace ostrelon {
 void addDocumentCalls(CallTable& table) {
   // --- Format
   table["makeDocumentV2"] = call(&DocumentSession::makeDocument);
-  table["applyLoadedDocument"] = call(&DocumentSession::adopt);
+  table["applyLoadedDocument"] =
+      call([](DocumentSession& document, const LoadedSketchDocument& loaded) { document.adopt(loaded); });
   table["decodeDocument"] = call(SketchDocumentIO::decodeDocument);
   table["encodeDocument"] =
       call([](const SketchDocumentV2& document) { return SketchDocumentIO::encodeDocument(document); });

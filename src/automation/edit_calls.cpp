@@ -2,6 +2,8 @@
 #include "app/inspector.h"
 #include "app/wall_panel.h"
 #include "automation/call_binding.h"
+#include "core/adding.h"
+#include "geometry/edit_operations.h"
 
 namespace ostrelon {
 namespace {
@@ -11,6 +13,23 @@ Json toJson(const EntityEditMessage& message) {
 }
 
 Json toJson(const InspectorMetricRow& row) { return {{"label", row.label}, {"value", row.value}}; }
+
+// Moves the end of the line or wall at this position; a wall becomes the selection. No undo step of its
+// own: a chain takes one.
+void extendChainSegment(Sketch& sketch, std::int64_t index, SketchPoint to) {
+  if (index < 0 || index >= static_cast<std::int64_t>(sketch.entities().size())) {
+    throw ArgumentError("Argument 1: no entity stands at this position.");
+  }
+  const auto change = sketch.change();
+  SketchEntity extended = sketch.entities()[static_cast<std::size_t>(index)];
+  if (auto* line = std::get_if<LineEntity>(&extended)) line->to = to;
+  if (auto* wall = std::get_if<WallEntity>(&extended)) {
+    wall->to = to;
+    sketch.selectOnly(wall->id);
+  }
+  const UUID id = entityID(extended);
+  replaceEntity(sketch, id, std::move(extended));
+}
 
 // The kind of an edit by its name, with its values behind the result.
 Json editMessage(AutomationSession& /*session*/, const std::string& kind, EntityEditResult result,
@@ -77,12 +96,7 @@ void addEditCalls(CallTable& table) {
   table["trimInstruction"] = call(&Board::trimInstruction);
   table["clearTrimCuttingEdge"] = call(&Board::clearTrimCuttingEdge);
   table["extendLine"] = call(extendLine);
-  table["extendChainSegment"] = call([](AutomationSession& session, std::int64_t index, SketchPoint to) {
-    if (index < 0 || index >= static_cast<std::int64_t>(session.workspace().sketch.entities().size())) {
-      throw ArgumentError("Argument 1: no entity stands at this position.");
-    }
-    session.workspace().extendChainSegment(static_cast<std::size_t>(index), to);
-  });
+  table["extendChainSegment"] = call(extendChainSegment);
 
   // --- The length editor
   table["currentSegmentLengthText"] = call(&Board::currentLengthText);

@@ -155,7 +155,7 @@ SketchEntity Reader<SketchEntity>::read(const Json& json, const ReadContext& con
 
 template <>
 EntityList Reader<EntityList>::read(const Json& json, const ReadContext& context) {
-  if (json.is_null()) return context.sketch.entities;
+  if (json.is_null()) return context.sketch.entities();
   return EntityList(Reader<std::vector<SketchEntity>>::read(json, context));
 }
 

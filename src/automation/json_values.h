@@ -13,10 +13,11 @@
 #include <variant>
 #include <vector>
 
-#include "app/workspace.h"
 #include "automation/case_names.h"
 #include "automation/json_text.h"
+#include "automation/mutation_state.h"
 #include "documents/app_settings.h"
+#include "documents/document_history_state.h"
 #include "documents/sketch_document.h"
 #include "geometry/entity_edits.h"
 #include "geometry/hit_testing.h"

@@ -1,7 +1,9 @@
 // Calls of the core: values and texts, wall systems, adding, undo, the console, toasts.
 #include "automation/call_binding.h"
 #include "console/command_interpreter.h"
+#include "core/adding.h"
 #include "core/length_text.h"
+#include "geometry/edit_operations.h"
 
 namespace ostrelon {
 

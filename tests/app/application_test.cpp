@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include "app/settings_notes.h"
 #include "app/update_summary.h"
 #include "support/test_application.h"
 
@@ -15,7 +14,7 @@ std::optional<bool> endedCleanly(const UserDefaults& defaults) {
   return defaults.boolean(SettingsKey::lastSessionEndedCleanly);
 }
 
-TEST(ApplicationLife, aSessionCountsAsUncleanUntilItEnds) {
+TEST(ApplicationLife, ASessionCountsAsUncleanUntilItEnds) {
   TestApplication test;
   EXPECT_EQ(endedCleanly(test.defaults), std::nullopt);
   test.application.mainViewAppeared();
@@ -24,21 +23,7 @@ TEST(ApplicationLife, aSessionCountsAsUncleanUntilItEnds) {
   EXPECT_EQ(endedCleanly(test.defaults), true);
 }
 
-TEST(SettingsNotes, whatTheSettingsFileHasToSayComesIntoTheConsole) {
-  TestApplication test;
-  const FilePath settings = test.home / "settings.json";
-  testing::writeBytes(settings, "damaged");
-  JsonUserDefaults defaults(test.files, settings);
-  keepTellingSettingsNotes(defaults, test.sketch);
-  EXPECT_THAT(test.lastLine().text, ::testing::HasSubstr("The settings file was damaged."));
-  EXPECT_TRUE(test.lastLine().isSystem);
-  std::filesystem::create_directory(settings);
-  defaults.set("later", true);
-  test.settle();
-  EXPECT_THAT(test.lastLine().text, ::testing::StartsWith("The settings could not be read."));
-}
-
-TEST(ApplicationLife, theFirstRunAsksForAProjectsFolder) {
+TEST(ApplicationLife, TheFirstRunAsksForAProjectsFolder) {
   TestApplication test;
   test.application.mainViewAppeared();
   EXPECT_TRUE(*test.application.showProjectsFolderSetup);
@@ -57,7 +42,7 @@ TEST(ApplicationLife, theFirstRunAsksForAProjectsFolder) {
   EXPECT_FALSE(*again.showProjectsFolderSetup);
 }
 
-TEST(ApplicationLife, aTestRunResetsTheFolderAndShowsNoSheets) {
+TEST(ApplicationLife, ATestRunResetsTheFolderAndShowsNoSheets) {
   TestApplication test;
   test.defaults.set(SettingsKey::lastSessionEndedCleanly, false);
   Application testing(test.services(), test.options(true));
@@ -67,45 +52,7 @@ TEST(ApplicationLife, aTestRunResetsTheFolderAndShowsNoSheets) {
   EXPECT_EQ(testing.settings().projectsFolderURL.get(), testing.settings().defaultProjectsFolder());
 }
 
-struct Recovery : ::testing::Test, TestApplication {
-  void SetUp() override {
-    application.settings().useDefaultProjectsFolder();
-    application.mainViewAppeared();
-    submit("line 0 0 10 0");
-    scheduler.advance(Seconds(301));
-    ASSERT_FALSE(*sketch.isDocumentDirty);
-    // From here the process is as good as killed: it never ends cleanly.
-  }
-};
-
-TEST_F(Recovery, theNextStartOffersAndRestoresTheAutosave) {
-  Application next(services(), options());
-  next.mainViewAppeared();
-  ASSERT_TRUE(*next.showAutoSaveRecoveryOffer);
-  next.restoreAutoSaveFromOffer();
-  EXPECT_EQ(next.sketch().entities->size(), 1U);
-  EXPECT_EQ(next.sketch().consoleLines->back().text, "Restored last autosave.");
-  EXPECT_FALSE(*next.showAutoSaveRecoveryOffer);
-  EXPECT_FALSE(next.settings().autoSaveRecoveryCandidate->has_value());
-}
-
-TEST_F(Recovery, skippingKeepsTheNewSession) {
-  Application next(services(), options());
-  next.mainViewAppeared();
-  next.skipAutoSaveRecovery();
-  EXPECT_TRUE(next.sketch().entities->empty());
-  EXPECT_FALSE(*next.showAutoSaveRecoveryOffer);
-  EXPECT_TRUE(next.settings().lastAutoSave->has_value()) << "the menu can still go back to it";
-}
-
-TEST_F(Recovery, afterACleanEndNothingIsOffered) {
-  application.willTerminate();
-  Application next(services(), options());
-  next.mainViewAppeared();
-  EXPECT_FALSE(*next.showAutoSaveRecoveryOffer);
-}
-
-TEST(ApplicationLife, anEmptySelectionTakesTheInspectorWithIt) {
+TEST(ApplicationLife, AnEmptySelectionTakesTheInspectorWithIt) {
   TestApplication test;
   test.submit("wall 0 0 10 0");
   const UUID id = entityID(test.sketch.entities->front());
@@ -115,7 +62,7 @@ TEST(ApplicationLife, anEmptySelectionTakesTheInspectorWithIt) {
   EXPECT_FALSE(*test.sketch.isEntityInspectorVisible);
 }
 
-TEST(UpdateSummary, showsTheNewestVersionsFirstInTheLinesThereAre) {
+TEST(UpdateSummary, ShowsTheNewestVersionsFirstInTheLinesThereAre) {
   AppUpdateAvailability available;
   AppUpdateRelease older;
   older.version = "1.4.3";

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include "app/menu.h"
 #include "support/test_application.h"
 
 namespace ostrelon {
@@ -21,12 +20,7 @@ struct CloseQuestionTest : ::testing::Test, testing::TestApplication {
   }
 };
 
-TEST_F(CloseQuestionTest, aCleanWindowClosesWithoutAQuestion) {
-  EXPECT_EQ(close(), Reply::allowed);
-  EXPECT_TRUE(dialogs.asked().empty());
-}
-
-TEST_F(CloseQuestionTest, asksInTheStatedWords) {
+TEST_F(CloseQuestionTest, AsksInTheStatedWords) {
   submit("line 0 0 10 0");
   EXPECT_EQ(close(), Reply::refused) << "a cancelled question refuses";
   const auto& alert = std::get<Alert>(dialogs.asked().front());
@@ -38,7 +32,7 @@ TEST_F(CloseQuestionTest, asksInTheStatedWords) {
   EXPECT_TRUE(*sketch.isDocumentDirty);
 }
 
-TEST_F(CloseQuestionTest, saveRefusesForNowAndClosesOnceTheDocumentIsClean) {
+TEST_F(CloseQuestionTest, SaveRefusesForNowAndClosesOnceTheDocumentIsClean) {
   submit("line 0 0 10 0");
   dialogs.queue("Save");
   EXPECT_EQ(close(), Reply::refused);
@@ -51,44 +45,6 @@ TEST_F(CloseQuestionTest, saveRefusesForNowAndClosesOnceTheDocumentIsClean) {
   EXPECT_FALSE(application.closeQuestion().isClosingAfterSave());
   EXPECT_TRUE(files.exists(home / "Documents" / "Ostrelon" / "Untitled Project.ostrel"));
   EXPECT_FALSE(files.exists(home / "Documents" / "Ostrelon" / "Untitled Project (1).ostrel"));
-}
-
-TEST_F(CloseQuestionTest, aCancelledPanelLeavesTheWindowOpen) {
-  application.settings().clearProjectsFolder();
-  submit("line 0 0 10 0");
-  dialogs.queue("Save");
-  dialogs.queue(std::nullopt);
-  EXPECT_EQ(close(), Reply::refused);
-  settle();
-  EXPECT_EQ(closes, 0);
-  EXPECT_TRUE(*sketch.isDocumentDirty);
-  dialogs.queue("Don't Save");
-  EXPECT_EQ(close(), Reply::allowed) << "the next request asks again";
-}
-
-TEST_F(CloseQuestionTest, anotherDocumentAsksFirstToo) {
-  submit("line 0 0 10 0");
-  runMenuCommand(application, "File/New Document");
-  EXPECT_EQ(sketch.entities->size(), 1U);
-  dialogs.queue("Don't Save");
-  runMenuCommand(application, "File/New Document");
-  EXPECT_TRUE(sketch.entities->empty());
-  EXPECT_EQ(lastLine().text, "New document.");
-
-  submit("line 0 0 10 0");
-  dialogs.queue("Save");
-  runMenuCommand(application, "File/New Document");
-  settle();
-  EXPECT_TRUE(sketch.entities->empty());
-  EXPECT_TRUE(files.exists(home / "Documents" / "Ostrelon" / "Untitled Project.ostrel"));
-
-  submit("circle 0 0 4");
-  dialogs.queue("Cancel");
-  application.openDocumentAt(home / "Documents" / "Ostrelon" / "Untitled Project.ostrel");
-  EXPECT_TRUE(std::holds_alternative<CircleEntity>(sketch.entities->front()));
-  dialogs.queue("Don't Save");
-  application.openDocumentAt(home / "Documents" / "Ostrelon" / "Untitled Project.ostrel");
-  EXPECT_TRUE(std::holds_alternative<LineEntity>(sketch.entities->front()));
 }
 
 }  // namespace

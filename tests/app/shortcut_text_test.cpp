@@ -5,7 +5,7 @@
 namespace ostrelon {
 namespace {
 
-TEST(ShortcutText, keysAreWrittenInTheDesktopsNotation) {
+TEST(ShortcutText, KeysAreWrittenInTheDesktopsNotation) {
   EXPECT_EQ(desktopNotation("⌘N"), "Ctrl+N");
   EXPECT_EQ(desktopNotation("⇧⌘S"), "Ctrl+Shift+S");
   EXPECT_EQ(desktopNotation("⌘⇧S"), "Ctrl+Shift+S");
@@ -13,7 +13,7 @@ TEST(ShortcutText, keysAreWrittenInTheDesktopsNotation) {
   EXPECT_EQ(desktopNotation("⇧⌥⌘Z"), "Ctrl+Alt+Shift+Z");
 }
 
-TEST(ShortcutText, keysWithinASentenceAreWrittenToo) {
+TEST(ShortcutText, KeysWithinASentenceAreWrittenToo) {
   EXPECT_EQ(desktopNotation("Select an entity on the canvas, then press ⌘I."),
             "Select an entity on the canvas, then press Ctrl+I.");
   EXPECT_EQ(desktopNotation("0,0 at center · Y ↑"), "0,0 at center · Y ↑");

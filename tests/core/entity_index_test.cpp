@@ -4,44 +4,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
-#include <random>
+
+#include "support/random_drawing.h"
 
 namespace ostrelon {
 namespace {
 
-class RandomDrawing {
- public:
-  explicit RandomDrawing(unsigned seed) : random(seed) {}
-
-  double number(double low, double high) { return std::uniform_real_distribution<double>(low, high)(random); }
-  SketchPoint point() { return {number(-500, 500), number(-500, 500)}; }
-  SketchEntity entity(UUID id = UUID::random()) {
-    const SketchPoint at = point();
-    // Sizes over many levels of the grids, and now and then one that is off all of them.
-    const double size = std::pow(4.0, number(-4, 5));
-    switch (random() % 12) {
-      case 0:
-        return CircleEntity{id, at, size};
-      case 1:
-        return ArcEntity{id, at, size, number(-7, 7), number(-7, 7)};
-      case 2:
-        return RectangleEntity{id, at, {number(-size, size), number(-size, size)}};
-      case 3:
-        return PolygonEntity{id, {at, at + SketchPoint{size, 0}, at + SketchPoint{0, size}}};
-      case 4:
-        return WallEntity{id, at, at + SketchPoint{size, size / 2}, id};
-      case 5:
-        if (random() % 8 != 0) break;
-        return CircleEntity{id, {1e300, std::nan("")}, std::numeric_limits<double>::infinity()};
-      default:
-        break;
-    }
-    return LineEntity{id, at, at + SketchPoint{number(-size, size), number(-size, size)}};
-  }
-
-  std::mt19937 random;
-};
+using testing::RandomDrawing;
 
 bool touches(const SketchBox& a, const SketchBox& b) {
   return !(a.minX > b.maxX || a.maxX < b.minX || a.minY > b.maxY || a.maxY < b.minY);
@@ -77,34 +46,30 @@ void expectAgrees(const EntityIndex& index, const EntityList& list, RandomDrawin
 }
 
 TEST(EntityIndex, AnswersAsAWalkThroughRandomEdits) {
-  const auto seed = std::random_device{}();
+  const auto seed = testing::seed();
   SCOPED_TRACE(seed);
-  RandomDrawing drawing(seed);
-  const auto many = [&](std::size_t count) {
-    std::vector<SketchEntity> all;
-    for (std::size_t i = 0; i < count; ++i) all.push_back(drawing.entity());
-    return all;
-  };
+  RandomDrawing drawing(seed, testing::Spread::scattered);
+  const auto many = [&](int count) { return drawing.entities(count); };
   EntityIndex index;
   EntityList list(many(3000));
   std::vector<EntityList> history{list};
-  for (int round = 0; round < 300; ++round) {
+  for (int round = 0; round < testing::rounds(300); ++round) {
     const std::size_t at = list.empty() ? 0 : drawing.random() % list.size();
     switch (drawing.random() % 8) {
       case 0:
         list.append(drawing.entity());
         break;
       case 1:
-        list.append(many(drawing.random() % 600));
+        list.append(many(drawing.below(600)));
         break;
       case 2:
-        if (!list.empty()) list.replace(at, drawing.entity(entityID(list[at])));
+        if (!list.empty()) list.replace(at, drawing.entity(defaultWallSystems(), entityID(list[at])));
         break;
       case 3:
         if (!list.empty()) list.remove(at);
         break;
       case 4:
-        list.insert(at, many(drawing.random() % 4 == 0 ? 1500 : 4));
+        list.insert(at, many(drawing.chance(4) ? 1500 : 4));
         break;
       case 5: {
         std::unordered_set<UUID> gone;
@@ -129,9 +94,7 @@ TEST(EntityIndex, AnswersAsAWalkThroughRandomEdits) {
 }
 
 TEST(EntityIndex, IdentifiersGivenTwiceAnswerWithTheFirst) {
-  RandomDrawing drawing(1);
-  std::vector<SketchEntity> all;
-  for (int i = 0; i < 200; ++i) all.push_back(drawing.entity());
+  std::vector<SketchEntity> all = RandomDrawing(1).entities(200);
   const UUID twice = entityID(all[150]);
   all.push_back(LineEntity{twice, {0, 0}, {1, 1}});
   EntityIndex index;

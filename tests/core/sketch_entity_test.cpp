@@ -83,11 +83,5 @@ TEST(SketchEntity, WallsHaveFourCornersRoundTheirCentreLine) {
   EXPECT_TRUE(wallCorners({std::nan(""), 1}, {1, 1}, 4).empty());
 }
 
-TEST(SketchTool, RawValuesNameTheTools) {
-  for (const SketchTool tool : kAllSketchTools) EXPECT_EQ(sketchToolFromRawValue(rawValue(tool)), tool);
-  EXPECT_EQ(sketchToolFromRawValue("arc"), std::nullopt);
-  EXPECT_EQ(displayName(SketchTool::rectangle), "Rectangle");
-}
-
 }  // namespace
 }  // namespace ostrelon

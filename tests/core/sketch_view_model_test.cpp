@@ -50,6 +50,25 @@ TEST(SketchViewModel, TellsOncePerOperationWithExactlyTheChangedFields) {
   EXPECT_EQ(recorder.changes.size(), 1u) << "an operation that changes nothing tells nobody";
 }
 
+TEST(SketchViewModel, ReportsWhatWasAskedForAndNothingAfterTheEnd) {
+  TestSketch t;
+  std::vector<FieldMask> heard;
+  std::optional<Subscription> subscription =
+      t.sketch.observe(fieldMask(SketchField::showGrid, SketchField::undoStack),
+                       [&](const SketchChange& change) { heard.push_back(change.fields); });
+  t.sketch.selectAll();
+  t.sketch.setCommandInput("line");
+  EXPECT_TRUE(heard.empty());
+  t.sketch.setShowGrid(false);
+  t.sketch.addLine({0, 0}, {1, 1});
+  t.run("circle 0 0 1; rect 0 0 2 2");
+  t.sketch.undo();
+  EXPECT_EQ(heard.size(), 4U) << "a chain is reported once";
+  subscription.reset();
+  t.sketch.setShowGrid(true);
+  EXPECT_EQ(heard.size(), 4U);
+}
+
 TEST(SketchViewModel, ObserversMayComeAndGoWhileTheyAreTold) {
   TestSketch t;
   int first = 0;
@@ -65,43 +84,6 @@ TEST(SketchViewModel, ObserversMayComeAndGoWhileTheyAreTold) {
   t.sketch.setShowGrid(true);
   EXPECT_EQ(first, 1);
   EXPECT_EQ(second, 1);
-}
-
-TEST(SketchViewModel, ToastsGoByTheirStyleUnlessReplaced) {
-  TestSketch t;
-  using Style = DocumentToastState::Style;
-  t.sketch.showDocumentToast("Saving…", Style::saving);
-  t.scheduler.advance(Seconds(1000));
-  EXPECT_TRUE(t.sketch.documentToast->has_value());
-
-  t.sketch.showDocumentToast("Saved", Style::success);
-  t.scheduler.advance(Seconds(2));
-  t.sketch.showDocumentToast("Saved", Style::success);
-  t.scheduler.advance(Seconds(2));
-  EXPECT_TRUE(t.sketch.documentToast->has_value()) << "an equal message starts its time anew";
-  t.scheduler.advance(Seconds(0.5));
-  EXPECT_FALSE(t.sketch.documentToast->has_value());
-
-  t.sketch.showDocumentToast("Failed", Style::error, 1.0);
-  t.sketch.showDocumentToast("Other", Style::error);
-  t.scheduler.advance(Seconds(4.9));
-  EXPECT_EQ((*t.sketch.documentToast)->message, "Other");
-  t.scheduler.advance(Seconds(0.1));
-  EXPECT_FALSE(t.sketch.documentToast->has_value());
-}
-
-TEST(SketchViewModel, FallsBackOnTheFirstSystemWhenTheActiveOneIsGone) {
-  TestSketch t;
-  WallSystemSpec spec = t.sketch.wallSystemSpecs->at(1);
-  t.sketch.setActiveWallSystem(spec);
-  EXPECT_EQ(t.sketch.consoleLines->back().text, "Active wall system: W2-EXT");
-  spec.thickness = 7;
-  t.sketch.updateWallSystemSpec(spec);
-  EXPECT_EQ(t.sketch.activeWallSystemSpec()->thickness, 7);
-  EXPECT_TRUE(t.sketch.isDocumentDirty);
-  spec.id = UUID::random();
-  t.sketch.setActiveWallSystem(spec);
-  EXPECT_EQ(t.sketch.activeWallSystemSpec()->name, "W2-INT");
 }
 
 TEST(Undo, TakesBackAndBringsBackWithoutReselecting) {

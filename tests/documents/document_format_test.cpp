@@ -8,8 +8,8 @@
 #include <random>
 #include <unordered_set>
 
-#include "documents/random_document.h"
 #include "documents/sketch_document_io.h"
+#include "support/random_drawing.h"
 
 namespace ostrelon {
 namespace {
@@ -58,9 +58,10 @@ std::string row(const std::string& tag, const std::string& rest) {
 }
 
 TEST(DocumentFormat, ReadsBackEveryRandomDocumentAsItWasWritten) {
-  for (std::uint32_t seed = 1; seed <= 60; ++seed) {
+  for (int round = 0; round < testing::rounds(60); ++round) {
+    const unsigned seed = testing::seed() + static_cast<unsigned>(round);
     SCOPED_TRACE(seed);
-    const SketchDocumentV2 document = testing::RandomDocument(seed).make();
+    const SketchDocumentV2 document = testing::RandomDrawing(seed, testing::Spread::floats).document();
     EXPECT_EQ(readV2(encodeDocument(document)), document);
   }
 }
@@ -323,26 +324,27 @@ std::size_t distinctEntities(const SketchDocumentV2& document) {
 }
 
 TEST(DocumentFormat, HoldsTwentyUndoStepsInLittleMoreThanTheEntitiesThemselves) {
-  testing::RandomDocument random(11);
-  SketchDocumentV2 document = random.make(2);
-  std::vector<SketchEntity> entities;
-  for (int count = 0; count < 10'000; ++count) entities.push_back(random.entity(document));
-  EntityList list(std::move(entities));
+  testing::RandomDrawing random(11, testing::Spread::floats);
+  SketchDocumentV2 document = random.document(2);
+  const auto fresh = [&] { return random.entity(document.ws.items); };
+  EntityList list;
+  for (int count = 0; count < 10'000; ++count) list.append(fresh());
+  const auto any = [&] { return static_cast<std::size_t>(random.below(static_cast<int>(list.size()))); };
   document.undo.emplace();
   for (int step = 0; step < 20; ++step) {
     document.undo->push_back(list);
     switch (step % 4) {
       case 0:
-        list.append(random.entity(document));
+        list.append(fresh());
         break;
       case 1:
-        list.remove(random.below(list.size()));
+        list.remove(any());
         break;
       case 2:
-        list.insert(random.below(list.size()), {random.entity(document)});
+        list.insert(any(), {fresh()});
         break;
       default:
-        list.replace(random.below(list.size()), random.entity(document));
+        list.replace(any(), fresh());
     }
   }
   document.e = list;

@@ -46,16 +46,6 @@ struct DocumentHistoryTest : ::testing::Test, DiskSketch {
   }
 };
 
-TEST_F(DocumentHistoryTest, NamesBranchesByTheirLettersAndDigits) {
-  EXPECT_EQ(normalizeBranchID("Option A / Rev 2"), "option-a-rev-2");
-  EXPECT_EQ(normalizeBranchID("Küche"), "k-che");
-  EXPECT_EQ(normalizeBranchID(" --A__\tb-- \n"), "a-b");
-  for (const std::string name : {"", " ", "-.,/", "é"}) {
-    EXPECT_EQ(messageOf([&] { normalizeBranchID(name); }),
-              "Branch name must include at least one letter or number.");
-  }
-}
-
 TEST_F(DocumentHistoryTest, WritesItsFilesByTheLetter) {
   scheduler.advance(Seconds(0.75));
   const DocumentCheckpoint checkpoint = sketch.saveCheckpoint("  First \"milestone\"\n");
@@ -90,62 +80,6 @@ TEST_F(DocumentHistoryTest, WritesItsFilesByTheLetter) {
   EXPECT_EQ(std::get<SketchDocumentV2>(SketchDocumentIO::decodeDocument(snapshot).document).e,
             *sketch.entities);
   EXPECT_EQ(decodeHistoryMetadata(metadataText()), sketch.documentHistoryState->metadata);
-}
-
-TEST_F(DocumentHistoryTest, BranchesAndSwitchesThroughTheConsole) {
-  EXPECT_EQ(reply("history"), "No checkpoints yet. Use checkpoint <message> to save one.");
-  EXPECT_EQ(reply("branch create option"),
-            "Branch failed: Branch main does not have a checkpoint to switch to.");
-  EXPECT_FALSE(files.exists(store)) << "a refusal makes no store";
-  const std::string first = reply("checkpoint");
-  EXPECT_THAT(first, MatchesRegex("Checkpoint saved \\(cp-.*\\): Checkpoint 1"));
-  EXPECT_EQ(reply("branch create Option-A"), "Branch created: Option-A");
-  EXPECT_EQ(sketch.documentHistoryState->metadata.currentBranchID, "main") << "creating does not switch";
-  sketch.addLine({0, 0}, {2, 2});
-  EXPECT_EQ(reply("branch switch main"),
-            "Switch branch failed: Save or checkpoint current changes before switching branches.");
-  // The default number counts the checkpoints of all branches, the copy that began one included.
-  EXPECT_THAT(reply("checkpoint"), MatchesRegex(".*: Checkpoint 3"));
-  EXPECT_EQ(reply("branch switch OPTION-a"), "Switched to branch Option-A.");
-  EXPECT_EQ(sketch.entities->size(), 1U);
-  EXPECT_EQ(sketch.undoStack().undoSnapshots().size(), 0U);
-  EXPECT_FALSE(sketch.isDocumentDirty);
-  EXPECT_EQ(sketch.documentName.get(), "plan");
-  EXPECT_EQ(sketch.documentHistoryState->metadata.currentBranchID, "option-a");
-  EXPECT_THAT(metadataText(), HasSubstr("\"currentBranchID\": \"option-a\""));
-  DiskSketch other;
-  other.sketch.openDocumentFile(plan);
-  EXPECT_EQ(other.sketch.entities->size(), 1U) << "the head's content lies in the document's file";
-
-  const std::string mainHead = head("main");
-  const std::string copy = head("option-a");
-  const std::string source =
-      *sketch.documentHistoryState->findCheckpoint(copy)->checkpoint.sourceCheckpointID;
-  EXPECT_NE(copy, source);
-  EXPECT_EQ(reply("history"), "Current branch: Option-A\n  main\n    " + source + " — Checkpoint 1\n    " +
-                                  mainHead + " — Checkpoint 3\n* Option-A\n    " + copy +
-                                  " — Branch Option-A from " + source.substr(0, 11));
-  EXPECT_EQ(reply("branch LIST x"), sketch.documentHistoryText());
-  EXPECT_EQ(reply("branch create b " + mainHead), "Branch created: b");
-  EXPECT_EQ(reply("branch create c cp-none"), "Branch failed: No checkpoint named cp-none exists.");
-  EXPECT_EQ(reply("branch create MAIN"), "Branch failed: A branch named MAIN already exists.");
-  EXPECT_EQ(reply("branch create option/a"), "Branch failed: A branch named option/a already exists.");
-  EXPECT_EQ(reply("branch create ?"),
-            "Branch failed: Branch name must include at least one letter or number.");
-  EXPECT_EQ(reply("branch switch d"), "Switch branch failed: No branch named d exists.");
-  EXPECT_EQ(reply("branch create"), "Usage: branch create <name> [checkpoint-id]");
-  EXPECT_EQ(reply("branch switch"), "Usage: branch switch <name>");
-  EXPECT_EQ(reply("branch x"),
-            "Usage: branch list | branch create <name> [checkpoint-id] | branch switch <name>");
-}
-
-TEST_F(DocumentHistoryTest, NeedsADocumentWithAFile) {
-  sketch.newDocument();
-  const std::string text = "Save the document before using checkpoints.";
-  EXPECT_EQ(reply("history"), text);
-  EXPECT_EQ(reply("checkpoint x"), "Checkpoint failed: " + text);
-  EXPECT_EQ(reply("branch create x"), "Branch failed: " + text);
-  EXPECT_EQ(reply("branch switch x"), "Switch branch failed: " + text);
 }
 
 TEST_F(DocumentHistoryTest, SharesTheStoreBetweenTheDocumentsOfAFolder) {
@@ -314,43 +248,6 @@ TEST_F(DocumentHistoryTest, AsksBeforeACheckpointOrASwitchOverwritesAnothersWork
   EXPECT_EQ(dialogs.asked().size(), 2U);
   dialogs.queue("Overwrite");
   EXPECT_THAT(reply("checkpoint mine"), StartsWith("Checkpoint saved"));
-}
-
-TEST_F(DocumentHistoryTest, PromptsFromTheMenusAndTellsInAToast) {
-  promptForBranch(sketch);
-  EXPECT_EQ(lastLine(), "E Create a checkpoint before branching.");
-  EXPECT_EQ(toast(), "Create a checkpoint before branching.");
-  EXPECT_TRUE(dialogs.asked().empty());
-
-  dialogs.queue("  Milestone ");
-  promptForCheckpoint(sketch);
-  const auto& prompt = std::get<TextPrompt>(dialogs.asked().back());
-  EXPECT_EQ(prompt.title, "Save Checkpoint");
-  EXPECT_EQ(prompt.informativeText, "Name this design milestone.");
-  EXPECT_EQ(prompt.initialText, "Checkpoint 1");
-  EXPECT_EQ(prompt.confirmButton, "Save Checkpoint");
-  EXPECT_EQ(lastLine(), "S Checkpoint saved on main: Milestone");
-  EXPECT_EQ(toast(), "Checkpoint saved on main: Milestone");
-
-  dialogs.queue("Option");
-  promptForBranch(sketch);
-  EXPECT_EQ(std::get<TextPrompt>(dialogs.asked().back()).initialText, "option-1");
-  EXPECT_EQ(lastLine(), "S Branch created: Option");
-  dialogs.queue("option");
-  promptForBranch(sketch);
-  EXPECT_EQ(lastLine(), "E Branch failed: A branch named option already exists.");
-  const std::size_t lines = sketch.consoleLines->size();
-  promptForCheckpoint(sketch);
-  promptForBranch(sketch);
-  EXPECT_EQ(sketch.consoleLines->size(), lines) << "cancelled prompts say nothing";
-  switchBranchFromMenu(sketch, "option");
-  EXPECT_EQ(lastLine(), "S Switched to branch Option.");
-  switchBranchFromMenu(sketch, "none");
-  EXPECT_EQ(lastLine(), "E Switch branch failed: No branch named none exists.");
-  sketch.newDocument();
-  dialogs.queue("x");
-  promptForCheckpoint(sketch);
-  EXPECT_EQ(lastLine(), "E Checkpoint failed: Save the document before using checkpoints.");
 }
 
 }  // namespace

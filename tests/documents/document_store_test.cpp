@@ -3,20 +3,15 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <grp.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <functional>
 #include <limits>
 
-#include "documents/document_history.h"
 #include "documents/document_paths.h"
-#include "documents/random_document.h"
 #include "documents/sketch_document_io.h"
 #include "support/disk_sketch.h"
 
@@ -193,6 +188,7 @@ TEST(DocumentStoreFailures, TellsEveryStepThatFailsAndLeavesTheOldFile) {
       {[](auto& calls) { calls.fail(&FileSystemCalls::open); }, EROFS, "the disk can only be read"},
       {[](auto& calls) { calls.fail(&FileSystemCalls::write); }, ENOSPC, "the disk is full"},
       {[](auto& calls) { calls.fail(&FileSystemCalls::write); }, EDQUOT, "your share of the disk is used up"},
+      {[](auto& calls) { calls.fail(&FileSystemCalls::write); }, EFBIG, "the file would be too large"},
       {[](auto& calls) { calls.fail(&FileSystemCalls::fchmod); }, EPERM, "You do not have permission"},
       {[](auto& calls) { calls.fail(&FileSystemCalls::fsync); }, EIO, "the disk reported an error"},
       {[](auto& calls) { calls.fail(&FileSystemCalls::close); }, EIO, "the disk reported an error"},
@@ -240,51 +236,6 @@ TEST(DocumentStoreFailures, KnowsItsOwnFileWhenOnlyTheFolderCouldNotBeMadeToLast
   EXPECT_EQ(on.lastLine(), "S Saved plan.") << "without a question: nobody else has written the file";
 }
 
-TEST(DocumentStoreFailures, TakesTheNextNameWhenAnotherWindowIsQuicker) {
-  testing::InterruptedCalls interrupted;
-  DiskSketch on(interrupted.calls);
-  on.settings.useDefaultProjectsFolder();
-  const FilePath folder = on.home / "Documents/Ostrelon";
-  const FilePath first = folder / "Untitled Project.ostrel";
-  std::filesystem::create_symlink(folder / "nothing", folder / "Untitled Project (1).ostrel");
-  on.sketch.addLine({0, 0}, {1, 1});
-  *interrupted.work = [&] { writeBytes(first, "theirs"); };
-  saveCurrentDocument(on.sketch, on.settings, false);
-  EXPECT_EQ(on.sketch.documentFileURL.get(), folder / "Untitled Project (2).ostrel")
-      << "one that leads nowhere is no free name either";
-  EXPECT_EQ(on.lastLine(), "S Saved Untitled Project (2).");
-  EXPECT_EQ(readBytes(first), "theirs");
-  EXPECT_EQ(on.files.list(folder).size(), 3U) << "nothing is written through the link, and none left behind";
-}
-
-TEST(DocumentStoreFailures, NoticesWhatAnotherProgramWritesWhileItSaves) {
-  testing::InterruptedCalls interrupted;
-  DiskSketch on(interrupted.calls);
-  const FilePath plan = on.home / "plan.ostrel";
-  on.sketch.addLine({0, 0}, {1, 1});
-  on.sketch.saveDocumentFile(plan);
-  on.sketch.saveCheckpoint("one");
-  on.sketch.createHistoryBranch("b");
-  const std::string refusal = "“plan.ostrel” has been changed by another program and was not overwritten.";
-  const auto expectRefused = [&](const std::string& prefix, const std::function<void()>& command) {
-    *interrupted.work = [&] { writeBytes(plan, "theirs"); };
-    const bool wasDirty = on.sketch.isDocumentDirty;
-    command();
-    EXPECT_EQ(on.sketch.consoleLines->back().text, prefix + refusal);
-    EXPECT_EQ(readBytes(plan), "theirs");
-    EXPECT_EQ(on.sketch.isDocumentDirty, wasDirty);
-    on.dialogs.queue("Overwrite");
-    saveCurrentDocument(on.sketch, on.settings, false);
-    EXPECT_EQ(on.lastLine(), "S Saved plan.");
-  };
-  expectRefused("Switch branch failed: ", [&] { on.reply("branch switch b"); });
-  EXPECT_EQ(loadDocumentHistory(on.files, plan).metadata.currentBranchID, "main");
-  on.sketch.addLine({0, 0}, {2, 2});
-  expectRefused("Checkpoint failed: ", [&] { on.reply("checkpoint two"); });
-  on.sketch.addLine({0, 0}, {3, 3});
-  expectRefused("Save failed: ", [&] { saveCurrentDocument(on.sketch, on.settings, false); });
-}
-
 // Runs `work` in a process of its own; gives the status that it exits with.
 int inChild(const std::function<int()>& work) {
   const pid_t child = ::fork();
@@ -292,23 +243,6 @@ int inChild(const std::function<int()>& work) {
   int status = 0;
   ::waitpid(child, &status, 0);
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-TEST_F(DocumentStoreTest, KeepsTheOldFileWhenTheDiskIsFull) {
-  draw();
-  sketch.saveDocumentFile(plan);
-  const std::string before = readBytes(plan);
-  for (int count = 0; count < 2500; ++count) sketch.addCircle({1.5, 2.5}, count);
-  const int status = inChild([&] {
-    const rlimit limit{100'000, 100'000};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-    const auto failure = saveToURL(sketch, settings, plan, false);
-    const bool isTold = failure && failure->find("the file would be too large") != std::string::npos;
-    return isTold && sketch.isDocumentDirty ? 7 : 1;
-  });
-  EXPECT_EQ(status, 7);
-  EXPECT_EQ(readBytes(plan), before);
-  EXPECT_THAT(files.list(home.path()), ElementsAre("plan.ostrel"));
 }
 
 TEST_F(DocumentStoreTest, TellsOfAFolderOrFileThatMayNotBeWritten) {
@@ -333,70 +267,7 @@ TEST_F(DocumentStoreTest, TellsOfAFolderOrFileThatMayNotBeWritten) {
   EXPECT_EQ(readBytes(plan), before);
 }
 
-TEST_F(DocumentStoreTest, KeepsTheGroupOfAFileWhereItMay) {
-  if (::geteuid() != 0) GTEST_SKIP() << "needs to become another user";
-  constexpr gid_t team = 4711;
-  constexpr uid_t user = 65534;
-  sketch.saveDocumentFile(plan);
-  ASSERT_EQ(::chown(plan.c_str(), 0, team), 0);
-  ::chmod(plan.c_str(), 0660);
-  ::chmod(home.path().c_str(), 0777);
-  const int status = inChild([&] {
-    if (::setgroups(1, &team) != 0 || ::setgid(user) != 0 || ::setuid(user) != 0) return 1;
-    return saveToURL(sketch, settings, plan, false) ? 2 : 7;
-  });
-  EXPECT_EQ(status, 7);
-  struct stat saved {};
-  ::stat(plan.c_str(), &saved);
-  EXPECT_EQ(saved.st_uid, user);
-  EXPECT_EQ(saved.st_gid, team);
-  EXPECT_EQ(saved.st_mode & 07777U, 0660U);
-}
-
-TEST_F(DocumentStoreTest, IsWholeOldOrNewWhenKilledAtAnyMoment) {
-  const auto write = [&](int generation) {
-    sketch.addRectangle({0, 0}, {1.0 + generation, 2});
-    sketch.saveDocumentFile(plan);
-  };
-  for (int count = 0; count < 400; ++count) sketch.addCircle({count + 0.5, 2.5}, count);
-  write(0);
-  for (int round = 0; round < 12; ++round) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-      for (int generation = 1;; ++generation) write(generation);
-    }
-    ::usleep(static_cast<useconds_t>(3000 + 3700 * round));
-    ::kill(child, SIGKILL);
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    DiskSketch reader;
-    ASSERT_NO_THROW(reader.sketch.openDocumentFile(plan));
-    ASSERT_GE(reader.sketch.entities->size(), 401U);
-    ASSERT_EQ(reader.sketch.entities->size() - 400,
-              std::get<RectangleEntity>(reader.sketch.entities->back()).size.width);
-  }
-}
-
 // --- The commands
-
-TEST_F(DocumentStoreTest, SavesANewDocumentIntoTheProjectsFolderAndAnnouncesIt) {
-  settings.useDefaultProjectsFolder();
-  const FilePath folder = home / "Documents/Ostrelon";
-  writeBytes(folder / "Untitled Project (1).ostrel", "");
-  draw();
-  int done = 0;
-  saveCurrentDocument(sketch, settings, true,
-                      [&](SaveOutcome outcome) { done += outcome == SaveOutcome::saved ? 1 : 10; });
-  EXPECT_EQ(toast(), "Saving…");
-  EXPECT_EQ(done, 0) << "the toast is drawn first";
-  scheduler.advance(Seconds(0));
-  EXPECT_EQ(done, 1);
-  EXPECT_EQ(toast(), "Saved Untitled Project");
-  EXPECT_EQ(lastLine(), "S Saved Untitled Project.");
-  EXPECT_EQ(sketch.documentFileURL.get(), folder / "Untitled Project.ostrel");
-  EXPECT_EQ(nextUntitledURL(files, folder), folder / "Untitled Project (2).ostrel");
-  EXPECT_FALSE(defaults.has(SettingsKey::documentBookmarks));
-}
 
 TEST_F(DocumentStoreTest, AsksWhereWithoutAProjectsFolder) {
   draw();
@@ -418,39 +289,6 @@ TEST_F(DocumentStoreTest, AsksWhereWithoutAProjectsFolder) {
   const auto& panel = std::get<SavePanel>(dialogs.asked().back());
   EXPECT_EQ(panel.startingFolder, home.path());
   EXPECT_EQ(panel.suggestedName, "house.ostrel");
-}
-
-TEST_F(DocumentStoreTest, AsksBeforeItReplacesWhatTheSavePanelKnewNothingOf) {
-  draw();
-  writeBytes(plan, "theirs");
-  std::vector<SaveOutcome> outcomes;
-  const auto saveAs = [&](const std::string& name) {
-    dialogs.queue((home / name).string());
-    saveDocumentAs(sketch, settings, false, [&](SaveOutcome outcome) { outcomes.push_back(outcome); });
-  };
-  dialogs.setConfirmsReplacing(true);
-  for (const std::string name : {"plan", "plan."}) {
-    saveAs(name);
-    EXPECT_EQ(std::get<Alert>(dialogs.asked().back()).message,
-              "“plan.ostrel” already exists. Do you want to replace it?");
-    EXPECT_EQ(readBytes(plan), "theirs");
-    EXPECT_FALSE(sketch.isSaveDialogActive);
-  }
-  saveAs("new");
-  saveAs("new.ostrel");
-  EXPECT_EQ(dialogs.asked().size(), 6U)
-      << "no question about a free name, or one that the panel has asked about";
-  // Another one in between: the answer to the panel comes first.
-  dialogs.queue((home / "plan").string());
-  dialogs.queue("Replace");
-  saveDocumentAs(sketch, settings, false);
-  EXPECT_EQ(sketch.documentFileURL.get(), plan);
-  // A script means the paths that it gives.
-  dialogs.setConfirmsReplacing(false);
-  saveAs("new");
-  EXPECT_EQ(sketch.documentFileURL.get(), home / "new.ostrel");
-  EXPECT_THAT(outcomes, ElementsAre(SaveOutcome::cancelled, SaveOutcome::cancelled, SaveOutcome::saved,
-                                    SaveOutcome::saved, SaveOutcome::saved));
 }
 
 TEST_F(DocumentStoreTest, AsksBeforeItOverwritesWhatAnotherProgramHasWritten) {
@@ -482,18 +320,6 @@ TEST_F(DocumentStoreTest, AsksBeforeItOverwritesWhatAnotherProgramHasWritten) {
   saveCurrentDocument(sketch, settings, false);
   EXPECT_EQ(lastLine(), "S Saved plan.");
   EXPECT_EQ(dialogs.asked().size(), 2U);
-}
-
-TEST_F(DocumentStoreTest, OpensWithFeedback) {
-  draw();
-  sketch.saveDocumentFile(plan);
-  DiskSketch other;
-  EXPECT_EQ(openDocument(other.sketch, other.settings, plan), std::nullopt);
-  EXPECT_EQ(other.lastLine(), "S Opened plan.");
-  EXPECT_EQ(openDocument(other.sketch, other.settings, home / "no.ostrel"),
-            "Open failed: The file “no.ostrel” does not exist.");
-  EXPECT_EQ(other.lastLine(), "E Open failed: The file “no.ostrel” does not exist.");
-  EXPECT_EQ(other.sketch.documentName.get(), "plan");
 }
 
 TEST_F(DocumentStoreTest, ListsTheLatestDocumentsOfTheProjectsFolder) {

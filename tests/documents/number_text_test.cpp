@@ -1,5 +1,6 @@
 // The numbers of a document file against the standard library's shortest text.
 #include "documents/number_text.h"
+#include "support/random_drawing.h"
 
 #include <gtest/gtest.h>
 
@@ -34,7 +35,7 @@ TEST(NumberText, KeepsWholeNumbersPlainAndTheSignOfZero) {
 }
 
 TEST(NumberText, IsTheShortestThatReadsBack) {
-  const auto seed = std::random_device()();
+  const auto seed = testing::seed();
   SCOPED_TRACE("seed " + std::to_string(seed));
   std::mt19937 random(seed);
   std::uniform_int_distribution<std::uint32_t> anyBits;

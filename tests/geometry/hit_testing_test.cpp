@@ -4,14 +4,10 @@
 
 #include <cmath>
 #include <numbers>
-#include <random>
 
-#include "core/circle.h"
 #include "geometry/entity_geometry.h"
 #include "geometry/marquee.h"
 #include "geometry/selection_handles.h"
-#include "support/random_drawing.h"
-#include "support/test_sketch.h"
 
 namespace ostrelon {
 namespace {
@@ -54,31 +50,8 @@ TEST(HitTesting, OutlinesAreHitNotInsides) {
                    distanceBetween({-2, 0}, pointOnCircle({0, 0}, 2, 10 * kPi / 180)));
 }
 
-TEST(HitTesting, TheIndexPicksAndSelectsWhatAWalkDoes) {
-  const auto seed = std::random_device{}();
-  SCOPED_TRACE(seed);
-  testing::RandomDrawing drawing(seed);
-  testing::TestSketch t;
-  std::vector<SketchEntity> all;
-  for (int i = 0; i < 1500; ++i) all.push_back(drawing.entity(t.sketch));
-  const EntityList entities(all);
-  EntityIndex index;
-  index.update(entities);
-  for (int i = 0; i < 120; ++i) {
-    const double scale = std::pow(4.0, drawing.number(-1, 4));
-    const SketchPoint point = drawing.point();
-    EXPECT_EQ(pickEntityAtPoint(index, point, scale), pickEntityAtPoint(entities, point, scale));
-    const SketchPoint corner = drawing.point();
-    const SketchBox rect{std::min(point.x, corner.x), std::min(point.y, corner.y),
-                         std::max(point.x, corner.x), std::max(point.y, corner.y)};
-    for (const bool crossing : {false, true}) {
-      EXPECT_EQ(entitiesInMarquee(index, rect, crossing), entitiesInMarquee(entities, rect, crossing));
-    }
-  }
-}
-
 TEST(Marquee, MinimumEdgesAreInsideAndMaximumEdgesAreNot) {
-  const SketchBox rect{0, 0, 10, 10};
+  const QueryRect rect{0, 0, 10, 10};
   EXPECT_TRUE(rectContains(rect, {0, 0}));
   EXPECT_FALSE(rectContains(rect, {10, 5}));
   const auto window = [&](const SketchEntity& entity) { return entityContainedInRect(entity, rect); };
@@ -91,7 +64,7 @@ TEST(Marquee, MinimumEdgesAreInsideAndMaximumEdgesAreNot) {
 }
 
 TEST(Marquee, CrossingTakesWhatItTouches) {
-  const SketchBox rect{0, 0, 10, 10};
+  const QueryRect rect{0, 0, 10, 10};
   const auto crosses = [&](const SketchEntity& entity) { return entityIntersectsRect(entity, rect); };
   EXPECT_TRUE(crosses(LineEntity{id(), {-5, 5}, {15, 5}}));
   EXPECT_TRUE(crosses(LineEntity{id(), {-5, 5}, {0, 5}}));

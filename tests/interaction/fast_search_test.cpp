@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 
 #include "geometry/entity_geometry.h"
 #include "geometry/hit_testing.h"
@@ -13,12 +12,6 @@
 
 namespace ostrelon {
 namespace {
-
-// OSTRELON_COMPARISONS asks for more, as in a run over night: 1000000.
-int comparisonsWanted() {
-  const char* wanted = std::getenv("OSTRELON_COMPARISONS");
-  return wanted != nullptr ? std::atoi(wanted) : 5000;
-}
 
 class EditedDrawing : public testing::TestSketch {
  public:
@@ -32,7 +25,7 @@ class EditedDrawing : public testing::TestSketch {
   SketchPoint place() { return {60.0 * random.below(7) + random.coordinate(), 60.0 * random.below(7)}; }
   SketchEntity entity() {
     const SketchPoint by = place();
-    return translatedEntity(random.entity(sketch), by.x, by.y);
+    return translatedEntity(random.entity(), by.x, by.y);
   }
   std::int64_t anyPosition() { return random.below(static_cast<int>(sketch.entities->size())); }
 
@@ -96,10 +89,10 @@ class EditedDrawing : public testing::TestSketch {
 };
 
 TEST(FastSearch, GivesWhatAWalkGivesThroughEdits) {
-  const unsigned seed = std::random_device{}();
+  const unsigned seed = testing::seed();
   SCOPED_TRACE(::testing::Message() << "seed " << seed);
   EditedDrawing drawing(seed);
-  for (int compared = 0; compared < comparisonsWanted(); compared += 5) {
+  for (int compared = 0; compared < testing::rounds(5000); compared += 5) {
     if (compared % 20 == 0) drawing.edit();
     drawing.compare();
     ASSERT_FALSE(::testing::Test::HasFailure()) << "after " << compared << " comparisons";

@@ -5,7 +5,6 @@
 
 #include <cmath>
 #include <limits>
-#include <random>
 
 namespace ostrelon {
 namespace {
@@ -281,50 +280,6 @@ TEST(Snapping, CopesWithNumbersThatAreNoPlaces) {
     axisSnap({x, 0}, {0, x}, x);
     axisSnapDelta(x, -x);
     trackingCandidate({0, 0}, {x, 1}, {x, x}, {}, {});
-  }
-}
-
-// --- The index gives what a walk over the list gives
-
-EntityList randomDrawing(std::mt19937& random, int count) {
-  std::uniform_real_distribution<double> place(-500, 500);
-  std::uniform_int_distribution<int> whole(-40, 40);
-  EntityList list;
-  for (int i = 0; i < count; ++i) {
-    // Many coordinates fall together, so that ties are common.
-    const SketchPoint a{whole(random) * 10.0, whole(random) * 10.0};
-    const SketchPoint b = i % 3 == 0 ? SketchPoint{place(random), place(random)} : a + SketchPoint{20, 10};
-    if (i % 5 == 0) list.append(CircleEntity{id(), a, std::abs(b.x) / 10});
-    if (i % 5 == 1) list.append(LineEntity{id(), a, b});
-    if (i % 5 == 2) list.append(RectangleEntity{id(), a, {b.x - a.x, b.y - a.y}});
-    if (i % 5 == 3) list.append(PolygonEntity{id(), {a, b, {a.x, b.y}}});
-    if (i % 5 == 4) list.append(ArcEntity{id(), a, 15, 0.5, 2});
-  }
-  return list;
-}
-
-TEST(Snapping, TheIndexGivesWhatAWalkGives) {
-  const auto seed = std::random_device{}();
-  SCOPED_TRACE(::testing::Message() << "seed " << seed);
-  std::mt19937 random(seed);
-  const EntityList list = randomDrawing(random, 3000);
-  EntityIndex index;
-  index.update(list);
-  std::uniform_real_distribution<double> place(-520, 520);
-  std::uniform_int_distribution<std::size_t> anyEntity(0, list.size() - 1);
-  for (int i = 0; i < 150; ++i) {
-    const SketchPoint point =
-        i % 2 == 0 ? SketchPoint{place(random), place(random)}
-                   : SketchPoint{std::round(place(random) / 5) * 5, std::round(place(random) / 5) * 5};
-    const double scale = std::exp(place(random) / 200);
-    const SketchPoint from{place(random), place(random)};
-    const EntityIDs excluded{entityID(list[anyEntity(random)])};
-    ASSERT_EQ(nearestEntityTarget(list, excluded, point, scale, from),
-              nearestEntityTarget(index, excluded, point, scale, from));
-    const SketchEntity& moved = list[anyEntity(random)];
-    const SketchViewport viewport{{0, 0}, scale};
-    ASSERT_EQ(snapEntityMove({point.x / 9, point.y / 9}, viewport, moved, list, excluded),
-              snapEntityMove({point.x / 9, point.y / 9}, viewport, moved, index, excluded));
   }
 }
 

@@ -79,21 +79,21 @@ testing::TemporaryFolder* DebianPackage::folder_ = nullptr;
 fs::path DebianPackage::package_;
 std::string DebianPackage::log_;
 
-TEST_F(DebianPackage, hasNothingForLintianToSay) {
+TEST_F(DebianPackage, HasNothingForLintianToSay) {
   ASSERT_TRUE(isInstalled("lintian")) << missing("lintian");
   const Outcome outcome =
       run("timeout 120 lintian --allow-root --fail-on error,warning " + package_.string());
   EXPECT_EQ(outcome.status, 0) << outcome.output;
 }
 
-TEST_F(DebianPackage, dependsOnWhatTheProgramLoadsAndOnWhatItNames) {
+TEST_F(DebianPackage, DependsOnWhatTheProgramLoadsAndOnWhatItNames) {
   const Outcome outcome = run("dpkg-deb -f " + package_.string() + " Depends");
   for (const char* needed : {"qt6-qpa-plugins", "fonts-inter", "libqt6widgets6", "libc6"}) {
     EXPECT_THAT(outcome.output, HasSubstr(needed));
   }
 }
 
-TEST_F(DebianPackage, entersTheMenusOfTheDesktop) {
+TEST_F(DebianPackage, EntersTheMenusOfTheDesktop) {
   ASSERT_TRUE(isInstalled("desktop-file-validate")) << missing("desktop-file-validate");
   const fs::path share = root() / "usr/share";
   const Outcome entry =
@@ -103,14 +103,14 @@ TEST_F(DebianPackage, entersTheMenusOfTheDesktop) {
   EXPECT_TRUE(fs::exists(share / "icons/hicolor/scalable/apps/org.ostrelon.Ostrelon.svg"));
 }
 
-TEST_F(DebianPackage, tellsTheSoftwareCentreOfItself) {
+TEST_F(DebianPackage, TellsTheSoftwareCentreOfItself) {
   ASSERT_TRUE(isInstalled("appstreamcli")) << missing("appstreamcli");
   const Outcome outcome = run("appstreamcli validate --no-net " +
                               (root() / "usr/share/metainfo/org.ostrelon.Ostrelon.metainfo.xml").string());
   EXPECT_EQ(outcome.status, 0) << outcome.output;
 }
 
-TEST_F(DebianPackage, givesDocumentsAType) {
+TEST_F(DebianPackage, GivesDocumentsAType) {
   ASSERT_TRUE(isInstalled("update-mime-database")) << missing("update-mime-database");
   const fs::path mime = root() / "usr/share/mime";
   const Outcome outcome = run("update-mime-database " + mime.string());
@@ -120,7 +120,7 @@ TEST_F(DebianPackage, givesDocumentsAType) {
               HasSubstr("MimeType=application/x-ostrelon;"));
 }
 
-TEST_F(DebianPackage, hasAManualPageThatCanBeRead) {
+TEST_F(DebianPackage, HasAManualPageThatCanBeRead) {
   ASSERT_TRUE(isInstalled("man")) << missing("man");
   const Outcome page = run("MANROFFSEQ= LC_ALL=C.UTF-8 MANWIDTH=100 man --warnings -E UTF-8 -l " +
                            (root() / "usr/share/man/man1/ostrelon.1.gz").string());
@@ -136,7 +136,7 @@ TEST_F(DebianPackage, hasAManualPageThatCanBeRead) {
   }
 }
 
-TEST_F(DebianPackage, installsIntoARootOfItsOwnRunsThereAndGoesWithoutATrace) {
+TEST_F(DebianPackage, InstallsIntoARootOfItsOwnRunsThereAndGoesWithoutATrace) {
   if (::geteuid() != 0) GTEST_SKIP() << "only root can install a package";
   ASSERT_EQ(
       run("mkdir -p own/var/lib/dpkg/info own/var/lib/dpkg/updates && touch own/var/lib/dpkg/status").status,
@@ -158,7 +158,7 @@ TEST_F(DebianPackage, installsIntoARootOfItsOwnRunsThereAndGoesWithoutATrace) {
 }
 
 // What a double click in the file manager does: the entry's command, with the document in it.
-TEST_F(DebianPackage, opensTheDocumentThatIsDoubleClicked) {
+TEST_F(DebianPackage, OpensTheDocumentThatIsDoubleClicked) {
   ASSERT_TRUE(isInstalled("xvfb-run")) << missing("xvfb-run");
   ASSERT_TRUE(isInstalled("xdotool")) << missing("xdotool");
   const std::string entry =

@@ -13,6 +13,7 @@
 #include "interaction/canvas_renderer.h"
 #include "shell/golden_picture.h"
 #include "shell/pixel_canvas_painter.h"
+#include "support/random_drawing.h"
 #include "support/test_sketch.h"
 
 namespace ostrelon {
@@ -115,27 +116,6 @@ TEST_F(CanvasWidgetTest, AMovementShortOfTheThresholdIsAClickAndOneAtItADrag) {
   gestures.release({320, 261});
   EXPECT_EQ(shapesOf(sketch), shapesOf(plain.sketch));
   EXPECT_NE(std::get<LineEntity>(line()).from.y, 0) << "the line has moved";
-}
-
-TEST_F(CanvasWidgetTest, DrawsWhatTheGesturesDraw) {
-  for (const SketchTool tool :
-       {SketchTool::line, SketchTool::wall, SketchTool::circle, SketchTool::rectangle}) {
-    sketch.activateTool(tool);
-    press({100, 100});
-    move({140.5, 120.25}, Qt::LeftButton);
-    move({180.5, 141.75}, Qt::LeftButton);
-    release({181, 142});
-
-    plain.sketch.activateTool(tool);
-    gestures.press({100, 100});
-    gestures.drag({140.5, 120.25});
-    gestures.drag({180.5, 141.75});
-    gestures.release({181, 142});
-  }
-  EXPECT_EQ(sketch.entities->size(), 6u);
-  auto shapes = shapesOf(plain.sketch);
-  // The two sketches have the same built-in wall systems, so walls compare too.
-  EXPECT_EQ(shapesOf(sketch), shapes);
 }
 
 TEST_F(CanvasWidgetTest, ADoubleClickClosesAPolygonBehindItsOwnVertices) {
@@ -302,7 +282,7 @@ TEST_F(CanvasWidgetTest, ShowsWhatIsDraggedWhereItIs) {
 
 // So many that a thread of its own paints them.
 TEST_F(CanvasWidgetTest, ItsKeptPicturesFollowALargeDrawing) {
-  const unsigned seed = std::random_device{}();
+  const unsigned seed = testing::seed();
   SCOPED_TRACE(::testing::Message() << "seed " << seed);
   std::mt19937 random(seed);
   const auto below = [&random](int limit) {

@@ -37,7 +37,7 @@ class Portal final : public QDBusVirtualObject {
   }
 };
 
-TEST(ColorSchemeWatcherTest, followsTheDesktopWhileTheProgramRuns) {
+TEST(ColorSchemeWatcherTest, FollowsTheDesktopWhileTheProgramRuns) {
   QProcess daemon;
   daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
   if (!daemon.waitForStarted()) GTEST_SKIP() << "dbus-daemon is not installed";

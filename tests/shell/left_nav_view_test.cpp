@@ -26,7 +26,7 @@ struct LeftNavigationTest : testing::WindowFixture {
   }
 };
 
-TEST_F(LeftNavigationTest, offersTheToolsInTheirOrderAndActivatesThem) {
+TEST_F(LeftNavigationTest, OffersTheToolsInTheirOrderAndActivatesThem) {
   const char* titles[] = {"Select", "Pan", "Line", "Wall", "Circle", "Rectangle", "Polygon", "Trim"};
   int above = -1;
   for (std::size_t i = 0; i < kAllSketchTools.size(); ++i) {
@@ -43,7 +43,7 @@ TEST_F(LeftNavigationTest, offersTheToolsInTheirOrderAndActivatesThem) {
   }
 }
 
-TEST_F(LeftNavigationTest, listsTheEntitiesAndSaysWhenThereAreNone) {
+TEST_F(LeftNavigationTest, ListsTheEntitiesAndSaysWhenThereAreNone) {
   EXPECT_TRUE(find<QLabel>(panel, "leftNav.noEntities")->isVisible());
   EXPECT_EQ(find<QLabel>(panel, "leftNav.noEntities")->text(), "No entities");
   EXPECT_EQ(find<QLabel>(panel, "leftNav.coordinates.centerOrigin")->text(), "0,0 at center  ·  Y ↑");
@@ -64,7 +64,7 @@ TEST_F(LeftNavigationTest, listsTheEntitiesAndSaysWhenThereAreNone) {
   EXPECT_TRUE(find<QLabel>(panel, "leftNav.noEntities")->isVisible());
 }
 
-TEST_F(LeftNavigationTest, aClickMakesTheEntityTheWholeSelection) {
+TEST_F(LeftNavigationTest, AClickMakesTheEntityTheWholeSelection) {
   run("line 0 0 10 0");
   run("wall 0 0 0 10");
   sketch.selectAll();
@@ -79,7 +79,7 @@ TEST_F(LeftNavigationTest, aClickMakesTheEntityTheWholeSelection) {
   EXPECT_EQ(*sketch.primarySelectedEntityID, entityID(sketch.entities.get()[1]));
 }
 
-TEST_F(LeftNavigationTest, anEditOfALongListTellsOnlyItsOwnRows) {
+TEST_F(LeftNavigationTest, AnEditOfALongListTellsOnlyItsOwnRows) {
   std::vector<SketchEntity> many;
   for (int i = 0; i < 100'000; ++i) many.push_back(LineEntity{UUID::random(), {0, 0}, {1.0 + i, 0}});
   sketch.restoreSnapshot(EntityList(std::move(many)));
@@ -114,7 +114,7 @@ TEST_F(LeftNavigationTest, anEditOfALongListTellsOnlyItsOwnRows) {
       << "the list scrolls to a new selection";
 }
 
-TEST_F(LeftNavigationTest, theModelFollowsRandomEdits) {
+TEST_F(LeftNavigationTest, TheModelFollowsRandomEdits) {
   EntityListModel model(sketch);
   // What a view would believe that goes by the signals alone.
   int believed = model.rowCount();
@@ -158,7 +158,7 @@ TEST_F(LeftNavigationTest, theModelFollowsRandomEdits) {
   }
 }
 
-TEST_F(LeftNavigationTest, asARailItShowsIconsAndAsksToUnfold) {
+TEST_F(LeftNavigationTest, AsARailItShowsIconsAndAsksToUnfold) {
   QSignalSpy asked(&panel, &LeftNavView::unfoldRequested);
   panel.setRail(true);
   panel.resize(LeftNavView::kRailWidth, 700);

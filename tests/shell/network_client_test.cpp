@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
+#include <QApplication>
 #include <QTest>
 #include <QTimer>
 #include <optional>
@@ -240,14 +240,18 @@ TEST_F(NetworkClient, StreamsAnInstallerToAPrivateFile) {
 
 TEST_F(NetworkClient, NothingIsToldAfterItsEnd) {
   makeClient();
-  server_.on("/silent", [](QSslSocket& connection) { connection.write("HTTP/1.1 200 OK\r\n\r\nabc"); });
   bool isTold = false;
   client_->fetchManifest(server_.url("/silent"), [&](const auto&) { isTold = true; });
   client_->downloadInstaller(
       server_.url("/silent"), [](double) {}, [&](const auto&) { isTold = true; });
-  QTest::qWait(200);
+  int answered = 0;
+  server_.on("/silent", [&](QSslSocket& connection) {
+    connection.write("HTTP/1.1 200 OK\r\n\r\nabc");
+    ++answered;
+  });
+  ASSERT_TRUE(QTest::qWaitFor([&] { return answered == 2; }, 10'000));
   client_.reset();
-  QTest::qWait(100);
+  QApplication::processEvents();
   EXPECT_FALSE(isTold);
   EXPECT_TRUE(leftNothing());
 }

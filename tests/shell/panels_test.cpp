@@ -1,5 +1,4 @@
 // The top bar, the wall systems and the inspector.
-#include <QComboBox>
 #include <QLabel>
 #include <QSignalSpy>
 
@@ -29,68 +28,14 @@ struct TopBarTest : testing::WindowFixture {
   }
 };
 
-TEST_F(TopBarTest, tellsTheDocumentItsMarkAndItsBranch) {
+TEST_F(TopBarTest, TellsTheDocumentItsMarkAndItsBranch) {
   auto* title = find<DocumentTitle>(bar, "topMenuBar.document");
   EXPECT_EQ(title->accessibleName(), "Untitled Project, branch main");
   run("line 0 0 1 1");
   EXPECT_EQ(title->accessibleName(), "Untitled Project, edited, branch main");
 }
 
-TEST_F(TopBarTest, aLongBranchLeavesTheNameVisible) {
-  DocumentTitle title(theme);
-  const auto shownBeginning = [&](const QString& branch) {
-    title.setDocument("House", false, branch);
-    title.resize(std::min(140, title.sizeHint().width()), 28);
-    return title.grab(QRect(0, 0, 60, 28)).toImage();
-  };
-  const QImage whole = shownBeginning("a");
-  EXPECT_EQ(shownBeginning(QString(200, 'm')), whole);
-  EXPECT_TRUE(title.toolTip().contains(QString(200, 'm')));
-}
-
-TEST_F(TopBarTest, theGridsWordGoesByTheRoomThatThereIs) {
-  auto* grid = find(bar, "topMenuBar.grid");
-  const auto wordAt = [&](int width) {
-    bar.resize(width, TopMenuBarView::kHeight);
-    settle();
-    return grid->text();
-  };
-  const auto narrowest = [&] {
-    int width = 1400;
-    while (wordAt(width) == "Grid" && width > 0) width -= 10;
-    return width;
-  };
-  bar.setKeyHintsVisible(false);
-  const int withShortName = narrowest();
-  EXPECT_EQ(wordAt(640), "");
-  dialogs.queue((home / "A house with a longer name.ostrel").string());
-  application.saveAs();
-  EXPECT_GT(narrowest(), withShortName);
-}
-
-TEST_F(TopBarTest, anOffSwitchIsVisibleInEveryTheme) {
-  Switch toggle(theme, {});
-  toggle.resize(toggle.sizeHint());
-  for (const ThemePalette& palette : {lightPalette(), darkPalette(), tansyPalette()}) {
-    theme.setPalette(palette);
-    const QColor edge = toggle.grab().toImage().pixelColor(15, 1);
-    EXPECT_GE(contrastRatio({edge.redF(), edge.greenF(), edge.blueF()}, palette.card), 2.9)
-        << "the outline is smoothed by a little";
-  }
-  theme.setPalette(lightPalette());
-}
-
-TEST_F(TopBarTest, everyComboBoxHasItsArrow) {
-  QComboBox plain;
-  plain.resize(120, 28);
-  plain.addItem({});
-  const QImage shown = plain.grab(QRect(94, 4, 22, 20)).toImage();
-  bool hasArrow = false;
-  for (int x = 0; x < shown.width(); ++x) hasArrow |= shown.pixelColor(x, 10) != theme.card();
-  EXPECT_TRUE(hasArrow);
-}
-
-TEST_F(TopBarTest, theButtonsAndTheSwitchRunTheirCommands) {
+TEST_F(TopBarTest, TheButtonsAndTheSwitchRunTheirCommands) {
   run("line 0 0 1 1");
   press(bar, "topMenuBar.clear");
   EXPECT_TRUE(sketch.entities->empty());
@@ -103,7 +48,7 @@ TEST_F(TopBarTest, theButtonsAndTheSwitchRunTheirCommands) {
   EXPECT_TRUE(find(bar, "topMenuBar.grid")->isChecked());
 }
 
-TEST_F(TopBarTest, menuRowsAreEnabledWhereThereIsSomethingToDo) {
+TEST_F(TopBarTest, MenuRowsAreEnabledWhereThereIsSomethingToDo) {
   EXPECT_FALSE(menuAction("Undo")->isEnabled());
   EXPECT_FALSE(menuAction("Inspect")->isEnabled());
   EXPECT_EQ(menuAction("Undo")->shortcut().toString(QKeySequence::PortableText), "Ctrl+Z");
@@ -138,7 +83,7 @@ struct WallSystemPanelTest : testing::WindowFixture {
   QString text(const char* identifier) { return find<QLineEdit>(panel, identifier)->text(); }
 };
 
-TEST_F(WallSystemPanelTest, aFieldCommitsWithReturnAndDropsWhatIsNoNumber) {
+TEST_F(WallSystemPanelTest, AFieldCommitsWithReturnAndDropsWhatIsNoNumber) {
   EXPECT_EQ(text("wallSystems.thickness"), "4.5");
   enter("wallSystems.thickness", "5.25");
   EXPECT_EQ(sketch.wallSystemSpecs.get()[0].thickness, 5.25);
@@ -153,7 +98,7 @@ TEST_F(WallSystemPanelTest, aFieldCommitsWithReturnAndDropsWhatIsNoNumber) {
   EXPECT_EQ(sketch.wallSystemSpecs.get()[0].assemblyNotes, "straw");
 }
 
-TEST_F(WallSystemPanelTest, aFieldLeftWithoutReturnShowsAgainWhatHolds) {
+TEST_F(WallSystemPanelTest, AFieldLeftWithoutReturnShowsAgainWhatHolds) {
   auto* field = find<QLineEdit>(panel, "wallSystems.height");
   field->setFocus();
   field->selectAll();
@@ -163,7 +108,7 @@ TEST_F(WallSystemPanelTest, aFieldLeftWithoutReturnShowsAgainWhatHolds) {
   EXPECT_EQ(sketch.wallSystemSpecs.get()[0].height, 96);
 }
 
-TEST_F(WallSystemPanelTest, theFieldsShowTheSelectedWallsSystem) {
+TEST_F(WallSystemPanelTest, TheFieldsShowTheSelectedWallsSystem) {
   auto* title = find<QLabel>(panel, "wallSystems.contextTitle");
   EXPECT_EQ(title->text(), "ACTIVE SYSTEM · W2-INT");
   EXPECT_FALSE(find(panel, "wallSystems.assign")->isEnabled());
@@ -191,7 +136,7 @@ struct InspectorWindowTest : testing::WindowFixture {
   void SetUp() override { present(main); }
 };
 
-TEST_F(InspectorWindowTest, comesAndGoesWithItsFlag) {
+TEST_F(InspectorWindowTest, ComesAndGoesWithItsFlag) {
   EXPECT_EQ(window.windowTitle(), "Entity Inspector");
   EXPECT_EQ(window.objectName(), "entity-inspector");
   run("wall 0 0 10 0");
@@ -207,7 +152,7 @@ TEST_F(InspectorWindowTest, comesAndGoesWithItsFlag) {
   EXPECT_FALSE(window.isVisible());
 }
 
-TEST_F(InspectorWindowTest, showsOneEntityAndEditsIt) {
+TEST_F(InspectorWindowTest, ShowsOneEntityAndEditsIt) {
   run("wall 0 0 10 0");
   sketch.showEntityInspector();
   settle();
@@ -248,7 +193,7 @@ TEST_F(InspectorWindowTest, showsOneEntityAndEditsIt) {
   EXPECT_FALSE(window.isVisible());
 }
 
-TEST_F(InspectorWindowTest, severalSelectedAreEditedTogether) {
+TEST_F(InspectorWindowTest, SeveralSelectedAreEditedTogether) {
   run("wall 0 0 10 0");
   run("circle 0 0 4");
   sketch.selectAll();

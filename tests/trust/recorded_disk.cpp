@@ -118,13 +118,14 @@ void RecordedDisk::apply(const Event& event, Node& root, std::map<int, NodePoint
 }
 
 void RecordedDisk::write(const Node& folder, Survival survival, const FilePath& into) {
-  const auto& names = survival == Survival::namesOnly ? folder.names : folder.syncedNames;
+  const auto& names = survival == Survival::nothingUnsynced ? folder.syncedNames : folder.names;
   for (const auto& [name, node] : names) {
     if (node->isFolder) {
       std::filesystem::create_directory(into / name);
       write(*node, survival, into / name);
     } else {
-      std::ofstream(into / name, std::ios::binary) << node->syncedContent;
+      std::ofstream(into / name, std::ios::binary)
+          << (survival == Survival::everything ? node->content : node->syncedContent);
     }
   }
 }

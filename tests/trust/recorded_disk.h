@@ -11,8 +11,9 @@
 
 namespace ostrelon::testing {
 
-/// What of the unsynced a power loss leaves. A real disk may keep any of it; these are the extremes.
+/// What a crash leaves. Of the unsynced a power loss may leave any part; its two are the extremes.
 enum class Survival {
+  everything,       ///< as when the program alone was killed
   nothingUnsynced,  ///< names and contents as they were synced
   namesOnly,        ///< every name is there, with the content that was synced: often none
 };
@@ -26,7 +27,7 @@ class RecordedDisk {
   FileSystemCalls calls();
   /// How many steps have been noted.
   std::size_t steps() const { return events_.size(); }
-  /// Puts into the empty folder `into` what is there after a power loss behind the first `steps`.
+  /// Puts into the empty folder `into` what is there after a crash behind the first `steps`.
   void survivors(std::size_t steps, Survival survival, const FilePath& into) const;
 
  private:

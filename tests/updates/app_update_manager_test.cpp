@@ -108,22 +108,6 @@ TEST_F(AppUpdateManagerTest, ReadsWhatTheBuildSays) {
   EXPECT_EQ(updateConfiguration("1.2.0", "", "", "").currentDisplayVersion, "1.2.0");
 }
 
-TEST_F(AppUpdateManagerTest, WordsEveryStatus) {
-  const auto text = [](Case value) { return statusText({value, "Why."}, std::nullopt); };
-  EXPECT_EQ(text(Case::notChecked), "Not checked yet.");
-  EXPECT_EQ(text(Case::checking), "Checking for updates...");
-  EXPECT_EQ(text(Case::upToDate), "Ostrelon is up to date.");
-  EXPECT_EQ(text(Case::updateAvailable), "Update available.");
-  EXPECT_EQ(text(Case::postponed), "Update postponed.");
-  EXPECT_EQ(text(Case::downloading), "Downloading update...");
-  EXPECT_EQ(text(Case::verifying), "Verifying update authenticity...");
-  EXPECT_EQ(text(Case::installerOpened),
-            "Verified installer opened. Follow the installer prompts, then restart Ostrelon if requested.");
-  EXPECT_EQ(text(Case::failed), "Why.");
-  EXPECT_EQ(statusText({Case::downloading, {}}, 0.125), "Downloading update 13%...");
-  EXPECT_EQ(statusText({Case::downloading, {}}, 1.0), "Downloading update 100%...");
-}
-
 TEST_F(AppUpdateManagerTest, TheFirstStartChecksAtOnceAndThenEveryTwelveHours) {
   start();
   manager->startAutomaticChecks();

@@ -89,7 +89,7 @@ struct WholeSession : ::testing::Test {
   }
 };
 
-TEST_F(WholeSession, fromTheFirstStartToRecoveryAfterACrash) {
+TEST_F(WholeSession, FromTheFirstStartToRecoveryAfterACrash) {
   // The first start asks for a folder.
   ASSERT_NO_FATAL_FAILURE(start({}, true));
   shoot("1-first-run");
