@@ -115,7 +115,7 @@ void Sketch::cancelDragStep() {
   const DragStep step = *dragStep_;
   if (!(step.before == entities())) {
     // The document may have been saved while the drag was under way.
-    edit([&](Drawing& drawing) { drawing.entities = step.before; },
+    edit([&](Drawing& edited) { edited.entities = step.before; },
          step.isRecorded ? UndoStep::own : UndoStep::none);
   }
   dragStep_.reset();
