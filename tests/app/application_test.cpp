@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "app/inspector.h"
 #include "app/update_summary.h"
 #include "geometry/edit_operations.h"
 #include "support/test_application.h"

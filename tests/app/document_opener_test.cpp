@@ -20,7 +20,7 @@ struct DocumentOpenerTest : ::testing::Test, testing::TestApplication {
                        .updateClient = client,
                        .openInstaller = {}},
                       backgroundOptions()};
-  SketchViewModel& open = program.workspace();
+  Workspace& open = program.workspace();
   FilePath large = home / "Large.ostrel";
 
   ApplicationOptions backgroundOptions() const {

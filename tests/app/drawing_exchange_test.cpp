@@ -38,7 +38,8 @@ struct DrawingExchange : ::testing::Test {
                                  return std::string("picture");
                                }},
                           {.documentsFolder = home / "Documents", .updates = {}}};
-  Workspace& workspace = application.workspace();
+  Sketch& sketch = application.workspace().sketch;
+  Messages& messages = application.workspace().messages;
 
   std::string menu(const char* title) {
     const auto refusal = runMenuCommand(application, title);
@@ -124,12 +125,13 @@ TEST_F(DrawingExchange, AFileThatIsNoDrawingChangesNothing) {
   dialogs.queue((home / "letter.dxf").string());
   EXPECT_EQ(menu("File/Import DXF…"), "Import failed: This is not a DXF file.");
   EXPECT_TRUE(sketch.entities().empty());
-  EXPECT_FALSE(document.isDirty());
+  EXPECT_FALSE(*sketch.isDirty);
 }
 
 TEST_F(DrawingExchange, TheSamplePlanOpensAsADocumentOfItsOwn) {
-  board.resizeCanvas({800, 600});
+  application.workspace().board.resizeCanvas({800, 600});
   menu("Help/Open Sample Plan");
+  const DocumentSession& document = application.workspace().document;
   EXPECT_EQ(*document.name, "Cottage");
   EXPECT_GT(sketch.entities().size(), 50U);
   EXPECT_FALSE(document.fileURL->has_value());

@@ -13,11 +13,11 @@ struct SwallowedLettersTest : ::testing::Test, testing::TestWorkspace {
   double now = 100;
 
   void press(const char* letter) {
-    const auto before = SwallowedLetters::boardOf(workspace);
+    const auto before = SwallowedLetters::stateOf(workspace);
     KeyEvent event{.key = std::string_view(letter) == " " ? KeyName::space : KeyName::character,
                    .characters = letter};
     event.textFocus = event.consoleFocus = true;
-    ASSERT_EQ(handleKey(event, workspace), KeyOutcome::consumed) << letter;
+    ASSERT_EQ(handleKey(event, board), KeyOutcome::consumed) << letter;
     letters.swallowed(letter, dateFromSeconds(now), before);
   }
   std::string type(const char* letter) {

@@ -19,7 +19,7 @@ using ::testing::StartsWith;
 using testing::writeBytes;
 
 struct AutoSaveTest : ::testing::Test, DiskWorkspace {
-  AutoSaveController controller{sketch, settings};
+  AutoSaveController controller{document, settings};
   FilePath plan = home / "plan.ostrel";
 
   void draw() { addLine(sketch, {0, 0}, {1, 1}); }
@@ -29,12 +29,12 @@ struct AutoSaveTest : ::testing::Test, DiskWorkspace {
 TEST_F(AutoSaveTest, SkipsWhatItMayNotWriteAndSaysWhy) {
   draw();
   const std::string noFolder = "Set a default projects folder in Ostrelon Settings before saving.";
-  EXPECT_EQ(autoSaveTick(workspace, settings), noFolder);
+  EXPECT_EQ(autoSaveTick(document, settings), noFolder);
   EXPECT_EQ(lastLine(), "S Auto-save skipped: " + noFolder);
   document.save(plan);
   draw();
   document.setSaveDialogActive(true);
-  EXPECT_EQ(autoSaveTick(workspace, settings), std::nullopt);
+  EXPECT_EQ(autoSaveTick(document, settings), std::nullopt);
   EXPECT_TRUE(document.isDirty());
   document.setSaveDialogActive(false);
   writeBytes(plan, "somebody else's");
@@ -42,7 +42,7 @@ TEST_F(AutoSaveTest, SkipsWhatItMayNotWriteAndSaysWhy) {
   minutes(5);
   const std::string changed = "“plan.ostrel” has been changed by another program and was not overwritten.";
   EXPECT_EQ(lastLine(), "S Auto-save skipped: " + changed);
-  EXPECT_EQ(autoSaveTick(workspace, settings), changed);
+  EXPECT_EQ(autoSaveTick(document, settings), changed);
   EXPECT_EQ(readBytes(plan), "somebody else's");
   EXPECT_TRUE(dialogs.asked().empty());
   EXPECT_EQ(settings.lastAutoSave.get(), std::nullopt);
@@ -55,8 +55,10 @@ struct BackgroundAutoSaveTest : ::testing::Test {
   QueuedDialogs dialogs;
   MemoryUserDefaults defaults;
   AppSettings settings{defaults, files, home / "Documents"};
-  SketchViewModel sketch{Host{scheduler, dialogs, files}};
-  AutoSaveController controller{sketch, settings};
+  Workspace workspace{Host{scheduler, dialogs, files}};
+  Sketch& sketch = workspace.sketch;
+  DocumentSession& document = workspace.document;
+  AutoSaveController controller{document, settings};
   FilePath plan = home / "plan.ostrel";
 
   void startAutoSave() {
@@ -132,7 +134,7 @@ TEST_F(BackgroundAutoSaveTest, SkipsAFileThatSomebodyElseWritesMeanwhile) {
   scheduler.finishBackground();
   EXPECT_EQ(readBytes(plan), "somebody else's");
   EXPECT_TRUE(document.isDirty());
-  EXPECT_THAT(messages.lines->back().text, StartsWith("Auto-save skipped: "));
+  EXPECT_THAT(workspace.messages.lines->back().text, StartsWith("Auto-save skipped: "));
 }
 
 }  // namespace

@@ -54,7 +54,7 @@ struct DocumentStoreTest : ::testing::Test, DiskWorkspace {
 TEST_F(DocumentStoreTest, SavesAndOpensWithTheUndoSteps) {
   for (int step = 0; step < 25; ++step) addLine(sketch, {0, 0}, {step + 1.0, 0.1});
   setShowGrid(sketch, false);
-  board.setViewport(10, 20, 2.5);
+  board.setViewport({10, 20, 2.5});
   document.save(home / "a/../plan.OSTREL");
   EXPECT_EQ(document.fileURL.get(), home / "plan.OSTREL");
   EXPECT_EQ(document.name.get(), "plan");
@@ -208,7 +208,7 @@ TEST(DocumentStoreFailures, TellsEveryStepThatFailsAndLeavesTheOldFile) {
     addLine(on.sketch, {0, 0}, {2, 2});
     on.scheduler.advance(Seconds(10));
     *failing.error = row.error;
-    EXPECT_THAT(saveToURL(on.sketch, on.settings, url, true), ::testing::Optional(HasSubstr(row.text)));
+    EXPECT_THAT(saveToURL(on.document, on.settings, url, true), ::testing::Optional(HasSubstr(row.text)));
     EXPECT_THAT(on.lastLine(), StartsWith("E Save failed: "));
     EXPECT_EQ(on.toast(), on.messages.lines->back().text);
     EXPECT_EQ(readBytes(url), before);
@@ -216,7 +216,7 @@ TEST(DocumentStoreFailures, TellsEveryStepThatFailsAndLeavesTheOldFile) {
     EXPECT_EQ(secondsBetween(**on.document.lastSavedAt, on.scheduler.now()), 10);
     *failing.error = 0;
     EXPECT_THAT(on.files.list(on.home.path()), ElementsAre("plan.ostrel"));
-    EXPECT_EQ(saveToURL(on.sketch, on.settings, url, true), std::nullopt);
+    EXPECT_EQ(saveToURL(on.document, on.settings, url, true), std::nullopt);
   }
 }
 
@@ -232,9 +232,9 @@ TEST(DocumentStoreFailures, KnowsItsOwnFileWhenOnlyTheFolderCouldNotBeMadeToLast
   addLine(on.sketch, {0, 0}, {1, 1});
   on.document.save(on.home / "plan.ostrel");
   addLine(on.sketch, {0, 0}, {2, 2});
-  EXPECT_NE(saveToURL(on.sketch, on.settings, on.home / "plan.ostrel", false), std::nullopt);
+  EXPECT_NE(saveToURL(on.document, on.settings, on.home / "plan.ostrel", false), std::nullopt);
   EXPECT_TRUE(on.document.isDirty());
-  saveCurrentDocument(on.sketch, on.settings, false);
+  saveCurrentDocument(on.document, on.settings, false);
   EXPECT_EQ(on.lastLine(), "S Saved plan.") << "without a question: nobody else has written the file";
 }
 
@@ -257,7 +257,7 @@ TEST_F(DocumentStoreTest, TellsOfAFolderOrFileThatMayNotBeWritten) {
   const auto asAnother = [&](const FilePath& url) {
     return inChild([&] {
       if (::setgid(65534) != 0 || ::setuid(65534) != 0) return 1;
-      const auto failure = saveToURL(workspace, settings, url, false);
+      const auto failure = saveToURL(document, settings, url, false);
       return failure && failure->find("You do not have permission to write") != std::string::npos ? 7 : 2;
     });
   };
@@ -275,17 +275,17 @@ TEST_F(DocumentStoreTest, AsksWhereWithoutAProjectsFolder) {
   draw();
   std::vector<SaveOutcome> outcomes;
   const auto done = [&](SaveOutcome outcome) { outcomes.push_back(outcome); };
-  saveCurrentDocument(workspace, settings, true, done);
+  saveCurrentDocument(document, settings, true, done);
   scheduler.advance(Seconds(0));
   EXPECT_EQ(toast(), "") << "nothing is being saved while the panel is up";
   EXPECT_FALSE(document.isSaveDialogActive);
   dialogs.queue((home / "house.").string());
-  saveDocumentAs(workspace, settings, false, done);
+  saveDocumentAs(document, settings, false, done);
   EXPECT_EQ(document.fileURL.get(), home / "house.ostrel");
   EXPECT_EQ(defaults.map(SettingsKey::documentBookmarks),
             (DefaultsMap{{(home / "house.ostrel").string(), (home / "house.ostrel").string()}}));
   dialogs.queue((home / "house.json").string());
-  saveDocumentAs(workspace, settings, false, done);
+  saveDocumentAs(document, settings, false, done);
   EXPECT_EQ(lastLine(), "E Save failed: Ostrelon documents must use the .ostrel extension.");
   EXPECT_THAT(outcomes, ElementsAre(SaveOutcome::cancelled, SaveOutcome::saved, SaveOutcome::failed));
   const auto& panel = std::get<SavePanel>(dialogs.asked().back());
@@ -296,12 +296,12 @@ TEST_F(DocumentStoreTest, AsksWhereWithoutAProjectsFolder) {
 TEST_F(DocumentStoreTest, AsksBeforeItOverwritesWhatAnotherProgramHasWritten) {
   draw();
   document.save(plan);
-  saveCurrentDocument(workspace, settings, false);
+  saveCurrentDocument(document, settings, false);
   EXPECT_THAT(dialogs.asked(), IsEmpty());
   changeOnDisk(plan);
   const std::string theirs = readBytes(plan);
   draw();
-  saveCurrentDocument(workspace, settings, true);
+  saveCurrentDocument(document, settings, true);
   scheduler.advance(Seconds(0));
   EXPECT_EQ(lastLine(),
             "E Save failed: “plan.ostrel” has been changed by another program and was not overwritten.");
@@ -311,15 +311,15 @@ TEST_F(DocumentStoreTest, AsksBeforeItOverwritesWhatAnotherProgramHasWritten) {
   EXPECT_EQ(std::get<Alert>(dialogs.asked().back()).message,
             "“plan.ostrel” has been changed by another program.");
   dialogs.queue("Overwrite");
-  saveCurrentDocument(workspace, settings, false);
+  saveCurrentDocument(document, settings, false);
   EXPECT_EQ(lastLine(), "S Saved plan.");
   // The same bytes written anew are no change, and a file that is gone is no loss.
   const std::string same = readBytes(plan);
   std::filesystem::remove(plan);
   writeBytes(plan, same);
-  saveCurrentDocument(workspace, settings, false);
+  saveCurrentDocument(document, settings, false);
   std::filesystem::remove(plan);
-  saveCurrentDocument(workspace, settings, false);
+  saveCurrentDocument(document, settings, false);
   EXPECT_EQ(lastLine(), "S Saved plan.");
   EXPECT_EQ(dialogs.asked().size(), 2U);
 }

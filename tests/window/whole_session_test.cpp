@@ -78,8 +78,8 @@ struct WholeSession : ::testing::Test {
   }
   std::size_t savedEntities() const {
     testing::DiskWorkspace reader;
-    reader.sketch.openDocumentFile(document);
-    return reader.sketch.entities->size();
+    reader.document.open(document);
+    return reader.sketch.entities().size();
   }
   /// Ends the program by its own menu command, with nothing to ask about.
   void quit() {
