@@ -1,23 +1,25 @@
-#include "core/sketch_view_model.h"
+#include "app/workspace.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/test_sketch.h"
+#include "support/test_workspace.h"
+#include "core/adding.h"
+#include "geometry/edit_operations.h"
 
 namespace ostrelon {
 namespace {
 
 using ::testing::ElementsAre;
-using testing::TestSketch;
+using testing::TestWorkspace;
 
 struct Recorder {
-  explicit Recorder(SketchViewModel& sketch)
-      : last(sketch.entities),
-        subscription(sketch.observe(kAllFields, [this, &sketch](const SketchChange& change) {
-          changes.push_back(change.fields);
-          differences.push_back(EntityList::difference(last, sketch.entities));
-          last = sketch.entities;
+  explicit Recorder(Workspace& workspace)
+      : last(workspace.sketch.entities()),
+        subscription(workspace.observe(kAllFields, [this, &workspace](FieldMask changed) {
+          changes.push_back(changed);
+          differences.push_back(EntityList::difference(last, workspace.sketch.entities()));
+          last = workspace.sketch.entities();
         })) {}
   EntityList last;
   std::vector<FieldMask> changes;
@@ -26,116 +28,116 @@ struct Recorder {
 };
 
 TEST(SketchViewModel, StartsWithTwoLinesAndTheBuiltInSystems) {
-  TestSketch t;
-  ASSERT_EQ(t.sketch.consoleLines->size(), 2u);
-  EXPECT_EQ(t.sketch.consoleLines->front().text, "Ostrelon console ready.");
-  EXPECT_TRUE(t.sketch.consoleLines->back().isSystem);
-  EXPECT_EQ(t.sketch.activeWallSystemSpec()->name, "W2-INT");
-  EXPECT_FALSE(t.sketch.isDocumentDirty);
+  TestWorkspace t;
+  ASSERT_EQ(t.messages.lines->size(), 2u);
+  EXPECT_EQ(t.messages.lines->front().text, "Ostrelon console ready.");
+  EXPECT_TRUE(t.messages.lines->back().isSystem);
+  EXPECT_EQ(t.sketch.drawing->activeWallSystem()->name, "W2-INT");
+  EXPECT_FALSE(t.document.isDirty());
 }
 
 TEST(SketchViewModel, TellsOncePerOperationWithExactlyTheChangedFields) {
-  TestSketch t;
+  TestWorkspace t;
   Recorder recorder(t.sketch);
-  t.sketch.addWall(std::nullopt, {0, 0}, {10, 0});
+  addWall(t.sketch, std::nullopt, {0, 0}, {10, 0});
   EXPECT_THAT(
       recorder.changes,
       ElementsAre(fieldMask(SketchField::entities, SketchField::undoStack, SketchField::isDocumentDirty,
                             SketchField::selectedEntityIDs, SketchField::primarySelectedEntityID)));
   EXPECT_EQ(recorder.differences.front().added.size(), 1u);
-  t.sketch.addPolygon({{0, 0}, {1, 1}});
-  t.sketch.setShowGrid(true);
-  t.sketch.setActiveWallSystem(*t.sketch.activeWallSystemSpec());
-  t.sketch.redo();
+  addPolygon(t.sketch, {{0, 0}, {1, 1}});
+  setShowGrid(t.sketch, true);
+  setActiveWallSystem(t.sketch, t.messages, *t.sketch.drawing->activeWallSystem());
+  t.board.redo();
   EXPECT_EQ(recorder.changes.size(), 1u) << "an operation that changes nothing tells nobody";
 }
 
 TEST(SketchViewModel, ReportsWhatWasAskedForAndNothingAfterTheEnd) {
-  TestSketch t;
+  TestWorkspace t;
   std::vector<FieldMask> heard;
   std::optional<Subscription> subscription =
-      t.sketch.observe(fieldMask(SketchField::showGrid, SketchField::undoStack),
-                       [&](const SketchChange& change) { heard.push_back(change.fields); });
-  t.sketch.selectAll();
-  t.sketch.setCommandInput("line");
+      t.workspace.observe(fieldMask(SketchField::showGrid, SketchField::undoStack),
+                       [&](FieldMask changed) { heard.push_back(changed); });
+  selectAll(t.sketch);
+  t.console.setInput("line");
   EXPECT_TRUE(heard.empty());
-  t.sketch.setShowGrid(false);
-  t.sketch.addLine({0, 0}, {1, 1});
+  setShowGrid(t.sketch, false);
+  addLine(t.sketch, {0, 0}, {1, 1});
   t.run("circle 0 0 1; rect 0 0 2 2");
-  t.sketch.undo();
+  t.board.undo();
   EXPECT_EQ(heard.size(), 4U) << "a chain is reported once";
   subscription.reset();
-  t.sketch.setShowGrid(true);
+  setShowGrid(t.sketch, true);
   EXPECT_EQ(heard.size(), 4U);
 }
 
 TEST(SketchViewModel, ObserversMayComeAndGoWhileTheyAreTold) {
-  TestSketch t;
+  TestWorkspace t;
   int first = 0;
   int second = 0;
   Subscription other;
   std::optional<Subscription> own;
-  own = t.sketch.observe(fieldMask(SketchField::showGrid), [&](const SketchChange&) {
+  own = t.workspace.observe(fieldMask(SketchField::showGrid), [&](FieldMask) {
     ++first;
-    other = t.sketch.observe(fieldMask(SketchField::showGrid), [&](const SketchChange&) { ++second; });
+    other = t.workspace.observe(fieldMask(SketchField::showGrid), [&](FieldMask) { ++second; });
     own.reset();
   });
-  t.sketch.setShowGrid(false);
-  t.sketch.setShowGrid(true);
+  setShowGrid(t.sketch, false);
+  setShowGrid(t.sketch, true);
   EXPECT_EQ(first, 1);
   EXPECT_EQ(second, 1);
 }
 
 TEST(Undo, TakesBackAndBringsBackWithoutReselecting) {
-  TestSketch t;
-  t.sketch.addWall(std::nullopt, {0, 0}, {10, 0});
-  const EntityList withWall = t.sketch.entities;
-  t.sketch.clearSketch();
-  t.sketch.undo();
-  EXPECT_EQ(t.sketch.entities.get(), withWall);
-  EXPECT_TRUE(t.sketch.selectedEntityIDs->empty());
-  t.sketch.undo();
-  EXPECT_TRUE(t.sketch.entities->empty());
-  t.sketch.redo();
-  EXPECT_EQ(t.sketch.entities.get(), withWall);
-  EXPECT_EQ(t.sketch.consoleLines->back().text, "Redo.");
-  t.sketch.addLine({0, 0}, {1, 1});
-  const auto lines = t.sketch.consoleLines->size();
-  t.sketch.redo();
-  EXPECT_EQ(t.sketch.consoleLines->size(), lines) << "a new edit ends the redo history";
+  TestWorkspace t;
+  addWall(t.sketch, std::nullopt, {0, 0}, {10, 0});
+  const EntityList withWall = t.sketch.entities();
+  t.board.clearSketch();
+  t.board.undo();
+  EXPECT_EQ(t.sketch.entities(), withWall);
+  EXPECT_TRUE(t.sketch.selection->ids.empty());
+  t.board.undo();
+  EXPECT_TRUE(t.sketch.entities().empty());
+  t.board.redo();
+  EXPECT_EQ(t.sketch.entities(), withWall);
+  EXPECT_EQ(t.messages.lines->back().text, "Redo.");
+  addLine(t.sketch, {0, 0}, {1, 1});
+  const auto lines = t.messages.lines->size();
+  t.board.redo();
+  EXPECT_EQ(t.messages.lines->size(), lines) << "a new edit ends the redo history";
 }
 
 TEST(Undo, CutsTheSelectionDownToWhatExists) {
-  TestSketch t;
-  t.sketch.addWall(std::nullopt, {0, 0}, {10, 0});
-  t.sketch.undo();
-  EXPECT_TRUE(t.sketch.selectedEntityIDs->empty());
-  EXPECT_EQ(*t.sketch.primarySelectedEntityID, std::nullopt);
-  EXPECT_TRUE(t.sketch.isDocumentDirty);
+  TestWorkspace t;
+  addWall(t.sketch, std::nullopt, {0, 0}, {10, 0});
+  t.board.undo();
+  EXPECT_TRUE(t.sketch.selection->ids.empty());
+  EXPECT_EQ(t.sketch.selection->primary, std::nullopt);
+  EXPECT_TRUE(t.document.isDirty());
 }
 
 TEST(Undo, GroupsOfCommandsAreOneStepOrNone) {
-  TestSketch t;
-  t.sketch.addLine({0, 0}, {1, 1});
-  const testing::DocumentState before(t.sketch);
+  TestWorkspace t;
+  addLine(t.sketch, {0, 0}, {1, 1});
+  const testing::WorkspaceState before(t.sketch);
 
   const auto failed = t.sketch.captureCommandMutationState();
   t.sketch.changeUndoCheckpointSuppressionDepth(1);
-  t.sketch.addWall(std::nullopt, {0, 0}, {10, 0});
+  addWall(t.sketch, std::nullopt, {0, 0}, {10, 0});
   t.sketch.changeUndoCheckpointSuppressionDepth(-1);
   t.sketch.restoreCommandMutationState(failed);
-  EXPECT_EQ(testing::DocumentState(t.sketch), before);
+  EXPECT_EQ(testing::WorkspaceState(t.sketch), before);
 
   const auto done = t.sketch.captureCommandMutationState();
   t.sketch.changeUndoCheckpointSuppressionDepth(1);
-  t.sketch.addCircle({0, 0}, 1);
-  t.sketch.addCircle({0, 0}, 2);
+  addCircle(t.sketch, {0, 0}, 1);
+  addCircle(t.sketch, {0, 0}, 2);
   t.sketch.changeUndoCheckpointSuppressionDepth(-1);
   t.sketch.commitCommandMutationState(done);
-  EXPECT_EQ(t.sketch.undoStack().undoSnapshots().size(), before.undoSteps + 1);
-  t.sketch.undo();
+  EXPECT_EQ(t.sketch.undoStack->undoSnapshots().size(), before.undoSteps + 1);
+  t.board.undo();
   t.sketch.commitCommandMutationState(t.sketch.captureCommandMutationState());
-  EXPECT_EQ(t.sketch.undoStack().redoSnapshots().size(), 1u) << "no change keeps the redo history";
+  EXPECT_EQ(t.sketch.undoStack->redoSnapshots().size(), 1u) << "no change keeps the redo history";
 }
 
 TEST(Undo, KeepsToItsLimits) {
@@ -149,9 +151,9 @@ TEST(Undo, KeepsToItsLimits) {
   stack.appendUndoSnapshot({});
   EXPECT_EQ(stack.undoSnapshots().size(), 3u) << "redo goes beyond the limit";
 
-  TestSketch t;
+  TestWorkspace t;
   t.sketch.replaceUndoSnapshots(std::vector<SketchUndoSnapshot>(25));
-  EXPECT_EQ(t.sketch.undoStack().undoSnapshots().size(), kStoredUndoSnapshots);
+  EXPECT_EQ(t.sketch.undoStack->undoSnapshots().size(), kStoredUndoSnapshots);
 }
 
 }  // namespace

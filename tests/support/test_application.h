@@ -22,7 +22,7 @@ struct TestApplication {
   ServedUpdateClient client{scheduler, home / "tmp"};
   std::vector<FilePath> openedInstallers;
   Application application{services(), options()};
-  SketchViewModel& sketch = application.sketch();
+  Workspace& workspace = application.workspace();
 
   ApplicationServices services() {
     return {.host = {scheduler, dialogs, files},
@@ -40,10 +40,10 @@ struct TestApplication {
   }
 
   void submit(std::string line) {
-    sketch.setCommandInput(std::move(line));
-    sketch.submitCommandInput();
+    workspace.console.setInput(std::move(line));
+    workspace.console.submit();
   }
-  const ConsoleLine& lastLine() const { return sketch.consoleLines->back(); }
+  const ConsoleLine& lastLine() const { return workspace.messages.lines->back(); }
   /// Runs everything that is due now.
   void settle() { scheduler.advance(Seconds(0)); }
 };
