@@ -28,15 +28,12 @@ constexpr int kToastRaisedBelow = 720;
 constexpr int kToastRaise = 60;
 
 // Everything that the badges tell.
-constexpr FieldMask kShownFields = fieldMask(
-    SketchField::entities, SketchField::wallSystemSpecs, SketchField::activeWallSystemSpecID,
-    SketchField::selectedEntityIDs, SketchField::primarySelectedEntityID, SketchField::selectedTool,
-    SketchField::draft, SketchField::polygonDraft, SketchField::hoveredEntityID, SketchField::hoverViewPoint,
-    SketchField::cursorSketchPoint, SketchField::activeEntitySnapPoint, SketchField::activeGridSnapPoint,
-    SketchField::snapFeedback, SketchField::acquiredEntitySnap, SketchField::pendingTrackingAcquire,
-    SketchField::trimCuttingEdgeEntityID, SketchField::viewport, SketchField::canvasSize,
-    SketchField::selectDrag, SketchField::isSegmentLengthEditing, SketchField::segmentLengthEditText,
-    SketchField::segmentLengthEditError, SketchField::documentToast);
+FieldMask shownFields(const Workspace& workspace) {
+  const Board& board = workspace.board;
+  return fieldsOf(workspace.sketch.drawing, workspace.sketch.selection, workspace.messages.toast, board.view,
+                  board.tool, board.gesture, board.snap, board.tracking, board.hover, board.lengthEditor,
+                  board.cursor, board.trimCuttingEdge);
+}
 
 QString entityCount(std::size_t count) {
   return QStringLiteral("%1 %2").arg(count).arg(count == 1 ? "entity" : "entities");
@@ -209,7 +206,7 @@ class LengthLabelButton final : public Button {
 CanvasOverlay::CanvasOverlay(Application& application, Theme& theme, QWidget& canvas)
     : QObject(&canvas),
       application_(application),
-      sketch_(application.sketch()),
+      workspace_(application.workspace()),
       theme_(theme),
       canvas_(canvas),
       status_(new Badge(theme, QStringLiteral("canvas.statusBadge"), &canvas)),
@@ -228,7 +225,7 @@ CanvasOverlay::CanvasOverlay(Application& application, Theme& theme, QWidget& ca
       lengthEditor_(new Field(theme, true, &canvas)),
       lengthError_(new Badge(theme, QStringLiteral("canvas.segmentLengthError"), &canvas)),
       toast_(new ToastView(theme, &canvas)),
-      update_(sketch_, kShownFields, this, [this] { refresh(); }) {
+      update_(workspace_, shownFields(workspace_), this, [this] { refresh(); }) {
   coordinates_->setMinimumBadgeWidth(132);
 
   // The align bar.
@@ -255,7 +252,7 @@ CanvasOverlay::CanvasOverlay(Application& application, Theme& theme, QWidget& ca
                                ? QStringLiteral("Bring the centres onto one horizontal line")
                                : QStringLiteral("Bring the centres onto one vertical line"));
     connect(row.button, &QPushButton::clicked, this,
-            [this, axis = row.axis] { alignSelectionAndReport(sketch_, axis); });
+            [this, axis = row.axis] { alignSelectionAndReport(workspace_, axis); });
     alignRow->addWidget(row.button);
   }
 
@@ -287,8 +284,8 @@ CanvasOverlay::CanvasOverlay(Application& application, Theme& theme, QWidget& ca
     cluster->addSpacing(4);
   };
   const auto zoom = [this](double factor) {
-    const SketchSize size = sketch_.canvasSize;
-    sketch_.zoomViewport(factor, {size.width * 0.5, size.height * 0.5});
+    const SketchSize size = workspace_.board.view->canvasSize;
+    workspace_.board.zoom(factor, {size.width * 0.5, size.height * 0.5});
   };
   cluster->addWidget(gridScale_);
   addLine();
@@ -298,9 +295,9 @@ CanvasOverlay::CanvasOverlay(Application& application, Theme& theme, QWidget& ca
   addButton(QStringLiteral("Zoom in"), Icon::plus, "viewport.zoomIn", "⌘+", [zoom] { zoom(kZoomInFactor); });
   addLine();
   addButton(QStringLiteral("Zoom to fit"), Icon::fit, "viewport.fit", "⌘0",
-            [this] { sketch_.zoomToFit(sketch_.canvasSize); });
+            [this] { workspace_.board.zoomToFit(workspace_.board.view->canvasSize); });
   addButton(QStringLiteral("Reset view"), Icon::reset, "viewport.reset", "⇧⌘0",
-            [this] { sketch_.resetViewport(sketch_.canvasSize); });
+            [this] { workspace_.board.resetViewport(workspace_.board.view->canvasSize); });
 
   // The length of a segment: the canvas paints the pill, a button over it takes the click.
   lengthLabel_->setObjectName(QStringLiteral("canvas.segmentLengthLabel"));
@@ -318,8 +315,8 @@ CanvasOverlay::CanvasOverlay(Application& application, Theme& theme, QWidget& ca
   QWidget::setTabOrder(alignVertical_, lengthLabel_);
   QWidget::setTabOrder(lengthLabel_, lengthEditor_);
   connect(lengthEditor_, &QLineEdit::textEdited, this,
-          [this](const QString& text) { sketch_.setSegmentLengthEditText(plainText(text)); });
-  connect(lengthEditor_, &QLineEdit::returnPressed, this, [this] { sketch_.commitSegmentLengthEdit(); });
+          [this](const QString& text) { workspace_.board.setLengthEditText(plainText(text)); });
+  connect(lengthEditor_, &QLineEdit::returnPressed, this, [this] { workspace_.board.commitLengthEdit(); });
   for (QWidget* widget : {static_cast<QWidget*>(lengthLabel_), static_cast<QWidget*>(lengthEditor_),
                           static_cast<QWidget*>(lengthError_), static_cast<QWidget*>(alignBar_)}) {
     widget->hide();
@@ -339,14 +336,15 @@ bool CanvasOverlay::eventFilter(QObject* object, QEvent* event) {
   // An editor that loses the focus closes without a result.
   if (object == lengthEditor_ && event->type() == QEvent::FocusOut &&
       static_cast<QFocusEvent*>(event)->reason() != Qt::ActiveWindowFocusReason &&
-      static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason && *sketch_.isSegmentLengthEditing) {
-    sketch_.closeSegmentLengthEdit();
+      static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason &&
+      workspace_.board.lengthEditor->isOpen) {
+    workspace_.board.closeLengthEditor();
   }
   return QObject::eventFilter(object, event);
 }
 
 void CanvasOverlay::beginLengthEdit() {
-  sketch_.beginSegmentLengthEdit();
+  workspace_.board.beginLengthEdit();
   refreshSegmentLabel();
 }
 
@@ -355,25 +353,25 @@ void CanvasOverlay::refresh() {
   refreshPointerBadges();
   refreshViewport();
   refreshSegmentLabel();
-  toast_->setToast(sketch_.documentToast);
+  toast_->setToast(workspace_.messages.toast);
   place();
 }
 
 void CanvasOverlay::refreshStatus() {
-  const WallSystemSpec* active = sketch_.activeWallSystemSpec();
+  const WallSystemSpec* active = workspace_.sketch.drawing->activeWallSystem();
   std::vector<BadgePart> parts{
-      {.icon = Icon::stack, .words = entityCount(sketch_.entities->size())},
-      {.words = qtText(displayName(sketch_.selectedTool)), .hasLineBefore = true},
-      {.words = qtText(sketch_.selectionSummary()), .hasLineBefore = true, .elides = true},
+      {.icon = Icon::stack, .words = entityCount(workspace_.sketch.entities().size())},
+      {.words = qtText(displayName(workspace_.board.tool)), .hasLineBefore = true},
+      {.words = qtText(workspace_.sketch.selectionSummary()), .hasLineBefore = true, .elides = true},
   };
   if (active != nullptr)
     parts.push_back({.icon = Icon::wall, .words = qtText(active->name), .hasLineBefore = true});
   status_->setParts(std::move(parts));
-  alignBar_->setVisible(sketch_.selectedEntityIDs->size() >= 2);
+  alignBar_->setVisible(workspace_.sketch.selection->ids.size() >= 2);
 }
 
 void CanvasOverlay::refreshPointerBadges() {
-  const auto& cursor = *sketch_.cursorSketchPoint;
+  const auto& cursor = *workspace_.board.cursor;
   coordinates_->setVisible(cursor.has_value());
   if (cursor) {
     // Never "-0.0".
@@ -389,34 +387,35 @@ void CanvasOverlay::refreshPointerBadges() {
         QStringLiteral("Cursor coordinates X %1 Y %2").arg(number(cursor->x), number(cursor->y)));
   }
   trimInstruction_->setVisible(false);
-  if (sketch_.selectedTool == SketchTool::trim) {
-    if (const auto instruction = sketch_.trimInstruction()) {
+  if (workspace_.board.tool == SketchTool::trim) {
+    if (const auto instruction = workspace_.board.trimInstruction()) {
       trimInstruction_->setVisible(true);
       trimInstruction_->setParts({{.icon = Icon::trim, .words = qtText(*instruction)}});
     }
   }
-  showBadge(*snapFeedback_, sketch_.snapFeedback, Icon::scope, TextStyle::badge);
-  showBadge(*measurement_, sketch_.draftMeasurementText(), Icon::ruler, TextStyle::measurement);
+  showBadge(*snapFeedback_, workspace_.board.snap->feedback, Icon::scope, TextStyle::badge);
+  showBadge(*measurement_, workspace_.board.draftMeasurementText(), Icon::ruler, TextStyle::measurement);
 
-  const auto& hovered = *sketch_.hoveredEntityID;
-  const auto label = hovered && *sketch_.hoverViewPoint ? sketch_.entityLabelText(*hovered) : std::nullopt;
+  const auto& hovered = workspace_.board.hover->entityID;
+  const auto label =
+      hovered && workspace_.board.hover->viewPoint ? workspace_.sketch.labelOf(*hovered) : std::nullopt;
   if (label) {
-    hoverLabel_->show(qtText(*label), sketch_.selectedTool == SketchTool::trim);
+    hoverLabel_->show(qtText(*label), workspace_.board.tool == SketchTool::trim);
   } else {
     hoverLabel_->hide();
   }
 }
 
 void CanvasOverlay::refreshViewport() {
-  gridScale_->setText(qtText(gridScaleLabel(sketch_.viewport->scale)));
-  percentage_->setText(qtText(zoomPercentageLabel(sketch_.viewport->scale)));
+  gridScale_->setText(qtText(gridScaleLabel(workspace_.board.viewport().scale)));
+  percentage_->setText(qtText(zoomPercentageLabel(workspace_.board.viewport().scale)));
   gridScale_->setAccessibleName(QStringLiteral("Grid step ") + gridScale_->text());
   percentage_->setAccessibleName(QStringLiteral("Zoom ") + percentage_->text());
 }
 
 void CanvasOverlay::refreshSegmentLabel() {
-  const auto label = segmentLabel(sketch_, sketch_.viewport);
-  const bool isEditing = label && *sketch_.isSegmentLengthEditing;
+  const auto label = segmentLabel(workspace_.board, workspace_.board.viewport());
+  const bool isEditing = label && workspace_.board.lengthEditor->isOpen;
   lengthLabel_->setVisible(label && !isEditing);
   if (label) {
     const QRectF pill(label->pill.minX, label->pill.minY, label->pill.width(), label->pill.height());
@@ -427,7 +426,7 @@ void CanvasOverlay::refreshSegmentLabel() {
     const QRect editor(static_cast<int>(std::lround(pill.center().x())) - width / 2,
                        static_cast<int>(std::lround(pill.center().y())) - 12, width, 24);
     lengthEditor_->setGeometry(editor);
-    const auto& error = *sketch_.segmentLengthEditError;
+    const auto& error = workspace_.board.lengthEditor->error;
     if (isEditing && error) {
       lengthError_->setParts(
           {{.icon = Icon::alert, .words = qtText(*error), .iconInk = BadgePart::Ink::foreground}});
@@ -440,7 +439,7 @@ void CanvasOverlay::refreshSegmentLabel() {
   } else {
     lengthError_->hide();
   }
-  const QString text = qtText(*sketch_.segmentLengthEditText);
+  const QString text = qtText(workspace_.board.lengthEditor->text);
   if (isEditing && !lengthEditor_->isVisible()) {
     lengthEditor_->setText(text);
     lengthEditor_->show();
@@ -494,7 +493,7 @@ void CanvasOverlay::place() {
 }
 
 void CanvasOverlay::placePointerBadges() {
-  const SketchViewport& view = sketch_.viewport;
+  const SketchViewport& view = workspace_.board.viewport();
   const QSize room = canvas_.size();
   // Beside a point: to its right and below, on the other side where the edge of the canvas is near.
   const auto besidePoint = [room](SketchPoint point, QSize size, int right, int below) {
@@ -507,7 +506,7 @@ void CanvasOverlay::placePointerBadges() {
     return QPoint(std::max(8, x), std::max(8, y));
   };
 
-  const auto beside = pointerBadgePoint(sketch_);
+  const auto beside = pointerBadgePoint(workspace_.board);
   const SketchPoint at = beside ? sketchPointToView(*beside, view) : SketchPoint{0, 0};
   QSize both(0, 0);
   std::vector<Badge*> stack;
@@ -522,8 +521,8 @@ void CanvasOverlay::placePointerBadges() {
     badge->move(corner);
     corner.ry() += badge->height() + 4;
   }
-  if (!hoverLabel_->isHidden() && *sketch_.hoverViewPoint) {
-    hoverLabel_->move(besidePoint(**sketch_.hoverViewPoint, hoverLabel_->size(), 14, 18));
+  if (!hoverLabel_->isHidden() && workspace_.board.hover->viewPoint) {
+    hoverLabel_->move(besidePoint(*workspace_.board.hover->viewPoint, hoverLabel_->size(), 14, 18));
   }
 }
 

@@ -77,7 +77,7 @@ class CanvasOverlay final : public QObject {
   void beginLengthEdit();
 
   Application& application_;
-  SketchViewModel& sketch_;
+  Workspace& workspace_;
   Theme& theme_;
   QWidget& canvas_;
 

@@ -8,7 +8,7 @@
 #include <cmath>
 #include <utility>
 
-#include "core/sketch_view_model.h"
+#include "interaction/board.h"
 #include "interaction/canvas_renderer.h"
 #include "shell/canvas_cursor.h"
 #include "shell/painted_region.h"
@@ -34,20 +34,11 @@ constexpr double kScrollStep = 60;
 SketchPoint viewPoint(QPointF position) { return {position.x(), position.y()}; }
 
 /// Everything that the canvas shows.
-constexpr FieldMask kPaintedFields = fieldMask(
-    SketchField::entities, SketchField::wallSystemSpecs, SketchField::activeWallSystemSpecID,
-    SketchField::selectedEntityIDs, SketchField::selectMarquee, SketchField::selectedTool,
-    SketchField::showGrid, SketchField::draft, SketchField::polygonDraft, SketchField::hoveredEntityID,
-    SketchField::selectDrag, SketchField::activeAxisSnaps, SketchField::activeEntitySnapPoint,
-    SketchField::activeGridSnapPoint, SketchField::activeEntitySnapSourcePoint, SketchField::snapGuideAnchor,
-    SketchField::acquiredEntitySnap, SketchField::pendingTrackingAcquire,
-    SketchField::trackingAcquireProgress, SketchField::trimCuttingEdgeEntityID, SketchField::viewport,
-    SketchField::isSegmentLengthEditing);
-
-/// What the pictures show. A change of any other field touches only what lies over them.
-constexpr FieldMask kPictureFields =
-    fieldMask(SketchField::entities, SketchField::wallSystemSpecs, SketchField::selectedEntityIDs,
-              SketchField::showGrid, SketchField::selectDrag, SketchField::viewport);
+FieldMask paintedFields(const Board& board) {
+  const Sketch& sketch = board.sketch();
+  return fieldsOf(sketch.drawing, sketch.selection, board.view, board.tool, board.gesture, board.snap,
+                  board.tracking, board.hover, board.lengthEditor, board.trimCuttingEdge);
+}
 
 std::unordered_set<UUID> draggedIDs(const SelectDragState& drag) {
   return std::visit(Overloaded{
@@ -59,9 +50,9 @@ std::unordered_set<UUID> draggedIDs(const SelectDragState& drag) {
 }
 
 /// How far a group has been dragged, sketch units. All of its entities move alike.
-SketchPoint dragMovement(const MultiBodyDrag& drag, const SketchViewModel& model) {
+SketchPoint dragMovement(const MultiBodyDrag& drag, const Board& board) {
   const auto anchor = drag.anchors.find(drag.leadEntityID);
-  const SketchEntity* now = model.entity(drag.leadEntityID);
+  const SketchEntity* now = board.sketch().entity(drag.leadEntityID);
   if (anchor == drag.anchors.end() || now == nullptr) return {};
   const SketchViewport unit{{0, 0}, 1};
   const SketchBox before = entityViewBounds(anchor->second, 0, unit);
@@ -71,10 +62,10 @@ SketchPoint dragMovement(const MultiBodyDrag& drag, const SketchViewModel& model
 
 }  // namespace
 
-CanvasWidget::CanvasWidget(SketchViewModel& model, QWidget* parent)
+CanvasWidget::CanvasWidget(Board& board, QWidget* parent)
     : QWidget(parent),
-      model_(model),
-      gestures_(model),
+      board_(board),
+      gestures_(board),
       palette_(lightPalette()),
       entities_(EntityPicture::Kind::entitiesWithout, repaintLater()),
       dragged_(EntityPicture::Kind::entitiesNamed, repaintLater()),
@@ -82,9 +73,8 @@ CanvasWidget::CanvasWidget(SketchViewModel& model, QWidget* parent)
   setAttribute(Qt::WA_OpaquePaintEvent);
   setMouseTracking(true);
   setAccessibleName(tr("Canvas"));
-  subscription_ =
-      model_.observe(kPaintedFields, [this](const SketchChange& change) { modelChanged(change.fields); });
-  modelChanged(kPaintedFields);
+  subscription_ = board_.observe(paintedFields(board_), [this](FieldMask changed) { boardChanged(changed); });
+  boardChanged(paintedFields(board_));
 }
 
 CanvasWidget::~CanvasWidget() = default;
@@ -103,20 +93,33 @@ void CanvasWidget::setThemePalette(const ThemePalette& palette) {
   update();
 }
 
-void CanvasWidget::modelChanged(FieldMask fields) {
-  if (fields & fieldMask(SketchField::selectDrag)) {
-    draggedIDs_ = *model_.selectDrag
-                      ? std::make_shared<const std::unordered_set<UUID>>(draggedIDs(**model_.selectDrag))
-                      : nullptr;
-  }
-  if (fields & fieldMask(SketchField::selectedEntityIDs)) {
-    selectedIDs_ = model_.selectedEntityIDs->size() > kMostLiveEntities
-                       ? std::make_shared<const std::unordered_set<UUID>>(*model_.selectedEntityIDs)
-                       : nullptr;
-  }
-  if (fields & fieldMask(SketchField::selectedTool)) updateCursor();
+// A change of the gesture or the selection reaches the pictures only where other entities are dragged or
+// selected than before: a draft changes with each move of the pointer.
+bool CanvasWidget::takeDragged() {
+  const SelectDrag* drag = board_.selectDrag();
+  if (drag == nullptr) return std::exchange(draggedIDs_, nullptr) != nullptr;
+  std::unordered_set<UUID> ids = draggedIDs(drag->state);
+  if (draggedIDs_ && *draggedIDs_ == ids) return false;
+  draggedIDs_ = std::make_shared<const std::unordered_set<UUID>>(std::move(ids));
+  return true;
+}
+
+bool CanvasWidget::takeSelected() {
+  const std::unordered_set<UUID>& ids = board_.sketch().selection->ids;
+  if (*selected_ == ids) return false;
+  selected_ = std::make_shared<const std::unordered_set<UUID>>(ids);
+  selectedIDs_ = ids.size() > kMostLiveEntities ? selected_ : nullptr;
+  return true;
+}
+
+void CanvasWidget::boardChanged(FieldMask fields) {
+  const Sketch& sketch = board_.sketch();
+  bool touchesPictures = (fields & fieldsOf(sketch.drawing, board_.view)) != 0;
+  if (fields & fieldsOf(board_.gesture)) touchesPictures |= takeDragged();
+  if (fields & fieldsOf(sketch.selection)) touchesPictures |= takeSelected();
+  if (fields & fieldsOf(board_.tool)) updateCursor();
   const QRegion before = std::exchange(overlay_, overlayRegion());
-  if (fields & kPictureFields) {
+  if (touchesPictures) {
     isExact_ = false;
     update();
   } else {
@@ -124,19 +127,17 @@ void CanvasWidget::modelChanged(FieldMask fields) {
   }
 }
 
-void CanvasWidget::updateCursor() {
-  setCursor(canvasCursor(*model_.selectedTool, palette_, devicePixelRatioF()));
-}
+void CanvasWidget::updateCursor() { setCursor(canvasCursor(*board_.tool, palette_, devicePixelRatioF())); }
 
 PictureView CanvasWidget::view() const {
-  return {{*model_.viewport, {static_cast<double>(width()), static_cast<double>(height())}},
+  return {{board_.viewport(), {static_cast<double>(width()), static_cast<double>(height())}},
           palette_,
           devicePixelRatioF()};
 }
 
 void CanvasWidget::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
-  model_.updateCanvasSize({static_cast<double>(width()), static_cast<double>(height())});
+  board_.resizeCanvas({static_cast<double>(width()), static_cast<double>(height())});
   overlay_ = overlayRegion();
   Q_EMIT resized();
 }
@@ -231,7 +232,7 @@ void CanvasWidget::finishPainting() {
 }
 
 void CanvasWidget::updateGrid(const PictureView& view) {
-  const bool isShown = *model_.showGrid;
+  const bool isShown = board_.sketch().drawing->showGrid;
   if (gridView_ == view && gridShown_ == isShown) return;
   const double ratio = view.pixelRatio;
   const QSize size(static_cast<int>(std::ceil(width() * ratio)),
@@ -246,20 +247,20 @@ void CanvasWidget::updateGrid(const PictureView& view) {
   CanvasFrame frame{view.transform, view.palette};
   frame.gridPixelRatio = ratio;
   paintBackground(canvas, frame);
-  paintLayer(canvas, CanvasLayer::grid, model_, frame);
+  paintLayer(canvas, CanvasLayer::grid, board_, frame);
 }
 
 void CanvasWidget::updatePictures(EntityPicture::Deadline deadline) {
   const PictureView now = view();
   updateGrid(now);
-  const auto& systems = *model_.wallSystemSpecs;
-  const EntityIndex& index = model_.index();
-  bool isDone = entities_.update(now, {*model_.entities, systems, draggedIDs_}, index, deadline);
+  const auto& systems = board_.sketch().drawing->wallSystemSpecs;
+  const EntityIndex& index = board_.sketch().index();
+  bool isDone = entities_.update(now, {board_.sketch().entities(), systems, draggedIDs_}, index, deadline);
 
   // A group that is dragged keeps its looks: what is shown of it is painted once, from the start of
   // the drag, and moved.
-  const auto& baseline = *model_.selectDragUndoBaseline;
-  const EntityList& atRest = draggedIDs_ && baseline ? baseline->entities : *model_.entities;
+  const EntityList* start = board_.sketch().dragStart();
+  const EntityList& atRest = draggedIDs_ && start != nullptr ? *start : board_.sketch().entities();
   if (draggedIDs_ && draggedIDs_->size() > kMostLiveEntities) {
     isDone &= dragged_.update(now, {atRest, systems, draggedIDs_}, index, deadline);
   } else {
@@ -287,7 +288,7 @@ QRegion CanvasWidget::overlayRegion() const {
   for (const CanvasLayer layer : kAllCanvasLayers) {
     const bool isPicture = layer == CanvasLayer::grid || layer == CanvasLayer::entities ||
                            (layer == CanvasLayer::selection && selectedIDs_);
-    if (!isPicture) paintLayer(region, layer, model_, frame);
+    if (!isPicture) paintLayer(region, layer, board_, frame);
   }
   return region.within(rect());
 }
@@ -297,34 +298,34 @@ void CanvasWidget::paintLive(QPainter& painter, const PictureView& now) {
   const CanvasFrame frame{now.transform, now.palette};
   // Pixel for pixel: the picture may be a part of a pixel larger than the widget.
   painter.drawImage(QRectF(QPointF(0, 0), QSizeF(grid_.size()) / now.pixelRatio), grid_);
-  paintLayer(canvas, CanvasLayer::snapGuides, model_, frame);
+  paintLayer(canvas, CanvasLayer::snapGuides, board_, frame);
   entities_.paint(painter, now);
 
   PictureView moved = now;
-  if (const auto& drag = *model_.selectDrag) {
-    if (const auto* multi = std::get_if<MultiBodyDrag>(&*drag)) {
-      const SketchPoint movement = dragMovement(*multi, model_) * now.transform.viewport.scale;
+  if (const SelectDrag* drag = board_.selectDrag()) {
+    if (const auto* multi = std::get_if<MultiBodyDrag>(&drag->state)) {
+      const SketchPoint movement = dragMovement(*multi, board_) * now.transform.viewport.scale;
       moved.transform.viewport.pan = moved.transform.viewport.pan + SketchPoint{movement.x, -movement.y};
     }
     if (draggedIDs_->size() > kMostLiveEntities) {
       dragged_.paint(painter, moved);
     } else {
-      EntityLayerPainter layer(frame, *model_.wallSystemSpecs);
+      EntityLayerPainter layer(frame, board_.sketch().drawing->wallSystemSpecs);
       for (const UUID& id : *draggedIDs_) {
-        if (const SketchEntity* entity = model_.entity(id)) layer.paint(canvas, *entity);
+        if (const SketchEntity* entity = board_.sketch().entity(id)) layer.paint(canvas, *entity);
       }
     }
   }
-  paintLayer(canvas, CanvasLayer::hover, model_, frame);
+  paintLayer(canvas, CanvasLayer::hover, board_, frame);
   if (selectedIDs_) {
     selection_.paint(painter, moved);
   } else {
-    paintLayer(canvas, CanvasLayer::selection, model_, frame);
+    paintLayer(canvas, CanvasLayer::selection, board_, frame);
   }
   for (const CanvasLayer layer :
        {CanvasLayer::marquee, CanvasLayer::trim, CanvasLayer::drafts, CanvasLayer::segmentLabel,
         CanvasLayer::markers, CanvasLayer::dwellPulse, CanvasLayer::lock}) {
-    paintLayer(canvas, layer, model_, frame);
+    paintLayer(canvas, layer, board_, frame);
   }
 }
 

@@ -1,4 +1,4 @@
-// The canvas: paints the view model's state and hands pointer events to it.
+// The canvas: paints the board's state and hands pointer events to it.
 //
 // Grid and entities are kept as pictures; hover, selection, drafts and snaps are painted live over
 // them, so a pointer that moves costs two copies and a few strokes. The wheel scrolls, and zooms with
@@ -21,14 +21,14 @@
 
 namespace ostrelon {
 
-class SketchViewModel;
+class Board;
 
 class CanvasWidget : public QWidget {
   Q_OBJECT
 
  public:
-  /// `model` must outlive the widget.
-  explicit CanvasWidget(SketchViewModel& model, QWidget* parent = nullptr);
+  /// `board` must outlive the widget.
+  explicit CanvasWidget(Board& board, QWidget* parent = nullptr);
   ~CanvasWidget() override;
 
   const ThemePalette& themePalette() const { return palette_; }
@@ -40,7 +40,7 @@ class CanvasWidget : public QWidget {
   bool isExact() const { return isExact_; }
 
  Q_SIGNALS:
-  /// The canvas has a new size, which the view model knows already. For laying out what lies over it.
+  /// The canvas has a new size, which the board knows already. For laying out what lies over it.
   void resized();
   /// A secondary click on an entity, which is selected by now.
   void contextMenuRequested(const ContextMenu& menu, const QPoint& globalPosition);
@@ -64,7 +64,10 @@ class CanvasWidget : public QWidget {
   PictureView view() const;
   /// To be called from any thread.
   std::function<void()> repaintLater();
-  void modelChanged(FieldMask fields);
+  void boardChanged(FieldMask fields);
+  /// Follow the drag and the selection. True when other entities are dragged or selected than before.
+  bool takeDragged();
+  bool takeSelected();
   void updateCursor();
 
   /// Brings the pictures up to the state, as far as that can be done within the time of a frame.
@@ -74,7 +77,7 @@ class CanvasWidget : public QWidget {
   /// What lies over the pictures now.
   QRegion overlayRegion() const;
 
-  SketchViewModel& model_;
+  Board& board_;
   CanvasGestures gestures_;
   std::optional<QPointF> panFrom_;  // while the middle button drags the view
   bool isDoubleClick_ = false;      // from a double click's press to its release
@@ -88,6 +91,7 @@ class CanvasWidget : public QWidget {
   EntityPicture entities_;
   EntityPicture dragged_;
   EntityPicture selection_;
+  IDs selected_ = std::make_shared<const std::unordered_set<UUID>>();
   IDs draggedIDs_;   // null while nothing is dragged
   IDs selectedIDs_;  // null while the selection is small enough to be painted live
   bool isExact_ = false;

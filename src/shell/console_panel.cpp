@@ -232,18 +232,18 @@ void TranscriptView::copySelected() const {
 
 // --- The panel
 
-ConsoleView::ConsoleView(SketchViewModel& sketch, Theme& theme, QWidget* parent)
+ConsoleView::ConsoleView(Workspace& workspace, Theme& theme, QWidget* parent)
     : Panel(theme, Qt::TopEdge, parent),
-      sketch_(sketch),
+      workspace_(workspace),
       handle_(new ConsoleResizeHandle(theme, this)),
       heading_(new TextLabel(theme, TextStyle::heading, TextLabel::Rank::secondary, "CONSOLE", this)),
       defaultHeightButton_(new Button(theme, Button::Kind::plain, "Default height", this)),
       focusButton_(new Button(theme, Button::Kind::plain, "Focus", this)),
-      model_(new ConsoleTranscriptModel(sketch, this)),
+      model_(new ConsoleTranscriptModel(workspace.messages, this)),
       transcript_(new TranscriptView(theme, *model_, this)),
       input_(new Field(theme, true, this)),
       runButton_(new Button(theme, Button::Kind::outlined, QString(), this)),
-      update_(sketch, fieldMask(SketchField::consoleLines, SketchField::commandInput), this,
+      update_(workspace, fieldsOf(workspace.messages.lines, workspace.console.input), this,
               [this] { refresh(); }) {
   setObjectName(QStringLiteral("console"));
   setAccessibleName(QStringLiteral("Console"));
@@ -273,7 +273,7 @@ ConsoleView::ConsoleView(SketchViewModel& sketch, Theme& theme, QWidget* parent)
   input_->setFixedHeight(kInputHeight);
   input_->installEventFilter(this);
   connect(input_, &QLineEdit::textChanged, this, [this](const QString& text) {
-    sketch_.setCommandInput(plainText(text));
+    workspace_.console.setInput(plainText(text));
     runButton_->setKind(text.isEmpty() ? Button::Kind::outlined : Button::Kind::primary);
   });
   connect(input_, &QLineEdit::returnPressed, this, [this] { run(); });
@@ -321,8 +321,8 @@ void ConsoleView::resizeEvent(QResizeEvent* event) {
 
 bool ConsoleView::eventFilter(QObject* object, QEvent* event) {
   if (object == input_) {
-    if (event->type() == QEvent::FocusIn) sketch_.setConsoleInputFocused(true);
-    if (event->type() == QEvent::FocusOut) sketch_.setConsoleInputFocused(false);
+    if (event->type() == QEvent::FocusIn) workspace_.console.setFocused(true);
+    if (event->type() == QEvent::FocusOut) workspace_.console.setFocused(false);
     // While nothing is being typed, undo is the drawing's, even where typing could be taken back.
     if (event->type() == QEvent::ShortcutOverride && input_->text().isEmpty()) {
       const auto* key = static_cast<QKeyEvent*>(event);
@@ -360,7 +360,8 @@ bool ConsoleView::handleInputKey(const QKeyEvent& event) {
 
 void ConsoleView::complete() {
   const std::string before = plainText(input_->text().left(input_->cursorPosition()));
-  const ConsoleCompletion completion = completer_.complete(plainText(input_->text()), before.size(), sketch_);
+  const ConsoleCompletion completion =
+      completer_.complete(plainText(input_->text()), before.size(), workspace_.commands());
   if (completion.candidates.empty()) return;
   const bool isUnchanged = completion.text == plainText(input_->text());
   showInput(qtText(completion.text));
@@ -368,7 +369,7 @@ void ConsoleView::complete() {
   if (isUnchanged && completion.candidates.size() > 1) {
     std::string list;
     for (const std::string& candidate : completion.candidates) list += (list.empty() ? "" : "  ") + candidate;
-    sketch_.appendConsoleLine(std::move(list), false, true);
+    workspace_.messages.appendSystem(std::move(list));
   }
 }
 
@@ -377,8 +378,8 @@ void ConsoleView::showInput(const QString& text) {
 }
 
 void ConsoleView::run() {
-  recall_.record(*sketch_.commandInput);
-  sketch_.submitCommandInput();
+  recall_.record(*workspace_.console.input);
+  workspace_.console.submit();
   refresh();
   transcript_->followEnd();
 }
@@ -386,7 +387,7 @@ void ConsoleView::run() {
 void ConsoleView::refresh() {
   const bool follows = transcript_->isAtEnd();
   if (model_->update() && follows) transcript_->followEnd();
-  showInput(qtText(*sketch_.commandInput));
+  showInput(qtText(*workspace_.console.input));
 }
 
 }  // namespace ostrelon

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "app/console_input.h"
-#include "core/sketch_view_model.h"
+#include "app/workspace.h"
 #include "shell/console_transcript_model.h"
 #include "shell/controls.h"
 #include "shell/observation.h"
@@ -72,7 +72,7 @@ class ConsoleView final : public Panel {
   Q_OBJECT
 
  public:
-  ConsoleView(SketchViewModel& sketch, Theme& theme, QWidget* parent = nullptr);
+  ConsoleView(Workspace& workspace, Theme& theme, QWidget* parent = nullptr);
 
   /// The height that the user gave the panel, px.
   double panelHeight() const { return height_; }
@@ -93,7 +93,7 @@ class ConsoleView final : public Panel {
   void complete();
   void showInput(const QString& text);
 
-  SketchViewModel& sketch_;
+  Workspace& workspace_;
   double height_ = kConsoleDefaultHeight;
   ConsoleRecall recall_;
   ConsoleCompleter completer_;

@@ -4,8 +4,8 @@
 
 namespace ostrelon {
 
-ConsoleTranscriptModel::ConsoleTranscriptModel(const SketchViewModel& sketch, QObject* parent)
-    : QAbstractListModel(parent), sketch_(sketch), count_(static_cast<int>(sketch.consoleLines->size())) {}
+ConsoleTranscriptModel::ConsoleTranscriptModel(const Messages& messages, QObject* parent)
+    : QAbstractListModel(parent), messages_(messages), count_(static_cast<int>(messages.lines->size())) {}
 
 int ConsoleTranscriptModel::rowCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : count_;
@@ -31,7 +31,7 @@ ConsoleTranscriptModel::LineKind ConsoleTranscriptModel::kind(int row) const {
 }
 
 bool ConsoleTranscriptModel::update() {
-  const int now = static_cast<int>(sketch_.consoleLines->size());
+  const int now = static_cast<int>(messages_.lines->size());
   if (now == count_) return false;
   if (now < count_) {
     beginResetModel();

@@ -4,7 +4,7 @@
 
 #include <QAbstractListModel>
 
-#include "core/sketch_view_model.h"
+#include "core/messages.h"
 
 namespace ostrelon {
 
@@ -14,18 +14,18 @@ class ConsoleTranscriptModel final : public QAbstractListModel {
  public:
   enum class LineKind { echo, reply, error };
 
-  explicit ConsoleTranscriptModel(const SketchViewModel& sketch, QObject* parent = nullptr);
+  explicit ConsoleTranscriptModel(const Messages& messages, QObject* parent = nullptr);
 
   int rowCount(const QModelIndex& parent = {}) const override;
   QVariant data(const QModelIndex& index, int role) const override;
-  const ConsoleLine& line(int row) const { return sketch_.consoleLines.get()[static_cast<std::size_t>(row)]; }
+  const ConsoleLine& line(int row) const { return messages_.lines.get()[static_cast<std::size_t>(row)]; }
   LineKind kind(int row) const;
 
   /// Tells the lines that have come since. True when there were any.
   bool update();
 
  private:
-  const SketchViewModel& sketch_;
+  const Messages& messages_;
   int count_ = 0;
 };
 

@@ -6,8 +6,8 @@
 
 namespace ostrelon {
 
-EntityListModel::EntityListModel(const SketchViewModel& sketch, QObject* parent)
-    : QAbstractListModel(parent), sketch_(sketch), entities_(sketch.entities) {}
+EntityListModel::EntityListModel(const Sketch& sketch, QObject* parent)
+    : QAbstractListModel(parent), sketch_(sketch), entities_(sketch.entities()) {}
 
 int EntityListModel::rowCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : static_cast<int>(entities_.size());
@@ -20,7 +20,7 @@ QVariant EntityListModel::data(const QModelIndex& index, int role) const {
     case Qt::DisplayRole:
     case Qt::AccessibleTextRole: {
       const SketchEntity& entity = entities_[static_cast<std::size_t>(row)];
-      return qtText(entityLabel(entity, row + 1, sketch_.wallSystemName(entity)));
+      return qtText(entityLabel(entity, row + 1, sketch_.drawing->wallSystemName(entity)));
     }
     case kIdentifierRole:
       return QStringLiteral("leftNav.entity.%1").arg(row + 1);
@@ -37,10 +37,10 @@ const UUID& EntityListModel::entityAt(int row) const {
   return entityID(entities_[static_cast<std::size_t>(row)]);
 }
 
-bool EntityListModel::isSelected(int row) const { return sketch_.selectedEntityIDs->contains(entityAt(row)); }
+bool EntityListModel::isSelected(int row) const { return sketch_.selection->contains(entityAt(row)); }
 
 void EntityListModel::update() {
-  const EntityList& current = sketch_.entities;
+  const EntityList& current = sketch_.entities();
   if (entities_.sharesAllStorage(current)) return;
   const std::size_t shared = entities_.commonStart(current);
   const std::size_t most = std::min(entities_.size(), current.size()) - shared;

@@ -4,7 +4,7 @@
 
 #include <QAbstractListModel>
 
-#include "core/sketch_view_model.h"
+#include "core/sketch.h"
 #include "shell/icons.h"
 
 namespace ostrelon {
@@ -19,7 +19,7 @@ class EntityListModel final : public QAbstractListModel {
 
  public:
   /// `sketch` must outlive the model.
-  explicit EntityListModel(const SketchViewModel& sketch, QObject* parent = nullptr);
+  explicit EntityListModel(const Sketch& sketch, QObject* parent = nullptr);
 
   int rowCount(const QModelIndex& parent = {}) const override;
   QVariant data(const QModelIndex& index, int role) const override;
@@ -31,7 +31,7 @@ class EntityListModel final : public QAbstractListModel {
   void update();
 
  private:
-  const SketchViewModel& sketch_;
+  const Sketch& sketch_;
   EntityList entities_;
 };
 

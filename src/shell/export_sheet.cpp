@@ -155,13 +155,13 @@ void ExportSheet::rememberChoices() {
 }
 
 void ExportSheet::chooseFile() {
-  const SketchViewModel& sketch = application_.sketch();
+  const Workspace& workspace = application_.workspace();
   ExportOptions chosen;
   try {
     chosen = options();
     // What cannot be laid out is told here, where it can be mended.
     if (format() != ExportFormat::dxf) {
-      picturePages(format(), *sketch.entities, *sketch.wallSystemSpecs, chosen);
+      picturePages(format(), workspace.sketch.entities(), workspace.sketch.drawing->wallSystemSpecs, chosen);
     }
   } catch (const UserError& error) {
     error_->setText(QString::fromUtf8(error.what()));

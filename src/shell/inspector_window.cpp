@@ -12,6 +12,7 @@
 #include <algorithm>
 
 #include "app/shortcut_text.h"
+#include "geometry/edit_operations.h"
 #include "geometry/marquee.h"
 #include "interaction/canvas_transform.h"
 #include "shell/qt_text.h"
@@ -27,9 +28,9 @@ constexpr int kBelowBadges = 72;
 constexpr int kMargin = 12;
 constexpr int kTitleHeight = 30;
 
-constexpr FieldMask kShownFields =
-    fieldMask(SketchField::entities, SketchField::selectedEntityIDs, SketchField::primarySelectedEntityID,
-              SketchField::wallSystemSpecs, SketchField::activeWallSystemSpecID);
+FieldMask shownFields(const Workspace& workspace) {
+  return fieldsOf(workspace.sketch.drawing, workspace.sketch.selection);
+}
 
 QVBoxLayout* columnOf(QWidget& page, int spacing) {
   auto* column = new QVBoxLayout(&page);
@@ -42,12 +43,12 @@ QVBoxLayout* columnOf(QWidget& page, int spacing) {
 
 // --- The view
 
-EntityInspectorView::EntityInspectorView(SketchViewModel& sketch, Theme& theme, QWidget* parent)
+EntityInspectorView::EntityInspectorView(Workspace& workspace, Theme& theme, QWidget* parent)
     : QWidget(parent),
-      sketch_(sketch),
+      workspace_(workspace),
       theme_(theme),
       pages_(new QStackedWidget(this)),
-      update_(sketch, kShownFields, this, [this] { refresh(); }) {
+      update_(workspace, shownFields(workspace), this, [this] { refresh(); }) {
   setObjectName(QStringLiteral("inspector"));
   setFixedWidth(kWidth);
   auto* column = new QVBoxLayout(this);
@@ -106,12 +107,14 @@ QWidget* EntityInspectorView::makeManyPage() {
   column->addSpacing(8);
   auto* duplicate =
       addAction(*page, Button::Kind::outlined, QStringLiteral("Duplicate All"), "inspector.duplicateAll");
-  connect(duplicate, &QPushButton::clicked, this,
-          [this] { sketch_.duplicateSelection(kDuplicateOffset.x, kDuplicateOffset.y); });
+  connect(duplicate, &QPushButton::clicked, this, [this] {
+    duplicateSelection(workspace_.sketch, workspace_.messages, kDuplicateOffset.x, kDuplicateOffset.y);
+  });
   auto* remove =
       addAction(*page, Button::Kind::dangerous, QStringLiteral("Delete All"), "inspector.deleteAll");
   remove->setIconDrawing(Icon::bin, 16);
-  connect(remove, &QPushButton::clicked, this, [this] { sketch_.deleteSelection(); });
+  connect(remove, &QPushButton::clicked, this,
+          [this] { deleteSelection(workspace_.sketch, workspace_.messages); });
   column->addStretch();
   return page;
 }
@@ -151,7 +154,7 @@ QWidget* EntityInspectorView::makeOnePage() {
   systemPicker_->setFixedWidth(128);
   connect(systemPicker_, &QComboBox::activated, this, [this](int index) {
     if (const auto id = UUID::parse(plainText(systemPicker_->itemData(index).toString()))) {
-      applyInspectorWallSystem(sketch_, *id);
+      applyInspectorWallSystem(workspace_, *id);
     }
   });
   systemRow->addWidget(systemLabel_);
@@ -179,8 +182,8 @@ QWidget* EntityInspectorView::makeOnePage() {
   column->addWidget(lengthRow_);
   const auto applyLength = [this] {
     // What was refused stays, to be put right.
-    if (!applyInspectorLength(sketch_, plainText(lengthField_->text()))) return;
-    if (const SketchEntity* entity = sketch_.selectedEntity()) {
+    if (!applyInspectorLength(workspace_, plainText(lengthField_->text()))) return;
+    if (const SketchEntity* entity = workspace_.sketch.selectedEntity()) {
       lengthField_->setText(qtText(inspectorLengthText(*entity)));
     }
   };
@@ -205,14 +208,14 @@ QWidget* EntityInspectorView::makeOnePage() {
   nudgeRow->addWidget(nudge);
   column->addLayout(nudgeRow);
   const auto applyNudge = [this] {
-    applyInspectorNudge(sketch_, plainText(nudgeX_->text()), plainText(nudgeY_->text()));
+    applyInspectorNudge(workspace_, plainText(nudgeX_->text()), plainText(nudgeY_->text()));
   };
   connect(nudge, &QPushButton::clicked, this, applyNudge);
   connect(nudgeX_, &QLineEdit::returnPressed, this, applyNudge);
   connect(nudgeY_, &QLineEdit::returnPressed, this, applyNudge);
 
   convertButton_ = addAction(*page, Button::Kind::outlined, {}, "inspector.convert");
-  connect(convertButton_, &QPushButton::clicked, this, [this] { applyInspectorConvert(sketch_); });
+  connect(convertButton_, &QPushButton::clicked, this, [this] { applyInspectorConvert(workspace_); });
 
   column->addSpacing(8);
   column->addWidget(new Hairline(theme_, Qt::Horizontal, page));
@@ -225,24 +228,27 @@ QWidget* EntityInspectorView::makeOnePage() {
   auto* duplicate =
       addAction(*page, Button::Kind::outlined, QStringLiteral("Duplicate"), "inspector.duplicate");
   connect(duplicate, &QPushButton::clicked, this, onShown([this](const UUID& id) {
-            sketch_.duplicateEntity(id, kDuplicateOffset.x, kDuplicateOffset.y);
+            duplicateEntity(workspace_.sketch, workspace_.messages, id, kDuplicateOffset.x,
+                            kDuplicateOffset.y);
           }));
   auto* log = addAction(*page, Button::Kind::outlined, QStringLiteral("Log Details to Console"),
                         "inspector.logDetails");
-  connect(log, &QPushButton::clicked, this,
-          onShown([this](const UUID& id) { sketch_.printEntityDescription(id); }));
+  connect(log, &QPushButton::clicked, this, onShown([this](const UUID& id) {
+            printEntityDescription(workspace_.sketch, workspace_.messages, id);
+          }));
   auto* remove = addAction(*page, Button::Kind::dangerous, QStringLiteral("Delete"), "inspector.delete");
   remove->setIconDrawing(Icon::bin, 16);
-  connect(remove, &QPushButton::clicked, this, onShown([this](const UUID& id) { sketch_.deleteEntity(id); }));
+  connect(remove, &QPushButton::clicked, this,
+          onShown([this](const UUID& id) { deleteEntity(workspace_.sketch, workspace_.messages, id); }));
   column->addStretch();
   return page;
 }
 
 void EntityInspectorView::refresh() {
-  const std::size_t count = sketch_.selectedEntityIDs->size();
-  const SketchEntity* entity = sketch_.selectedEntity();
+  const std::size_t count = workspace_.sketch.selection->ids.size();
+  const SketchEntity* entity = workspace_.sketch.selectedEntity();
   QWidget* page = count > 1 ? manyPage_ : entity != nullptr ? onePage_ : emptyPage_;
-  if (page == manyPage_) manyHeading_->setText(qtText(inspectorSelectionHeading(sketch_)));
+  if (page == manyPage_) manyHeading_->setText(qtText(inspectorSelectionHeading(workspace_)));
   if (page == onePage_) {
     showEntity(*entity);
   } else {
@@ -265,11 +271,12 @@ void EntityInspectorView::showEntity(const SketchEntity& entity) {
     kindIcon_->setPixmap(iconPixmap(drawing, 18, theme_.foreground(), devicePixelRatioF()));
     shownIcon_ = drawing;
   }
-  const QString label = qtText(sketch_.entityLabelText(entityID(entity)).value_or(""));
+  const QString label = qtText(workspace_.sketch.labelOf(entityID(entity)).value_or(""));
   name_->setText(label);
 
   const auto* wall = std::get_if<WallEntity>(&entity);
-  const WallSystemSpec* system = wall != nullptr ? sketch_.wallSystemSpec(wall->systemSpecID) : nullptr;
+  const WallSystemSpec* system =
+      wall != nullptr ? workspace_.sketch.drawing->wallSystem(wall->systemSpecID) : nullptr;
   showMetricRows(
       inspectorMetricRows(entity, system != nullptr ? std::optional(system->thickness) : std::nullopt));
 
@@ -278,7 +285,7 @@ void EntityInspectorView::showEntity(const SketchEntity& entity) {
   if (wall != nullptr) {
     systemPicker_->clear();
     int current = -1;
-    for (const WallSystemSpec& spec : *sketch_.wallSystemSpecs) {
+    for (const WallSystemSpec& spec : workspace_.sketch.drawing->wallSystemSpecs) {
       if (spec.id == wall->systemSpecID) current = systemPicker_->count();
       systemPicker_->addItem(qtText(spec.name), qtText(spec.id.text()));
     }
@@ -286,7 +293,7 @@ void EntityInspectorView::showEntity(const SketchEntity& entity) {
   }
 
   lengthRow_->setVisible(inspectorSupportsLength(entity));
-  const QString convert = qtText(inspectorConvertTitle(sketch_, entity));
+  const QString convert = qtText(inspectorConvertTitle(workspace_, entity));
   convertButton_->setText(convert);
   convertButton_->setVisible(!convert.isEmpty());
   if (!shown_ || !(*shown_ == entity)) {
@@ -326,12 +333,12 @@ void EntityInspectorView::showMetricRows(const std::vector<InspectorMetricRow>& 
 
 // --- The window
 
-InspectorWindow::InspectorWindow(SketchViewModel& sketch, Theme& theme, QWidget* mainWindow)
+InspectorWindow::InspectorWindow(Workspace& workspace, Theme& theme, QWidget* mainWindow)
     : QWidget(mainWindow,
               Qt::Tool | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::CustomizeWindowHint),
-      sketch_(sketch),
-      view_(new EntityInspectorView(sketch, theme, this)),
-      update_(sketch, fieldMask(SketchField::isEntityInspectorVisible), this, [this] { followFlag(); }) {
+      workspace_(workspace),
+      view_(new EntityInspectorView(workspace, theme, this)),
+      update_(workspace, fieldsOf(workspace.sketch.selection), this, [this] { followFlag(); }) {
   setObjectName(QStringLiteral("entity-inspector"));
   setWindowTitle(QStringLiteral("Entity Inspector"));
   connect(view_, &EntityInspectorView::heightChanged, this, [this] { fitContent(); });
@@ -342,7 +349,7 @@ InspectorWindow::InspectorWindow(SketchViewModel& sketch, Theme& theme, QWidget*
 void InspectorWindow::fitContent() { setFixedSize(EntityInspectorView::kWidth, view_->height()); }
 
 void InspectorWindow::followFlag() {
-  const bool isWanted = *sketch_.isEntityInspectorVisible;
+  const bool isWanted = workspace_.sketch.selection->isInspected;
   if (isWanted == isVisible()) return;
   if (!isWanted) {
     hide();
@@ -382,13 +389,13 @@ void InspectorWindow::placeClear() {
     const QRect box = QRect(place, size()).adjusted(-kMargin, -kMargin - kTitleHeight, kMargin, kMargin);
     const auto inSketch = [&](QPoint global) {
       const QPointF inView = global - origin;
-      return viewPointToSketch({inView.x(), inView.y()}, sketch_.viewport);
+      return viewPointToSketch({inView.x(), inView.y()}, workspace_.board.viewport());
     };
     const SketchPoint low = inSketch(box.bottomLeft());
     const SketchPoint high = inSketch(box.topRight());
     std::size_t hidden = box.contains(QCursor::pos()) ? 1 : 0;
-    for (const UUID& id : *sketch_.selectedEntityIDs) {
-      const SketchEntity* entity = sketch_.entity(id);
+    for (const UUID& id : workspace_.sketch.selection->ids) {
+      const SketchEntity* entity = workspace_.sketch.entity(id);
       if (entity != nullptr && entityIntersectsRect(*entity, {low.x, low.y, high.x, high.y})) ++hidden;
     }
     if (!best || hidden < leastHidden) {
@@ -402,7 +409,7 @@ void InspectorWindow::placeClear() {
 }
 
 void InspectorWindow::closeEvent(QCloseEvent* event) {
-  sketch_.setEntityInspectorVisible(false);
+  workspace_.sketch.setInspected(false);
   event->accept();
 }
 

@@ -19,7 +19,7 @@ class EntityInspectorView final : public QWidget {
  public:
   static constexpr int kWidth = 304;
 
-  EntityInspectorView(SketchViewModel& sketch, Theme& theme, QWidget* parent = nullptr);
+  EntityInspectorView(Workspace& workspace, Theme& theme, QWidget* parent = nullptr);
 
  Q_SIGNALS:
   /// The content asks for another height.
@@ -34,7 +34,7 @@ class EntityInspectorView final : public QWidget {
   void showMetricRows(const std::vector<InspectorMetricRow>& rows);
   Button* addAction(QWidget& page, Button::Kind kind, const QString& title, const char* identifier);
 
-  SketchViewModel& sketch_;
+  Workspace& workspace_;
   Theme& theme_;
   QStackedWidget* pages_;
 
@@ -66,7 +66,7 @@ class InspectorWindow final : public QWidget {
   Q_OBJECT
 
  public:
-  InspectorWindow(SketchViewModel& sketch, Theme& theme, QWidget* mainWindow);
+  InspectorWindow(Workspace& workspace, Theme& theme, QWidget* mainWindow);
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -77,7 +77,7 @@ class InspectorWindow final : public QWidget {
   void placeClear();
   void fitContent();
 
-  SketchViewModel& sketch_;
+  Workspace& workspace_;
   EntityInspectorView* view_;
   bool wasPlaced_ = false;
   ScheduledUpdate update_;

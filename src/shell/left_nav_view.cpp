@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "app/shortcut_text.h"
+#include "geometry/edit_operations.h"
 #include "interaction/key_routing.h"
 #include "shell/accessibility.h"
 #include "shell/qt_text.h"
@@ -21,9 +22,9 @@ constexpr int kHeadingHeight = 16;
 constexpr int kEntityHeight = 26;
 constexpr int kCoordinatesHeight = 92;
 
-constexpr FieldMask kShownFields =
-    fieldMask(SketchField::entities, SketchField::selectedEntityIDs, SketchField::primarySelectedEntityID,
-              SketchField::selectedTool, SketchField::wallSystemSpecs);
+FieldMask shownFields(const Workspace& workspace) {
+  return fieldsOf(workspace.sketch.drawing, workspace.sketch.selection, workspace.board.tool);
+}
 
 // The keys that choose a tool, as "Space, S"; empty for most tools.
 QString toolKeys(SketchTool tool) {
@@ -175,16 +176,16 @@ class EntityRowsView final : public RowsView {
 
 // --- The panel
 
-LeftNavView::LeftNavView(SketchViewModel& sketch, Theme& theme, QWidget* parent)
+LeftNavView::LeftNavView(Workspace& workspace, Theme& theme, QWidget* parent)
     : Panel(theme, Qt::RightEdge, parent),
-      sketch_(sketch),
+      workspace_(workspace),
       logo_(new OstrelLogoView(theme, this)),
       logoLine_(new Hairline(theme, Qt::Horizontal, this)),
       toolsHeading_(new TextLabel(theme, TextStyle::heading, TextLabel::Rank::secondary, "TOOLS", this)),
       entitiesHeading_(
           new TextLabel(theme, TextStyle::heading, TextLabel::Rank::secondary, "ENTITIES", this)),
       emptyText_(new TextLabel(theme, TextStyle::small, TextLabel::Rank::secondary, "No entities", this)),
-      model_(new EntityListModel(sketch, this)),
+      model_(new EntityListModel(workspace.sketch, this)),
       coordinatesLine_(new Hairline(theme, Qt::Horizontal, this)),
       coordinatesHeading_(
           new TextLabel(theme, TextStyle::heading, TextLabel::Rank::secondary, "COORDINATES", this)),
@@ -192,13 +193,13 @@ LeftNavView::LeftNavView(SketchViewModel& sketch, Theme& theme, QWidget* parent)
                                 QStringLiteral("0,0 at center  ·  Y ↑"), this)),
       gesturesText_(new TextLabel(theme, TextStyle::caption, TextLabel::Rank::secondary,
                                   QStringLiteral("two-finger pan  ·  pinch zoom"), this)),
-      update_(sketch, kShownFields, this, [this] { refresh(); }) {
+      update_(workspace, shownFields(workspace), this, [this] { refresh(); }) {
   setObjectName(QStringLiteral("leftNav"));
   setAccessibleName(QStringLiteral("Navigation"));
   for (const SketchTool tool : kAllSketchTools) {
     auto* row = new NavToolRow(theme, tool, this);
     connect(row, &QPushButton::clicked, this, [this, row] {
-      sketch_.activateTool(row->tool());
+      workspace_.board.activateTool(row->tool());
       refresh();
     });
     toolRows_.push_back(row);
@@ -280,25 +281,25 @@ void LeftNavView::place() {
 
 void LeftNavView::chooseEntity(int row) {
   const UUID id = model_->entityAt(row);
-  const SketchEntity* entity = sketch_.entity(id);
+  const SketchEntity* entity = workspace_.sketch.entity(id);
   if (entity == nullptr) return;
   const bool isWall = std::holds_alternative<WallEntity>(*entity);
-  if (isWall && sketch_.selectedTool != SketchTool::select) sketch_.activateSelectTool();
+  if (isWall && workspace_.board.tool != SketchTool::select) workspace_.board.activateSelectTool();
   shownPrimary_ = id;  // the row is in sight: it was clicked
-  sketch_.selectSingleEntity(id);
+  selectSingleEntity(workspace_.sketch, id);
 }
 
 void LeftNavView::refresh() {
-  for (NavToolRow* row : toolRows_) row->setChecked(row->tool() == sketch_.selectedTool.get());
+  for (NavToolRow* row : toolRows_) row->setChecked(row->tool() == workspace_.board.tool.get());
   model_->update();
   const bool isEmpty = model_->rowCount() == 0;
   emptyText_->setVisible(!rail_ && isEmpty);
   list_->setVisible(!rail_ && !isEmpty);
   list_->viewport()->update();
-  if (*sketch_.primarySelectedEntityID == shownPrimary_) return;
-  shownPrimary_ = sketch_.primarySelectedEntityID;
+  if (workspace_.sketch.selection->primary == shownPrimary_) return;
+  shownPrimary_ = workspace_.sketch.selection->primary;
   if (!shownPrimary_) return;
-  if (const auto position = sketch_.entityIndex(*shownPrimary_)) {
+  if (const auto position = workspace_.sketch.positionOf(*shownPrimary_)) {
     const QModelIndex index = model_->index(static_cast<int>(*position));
     list_->setCurrentIndex(index);
     list_->scrollTo(index);

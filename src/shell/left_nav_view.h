@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "core/sketch_view_model.h"
+#include "app/workspace.h"
 #include "shell/controls.h"
 #include "shell/entity_list_model.h"
 #include "shell/observation.h"
@@ -55,7 +55,7 @@ class LeftNavView final : public Panel {
   static constexpr int kWidth = 220;
   static constexpr int kRailWidth = 52;
 
-  LeftNavView(SketchViewModel& sketch, Theme& theme, QWidget* parent = nullptr);
+  LeftNavView(Workspace& workspace, Theme& theme, QWidget* parent = nullptr);
 
   /// As a rail it shows the icons of the tools, and an icon at its foot that asks for the whole panel.
   void setRail(bool rail);
@@ -72,7 +72,7 @@ class LeftNavView final : public Panel {
   void place();
   void chooseEntity(int row);
 
-  SketchViewModel& sketch_;
+  Workspace& workspace_;
   bool rail_ = false;
   OstrelLogoView* logo_;
   Hairline* logoLine_;

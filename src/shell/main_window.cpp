@@ -19,6 +19,7 @@
 #include <memory>
 #include <utility>
 
+#include "app/key_handling.h"
 #include "shell/accessibility.h"
 #include "shell/context_menu_popup.h"
 #include "shell/dialog_sheet.h"
@@ -56,6 +57,10 @@ bool isTextControl(const QWidget* widget) {
          qobject_cast<const QPlainTextEdit*>(widget) != nullptr;
 }
 
+FieldMask titleFields(const Workspace& workspace) {
+  return fieldsOf(workspace.document.name, workspace.document.fileURL, workspace.sketch.isDirty);
+}
+
 // The shadow of a panel that lies over the canvas.
 class PanelShadow final : public QWidget {
  public:
@@ -81,18 +86,16 @@ MainWindow::MainWindow(Application& application, Theme& theme, QWidget* parent)
     : QWidget(parent),
       application_(application),
       theme_(theme),
-      navigation_(new LeftNavView(application.sketch(), theme, this)),
+      navigation_(new LeftNavView(application.workspace(), theme, this)),
       topBar_(new TopMenuBarView(application, theme, this)),
-      canvas_(new CanvasWidget(application.sketch(), this)),
+      canvas_(new CanvasWidget(application.workspace().board, this)),
       overlay_(new CanvasOverlay(application, theme, *canvas_)),
-      console_(new ConsoleView(application.sketch(), theme, this)),
-      wallSystems_(new WallSystemPanelView(application.sketch(), theme, this)),
+      console_(new ConsoleView(application.workspace(), theme, this)),
+      wallSystems_(new WallSystemPanelView(application.workspace(), theme, this)),
       unfoldedShadow_(new PanelShadow(theme, this)),
-      titleUpdate_(
-          application.sketch(),
-          fieldMask(SketchField::documentName, SketchField::documentFileURL, SketchField::isDocumentDirty),
-          this, [this] { refreshTitle(); }),
-      viewUpdate_(application.sketch(), fieldMask(SketchField::hasInitializedViewport), this,
+      titleUpdate_(application.workspace(), titleFields(application.workspace()), this,
+                   [this] { refreshTitle(); }),
+      viewUpdate_(application.workspace(), fieldsOf(application.workspace().board.view), this,
                   [this] { centreNewView(); }) {
   setObjectName(QStringLiteral("main"));
   setAcceptDrops(true);
@@ -107,7 +110,8 @@ MainWindow::MainWindow(Application& application, Theme& theme, QWidget* parent)
   connect(canvas_, &CanvasWidget::resized, overlay_, &CanvasOverlay::place);
   connect(canvas_, &CanvasWidget::contextMenuRequested, this,
           [this](const ContextMenu& menu, const QPoint& position) {
-            popUpContextMenu(*this, menu, application_.sketch(), position);
+            Workspace& workspace = application_.workspace();
+            popUpContextMenu(*this, menu, workspace.sketch, workspace.messages, position);
           });
   connect(console_, &ConsoleView::panelHeightChanged, this, [this] { place(); });
   connect(navigation_, &LeftNavView::unfoldRequested, this, [this] { unfold(navigation_); });
@@ -217,20 +221,20 @@ void MainWindow::saveLayout() {
 
 // A new document is centred at once; an opened one keeps the view that it was saved with.
 void MainWindow::centreNewView() {
-  SketchViewModel& sketch = application_.sketch();
-  if (*sketch.hasInitializedViewport || sketch.canvasSize->width <= 1) return;
-  const SketchViewport saved = sketch.viewport;
-  const bool isOpened = sketch.documentFileURL->has_value();
-  sketch.updateCanvasSize(sketch.canvasSize);
-  if (isOpened) sketch.setViewport(saved.pan.x, saved.pan.y, saved.scale);
+  Workspace& workspace = application_.workspace();
+  if (workspace.board.view->isInitialized || workspace.board.view->canvasSize.width <= 1) return;
+  const SketchViewport saved = workspace.board.viewport();
+  const bool isOpened = workspace.document.fileURL->has_value();
+  workspace.board.resizeCanvas(workspace.board.view->canvasSize);
+  if (isOpened) workspace.board.setViewport(saved);
 }
 
 void MainWindow::refreshTitle() {
-  const SketchViewModel& sketch = application_.sketch();
-  const auto& file = *sketch.documentFileURL;
+  const Workspace& workspace = application_.workspace();
+  const auto& file = *workspace.document.fileURL;
   setWindowFilePath(file ? qtText(file->string()) : QString());
-  setWindowTitle(titleOf(*sketch.documentName));
-  setWindowModified(*sketch.isDocumentDirty);
+  setWindowTitle(titleOf(*workspace.document.name));
+  setWindowModified(workspace.document.isDirty());
 }
 
 // --- Closing and dropping
@@ -323,25 +327,25 @@ bool MainWindow::routeKey(QKeyEvent& event, QWidget* receiver) {
   // In the smaller windows Space presses the button that has the focus.
   if (!key.documentWindow && key.key == KeyName::space && qobject_cast<QAbstractButton*>(focus) != nullptr)
     return false;
-  const bool onEmptyLine = key.documentWindow && application_.sketch().commandInput->empty() &&
+  const bool onEmptyLine = key.documentWindow && application_.workspace().console.input->empty() &&
                            (key.consoleFocus || !key.textFocus);
   const bool isText = !event.text().isEmpty() && event.text().front().isPrint();
   const bool mayBeTyping = onEmptyLine && isText;
   const Date now = application_.host().scheduler.now();
-  std::optional<SwallowedLetters::Board> before;
+  std::optional<SwallowedLetters::Before> before;
   if (mayBeTyping) {
-    before = SwallowedLetters::boardOf(application_.sketch());
+    before = SwallowedLetters::stateOf(application_.workspace());
   } else if (event.key() != Qt::Key_Shift) {
     swallowedLetters_.forget();
   }
-  if (handleKey(key, application_.sketch()) == KeyOutcome::consumed) {
+  if (handleKey(key, application_.workspace()) == KeyOutcome::consumed) {
     if (before) swallowedLetters_.swallowed(plainText(event.text()), now, std::move(*before));
     return true;
   }
   if (mayBeTyping) {
     // What follows a shortcut's letter may show it to be the beginning of a command.
     const std::string beginning =
-        swallowedLetters_.takeBeginning(plainText(event.text()), now, application_.sketch());
+        swallowedLetters_.takeBeginning(plainText(event.text()), now, application_.workspace());
     if (!beginning.empty()) console_->input()->setText(qtText(beginning));
   }
   return key.documentWindow && typeIntoConsole(event);

@@ -9,9 +9,10 @@
 namespace ostrelon {
 namespace {
 
-constexpr FieldMask kEnablingFields =
-    fieldMask(SketchField::entities, SketchField::selectedEntityIDs, SketchField::undoStack,
-              SketchField::entityClipboard, SketchField::documentHistoryState, SketchField::documentFileURL);
+FieldMask enablingFields(const Workspace& workspace) {
+  return fieldsOf(workspace.sketch.drawing, workspace.sketch.selection, workspace.sketch.undoStack,
+                  workspace.sketch.clipboard, workspace.document.history, workspace.document.fileURL);
+}
 
 QList<QKeySequence> keySequences(std::string_view shortcut) {
   QList<QKeySequence> keys{QKeySequence(qtText(desktopNotation(shortcut)), QKeySequence::PortableText)};
@@ -25,7 +26,7 @@ QList<QKeySequence> keySequences(std::string_view shortcut) {
 MenuBar::MenuBar(Application& application, QWidget* parent)
     : QMenuBar(parent),
       application_(application),
-      update_(application.sketch(), kEnablingFields, this, [this] { refresh(); }) {
+      update_(application.workspace(), enablingFields(application.workspace()), this, [this] { refresh(); }) {
   setNativeMenuBar(false);
   setObjectName(QStringLiteral("menuBar"));
   setFont(fontOf(TextStyle::body));

@@ -1,4 +1,4 @@
-// How widgets follow the one object: an operation that changed one of their fields schedules one
+// How widgets follow the state that they show: an operation that changed one of their fields schedules one
 // update, which runs once the operation and whatever else is due have ended.
 #pragma once
 
@@ -7,19 +7,21 @@
 #include <functional>
 #include <utility>
 
-#include "core/sketch_view_model.h"
+#include "core/observable.h"
 
 namespace ostrelon {
 
 /// Calls `update` once on the event loop after any number of changes. Belongs to its widget.
 class ScheduledUpdate {
  public:
-  ScheduledUpdate(SketchViewModel& sketch, FieldMask fields, QObject* context, std::function<void()> update)
+  /// `observed`: the workspace, or a part of it that can be observed.
+  template <class Observed>
+  ScheduledUpdate(Observed& observed, FieldMask fields, QObject* context, std::function<void()> update)
       : timer_(new QTimer(context)) {
     timer_->setSingleShot(true);
     timer_->setInterval(0);
     QObject::connect(timer_, &QTimer::timeout, context, std::move(update));
-    subscription_ = sketch.observe(fields, [timer = timer_](const SketchChange&) {
+    subscription_ = observed.observe(fields, [timer = timer_](FieldMask) {
       if (!timer->isActive()) timer->start();
     });
   }

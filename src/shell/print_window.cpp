@@ -31,11 +31,12 @@ void setSheet(QPrinter& printer, SketchSize page) {
   printer.setFullPage(true);
 }
 
-std::vector<PicturePage> printPages(const SketchViewModel& sketch, const ExportOptions& options) {
-  return picturePages(ExportFormat::pdf, *sketch.entities, *sketch.wallSystemSpecs, options);
+std::vector<PicturePage> printPages(const Workspace& workspace, const ExportOptions& options) {
+  return picturePages(ExportFormat::pdf, workspace.sketch.entities(),
+                      workspace.sketch.drawing->wallSystemSpecs, options);
 }
 
-void paintPages(QPrinter& printer, const std::vector<PicturePage>& pages, const SketchViewModel& sketch,
+void paintPages(QPrinter& printer, const std::vector<PicturePage>& pages, const Workspace& workspace,
                 const ExportOptions& options) {
   QPainter painter;
   if (!painter.begin(&printer)) throw UserError("The printer does not take the job.");
@@ -43,16 +44,17 @@ void paintPages(QPrinter& printer, const std::vector<PicturePage>& pages, const 
   painter.scale(dotsPerPoint, dotsPerPoint);
   for (std::size_t i = 0; i < pages.size(); ++i) {
     if (i > 0 && !printer.newPage()) throw UserError("The printer does not take another page.");
-    paintPicturePage(painter, pages[i], *sketch.entities, *sketch.wallSystemSpecs, options);
+    paintPicturePage(painter, pages[i], workspace.sketch.entities(),
+                     workspace.sketch.drawing->wallSystemSpecs, options);
   }
 }
 
 }  // namespace
 
-int printDrawing(QPrinter& printer, const SketchViewModel& sketch, const ExportOptions& options) {
-  const std::vector<PicturePage> pages = printPages(sketch, options);
+int printDrawing(QPrinter& printer, const Workspace& workspace, const ExportOptions& options) {
+  const std::vector<PicturePage> pages = printPages(workspace, options);
   setSheet(printer, pages.front().size);
-  paintPages(printer, pages, sketch, options);
+  paintPages(printer, pages, workspace, options);
   return static_cast<int>(pages.size());
 }
 
@@ -118,7 +120,7 @@ PrintWindow::PrintWindow(Application& application, Theme& theme, QWidget* parent
   connect(preview_, &QPrintPreviewWidget::paintRequested, this, [this](QPrinter* printer) {
     try {
       const ExportOptions chosen = options();
-      paintPages(*printer, printPages(application_.sketch(), chosen), application_.sketch(), chosen);
+      paintPages(*printer, printPages(application_.workspace(), chosen), application_.workspace(), chosen);
     } catch (const UserError&) {
       // `refresh` has said why there is nothing to see.
     }
@@ -142,7 +144,7 @@ ExportOptions PrintWindow::options() const {
 
 void PrintWindow::refresh() {
   try {
-    const std::vector<PicturePage> pages = printPages(application_.sketch(), options());
+    const std::vector<PicturePage> pages = printPages(application_.workspace(), options());
     setSheet(printer_, pages.front().size);
     const DrawingScale scale{kInchesPerFoot * kPointsPerInch / pages.front().viewport.scale};
     status_->setText(QStringLiteral("%1 at %2")
@@ -158,8 +160,8 @@ void PrintWindow::refresh() {
 }
 
 void PrintWindow::print() {
-  SketchViewModel& sketch = application_.sketch();
-  printer_.setDocName(qtText(*sketch.documentName));
+  Workspace& workspace = application_.workspace();
+  printer_.setDocName(qtText(*workspace.document.name));
   QPrintDialog dialog(&printer_, this);
   // Qt would offer the working folder, and cut the name at its last point.
   const QDir documents(qtText(application_.settings().defaultProjectsFolder().parent_path().string()));
@@ -169,9 +171,9 @@ void PrintWindow::print() {
   }
   if (dialog.exec() != QDialog::Accepted) return;
   try {
-    printDrawing(printer_, sketch, options());
+    printDrawing(printer_, workspace, options());
     const std::string written = plainText(printer_.outputFileName());
-    sketch.showDocumentToast(
+    workspace.messages.showToast(
         written.empty() ? "Sent to the printer" : "Printed to " + FilePath(written).filename().string(),
         DocumentToastState::Style::success);
     close();

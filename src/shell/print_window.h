@@ -15,7 +15,7 @@ namespace ostrelon {
 /// Paints the pages of the drawing on a printer, at the size that they have in points, and gives
 /// their number. Sets the printer's sheet. Throws what `picturePages` throws, and `UserError` when
 /// the printer does not take the job.
-int printDrawing(QPrinter& printer, const SketchViewModel& sketch, const ExportOptions& options);
+int printDrawing(QPrinter& printer, const Workspace& workspace, const ExportOptions& options);
 
 class PrintWindow final : public QDialog {
   Q_OBJECT

@@ -7,7 +7,7 @@
 
 #include "app/console_run.h"
 #include "app/drawing_exchange.h"
-#include "core/sketch_view_model.h"
+#include "app/workspace.h"
 #include "platform/dialogs.h"
 #include "platform/disk_file_system.h"
 #include "platform/scheduler.h"
@@ -35,10 +35,10 @@ int runWithoutWindow(const CommandLine& line) {
   // Nobody waits here: time stands still, and work that is due soon runs behind each line.
   VirtualScheduler scheduler(std::chrono::time_point_cast<Date::duration>(std::chrono::system_clock::now()));
   QueuedDialogs dialogs;
-  SketchViewModel sketch(Host{scheduler, dialogs, files});
-  sketch.updateCanvasSize(line.exportOptions.size);
+  Workspace workspace(Host{scheduler, dialogs, files});
+  workspace.board.resizeCanvas(line.exportOptions.size);
 
-  TranscriptPrinter transcript(sketch, [](std::string_view text) {
+  TranscriptPrinter transcript(workspace, [](std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stdout);
     std::fputc('\n', stdout);
   });
@@ -49,22 +49,22 @@ int runWithoutWindow(const CommandLine& line) {
   };
   try {
     const auto scripts = readScripts(line, files);
-    if (line.document) sketch.openDocumentFile(standardizedPath(*line.document));
+    if (line.document) workspace.document.open(standardizedPath(*line.document));
     for (const FilePath& path : line.imports) {
-      importDrawing(sketch, standardizedPath(path), line.convertImports);
+      importDrawing(workspace, standardizedPath(path), line.convertImports);
       afterLine();
     }
     for (const std::string& file : line.consoleFiles) {
       if (file != kStandardInput) {
-        runConsoleScript(sketch, scripts.at(file), afterLine);
+        runConsoleScript(workspace, scripts.at(file), afterLine);
         continue;
       }
-      for (std::string text; std::getline(std::cin, text);) runConsoleScript(sketch, text, afterLine);
+      for (std::string text; std::getline(std::cin, text);) runConsoleScript(workspace, text, afterLine);
     }
-    if (line.saveAs) sketch.saveDocumentFile(standardizedPath(*line.saveAs));
+    if (line.saveAs) workspace.document.save(standardizedPath(*line.saveAs));
     const PictureMaker makePicture = picturesWithoutDisplay();
     for (const FilePath& path : line.exports) {
-      exportDrawing(sketch, standardizedPath(path), line.exportOptions, makePicture);
+      exportDrawing(workspace, standardizedPath(path), line.exportOptions, makePicture);
     }
   } catch (const UserError& error) {
     std::fprintf(stderr, "%s\n", error.what());

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "app/shortcut_text.h"
+#include "core/adding.h"
 #include "shell/qt_text.h"
 
 namespace ostrelon {
@@ -33,6 +34,11 @@ constexpr std::array kActions{
     MenuBarAction{"Save", "⌘S", "File/Save"},
     MenuBarAction{"Clear", "", "Sketch/Clear Sketch"},
 };
+
+FieldMask shownFields(const Workspace& workspace) {
+  return fieldsOf(workspace.document.name, workspace.document.history, workspace.sketch.isDirty,
+                  workspace.sketch.drawing);
+}
 
 }  // namespace
 
@@ -121,10 +127,7 @@ TopMenuBarView::TopMenuBarView(Application& application, Theme& theme, QWidget* 
       title_(new DocumentTitle(theme, this)),
       divider_(new Hairline(theme, Qt::Vertical, this)),
       gridSwitch_(new Switch(theme, QStringLiteral("Grid"), this)),
-      update_(application.sketch(),
-              fieldMask(SketchField::documentName, SketchField::isDocumentDirty,
-                        SketchField::documentHistoryState, SketchField::showGrid),
-              this, [this] { refresh(); }) {
+      update_(application.workspace(), shownFields(application.workspace()), this, [this] { refresh(); }) {
   setObjectName(QStringLiteral("topMenuBar"));
   setAccessibleName(QStringLiteral("Document"));
   for (const MenuBarAction& action : kActions) {
@@ -141,7 +144,7 @@ TopMenuBarView::TopMenuBarView(Application& application, Theme& theme, QWidget* 
   gridSwitch_->setAccessibleName(QStringLiteral("Grid"));
   gridSwitch_->setToolTip(toolTipWithKey(QStringLiteral("Show the grid"), "⌘G"));
   connect(gridSwitch_, &QCheckBox::clicked, this,
-          [this](bool checked) { application_.sketch().setShowGrid(checked); });
+          [this](bool checked) { setShowGrid(application_.workspace().sketch, checked); });
   setTabOrder(actions_.back(), gridSwitch_);
   refresh();
 }
@@ -189,11 +192,11 @@ int TopMenuBarView::placeActions(bool isTight) {
 }
 
 void TopMenuBarView::refresh() {
-  const SketchViewModel& sketch = application_.sketch();
-  const DocumentHistoryBranch* branch = sketch.documentHistoryState->currentBranch();
-  title_->setDocument(qtText(*sketch.documentName), *sketch.isDocumentDirty,
+  const Workspace& workspace = application_.workspace();
+  const DocumentHistoryBranch* branch = workspace.document.history->currentBranch();
+  title_->setDocument(qtText(*workspace.document.name), workspace.document.isDirty(),
                       branch != nullptr ? qtText(branch->name) : QStringLiteral("main"));
-  gridSwitch_->setChecked(*sketch.showGrid);
+  gridSwitch_->setChecked(workspace.sketch.drawing->showGrid);
   place();
 }
 

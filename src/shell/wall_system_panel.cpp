@@ -26,9 +26,9 @@ constexpr double kPreviewScale = 4.0;  // px a sketch unit
 // Heading, preview, fields and button with their gaps.
 constexpr int kInspectorHeight = 16 + 16 + 12 + kPreviewHeight + 16 + 3 * 36 + 8 + 28 + 16;
 
-constexpr FieldMask kShownFields =
-    fieldMask(SketchField::wallSystemSpecs, SketchField::activeWallSystemSpecID, SketchField::entities,
-              SketchField::selectedEntityIDs, SketchField::primarySelectedEntityID);
+FieldMask shownFields(const Workspace& workspace) {
+  return fieldsOf(workspace.sketch.drawing, workspace.sketch.selection);
+}
 
 // A wall in section: two faces, the fill between them, and a dashed centre.
 void paintBand(QPainter& painter, const Theme& theme, const QRectF& band, bool hasEnds) {
@@ -229,9 +229,9 @@ void WallPreview::paintEvent(QPaintEvent* /*event*/) {
 
 // --- The panel
 
-WallSystemPanelView::WallSystemPanelView(SketchViewModel& sketch, Theme& theme, QWidget* parent)
+WallSystemPanelView::WallSystemPanelView(Workspace& workspace, Theme& theme, QWidget* parent)
     : Panel(theme, Qt::LeftEdge, parent),
-      sketch_(sketch),
+      workspace_(workspace),
       heading_(new TextLabel(theme, TextStyle::heading, TextLabel::Rank::secondary, "WALL SYSTEMS", this)),
       model_(new WallSystemListModel(this)),
       list_(new WallSystemRowsView(theme, *model_, this)),
@@ -241,7 +241,7 @@ WallSystemPanelView::WallSystemPanelView(SketchViewModel& sketch, Theme& theme, 
       assignButton_(
           new Button(theme, Button::Kind::outlined, QStringLiteral("Assign to selected wall"), this)),
       unfoldButton_(new Button(theme, Button::Kind::plain, QString(), this)),
-      update_(sketch, kShownFields, this, [this] { refresh(); }) {
+      update_(workspace, shownFields(workspace), this, [this] { refresh(); }) {
   setObjectName(QStringLiteral("wallSystems"));
   setAccessibleName(QStringLiteral("Wall systems"));
   list_->setObjectName(QStringLiteral("wallSystems.list"));
@@ -249,7 +249,7 @@ WallSystemPanelView::WallSystemPanelView(SketchViewModel& sketch, Theme& theme, 
   contextTitle_->setObjectName(QStringLiteral("wallSystems.contextTitle"));
   contextTitle_->setElision(Qt::ElideRight);
   connect(list_, &QAbstractItemView::clicked, this, [this](const QModelIndex& index) {
-    selectWallSystemRow(sketch_, UUID(model_->row(index.row()).spec.id));
+    selectWallSystemRow(workspace_, UUID(model_->row(index.row()).spec.id));
   });
 
   struct FieldText {
@@ -277,7 +277,7 @@ WallSystemPanelView::WallSystemPanelView(SketchViewModel& sketch, Theme& theme, 
   }
   assignButton_->setObjectName(QStringLiteral("wallSystems.assign"));
   setTabOrder(fields_.back().input, assignButton_);
-  connect(assignButton_, &QPushButton::clicked, this, [this] { assignPanelSystemToSelection(sketch_); });
+  connect(assignButton_, &QPushButton::clicked, this, [this] { assignPanelSystemToSelection(workspace_); });
 
   unfoldButton_->setObjectName(QStringLiteral("wallSystems.unfold"));
   unfoldButton_->setIconDrawing(Icon::wall, 18);
@@ -334,10 +334,10 @@ bool WallSystemPanelView::eventFilter(QObject* object, QEvent* event) {
 }
 
 void WallSystemPanelView::refresh() {
-  model_->setRows(wallSystemRows(sketch_));
-  contextTitle_->setText(qtText(panelContextTitle(sketch_)));
-  assignButton_->setEnabled(selectedWallEntity(sketch_) != nullptr);
-  const WallSystemSpec* spec = panelSystem(sketch_);
+  model_->setRows(wallSystemRows(workspace_));
+  contextTitle_->setText(qtText(panelContextTitle(workspace_)));
+  assignButton_->setEnabled(selectedWallEntity(workspace_) != nullptr);
+  const WallSystemSpec* spec = panelSystem(workspace_);
   const bool isAnother = !spec || !shown_ || shown_->id != spec->id;
   shown_ = spec != nullptr ? std::optional(*spec) : std::nullopt;
   preview_->setThickness(spec != nullptr ? spec->thickness : 0);
@@ -360,7 +360,7 @@ void WallSystemPanelView::showFieldTexts(bool evenWhileEditing) {
 
 void WallSystemPanelView::commit(const FieldRow& row) {
   if (!shown_) return;
-  commitWallSystemField(sketch_, shown_->id, row.field, plainText(row.input->text()));
+  commitWallSystemField(workspace_, shown_->id, row.field, plainText(row.input->text()));
   row.input->setModified(false);
   refresh();
 }

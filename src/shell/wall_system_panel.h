@@ -51,7 +51,7 @@ class WallSystemPanelView final : public Panel {
   static constexpr int kWidth = 264;
   static constexpr int kRailWidth = 44;
 
-  WallSystemPanelView(SketchViewModel& sketch, Theme& theme, QWidget* parent = nullptr);
+  WallSystemPanelView(Workspace& workspace, Theme& theme, QWidget* parent = nullptr);
   void setRail(bool rail);
   bool isRail() const { return rail_; }
 
@@ -74,7 +74,7 @@ class WallSystemPanelView final : public Panel {
   void showFieldTexts(bool evenWhileEditing);
   void commit(const FieldRow& row);
 
-  SketchViewModel& sketch_;
+  Workspace& workspace_;
   bool rail_ = false;
   TextLabel* heading_;
   WallSystemListModel* model_;

@@ -24,11 +24,11 @@ WindowedProgram::WindowedProgram(Application& application, Theme& theme, QtDialo
     : application_(application), theme_(theme) {
   theme.setPalette(application.settings().activePalette);
   mainWindow_ = std::make_unique<MainWindow>(application, theme);
-  inspector_ = new InspectorWindow(application.sketch(), theme, mainWindow_.get());
+  inspector_ = new InspectorWindow(application.workspace(), theme, mainWindow_.get());
   new SheetPresenter(application, theme, *mainWindow_);
   dialogs.setWindow(mainWindow_.get());
   paletteSubscription_ =
-      application.settings().observe(settingsMask(SettingsField::activePalette), [this](FieldMask) {
+      application.settings().observe(fieldsOf(application.settings().activePalette), [this](FieldMask) {
         QTimer::singleShot(0, &theme_, [this] { theme_.setPalette(application_.settings().activePalette); });
       });
   application.setWindowActions(
@@ -101,7 +101,7 @@ int runWithWindows(int& argc, char** argv, const WindowStart& start) {
       [&application](ColorScheme scheme) { application.settings().updateColorScheme(scheme); });
   installBaseStyle(theme);
   WindowedProgram program(application, theme, dialogs);
-  keepTellingSettingsNotes(defaults, application.sketch());
+  keepTellingSettingsNotes(defaults, application.workspace());
   program.show();
   if (start.document) {
     QTimer::singleShot(0, &theme,
