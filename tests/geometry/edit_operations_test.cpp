@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
+#include "geometry/edit_operations.h"
 #include "geometry/entity_edits.h"
 #include "geometry/entity_geometry.h"
 #include "support/random_drawing.h"
 #include "support/test_workspace.h"
-#include "geometry/edit_operations.h"
 
 namespace ostrelon {
 namespace {
