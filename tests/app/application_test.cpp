@@ -2,7 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include "app/inspector.h"
 #include "app/update_summary.h"
+#include "geometry/edit_operations.h"
 #include "support/test_application.h"
 
 namespace ostrelon {
@@ -55,11 +57,11 @@ TEST(ApplicationLife, ATestRunResetsTheFolderAndShowsNoSheets) {
 TEST(ApplicationLife, AnEmptySelectionTakesTheInspectorWithIt) {
   TestApplication test;
   test.submit("wall 0 0 10 0");
-  const UUID id = entityID(test.sketch.entities->front());
-  test.sketch.showEntityInspector();
-  test.sketch.toggleEntitySelection(id);
+  const UUID id = entityID(test.sketch.entities().front());
+  showEntityInspector(test.sketch);
+  toggleEntitySelection(test.sketch, id);
   test.settle();
-  EXPECT_FALSE(*test.sketch.isEntityInspectorVisible);
+  EXPECT_FALSE(test.sketch.selection->isInspected);
 }
 
 TEST(UpdateSummary, ShowsTheNewestVersionsFirstInTheLinesThereAre) {

@@ -23,6 +23,11 @@ struct TestApplication {
   std::vector<FilePath> openedInstallers;
   Application application{services(), options()};
   Workspace& workspace = application.workspace();
+  Sketch& sketch = workspace.sketch;
+  Board& board = workspace.board;
+  DocumentSession& document = workspace.document;
+  Messages& messages = workspace.messages;
+  Console& console = workspace.console;
 
   ApplicationServices services() {
     return {.host = {scheduler, dialogs, files},
@@ -40,10 +45,10 @@ struct TestApplication {
   }
 
   void submit(std::string line) {
-    workspace.console.setInput(std::move(line));
-    workspace.console.submit();
+    console.setInput(std::move(line));
+    console.submit();
   }
-  const ConsoleLine& lastLine() const { return workspace.messages.lines->back(); }
+  const ConsoleLine& lastLine() const { return messages.lines->back(); }
   /// Runs everything that is due now.
   void settle() { scheduler.advance(Seconds(0)); }
 };
