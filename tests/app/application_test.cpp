@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "app/inspector.h"
+#include "app/settings_notes.h"
 #include "app/update_summary.h"
 #include "geometry/edit_operations.h"
 #include "support/test_application.h"
@@ -23,6 +24,20 @@ TEST(ApplicationLife, ASessionCountsAsUncleanUntilItEnds) {
   EXPECT_EQ(endedCleanly(test.defaults), false);
   test.application.willTerminate();
   EXPECT_EQ(endedCleanly(test.defaults), true);
+}
+
+TEST(SettingsNotes, WhatTheSettingsFileHasToSayComesIntoTheConsole) {
+  TestApplication test;
+  const FilePath settings = test.home / "settings.json";
+  testing::writeBytes(settings, "damaged");
+  JsonUserDefaults defaults(test.files, settings);
+  keepTellingSettingsNotes(defaults, test.workspace);
+  EXPECT_THAT(test.lastLine().text, ::testing::HasSubstr("The settings file was damaged."));
+  EXPECT_TRUE(test.lastLine().isSystem);
+  std::filesystem::create_directory(settings);
+  defaults.set("later", true);
+  test.settle();
+  EXPECT_THAT(test.lastLine().text, ::testing::StartsWith("The settings could not be read."));
 }
 
 TEST(ApplicationLife, TheFirstRunAsksForAProjectsFolder) {

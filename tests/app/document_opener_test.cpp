@@ -89,6 +89,15 @@ TEST_F(DocumentOpenerTest, ALaterCommandTakesItsPlace) {
   EXPECT_THAT(dialogs.asked(), SizeIs(0));
 }
 
+TEST_F(DocumentOpenerTest, SavingUnderAnotherNameGivesItUp) {
+  for (const auto save : {&Application::saveAs, &Application::save}) {
+    program.openDocumentAt(large);
+    (program.*save)();
+    background.finishBackground();
+    EXPECT_THAT(open.sketch.entities(), SizeIs(0)) << "the document for which a name was asked stays";
+  }
+}
+
 TEST_F(DocumentOpenerTest, WithoutBackgroundEverythingHasHappenedWhenTheCallReturns) {
   application.openDocumentAt(large);
   EXPECT_THAT(sketch.entities(), SizeIs(80'000));

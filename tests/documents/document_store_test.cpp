@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -12,6 +13,7 @@
 #include <limits>
 
 #include "core/adding.h"
+#include "documents/document_history.h"
 #include "documents/document_paths.h"
 #include "documents/sketch_document_io.h"
 #include "geometry/edit_operations.h"
@@ -238,6 +240,50 @@ TEST(DocumentStoreFailures, KnowsItsOwnFileWhenOnlyTheFolderCouldNotBeMadeToLast
   EXPECT_EQ(on.lastLine(), "S Saved plan.") << "without a question: nobody else has written the file";
 }
 
+TEST(DocumentStoreFailures, TakesTheNextNameWhenAnotherWindowIsQuicker) {
+  testing::InterruptedCalls interrupted;
+  DiskWorkspace on(interrupted.calls);
+  on.settings.useDefaultProjectsFolder();
+  const FilePath folder = on.home / "Documents/Ostrelon";
+  const FilePath first = folder / "Untitled Project.ostrel";
+  std::filesystem::create_symlink(folder / "nothing", folder / "Untitled Project (1).ostrel");
+  addLine(on.sketch, {0, 0}, {1, 1});
+  *interrupted.work = [&] { writeBytes(first, "theirs"); };
+  saveCurrentDocument(on.document, on.settings, false);
+  EXPECT_EQ(on.document.fileURL.get(), folder / "Untitled Project (2).ostrel")
+      << "one that leads nowhere is no free name either";
+  EXPECT_EQ(readBytes(first), "theirs");
+  EXPECT_EQ(on.files.list(folder).size(), 3U) << "nothing is written through the link, and none left behind";
+}
+
+TEST(DocumentStoreFailures, NoticesWhatAnotherProgramWritesWhileItSaves) {
+  testing::InterruptedCalls interrupted;
+  DiskWorkspace on(interrupted.calls);
+  const FilePath plan = on.home / "plan.ostrel";
+  addLine(on.sketch, {0, 0}, {1, 1});
+  on.document.save(plan);
+  on.document.saveCheckpoint("one");
+  on.document.createBranch("b");
+  const auto expectRefused = [&](const std::string& prefix, const std::function<void()>& command) {
+    *interrupted.work = [&] { writeBytes(plan, "theirs"); };
+    const bool wasDirty = on.document.isDirty();
+    command();
+    EXPECT_EQ(on.messages.lines->back().text,
+              prefix + "“plan.ostrel” has been changed by another program and was not overwritten.");
+    EXPECT_EQ(readBytes(plan), "theirs");
+    EXPECT_EQ(on.document.isDirty(), wasDirty);
+    on.dialogs.queue("Overwrite");
+    saveCurrentDocument(on.document, on.settings, false);
+    EXPECT_EQ(on.lastLine(), "S Saved plan.");
+  };
+  expectRefused("Switch branch failed: ", [&] { on.reply("branch switch b"); });
+  EXPECT_EQ(loadDocumentHistory(on.files, plan).metadata.currentBranchID, "main");
+  addLine(on.sketch, {0, 0}, {2, 2});
+  expectRefused("Checkpoint failed: ", [&] { on.reply("checkpoint two"); });
+  addLine(on.sketch, {0, 0}, {3, 3});
+  expectRefused("Save failed: ", [&] { saveCurrentDocument(on.document, on.settings, false); });
+}
+
 // Runs `work` in a process of its own; gives the status that it exits with.
 int inChild(const std::function<int()>& work) {
   const pid_t child = ::fork();
@@ -269,6 +315,26 @@ TEST_F(DocumentStoreTest, TellsOfAFolderOrFileThatMayNotBeWritten) {
   EXPECT_EQ(readBytes(plan), before);
 }
 
+TEST_F(DocumentStoreTest, KeepsTheGroupOfAFileWhereItMay) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs to become another user";
+  constexpr gid_t team = 4711;
+  constexpr uid_t user = 65534;
+  document.save(plan);
+  ASSERT_EQ(::chown(plan.c_str(), 0, team), 0);
+  ::chmod(plan.c_str(), 0660);
+  ::chmod(home.path().c_str(), 0777);
+  const int status = inChild([&] {
+    if (::setgroups(1, &team) != 0 || ::setgid(user) != 0 || ::setuid(user) != 0) return 1;
+    return saveToURL(document, settings, plan, false) ? 2 : 7;
+  });
+  EXPECT_EQ(status, 7);
+  struct stat saved {};
+  ::stat(plan.c_str(), &saved);
+  EXPECT_EQ(saved.st_uid, user);
+  EXPECT_EQ(saved.st_gid, team);
+  EXPECT_EQ(saved.st_mode & 07777U, 0660U);
+}
+
 // --- The commands
 
 TEST_F(DocumentStoreTest, AsksWhereWithoutAProjectsFolder) {
@@ -291,6 +357,34 @@ TEST_F(DocumentStoreTest, AsksWhereWithoutAProjectsFolder) {
   const auto& panel = std::get<SavePanel>(dialogs.asked().back());
   EXPECT_EQ(panel.startingFolder, home.path());
   EXPECT_EQ(panel.suggestedName, "house.ostrel");
+}
+
+TEST_F(DocumentStoreTest, AsksBeforeItReplacesWhatTheSavePanelKnewNothingOf) {
+  draw();
+  writeBytes(plan, "theirs");
+  const auto saveAs = [&](const std::string& name) {
+    dialogs.queue((home / name).string());
+    saveDocumentAs(document, settings, false);
+  };
+  dialogs.setConfirmsReplacing(true);
+  for (const std::string name : {"plan", "plan."}) {
+    saveAs(name);
+    EXPECT_EQ(std::get<Alert>(dialogs.asked().back()).message,
+              "“plan.ostrel” already exists. Do you want to replace it?");
+    EXPECT_EQ(readBytes(plan), "theirs");
+    EXPECT_FALSE(document.isSaveDialogActive);
+  }
+  saveAs("new");
+  saveAs("new.ostrel");
+  EXPECT_EQ(dialogs.asked().size(), 6U)
+      << "no question about a free name, or one that the panel has asked about";
+  dialogs.queue((home / "plan").string());
+  dialogs.queue("Replace");
+  saveDocumentAs(document, settings, false);
+  EXPECT_EQ(document.fileURL.get(), plan);
+  dialogs.setConfirmsReplacing(false);
+  saveAs("new");
+  EXPECT_EQ(document.fileURL.get(), home / "new.ostrel") << "a script means the paths that it gives";
 }
 
 TEST_F(DocumentStoreTest, AsksBeforeItOverwritesWhatAnotherProgramHasWritten) {

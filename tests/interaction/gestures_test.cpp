@@ -2,10 +2,8 @@
 // object. What they draw, select and lock is in tests/automation/transcripts.
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <limits>
 #include <string>
-#include <vector>
 
 #include "core/adding.h"
 #include "interaction/canvas_gestures.h"
@@ -119,87 +117,6 @@ TEST_F(GesturesTest, ATypedSizeOfOneIsLargeEnoughAtAnyAngle) {
   for (int angle = 0; angle < 360; ++angle) type(SketchTool::line, {20, 13}, "1 " + std::to_string(angle));
   type(SketchTool::circle, {20, 13}, "1");
   type(SketchTool::rectangle, {-20, -13}, "1");
-}
-
-// --- The end of a gesture before its release
-
-using Steps = std::function<void(testing::TestWorkspace&)>;
-
-Steps type(const char* text) {
-  return [text](auto& t) { t.reply(text); };
-}
-Steps choose(SketchTool tool) {
-  return [tool](auto& t) { t.board.activateTool(tool); };
-}
-
-TEST(EndedGestures, DoNothingUntilTheNextPress) {
-  struct Case {
-    const char* name;
-    SketchTool tool;
-    Steps end;
-    SketchPoint from{13, 0}, to{33, 22};
-    bool isDragged = true;
-    std::vector<SketchPoint> vertices = {};  // of a polygon begun before
-  };
-  const Steps escape = [](auto& t) { t.board.handleEscape(); };
-  const Steps undo = [](auto& t) { t.board.undo(); };
-  const Steps thereAndBack = [](auto& t) {
-    t.board.activateTool(SketchTool::pan);
-    t.board.activateTool(SketchTool::select);
-  };
-  const Steps close = [](auto& t) { t.board.closePolygon(); };
-  const SketchPoint paper{-20, 40};
-  const SketchPoint same{13, 0};
-  const Case cases[]{
-      {"line, Escape on empty paper", SketchTool::line, escape, paper, same, false},
-      {"line, Escape", SketchTool::line, escape},
-      {"line, a typed size", SketchTool::line, type("20 90")},
-      {"line, undo", SketchTool::line, undo},
-      {"line, its own tool again", SketchTool::line, choose(SketchTool::line)},
-      {"line, another tool", SketchTool::line, choose(SketchTool::wall)},
-      {"line, the trim command, which keeps the draft", SketchTool::line, type("trim")},
-      {"circle, clear", SketchTool::circle, type("clear")},
-      {"polygon, closed",
-       SketchTool::polygon,
-       close,
-       {13, 40},
-       {13, 40},
-       false,
-       {{13, 0}, {40, 0}, {40, 40}}},
-      {"polygon, not begun, another tool", SketchTool::polygon, choose(SketchTool::line), same, same, false},
-      {"body drag, Escape", SketchTool::select, escape},
-      {"body drag, undo", SketchTool::select, undo},
-      {"body drag, another tool", SketchTool::select, choose(SketchTool::line)},
-      {"marquee, Escape", SketchTool::select, escape, paper, same},
-      {"select, not begun, there and back", SketchTool::select, thereAndBack, same, {33, 22}, false},
-      {"click, there and back", SketchTool::select, thereAndBack, same, same, false},
-      {"trim, a click, another tool", SketchTool::trim, choose(SketchTool::rectangle), same, same, false},
-      {"pan, another tool", SketchTool::pan, choose(SketchTool::select), same, {33, 22}, false},
-  };
-  for (const Case& one : cases) {
-    SCOPED_TRACE(one.name);
-    testing::TestWorkspace t;
-    t.board.resizeCanvas({800, 600});
-    addLine(t.sketch, {0, 0}, {40, 0});
-    addLine(t.sketch, {0, 60}, {40, 60});
-    CanvasGestures gestures(t.board);
-    t.board.activateTool(one.tool);
-    for (const SketchPoint vertex : one.vertices) t.board.addPolygonVertex(vertex);
-    gestures.press(toView(one.from));
-    if (one.isDragged) gestures.drag(toView({33, 22}));
-    one.end(t);
-    EXPECT_FALSE(gestures.isPressed());
-    const auto revision = t.workspace.revision();
-    gestures.drag(toView(one.to));
-    gestures.drag(toView(one.to + SketchPoint{0.5, 0}));
-    gestures.release(toView(one.to));
-    EXPECT_EQ(t.workspace.revision(), revision);
-    t.board.activateTool(SketchTool::line);
-    gestures.press(toView({-80, -40}));
-    gestures.drag(toView({-80, -60}));
-    gestures.release(toView({-80, -60}));
-    EXPECT_EQ(std::get<LineEntity>(t.sketch.entities().back()).from, (SketchPoint{-80, -40}));
-  }
 }
 
 TEST_F(GesturesTest, TheContextMenuOfAWallChangesItsSystem) {
