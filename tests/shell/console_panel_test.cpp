@@ -10,7 +10,7 @@ namespace ostrelon {
 namespace {
 
 struct ConsolePanelTest : testing::WindowFixture {
-  ConsoleView panel{sketch, theme};
+  ConsoleView panel{workspace, theme};
   QLineEdit* input = nullptr;
   TranscriptView* transcript = nullptr;
   QWidget* handle = nullptr;
@@ -34,30 +34,30 @@ struct ConsolePanelTest : testing::WindowFixture {
 
 TEST_F(ConsolePanelTest, ReturnAndTheButtonRunTheLine) {
   type(*input, "line 0 0 10 0");
-  EXPECT_EQ(*sketch.commandInput, "line 0 0 10 0");
+  EXPECT_EQ(*console.input, "line 0 0 10 0");
   QTest::keyClick(input, Qt::Key_Return);
   settle();
-  EXPECT_EQ(sketch.entities->size(), 1U);
+  EXPECT_EQ(sketch.entities().size(), 1U);
   EXPECT_EQ(input->text(), "");
   EXPECT_EQ(lastLine(), "Line added.");
 
   type(*input, "circle 0 0 4");
   press(panel, "console.run");
-  EXPECT_EQ(sketch.entities->size(), 2U);
-  const std::size_t lines = sketch.consoleLines->size();
+  EXPECT_EQ(sketch.entities().size(), 2U);
+  const std::size_t lines = messages.lines->size();
   press(panel, "console.run");
-  EXPECT_EQ(sketch.consoleLines->size(), lines) << "an empty line leaves no trace";
+  EXPECT_EQ(messages.lines->size(), lines) << "an empty line leaves no trace";
 }
 
 TEST_F(ConsolePanelTest, TheFieldFollowsTheModelAndTellsItsFocus) {
-  sketch.setCommandInput("from elsewhere");
+  console.setInput("from elsewhere");
   settle();
   EXPECT_EQ(input->text(), "from elsewhere");
-  EXPECT_TRUE(*sketch.isConsoleInputFocused);
+  EXPECT_TRUE(*console.isFocused);
   input->clearFocus();
-  EXPECT_FALSE(*sketch.isConsoleInputFocused);
+  EXPECT_FALSE(*console.isFocused);
   press(panel, "console.focus");
-  EXPECT_TRUE(*sketch.isConsoleInputFocused);
+  EXPECT_TRUE(*console.isFocused);
   EXPECT_TRUE(input->hasFocus());
 }
 
@@ -99,7 +99,7 @@ TEST_F(ConsolePanelTest, UpAndDownRecallTheLinesThatWereRun) {
   QTest::keyClick(input, Qt::Key_Down);
   QTest::keyClick(input, Qt::Key_Down);
   EXPECT_EQ(input->text(), "ci");
-  EXPECT_EQ(*sketch.commandInput, "ci");
+  EXPECT_EQ(*console.input, "ci");
 }
 
 TEST_F(ConsolePanelTest, TabCompletesAndThenListsWhatFits) {
@@ -122,7 +122,7 @@ TEST_F(ConsolePanelTest, TheTranscriptWrapsFollowsItsEndAndCanBeCopied) {
   EXPECT_GT(transcript->visualRect(last).height(), 30 * 18) << "a text of many lines is one row";
   EXPECT_TRUE(transcript->isAtEnd());
   transcript->verticalScrollBar()->setValue(0);
-  sketch.appendConsoleLine("Saved elsewhere.", false, true);
+  messages.append("Saved elsewhere.", false, true);
   settle();
   EXPECT_EQ(transcript->verticalScrollBar()->value(), 0) << "scrolled up by hand it stays";
   type(*input, "nonsense");
@@ -137,10 +137,10 @@ TEST_F(ConsolePanelTest, TheTranscriptWrapsFollowsItsEndAndCanBeCopied) {
 }
 
 TEST_F(ConsolePanelTest, AHundredThousandLinesStayQuick) {
-  for (int i = 0; i < 100'000; ++i) sketch.appendConsoleLine("Wall added (W2-INT).", false, true);
+  for (int i = 0; i < 100'000; ++i) messages.append("Wall added (W2-INT).", false, true);
   settle();
   const std::clock_t start = std::clock();
-  sketch.appendConsoleLine("One more.", false, true);
+  messages.append("One more.", false, true);
   settle();
   EXPECT_TRUE(transcript->isAtEnd());
   EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC / 4) << "one line costs what one line costs";

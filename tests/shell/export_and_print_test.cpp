@@ -4,6 +4,7 @@
 #include <QPrinter>
 #include <cstdlib>
 
+#include "core/adding.h"
 #include "exchange/picture_page.h"
 #include "shell/drawing_export.h"
 #include "shell/export_sheet.h"
@@ -17,7 +18,7 @@ namespace {
 struct ExportAndPrint : testing::WindowFixture {
   ExportAndPrint() {
     // Forty feet by twenty, which is ten inches by five at a quarter of an inch to the foot.
-    sketch.addRectangle({0, 0}, {40, 20});
+    addRectangle(sketch, {0, 0}, {40, 20});
   }
   static bool isInstalled(const std::string& program) {
     return std::system(("command -v " + program + " >/dev/null").c_str()) == 0;
@@ -30,13 +31,13 @@ struct ExportAndPrint : testing::WindowFixture {
   }
   std::string pdf(const ExportOptions& options) {
     std::string bytes;
-    writePdf(picturePages(ExportFormat::pdf, *sketch.entities, *sketch.wallSystemSpecs, options),
-             *sketch.entities, *sketch.wallSystemSpecs, options,
+    writePdf(picturePages(ExportFormat::pdf, sketch.entities(), sketch.drawing->wallSystemSpecs, options),
+             sketch.entities(), sketch.drawing->wallSystemSpecs, options,
              [&](std::string_view piece) { bytes += piece; });
     return bytes;
   }
   QByteArray picture(ExportFormat format, const ExportOptions& options) {
-    return drawingPicture(format, *sketch.entities, *sketch.wallSystemSpecs, options);
+    return drawingPicture(format, sketch.entities(), sketch.drawing->wallSystemSpecs, options);
   }
   /// The box of everything dark, from the middles of its lines, in inches.
   static QRectF inkOf(const QImage& image, double pixelsPerInch) {
@@ -118,7 +119,7 @@ TEST_F(ExportAndPrint, APrintIsAtTrueScale) {
   QPrinter printer(QPrinter::HighResolution);
   printer.setOutputFormat(QPrinter::PdfFormat);
   printer.setOutputFileName(QString::fromStdString(path.string()));
-  EXPECT_EQ(printDrawing(printer, sketch, onPaper("Tabloid", "1/4in")), 1);
+  EXPECT_EQ(printDrawing(printer, workspace, onPaper("Tabloid", "1/4in")), 1);
   expectTenByFiveInches(popplersPage(path, 1), 144);
 }
 

@@ -10,6 +10,7 @@
 #include <QUrl>
 
 #include "app/menu.h"
+#include "geometry/edit_operations.h"
 #include "shell/dialog_sheet.h"
 #include "shell/inspector_window.h"
 #include "shell/qt_dialogs.h"
@@ -115,13 +116,13 @@ TEST_F(MainWindowTest, AShortWindowShowsTheConsoleAtItsLeastHeight) {
 TEST_F(MainWindowTest, LettersChooseToolsUntilSomethingIsTyped) {
   window.console().input()->setFocus();
   key(Qt::Key_L);
-  EXPECT_EQ(sketch.selectedTool.get(), SketchTool::line);
+  EXPECT_EQ(board.tool.get(), SketchTool::line);
   EXPECT_EQ(window.console().input()->text(), "");
   key(Qt::Key_Escape);
-  EXPECT_EQ(sketch.selectedTool.get(), SketchTool::select);
+  EXPECT_EQ(board.tool.get(), SketchTool::select);
   type(*window.console().input(), "0 l");
   EXPECT_EQ(window.console().input()->text(), "0 l") << "into a filled line letters are typed";
-  EXPECT_EQ(sketch.selectedTool.get(), SketchTool::select);
+  EXPECT_EQ(board.tool.get(), SketchTool::select);
   key(Qt::Key_Escape);
   settle();
   EXPECT_EQ(window.console().input()->text(), "");
@@ -131,7 +132,7 @@ TEST_F(MainWindowTest, LettersChooseToolsUntilSomethingIsTyped) {
   thickness->selectAll();
   type(*thickness, "lz");
   EXPECT_EQ(thickness->text(), "lz");
-  EXPECT_EQ(sketch.selectedTool.get(), SketchTool::select);
+  EXPECT_EQ(board.tool.get(), SketchTool::select);
 }
 
 TEST_F(MainWindowTest, DigitsTypedOverTheCanvasGoToTheConsole) {
@@ -139,36 +140,36 @@ TEST_F(MainWindowTest, DigitsTypedOverTheCanvasGoToTheConsole) {
   QTest::keyClick(&window.canvas(), Qt::Key_4);
   EXPECT_TRUE(window.console().input()->hasFocus());
   type(*window.console().input(), "0");
-  EXPECT_EQ(*sketch.commandInput, "40");
+  EXPECT_EQ(*console.input, "40");
 }
 
 TEST_F(MainWindowTest, UndoOfAnEmptyLineIsTheDrawings) {
   run("line 0 0 10 0");
   window.console().input()->setFocus();
   key(Qt::Key_Z, Qt::ControlModifier);
-  EXPECT_TRUE(sketch.entities->empty());
+  EXPECT_TRUE(sketch.entities().empty());
   key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
-  EXPECT_EQ(sketch.entities->size(), 1U);
+  EXPECT_EQ(sketch.entities().size(), 1U);
   type(*window.console().input(), "hallo");
   key(Qt::Key_Z, Qt::ControlModifier);
-  EXPECT_EQ(sketch.entities->size(), 1U) << "a filled line undoes its own typing";
+  EXPECT_EQ(sketch.entities().size(), 1U) << "a filled line undoes its own typing";
 }
 
 TEST_F(MainWindowTest, TheEditingKeysAreTheDrawingsUntilALineIsTyped) {
   run("line 0 0 10 0");
   window.console().input()->setFocus();
   key(Qt::Key_A, Qt::ControlModifier);
-  EXPECT_EQ(sketch.selectedEntityIDs->size(), 1U);
+  EXPECT_EQ(sketch.selection->ids.size(), 1U);
   key(Qt::Key_C, Qt::ControlModifier);
   window.canvas().setFocus();
   key(Qt::Key_V, Qt::ControlModifier);
-  EXPECT_EQ(sketch.entities->size(), 2U);
+  EXPECT_EQ(sketch.entities().size(), 2U);
   window.console().input()->setFocus();
   type(*window.console().input(), "hallo");
   key(Qt::Key_A, Qt::ControlModifier);
   key(Qt::Key_X, Qt::ControlModifier);
   EXPECT_EQ(window.console().input()->text(), "");
-  EXPECT_EQ(sketch.entities->size(), 2U);
+  EXPECT_EQ(sketch.entities().size(), 2U);
 
   auto* transcript = find<QAbstractItemView>(window, "console.transcript");
   transcript->setFocus();
@@ -176,16 +177,16 @@ TEST_F(MainWindowTest, TheEditingKeysAreTheDrawingsUntilALineIsTyped) {
   key(Qt::Key_A, Qt::ControlModifier);
   key(Qt::Key_C, Qt::ControlModifier);
   EXPECT_TRUE(QGuiApplication::clipboard()->text().contains("line 0 0 10 0"));
-  EXPECT_EQ(sketch.selectedEntityIDs->size(), 1U) << "the lines were copied, not the drawing";
+  EXPECT_EQ(sketch.selection->ids.size(), 1U) << "the lines were copied, not the drawing";
 }
 
 TEST_F(MainWindowTest, TheSamplePlanIsShownWhole) {
   runMenuCommand(application, "Help/Open Sample Plan");
   settle();
-  const SketchViewport shown = sketch.viewport;
-  sketch.zoomToFit(sketch.canvasSize);
-  EXPECT_EQ(shown, sketch.viewport.get());
-  EXPECT_FALSE(*sketch.isDocumentDirty);
+  const SketchViewport shown = board.viewport();
+  board.zoomToFit(board.view->canvasSize);
+  EXPECT_EQ(shown, board.viewport());
+  EXPECT_FALSE(document.isDirty());
 }
 
 TEST_F(MainWindowTest, ClosingWithChangesAsks) {
@@ -197,15 +198,15 @@ TEST_F(MainWindowTest, ClosingWithChangesAsks) {
   EXPECT_TRUE(window.isVisible());
   settle();
   EXPECT_FALSE(window.isVisible()) << "saved, it closes by itself";
-  EXPECT_FALSE(*sketch.isDocumentDirty);
-  EXPECT_EQ(*sketch.documentName, "Untitled Project");
+  EXPECT_FALSE(document.isDirty());
+  EXPECT_EQ(*document.name, "Untitled Project");
 }
 
 TEST_F(MainWindowTest, ADocumentDroppedOnTheWindowIsOpened) {
   run("circle 0 0 4");
   application.save();
   settle();
-  sketch.newDocument();
+  document.begin();
   settle();
   QMimeData data;
   const std::string path = (home / "Documents" / "Ostrelon" / "Untitled Project.ostrel").string();
@@ -216,7 +217,7 @@ TEST_F(MainWindowTest, ADocumentDroppedOnTheWindowIsOpened) {
   QDropEvent drop({300, 300}, Qt::CopyAction, &data, Qt::LeftButton, {});
   QApplication::sendEvent(&window, &drop);
   settle();
-  EXPECT_EQ(sketch.entities->size(), 1U);
+  EXPECT_EQ(sketch.entities().size(), 1U);
   data.setUrls({QUrl("https://example.org/x.ostrel")});
   QDragEnterEvent foreign({300, 300}, Qt::CopyAction, &data, Qt::LeftButton, {});
   foreign.ignore();
@@ -236,16 +237,16 @@ TEST_F(MainWindowTest, TheLayoutOfTheLastRunComesBack) {
 
 TEST_F(MainWindowTest, ADocumentIsShownInTheViewThatItWasSavedWith) {
   run("line 0 0 10 0");
-  sketch.setViewport(123, 45, 8);
+  board.setViewport({{123, 45}, 8});
   application.save();
   settle();
-  sketch.newDocument();
+  document.begin();
   settle();
-  EXPECT_EQ(sketch.viewport.get(), (SketchViewport{{358, 288}, 4})) << "a new one is centred at once";
+  EXPECT_EQ(board.viewport(), (SketchViewport{{358, 288}, 4})) << "a new one is centred at once";
   application.openDocumentAt(home / "Documents" / "Ostrelon" / "Untitled Project.ostrel");
   settle();
-  EXPECT_EQ(sketch.viewport.get(), (SketchViewport{{123, 45}, 8}));
-  EXPECT_TRUE(*sketch.hasInitializedViewport);
+  EXPECT_EQ(board.viewport(), (SketchViewport{{123, 45}, 8}));
+  EXPECT_TRUE(board.view->isInitialized);
 }
 
 // --- What lies over the canvas
@@ -260,7 +261,7 @@ TEST_F(MainWindowTest, TheBadgesTellTheState) {
   EXPECT_EQ(text("canvas.statusBadge"), "1 entity Select Wall 1 (W2-INT) W2-INT");
   EXPECT_FALSE(isShown("canvas.alignHorizontal") && isShown("canvas.alignBar"));
   run("circle 40 10 4");
-  sketch.selectAll();
+  selectAll(sketch);
   settle();
   EXPECT_TRUE(isShown("canvas.alignBar"));
   press(window, "canvas.alignHorizontal");
@@ -269,21 +270,21 @@ TEST_F(MainWindowTest, TheBadgesTellTheState) {
   EXPECT_EQ(lastLine(), "Selection already aligned horizontally.");
 
   EXPECT_FALSE(isShown("canvas.trimInstruction"));
-  sketch.activateTool(SketchTool::trim);
+  board.activateTool(SketchTool::trim);
   settle();
   EXPECT_TRUE(isShown("canvas.trimInstruction"));
-  EXPECT_EQ(text("canvas.trimInstruction"), *sketch.trimInstruction());
+  EXPECT_EQ(text("canvas.trimInstruction"), *board.trimInstruction());
 
-  sketch.activateTool(SketchTool::line);
-  sketch.hoverMoved(SketchPoint{358, 268});
+  board.activateTool(SketchTool::line);
+  board.hoverMoved(SketchPoint{358, 268});
   settle();
   EXPECT_EQ(text("canvas.cursorCoordinates"), "Cursor coordinates X 0.0 Y 5.0");
   EXPECT_TRUE(isShown("canvas.snapFeedback"));
-  sketch.beginDraft({0, 30});
-  sketch.updateDraft({25, 30});
+  board.beginDraft({0, 30});
+  board.updateDraft({25, 30});
   settle();
-  EXPECT_EQ(text("canvas.draftMeasurement"), *sketch.draftMeasurementText());
-  sketch.hoverMoved(std::nullopt);
+  EXPECT_EQ(text("canvas.draftMeasurement"), *board.draftMeasurementText());
+  board.hoverMoved(std::nullopt);
   settle();
   EXPECT_FALSE(isShown("canvas.cursorCoordinates"));
 }
@@ -297,10 +298,10 @@ TEST_F(MainWindowTest, TheViewportClusterMovesTheView) {
   press(window, "viewport.zoomOut");
   EXPECT_EQ(find<QLabel>(window, "viewport.zoomPercentage")->text(), "80%");
   press(window, "viewport.reset");
-  EXPECT_EQ(sketch.viewport.get(), (SketchViewport{{358, 288}, 4}));
+  EXPECT_EQ(board.viewport(), (SketchViewport{{358, 288}, 4}));
   run("line 0 0 1000 0");
   press(window, "viewport.fit");
-  EXPECT_LT(sketch.viewport->scale, 1);
+  EXPECT_LT(board.viewport().scale, 1);
 }
 
 TEST_F(MainWindowTest, TheLengthOfASegmentIsEditedInPlace) {
@@ -320,16 +321,16 @@ TEST_F(MainWindowTest, TheLengthOfASegmentIsEditedInPlace) {
   type(*editor, "30'6");
   key(Qt::Key_Return);
   EXPECT_TRUE(editor->isHidden());
-  EXPECT_EQ(std::get<WallEntity>(sketch.entities->front()).to, (SketchPoint{30.5, 0}));
+  EXPECT_EQ(std::get<WallEntity>(sketch.entities().front()).to, (SketchPoint{30.5, 0}));
   press(window, "canvas.segmentLengthLabel");
   key(Qt::Key_Escape);
   EXPECT_TRUE(editor->isHidden());
-  EXPECT_EQ(sketch.entities->size(), 1U);
+  EXPECT_EQ(sketch.entities().size(), 1U);
 }
 
 TEST_F(MainWindowTest, AToastComesAndGoes) {
   auto* toast = find<QWidget>(window, "canvas.toast");
-  sketch.showDocumentToast("Saved House", DocumentToastState::Style::success);
+  messages.showToast("Saved House", DocumentToastState::Style::success);
   settle();
   EXPECT_TRUE(toast->isVisible());
   EXPECT_EQ(toast->accessibleName(), "Saved House");
@@ -366,7 +367,7 @@ TEST_F(MainWindowTest, EveryControlHasARoleAndAName) {
   sketch.clearSelection();
   EXPECT_FALSE(list->child(0)->state().selected);
   list->child(0)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-  EXPECT_EQ(sketch.selectedEntityIDs->size(), 1U);
+  EXPECT_EQ(sketch.selection->ids.size(), 1U);
   EXPECT_EQ(list->indexOfChild(list->child(0)), 0);
   EXPECT_EQ(list->childAt(list->child(0)->rect().center().x(), list->child(0)->rect().center().y()),
             list->child(0));

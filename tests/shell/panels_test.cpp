@@ -2,6 +2,8 @@
 #include <QLabel>
 #include <QSignalSpy>
 
+#include "core/adding.h"
+#include "geometry/edit_operations.h"
 #include "shell/inspector_window.h"
 #include "shell/rows_view.h"
 #include "shell/top_bar.h"
@@ -38,12 +40,12 @@ TEST_F(TopBarTest, TellsTheDocumentItsMarkAndItsBranch) {
 TEST_F(TopBarTest, TheButtonsAndTheSwitchRunTheirCommands) {
   run("line 0 0 1 1");
   press(bar, "topMenuBar.clear");
-  EXPECT_TRUE(sketch.entities->empty());
-  sketch.undo();
-  EXPECT_EQ(sketch.entities->size(), 1U) << "one undo step";
+  EXPECT_TRUE(sketch.entities().empty());
+  board.undo();
+  EXPECT_EQ(sketch.entities().size(), 1U) << "one undo step";
   press(bar, "topMenuBar.grid");
-  EXPECT_FALSE(*sketch.showGrid);
-  sketch.setShowGrid(true);
+  EXPECT_FALSE(sketch.drawing->showGrid);
+  setShowGrid(sketch, true);
   settle();
   EXPECT_TRUE(find(bar, "topMenuBar.grid")->isChecked());
 }
@@ -59,7 +61,7 @@ TEST_F(TopBarTest, MenuRowsAreEnabledWhereThereIsSomethingToDo) {
   EXPECT_TRUE(menuAction("Duplicate")->isEnabled());
   menuAction("Undo")->trigger();
   settle();
-  EXPECT_TRUE(sketch.entities->empty());
+  EXPECT_TRUE(sketch.entities().empty());
   EXPECT_FALSE(menuAction("Undo")->isEnabled());
   EXPECT_TRUE(menuAction("Redo")->isEnabled());
 }
@@ -67,7 +69,7 @@ TEST_F(TopBarTest, MenuRowsAreEnabledWhereThereIsSomethingToDo) {
 // --- The wall systems
 
 struct WallSystemPanelTest : testing::WindowFixture {
-  WallSystemPanelView panel{sketch, theme};
+  WallSystemPanelView panel{workspace, theme};
   void SetUp() override {
     panel.resize(WallSystemPanelView::kWidth, 700);
     present(panel);
@@ -86,16 +88,16 @@ struct WallSystemPanelTest : testing::WindowFixture {
 TEST_F(WallSystemPanelTest, AFieldCommitsWithReturnAndDropsWhatIsNoNumber) {
   EXPECT_EQ(text("wallSystems.thickness"), "4.5");
   enter("wallSystems.thickness", "5.25");
-  EXPECT_EQ(sketch.wallSystemSpecs.get()[0].thickness, 5.25);
-  EXPECT_TRUE(*sketch.isDocumentDirty);
-  const std::size_t lines = sketch.consoleLines->size();
+  EXPECT_EQ(sketch.drawing->wallSystemSpecs[0].thickness, 5.25);
+  EXPECT_TRUE(document.isDirty());
+  const std::size_t lines = messages.lines->size();
   for (const char* bad : {"-1", "abc", "0"}) {
     enter("wallSystems.thickness", bad);
     EXPECT_EQ(text("wallSystems.thickness"), "5.25") << bad;
   }
-  EXPECT_EQ(sketch.consoleLines->size(), lines);
+  EXPECT_EQ(messages.lines->size(), lines);
   enter("wallSystems.assembly", "straw");
-  EXPECT_EQ(sketch.wallSystemSpecs.get()[0].assemblyNotes, "straw");
+  EXPECT_EQ(sketch.drawing->wallSystemSpecs[0].assemblyNotes, "straw");
 }
 
 TEST_F(WallSystemPanelTest, AFieldLeftWithoutReturnShowsAgainWhatHolds) {
@@ -105,7 +107,7 @@ TEST_F(WallSystemPanelTest, AFieldLeftWithoutReturnShowsAgainWhatHolds) {
   type(*field, "120");
   find<QLineEdit>(panel, "wallSystems.assembly")->setFocus();
   EXPECT_EQ(field->text(), "96");
-  EXPECT_EQ(sketch.wallSystemSpecs.get()[0].height, 96);
+  EXPECT_EQ(sketch.drawing->wallSystemSpecs[0].height, 96);
 }
 
 TEST_F(WallSystemPanelTest, TheFieldsShowTheSelectedWallsSystem) {
@@ -122,7 +124,8 @@ TEST_F(WallSystemPanelTest, TheFieldsShowTheSelectedWallsSystem) {
   QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
                     list->visualRect(list->model()->index(1, 0)).center());
   settle();
-  EXPECT_EQ(std::get<WallEntity>(sketch.entities->back()).systemSpecID, sketch.wallSystemSpecs.get()[1].id);
+  EXPECT_EQ(std::get<WallEntity>(sketch.entities().back()).systemSpecID,
+            sketch.drawing->wallSystemSpecs[1].id);
   EXPECT_EQ(title->text(), "SELECTED WALL · W2-EXT");
   EXPECT_EQ(list->model()->index(1, 0).data(Qt::AccessibleTextRole).toString(),
             "W2-EXT, 6.5 thick · 96 high, used by the selected wall");
@@ -132,7 +135,7 @@ TEST_F(WallSystemPanelTest, TheFieldsShowTheSelectedWallsSystem) {
 
 struct InspectorWindowTest : testing::WindowFixture {
   QWidget main;
-  InspectorWindow window{sketch, theme, &main};
+  InspectorWindow window{workspace, theme, &main};
   void SetUp() override { present(main); }
 };
 
@@ -140,12 +143,12 @@ TEST_F(InspectorWindowTest, ComesAndGoesWithItsFlag) {
   EXPECT_EQ(window.windowTitle(), "Entity Inspector");
   EXPECT_EQ(window.objectName(), "entity-inspector");
   run("wall 0 0 10 0");
-  sketch.showEntityInspector();
+  showEntityInspector(sketch);
   settle();
   EXPECT_TRUE(window.isVisible());
   window.close();
-  EXPECT_FALSE(*sketch.isEntityInspectorVisible) << "closed by the user";
-  sketch.showEntityInspector();
+  EXPECT_FALSE(sketch.selection->isInspected) << "closed by the user";
+  showEntityInspector(sketch);
   settle();
   sketch.clearSelection();
   settle();
@@ -154,7 +157,7 @@ TEST_F(InspectorWindowTest, ComesAndGoesWithItsFlag) {
 
 TEST_F(InspectorWindowTest, ShowsOneEntityAndEditsIt) {
   run("wall 0 0 10 0");
-  sketch.showEntityInspector();
+  showEntityInspector(sketch);
   settle();
   EXPECT_EQ(find<QLabel>(window, "inspector.metric.Length")->text(), "10'");
   auto* length = find<QLineEdit>(window, "inspector.length");
@@ -186,24 +189,24 @@ TEST_F(InspectorWindowTest, ShowsOneEntityAndEditsIt) {
   press(window, "inspector.logDetails");
   EXPECT_TRUE(lastLine().starts_with("line from (2.0, -1.0)")) << lastLine();
   press(window, "inspector.duplicate");
-  EXPECT_EQ(sketch.entities->size(), 2U);
-  EXPECT_EQ(*sketch.primarySelectedEntityID, entityID(sketch.entities->back()));
+  EXPECT_EQ(sketch.entities().size(), 2U);
+  EXPECT_EQ(sketch.selection->primary, entityID(sketch.entities().back()));
   press(window, "inspector.delete");
-  EXPECT_EQ(sketch.entities->size(), 1U);
+  EXPECT_EQ(sketch.entities().size(), 1U);
   EXPECT_FALSE(window.isVisible());
 }
 
 TEST_F(InspectorWindowTest, SeveralSelectedAreEditedTogether) {
   run("wall 0 0 10 0");
   run("circle 0 0 4");
-  sketch.selectAll();
-  sketch.showEntityInspector();
+  selectAll(sketch);
+  showEntityInspector(sketch);
   settle();
   EXPECT_EQ(find<QLabel>(window, "inspector.selectionHeading")->text(), "2 selected · 1 wall, 1 circle");
   press(window, "inspector.duplicateAll");
-  EXPECT_EQ(sketch.entities->size(), 4U);
+  EXPECT_EQ(sketch.entities().size(), 4U);
   press(window, "inspector.deleteAll");
-  EXPECT_EQ(sketch.entities->size(), 2U);
+  EXPECT_EQ(sketch.entities().size(), 2U);
   EXPECT_FALSE(window.isVisible());
 }
 
