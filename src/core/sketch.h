@@ -38,6 +38,7 @@ struct SketchState {
   Drawing drawing;
   Selection selection;
   bool isDirty = false;
+  friend bool operator==(const SketchState&, const SketchState&) = default;
 };
 
 class Sketch {
