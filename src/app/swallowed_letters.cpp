@@ -25,9 +25,8 @@ bool beginsCommand(const std::string& text) {
 
 void takeBack(const SwallowedLetters::Before& before, Workspace& workspace) {
   const auto change = workspace.change();
-  // A polygon that was closed is not left behind as a step to undo.
-  if (!(before.sketch.drawing.entities == workspace.sketch.entities())) workspace.board.undo();
   workspace.sketch.setState(before.sketch);
+  workspace.sketch.setUndoStack(before.undoStack);
   workspace.board.setState(before.board);
   workspace.board.setViewport(before.viewport);
 }
@@ -35,7 +34,8 @@ void takeBack(const SwallowedLetters::Before& before, Workspace& workspace) {
 }  // namespace
 
 SwallowedLetters::Before SwallowedLetters::stateOf(const Workspace& workspace) {
-  return {workspace.sketch.state(), workspace.board.state(), workspace.board.viewport()};
+  return {workspace.sketch.state(), workspace.sketch.undoStack, workspace.board.state(),
+          workspace.board.viewport()};
 }
 
 void SwallowedLetters::swallowed(std::string_view characters, Date now, Before before) {

@@ -19,6 +19,7 @@ class SwallowedLetters {
   /// All that a letter may change.
   struct Before {
     SketchState sketch;
+    SketchUndoStack undoStack;
     BoardState board;
     SketchViewport viewport;
   };

@@ -101,17 +101,18 @@ void CanvasGestures::doubleClick() {
 // a marquee
 
 void CanvasGestures::selectChanged(SketchPoint viewPoint) {
+  const bool hasBegun = board_.selectDrag() != nullptr || board_.marquee() != nullptr ||
+                        distanceBetween(*press_, viewPoint) >= kDragStartThreshold;
+  if (!hasBegun) return;
   board_.recordPointer(viewPoint);
   if (board_.selectDrag() != nullptr) {
     board_.updateSelectDrag(toSketch(viewPoint));
   } else if (board_.marquee() != nullptr) {
     board_.updateMarquee(viewPoint);
-  } else if (distanceBetween(*press_, viewPoint) >= kDragStartThreshold) {
-    if (board_.beginSelectDrag(toSketch(*press_))) {
-      board_.updateSelectDrag(toSketch(viewPoint));
-    } else {
-      board_.beginMarquee(*press_, viewPoint);
-    }
+  } else if (board_.beginSelectDrag(toSketch(*press_))) {
+    board_.updateSelectDrag(toSketch(viewPoint));
+  } else {
+    board_.beginMarquee(*press_, viewPoint);
   }
 }
 
