@@ -1,7 +1,10 @@
 #include "shell/console_panel.h"
 
 #include <QClipboard>
+#include <QGlyphRun>
+#include <QRawFont>
 #include <QScrollBar>
+#include <QTextLayout>
 #include <ctime>
 
 #include "window_fixture.h"
@@ -111,6 +114,12 @@ TEST_F(ConsolePanelTest, TabCompletesAndThenListsWhatFits) {
   type(*input, "spec ");
   QTest::keyClick(input, Qt::Key_Tab);
   EXPECT_EQ(lastLine(), "list  show  use");
+  const std::size_t lines = messages.lines->size();
+  for (const char* next : {"spec list", "spec show", "spec use", "spec list"}) {
+    QTest::keyClick(input, Qt::Key_Tab);
+    EXPECT_EQ(input->text(), next);
+  }
+  EXPECT_EQ(messages.lines->size(), lines) << "they are listed once";
   input->clear();
   QTest::keyClick(input, Qt::Key_Tab);
   EXPECT_FALSE(input->hasFocus()) << "an empty line has nothing to complete";
@@ -134,6 +143,16 @@ TEST_F(ConsolePanelTest, TheTranscriptWrapsFollowsItsEndAndCanBeCopied) {
   transcript->selectAll();
   QTest::keyClick(transcript, Qt::Key_C, Qt::ControlModifier);
   EXPECT_TRUE(QGuiApplication::clipboard()->text().contains("> nonsense\nUnknown command"));
+}
+
+TEST_F(ConsolePanelTest, EveryCharacterIsShownAsItWasTyped) {
+  const QString text = QStringLiteral("->>=!===");
+  QTextLayout layout(text, input->font());
+  layout.beginLayout();
+  layout.createLine();
+  layout.endLayout();
+  const QGlyphRun run = layout.glyphRuns().front();
+  EXPECT_EQ(run.glyphIndexes(), run.rawFont().glyphIndexesForString(text)) << "no ligatures";
 }
 
 TEST_F(ConsolePanelTest, AHundredThousandLinesStayQuick) {

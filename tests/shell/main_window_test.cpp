@@ -5,15 +5,24 @@
 #include <QClipboard>
 #include <QDragEnterEvent>
 #include <QFocusFrame>
+#include <QHelpEvent>
 #include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
 #include <QMimeData>
+#include <QToolTip>
 #include <QUrl>
 
 #include "app/menu.h"
+#include "core/adding.h"
 #include "geometry/edit_operations.h"
+#include "interaction/canvas_transform.h"
+#include "shell/canvas_overlay.h"
+#include "shell/context_menu_popup.h"
 #include "shell/dialog_sheet.h"
 #include "shell/inspector_window.h"
 #include "shell/qt_dialogs.h"
+#include "shell/qt_text.h"
 #include "shell/windowed_program.h"
 #include "window_fixture.h"
 
@@ -31,6 +40,11 @@ struct MainWindowTest : testing::WindowFixture {
   }
   void key(int code, Qt::KeyboardModifiers modifiers = {}) {
     QTest::keyClick(QApplication::focusWidget(), static_cast<Qt::Key>(code), modifiers);
+    settle();
+  }
+  /// A click as the desktop gives it, to the window.
+  void click(QPoint at) {
+    QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, at);
     settle();
   }
   void resizeTo(int width, int height) {
@@ -79,6 +93,29 @@ TEST_F(MainWindowTest, TellsItsDocumentInTheTitle) {
   EXPECT_TRUE(window.windowFilePath().endsWith("Untitled Project.ostrel"));
 }
 
+TEST_F(MainWindowTest, ANameIsNeverTakenForMarkup) {
+  const QString name = "<b>House</b>";
+  messages.showToast(plainText(name), DocumentToastState::Style::success);
+  QMessageBox box(QMessageBox::Warning, name, name, {}, &window);
+  box.show();
+  settle();
+  QToolTip::showText(window.mapToGlobal(QPoint(50, 50)), name, &window);
+  int labels = 0;
+  for (const QWidget* widget : QApplication::allWidgets()) {
+    const auto* label = qobject_cast<const QLabel*>(widget);
+    if (label == nullptr || label->text() != name) continue;
+    EXPECT_EQ(label->textFormat(), Qt::PlainText) << label->metaObject()->className();
+    ++labels;
+  }
+  EXPECT_EQ(labels, 3) << "toast, message box, tooltip";
+  QToolTip::hideText();
+
+  QMenu menu;
+  fillContextMenu(menu, {{.title = "R&D\tCtrl+Q", .shortcut = {}, .content = ContextMenuCommand::inspect}},
+                  sketch, messages);
+  EXPECT_EQ(menu.actions().front()->text(), "R&&D Ctrl+Q") << "no key of its own";
+}
+
 TEST_F(MainWindowTest, PanelsFoldByTheWindowsWidth) {
   EXPECT_FALSE(window.wallSystems().isRail());
   EXPECT_EQ(window.canvas().size(), QSize(716, 576));
@@ -94,11 +131,18 @@ TEST_F(MainWindowTest, PanelsFoldByTheWindowsWidth) {
   EXPECT_EQ(window.wallSystems().width(), WallSystemPanelView::kWidth);
   EXPECT_EQ(window.canvas().width(), 919 - LeftNavView::kRailWidth - WallSystemPanelView::kRailWidth)
       << "it lies over the canvas";
-  QTest::mouseClick(&window.canvas(), Qt::LeftButton, {}, QPoint(100, 100));
-  settle();
+  board.activateTool(SketchTool::polygon);
+  click(window.canvas().geometry().topLeft() + QPoint(100, 100));
   EXPECT_TRUE(window.wallSystems().isRail()) << "a click outside folds it";
+  EXPECT_FALSE(board.polygonDraft() != nullptr) << "and does nothing else";
+  click(window.canvas().geometry().topLeft() + QPoint(100, 100));
+  EXPECT_TRUE(board.polygonDraft() != nullptr);
   press(window, "leftNav.unfold");
   EXPECT_EQ(window.navigation().width(), LeftNavView::kWidth);
+  key(Qt::Key_Escape);
+  EXPECT_TRUE(window.navigation().isRail()) << "as Escape does";
+  EXPECT_TRUE(board.polygonDraft() != nullptr);
+  press(window, "leftNav.unfold");
   resizeTo(1200, 800);
   EXPECT_FALSE(window.navigation().isRail());
   EXPECT_EQ(window.canvas().size(), QSize(716, 576));
@@ -135,6 +179,27 @@ TEST_F(MainWindowTest, LettersChooseToolsUntilSomethingIsTyped) {
   EXPECT_EQ(board.tool.get(), SketchTool::select);
 }
 
+TEST_F(MainWindowTest, ALetterThatBeginsACommandLeavesNoTrace) {
+  board.activateTool(SketchTool::wall);
+  const SketchViewport view = board.viewport();
+  window.console().input()->setFocus();
+  type(*window.console().input(), "zoom");
+  EXPECT_EQ(window.console().input()->text(), "zoom");
+  EXPECT_EQ(board.viewport(), view);
+  window.console().input()->clear();
+  window.canvas().setFocus();
+  for (const char letter : std::string_view("spec use")) {
+    QTest::keyClick(QApplication::focusWidget(), letter);
+  }
+  EXPECT_EQ(*console.input, "spec use");
+  EXPECT_EQ(board.tool.get(), SketchTool::wall);
+  window.console().input()->clear();
+  key(Qt::Key_L);
+  QTest::mouseClick(&window.canvas(), Qt::LeftButton, {}, QPoint(300, 300));
+  key(Qt::Key_I);
+  EXPECT_EQ(board.tool.get(), SketchTool::line) << "it was used before the next letter came";
+}
+
 TEST_F(MainWindowTest, DigitsTypedOverTheCanvasGoToTheConsole) {
   window.canvas().setFocus();
   QTest::keyClick(&window.canvas(), Qt::Key_4);
@@ -153,6 +218,46 @@ TEST_F(MainWindowTest, UndoOfAnEmptyLineIsTheDrawings) {
   type(*window.console().input(), "hallo");
   key(Qt::Key_Z, Qt::ControlModifier);
   EXPECT_EQ(sketch.entities().size(), 1U) << "a filled line undoes its own typing";
+}
+
+TEST_F(MainWindowTest, AClickOnTheCanvasLeavesTheFocusWithTheConsole) {
+  run("circle 0 0 4");
+  window.console().input()->setFocus();
+  type(*window.console().input(), "help");
+  key(Qt::Key_Return);
+  click(window.canvas().geometry().center());
+  EXPECT_TRUE(window.console().input()->hasFocus());
+  key(Qt::Key_Up);
+  EXPECT_EQ(window.console().input()->text(), "help");
+  find<QLineEdit>(window, "wallSystems.assembly")->setFocus();
+  click(window.canvas().geometry().center());
+  EXPECT_TRUE(window.canvas().hasFocus()) << "other fields give it up";
+}
+
+TEST_F(MainWindowTest, KeysThatAFieldHasNoUseForReachTheMenu) {
+  int exports = 0;
+  application.setWindowActions({.showExport = [&] { ++exports; }});
+  QLineEdit* input = window.console().input();
+  input->setFocus();
+  key(Qt::Key_E, Qt::ControlModifier);
+  EXPECT_EQ(exports, 1);
+  type(*input, "hallo");
+  key(Qt::Key_E, Qt::ControlModifier);
+  EXPECT_EQ(exports, 2) << "the cursor is at the end";
+
+  run("circle 0 0 4");
+  selectAll(sketch);
+  settle();
+  type(*input, "move");
+  key(Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(sketch.clipboard->size(), 1U) << "no text is selected";
+  QGuiApplication::clipboard()->clear();
+  key(Qt::Key_V, Qt::ControlModifier);
+  EXPECT_EQ(sketch.entities().size(), 2U) << "there is no text to paste";
+  QGuiApplication::clipboard()->setText(" 1");
+  key(Qt::Key_V, Qt::ControlModifier);
+  EXPECT_EQ(input->text(), "move 1");
+  EXPECT_EQ(sketch.entities().size(), 2U);
 }
 
 TEST_F(MainWindowTest, TheEditingKeysAreTheDrawingsUntilALineIsTyped) {
@@ -339,6 +444,84 @@ TEST_F(MainWindowTest, AToastComesAndGoes) {
   EXPECT_FALSE(toast->isVisible());
 }
 
+TEST_F(MainWindowTest, TheToastNeverCoversTheViewportControls) {
+  auto* toast = find<ToastView>(window, "canvas.toast");
+  const auto* controls = find<QWidget>(window, "viewport");
+  const auto* coordinates = find<QWidget>(window, "canvas.cursorCoordinates");
+  QApplication::setEffectEnabled(Qt::UI_General, false);
+  for (const std::string& words : {std::string("Saved."), std::string(30, 'm'), std::string(90, 'm')}) {
+    messages.showToast(words, DocumentToastState::Style::saving);
+    for (int width = 760; width <= 1800; width += 40) {
+      resizeTo(width, 700);
+      EXPECT_FALSE(toast->card().intersects(controls->geometry())) << words << " at " << width;
+      EXPECT_FALSE(toast->card().intersects(coordinates->geometry())) << words << " at " << width;
+    }
+  }
+  QApplication::setEffectEnabled(Qt::UI_General, true);
+}
+
+TEST_F(MainWindowTest, TheTooltipHoldsTheWholeOfACutName) {
+  const auto toolTipOver = [](QWidget* widget, QPoint at) {
+    QToolTip::hideText();
+    QHelpEvent asked(QEvent::ToolTip, at, widget->mapToGlobal(at));
+    QApplication::sendEvent(widget, &asked);
+    return QToolTip::text();
+  };
+  const auto rows = [&](const char* identifier) {
+    return find<QAbstractItemView>(window, identifier)->viewport();
+  };
+  auto* notes = find<QLineEdit>(window, "wallSystems.assembly");
+  run("wall 0 0 20 0");
+  EXPECT_EQ(toolTipOver(rows("leftNav.entities"), {20, 10}), "") << "nothing is cut";
+  EXPECT_EQ(toolTipOver(&window.canvas(), {24, 24}), "");
+
+  application.save();
+  settle();
+  const std::string name = "Inner wall" + std::string(80, 'm');
+  std::string bytes = files.readFile(**document.fileURL);
+  for (std::size_t at = bytes.find("W2-INT"); at != std::string::npos; at = bytes.find("W2-INT", at + 90)) {
+    bytes.replace(at, 6, name);
+  }
+  files.writeFile(home / "long.ostrel", bytes);
+  application.openDocumentAt(home / "long.ostrel");
+  settle();
+  WallSystemSpec spec = sketch.drawing->wallSystemSpecs.front();
+  spec.assemblyNotes = "Begins " + name;
+  updateWallSystemSpec(sketch, spec);
+  settle();
+  EXPECT_EQ(toolTipOver(rows("leftNav.entities"), {20, 10}), "Wall 1 (" + qtText(name) + ")");
+  EXPECT_EQ(toolTipOver(rows("wallSystems.list"), {20, 10}).split('\n').front(), qtText(name));
+  EXPECT_TRUE(toolTipOver(&window.canvas(), {24, 24}).contains(qtText(name))) << "the status badge";
+  EXPECT_EQ(toolTipOver(find<QWidget>(window, "wallSystems.contextTitle"), {5, 5}),
+            "ACTIVE SYSTEM · " + qtText(name));
+  EXPECT_EQ(toolTipOver(notes, {5, 5}), notes->text());
+  EXPECT_EQ(notes->cursorPosition(), 0) << "the field shows the beginning of its text";
+  QToolTip::hideText();
+}
+
+TEST_F(MainWindowTest, TheInspectorHidesNeitherTheEntityNorThePointer) {
+  InspectorWindow inspector(workspace, theme, &window);
+  window.move(0, 0);
+  resizeTo(800, 800);
+  const int width = window.canvas().width();
+  for (const auto& [entityX, pointerX] : {std::pair(width - 150, width - 100), std::pair(150, 100)}) {
+    board.clearSketch();
+    const auto inSketch = [&](int x, int y) {
+      return viewPointToSketch({static_cast<double>(x), static_cast<double>(y)}, board.viewport());
+    };
+    addLine(sketch, inSketch(entityX, 100), inSketch(entityX, 400));
+    selectAll(sketch);
+    QCursor::setPos(window.canvas().mapToGlobal(QPoint(pointerX, 150)));
+    showEntityInspector(sketch);
+    settle();
+    ASSERT_TRUE(inspector.isVisible());
+    const QRect hidden(window.canvas().mapFromGlobal(inspector.geometry().topLeft()), inspector.size());
+    EXPECT_FALSE(hidden.contains(entityX, 200)) << entityX;
+    EXPECT_FALSE(hidden.contains(pointerX, 150)) << pointerX;
+    inspector.close();
+  }
+}
+
 // --- For those who hear the window
 
 TEST_F(MainWindowTest, EveryControlHasARoleAndAName) {
@@ -383,6 +566,7 @@ TEST_F(MainWindowTest, EveryControlHasARoleAndAName) {
 
 TEST_F(MainWindowTest, TabReachesTheControlsInTheOrderInWhichTheyStand) {
   QStringList seen;
+  run("wall 0 0 20 0");
   window.canvas().setFocus();
   for (int i = 0; i < 60; ++i) {
     QWidget* focus = QApplication::focusWidget();
@@ -391,14 +575,29 @@ TEST_F(MainWindowTest, TabReachesTheControlsInTheOrderInWhichTheyStand) {
     // An empty console line passes Tab on.
     QTest::keyClick(focus, Qt::Key_Tab);
   }
-  for (const char* reached : {"leftNav.tool.select", "leftNav.tool.trim", "topMenuBar.new", "topMenuBar.grid",
-                              "viewport.zoomIn", "console.focus", "console.commandInput", "console.run",
-                              "wallSystems.list", "wallSystems.thickness"}) {
-    EXPECT_TRUE(seen.contains(reached)) << reached;
-  }
-  EXPECT_LT(seen.indexOf("leftNav.tool.select"), seen.indexOf("leftNav.tool.trim"));
-  EXPECT_LT(seen.indexOf("console.commandInput"), seen.indexOf("console.run"));
-  EXPECT_LT(seen.indexOf("wallSystems.thickness"), seen.indexOf("wallSystems.assembly"));
+  const QStringList inOrder{"leftNav.tool.select",
+                            "leftNav.tool.trim",
+                            "leftNav.entities",
+                            "topMenuBar.new",
+                            "topMenuBar.clear",
+                            "topMenuBar.grid",
+                            "canvas.segmentLengthLabel",
+                            "viewport.zoomIn",
+                            "viewport.reset",
+                            "console.resizeHandle",
+                            "console.focus",
+                            "console.transcript",
+                            "console.commandInput",
+                            "console.run",
+                            "wallSystems.list",
+                            "wallSystems.thickness",
+                            "wallSystems.assembly"};
+  // The round may begin anywhere.
+  const qsizetype start = seen.indexOf(inOrder.front());
+  std::rotate(seen.begin(), seen.begin() + std::max<qsizetype>(0, start), seen.end());
+  QStringList reached = seen;
+  reached.removeIf([&](const QString& name) { return !inOrder.contains(name); });
+  EXPECT_EQ(reached, inOrder) << seen.join(' ').toStdString();
 }
 
 // --- The program's windows together
@@ -432,8 +631,15 @@ TEST(WindowedProgramTest, SheetsSettingsAndThemesWorkTogether) {
   settle();
   SettingsWindow& settings = program.settings();
   EXPECT_TRUE(settings.isVisible());
-  settings.findChild<QAbstractButton*>("settings.theme.dark")->click();
+  auto* dark = settings.findChild<QAbstractButton*>("settings.theme.dark");
+  static_cast<void>(QTest::qWaitForWindowActive(&settings, 1000));
+  dark->setFocus(Qt::TabFocusReason);
+  dark->click();
   settle();
+  auto* halo = settings.findChild<QFocusFrame*>();
+  ASSERT_NE(halo, nullptr);
+  EXPECT_EQ(halo->widget(), dark);
+  EXPECT_TRUE(halo->isVisible()) << "another theme leaves the focus where it is seen";
   EXPECT_EQ(theme.palette(), darkPalette());
   EXPECT_EQ(program.mainWindow().canvas().themePalette(), darkPalette());
   settings.findChild<QAbstractButton*>("settings.autoSaveEnabled")->click();
@@ -449,7 +655,31 @@ TEST(WindowedProgramTest, SheetsSettingsAndThemesWorkTogether) {
   EXPECT_EQ(settings.findChild<QLabel*>("settings.status")->text().toStdString(),
             test.application.updates().statusText());
   EXPECT_EQ(settings.findChild<QLabel*>("settings.currentVersion")->text(), "1.4.2 (318)");
+  // A key in the spin box is the box's.
+  runMenuCommand(test.application, "Help/Open Sample Plan");
+  test.board.activateTool(SketchTool::wall);
+  settings.findChild<QAbstractButton*>("settings.autoSaveEnabled")->click();
+  settle();
+  minutes->setFocus();
+  ASSERT_TRUE(minutes->hasFocus());
+  QTest::keyClick(minutes, Qt::Key_Space);
+  EXPECT_EQ(test.board.tool.get(), SketchTool::wall);
   theme.setPalette(lightPalette());
+}
+
+TEST(WindowedProgramTest, aBuildWithoutAFeedHasFailedAtNothing) {
+  testing::TestApplication test;
+  Application application(test.services(), {.documentsFolder = test.home / "Documents",
+                                            .updates = updateConfiguration("1.4.2", "318", "", "")});
+  application.updates().checkForUpdates(true);
+  test.settle();
+  ASSERT_EQ(application.updates().status->value, AppUpdateStatus::Case::failed);
+  Theme& theme = testing::sharedTheme();
+  const AppSettingsView view(application, theme, {});
+  const auto* status = view.findChild<QLabel*>("settings.status");
+  EXPECT_TRUE(status->text().startsWith("Update feed is not configured."));
+  EXPECT_EQ(status->palette().color(QPalette::WindowText), theme.secondaryOnCard());
+  EXPECT_TRUE(view.findChild<QWidget*>("settings.statusMark")->isHidden());
 }
 
 }  // namespace

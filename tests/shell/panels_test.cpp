@@ -1,4 +1,5 @@
 // The top bar, the wall systems and the inspector.
+#include <QComboBox>
 #include <QLabel>
 #include <QSignalSpy>
 
@@ -35,6 +36,60 @@ TEST_F(TopBarTest, TellsTheDocumentItsMarkAndItsBranch) {
   EXPECT_EQ(title->accessibleName(), "Untitled Project, branch main");
   run("line 0 0 1 1");
   EXPECT_EQ(title->accessibleName(), "Untitled Project, edited, branch main");
+}
+
+TEST_F(TopBarTest, ALongBranchLeavesTheNameVisible) {
+  DocumentTitle title(theme);
+  const auto shownBeginning = [&](const QString& branch) {
+    title.setDocument("House", false, branch);
+    title.resize(std::min(140, title.sizeHint().width()), 28);
+    return title.grab(QRect(0, 0, 60, 28)).toImage();
+  };
+  const QImage whole = shownBeginning("a");
+  EXPECT_EQ(shownBeginning(QString(200, 'm')), whole);
+  EXPECT_TRUE(title.toolTip().contains(QString(200, 'm')));
+}
+
+TEST_F(TopBarTest, TheGridsWordGoesByTheRoomThatThereIs) {
+  auto* grid = find(bar, "topMenuBar.grid");
+  const auto wordAt = [&](int width) {
+    bar.resize(width, TopMenuBarView::kHeight);
+    settle();
+    return grid->text();
+  };
+  const auto narrowest = [&] {
+    int width = 1400;
+    while (wordAt(width) == "Grid" && width > 0) width -= 10;
+    return width;
+  };
+  bar.setKeyHintsVisible(false);
+  const int withShortName = narrowest();
+  EXPECT_EQ(wordAt(640), "");
+  dialogs.queue((home / "A house with a longer name.ostrel").string());
+  application.saveAs();
+  EXPECT_GT(narrowest(), withShortName);
+}
+
+TEST_F(TopBarTest, AnOffSwitchIsVisibleInEveryTheme) {
+  Switch toggle(theme, {});
+  toggle.resize(toggle.sizeHint());
+  for (const ThemePalette& palette : {lightPalette(), darkPalette(), tansyPalette()}) {
+    theme.setPalette(palette);
+    const QColor edge = toggle.grab().toImage().pixelColor(15, 1);
+    EXPECT_GE(contrastRatio({edge.redF(), edge.greenF(), edge.blueF()}, palette.card), 2.9)
+        << "the outline is smoothed by a little";
+  }
+  theme.setPalette(lightPalette());
+}
+
+TEST_F(TopBarTest, EveryComboBoxHasItsArrow) {
+  QComboBox plain;
+  plain.resize(120, 28);
+  plain.addItem({});
+  const QImage shown = plain.grab(QRect(94, 4, 22, 20)).toImage();
+  bool hasArrow = false;
+  for (int x = 0; x < shown.width(); ++x) hasArrow |= shown.pixelColor(x, 10) != theme.card();
+  EXPECT_TRUE(hasArrow);
 }
 
 TEST_F(TopBarTest, TheButtonsAndTheSwitchRunTheirCommands) {
