@@ -66,7 +66,7 @@ TEST_F(MainWindowTest, ASheetGivesTheFocusBack) {
   QtDialogs questions(theme);
   questions.setWindow(&window);
   DialogAnswer answer = "unanswered";
-  questions.ask(Alert{"Sure?", "Really.", {"Save", "Cancel", "Don't Save"}},
+  questions.ask(Alert{"Sure?", "Really.", {"Save", "Cancel", "Don't Save"}, 1, 2},
                 [&](DialogAnswer given) { answer = given; });
   settle();
   EXPECT_EQ(QApplication::focusWidget()->objectName(), "alert.Save");
