@@ -293,28 +293,6 @@ int inChild(const std::function<int()>& work) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-TEST_F(DocumentStoreTest, TellsOfAFolderOrFileThatMayNotBeWritten) {
-  if (::geteuid() != 0) GTEST_SKIP() << "needs to become another user";
-  draw();
-  document.save(plan);
-  const std::string before = readBytes(plan);
-  ::chmod(home.path().c_str(), 0777);
-  ::chmod(plan.c_str(), 0444);
-  const auto asAnother = [&](const FilePath& url) {
-    return inChild([&] {
-      if (::setgid(65534) != 0 || ::setuid(65534) != 0) return 1;
-      const auto failure = saveToURL(document, settings, url, false);
-      return failure && failure->find("You do not have permission to write") != std::string::npos ? 7 : 2;
-    });
-  };
-  EXPECT_EQ(asAnother(plan), 7) << "a file protected from writing, in a folder that may be written";
-  ::chmod(plan.c_str(), 0666);
-  ::chmod(home.path().c_str(), 0555);
-  EXPECT_EQ(asAnother(plan), 7) << "a folder that may not be written";
-  EXPECT_EQ(asAnother(home / "new.ostrel"), 7);
-  EXPECT_EQ(readBytes(plan), before);
-}
-
 TEST_F(DocumentStoreTest, KeepsTheGroupOfAFileWhereItMay) {
   if (::geteuid() != 0) GTEST_SKIP() << "needs to become another user";
   constexpr gid_t team = 4711;

@@ -89,37 +89,6 @@ TEST_F(CanvasWidgetTest, ReportsItsSize) {
   EXPECT_EQ(resized.count(), 1);
 }
 
-TEST_F(CanvasWidgetTest, AClickSelectsAndShiftAddsToTheSelection) {
-  press({320, 221});
-  release({320, 221});
-  EXPECT_TRUE(isSelected(line()));
-  press({280, 180}, Qt::ShiftModifier);
-  release({280, 180}, Qt::ShiftModifier);
-  EXPECT_EQ(sketch.selection->ids.size(), 2u);
-  press({600, 400});
-  release({600, 400});
-  EXPECT_TRUE(sketch.selection->ids.empty());
-}
-
-TEST_F(CanvasWidgetTest, AMovementShortOfTheThresholdIsAClickAndOneAtItADrag) {
-  press({320, 221});
-  move({327.9, 221}, Qt::LeftButton);
-  EXPECT_FALSE(board.selectDrag() != nullptr);
-  move({328, 221}, Qt::LeftButton);
-  ASSERT_TRUE(board.selectDrag() != nullptr) << "eight view points are a drag";
-  move({320, 261}, Qt::LeftButton);
-  release({320, 261});
-  EXPECT_FALSE(board.selectDrag() != nullptr);
-
-  gestures.press({320, 221});
-  gestures.drag({327.9, 221});
-  gestures.drag({328, 221});
-  gestures.drag({320, 261});
-  gestures.release({320, 261});
-  EXPECT_EQ(shapesOf(sketch), shapesOf(plain.sketch));
-  EXPECT_NE(std::get<LineEntity>(line()).from.y, 0) << "the line has moved";
-}
-
 TEST_F(CanvasWidgetTest, ADoubleClickClosesAPolygonBehindItsOwnVertices) {
   board.activateTool(SketchTool::polygon);
   for (const QPointF at : {QPointF(100, 100), QPointF(200, 100)}) {
@@ -384,27 +353,6 @@ TEST_F(CanvasWidgetTest, AMoveOfThePointerRepaintsWhatItChangesAndLittleMore) {
     }
     if (tool == SketchTool::line || tool == SketchTool::wall) release({90, 400});
   }
-}
-
-TEST_F(CanvasWidgetTest, ShowsSelectionHandlesAndHover) {
-  setShowGrid(sketch, true);
-  addPolygon(sketch, {{20, 10}, {32, 4}, {32, -6}, {20, -12}, {10, -2}});
-  addWall(sketch, std::nullopt, {-60, -30}, {50, -40});
-  move({280, 180}, Qt::NoButton);
-  EXPECT_TRUE(looksLikeGolden(shown(), "selected-wall-light"));
-  canvas.setThemePalette(darkPalette());
-  selectSingleEntity(sketch, entityID((sketch.entities())[2]));
-  EXPECT_TRUE(looksLikeGolden(shown(), "selected-polygon-dark"));
-}
-
-TEST_F(CanvasWidgetTest, ShowsBothKindsOfMarquee) {
-  press({420, 60});
-  move({480, 200}, Qt::LeftButton);
-  EXPECT_TRUE(looksLikeGolden(shown(), "marquee-window-light"));
-  move({230, 300}, Qt::LeftButton);
-  EXPECT_TRUE(looksLikeGolden(shown(), "marquee-crossing-light"));
-  release({230, 300});
-  EXPECT_EQ(sketch.selection->ids.size(), 2u);
 }
 
 }  // namespace

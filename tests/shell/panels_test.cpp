@@ -105,22 +105,6 @@ TEST_F(TopBarTest, TheButtonsAndTheSwitchRunTheirCommands) {
   EXPECT_TRUE(find(bar, "topMenuBar.grid")->isChecked());
 }
 
-TEST_F(TopBarTest, MenuRowsAreEnabledWhereThereIsSomethingToDo) {
-  EXPECT_FALSE(menuAction("Undo")->isEnabled());
-  EXPECT_FALSE(menuAction("Inspect")->isEnabled());
-  EXPECT_EQ(menuAction("Undo")->shortcut().toString(QKeySequence::PortableText), "Ctrl+Z");
-  EXPECT_EQ(menuAction("Redo")->shortcut().toString(QKeySequence::PortableText), "Ctrl+Shift+Z");
-  EXPECT_EQ(menuAction("Zoom In")->shortcut().toString(QKeySequence::PortableText), "Ctrl++");
-  run("wall 0 0 1 1");
-  EXPECT_TRUE(menuAction("Undo")->isEnabled());
-  EXPECT_TRUE(menuAction("Duplicate")->isEnabled());
-  menuAction("Undo")->trigger();
-  settle();
-  EXPECT_TRUE(sketch.entities().empty());
-  EXPECT_FALSE(menuAction("Undo")->isEnabled());
-  EXPECT_TRUE(menuAction("Redo")->isEnabled());
-}
-
 // --- The wall systems
 
 struct WallSystemPanelTest : testing::WindowFixture {
