@@ -92,6 +92,8 @@ class Sketch {
   void edit(const std::function<void(Drawing&)>& change, UndoStep step = UndoStep::own);
   /// An edit that leaves the drawing as it is: it takes its step and counts as a change all the same.
   void countAsEdit(UndoStep step);
+  /// The drawing as it is becomes a step, and nothing is changed.
+  void takeStep() { pushStep(entities()); }
   /// All edits that `changes` makes are one step, or none where the entities end as they began. When it
   /// returns false, everything in `SketchState` is put back.
   bool asOneStep(const std::function<bool()>& changes);
