@@ -56,7 +56,7 @@ class Sketch {
  public:
   Field<Drawing> drawing{tracker_};
   Field<Selection> selection{tracker_};
-  Field<SketchUndoStack> undoStack{tracker_, SketchUndoStack()};
+  Field<SketchUndoStack> undoStack{tracker_};
   /// Something that a document's file holds has changed since it was last saved or opened.
   Field<bool> isDirty{tracker_};
   /// What `copy` took last. Gone with the document.
