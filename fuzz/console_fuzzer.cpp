@@ -113,11 +113,10 @@ void submit(const std::string& text, Workspace& workspace) {
   require(!isRefused || after == before, "what is refused changes nothing");
 
   const bool tookStep = after.undoSteps != before.undoSteps;
-  require(!tookStep || after.undoSteps == before.undoSteps + 1,
-          "a line is one undo step");
-  require(!tookStep || (after.isDirty && after.redoSteps == 0),
-          "an edit makes the document dirty");
-  require(tookStep || isSameList(after.drawing.entities, before.drawing.entities), "what changes can be undone");
+  require(!tookStep || after.undoSteps == before.undoSteps + 1, "a line is one undo step");
+  require(!tookStep || (after.isDirty && after.redoSteps == 0), "an edit makes the document dirty");
+  require(tookStep || isSameList(after.drawing.entities, before.drawing.entities),
+          "what changes can be undone");
   if (!tookStep) return;
   workspace.board.undo();
   require(isSameList(workspace.sketch.entities(), before.drawing.entities),

@@ -101,7 +101,8 @@ TEST_F(GesturesTest, TheDwellIsCountedInFives) {
     EXPECT_EQ(board.snap->feedback, "Hold to lock · Endpoint · Line 1 · " + std::to_string(5 * poll) + "%");
   }
   ASSERT_TRUE(board.tracking->locked);
-  board.hoverMoved(toView({-63, 52}));
+  gestures.press(toView({-66, 55}));
+  gestures.drag(toView({-63, 52}));
   EXPECT_EQ(pointerBadgePoint(board), std::optional(SketchPoint{-63, 52})) << "not at the lock";
 }
 
