@@ -22,13 +22,6 @@ struct TopBarTest : testing::WindowFixture {
     bar.resize(980, TopMenuBarView::kHeight);
     present(bar);
   }
-  QAction* menuAction(const char* title) {
-    for (QAction* action : bar.menuBar().findChildren<QAction*>()) {
-      if (action->text() == title) return action;
-    }
-    ADD_FAILURE() << "no menu row " << title;
-    return nullptr;
-  }
 };
 
 TEST_F(TopBarTest, TellsTheDocumentItsMarkAndItsBranch) {
