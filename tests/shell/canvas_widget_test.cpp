@@ -25,19 +25,16 @@ using testing::looksAlike;
 using testing::looksLikeGolden;
 
 /// A canvas of 640 by 440 in a window that is shown on no display; the origin is at (320, 220), at 4
-/// view points a unit. Beside it gestures over a second workspace, fed by hand, to compare with.
+/// view points a unit.
 class CanvasWidgetTest : public ::testing::Test, protected testing::TestWorkspace {
  protected:
   CanvasWidgetTest() : canvas(board) {
     canvas.resize(640, 440);
     canvas.show();
     (void)QTest::qWaitForWindowExposed(&canvas);
-    plain.board.resizeCanvas({640, 440});
-    for (Sketch* each : {&sketch, &plain.sketch}) {
-      setShowGrid(*each, false);
-      addLine(*each, {-40, 0}, {40, 0});
-      addRectangle(*each, {-20, 10}, {20, 20});
-    }
+    setShowGrid(sketch, false);
+    addLine(sketch, {-40, 0}, {40, 0});
+    addRectangle(sketch, {-20, 10}, {20, 20});
   }
 
   void press(QPointF at, Qt::KeyboardModifiers modifiers = {}) {
@@ -69,17 +66,7 @@ class CanvasWidgetTest : public ::testing::Test, protected testing::TestWorkspac
     return canvas.grab().toImage();
   }
 
-  CanvasWidget canvas;
-  testing::TestWorkspace plain;
-  CanvasGestures gestures{plain.board};
-};
-
-/// Entities without their identifiers.
-std::vector<SketchEntity> shapesOf(const Sketch& sketch) {
-  std::vector<SketchEntity> shapes;
-  for (const SketchEntity& entity : sketch.entities()) shapes.push_back(withEntityID(entity, UUID{}));
-  return shapes;
-}
+  CanvasWidget canvas;};
 
 TEST_F(CanvasWidgetTest, ReportsItsSize) {
   EXPECT_EQ(board.view->canvasSize, (SketchSize{640, 440}));
