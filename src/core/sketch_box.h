@@ -18,10 +18,8 @@ struct SketchBox {
 
   /// The box of two opposite corners, whichever they are.
   static SketchBox spanning(SketchPoint a, SketchPoint b) {
-    // By pairs, so that a coordinate that is not a number stays in the box.
-    const auto [minX, maxX] = std::minmax(a.x, b.x);
-    const auto [minY, maxY] = std::minmax(a.y, b.y);
-    return {minX, minY, maxX, maxY};
+    // One comparison for both ends, so that a coordinate that is not a number stays in the box.
+    return {b.x < a.x ? b.x : a.x, b.y < a.y ? b.y : a.y, b.x < a.x ? a.x : b.x, b.y < a.y ? a.y : b.y};
   }
   /// The box of a corner and what extends from it; a size may be negative.
   static SketchBox spanning(SketchPoint origin, SketchSize size) {
