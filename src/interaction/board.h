@@ -1,8 +1,8 @@
-// The drawing board over a sketch: the view, the tool, the gesture in progress, snapping, tracking,
-// hovering and the editor of lengths. The operations that a pointer, a key or a typed size come down to
-// stand here; canvas_gestures.h and key_routing.h say which of them an event means.
+// The drawing board over a sketch: the view, the tool, the gesture in progress, snapping, tracking, hovering
+// and the editor of lengths. The operations that a pointer, a key or a typed size comes down to are here;
+// canvas_gestures.h and key_routing.h map events to them.
 //
-// Each value has this object as its one owner. A gesture in progress is one value, so that ending it is
+// This object is the only owner of each value. A gesture in progress is one value, so that ending it is
 // `gesture = {}`, whatever it was. Points are sketch units unless a name says view points; angles are
 // degrees.
 #pragma once
@@ -20,7 +20,7 @@
 
 namespace ostrelon {
 
-/// What the console says of a click of the trim tool.
+/// What the console reports of a click of the trim tool.
 struct TrimClick {
   std::string message;
   bool isError = false;
@@ -91,9 +91,10 @@ class Board {
   BoardState state() const { return {tool, gesture, trimCuttingEdge, draftAxes, lengthEditor, tracking}; }
   /// As it was before a chain that failed. A drag or marquee is not taken up again.
   void setState(const BoardState& state);
-  /// Another document has come, with its own view where it has one. A new one lets a polygon, a drag and
-  /// a marquee stand.
+  /// Another document has been opened, with its own view. Any gesture ends.
   void documentOpened(const SketchViewport& viewport);
+  /// A new, empty document has been begun. A draft of a two-point tool ends; a polygon, a drag and a marquee
+  /// go on.
   void documentBegun();
 
   // --- Resets (board.cpp)
@@ -101,7 +102,7 @@ class Board {
   void clearSnap() { snap = SnapState(); }
   /// Stops a dwell; a lock stays.
   void cancelTrackingDwell();
-  /// Stops a dwell and lets go of the lock.
+  /// Stops a dwell and releases the lock.
   void releaseTracking();
   void closeLengthEditor() { lengthEditor = LengthEditor(); }
   /// Ends the draft of a two-point tool without adding anything.
@@ -216,7 +217,7 @@ class Board {
   void publishDraftSnap(const SketchSnapResult& result, SketchPoint anchor);
   void publishTrackedTarget(const EntitySnapTarget& target, std::string feedback);
   void showFeedback(std::optional<std::string> feedback);
-  /// One look of the dwell task at the clock.
+  /// Advances the dwell to the scheduler's present time.
   void pollTrackingDwell();
   /// What hovering shows for a tool whose first point is not placed yet: entity points alone.
   void showEntityPointFeedback(SketchPoint point);

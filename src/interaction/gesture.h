@@ -1,5 +1,5 @@
-// What the board has in progress: one gesture at a time, and the values that go with it. Each is put to
-// rest by assigning its default.
+// What the board has in progress: one gesture at a time, and the values that go with it. Each is reset by
+// assigning its default.
 #pragma once
 
 #include <optional>
