@@ -38,7 +38,6 @@ class AutoSaveController {
   /// Puts a fresh timer in the place of the old one, or none when auto-save is off. Also happens by
   /// itself when one of the two settings changes.
   void rescheduleAutoSave();
-  bool hasTimer() const { return timer_.has_value(); }
 
  private:
   struct Running;

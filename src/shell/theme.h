@@ -38,9 +38,8 @@ class Theme : public QObject {
   /// What stands out by being filled, and the words on it.
   QColor fill() const { return qtColor(filledPair(palette_).first); }
   QColor fillText() const { return qtColor(filledPair(palette_).second); }
-  /// Secondary words on a card, and on the canvas colour.
+  /// Secondary words on a card.
   QColor secondaryOnCard() const { return qtColor(secondaryText(palette_, palette_.card)); }
-  QColor secondaryOnBackground() const { return qtColor(secondaryText(palette_, palette_.background)); }
   /// A colour laid over a card at an opacity.
   QColor overCard(const QColor& color, double opacity) const;
   bool isDark() const { return relativeLuminance(palette_.background) < 0.5; }

@@ -55,11 +55,6 @@ std::string_view caseName(AppUpdateStatus::Case value);
 /// The sentence for the user. `downloadProgress` (0 to 1) is shown in per cent while downloading.
 std::string statusText(const AppUpdateStatus& status, std::optional<double> downloadProgress);
 
-template <class... Fields>
-constexpr FieldMask updateMask(Fields... fields) {
-  return (fieldBit(static_cast<unsigned>(fields)) | ... | FieldMask{0});
-}
-
 class AppUpdateManager {
   ChangeTracker tracker_;
 
