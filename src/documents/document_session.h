@@ -79,6 +79,7 @@ class DocumentSession {
 
   // --- The file (document_session.cpp)
 
+  /// The file becomes the one of the document.
   void save(const FilePath& url);
   void open(const FilePath& url);
   /// The second half of a save whose file has been written: moves it into its place. The document is
@@ -89,11 +90,19 @@ class DocumentSession {
 
   // --- History (history_operations.cpp)
 
+  /// Reads the history of the document's folder. A store that cannot be read shows as an empty one.
   void refreshHistory();
+  /// Saves the document, then a checkpoint of it on the current branch. Throws `documentMustBeSaved` for one
+  /// without a file; where the checkpoint fails, the document has been saved all the same.
   DocumentCheckpoint saveCheckpoint(std::optional<std::string> message = std::nullopt);
+  /// A branch that starts at this checkpoint, else at the head of the current branch. The current branch
+  /// stays. Throws where there is no such checkpoint.
   DocumentHistoryBranch createBranch(const std::string& name,
                                      std::optional<std::string> sourceCheckpointID = std::nullopt);
+  /// The head of the branch becomes the document, and its file is written. Throws for unsaved changes, an
+  /// unknown branch, and one without a checkpoint; nothing happens for the current one.
   DocumentHistoryBranch switchBranch(const std::string& nameOrID);
+  /// Branches and checkpoints as the console lists them, or the sentence that says why there are none.
   std::string historyText() const;
 
  private:
