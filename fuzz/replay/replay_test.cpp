@@ -1,4 +1,4 @@
-// Runs a fuzzer's check on every file of its corpus, so that what fuzzing once found stays mended on
+// Runs a fuzzer's check on every file of its corpus, so that what fuzzing once found stays fixed on
 // machines that do not fuzz. Built once for each fuzzer.
 #include <gtest/gtest.h>
 

@@ -29,7 +29,7 @@ constexpr const char* kUsage =
       Verifies a release as the application does.
 )";
 
-/// The "--name value" pairs behind a command.
+/// The "--name value" pairs after a command.
 class Options {
  public:
   Options(const std::vector<std::string>& arguments, const std::set<std::string>& known) {

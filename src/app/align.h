@@ -1,4 +1,4 @@
-// The align buttons: the operation and what they say.
+// The align buttons: the operation and its report.
 #pragma once
 
 #include "app/workspace.h"

@@ -81,7 +81,7 @@ void Application::openDocumentAt(const FilePath& url) {
   beforeReplacing([this, url] { openAndRemember(url); });
 }
 
-// What was being opened makes way for what was asked for last.
+// An opening under way is given up for the one requested last.
 void Application::beforeReplacing(std::function<void()> proceed) {
   opener_.giveUp();
   closeQuestion_.beforeReplacing(std::move(proceed));

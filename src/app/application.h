@@ -36,7 +36,7 @@ struct ApplicationServices {
   PictureMaker makePicture = {};  ///< empty where no picture can be drawn
 };
 
-/// What the start of the process decides.
+/// What is decided at the start of the process.
 struct ApplicationOptions {
   FilePath documentsFolder;  ///< the user's own; the default projects folder lies in it
   UpdateConfiguration updates;
@@ -99,8 +99,8 @@ class Application {
   void openSamplePlan();
   /// Back to the last auto-save; unsaved changes are dropped.
   void revertToLastAutosave();
-  /// The main window is asked to close: `reply` tells whether it may, `closeNow` runs later when the
-  /// user chose to save first and the document is clean.
+  /// The main window is asked to close: `reply` receives whether it may, `closeNow` runs later when the user
+  /// chose to save first and the document is clean.
   void windowShouldClose(const std::function<void(CloseQuestion::Reply)>& reply,
                          std::function<void()> closeNow);
   const CloseQuestion& closeQuestion() const { return closeQuestion_; }

@@ -24,8 +24,8 @@ class CloseQuestion {
   /// own, and `closeNow` runs once it is clean. While the question is open, another request is refused.
   void windowShouldClose(const std::function<void(Reply)>& reply, std::function<void()> closeNow);
 
-  /// Something is about to replace the document: `proceed` runs when nothing would be lost by it, or
-  /// the user does not mind.
+  /// Something is about to replace the document: `proceed` runs when there are no unsaved changes, or once
+  /// the user has agreed to lose them.
   void beforeReplacing(std::function<void()> proceed);
 
   bool isClosingAfterSave() const { return isClosingAfterSave_; }

@@ -51,8 +51,8 @@ std::filesystem::path documentPath(std::string_view option, const std::string& t
   throw CommandLineError(fmt::format("Unknown option \"{}\"; --help lists them all.", argument));
 }
 
-// The arguments in the form that the library reads: a long name behind one dash is taken out, a value
-// behind a flag's equals sign is refused, and an empty value becomes an argument of its own.
+// The arguments in the form that the library reads: a long name after one dash is taken out, a value after a
+// flag's equals sign is refused, and an empty value becomes an argument of its own.
 std::vector<std::string> readable(const std::vector<std::string>& arguments, CLI::App& parser,
                                   CommandLine& line) {
   std::vector<std::string> result;
@@ -87,7 +87,7 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments, const En
 
   CLI::App parser;
   parser.set_help_flag();  // the library's own text and exit are not wanted
-  parser.allow_extras();   // judged below, in words of our own
+  parser.allow_extras();   // judged below, with error texts of this program
   const auto flag = [&](const std::string& names, const std::function<void()>& apply) {
     parser.add_flag_callback(names, apply)->trigger_on_parse();
   };

@@ -38,10 +38,10 @@ struct CommandLine {
 
   // Without a window
   std::vector<std::filesystem::path> imports;  ///< DXF files, in order
-  bool convertImports = false;                 ///< to feet, where a file tells its unit
+  bool convertImports = false;                 ///< to feet, where a file states its unit
   std::vector<std::string> consoleFiles;       ///< in order; "-" is standard input
   std::optional<std::filesystem::path> saveAs;
-  std::vector<std::filesystem::path> exports;  ///< each of the kind that its name tells
+  std::vector<std::filesystem::path> exports;  ///< each of the kind that its name ends in
   ExportOptions exportOptions;
 
   // Automation

@@ -61,7 +61,7 @@ ConsoleCompletion completeConsoleLine(std::string_view line, std::size_t cursor,
 
   ConsoleCompletion completion{std::string(line), cursor, {}};
   const std::string wanted = lowerCased(typed);
-  for (std::string& word : CommandInterpreter::wordsBehind(words, commands)) {
+  for (std::string& word : CommandInterpreter::wordsAfter(words, commands)) {
     if (canBeTyped(word) && lowerCased(word).starts_with(wanted)) {
       completion.candidates.push_back(std::move(word));
     }

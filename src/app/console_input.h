@@ -11,15 +11,15 @@
 
 namespace ostrelon {
 
-/// The lines that were run, to be recalled one by one. The line that was being typed when recalling
-/// began comes back behind the newest one.
+/// The lines that were run, to be recalled one by one. The line that was being typed when recalling began
+/// comes back after the newest one.
 class ConsoleRecall {
  public:
   /// A line has been run. Blank lines, and one equal to the line before it, are not kept.
   void record(std::string_view line);
   /// The line before the one shown; absent when there is none. `current`: the text in the field.
   std::optional<std::string> previous(std::string_view current);
-  /// The line behind the one shown, in the end the line that was being typed; absent behind that.
+  /// The line after the one shown, and in the end the line that was being typed; absent after that.
   std::optional<std::string> next();
 
  private:
@@ -30,7 +30,7 @@ class ConsoleRecall {
 
 struct ConsoleCompletion {
   std::string text;                     ///< the whole line with the word completed as far as it is certain
-  std::size_t cursor = 0;               ///< byte offset behind the completed word
+  std::size_t cursor = 0;               ///< byte offset after the completed word
   std::vector<std::string> candidates;  ///< all words that fit, sorted; empty when none does
 };
 

@@ -28,8 +28,8 @@ class TranscriptPrinter {
   bool hasSeenError_ = false;
 };
 
-/// Submits every line of the script as if it had been typed; `afterLine` runs behind each, for what
-/// the line has set going. Lines end in "\n" or "\r\n"; the last one need not.
+/// Submits every line of the script as if it had been typed; `afterLine` runs after each, for the work that
+/// the line has started. Lines end in "\n" or "\r\n"; the last one need not.
 void runConsoleScript(Workspace& workspace, std::string_view script, const std::function<void()>& afterLine);
 
 }  // namespace ostrelon

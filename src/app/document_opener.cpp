@@ -11,7 +11,7 @@ namespace {
 
 /// Bytes above which a document is read away from the main thread.
 constexpr std::uint64_t kLargeDocument = 2 << 20;
-/// Work that takes longer is told.
+/// Work that takes longer is announced by a toast.
 constexpr Seconds kLongWork(0.3);
 
 /// What would be lost if a document took the place of the present one.

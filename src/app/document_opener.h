@@ -20,10 +20,10 @@ class DocumentOpener {
   DocumentOpener(Workspace& workspace, AppSettings& settings, CloseQuestion& question, bool inBackground)
       : workspace_(workspace), settings_(settings), question_(question), inBackground_(inBackground) {}
 
-  /// Opens the document and tells of it, in the console as `openDocument` does. Unsaved changes were
-  /// asked about before; only those made from now on are asked about again.
+  /// Opens the document and reports it in the console as `openDocument` does. Unsaved changes were asked
+  /// about before; only those made from now on are asked about again.
   void open(const FilePath& url);
-  /// Gives up an opening that is under way, and says so: another command comes in its place.
+  /// Gives up an opening that is under way, and reports that: another command takes its place.
   void giveUp();
 
  private:

@@ -1,5 +1,5 @@
-// Drawings out to files of other kinds, and in from them: the operations behind the menu commands,
-// the options of the command line and the requests of scripts.
+// Drawings out to files of other kinds, and in from them: the operations of the menu commands, the options of
+// the command line and the requests of scripts.
 #pragma once
 
 #include <functional>
@@ -21,7 +21,7 @@ using PictureMaker =
     std::function<std::string(ExportFormat format, const EntityList& entities,
                               std::span<const WallSystemSpec> systems, const ExportOptions& options)>;
 
-/// Writes all entities to a file of the kind that its name tells. Throws `UserError`, and has written
+/// Writes all entities to a file of the kind that its name ends in. Throws `UserError`, and has written
 /// nothing then. `makePicture` may be empty, and PNG and SVG are then refused.
 void exportDrawing(const Workspace& workspace, const FilePath& path, const ExportOptions& options,
                    const PictureMaker& makePicture);
@@ -29,13 +29,13 @@ void exportDrawing(const Workspace& workspace, const FilePath& path, const Expor
 /// Reads a DXF file and adds what it draws. Throws `UserError`, and has changed nothing then.
 void importDrawing(Workspace& workspace, const FilePath& path, bool convertToFeet);
 
-// --- From the menus. What came of it is told in the console and in a toast.
+// --- From the menus. The result is reported in the console and in a toast.
 
 /// Asks for a place in the folder of the document, and exports there.
 /// `suggested`: the kind of file that the name offered ends in; a name without an ending gets it too.
 void exportWithPanel(Application& application, const ExportOptions& options,
                      ExportFormat suggested = ExportFormat::pdf);
-/// Asks for a DXF file, asks whether a file in another unit shall be converted to feet, and adds it.
+/// Asks for a DXF file, asks whether a file in another unit should be converted to feet, and adds it.
 void importWithPanel(Application& application);
 
 }  // namespace ostrelon

@@ -82,7 +82,7 @@ std::string inspectorSelectionHeading(const Workspace& workspace) {
     ++counts[entity->index()];
     kinds[entity->index()] = entityKindName(*entity);
   }
-  // Walls lead, since plans are about walls; the other kinds follow in the order of the model.
+  // Walls lead, since plans are about walls; the other kinds follow in the order of the variant.
   constexpr std::array<std::size_t, std::variant_size_v<SketchEntity>> order{1, 0, 2, 3, 4, 5};
   std::string list;
   for (const std::size_t kind : order) {
@@ -179,7 +179,7 @@ bool applyInspectorLength(Workspace& workspace, std::string_view lengthText) {
     workspace.messages.append("Enter a valid feet/inches length.", true, false);
     return false;
   }
-  // The text that the field shows is rounded: applied as it stands it asks for nothing.
+  // The text that the field shows is rounded: applied unchanged it asks for nothing.
   const SketchEntity* selected = workspace.sketch.selectedEntity();
   const bool isAsShown = selected != nullptr && lengthText == inspectorLengthText(*selected);
   const EntityEditResult result =

@@ -39,7 +39,7 @@ void toggleEntityInspector(Sketch& sketch);
 
 // --- Reports
 
-/// The common report of the inspector's edits: what a result says in the console.
+/// The common report of the inspector's edits: the line that a result writes to the console.
 struct EntityEditMessage {
   std::string text;
   bool isError = false;

@@ -33,7 +33,7 @@ void zoomBy(Application& app, double factor) {
   const SketchSize canvas = app.workspace().board.view->canvasSize;
   app.workspace().board.zoom(factor, {canvas.width * 0.5, canvas.height * 0.5});
 }
-// What a console command does, told in the console as that command tells it.
+// What a console command does, reported in the console as that command reports it.
 void runCommand(Application& app, std::string_view command) {
   const auto reply = CommandInterpreter::executeCommandLine(command, app.workspace().commands());
   if (reply.text) app.workspace().messages.append(*reply.text, false, true);

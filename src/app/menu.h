@@ -13,7 +13,7 @@ namespace ostrelon {
 
 class Application;
 
-/// One row of a submenu, as it stands at this moment.
+/// One row of a submenu, as it is at this moment.
 struct MenuChoice {
   std::string title;
   bool isEnabled = true;

@@ -8,7 +8,7 @@ void tellSettingsNotes(JsonUserDefaults& defaults, Workspace& workspace) {
 
 void keepTellingSettingsNotes(JsonUserDefaults& defaults, Workspace& workspace) {
   tellSettingsNotes(defaults, workspace);
-  // A setting may be written in the middle of an operation, which observers have not heard of yet.
+  // A setting may be written in the middle of an operation, of which observers have not been notified yet.
   defaults.whenNoted([&defaults, &workspace] {
     workspace.host().scheduler.soon([&defaults, &workspace] { tellSettingsNotes(defaults, workspace); });
   });

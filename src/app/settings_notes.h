@@ -1,4 +1,4 @@
-// What the settings file has to say, told in the console.
+// Notes about the settings file, reported in the console.
 #pragma once
 
 #include "app/workspace.h"
@@ -6,7 +6,7 @@
 
 namespace ostrelon {
 
-/// Writes the notes that wait into the console.
+/// Writes the waiting notes to the console.
 void tellSettingsNotes(JsonUserDefaults& defaults, Workspace& workspace);
 /// The same, and again soon after every new one. The arguments must outlive the tasks of the scheduler.
 void keepTellingSettingsNotes(JsonUserDefaults& defaults, Workspace& workspace);

@@ -1,4 +1,4 @@
-// All keys on one page, told from the tables that the key handler and the menus use.
+// All keys on one page, made from the tables that the key handler and the menus use.
 #pragma once
 
 #include <string>

@@ -12,7 +12,7 @@ namespace {
 // Somebody who types a command does not pause longer than this between its first characters.
 constexpr double kLongestPause = 2.0;  // seconds
 
-// True for the beginning of a command word, and for a whole one with something behind it.
+// True for the beginning of a command word, and for a whole one with something after it.
 bool beginsCommand(const std::string& text) {
   const auto words = CommandInterpreter::commandWords();
   const auto blank = text.find(' ');

@@ -1,4 +1,4 @@
-// What the settings window tells of an available update.
+// What the settings window shows of an available update.
 #pragma once
 
 #include <optional>

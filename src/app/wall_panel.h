@@ -31,10 +31,10 @@ std::vector<WallSystemRow> wallSystemRows(const Workspace& workspace);
 /// "4.5 thick · 96 high".
 std::string wallSystemMeasures(const WallSystemSpec& spec);
 
-/// A row was chosen: the selected wall takes the system, without a word; with no wall selected it
+/// A row was chosen: the selected wall takes the system, and nothing is reported; with no wall selected it
 /// becomes the active one.
 void selectWallSystemRow(Workspace& workspace, const UUID& specID);
-/// Gives the shown system to the selected wall and says so; nothing without one.
+/// Gives the shown system to the selected wall and reports it; nothing without one.
 void assignPanelSystemToSelection(Workspace& workspace);
 /// Replaces a system by its identifier; nothing for one that is not there or for an equal one.
 void updateWallSystem(Workspace& workspace, const WallSystemSpec& spec);
@@ -42,8 +42,8 @@ void updateWallSystem(Workspace& workspace, const WallSystemSpec& spec);
 enum class WallSystemField { thickness, height, assemblyNotes };
 /// The text that a field shows for a system.
 std::string wallSystemFieldText(const WallSystemSpec& spec, WallSystemField field);
-/// Writes an edited field into a system. A thickness or height that is not a plain finite decimal
-/// number above 0 is dropped in silence: false, and nothing changes.
+/// Writes an edited field into a system. A thickness or height that is not a plain finite decimal number
+/// above 0 is dropped without a report: false, and nothing changes.
 bool commitWallSystemField(Workspace& workspace, const UUID& specID, WallSystemField field,
                            std::string_view text);
 

@@ -1,5 +1,5 @@
-// The parts that make up an open document and the tools at it, each the one owner of its values, and
-// what one of them does to another:
+// The parts that make up an open document and its tools, each the only owner of its values, and what one of
+// them does to another:
 //
 //   Workspace workspace(host);
 //   workspace.console.setInput("line 0 0 10 0");

@@ -25,7 +25,7 @@ struct AutomationOptions {
   std::string updateFeed;
   std::string updateKey;
   bool isUITesting = false;
-  FileSystem* files = nullptr;    ///< must outlive the host; null: the disk
+  FileSystem* files = nullptr;    ///< must outlive the host; null: those on disk
   PictureMaker makePicture = {};  ///< empty: only DXF can be exported
 };
 

@@ -42,7 +42,7 @@ Json commandToJson(const Action& command) {
           [](const ListWallSystems&) -> Json {
             return {{"case", "specList"}};
           },
-          // The others stand in no chain.
+          // The others occur in no chain.
           [](const auto&) -> Json { return nullptr; },
       },
       command);
@@ -71,7 +71,7 @@ Json parsedSegment(AutomationSession& session, const std::vector<std::string>& t
   return {{"case", "success"}, {"command", commandToJson(std::get<Action>(result))}};
 }
 
-// The state that the command leaves behind.
+// The state after the command.
 Json advancedState(AutomationSession& session, const Action& command,
                    const std::optional<ParseState>& before) {
   ParseState state = before ? *before : parseStateOf(session.workspace().sketch);

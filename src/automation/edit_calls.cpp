@@ -31,7 +31,7 @@ void extendChainSegment(Sketch& sketch, std::int64_t index, SketchPoint to) {
   replaceEntity(sketch, id, std::move(extended));
 }
 
-// The kind of an edit by its name, with its values behind the result.
+// The kind of an edit by its name, with its values after the result.
 Json editMessage(AutomationSession& /*session*/, const std::string& kind, EntityEditResult result,
                  const Json& first, const Json& second) {
   const auto number = [](const Json& json) { return json.is_number() ? json.get<double>() : 0; };

@@ -303,7 +303,7 @@ Json toJson(const AppVersion& value) {
           {"prereleaseIdentifiers", std::move(identifiers)}};
 }
 
-// Manifests and releases are told as the feed tells them.
+// Manifests and releases have the form that they have in the feed.
 Json toJson(const AppUpdateRelease& value) { return toJson(AppUpdateManifest{{value}})["releases"].front(); }
 
 Json toJson(const AppUpdateManifest& value) { return Json::parse(encodeManifest(value)); }

@@ -32,7 +32,7 @@
 
 namespace ostrelon {
 
-/// A request that does not fit: its text is the whole sentence of the reply.
+/// An argument that does not fit: the text is the whole sentence of the reply.
 class ArgumentError : public UserError {
  public:
   using UserError::UserError;

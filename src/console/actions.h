@@ -1,5 +1,5 @@
-// What the commands of the console do once they have been read: plain values, one record a deed. Sketch
-// units; entity numbers and positions as told.
+// What the commands of the console do once they have been read: plain values, one record for each action.
+// Sketch units; whether entity numbers count from 0 or 1 is stated at each.
 #pragma once
 
 #include <cstdint>

@@ -44,14 +44,14 @@ struct Reply {
 
 // --- How a command is read
 
-/// The words of a line: the command's own, then those behind it with their case untouched.
+/// The words of a line: the command's own, then those after it with their case untouched.
 using Words = std::vector<std::string>;
 
 /// Where a command stands. Some forms of some commands are for a line of their own.
 enum class Place { alone, chain };
 
-/// What a command is checked against: the sketch, and what the commands of the chain in front of it
-/// would have made of it.
+/// What a command is checked against: the sketch, and what the earlier commands of the chain would have made
+/// of it.
 struct ParseState {
   const Sketch* sketch = nullptr;  ///< never null while parsing; its wall systems change in no chain
   EntityList entities;
@@ -64,7 +64,7 @@ struct ParseState {
   }
 };
 
-/// The state in front of the first command.
+/// The state before the first command.
 ParseState parseStateOf(const Sketch& sketch);
 
 /// The words are not in the form that the command takes.
@@ -79,13 +79,13 @@ using Parse = ParseResult (*)(const Words& words, const ParseState& state, Place
 
 // --- The row
 
-/// What may stand at one place behind a command word.
+/// What may stand at one place after a command word.
 struct Completion {
   enum class Names { none, wallSystems, branches };
-  std::size_t position = 1;  ///< 1: the first word behind the command
+  std::size_t position = 1;  ///< 1: the first word after the command
   std::vector<std::string_view> words = {};
   Names names = Names::none;
-  std::string_view onlyAfter = {};  ///< the word in front must be this one, if any is named
+  std::string_view onlyAfter = {};  ///< the word before must be this one, if any is named
 };
 
 struct Command {
@@ -94,7 +94,7 @@ struct Command {
   std::vector<std::string_view> spellings = {};
   /// Further words that resolve to `word` outside of chains.
   std::vector<std::string_view> aliases = {};
-  std::string_view usage = {};       ///< its form, as the error behind "Usage: " tells it
+  std::string_view usage = {};       ///< its form, as the error gives it after "Usage: "
   std::string_view chainUsage = {};  ///< where it has another form in a chain
   /// Its rows of the help text, which is fixed. Empty for the commands of `more`.
   std::string_view help = {};
@@ -109,7 +109,7 @@ struct Command {
   Parse parse = nullptr;
 };
 
-/// All commands, in the order in which the help text tells them. No word occurs twice.
+/// All commands, in the order of the help text. No word occurs twice.
 std::span<const Command> commandTable();
 /// By word or spelling; null for any other. Aliases have to be resolved before.
 const Command* findCommand(std::string_view word);

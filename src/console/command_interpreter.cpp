@@ -67,7 +67,7 @@ std::vector<std::string> commandWords() {
   return words;
 }
 
-std::vector<std::string> wordsBehind(const Words& words, const CommandContext& context) {
+std::vector<std::string> wordsAfter(const Words& words, const CommandContext& context) {
   const auto resolved = resolveCommandLine(words);
   if (!resolved) return commandWords();
   std::vector<std::string> possible;

@@ -24,14 +24,14 @@ struct CommandAlias {
 struct ResolvedCommand {
   std::string head;     ///< the first word, lower-cased
   std::string command;  ///< the canonical word
-  Words arguments;      ///< the canonical word, then the tokens behind the head
+  Words arguments;      ///< the canonical word, then the tokens after the head
 };
 
 /// Absent for an empty list.
 std::optional<ResolvedCommand> resolveCommandLine(Words tokens);
 /// All aliases, longer ones first, equal lengths by text.
 const std::vector<CommandAlias>& aliasTable();
-/// The reply to a word that is none of a command.
+/// The reply to a word that names no command.
 std::string unknownCommandText(std::string_view word);
 
 // --- Texts, and words to complete
@@ -45,8 +45,8 @@ std::string moreText();
 
 /// Every word that the interpreter answers to, aliases included, sorted.
 std::vector<std::string> commandWords();
-/// What may stand behind these words of a line: command words when there are none, else the sub-command
-/// words and names that the command takes there.
-std::vector<std::string> wordsBehind(const Words& words, const CommandContext& context);
+/// What may follow these words of a line: command words when there are none, else the sub-command words and
+/// names that the command takes there.
+std::vector<std::string> wordsAfter(const Words& words, const CommandContext& context);
 
 }  // namespace ostrelon::CommandInterpreter

@@ -149,7 +149,7 @@ std::vector<Command> makeTable() {
        .isKnownInChains = true,
        .chainRefusal = "clear cannot be used in a chain; run clear by itself.",
        .parse = parseClear},
-      // The help text tells of chains and typed sizes, which are no commands, in front of itself.
+      // The help text begins with chains and typed sizes, which are no commands.
       {.word = "help",
        .aliases = {"?"},
        .help = "cmd; cmd                       run chained immediate commands all-or-nothing\n"

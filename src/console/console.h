@@ -1,5 +1,5 @@
-// The console's input line, and the one road from it into the program: a submitted line is echoed,
-// offered to the numeric input of the draft in progress, and else run as a command.
+// The console's input line, and the only path from it into the program: a submitted line is echoed, offered
+// to the numeric input of the draft in progress, and else run as a command.
 #pragma once
 
 #include <string>

@@ -33,8 +33,8 @@ bool isWall(const SketchEntity* entity) {
   return entity != nullptr && std::holds_alternative<WallEntity>(*entity);
 }
 
-// What the chain made stands behind the entities of the document, which their index finds; so it is
-// looked for from the end.
+// What the chain made comes after the entities of the document, which their index finds; so the search begins
+// at the end.
 const SketchEntity* findEntity(const UUID& id, const ParseState& state) {
   if (const SketchEntity* found = state.sketch->entity(id)) return found;
   for (std::size_t i = state.entities.size(); i > 0; --i) {

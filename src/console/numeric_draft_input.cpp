@@ -13,7 +13,7 @@
 namespace ostrelon::CommandInterpreter {
 namespace {
 
-// Where a typed size puts the end of the draft, and how the console tells it.
+// Where a typed size puts the end of the draft, and how the console reports it.
 struct TypedEnd {
   SketchPoint current;
   std::string message;

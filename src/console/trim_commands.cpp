@@ -8,8 +8,8 @@
 namespace ostrelon::CommandInterpreter {
 namespace {
 
-// The 0-based index of a number that users see. The lowest number there is has no index; it is out of
-// range as it stands.
+// The 0-based index of a number that users see. The lowest number there is has no index; it is out of range
+// unchanged.
 std::int64_t indexOfNumber(std::int64_t number) { return number > 0 ? number - 1 : -1; }
 
 const SketchEntity* entityNumbered(std::int64_t number, const Sketch& sketch) {

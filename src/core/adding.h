@@ -1,4 +1,4 @@
-// Adding entities to a sketch, and clearing it. Each is one undo step. Sketch units.
+// Adding entities to a sketch. Each call is one undo step. Sketch units.
 #pragma once
 
 #include <optional>
@@ -20,13 +20,13 @@ void addCircle(Sketch& sketch, SketchPoint center, double radius);
 void addPolygon(Sketch& sketch, std::vector<SketchPoint> vertices);
 /// The wall becomes the selection. Without a system the active one is taken.
 void addWall(Sketch& sketch, std::optional<UUID> systemSpecID, SketchPoint from, SketchPoint to);
-/// Writes an entity in place, as part of a step that somebody else takes; an unknown identifier does
-/// nothing. The sketch counts as changed even where the entity was equal.
+/// Writes an entity in place, as part of a step that the caller takes; an unknown identifier does nothing.
+/// The sketch counts as changed even where the entity was equal.
 void replaceEntity(Sketch& sketch, const UUID& id, SketchEntity entity, UndoStep step = UndoStep::none);
 
 // --- Wall systems and the grid: no undo steps
 
-/// Makes the system the active one and says so; nothing when it is.
+/// Makes the system the active one and reports it in the console; nothing when it is active already.
 void setActiveWallSystem(Sketch& sketch, Messages& messages, const WallSystemSpec& spec);
 /// Replaces the system of the same identifier; an unknown one does nothing.
 void updateWallSystemSpec(Sketch& sketch, const WallSystemSpec& spec);

@@ -16,7 +16,7 @@ constexpr double radiansOf(double degrees) { return degrees * std::numbers::pi /
 
 /// The floating remainder of an angle by 2π, in 0 up to but not including 2π.
 double normalizedAngle(double angle);
-/// The counter-clockwise span between two angles, 0 up to but not including 2π.
+/// The counter-clockwise span from the first angle to the second, 0 up to but not including 2π.
 double arcSpan(double startAngle, double endAngle);
 /// Direction of a vector in degrees, 0 up to but not including 360.
 double directionDegrees(double dx, double dy);

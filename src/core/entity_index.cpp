@@ -9,12 +9,12 @@
 namespace ostrelon {
 namespace {
 
-constexpr unsigned kOffsetBits = 11;  // room for more entities than any chunk holds
+constexpr unsigned kOffsetBits = 11;  // enough for more entities than any chunk holds
 constexpr std::uint32_t kOffsetMask = (1U << kOffsetBits) - 1;
 
 // The cells of level 0 are a quarter of a unit wide, those of each further level four times wider.
 constexpr double kFinestCell = 0.25;
-// Beyond this many cells from the origin an entity stands outside the grids.
+// Beyond this many cells from the origin an entity is kept outside the grids.
 constexpr double kLargestCellIndex = 1 << 28;
 // A window over more cells than this, or a list shorter than this, is walked.
 constexpr std::size_t kMostCells = 4096;
@@ -69,7 +69,7 @@ void EntityIndex::update(const EntityList& list) {
   followChunks(before);
   bool isClear = true;
   std::vector<std::pair<UUID, std::uint32_t>> placed;
-  // Removals come first in effect: an identifier that left one place and came to another is told as
+  // Removals come first in effect: an identifier that left one place and came to another is reported as
   // neither removed nor added, so the order of these steps does not matter.
   std::vector<const SketchEntity*> added;
   EntityList::compare(before, list_,
@@ -224,7 +224,7 @@ void EntityIndex::rebuild(EntityList list) {
   }
 }
 
-// Learns where the chunks stand now.
+// Records where the chunks are now.
 void EntityIndex::followChunks(const EntityList& before) {
   const auto& now = list_.root_->nodes;
   const auto& old = before.root_->nodes;
@@ -323,7 +323,7 @@ void EntityIndex::removeSlot(const UUID& id) {
   slots_[number].next = freeSlot_;
   freeSlot_ = number;
   --used_;
-  // The gap is closed by those behind it that may stand there, so that no probe ends too early.
+  // The gap is closed by later slots that may take it, so that no probe ends too early.
   std::size_t gap = at;
   for (std::size_t next = (gap + 1) & mask; table_[next] != kNone; next = (next + 1) & mask) {
     const std::size_t home = std::hash<UUID>()(slots_[table_[next]].id) & mask;
@@ -385,7 +385,7 @@ std::uint64_t EntityIndex::keyOf(const CellPlace& place) {
 
 std::uint64_t EntityIndex::keyOfCell(std::size_t cell) const { return keyOf(cellOf(slots_[cells_[cell]])); }
 
-// Where the cell stands in the table, or the free place where it would stand.
+// The place of the cell in the table, or the free place that it would take.
 std::size_t EntityIndex::findCell(std::uint64_t key) const {
   const std::size_t mask = cells_.size() - 1;
   std::size_t at = mixed(key) & mask;

@@ -1,14 +1,14 @@
 // Finding entities fast: by identifier, and by place.
 //
-// The index follows one list through its edits. `update` costs what changed since the last call, not
-// what the list holds, so it can be called before every look-up. It answers exactly what a walk over
-// the list answers; order is always told by the positions in the list.
+// The index follows one list through its edits. `update` costs what changed since the last call, not what the
+// list holds, so it can be called before every look-up. It answers exactly what a walk over the list answers;
+// order is always given by the positions in the list.
 //
-// Identifiers are found through a hash table of small slots, a position through the chunk in which
-// the entity stands. Places are found through grids of one level for each power of four in size: an
-// entity stands in a single cell, that of its middle, on the level whose cells are at least as wide
-// as the entity, so a window asks for the cells it touches and one more all round. Entities that are
-// not finite, or far beyond any drawing, stand in a side list that every query looks through.
+// Identifiers are found through a hash table of small slots, a position through the chunk that holds the
+// entity. Places are found through grids of one level for each power of four in size: an entity is kept in a
+// single cell, that of its middle, on the level whose cells are at least as wide as the entity, so a window
+// asks for the cells it touches and one more all round. Entities that are not finite, or far beyond any
+// drawing, are kept in a side list that every query looks through.
 //
 // Under 60 bytes an entity. Lists that hold an identifier twice are answered by a walk.
 #pragma once
@@ -37,7 +37,7 @@ class EntityIndex {
   /// The entity, or null. Valid until the next update.
   const SketchEntity* find(const UUID& id) const;
 
-  /// What stands at one place of the list.
+  /// What one place of the list holds.
   struct Candidate {
     const SketchEntity* entity = nullptr;
     std::uint32_t slot = 0;

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t kChunkSize = 64;      // what bulk work fills a chunk to
 constexpr std::size_t kLargestChunk = 128;  // beyond this a chunk is split
-constexpr std::size_t kSpareEntities = 4;   // the room that an appended chunk grows by
+constexpr std::size_t kSpareEntities = 4;   // by how many entities' storage an appended chunk grows
 constexpr std::size_t kSmallestChunk = 16;  // below this a chunk joins its neighbour
 constexpr std::size_t kNodeSize = 64;       // chunks in a node that bulk work has filled
 constexpr std::size_t kLargestNode = 128;
@@ -82,8 +82,8 @@ void EntityList::append(SketchEntity entity) {
   const std::size_t nodeIndex = root_->nodes.size() - 1;
   const std::size_t chunkIndex = root_->nodes.back()->chunks.size() - 1;
   Chunk& chunk = ownChunk(nodeIndex, chunkIndex);
-  // Step by step rather than doubled: where every append has its undo step, the room that a chunk has to
-  // spare is kept as often as the chunk.
+  // Step by step rather than doubled: where every append has its undo step, the spare storage of a chunk is
+  // kept as often as the chunk.
   if (chunk.size() == chunk.capacity()) chunk.reserve(chunk.size() + kSpareEntities);
   chunk.push_back(std::move(entity));
   ++root_->nodes.back()->ends.back();
@@ -91,7 +91,7 @@ void EntityList::append(SketchEntity entity) {
 }
 
 void EntityList::append(std::vector<SketchEntity> entities) {
-  // The open chunk at the end takes what it has room for; the rest goes in as whole chunks.
+  // The open chunk at the end takes what fits into it; the rest goes in as whole chunks.
   std::size_t next = 0;
   while (next < entities.size() && !empty() && root_->nodes.back()->chunks.back()->size() % kChunkSize != 0) {
     append(std::move(entities[next++]));
@@ -170,7 +170,7 @@ void EntityList::remove(std::size_t index) {
 
 void EntityList::removeAll(const std::vector<std::size_t>& ascendingIndices) {
   if (ascendingIndices.empty()) return;
-  // A few positions are taken out where they stand, from the last to the first.
+  // A few positions are taken out in place, from the last to the first.
   if (ascendingIndices.size() <= 32) {
     std::for_each(ascendingIndices.rbegin(), ascendingIndices.rend(),
                   [this](std::size_t index) { remove(index); });
@@ -246,7 +246,7 @@ EntityList EntityList::fromChunks(std::vector<std::shared_ptr<const Chunk>> chun
 }
 
 EntityList EntityList::fromChunks(std::vector<std::shared_ptr<const Chunk>> chunks, const EntityList& alike) {
-  // Each node and each identity of the other list is taken once: a chunk may stand in a list twice.
+  // Each node and each identity of the other list is taken once: a chunk may occur in a list twice.
   std::unordered_map<const Chunk*, NodePointer> nodesByFirstChunk;
   std::unordered_map<const Chunk*, std::uint64_t> identities;
   if (alike.root_) {
@@ -286,8 +286,8 @@ EntityList EntityList::fromChunks(std::vector<std::shared_ptr<const Chunk>> chun
     }
     const auto identity = identities.find(chunks[next].get());
     const std::size_t count = chunks[next]->size();
-    // Chunks are made non-const by this class alone and written only while nobody else holds them,
-    // which is what `ownChunk` sees to.
+    // Chunks are made non-const by this class alone and written only while no other list holds them, which
+    // `ownChunk` ensures.
     addChunk(list.nodeWithRoom(), std::const_pointer_cast<Chunk>(std::move(chunks[next])),
              identity == identities.end() ? freshIdentity() : identity->second);
     if (identity != identities.end()) identities.erase(identity);
@@ -341,7 +341,7 @@ void EntityList::settle(std::size_t nodeIndex, std::size_t chunkIndex) {
     node.identities.erase(at(node.identities, index));
   };
   if (chunk.size() > kLargestChunk) {
-    // The first piece stays the chunk that it was; the others are new chunks behind it.
+    // The first piece stays the chunk that it was; the others are new chunks after it.
     std::vector<ChunkPointer> pieces;
     std::vector<std::uint64_t> identities;
     for (std::size_t start = kChunkSize; start < chunk.size(); start += kChunkSize) {
@@ -424,7 +424,7 @@ void EntityList::Iterator::nextChunk() {
   } else if (node_ + 1 < root_->nodes.size()) {
     enter(node_ + 1, 0);
   } else {
-    return;  // the end is behind the last entity of the last chunk
+    return;  // the end is after the last entity of the last chunk
   }
   entity_ = chunkBegin_;
 }

@@ -1,9 +1,9 @@
 // The ordered list of entities of a document, as a value with shared storage.
 //
-// The list is a tree of fixed depth: a root of nodes, a node of chunks, a chunk of entities (about
-// 64, split at twice that, merged when small). Copying a list shares everything, so an undo
-// snapshot costs nothing that grows with the list; an edit copies one chunk, one node and the root,
-// and nothing at all where nobody else holds them. Equality and differences skip shared storage.
+// The list is a tree of fixed depth: a root of nodes, a node of chunks, a chunk of entities (about 64, split
+// at twice that, merged when small). Copying a list shares everything, so an undo snapshot costs nothing that
+// grows with the list; an edit copies one chunk, one node and the root, and nothing at all where no other
+// list holds them. Equality and differences skip shared storage.
 //
 // Indices are 0-based. References stay valid until the list that they came from changes.
 #pragma once
@@ -132,7 +132,7 @@ class EntityList {
   };
   static std::vector<LooseChunk> looseChunks(const EntityList& list, const EntityList& other);
 
-  // The steps between two lists, told one by one. `placed` tells every entity whose chunk has another
+  // The steps between two lists, reported one by one. `placed` reports every entity whose chunk has another
   // identity than before, new ones included.
   struct Steps {
     std::function<void(const SketchEntity&)> removed;
@@ -179,7 +179,7 @@ class EntityList::Iterator {
     --*this;
     return old;
   }
-  /// The place counts beside the entity: a chunk may stand in a list twice.
+  /// The place counts beside the entity: a chunk may occur in a list twice.
   friend bool operator==(const Iterator& a, const Iterator& b) {
     return a.entity_ == b.entity_ && a.chunk_ == b.chunk_ && a.node_ == b.node_;
   }

@@ -21,7 +21,7 @@ bool operator==(const EntityList& a, const EntityList& b) {
   if (a.root_ == b.root_) return true;
   if (a.size() != b.size()) return false;
   if (a.empty()) return true;
-  // Positions run in step; where both sides stand at the start of the same storage it is skipped.
+  // Positions run in step; where both sides are at the start of the same storage it is skipped.
   std::size_t nodeA = 0, chunkA = 0, offsetA = 0;
   std::size_t nodeB = 0, chunkB = 0, offsetB = 0;
   const auto step = [](const EntityList::Root& root, std::size_t& node, std::size_t& chunk,
@@ -138,7 +138,7 @@ void EntityList::compare(const EntityList& before, const EntityList& after, cons
   std::unordered_map<std::uint64_t, const Chunk*> oldByIdentity;
   for (const LooseChunk& loose : oldChunks) oldByIdentity.emplace(loose.identity, loose.chunk);
 
-  // Entities that stand on one side of their chunk alone; some may have moved to another chunk.
+  // Entities that occur on one side of their chunk alone; some may have moved to another chunk.
   std::vector<const SketchEntity*> leavers;
   struct Arrival {
     const SketchEntity* entity;

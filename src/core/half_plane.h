@@ -8,9 +8,9 @@
 
 namespace ostrelon {
 
-/// The part of a closed polygon on one side of a line (one edge of Sutherland and Hodgman, "Reentrant
-/// polygon clipping", 1974). `isInside(point)` tells the side that stays; `crossing(a, b)` is where the
-/// edge from `a` to `b`, whose ends lie on different sides, meets the line.
+/// The part of a closed polygon on one side of a line (one edge of Sutherland and Hodgman, "Reentrant polygon
+/// clipping", 1974). `isInside(point)` is true on the side that stays; `crossing(a, b)` is where the edge
+/// from `a` to `b`, whose ends lie on different sides, meets the line.
 template <class IsInside, class Crossing>
 std::vector<SketchPoint> cutByHalfPlane(std::span<const SketchPoint> polygon, const IsInside& isInside,
                                         const Crossing& crossing) {

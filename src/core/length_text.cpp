@@ -18,8 +18,8 @@
 namespace ostrelon {
 namespace {
 
-// strtod reads by the process's locale unless it is told otherwise; a German desktop must not turn
-// the decimal point into a comma.
+// strtod reads by the process's locale unless it is given another; a German desktop must not turn the decimal
+// point into a comma.
 locale_t cLocale() {
   static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
   return locale;

@@ -10,8 +10,8 @@
 
 namespace ostrelon {
 
-/// The whole text by the rule of `strtod` in the C locale: hexadecimal, infinity and "nan" included,
-/// overflow to infinity, nothing in front and nothing behind.
+/// The whole text by the rule of `strtod` in the C locale: hexadecimal, infinity and "nan" included, overflow
+/// to infinity, nothing before and nothing after.
 std::optional<double> parseNumber(std::string_view text);
 /// ASCII digits in base 10 with an optional sign, within 64 bits.
 std::optional<std::int64_t> parseEntityNumber(std::string_view text);

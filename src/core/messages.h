@@ -30,7 +30,6 @@ class Messages {
   void append(std::string text, bool isError, bool isSystem);
   /// Output of the program rather than a reply.
   void appendSystem(std::string text) { append(std::move(text), false, true); }
-  void appendError(std::string text) { append(std::move(text), true, false); }
   void appendReply(std::string text) { append(std::move(text), false, false); }
 
   /// `duration`: seconds until it goes; absent takes the style's own, and a `saving` toast then stays.

@@ -12,10 +12,7 @@ Subscription ChangeTracker::observe(FieldMask fields, Callback callback) {
 
 void ChangeTracker::close() {
   if (--depth_ > 0) return;
-  if (changed_ == 0) {
-    if (closing_) closing_();
-    return;
-  }
+  if (changed_ == 0) return;
   const FieldMask changed = std::exchange(changed_, FieldMask{0});
   ++revision_;
   std::erase_if(observers_, [](const auto& observer) { return !*observer->active; });
@@ -24,7 +21,6 @@ void ChangeTracker::close() {
   for (const auto& observer : observers) {
     if (*observer->active && (observer->fields & changed) != 0) observer->callback(changed);
   }
-  if (closing_) closing_();
 }
 
 }  // namespace ostrelon

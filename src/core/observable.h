@@ -1,5 +1,5 @@
-// Observation of a long-lived object: fields that everyone may read and only their object writes,
-// and observers that hear of changes once an operation has ended.
+// Observation of a long-lived object: fields that everyone may read and only their object writes, and
+// observers that are notified once an operation has ended.
 //
 //   class Counter {
 //     ChangeTracker tracker_;
@@ -71,8 +71,6 @@ class ChangeTracker {
 
   /// The number of operations that have changed something.
   std::uint64_t revision() const { return revision_; }
-  /// Called when the outermost scope has ended and the observers have been told.
-  void setClosingHook(std::function<void()> closing) { closing_ = std::move(closing); }
 
   /// The number of a new field, below 64. For `Observable`.
   unsigned addField() {
@@ -95,7 +93,6 @@ class ChangeTracker {
   FieldMask changed_ = 0;
   std::uint64_t revision_ = 0;
   std::vector<std::shared_ptr<Observer>> observers_;
-  std::function<void()> closing_;
 };
 
 /// One operation. No scope may span a wait.

@@ -99,7 +99,7 @@ void Sketch::pushStep(const EntityList& before) {
   stack.pushUndoSnapshot({before});
 }
 
-// --- A drag
+// --- A drag, whose whole course is one step
 
 void Sketch::beginDragStep() { dragStep_ = DragStep{entities()}; }
 
@@ -121,6 +121,8 @@ void Sketch::cancelDragStep() {
   dragStep_.reset();
   settleSelection();
 }
+
+// --- The whole of it
 
 void Sketch::setState(const SketchState& state) {
   const ChangeScope scope(tracker_);
@@ -189,7 +191,7 @@ void Sketch::setUndoStack(SketchUndoStack stack) {
   undoStack.edit() = std::move(stack);
 }
 
-// --- The selection
+// --- The selection and the clipboard
 
 void Sketch::selectOnly(const UUID& id) { selection = Selection{{id}, id, selection->isInspected}; }
 

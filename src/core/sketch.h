@@ -1,16 +1,16 @@
 // The sketch that is open: its drawing, the selection in it and its undo steps, and the one way to
 // change them. It lives as long as the program; opening a document puts another drawing in its place.
 //
-// Everyone may read the values; they are written by the operations below alone. An edit of the drawing
-// is a function that is handed the drawing as it is and leaves it as it shall be:
+// Everyone may read the values; they are written by the operations below alone. An edit of the drawing is a
+// function that is handed the drawing as it is and leaves it as it should be:
 //
 //   sketch.edit([&](Drawing& drawing) { drawing.entities.append(line); });
 //
-// `edit` takes the undo step, marks the sketch as changed since its last save, and notifies. Whoever
-// edits has checked before: a refused operation does not come here. Operations that do several things
-// open a `change()` first, and observers are notified once, when the outermost one ends.
+// `edit` takes the undo step, marks the sketch as changed since its last save, and notifies. Callers have
+// checked before: a refused operation does not get here. Operations that do several things open a `change()`
+// first, and observers are notified once, when the outermost one ends.
 //
-// The operations on entities stand in geometry/ as functions over a sketch; those that add them, in
+// The operations on entities are functions over a sketch in geometry/; those that add entities, in
 // core/adding.h.
 #pragma once
 
@@ -97,7 +97,8 @@ class Sketch {
   /// All edits that `changes` makes are one step, or none where the entities end as they began. When it
   /// returns false, everything in `SketchState` is put back.
   bool asOneStep(const std::function<bool()>& changes);
-  /// Records what was done without a step as one, unless the entities are what they were before.
+  /// Records what was done without a step as one, unless the entities are what they were before. Inside
+  /// `asOneStep` it is part of that one.
   void recordStep(const EntityList& before);
 
   // --- A drag, whose whole course is one step. An edit in the middle of it has what was dragged so far as
@@ -117,8 +118,9 @@ class Sketch {
 
   SketchState state() const { return {drawing, selection, isDirty}; }
   void setState(const SketchState& state);
-  /// Another document takes the place of this one: nothing is selected, nothing copied, and undo steps
-  /// are those given, oldest first. The inspector stays as it is.
+  /// Another document takes the place of this one: nothing is selected or copied, and the undo steps are
+  /// those given, oldest first. Whether the sketch counts as changed and whether the inspector is open stay
+  /// as they are.
   void replace(Drawing drawing, std::vector<SketchUndoSnapshot> undoSteps = {});
   void setDirty(bool dirty) { isDirty = dirty; }
   /// New walls take this system from now on. Neither an undo step nor a change of the document.

@@ -209,7 +209,7 @@ std::optional<FilePath> AppSettings::projectsFolderAtStart() {
     return defaultProjectsFolder();
   }
   auto folder = storedPath(SettingsKey::projectsFolderBookmark);
-  // One that is gone, such as on a disk that is not there today, is no folder now; the keys stay.
+  // One that is gone, such as one on a disk that is not attached today, is no folder now; the keys stay.
   if (const auto there = folder ? files_.info(*folder) : std::nullopt; !there || !there->isFolder) {
     return std::nullopt;
   }

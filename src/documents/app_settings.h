@@ -26,7 +26,7 @@ std::string_view rawValue(AppearanceMode mode);
 std::string_view displayName(AppearanceMode mode);
 std::optional<AppearanceMode> appearanceModeFromRawValue(std::string_view raw);
 
-/// What the system says of its own appearance.
+/// The appearance that the desktop reports.
 enum class ColorScheme { light, dark };
 
 /// `tansy`, `light` and `dark` are themselves; `system` follows the scheme and is light without one.

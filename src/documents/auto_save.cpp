@@ -110,7 +110,7 @@ void AutoSaveController::rescheduleAutoSave() {
 }
 
 void AutoSaveController::tick() {
-  if (running_) return;  // a slow disk: the one that is under way comes first
+  if (running_) return;  // a slow disk: the save under way ends first
   const AutoSaveTarget target = autoSaveTarget(document_, settings_);
   if (target.refusal) reportSkipped(document_, *target.refusal);
   if (!target.url) return;

@@ -12,16 +12,16 @@
 
 namespace ostrelon {
 
-/// One auto-save, done when it returns. Nothing happens to a clean document, with auto-save off, or
-/// while a save panel is up. A file that another program has changed is left alone. The failure text,
-/// as the console tells it for a failed save and without prefix for a skipped one; absent otherwise.
+/// One auto-save, done when it returns. Nothing happens to a clean document, with auto-save off, or while a
+/// save panel is up. A file that another program has changed is left alone. Gives the failure text, as the
+/// console shows it for a failed save and without prefix for a skipped one; absent otherwise.
 std::optional<std::string> autoSaveTick(DocumentSession& document, AppSettings& settings);
 
 /// Opens the offered auto-save and withdraws the offer, whatever the result. False when it failed.
 bool restoreAutoSave(DocumentSession& document, AppSettings& settings);
 /// Opens the document of the last auto-save; unsaved changes are dropped. False when it failed.
 bool revertToLastAutoSave(DocumentSession& document, AppSettings& settings);
-/// Opens the candidate's document and says so; without one says `missingText`. False when it failed.
+/// Opens the candidate's document and reports it; without one reports `missingText`. False when it failed.
 bool restoreCandidate(DocumentSession& document, AppSettings& settings,
                       const std::optional<AutoSaveRecoveryCandidate>& candidate,
                       const std::string& successText, const std::string& missingText);
@@ -38,7 +38,6 @@ class AutoSaveController {
   /// Puts a fresh timer in the place of the old one, or none when auto-save is off. Also happens by
   /// itself when one of the two settings changes.
   void rescheduleAutoSave();
-  bool hasTimer() const { return timer_.has_value(); }
 
  private:
   struct Running;

@@ -51,7 +51,7 @@ FilePath timelineURL(const FilePath& url, const std::string& branchID) {
   return branchFolder(url, branchID) / "timeline.json";
 }
 
-// The path of a file of the store, once it is known that no link leads away from there.
+// The path of a file of the store, after checking that no link leads out of the store.
 FilePath checkedForLinks(FileSystem& files, const FilePath& url, FilePath inStore) {
   const FilePath folder = storeFolder(url).parent_path();
   FilePath part = folder;

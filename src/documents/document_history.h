@@ -73,8 +73,8 @@ void writeHistoryMetadata(FileSystem& files, const FilePath& url, const Document
 /// The same, up to where it takes the place of the old one.
 std::unique_ptr<PendingFile> prepareHistoryMetadata(FileSystem& files, const FilePath& url,
                                                     const DocumentHistoryMetadata& metadata);
-/// The way back of a change that has failed half-way: puts `before` into the place that `written` has taken,
-/// if it has. Tells of no failure of its own, since there is one to be told already.
+/// The way back from a change that failed half-way: puts `before` into the place that `written` has taken, if
+/// it has. Reports no failure of its own, since there is one to report already.
 void takeBackHistoryMetadata(FileSystem& files, const FilePath& url, const PendingFile& written,
                              const DocumentHistoryMetadata& before);
 /// Held while the store is read, changed and written back, against another copy of the program.

@@ -1,5 +1,5 @@
-// What was last read from or written to the file of the document, kept to notice that somebody else
-// has written it since.
+// What was last read from or written to the file of the document, kept to notice that another program has
+// written it since.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// What the path of a document tells: whether it may be one, and how the document is called.
+// What the path of a document says: whether it may be one, and what the document is called.
 #pragma once
 
 #include <string>

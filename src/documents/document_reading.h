@@ -2,8 +2,8 @@
 // thread, taking the document over belongs to it.
 //
 //   DocumentReading reading(url);
-//   reading.read(files);                      // any thread
-//   sketch.finishDocumentOpening(reading);    // main thread: the document takes the place of the old one
+//   reading.read(files);             // any thread
+//   session.finishOpening(reading);  // main thread: the document takes the place of the old one
 #pragma once
 
 #include <optional>

@@ -26,11 +26,11 @@ class DocumentSave {
   void write(FileSystem& files);
   /// Moves what was written into its place.
   void commit() { pending_->commit(); }
-  /// What lies on the disk after `commit`.
+  /// What is on disk after `commit`.
   const DocumentOnDisk& onDisk() const { return onDisk_; }
   /// Whether nothing that a document's file holds of the drawing has changed since the save began.
   bool holdsStateOf(const Sketch& sketch) const;
-  /// Lets go of the entities, and of what was written but not committed. To be called on the main thread
+  /// Releases the entities, and drops what was written but not committed. To be called on the main thread
   /// after a write elsewhere, since the storage that lists share is owned by that thread.
   void release();
 

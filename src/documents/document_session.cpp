@@ -47,7 +47,7 @@ void DocumentSession::adopt(OpenedDocument document) {
   stage_.documentOpened(document.viewport);
 }
 
-// --- On the disk
+// --- The file
 
 void DocumentSession::save(const FilePath& url) {
   DocumentSave save(url, makeDocument(true));
@@ -59,7 +59,8 @@ void DocumentSession::putInPlace(DocumentSave& save) {
   try {
     save.commit();
   } catch (...) {
-    // The file may be in its place though it could not be made to last; then it is still ours.
+    // The file may be in its place though the fsync of its folder failed; it is then this session's file all
+    // the same.
     if (host_.files.info(save.url()) == save.onDisk().info) onDisk_ = save.onDisk();
     throw;
   }

@@ -1,10 +1,9 @@
-// The session of the open document: its file and name, what is known of the file on the disk, its
-// history, and the operations that put it on a disk and take it off again. The drawing itself belongs to
-// the sketch.
+// The session of the open document: its file and name, what is known of the file on disk, its history, and
+// the operations that save and open it. The drawing itself belongs to the sketch.
 //
-// What is written before it is shown (the switch of a branch) is prepared as a value, written, and only
-// then put in the place of the open document; nothing is taken back. Failures are thrown as `UserError`,
-// and have changed nothing then, unless an operation says otherwise.
+// What must be written before it is shown (the switch of a branch) is prepared as a value, written, and only
+// then put in the place of the open document, so that nothing has to be undone in memory. Failures are thrown
+// as `UserError`, and have changed nothing then, unless an operation says otherwise.
 #pragma once
 
 #include <filesystem>
@@ -28,8 +27,8 @@ struct LoadedSketchDocument;  // documents/sketch_document.h
 struct OpenedDocument;        // documents/opened_document.h
 struct SketchDocumentV2;      // documents/sketch_document.h
 
-/// Where the document is shown: the session asks it for the view that a file keeps, and says when
-/// another document has come.
+/// Where the document is shown: the session asks it for the view that a file keeps, and notifies it when
+/// another document has taken the place of the open one.
 class DocumentStage {
  public:
   virtual ~DocumentStage() = default;
@@ -71,15 +70,16 @@ class DocumentSession {
 
   // --- The document as a whole (document_session.cpp)
 
-  /// An empty drawing with the wall systems that there are. Says "New document."
+  /// An empty drawing with the present wall systems. Reports "New document."
   void begin();
   SketchDocumentV2 makeDocument(bool includeUndo) const;
   /// Puts a document that was read in the place of the open one. The file stays as it is.
   void adopt(LoadedSketchDocument document);
   void setSaveDialogActive(bool active) { isSaveDialogActive = active; }
 
-  // --- On the disk (document_session.cpp)
+  // --- The file (document_session.cpp)
 
+  /// The file becomes the one of the document.
   void save(const FilePath& url);
   void open(const FilePath& url);
   /// The second half of a save whose file has been written: moves it into its place. The document is
@@ -90,11 +90,19 @@ class DocumentSession {
 
   // --- History (history_operations.cpp)
 
+  /// Reads the history of the document's folder. A store that cannot be read shows as an empty one.
   void refreshHistory();
+  /// Saves the document, then a checkpoint of it on the current branch. Throws `documentMustBeSaved` for one
+  /// without a file; where the checkpoint fails, the document has been saved all the same.
   DocumentCheckpoint saveCheckpoint(std::optional<std::string> message = std::nullopt);
+  /// A branch that starts at this checkpoint, else at the head of the current branch. The current branch
+  /// stays. Throws where there is no such checkpoint.
   DocumentHistoryBranch createBranch(const std::string& name,
                                      std::optional<std::string> sourceCheckpointID = std::nullopt);
+  /// The head of the branch becomes the document, and its file is written. Throws for unsaved changes, an
+  /// unknown branch, and one without a checkpoint; nothing happens for the current one.
   DocumentHistoryBranch switchBranch(const std::string& nameOrID);
+  /// Branches and checkpoints as the console lists them, or the sentence that says why there are none.
   std::string historyText() const;
 
  private:
@@ -102,7 +110,7 @@ class DocumentSession {
   /// Writes the head of a branch as the document, and the branch as the current one, or neither.
   void writeSwitched(const FilePath& url, const OpenedDocument& next, const DocumentHistoryMetadata& before,
                      const std::string& branchID);
-  /// Moves what was written into its place, and knows it as ours from then on.
+  /// Moves what was written into its place, and records it as written by this session.
   void putInPlace(DocumentSave& save);
 
   Sketch& sketch_;

@@ -1,6 +1,6 @@
-// Puts documents on disk and takes them off again, with what the user is told of it: the commands
-// Save, Save As and Open, the names of new documents, and the recent ones. No state of its own; the
-// reading and writing are members of the view model.
+// Saves and opens documents, with what the user is told of it: the commands Save, Save As and Open, the names
+// of new documents, and the recent ones. No state of its own; the reading and writing are members of
+// `DocumentSession`.
 #pragma once
 
 #include <functional>
@@ -22,19 +22,19 @@ using SaveDone = std::function<void(SaveOutcome)>;
 void saveCurrentDocument(DocumentSession& document, AppSettings& settings, bool announce, SaveDone done = {});
 /// Asks where, and saves there. A name without extension gets the document's.
 void saveDocumentAs(DocumentSession& document, AppSettings& settings, bool announce, SaveDone done = {});
-/// Saves and tells of it. The failure text, prefix included; absent when the document was saved.
+/// Saves and reports it. Gives the failure text, prefix included; absent when the document was saved.
 std::optional<std::string> saveToURL(DocumentSession& document, AppSettings& settings, const FilePath& url,
                                      bool announce);
 /// Saves a new document under the first free name of the projects folder, which must be set; a name that
 /// another window takes meanwhile is passed over. Else as `saveToURL`.
 std::optional<std::string> saveToFreeName(DocumentSession& document, AppSettings& settings, bool announce);
-/// Opens and tells of it. The failure text, prefix included; absent when the document was opened.
+/// Opens and reports it. Gives the failure text, prefix included; absent when the document was opened.
 std::optional<std::string> openDocument(DocumentSession& document, AppSettings& settings,
                                         const FilePath& url);
 
-/// The end of an opening whose file was read elsewhere: takes the document over and tells of it.
+/// The end of an opening whose file was read elsewhere: takes the document over and reports it.
 void finishOpening(DocumentSession& document, AppSettings& settings, DocumentReading& reading);
-/// Tells of an opening that failed. Gives the whole text.
+/// Reports an opening that failed. Gives the whole text.
 std::string reportOpenFailed(DocumentSession& document, const std::string& description);
 
 /// The first of "Untitled Project.ostrel", "Untitled Project (1).ostrel", … that is free.

@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kRowBeginning = 42;
 constexpr std::size_t kSmallestPolygon = 6;   // numbers
 constexpr std::size_t kLongestToldTag = 100;  // bytes; a longer one would only fill the transcript
-// States of a chunk that are kept in mind: a step that changed it may have come between two that did not.
+// States of a chunk that are remembered: a step that changed it may have come between two that did not.
 constexpr std::size_t kKnownStates = 4;
 
 }  // namespace

@@ -32,7 +32,7 @@ class EntityRows {
   using Elements = JsonReading::Elements;
 
   struct KnownChunk {
-    std::string_view text;  // from the first row to the token behind the last
+    std::string_view text;  // from the first row to the token after the last
     std::shared_ptr<const Chunk> chunk;
   };
 

@@ -16,7 +16,7 @@ using nlohmann::json;
 constexpr const char* kMetadataFile = "meta.json";
 constexpr const char* kTimelineFile = "timeline.json";
 
-// One value of a history file with the place where it stands, for messages.
+// One value of a history file with its place in the file, for messages.
 class Node {
  public:
   Node(const json& value, std::string place) : value_(value), place_(std::move(place)) {}

@@ -83,7 +83,7 @@ DocumentHistoryBranch DocumentSession::switchBranch(const std::string& nameOrID)
   const DocumentCheckpoint* head = findCheckpointOf(state, branch, *branch.headCheckpointID);
   if (head == nullptr) throw Error(Error::Case::checkpointNotFound, *branch.headCheckpointID);
 
-  // The new document is a value until both files lie in their places; only then is it shown.
+  // The new document is a value until both files are in their places; only then is it shown.
   OpenedDocument next = openedDocument(
       SketchDocumentIO::decodeDocument(readCheckpoint(host_.files, *url, branch.id, head->fileName)),
       sketch_.drawing);
@@ -102,7 +102,7 @@ DocumentHistoryBranch DocumentSession::switchBranch(const std::string& nameOrID)
 
 void DocumentSession::writeSwitched(const FilePath& url, const OpenedDocument& next,
                                     const DocumentHistoryMetadata& before, const std::string& branchID) {
-  // Both are whole and on the disk before either takes its place.
+  // Both are complete and synchronized by fsync before either takes its place.
   DocumentSave save(url, documentOf(next.name, next.drawing, next.viewport));
   save.write(host_.files);
   DocumentHistoryMetadata after = before;
@@ -114,7 +114,7 @@ void DocumentSession::writeSwitched(const FilePath& url, const OpenedDocument& n
     putInPlace(save);
   } catch (...) {
     takeBackHistoryMetadata(host_.files, url, *metadata, before);
-    // The new content may be in its place though it could not be made to last.
+    // The new content may be in its place though the fsync of its folder failed.
     if (onDisk_ != onDisk) sketch_.setDirty(true);
     throw;
   }

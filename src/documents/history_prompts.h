@@ -1,5 +1,5 @@
-// The history commands of the menus: they ask for what they need and say how it went, on the console
-// and in a toast.
+// The history commands of the menus: they ask for what they need and report the result, in the console and in
+// a toast.
 #pragma once
 
 #include <string>

@@ -1,9 +1,8 @@
 // Reading typed values out of JSON, for the document reader: a thin layer over simdjson's On-Demand
 // interface whose failures are sentences that say what was expected, and where.
 //
-// On-Demand is a cursor: values are taken in the order in which they stand, once each. What the
-// reader has no use for is walked all the same (`pass`), so that a file is either valid as a whole or
-// refused.
+// On-Demand is a cursor: values are taken in the order of the text, once each. What the reader has no use for
+// is walked all the same (`pass`), so that a file is either valid as a whole or refused.
 #pragma once
 
 #include <simdjson.h>
@@ -41,7 +40,7 @@ class JsonReading {
 
   /// Back to the start, for another pass over the root's fields.
   simdjson::ondemand::object root();
-  /// To be called when the root object has been read: nothing may stand behind it.
+  /// To be called when the root object has been read: nothing may follow it.
   void expectEnd();
 
   double number(Value& value, const JsonPlace& place) {
@@ -105,10 +104,10 @@ class JsonReading {
   /// The number of bytes from one place of the text to its end.
   std::size_t bytesFrom(const char* place) const { return static_cast<std::size_t>(end() - place); }
 
-  /// The file is JSON, but not what it should be.
+  /// The file is JSON, but not what is expected.
   [[noreturn]] static void fail(const JsonPlace& place, std::string_view what);
   [[noreturn]] static void failMissing(const JsonPlace& place, std::string_view key);
-  /// The file is not JSON from where the cursor stands.
+  /// The file is not JSON from the cursor on.
   [[noreturn]] void failHere();
 
  private:

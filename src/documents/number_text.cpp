@@ -20,7 +20,7 @@ constexpr double kHalfUnit = 0x1p-24;     // of the last place, as a part of the
 
 // Writes `digits` with a point before the last `decimals` of them, and a zero before the point if need be.
 char* putFixed(char* at, std::uint64_t digits, std::size_t decimals) {
-  char* const first = at + 1;  // leaves room to move the whole part past the point
+  char* const first = at + 1;  // leaves space to move the whole part past the point
   char* const end = std::to_chars(first, at + kLongestNumberText, digits).ptr;
   const auto count = static_cast<std::size_t>(end - first);
   if (count > decimals) {
@@ -29,7 +29,7 @@ char* putFixed(char* at, std::uint64_t digits, std::size_t decimals) {
     *point = '.';
     return end;
   }
-  // Less than one: what is missing are zeros behind the point.
+  // Less than one: what is missing are zeros after the point.
   const std::size_t zeros = decimals - count;
   std::copy_backward(first, end, end + 1 + zeros);
   *at++ = '0';

@@ -3,7 +3,7 @@
 
 namespace ostrelon {
 
-/// Room that a number may take, in characters.
+/// The longest text of a number, in characters.
 inline constexpr int kLongestNumberText = 32;
 
 /// Writes the shortest text that reads back to the 32-bit value nearest to `wide`, which must be

@@ -1,5 +1,5 @@
-// Two windows of the program, or another program, may work on one document. Before a command of the
-// user writes over a file that somebody else has changed, it asks.
+// Two windows of the program, or another program, may work on one document. Before a command of the user
+// writes over a file that another one has changed, it asks.
 #pragma once
 
 #include <functional>
@@ -10,11 +10,11 @@
 
 namespace ostrelon {
 
-/// Why a file that somebody else has changed is not overwritten.
+/// Why a file that another program has changed is not overwritten.
 std::string changedOnDiskText(const FilePath& url);
 
-/// Calls `answered` once: with nothing when the document's file may be written, at once where nobody
-/// else has changed it, else after the user has agreed; or with the reason why it may not.
+/// Calls `answered` once: with nothing when the document's file may be written, at once where no other
+/// program has changed it, else after the user has agreed; or with the reason why it may not.
 void askBeforeOverwriting(DocumentSession& document,
                           std::function<void(std::optional<std::string> refusal)> answered);
 

@@ -1,4 +1,4 @@
-// A document as a file holds it: the values between the bytes and the view model.
+// A document as a file holds it: the values between its bytes and the open document.
 //
 // Entities are held as lists with shared storage, so that making the value of an open document costs
 // nothing that grows with it, and the undo snapshots of a file share with each other whatever rows

@@ -5,11 +5,11 @@
 //    "e":[["L","8E11…",0,0,120.5,0],["W","03C2…",0,0,96,0,0]],
 //    "undo":[[],[["L","8E11…",0,0,120.5,0]]]}
 //
-// Rows by their tag: "L" line and "W" wall: from x, from y, to x, to y, a wall then the index of its
-// system; "C" circle: centre x, y, radius; "A" arc: centre x, y, radius, start and end angle in
-// radians; "R" rectangle: origin x, y, width, height; "P" polygon: one array of x1, y1, x2, y2, …
-// Keys may stand in any order, unknown keys and further elements of a row are passed over, and of a
-// key that is given twice the last one counts.
+// Rows by their tag: "L" line and "W" wall: from x, from y, to x, to y, a wall then the index of its system;
+// "C" circle: centre x, y, radius; "A" arc: centre x, y, radius, start and end angle in radians; "R"
+// rectangle: origin x, y, width, height; "P" polygon: one array of x1, y1, x2, y2, … Keys may come in any
+// order, unknown keys and further elements of a row are passed over, and of a key that is given twice the
+// last one counts.
 #pragma once
 
 #include <functional>
@@ -21,7 +21,7 @@
 
 namespace ostrelon {
 
-/// A document that cannot be read or written, told in one sentence that says what and where.
+/// A document that cannot be read or written; the text is one sentence that says what is wrong and where.
 class DocumentFormatError : public UserError {
  public:
   using UserError::UserError;

@@ -121,7 +121,7 @@ WallSystemsV2 readWallSystems(JsonReading& reading, Value& value, const JsonPlac
   return {*active, std::move(*items)};
 }
 
-// The wall systems alone, for a file that tells them behind the rows that need them.
+// The wall systems alone, for a file that has them after the rows that need them.
 WallSystemsV2 findWallSystems(JsonReading& reading) {
   WallSystemsV2 found;
   const JsonPlace place;

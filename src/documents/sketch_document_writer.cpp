@@ -46,7 +46,7 @@ bool isWritable(const SketchEntity& entity) {
       entity);
 }
 
-// Writes into room that the caller has made.
+// Writes into storage that the caller has reserved.
 char* put(char* at, std::string_view text) { return std::copy(text.begin(), text.end(), at); }
 
 char* putElement(char* at, double value) {

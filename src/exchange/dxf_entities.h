@@ -20,7 +20,7 @@ struct DxfVertex {
 struct DxfPolyline {
   std::vector<DxfVertex> vertices;
   bool isClosed = false;
-  bool isMirrored = false;  ///< drawn on a plane seen from behind
+  bool isMirrored = false;  ///< drawn on a plane seen from below
 };
 
 /// The groups of one object, after the one that names its kind.

@@ -1,5 +1,5 @@
-// What stands before and after the entities of a DXF file: the header, the tables of layers, line
-// types and styles, the blocks and the objects that each version asks for.
+// What comes before and after the entities of a DXF file: the header, the tables of layers, line types and
+// styles, the blocks and the objects that each version asks for.
 #pragma once
 
 #include "core/entity_bounds.h"

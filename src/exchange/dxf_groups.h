@@ -1,5 +1,5 @@
-// The groups of a DXF text: a line with a code, a line with a value. What is not DXF at all is reported
-// apart here, with the line on which it shows.
+// The groups of a DXF text: a line with a code, a line with a value. What is not DXF at all is reported here,
+// with the number of the offending line.
 #pragma once
 
 #include <cstddef>

@@ -19,7 +19,7 @@ bool isAsciiLetterOrDigit(unsigned char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
 
-// One character as it stands in a layer name. Bytes that are no UTF-8 arrive as a negative number.
+// One character in the form that a layer name takes. Bytes that are no UTF-8 arrive as a negative number.
 std::string written(UChar32 c, DxfVersion version) {
   const bool isAscii = c >= 0 && c < 0x80;
   if (isAscii && isAsciiLetterOrDigit(static_cast<unsigned char>(c))) return {static_cast<char>(c)};

@@ -56,7 +56,7 @@ class Reader {
     while (const auto group = groups_.next()) {
       if (group->is(0, "EOF")) break;
       if (!group->is(0, "SECTION")) {
-        // Comments may stand between the sections.
+        // Comments may come between the sections.
         if (group->code != 999 && !sawSection) throw DxfError("This is not a DXF file.");
         continue;
       }

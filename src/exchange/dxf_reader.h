@@ -9,9 +9,9 @@
 // | other polylines                              | a line for each straight piece, an arc for each |
 // |                                              | bulged one                                      |
 //
-// A polyline that ends where it began counts as closed. Height is dropped; what is mirrored by its
-// extrusion direction is mirrored back. Everything else, and what lies on a paper sheet, is counted
-// by kind and left out. Coordinates are taken as they stand; `DxfDrawing::unit` says what they mean.
+// A polyline that ends where it began counts as closed. Height is dropped; what is mirrored by its extrusion
+// direction is mirrored back. Everything else, and what lies on a paper sheet, is counted by kind and left
+// out. Coordinates are taken unchanged; `DxfDrawing::unit` says what they mean.
 #pragma once
 
 #include <cstddef>

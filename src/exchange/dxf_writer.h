@@ -1,7 +1,7 @@
 // Drawings out as DXF, for other programs of the field. One sketch unit is one unit of the file, a foot.
 //
 //   files.writeFile(path, [&](const FileSystem::Writer& write) {
-//     writeDxf(*model.entities, *model.wallSystemSpecs, DxfVersion::r2000, write);
+//     writeDxf(drawing.entities, drawing.wallSystemSpecs, DxfVersion::r2000, write);
 //   });
 //
 // | entity    | in the file                                                                  |

@@ -1,6 +1,6 @@
-// How a drawing is exported: the kind of file, its size or its sheet and scale, its colours. The
-// options are given by name and text, so that the command line, scripts and dialogs share one reading
-// of them and one set of complaints.
+// How a drawing is exported: the kind of file, its size or its sheet and scale, its colours. The options are
+// given by name and text, so that the command line, scripts and dialogs share one way to read them and one
+// set of error texts.
 #pragma once
 
 #include <filesystem>

@@ -259,8 +259,8 @@ std::optional<DrawingScale> parseDrawingScale(std::string_view text) {
 }
 
 std::string drawingScaleText(DrawingScale scale) {
-  // A part of an inch to the foot, an inch to some feet, or the plain ratio: metric scales are told
-  // by theirs.
+  // A part of an inch to the foot, an inch to some feet, or the plain ratio: metric scales are given by
+  // theirs.
   const double inchesToTheFoot = kInchesPerFoot / scale.ratio;
   const double feetToTheInch = scale.ratio / kInchesPerFoot;
   if (inchesToTheFoot <= 3) {

@@ -33,7 +33,7 @@ inline constexpr double kInchesPerFoot = 12;
 
 // --- Paper
 
-/// A sheet, upright. `width` ≤ `height`, points.
+/// A sheet in portrait orientation. `width` ≤ `height`, points.
 struct PaperSize {
   std::string_view name;
   double width = 0;
@@ -62,7 +62,7 @@ std::span<const DrawingScale> commonScales();
 /// Reads `1:50`, `1/4"`, `1/4" = 1'`, `1 1/2" = 1'-0"`, `1" = 20'`, with "in" for the inch mark and
 /// "ft" for the foot mark as well; absent for anything else. The ratio lies in 0.001 to 1,000,000.
 std::optional<DrawingScale> parseDrawingScale(std::string_view text);
-/// `1/4" = 1'-0"`, `1" = 20'` or `1:50`, whichever tells the scale as one is used to; it reads back.
+/// `1/4" = 1'-0"`, `1" = 20'` or `1:50`, whichever is the usual form of the scale; it reads back.
 std::string drawingScaleText(DrawingScale scale);
 
 // --- Layout
@@ -101,8 +101,8 @@ inline constexpr int kMostPages = 400;
 /// Entities that are not finite are left out.
 std::optional<SketchBox> paintedBounds(const EntityList& entities, std::span<const WallSystemSpec> systems);
 
-/// Lays a drawing out. Of the two orientations, `automatic` takes the one of fewer sheets, or, with no
-/// scale, of the larger drawing. Throws `PageLayoutError` when the margins leave no room, or when it
+/// Lays a drawing out. Of the two orientations, `automatic` takes the one of fewer sheets, or, with no scale,
+/// of the larger drawing. Throws `PageLayoutError` when the margins leave nothing of the sheet, or when it
 /// takes more than `kMostPages`.
 PageLayout layOutPages(const std::optional<SketchBox>& drawing, const PageSetup& setup);
 

@@ -128,7 +128,7 @@ class PdfWriter::File {
   std::set<int> opacities_;
 };
 
-// One page: its content, compressed on the way, and the pen and brush as they stand in it.
+// One page: its content, compressed on the way, and the pen and brush that are in force in it.
 class PdfWriter::Page final : public CanvasPainter {
  public:
   Page(File& file, SketchSize size)

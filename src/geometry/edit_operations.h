@@ -1,5 +1,6 @@
 // The operations that select, edit, trim and copy entities of a sketch. Each checks first: a refused one
-// changes nothing. Each edit is one undo step. Sketch units; entity numbers and positions as told.
+// changes nothing. Each edit is one undo step. Sketch units; whether entity numbers count from 0 or 1 is
+// stated at each.
 #pragma once
 
 #include <cstdint>
@@ -42,7 +43,7 @@ bool assignWallSystem(Sketch& sketch, const UUID& wallSystemID, const UUID& enti
 
 /// The number of entities moved.
 int alignSelection(Sketch& sketch, AlignmentAxis axis);
-/// These say in the console what they have done.
+/// These report in the console what they have done.
 void deleteEntity(Sketch& sketch, Messages& messages, const UUID& id);
 void deleteSelection(Sketch& sketch, Messages& messages);
 void duplicateEntity(Sketch& sketch, Messages& messages, const UUID& id, double dx, double dy);

@@ -17,8 +17,8 @@ namespace ostrelon {
 /// length, and a polygon.
 std::optional<SketchEntity> resizedEntity(const SketchEntity& entity, double value);
 
-/// A line as a wall of this system, or a wall as a line; those that are so already as they stand.
-/// Absent for other kinds.
+/// A line as a wall of this system, or a wall as a line; an entity that is one already stays as it is. Absent
+/// for other kinds.
 std::optional<SketchEntity> convertedEntity(const SketchEntity& entity, EntityConversionTarget target,
                                             const UUID& wallSystemID);
 

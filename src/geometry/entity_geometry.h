@@ -12,7 +12,7 @@
 
 namespace ostrelon {
 
-/// Nearly zero: sketch units, squared sketch units or radians, as the test says.
+/// Nearly zero: sketch units, squared sketch units or radians, depending on the test.
 inline constexpr double kGeometryEpsilon = 1e-6;
 /// A parameter along a segment counts as on it between these two.
 inline constexpr double kGeometryParameterMin = -1e-6;
@@ -36,7 +36,7 @@ std::vector<SketchPoint> arcPoints(const ArcEntity& arc);
 
 /// The edges of a closed polygon, the last one back to the first vertex; none for fewer than 2 vertices.
 std::vector<Segment> polygonEdges(const std::vector<SketchPoint>& vertices);
-/// The vertices with the first one repeated at the end, unless it stands there already.
+/// The vertices with the first one repeated at the end, unless it is there already.
 std::vector<SketchPoint> closedPolygonRing(const std::vector<SketchPoint>& vertices);
 
 // --- Rectangles

@@ -17,8 +17,8 @@ struct EntityPick {
   friend bool operator==(const EntityPick&, const EntityPick&) = default;
 };
 
-/// The entity nearest to the point (sketch units) within the tolerance; of equally near ones that
-/// which stands later in the list, the one drawn last. `scale` is view points per sketch unit.
+/// The entity nearest to the point (sketch units) within the tolerance; of equally near ones the later in the
+/// list, which is drawn last. `scale` is view points per sketch unit.
 std::optional<EntityPick> pickEntityAtPoint(const EntitySource& entities, SketchPoint point, double scale);
 
 }  // namespace ostrelon

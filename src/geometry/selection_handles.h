@@ -1,4 +1,4 @@
-// The grips of a selected entity: where they stand, which one is hit, and what dragging one does.
+// The handles of a selected entity: where they are, which one is hit, and what dragging one does.
 #pragma once
 
 #include <compare>
@@ -9,7 +9,7 @@
 
 namespace ostrelon {
 
-/// A grip of a selected entity. Only `polygonVertex` uses `index`.
+/// A handle of a selected entity. Only `polygonVertex` uses `index`.
 struct SelectionHandle {
   enum class Kind {
     polygonVertex,

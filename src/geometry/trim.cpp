@@ -229,8 +229,8 @@ std::optional<RectangleEntity> rectangleFromCorners(const std::vector<SketchPoin
   if (corners.size() != 4) return std::nullopt;
   const SketchBox box =
       SketchBox::spanning(corners[0], corners[1]).united(SketchBox::spanning(corners[2], corners[3]));
-  // Each corner stands once: a triangle that was cut through a corner has four points of two values
-  // of x and two of y as well.
+  // Each corner occurs once: a triangle that was cut through a corner has four points of two values of x and
+  // two of y as well.
   for (const SketchPoint& corner : box.corners()) {
     if (std::count(corners.begin(), corners.end(), corner) != 1) return std::nullopt;
   }
@@ -253,8 +253,8 @@ std::vector<SketchPoint> clipPolygonByLine(const std::vector<SketchPoint>& verti
     const double determinant = cross(edge, direction);
     if (!(std::fabs(determinant) > kGeometryEpsilon)) return previous;
     const double t = cross(line.first - previous, direction) / determinant;
-    // A coordinate that the line or the edge fixes is taken over without rounding, so that an upright
-    // cut of a rectangle leaves an exact rectangle.
+    // A coordinate that the line or the edge fixes is taken over without rounding, so that a horizontal or
+    // vertical cut of a rectangle leaves an exact rectangle.
     return SketchPoint{direction.x == 0 ? line.first.x : previous.x + edge.x * t,
                        direction.y == 0 ? line.first.y : previous.y + edge.y * t};
   };

@@ -85,7 +85,7 @@ std::pair<double, double> arcContainingPoint(double p, double a, double b);
 /// goes: nothing, the circle again when just a hair went, or an arc with angles from 0 to the full turn.
 TrimOutcome keptArc(const UUID& id, SketchPoint center, double radius, double a, double b, double p);
 
-/// Four corners of an upright rectangle, in any order, as that rectangle; absent for any other points.
+/// Four corners of an axis-aligned rectangle, in any order, as that rectangle; absent for any other points.
 std::optional<RectangleEntity> rectangleFromCorners(const std::vector<SketchPoint>& corners, const UUID& id);
 
 /// The part of a polygon on the side of an infinite line that does not hold `point` (a point on the
@@ -93,7 +93,7 @@ std::optional<RectangleEntity> rectangleFromCorners(const std::vector<SketchPoin
 std::vector<SketchPoint> clipPolygonByLine(const std::vector<SketchPoint>& vertices, const Segment& line,
                                            SketchPoint point);
 
-// --- Trimming one kind of target; `target` must be of that kind. The point lies on what shall go.
+// --- Trimming one kind of target; `target` must be of that kind. The point lies on the part to remove.
 
 TrimGeometry trimSegment(const SketchEntity& target, const SketchEntity& cutter, SketchPoint point);
 TrimGeometry trimCircle(const SketchEntity& target, const SketchEntity& cutter, SketchPoint point);

@@ -1,4 +1,4 @@
-// Building the board, undo and clearing, and putting its values to rest.
+// Building the board, undo and clearing, and the resets of its values.
 #include "interaction/board.h"
 
 #include <utility>

@@ -1,8 +1,8 @@
-// The drawing board over a sketch: the view, the tool, the gesture in progress, snapping, tracking,
-// hovering and the editor of lengths. The operations that a pointer, a key or a typed size come down to
-// stand here; canvas_gestures.h and key_routing.h say which of them an event means.
+// The drawing board over a sketch: the view, the tool, the gesture in progress, snapping, tracking, hovering
+// and the editor of lengths. The operations that a pointer, a key or a typed size comes down to are here;
+// canvas_gestures.h and key_routing.h map events to them.
 //
-// Each value has this object as its one owner. A gesture in progress is one value, so that ending it is
+// This object is the only owner of each value. A gesture in progress is one value, so that ending it is
 // `gesture = {}`, whatever it was. Points are sketch units unless a name says view points; angles are
 // degrees.
 #pragma once
@@ -20,7 +20,7 @@
 
 namespace ostrelon {
 
-/// What the console says of a click of the trim tool.
+/// What the console reports of a click of the trim tool.
 struct TrimClick {
   std::string message;
   bool isError = false;
@@ -91,9 +91,10 @@ class Board {
   BoardState state() const { return {tool, gesture, trimCuttingEdge, draftAxes, lengthEditor, tracking}; }
   /// As it was before a chain that failed. A drag or marquee is not taken up again.
   void setState(const BoardState& state);
-  /// Another document has come, with its own view where it has one. A new one lets a polygon, a drag and
-  /// a marquee stand.
+  /// Another document has been opened, with its own view. Any gesture ends.
   void documentOpened(const SketchViewport& viewport);
+  /// A new, empty document has been begun. A draft of a two-point tool ends; a polygon, a drag and a marquee
+  /// go on.
   void documentBegun();
 
   // --- Resets (board.cpp)
@@ -101,7 +102,7 @@ class Board {
   void clearSnap() { snap = SnapState(); }
   /// Stops a dwell; a lock stays.
   void cancelTrackingDwell();
-  /// Stops a dwell and lets go of the lock.
+  /// Stops a dwell and releases the lock.
   void releaseTracking();
   void closeLengthEditor() { lengthEditor = LengthEditor(); }
   /// Ends the draft of a two-point tool without adding anything.
@@ -113,47 +114,65 @@ class Board {
 
   /// About a view point. A factor that is not above 0, and what would lose the view, does nothing.
   void zoom(double factor, SketchPoint viewAnchor);
+  /// The sizes are those of the canvas, view points.
   void zoomToFit(SketchSize canvas);
   void resetViewport(SketchSize canvas);
-  void pan(double dx, double dy);  ///< view points
-  /// The canvas has this size, view points. The first time the view is centred.
+  /// By view points; what is not finite does nothing.
+  void pan(double dx, double dy);
+  /// The canvas has this size, view points. The view is centred the first time, and after another document
+  /// has come. A size that is not above 0 or not finite does nothing.
   void resizeCanvas(SketchSize size);
   void setViewport(const SketchViewport& viewport);
 
   // --- Selecting (selecting.cpp)
 
+  /// A click: selects the entity there alone, or nothing. With `additive` the entity is added to the
+  /// selection or taken out of it, and a click beside all entities changes nothing.
   void selectAtPoint(SketchPoint point, bool additive);
   void setMarquee(std::optional<SelectMarqueeState> marquee);
   void beginMarquee(SketchPoint pressViewPoint, SketchPoint currentViewPoint);
   void updateMarquee(SketchPoint currentViewPoint);
+  /// Selects what the marquee takes, with `additive` beside what is selected. One that was drawn to the left
+  /// takes all that it touches, else what lies wholly inside.
   void finishMarquee(bool additive);
 
   // --- The select tool's drags (select_drag.cpp)
 
+  /// Starts the drag of a handle of the one selected entity, else of the entity at the press with all of the
+  /// selection that it belongs to; an unselected one is selected first. False when nothing is there.
   bool beginSelectDrag(SketchPoint press);
   void updateSelectDrag(SketchPoint point);
+  /// The drag becomes one undo step, if it has moved anything.
   void finishSelectDrag();
+  /// Puts the dragged entities back, and ends a marquee too.
   void cancelSelectDrag();
 
   // --- The trim tool (trimming.cpp)
 
   /// The first click on an entity chooses the cutting edge, each further one trims.
   TrimClick trimAt(SketchPoint point);
+  /// What the next click does, in words; absent with any other tool.
   std::optional<std::string> trimInstruction() const;
   void clearTrimCuttingEdge();
 
   // --- Snapping (snapping.cpp)
 
+  /// Entity point, then the alignment with the locked point, then the grid while it is shown, then the axis
+  /// lock or whole coordinates: the snap of the end of a draft that starts at `anchor`.
   SketchSnapResult snapDraftEnd(SketchPoint anchor, SketchPoint pointer) const;
   /// Entity point, then grid if asked for, then the point itself: the snap of a pointer with no start.
   SketchSnapResult snapPointer(SketchPoint point, bool useGrid) const;
+  /// Shows the result on the canvas, with guides through `guideAnchor`.
   void publishSnap(const SketchSnapResult& result, std::optional<SketchPoint> guideAnchor = std::nullopt);
 
   // --- Tracking (tracking.cpp)
 
+  /// The pointer is here now: starts, advances or stops a dwell. A tool that cannot lock a point releases
+  /// tracking altogether.
   void tickTracking(SketchPoint pointer, Date now);
   void startTrackingDwell(const EntitySnapTarget& target, Date now);
   void advanceTrackingDwell(Date now);
+  /// Looks at the clock again soon, so that a dwell goes on while the pointer rests.
   void scheduleTrackingDwell();
   void lockTrackingTarget(const EntitySnapTarget& target);
   std::string trackingHoldText(const EntitySnapTarget& target) const;
@@ -172,26 +191,37 @@ class Board {
   void commitTypedDraft();
   void addPolygonVertex(SketchPoint point);
   void updatePolygonDraft(SketchPoint point);
+  /// Adds the polygon in progress. False, with nothing changed, when it has fewer than 3 vertices.
   bool closePolygon();
   void activateTool(SketchTool tool);
   void activateSelectTool();
   /// As a command does it, which disturbs less: `line` and `poly` keep the selection and the cutting
   /// edge, `trim` keeps a draft.
   void activateToolFromConsole(SketchTool tool);
+  /// Ends the innermost thing in progress: the length editor, a dwell, a lock, a drag, a marquee, a draft
+  /// with its tool, the selection.
   void handleEscape();
+  /// The measures of the draft in progress, as its badge shows them; absent without one.
   std::optional<std::string> draftMeasurementText() const;
 
   // --- Hovering (hover.cpp); view points, absent when the pointer has left the canvas
 
-  void hoverMoved(std::optional<SketchPoint> viewPoint);
+  /// Sets `cursor` alone.
   void recordPointer(std::optional<SketchPoint> viewPoint);
+  /// Sets `cursor`, and shows what a press there would take.
+  void hoverMoved(std::optional<SketchPoint> viewPoint);
 
   // --- The length editor (length_editing.cpp)
 
+  /// The length of the segment being drawn or selected, in feet and inches; absent without one.
   std::optional<std::string> currentLengthText() const;
+  /// Opens the editor with this text, else with the current length.
   void beginLengthEdit(std::optional<std::string> text = std::nullopt);
   void setLengthEditText(std::string text);
+  /// Applies the text and closes the editor. False, with the error in the editor, for a text that is no
+  /// length above 0 and where there is no segment.
   bool commitLengthEdit();
+  /// Gives the segment being drawn, dragged or selected this length, above 0. False where there is none.
   bool applyLength(double value);
 
  private:
@@ -216,7 +246,7 @@ class Board {
   void publishDraftSnap(const SketchSnapResult& result, SketchPoint anchor);
   void publishTrackedTarget(const EntitySnapTarget& target, std::string feedback);
   void showFeedback(std::optional<std::string> feedback);
-  /// One look of the dwell task at the clock.
+  /// Advances the dwell to the scheduler's present time.
   void pollTrackingDwell();
   /// What hovering shows for a tool whose first point is not placed yet: entity points alone.
   void showEntityPointFeedback(SketchPoint point);

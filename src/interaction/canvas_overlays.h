@@ -1,5 +1,5 @@
-// The layers over and between grid and entities, one function each; `canvas_renderer.h` gives their
-// order. Each paints what the model's state asks for, and nothing otherwise.
+// The layers over and between grid and entities, one function each; `canvas_renderer.h` gives their order.
+// Each paints what the board's state asks for, and nothing otherwise.
 #pragma once
 
 #include <span>
@@ -21,7 +21,7 @@ void paintMarquee(CanvasPainter& painter, const Board& board, const CanvasFrame&
 void paintTrim(CanvasPainter& painter, const Board& board, const CanvasFrame& frame);
 /// What the gesture in progress would add, and the polygon that is growing.
 void paintDrafts(CanvasPainter& painter, const Board& board, const CanvasFrame& frame);
-/// The length pill of a segment; while its length is edited the editor stands in its place.
+/// The length pill of a segment; while its length is edited the editor takes its place.
 void paintSegmentLabel(CanvasPainter& painter, const Board& board, const CanvasFrame& frame);
 /// The points of the last snap.
 void paintMarkers(CanvasPainter& painter, const Board& board, const CanvasFrame& frame);

@@ -2,7 +2,7 @@
 // paints the lower layers into pictures that it keeps and the upper ones live; the picture files and
 // the tests paint the same layers. Nothing here changes the state that it reads.
 //
-//   CanvasFrame frame{{*model.viewport, *model.canvasSize}, lightPalette()};
+//   CanvasFrame frame{{board.viewport(), board.view->canvasSize}, lightPalette()};
 //   paintCanvas(painter, board, frame);
 #pragma once
 
@@ -41,15 +41,15 @@ inline constexpr std::array kAllCanvasLayers{
 
 /// Fills the painted part with the background.
 void paintBackground(CanvasPainter& painter, const CanvasFrame& frame);
-/// One layer, as the state of the model asks for it; nothing where it asks for none.
+/// One layer, as the board's state asks for it; nothing where it asks for none.
 void paintLayer(CanvasPainter& painter, CanvasLayer layer, const Board& board, const CanvasFrame& frame);
 /// The background and all layers.
 void paintCanvas(CanvasPainter& painter, const Board& board, const CanvasFrame& frame);
 
 // --- The two layers that a picture of the drawing consists of
 
-/// Minor lines, major lines and axes, whatever the setting that shows them. A view so far out that
-/// lines can no longer be told apart has none.
+/// Minor lines, major lines and axes, whatever the setting that shows them. A view so far out that lines can
+/// no longer be distinguished has none.
 void paintGrid(CanvasPainter& painter, const CanvasFrame& frame);
 
 /// Paints entities one by one, in the order of the calls, so that a caller can stop in between.

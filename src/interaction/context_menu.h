@@ -17,7 +17,7 @@ struct ContextMenuItem;
 
 /// What choosing an item does.
 enum class ContextMenuCommand { inspect, duplicateSelection, deleteSelection };
-/// Gives this wall system to every selected wall, and says so in the console.
+/// Gives this wall system to every selected wall, and reports it in the console.
 struct AssignWallSystemChoice {
   UUID wallSystemID;
   friend bool operator==(const AssignWallSystemChoice&, const AssignWallSystemChoice&) = default;

@@ -185,7 +185,7 @@ void Board::endSelectGestures() {
 }
 
 // Typed commands disturb less than the tool buttons. The trim tool starts with nothing selected, since its
-// selection is the cutting edge; chosen again it only lets go of the edge.
+// selection is the cutting edge; chosen again it only drops the edge.
 void Board::activateToolFromConsole(SketchTool chosen) {
   if (chosen == SketchTool::select) {
     activateSelectTool();

@@ -25,7 +25,7 @@ std::optional<SketchEntity> draftedEntity(SketchTool tool, const SketchDraft& dr
 /// True when a draft is large enough for the tool to make an entity of it.
 bool isDraftLargeEnough(SketchTool tool, const SketchDraft& draft);
 
-/// The point that the badges of the snap and of the measures stand beside: the snapped point, which lies
+/// The point beside which the badges of the snap and of the measures are shown: the snapped point, which lies
 /// near the pointer; under a lock, which marks a point far away, the pointer itself. Sketch units.
 std::optional<SketchPoint> pointerBadgePoint(const Board& board);
 

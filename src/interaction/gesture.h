@@ -1,5 +1,5 @@
-// What the board has in progress: one gesture at a time, and the values that go with it. Each is put to
-// rest by assigning its default.
+// What the board has in progress: one gesture at a time, and the values that go with it. Each is reset by
+// assigning its default.
 #pragma once
 
 #include <optional>
@@ -43,7 +43,7 @@ struct SnapState {
 struct Tracking {
   std::optional<EntitySnapTarget> locked;
   std::optional<EntitySnapTarget> pending;
-  double progress = 0;  ///< of the dwell on `pending`, 0 to 1
+  double progress = 0;  ///< of the dwell on `pending`, 0 to 1; 1 once it has locked
   std::optional<Date> dwellStart;
   friend bool operator==(const Tracking&, const Tracking&) = default;
 };
@@ -68,7 +68,7 @@ struct LengthEditor {
 struct BoardView {
   SketchViewport viewport;
   SketchSize canvasSize;       ///< view points
-  bool isInitialized = false;  ///< the view has been laid out for the document
+  bool isInitialized = false;  ///< else the next size of the canvas centres the view
   friend bool operator==(const BoardView&, const BoardView&) = default;
 };
 

@@ -12,7 +12,7 @@
 // command line edits the text and Return runs the command. The console field claims nothing while it
 // is empty, so that the keys work right after a command.
 //
-// The table below is the whole truth: `handleKey` walks it, and a page of keyboard help prints it.
+// The table below is complete: `handleKey` walks it, and the page of keyboard help prints it.
 #pragma once
 
 #include <optional>

@@ -50,7 +50,7 @@ bool Board::commitLengthEdit() {
     refuse("Enter a valid feet/inches length.");
     return false;
   }
-  // The text with which the editor opens is rounded to the inch: as it stands it asks for nothing.
+  // The text with which the editor opens is rounded to the inch: unchanged it asks for nothing.
   const bool isAsOffered = lengthEditor->isTextOffered && currentLengthText();
   if (!isAsOffered && !applyLength(*value)) {
     refuse("Length edit is only available for line and wall segments.");

@@ -240,7 +240,7 @@ void rasterCircle(const PixelBuffer& buffer, SketchPoint center, double radius, 
     const IntRange left =
         pixelsBetween(center.x - outerX, center.x - innerX, buffer.clipMinX, buffer.clipMaxX);
     IntRange right = pixelsBetween(center.x + innerX, center.x + outerX, buffer.clipMinX, buffer.clipMaxX);
-    // Near the top and the bottom the two sides meet; no pixel is laid twice.
+    // Near the top and the bottom the two sides meet; no pixel is painted twice.
     right.begin = std::max(right.begin, left.end);
     cover(left);
     cover(right);

@@ -42,8 +42,8 @@ void rasterDot(const PixelBuffer& buffer, SketchPoint center, double width, Pixe
 void rasterRoundLine(const PixelBuffer& buffer, const CanvasSegment& line, double width, PixelColor color);
 /// A line with ends cut off square; without length nothing.
 void rasterButtLine(const PixelBuffer& buffer, const CanvasSegment& line, double width, PixelColor color);
-/// Upright lines at these columns and level ones at these rows, all across the clip. Where they cross
-/// nothing is laid twice.
+/// Vertical lines at these columns and horizontal ones at these rows, all across the clip. Where they cross
+/// nothing is painted twice.
 void rasterLattice(const PixelBuffer& buffer, std::span<const double> columns, std::span<const double> rows,
                    double width, PixelColor color);
 /// The outline of a circle.

@@ -23,9 +23,9 @@ struct SegmentLabel {
   SketchBox pill;  ///< view points
 };
 
-/// The label of the segment that is being drawn or is selected alone; absent when there is none, or
-/// it has no length. The pill stands off the middle of the segment, along the normal that points up
-/// the screen, to the right for a segment that is vertical on the screen.
+/// The label of the segment that is being drawn or is selected alone; absent when there is none, or it has no
+/// length. The pill keeps a distance from the middle of the segment, along the normal that points up the
+/// screen, to the right for a segment that is vertical on the screen.
 std::optional<SegmentLabel> segmentLabel(const Board& board, const SketchViewport& viewport);
 
 }  // namespace ostrelon

@@ -135,9 +135,9 @@ Board::GroupMove& Board::groupMove(const MultiBodyDrag& drag) {
   return *groupMove_;
 }
 
-// A group does not use the grid: its members stand on many lines at once. Where the pointer snaps to is
-// asked of the index as it is: as long as nobody else has written, it is right about all but the members,
-// which do not count.
+// A group does not use the grid: its members are on many lines at once. The snap of the pointer comes from
+// the index as it is: while nothing but this drag has written, it is right about all but the members, which
+// do not count.
 void Board::updateGroupDrag(const MultiBodyDrag& drag, SketchPoint point) {
   const auto lead = drag.anchors.find(drag.leadEntityID);
   if (lead == drag.anchors.end()) return;

@@ -1,5 +1,5 @@
-// Snapping: turns a raw pointer position into the point that a tool uses, and says why. Pure
-// functions over the entity list, the viewport and a few flags; nothing here holds state.
+// Snapping: turns a raw pointer position into the point that a tool uses, and reports why. Pure functions
+// over the entity list, the viewport and a few flags; nothing here holds state.
 //
 // Three decisions shape everything. Pixels decide what is near: each radius is 8 view points, divided
 // by the viewport's scale, so that snapping feels the same at every zoom. The order of preference is
@@ -51,14 +51,14 @@ using EntityIDs = std::unordered_set<UUID>;
 std::vector<EntitySnapTarget> entitySnapTargets(const SketchEntity& entity, const std::string& entityName,
                                                 std::optional<SketchPoint> fromPoint = std::nullopt);
 
-/// The nearest snap point within the snap radius, of all entities but the excluded ones. Every kind
-/// competes on distance alone; of equally near points the first in list order stands.
+/// The nearest snap point within the snap radius, of all entities but the excluded ones. Every kind competes
+/// on distance alone; of equally near points the first in list order wins.
 std::optional<EntitySnapTarget> nearestEntityTarget(EntitySource entities, const EntityIDs& excluded,
                                                     SketchPoint point, double scale,
                                                     std::optional<SketchPoint> fromPoint = std::nullopt);
 
-/// The nearest snap point if tracking may lock it, that is, if it is an endpoint or a midpoint. A
-/// nearer point of another kind hides those behind it.
+/// The nearest snap point if tracking may lock it, that is, if it is an endpoint or a midpoint. A nearer
+/// point of another kind hides those farther away.
 std::optional<EntitySnapTarget> nearestAcquirableTarget(EntitySource entities, const EntityIDs& excluded,
                                                         SketchPoint point, double scale);
 

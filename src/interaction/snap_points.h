@@ -1,5 +1,5 @@
-// The snap points of one entity, told to a visitor one by one. Nothing is allocated, so that a search
-// may walk every point of a drawing at each move of the pointer.
+// The snap points of one entity, handed to a visitor one by one. Nothing is allocated, so that a search may
+// walk every point of a drawing at each move of the pointer.
 #pragma once
 
 #include <cmath>
@@ -36,7 +36,7 @@ void forEachSnapPoint(const SketchEntity& entity, std::optional<SketchPoint> fro
                    visit(SketchPoint{x, y - r}, EntitySnapKind::quadrant);
                    if (!fromPoint || !(r > 0)) return;
                    // The touching points lie on the polar line of the point: its foot is at r²/q of the way
-                   // out, and they stand off it at right angles by r·sqrt(q - r²)/q of the distance.
+                   // out, and they lie off it at right angles by r·sqrt(q - r²)/q of the distance.
                    const SketchPoint d = *fromPoint - circle.center;
                    const double q = squaredLength(d);
                    if (!(r * r < q)) return;

@@ -3,7 +3,7 @@
 // locks, and the end of the draft is offered in line with it. Moving away never releases a lock; the
 // end of the draft does, and so do a change of tool and Escape.
 //
-// The members of the view model that run the dwell stand in tracking.cpp.
+// The members of `Board` that run the dwell are in tracking.cpp.
 #pragma once
 
 #include <string>

@@ -80,13 +80,13 @@ FilePath followLinks(FilePath path) {
   throw systemError(ELOOP, FileAttempt::writing, path);
 }
 
-// A new name lasts only once its folder has reached the disk too. Gives an `errno`, or 0.
+// Calls fsync on a folder: a new name survives a power loss only after that. Gives an `errno`, or 0.
 int makeNamesLast(const FileSystemCalls& calls, const FilePath& folder) {
   const int file = calls.open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0);
-  // A folder that may be written but not read cannot be made to last.
+  // A folder that may be written but not read cannot be opened for fsync.
   if (file < 0) return errno == EACCES ? 0 : errno;
   const OpenFile open(file);
-  // Some file systems know no such thing for folders and say so by EINVAL.
+  // Some file systems have no fsync for folders and report EINVAL.
   return calls.fsync(file) != 0 && errno != EINVAL ? errno : 0;
 }
 
@@ -176,7 +176,7 @@ class DiskFileLock final : public FileLock {
   explicit DiskFileLock(int file) : file_(file) {}
 
  private:
-  OpenFile file_;  // closing it lets the lock go
+  OpenFile file_;  // closing it releases the lock
 };
 
 }  // namespace
@@ -215,7 +215,7 @@ std::string DiskFileSystem::readFile(const FilePath& path) {
   std::size_t filled = 0;
   while (true) {
     // The size is a hint: the file may grow or shrink meanwhile, and some report none. A piece at a time
-    // stays in the processor's cache between being made room for and being filled.
+    // stays in the processor's cache between being allocated and being filled.
     const std::size_t wanted =
         filled < expected ? std::min(expected, filled + kReadAtOnce) : filled + kReadAtOnce;
     bytes.resize(wanted);
@@ -321,7 +321,7 @@ void DiskFileSystem::createFolders(const FilePath& folder) {
   for (auto path = missing.rbegin(); path != missing.rend(); ++path) {
     if (calls_.mkdir(path->c_str(), 0777) != 0) {
       if (errno != EEXIST) throw systemError(errno, FileAttempt::makingFolder, folder);
-      continue;  // another copy of the program was quicker
+      continue;  // another copy of the program was faster
     }
     const int error = makeNamesLast(calls_, path->parent_path());
     if (error != 0) throw systemError(error, FileAttempt::makingFolder, folder);

@@ -1,6 +1,6 @@
-// Files on the disk of a POSIX system. A write goes into a temporary file beside its target, reaches
-// the disk, and takes the target's place in one step, so that a crash at any moment leaves the old
-// file or the new one. Errors are sentences that name the file.
+// Files of a POSIX system. A write goes into a temporary file beside its target, which is brought to disk by
+// fsync and takes the target's place in one step, so that a crash at any moment leaves the old file or the
+// new one. Errors are sentences that name the file.
 #pragma once
 
 #include <sys/types.h>

@@ -42,8 +42,8 @@ struct FileInfo {
   friend bool operator==(const FileInfo&, const FileInfo&) = default;
 };
 
-/// A new content of a file that lies beside its target, whole and on the disk, but not yet in its
-/// place. Dropping it leaves the target as it was.
+/// A new content of a file in a temporary file beside its target, complete and synchronized by fsync, but not
+/// yet in its place. Dropping it leaves the target as it was.
 class PendingFile {
  public:
   PendingFile() = default;
@@ -53,13 +53,13 @@ class PendingFile {
 
   /// What the system will report of the target once this has taken its place.
   virtual FileInfo info() const = 0;
-  /// Moves the content over the target, at once and for good. Called at most once. What the target has
+  /// Moves the content over the target, in one step that lasts. Called at most once. What the target has
   /// become since this was prepared is not replaced: throws `NameTakenError` where nothing was there and
-  /// something is now, and `FileError` where somebody else has written the file.
+  /// something is now, and `FileError` where another program has written the file.
   virtual void commit() = 0;
 };
 
-/// Held while one of several running copies of the program works on the files of a folder; let go when
+/// Held while one of several running copies of the program works on the files of a folder; released when
 /// destroyed.
 class FileLock {
  public:
@@ -84,9 +84,9 @@ class FileSystem {
 
   /// The whole content of a regular file.
   virtual std::string readFile(const FilePath& path) = 0;
-  /// Writes what `produce` hands out into a temporary file beside the target and makes it last.
-  /// Permissions of an old file are kept; a symbolic link is followed to its target. Missing folders
-  /// are not made. If `produce` throws, nothing is left behind and the exception passes on.
+  /// Writes what `produce` hands out into a temporary file beside the target, and calls fsync. Permissions of
+  /// an old file are kept; a symbolic link is followed to its target. Missing folders are not made. If
+  /// `produce` throws, the temporary file is removed and the exception passes on.
   virtual std::unique_ptr<PendingFile> prepareFile(const FilePath& path, const Producer& produce) = 0;
   /// Absent when nothing is there or it cannot be looked at. Links are followed.
   virtual std::optional<FileInfo> info(const FilePath& path) = 0;

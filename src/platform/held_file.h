@@ -21,9 +21,9 @@ namespace ostrelon {
 
 class HeldFile {
  public:
-  /// Makes an empty file that only the user may read, in a fresh folder that only the user may enter
-  /// (mode 0700) below `temporaryFolder`, which is made if needed. `name` is a plain file name.
-  /// Folders that earlier calls left behind are removed, unless a living HeldFile still uses them.
+  /// Makes an empty file that only the user may read, in a fresh folder that only the user may enter (mode
+  /// 0700) below `temporaryFolder`, which is made if needed. `name` is a plain file name. Folders that
+  /// earlier calls have left are removed, unless a living HeldFile still uses them.
   static HeldFile createPrivate(const FilePath& temporaryFolder, const std::string& name);
   /// Opens a regular file for reading alone.
   static HeldFile open(const FilePath& path);
@@ -32,7 +32,7 @@ class HeldFile {
   HeldFile& operator=(HeldFile&& other) noexcept;
   HeldFile(const HeldFile&) = delete;
   HeldFile& operator=(const HeldFile&) = delete;
-  /// Lets go of the file. One that was created and not sealed is removed, and its folder with it.
+  /// Closes the file. One that was created and not sealed is removed, and its folder with it.
   ~HeldFile();
 
   const FilePath& path() const { return path_; }

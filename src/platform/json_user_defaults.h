@@ -29,7 +29,7 @@ class JsonUserDefaults final : public UserDefaults {
   void remove(std::string_view key) override;
   void change(const std::vector<DefaultsChange>& changes) override;
 
-  /// What is to be reported to the user of the file since the last call, in whole sentences.
+  /// What there is to report to the user about the file since the last call, in whole sentences.
   std::vector<std::string> takeNotes();
   /// Calls back whenever there is something new to take.
   void whenNoted(std::function<void()> noted) { noted_ = std::move(noted); }

@@ -1,5 +1,5 @@
-// A NUL ends JSON for the reader that most of the program uses: what stands behind it would go unread and
-// unchecked. No valid JSON holds one, so that whoever reads a text from outside looks for it first.
+// A NUL ends JSON for the reader that most of the program uses: what follows it would go unread and
+// unchecked. No valid JSON holds one, so every reader of a text from outside looks for it first.
 #pragma once
 
 #include <optional>

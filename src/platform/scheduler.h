@@ -62,7 +62,7 @@ class Scheduler {
   void soon(std::function<void()> work) { after(Seconds(0), std::move(work)).detach(); }
 };
 
-/// A clock that moves only when told to. Work falls due in order of time, then of scheduling.
+/// A clock that moves by `advance` alone. Work falls due in order of time, then of scheduling.
 class VirtualScheduler final : public Scheduler {
  public:
   explicit VirtualScheduler(Date start = {}) : now_(start) {}

@@ -1,4 +1,4 @@
-// What the system's error numbers mean for a person, said of the file in question.
+// What the system's error numbers mean, in sentences that name the file.
 #pragma once
 
 #include <string>

@@ -6,7 +6,7 @@
 namespace ostrelon {
 namespace {
 
-// Where the hyphens of the 36-character form stand.
+// The positions of the hyphens in the 36-character form.
 constexpr bool isHyphenPosition(std::size_t position) {
   return position == 8 || position == 13 || position == 18 || position == 23;
 }

@@ -139,7 +139,7 @@ class PlainAccessible final : public QAccessibleWidget {
   QAccessible::Role role() const override { return roleOf(*widget()); }
 };
 
-// Qt asks for each class of an object, the last one first, until somebody answers.
+// Qt asks for each class of an object, the last one first, until one answers.
 QAccessibleInterface* makeAccessible(const QString& className, QObject* object) {
   // The lists have no meta-object of their own, so Qt asks for them under their base's name.
   if (className == QStringLiteral("QAbstractItemView")) {

@@ -11,8 +11,8 @@ namespace ostrelon {
 /// Makes the widgets known to Qt's accessibility. Calling it again changes nothing.
 void installAccessibility();
 
-/// Tells what a plain widget is. Without that a window is a window or a dialog, and what has an
-/// accessible name is a group of controls.
+/// Declares what a plain widget is. Without that a window is a window or a dialog, and what has an accessible
+/// name is a group of controls.
 void setAccessibleRole(QWidget& widget, QAccessible::Role role);
 
 }  // namespace ostrelon

@@ -15,7 +15,7 @@ namespace ostrelon {
 namespace {
 
 constexpr int kMostRedirections = 10;
-// Qt reads ahead no further than this, so that a fast server waits for the disk.
+// Qt reads ahead no further than this, so that a fast server waits until the data are written.
 constexpr qint64 kReadAhead = qint64{4} * 1024 * 1024;
 
 class SystemProxyFactory final : public QNetworkProxyFactory {
@@ -69,7 +69,7 @@ class Transfer final : public QObject {
   }
 
   void readPieces() {
-    if (hasEnded_) return;  // ending aborts the reply, which tells of its end once more
+    if (hasEnded_) return;  // ending aborts the reply, which reports its end once more
     silence_.start();
     if (!isSuccessful()) return;  // the body of a refusal is of no use
     try {
@@ -188,7 +188,7 @@ void AppUpdateNetworkClient::downloadInstaller(const std::string& url, ProgressH
       if (failure) std::rethrow_exception(failure);
       return installer->writerFor(expectedSize).finish();
     });
-    installer->writer.reset();  // what is unfinished is removed before the failure is told
+    installer->writer.reset();  // what is unfinished is removed before the failure is reported
     completion(std::move(outcome));
   };
   new Transfer(get(url), &transfers_, limits_.silence, limits_.installerTime, take, ended);

@@ -21,7 +21,7 @@ struct BadgePart {
   Ink iconInk = Ink::secondary;
   TextStyle style = TextStyle::badge;
   bool hasLineBefore = false;  ///< a hairline sets it off from the part before
-  bool elides = false;         ///< gives way before the others when there is no room for all
+  bool elides = false;         ///< gives way before the others when not all of them fit
   friend bool operator==(const BadgePart&, const BadgePart&) = default;
 };
 

@@ -27,7 +27,7 @@ constexpr int kToastWidest = 480;
 constexpr int kToastRaisedBelow = 720;
 constexpr int kToastRaise = 60;
 
-// Everything that the badges tell.
+// Everything that the badges show.
 FieldMask shownFields(const Workspace& workspace) {
   const Board& board = workspace.board;
   return fieldsOf(workspace.sketch.drawing, workspace.sketch.selection, workspace.messages.toast, board.view,
@@ -311,7 +311,7 @@ CanvasOverlay::CanvasOverlay(Application& application, Theme& theme, QWidget& ca
   lengthEditor_->setFixedHeight(24);
   lengthEditor_->setAlignment(Qt::AlignCenter);
   lengthEditor_->installEventFilter(this);
-  // The cluster stands at the foot.
+  // The cluster is at the bottom.
   QWidget::setTabOrder(alignVertical_, lengthLabel_);
   QWidget::setTabOrder(lengthLabel_, lengthEditor_);
   connect(lengthEditor_, &QLineEdit::textEdited, this,
@@ -460,7 +460,7 @@ void CanvasOverlay::place() {
   status_->setGeometry(kEdge, kEdge, std::min(status_->sizeHint().width(), std::max(80, width - 2 * kEdge)),
                        28);
 
-  // The instruction stands in the middle of the top edge, one row down where the status is in the way.
+  // The instruction is in the middle of the top edge, one row down where the status is in the way.
   int middleTop = kEdge;
   const auto rowFor = [&](int wanted) {
     const int left = (width - wanted) / 2;
@@ -482,8 +482,8 @@ void CanvasOverlay::place() {
   const QSize cluster = viewport_->sizeHint();
   const int clusterWidth = cluster.width();
   viewport_->setGeometry(width - kEdge - clusterWidth, height - kEdge - 32, clusterWidth, 32);
-  // The toast stands in one row with the coordinates and the viewport controls where it reaches
-  // neither, and above them everywhere else.
+  // The toast is in one row with the coordinates and the viewport controls where it reaches neither, and
+  // above them everywhere else.
   const int toastReach = (toast_->wantedWidth(width) + 1) / 2 + kStackGap;
   const bool isClear = coordinates_->geometry().right() < width / 2 - toastReach &&
                        viewport_->geometry().left() > width / 2 + toastReach;

@@ -1,5 +1,5 @@
-// What lies over the canvas: badges that tell the state, the controls of the view, the align bar, the
-// length label with its editor, and the toast.
+// What lies over the canvas: badges that show the state, the controls of the view, the align bar, the length
+// label with its editor, and the toast.
 #pragma once
 
 #include <QVariantAnimation>

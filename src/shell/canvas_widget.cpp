@@ -26,7 +26,7 @@ constexpr std::chrono::milliseconds kSlice{3};
 /// So many entities, dragged or selected, are painted live; more are kept in a picture.
 constexpr std::size_t kMostLiveEntities = 32;
 
-/// What the wheel tells for one notch, eighths of a degree.
+/// What the wheel reports for one notch, eighths of a degree.
 constexpr double kWheelNotch = 120;
 /// How far one notch scrolls, view points.
 constexpr double kScrollStep = 60;
@@ -166,7 +166,7 @@ void CanvasWidget::mousePressEvent(QMouseEvent* event) {
 }
 
 void CanvasWidget::mouseDoubleClickEvent(QMouseEvent* event) {
-  // It stands for the second press; the double click is told behind the second release.
+  // It takes the place of the second press; the double click is reported after the second release.
   mousePressEvent(event);
   isDoubleClick_ = event->button() == Qt::LeftButton;
 }

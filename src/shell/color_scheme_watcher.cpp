@@ -38,7 +38,7 @@ ColorSchemeWatcher::ColorSchemeWatcher(std::function<void(ColorScheme)> changed,
                                                                                        : ColorScheme::light) {
   changed_(fallback_);
   if (!bus.isConnected()) return;
-  // The connection below looks the type up by its name, which nothing before has made known.
+  // The connection below looks the type up by its name, which nothing has registered before.
   qRegisterMetaType<QDBusVariant>("QDBusVariant");
   bus.connect(kService, kPath, kInterface, QStringLiteral("SettingChanged"), this,
               SLOT(settingChanged(QString, QString, QDBusVariant)));

@@ -15,9 +15,9 @@ class ColorSchemeWatcher final : public QObject {
   Q_OBJECT
 
  public:
-  /// `changed` is called with what the desktop says now and each time it changes. Where there is no
-  /// portal, the lightness of the palette that Qt came up with decides; it is looked at before the
-  /// program dresses in its own colours.
+  /// `changed` is called with what the desktop says now and each time it changes. Where there is no portal,
+  /// the lightness of the palette that Qt came up with decides; it is read before the program sets its own
+  /// colours.
   explicit ColorSchemeWatcher(std::function<void(ColorScheme)> changed,
                               QDBusConnection bus = QDBusConnection::sessionBus(), QObject* parent = nullptr);
 

@@ -15,7 +15,7 @@ inline constexpr double kConsoleDefaultHeight = 180;
 inline constexpr double kConsoleMinimumHeight = 120;
 inline constexpr double kConsoleMaximumHeight = 560;
 
-/// The strip with the grip. Drags are told as distances upward, px.
+/// The strip with the grip. Drags are reported as distances upward, px.
 class ConsoleResizeHandle final : public QWidget {
   Q_OBJECT
 
@@ -65,7 +65,7 @@ class TranscriptView final : public RowsView {
   ConsoleTranscriptModel& model_;
   int characterWidth_;
   mutable int measuredColumns_ = 0;
-  mutable std::vector<int> bottoms_;  // where each row ends, the gap behind it included
+  mutable std::vector<int> bottoms_;  // where each row ends, the gap after it included
 };
 
 class ConsoleView final : public Panel {

@@ -1,5 +1,5 @@
-// The console's lines as list rows. Lines are only ever appended; the model counts what it has told
-// and reads the texts where they are.
+// The console's lines as list rows. Lines are only ever appended; the model counts what it has reported and
+// reads the texts where they are.
 #pragma once
 
 #include <QAbstractListModel>
@@ -21,7 +21,7 @@ class ConsoleTranscriptModel final : public QAbstractListModel {
   const ConsoleLine& line(int row) const { return messages_.lines.get()[static_cast<std::size_t>(row)]; }
   LineKind kind(int row) const;
 
-  /// Tells the lines that have come since. True when there were any.
+  /// Reports the lines that have come since the last call. True when there were any.
   bool update();
 
  private:

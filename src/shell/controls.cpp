@@ -19,7 +19,7 @@ namespace ostrelon {
 
 QString elided(const QString& text, const QFont& font, Qt::TextElideMode mode, int width) {
   const QFontMetrics metrics(font);
-  // Widths are rounded one by one, so that a text may seem to miss its room by a pixel.
+  // Widths are rounded one by one, so that a text may seem too wide by a pixel.
   return metrics.horizontalAdvance(text) <= width + 1 ? text
                                                       : metrics.elidedText(text, mode, std::max(0, width));
 }
@@ -107,7 +107,7 @@ void TextLabel::paintEvent(QPaintEvent* event) {
     painter.drawText(contentsRect(), static_cast<int>(alignment()) | Qt::TextSingleLine, shown);
     return;
   }
-  // Qt sets lines as tight as the font allows; ours have the height of the type scale.
+  // Qt sets lines as tight as the font allows; here they have the height of the type scale.
   QPainter painter(this);
   painter.setPen(palette().color(QPalette::WindowText));
   const bool isCentred = alignment().testFlag(Qt::AlignHCenter);
@@ -236,7 +236,7 @@ void Button::paintEvent(QPaintEvent* /*event*/) {
   }
   if (fill.isValid() || line.isValid()) paintBox(painter, rect(), radius_, fill, line);
 
-  // Icon, title and key stand in the middle as one group.
+  // Icon, title and key are centred as one group.
   QFont font = fontOf(textStyle_);
   font.setUnderline(isUnderlined_);
   const QFontMetrics metrics(font);
@@ -245,7 +245,7 @@ void Button::paintEvent(QPaintEvent* /*event*/) {
   const int hintWidth = showsHint ? 8 + QFontMetrics(hintFont).horizontalAdvance(keyHint_) : 0;
   const int iconWidth = icon_ == Icon::none ? 0 : iconSize_ + (text().isEmpty() ? 0 : 8);
   const int room = width() - 2 * std::min(horizontalPadding_, 8) - hintWidth - iconWidth;
-  // Widths are rounded one by one, so that a title may seem to miss its room by a pixel.
+  // Widths are rounded one by one, so that a title may seem too wide by a pixel.
   const int wholeWidth = metrics.horizontalAdvance(text());
   const QString title =
       wholeWidth <= room + 2 ? text() : metrics.elidedText(text(), Qt::ElideRight, std::max(0, room));

@@ -1,4 +1,4 @@
-// The controls that the windows share, painted by our own hand from the theme.
+// The controls that the windows share, painted from the theme.
 #pragma once
 
 #include <QCheckBox>
@@ -21,7 +21,7 @@ class TextLabel : public QLabel {
 
   TextLabel(Theme& theme, TextStyle style, Rank rank, const QString& text = {}, QWidget* parent = nullptr);
   void setRank(Rank rank);
-  /// Cuts a line that has no room with an ellipsis; the tooltip then tells the whole.
+  /// Cuts a line that does not fit with an ellipsis; the tooltip then shows all of it.
   void setElision(Qt::TextElideMode mode);
   int heightForWidth(int width) const override;
   QSize minimumSizeHint() const override;
@@ -55,7 +55,7 @@ class Button : public QPushButton {
 
   void setKind(Kind kind);
   void setIconDrawing(Icon icon, int size = 16);
-  /// A key shown behind the title, in the desktop's notation; the tooltip names it too.
+  /// A key shown after the title, in the desktop's notation; the tooltip names it too.
   void setKeyHint(const QString& hint);
   void setKeyHintVisible(bool visible);
   void setTextStyle(TextStyle style);
@@ -89,7 +89,7 @@ class Button : public QPushButton {
   int height_ = 28;
 };
 
-/// A switch of 30 by 18. Its title, if any, stands to its left.
+/// A switch of 30 by 18. Its title, if any, is to its left.
 class Switch : public QCheckBox {
  public:
   Switch(Theme& theme, const QString& title, QWidget* parent = nullptr);
@@ -104,7 +104,7 @@ class Switch : public QCheckBox {
   Theme& theme_;
 };
 
-/// A field of one line: 28 high, digits in mono where `isNumeric`. A tooltip tells a text that is longer.
+/// A field of one line: 28 high, digits in mono where `isNumeric`. A tooltip shows a text that is longer.
 class Field : public QLineEdit {
  public:
   Field(Theme& theme, bool isNumeric, QWidget* parent = nullptr);
@@ -112,7 +112,7 @@ class Field : public QLineEdit {
   void setPrefix(const QString& prefix);
   /// The placeholder is painted in italic in secondary colour.
   void setItalicPlaceholder(const QString& placeholder);
-  /// A few words at the right end of the empty field, where there is room beside the placeholder.
+  /// A few words at the right end of the empty field, where there is space beside the placeholder.
   void setHint(const QString& hint);
 
  protected:
@@ -158,7 +158,7 @@ class Panel : public QWidget {
 /// Return presses the control that has the focus: Space belongs to the drawing board.
 bool isPressingKey(const QKeyEvent& event);
 
-/// The text, or as much of it as `width` px have room for, with an ellipsis.
+/// The text, or as much of it as fits into `width` px, with an ellipsis.
 QString elided(const QString& text, const QFont& font, Qt::TextElideMode mode, int width);
 
 /// Shows a tooltip where the pointer asks for one; an empty text takes a shown one away.

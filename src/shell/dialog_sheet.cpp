@@ -45,8 +45,8 @@ DialogSheet::DialogSheet(Theme& theme, QWidget& window, int width, int padding)
   hide();
 }
 
-// Deleted while it is open it gives the window back all the same, unless the window is what goes: it
-// has let go of its children by then.
+// Deleted while it is open it gives the window back all the same, unless the window is what goes: it has
+// released its children by then.
 DialogSheet::~DialogSheet() {
   if (window_.children().contains(this)) hide();
 }
@@ -85,7 +85,7 @@ Button* DialogSheet::addButton(const QString& title, Button::Kind kind, const QS
   if (order == Order::fromLeft) {
     buttons_->addWidget(button);
   } else {
-    // Behind the button at the left and the stretch.
+    // After the button at the left and the stretch.
     int position = 0;
     while (position < buttons_->count() && buttons_->itemAt(position)->spacerItem() == nullptr) ++position;
     buttons_->insertWidget(position + 1, button);

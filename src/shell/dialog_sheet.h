@@ -23,7 +23,7 @@ class DialogSheet : public QWidget {
   DialogSheet& operator=(const DialogSheet&) = delete;
 
   QVBoxLayout& content() { return *content_; }
-  /// Where a button joins the row at the foot: behind the others, or in front of them.
+  /// Where a button joins the row at the foot: after the others, or before them.
   enum class Order { fromLeft, fromRight };
   Button* addButton(const QString& title, Button::Kind kind, const QString& identifier,
                     Order order = Order::fromLeft);

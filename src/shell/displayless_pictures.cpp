@@ -16,7 +16,7 @@ class DisplaylessApplication {
  public:
   DisplaylessApplication() {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    // What Qt has to say of a session without a desktop is no news to anybody.
+    // Qt's warnings about a session without a desktop are of no use here.
     QLoggingCategory::setFilterRules(QStringLiteral("*.warning=false"));
     application_ = std::make_unique<QGuiApplication>(count_, arguments_);
   }

@@ -55,8 +55,8 @@ QByteArray pngPicture(const PicturePage& page, const EntityList& entities,
   return bytes;
 }
 
-/// Qt tells the size of an SVG in millimetres of some resolution; here it is that of the view box, in
-/// pixels or, on paper, in points.
+/// Qt states the size of an SVG in millimetres of some resolution; here it is that of the view box, in pixels
+/// or, on paper, in points.
 QByteArray withOwnSize(QByteArray svg, const PicturePage& page, bool isOnPaper) {
   static const QRegularExpression millimetres(
       QStringLiteral("<svg width=\"[0-9.e+]+mm\" height=\"[0-9.e+]+mm\""));

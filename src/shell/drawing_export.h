@@ -23,7 +23,7 @@ void paintPicturePage(QPainter& painter, const PicturePage& page, const EntityLi
 QByteArray drawingPicture(ExportFormat format, const EntityList& entities,
                           std::span<const WallSystemSpec> systems, const ExportOptions& options);
 
-/// The same as the logic asks for it.
+/// The same in the form in which the logic takes it.
 std::string drawingPictureBytes(ExportFormat format, const EntityList& entities,
                                 std::span<const WallSystemSpec> systems, const ExportOptions& options);
 

@@ -81,7 +81,7 @@ void EntityListModel::update() {
     entities_ = current;
     endInsertRows();
   }
-  // The numbers behind an edit in the middle are new.
+  // The numbers after an edit in the middle are new.
   if (removed != added && end > 0) Q_EMIT dataChanged(index(start + added), index(rowCount() - 1));
 }
 

@@ -1,5 +1,5 @@
-// The entities of the document as list rows. The model shares the document's list and computes a
-// label only when one is asked for; an edit is told as the rows that it touched.
+// The entities of the document as list rows. The model shares the document's list and computes a label only
+// when one is asked for; an edit is reported as the rows that it touched.
 #pragma once
 
 #include <QAbstractListModel>

@@ -190,7 +190,7 @@ class EntityPicture::Job {
   void run() {
     QImage& image = picture_.image;
     if (image.isNull()) picture_.stale = {};
-    // The lower half of every part is left to a second thread, where the machine has room for one.
+    // The lower half of every part is left to a second thread, where the machine has a core for it.
     const bool isShared = std::thread::hardware_concurrency() > 1;
     std::vector<QRect> uppers;
     std::vector<QRect> lowers;
@@ -347,8 +347,8 @@ void EntityPicture::markEdits(const PictureContent& content, const EntityIndex& 
     touch(before);
     touch(after);
   }
-  // Those that are named no more, or only now, have changed their looks. Their places are asked of the
-  // index; where it does not know the list, everything counts as changed.
+  // Those that are no longer named, or only now, look different. The index gives their places; where it does
+  // not know the list, everything counts as changed.
   bool isEverything = touched.size() > kMostEditsInPlace;
   const auto touchNamed = [&](const PictureContent& named, const PictureContent& other) {
     if (!named.ids || isEverything) return;

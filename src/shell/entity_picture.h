@@ -2,10 +2,10 @@
 // small steps: a pan shifts it and leaves the strips that come in to be painted, an edit leaves what
 // changed, and a new zoom everything.
 //
-// What is left is painted at once where it is little. Where it is much, a thread of its own paints it,
-// and the old picture, shifted or scaled, stands in meanwhile; no frame waits for it. The thread reads
-// values alone: the list that it paints shares its storage with the one on the screen, which is copied
-// where it is edited, and it is let go on the main thread.
+// What is left is painted at once where it is little. Where it is much, a thread of its own paints it, and
+// the old picture, shifted or scaled, is shown meanwhile; no frame waits for it. The thread reads values
+// alone: the list that it paints shares its storage with the one on the screen, which is copied where it is
+// edited, and it is released on the main thread.
 #pragma once
 
 #include <QImage>
@@ -65,7 +65,7 @@ class EntityPicture {
   void wait();
   /// Draws the picture, scaled where it is still that of another view.
   void paint(QPainter& painter, const PictureView& view) const;
-  /// Lets go of the picture.
+  /// Releases the picture.
   void clear();
 
  private:
@@ -88,7 +88,7 @@ class EntityPicture {
   std::function<void()> painted_;
   std::optional<Picture> picture_;
   std::unique_ptr<Job> job_;                   // a picture that is being painted
-  std::vector<std::unique_ptr<Job>> dropped_;  // those that nobody waits for, until they have stopped
+  std::vector<std::unique_ptr<Job>> dropped_;  // those that are no longer wanted, until they have stopped
 };
 
 }  // namespace ostrelon

@@ -159,7 +159,7 @@ void ExportSheet::chooseFile() {
   ExportOptions chosen;
   try {
     chosen = options();
-    // What cannot be laid out is told here, where it can be mended.
+    // What cannot be laid out is reported here, where it can be corrected.
     if (format() != ExportFormat::dxf) {
       picturePages(format(), workspace.sketch.entities(), workspace.sketch.drawing->wallSystemSpecs, chosen);
     }

@@ -66,7 +66,7 @@ void HelpPage::dress() {
     const int level = format.headingLevel();
     format.setTopMargin(level > 0 ? 20 : 4);
     format.setBottomMargin(level > 0 ? 6 : 4);
-    // A picture is a line of its own height, and would get as much room below.
+    // A picture is a line of its own height, and would get as much space below.
     const auto first = block.begin();
     const bool isPicture = !first.atEnd() && first.fragment().charFormat().isImageFormat();
     if (isPicture) format.setBottomMargin(16);

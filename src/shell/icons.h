@@ -1,5 +1,5 @@
-// The icons: our own drawings on a grid of 24, kept as SVG and painted in one colour, sharp at every
-// device pixel ratio.
+// The icons: drawings on a grid of 24, kept as SVG and painted in one colour, sharp at every device pixel
+// ratio.
 #pragma once
 
 #include <QColor>

@@ -360,8 +360,8 @@ void InspectorWindow::followFlag() {
   raise();
 }
 
-// Where it was, or in a corner of the canvas: the first place that hides neither what is selected nor
-// the pointer. Where there is none, the one that hides least.
+// Where it was, or in a corner of the canvas: the first place that hides neither what is selected nor the
+// pointer. Where there is none, the one that hides least.
 void InspectorWindow::placeClear() {
   const QWidget* main = parentWidget()->window();
   const QWidget* canvas = main->findChild<QWidget*>(QStringLiteral("canvas"));
@@ -374,7 +374,7 @@ void InspectorWindow::placeClear() {
   const int bottom = room.bottom() - kBelowBadges - height();
   std::vector<QPoint> places{{right, top}, {left, top}, {right, bottom}, {left, bottom}};
   if (wasPlaced_) places.insert(places.begin(), pos());
-  // Beside the window, where the screen has room for that.
+  // Beside the window, where that fits on the screen.
   const QRect frame = main->frameGeometry();
   places.emplace_back(frame.right() + kFromCanvasEdge, top);
   places.emplace_back(frame.left() - kFromCanvasEdge - width(), top);

@@ -141,7 +141,7 @@ void MainWindow::place() {
   const int right = wallsFold ? WallSystemPanelView::kRailWidth : WallSystemPanelView::kWidth;
   const int top = TopMenuBarView::kHeight;
   const int wanted = static_cast<int>(std::lround(console_->panelHeight()));
-  // A short window shows the console at its least height; its own comes back when there is room.
+  // A short window shows the console at its least height; its own comes back once it fits.
   constexpr int least = static_cast<int>(kConsoleMinimumHeight);
   const int consoleHeight =
       h < kShortHeight ? least : std::clamp(wanted, least, std::max(least, h - top - kCanvasLeastHeight));

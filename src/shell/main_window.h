@@ -28,7 +28,6 @@ class MainWindow final : public QWidget {
   TopMenuBarView& topBar() { return *topBar_; }
   LeftNavView& navigation() { return *navigation_; }
   WallSystemPanelView& wallSystems() { return *wallSystems_; }
-  CanvasOverlay& overlay() { return *overlay_; }
 
   /// The size and place of the window and its panels, as the last run left them.
   void restoreLayout();

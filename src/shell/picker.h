@@ -7,7 +7,7 @@
 
 namespace ostrelon {
 
-/// A picker of 28 px, painted from the theme. A tooltip tells a choice that is longer.
+/// A picker of 28 px, painted from the theme. A tooltip shows a choice that is longer.
 class Picker final : public QComboBox {
  public:
   explicit Picker(Theme& theme, QWidget* parent = nullptr);

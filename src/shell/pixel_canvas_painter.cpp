@@ -27,7 +27,7 @@ bool fallsApart(const Stroke& stroke) {
          stroke.join == LineJoin::round;
 }
 
-/// Upright and level lines from one side of the picture to the other, as those of a grid. Positions in
+/// Vertical and horizontal lines from one side of the picture to the other, as those of a grid. Positions in
 /// pixels.
 struct Lattice {
   std::vector<double> columns;

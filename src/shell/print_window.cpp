@@ -20,7 +20,7 @@ namespace {
 
 constexpr int kChoicesWidth = 304;
 
-// A sheet of any size is told upright, and turned when it lies.
+// A sheet of any size is given in portrait, and turned for landscape.
 void setSheet(QPrinter& printer, SketchSize page) {
   const bool isLandscape = page.width > page.height;
   const QSizeF upright(std::min(page.width, page.height), std::max(page.width, page.height));

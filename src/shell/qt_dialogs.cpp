@@ -183,8 +183,8 @@ void QtDialogs::askAlert(QWidget& window, const Alert& alert, std::function<void
     sheet->hide();
     answered(std::move(answer));
   };
-  // The first button is the default; one that gives work away stands apart at the left. The row runs from
-  // the right, and Tab in the order that was given.
+  // The first button is the default; one that discards work is set apart at the left. The row runs from the
+  // right, and Tab in the order that was given.
   for (std::size_t at = 0; at < alert.buttons.size(); ++at) {
     const std::string& title = alert.buttons[at];
     const bool isDefault = at == 0;

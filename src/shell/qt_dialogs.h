@@ -1,4 +1,4 @@
-// Questions to the user, as Qt shows them: the desktop's own panels for files and folders, and our
+// Questions to the user, as Qt shows them: the desktop's own panels for files and folders, and the program's
 // sheets over the main window for prompts and alerts.
 #pragma once
 

@@ -56,7 +56,7 @@ ScheduledTask QtScheduler::inBackground(std::function<void()> work, std::functio
   auto cancelled = std::make_shared<bool>(false);
   threads_.start([this, cancelled, work = std::move(work), finish = std::move(finish)]() mutable {
     work();
-    // The functions may hold what belongs to the main thread, so they are let go of there.
+    // The functions may hold what belongs to the main thread, so they are released there.
     QMetaObject::invokeMethod(
         &context_,
         [cancelled = std::move(cancelled), work = std::move(work), finish = std::move(finish)] {

@@ -27,7 +27,7 @@ class RowsView : public QAbstractItemView {
   /// The row at a position of the whole list, held to the rows that there are.
   virtual int rowAt(int y) const = 0;
   virtual int contentHeight() const = 0;
-  /// What a tooltip tells of the row that is shown in `box`. At first the model's.
+  /// The tooltip of the row that is shown in `box`. At first the model's.
   virtual QString toolTipText(int row, const QRect& box) const;
   virtual void paintRow(QPainter& painter, const QRect& box, int row, bool isHovered) = 0;
 

@@ -32,7 +32,7 @@ std::map<std::string, std::string> readScripts(const CommandLine& line, FileSyst
 
 int runWithoutWindow(const CommandLine& line) {
   DiskFileSystem files;
-  // Nobody waits here: time stands still, and work that is due soon runs behind each line.
+  // Nothing waits here: time stands still, and work that is due soon runs after each line.
   VirtualScheduler scheduler(std::chrono::time_point_cast<Date::duration>(std::chrono::system_clock::now()));
   QueuedDialogs dialogs;
   Workspace workspace(Host{scheduler, dialogs, files});

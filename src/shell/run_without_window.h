@@ -5,9 +5,9 @@
 
 namespace ostrelon {
 
-/// Opens, runs, saves and exports as the line asks. The transcript goes to standard output, trouble to
-/// standard error in one sentence. Settings are neither read nor written. The exit status is 0, 1
-/// when a console line was answered with an error, and 2 for a file that cannot be read or written.
+/// Opens, runs, saves and exports as the command line asks. The transcript goes to standard output, a failure
+/// to standard error in one sentence. Settings are neither read nor written. The exit status is 0, 1 when a
+/// console line was answered with an error, and 2 for a file that cannot be read or written.
 int runWithoutWindow(const CommandLine& line);
 
 }  // namespace ostrelon

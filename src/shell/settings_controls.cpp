@@ -10,7 +10,7 @@
 namespace ostrelon {
 namespace {
 
-// A board in small: panel, grid, walls, and a line under the hand.
+// A small board: panel, grid, walls, and a line being drawn.
 void paintBoard(QPainter& painter, const QRectF& board, const ThemePalette& palette) {
   painter.fillRect(board, qtColor(palette.background));
   painter.setPen(QPen(qtColor(palette.border), 1));

@@ -14,7 +14,7 @@ namespace ostrelon {
 /// A small board in the colours of a theme, with its name below.
 class ThemeCard final : public QRadioButton {
  public:
-  /// The room around the board, px.
+  /// The space around the board, px.
   static constexpr int kRing = 4;
 
   ThemeCard(Theme& theme, AppearanceMode mode, QWidget* parent = nullptr);

@@ -194,7 +194,7 @@ void AppSettingsView::makeUpdates() {
 void AppSettingsView::makeAppearance() {
   QVBoxLayout& column = *addSection(QStringLiteral("Appearance"), QStringLiteral("settings.appearance"),
                                     false, ThemeCard::kRing);
-  // The cards have room for the ring of the chosen one; their boards stand flush with the column.
+  // The cards leave space for the ring of the chosen one; their boards are flush with the column.
   auto* label = new TextLabel(theme_, TextStyle::body, TextLabel::Rank::secondary, "Theme", this);
   label->setContentsMargins(ThemeCard::kRing, 0, 0, 0);
   column.addWidget(label);
@@ -415,7 +415,7 @@ void SettingsWindow::open() {
   activateWindow();
 }
 
-// As high as what it shows, as far as the screen has room; what does not fit is scrolled to.
+// As high as what it shows, as far as that fits on the screen; the rest is scrolled to.
 void SettingsWindow::fitContent() {
   const int wanted = view_->sizeHint().height();
   const int room = screen() != nullptr ? screen()->availableGeometry().height() - kScreenMargin : wanted;

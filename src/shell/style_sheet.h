@@ -1,5 +1,5 @@
-// The style sheet of the windows, made from a palette: the parts of Qt's own controls that we do not
-// paint ourselves. Plain text, without Qt.
+// The style sheet of the windows, made from a palette: the parts of Qt's own controls that the program does
+// not paint itself. Plain text, without Qt.
 #pragma once
 
 #include <string>

@@ -37,8 +37,8 @@ constexpr int kSubmenuGap = 3;
 constexpr int kHaloWidth = 3;
 constexpr const char* kHasShadow = "hasPopupShadow";
 
-// The shadow of a popup. It is painted into the window below it, so that it needs nobody who composes
-// windows, and the popup stays as large as it looks.
+// The shadow of a popup. It is painted into the window below it, so that it needs no compositor, and the
+// popup stays as large as it looks.
 class PopupShadow final : public QObject {
  public:
   PopupShadow(Theme& theme, QWidget& popup) : QObject(&popup), theme_(theme), popup_(popup) {}
@@ -96,7 +96,7 @@ class PopupShadow final : public QObject {
   QPointer<QWidget> shadow_;
 };
 
-// Fusion with our menus, and without focus rectangles: the halo shows the focus.
+// Fusion with menus of its own, and without focus rectangles: the halo shows the focus.
 class BaseStyle final : public QProxyStyle {
  public:
   explicit BaseStyle(Theme& theme) : QProxyStyle(QStyleFactory::create("Fusion")), theme_(theme) {}
@@ -237,7 +237,8 @@ class BaseStyle final : public QProxyStyle {
     if (auto* label = qobject_cast<QLabel*>(widget); label && label->textFormat() == Qt::AutoText) {
       label->setTextFormat(Qt::PlainText);
     }
-    // Menus and the lists of combo boxes look alike: our corners and our shadow, none of the desktop's.
+    // Menus and the lists of combo boxes look alike: with the program's corners and shadow, not the
+    // desktop's.
     if (qobject_cast<QMenu*>(widget) != nullptr || widget->inherits("QComboBoxPrivateContainer")) {
       widget->setWindowFlag(Qt::FramelessWindowHint);
       widget->setWindowFlag(Qt::NoDropShadowWindowHint);
@@ -251,7 +252,7 @@ class BaseStyle final : public QProxyStyle {
   }
 
  private:
-  // Where nothing composes windows, what lies outside the rounded corners would be black.
+  // Without a compositor, what lies outside the rounded corners would be black.
   static void roundCorners(QWidget& popup) {
     if (QGuiApplication::platformName() != QLatin1String("xcb")) return;
     QBitmap mask(popup.size());

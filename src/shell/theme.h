@@ -1,5 +1,5 @@
-// The palette in force, as the windows use it: colours by role, the base style, and the word to all
-// widgets that it has changed.
+// The palette in force, as the windows use it: colours by role, the base style, and the signal to all widgets
+// that it has changed.
 #pragma once
 
 #include <QColor>
@@ -21,7 +21,7 @@ class Theme : public QObject {
   explicit Theme(QObject* parent = nullptr);
 
   const ThemePalette& palette() const { return palette_; }
-  /// Dresses the whole application in the palette.
+  /// Applies the palette to the whole application.
   void setPalette(const ThemePalette& palette);
 
   QColor background() const { return qtColor(palette_.background); }
@@ -38,9 +38,8 @@ class Theme : public QObject {
   /// What stands out by being filled, and the words on it.
   QColor fill() const { return qtColor(filledPair(palette_).first); }
   QColor fillText() const { return qtColor(filledPair(palette_).second); }
-  /// Secondary words on a card, and on the canvas colour.
+  /// Secondary words on a card.
   QColor secondaryOnCard() const { return qtColor(secondaryText(palette_, palette_.card)); }
-  QColor secondaryOnBackground() const { return qtColor(secondaryText(palette_, palette_.background)); }
   /// A colour laid over a card at an opacity.
   QColor overCard(const QColor& color, double opacity) const;
   bool isDark() const { return relativeLuminance(palette_.background) < 0.5; }
@@ -64,7 +63,7 @@ void installBaseStyle(Theme& theme);
 void paintBox(QPainter& painter, const QRectF& box, double radius, const QColor& fill, const QColor& border);
 /// The frame and the arrow of a combo box.
 void paintComboBox(QPainter& painter, const QRect& box, const Theme& theme, bool isEnabled, bool isHovered);
-/// Where the words of a combo box stand.
+/// The place of the words of a combo box.
 QRect comboBoxWords(const QRect& box);
 /// A soft shadow around `box`, painted as a nine-patch that is made once. `elevation`: 2 menus and
 /// toasts, 3 sheets.

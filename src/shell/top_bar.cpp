@@ -161,8 +161,8 @@ void TopMenuBarView::resizeEvent(QResizeEvent* event) {
 }
 
 void TopMenuBarView::place() {
-  // The name stands in the middle of what is left between the menus and the actions. Where that is too
-  // little to read it, the actions move closer and the switch gives up its word.
+  // The name is in the middle of what is left between the menus and the actions. Where that is too little to
+  // read it, the actions move closer and the switch loses its title.
   const int left = 8 + menuBar_->sizeHint().width() + 12;
   int right = placeActions(false);
   if (right - left < title_->readableWidth()) right = placeActions(true);

@@ -8,15 +8,15 @@
 
 namespace ostrelon {
 
-/// The document's name, a dot while it has unsaved changes, and the branch. Where there is no room for
-/// both, the branch is cut first, at its end, and then the name, in its middle; last the branch is told
-/// by its icon alone. The tooltip holds both as they are.
+/// The document's name, a dot while it has unsaved changes, and the branch. Where not both fit, the branch is
+/// cut first, at its end, and then the name, in its middle; last the branch is shown by its icon alone. The
+/// tooltip holds both as they are.
 class DocumentTitle final : public QLabel {
  public:
   explicit DocumentTitle(Theme& theme, QWidget* parent = nullptr);
   void setDocument(const QString& name, bool isEdited, const QString& branch);
   QSize sizeHint() const override;
-  /// Below this width, px, the name or the branch is hard to tell.
+  /// Below this width, px, the name or the branch is hard to read.
   int readableWidth() const;
 
  protected:
@@ -25,7 +25,7 @@ class DocumentTitle final : public QLabel {
  private:
   struct Room {
     int name = 0;
-    int branch = 0;  ///< none where there is no room for a word
+    int branch = 0;  ///< none where no word fits
   };
   Room roomForWords(int width) const;
   Room wholeWords() const;
@@ -54,7 +54,7 @@ class TopMenuBarView final : public Panel {
   void refresh();
   void refreshGrid();
   void place();
-  /// Places what stands right of the title. Gives the x at which the title has to end.
+  /// Places what is to the right of the title. Gives the x at which the title has to end.
   int placeActions(bool isTight);
 
   Application& application_;

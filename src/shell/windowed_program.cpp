@@ -96,7 +96,7 @@ int runWithWindows(int& argc, char** argv, const WindowStart& start) {
                                                           kOstrelonUpdateSigningPublicKey),
                            .isUITesting = start.isUITesting,
                            .opensInBackground = true});
-  // The desktop's scheme is asked before the program dresses in its own colours.
+  // The desktop's scheme is read before the program sets its own colours.
   const ColorSchemeWatcher colorScheme(
       [&application](ColorScheme scheme) { application.settings().updateColorScheme(scheme); });
   installBaseStyle(theme);

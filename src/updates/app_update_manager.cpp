@@ -106,7 +106,7 @@ void AppUpdateManager::checkIfDue() {
   const auto& last = *settings_.lastUpdateCheckAt;
   if (last) {
     const Seconds since(secondsBetween(*last, scheduler_.now()));
-    // A check in the future is one that a wrong clock has put down, and says nothing.
+    // A check in the future was recorded under a wrong clock, and does not count.
     if (since >= Seconds(0) && since < kTimeBetweenChecks) return;
   }
   startedCheck_ = scheduler_.after(Seconds(0), [this] { checkForUpdates(false); });

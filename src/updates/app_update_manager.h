@@ -8,7 +8,7 @@
 //   …                                          // later, status is updateAvailable
 //   updates.downloadAndInstall();              // "Download and Install"
 //
-// The road of `status`: any → checking → upToDate, updateAvailable, postponed or failed;
+// The transitions of `status`: any → checking → upToDate, updateAvailable, postponed or failed;
 // updateAvailable or postponed → downloading → verifying → installerOpened or failed.
 #pragma once
 
@@ -50,15 +50,10 @@ struct AppUpdateStatus {
   friend bool operator==(const AppUpdateStatus&, const AppUpdateStatus&) = default;
 };
 
-/// The case's name as it stands in the code.
+/// The name of the case in the code.
 std::string_view caseName(AppUpdateStatus::Case value);
 /// The sentence for the user. `downloadProgress` (0 to 1) is shown in per cent while downloading.
 std::string statusText(const AppUpdateStatus& status, std::optional<double> downloadProgress);
-
-template <class... Fields>
-constexpr FieldMask updateMask(Fields... fields) {
-  return (fieldBit(static_cast<unsigned>(fields)) | ... | FieldMask{0});
-}
 
 class AppUpdateManager {
   ChangeTracker tracker_;

@@ -22,7 +22,7 @@ std::vector<std::string_view> splitAt(char separator, std::string_view text) {
   }
 }
 
-/// What stands before the first separator, and what stands after it if there is one.
+/// What comes before the first separator, and what comes after it if there is one.
 std::pair<std::string_view, std::optional<std::string_view>> splitOnce(char separator,
                                                                        std::string_view text) {
   const std::size_t at = text.find(separator);
@@ -40,8 +40,8 @@ std::optional<std::int64_t> decimalInteger(std::string_view text) {
 }
 
 bool identifierBelow(const PreReleaseIdentifier& a, const PreReleaseIdentifier& b) {
-  // Numbers stand before texts in the variant, which is their order too; texts compare by bytes, and
-  // the bytes of UTF-8 are in the order of the characters' values.
+  // Numbers come before texts in the variant, which is their order too; texts compare by bytes, and the bytes
+  // of UTF-8 are in the order of the characters' values.
   return a < b;
 }
 

@@ -26,7 +26,8 @@ class InstallerWriter {
 
   /// Throws `FileError`, and `UserError` when there is more than the largest size.
   void append(std::string_view bytes);
-  /// All has arrived: reports 1 and gives the finished file. Without this call nothing is left behind.
+  /// All has arrived: reports a progress of 1 and gives the finished file. Without this call the file is
+  /// removed.
   DownloadedInstaller finish();
 
  private:

@@ -31,7 +31,7 @@ using Key = std::unique_ptr<EVP_PKEY, FreeWith<EVP_PKEY_free>>;
 using KeyContext = std::unique_ptr<EVP_PKEY_CTX, FreeWith<EVP_PKEY_CTX_free>>;
 using Signature = std::unique_ptr<ECDSA_SIG, FreeWith<ECDSA_SIG_free>>;
 
-/// Keeps what OpenSSL notes about failures, which our own errors report, from piling up.
+/// Keeps OpenSSL's error queue from growing: the errors thrown here report the failures.
 struct ErrorQueueCleaner {
   ErrorQueueCleaner() = default;
   ErrorQueueCleaner(const ErrorQueueCleaner&) = delete;

@@ -11,7 +11,7 @@
 namespace ostrelon {
 namespace {
 
-constexpr std::size_t kLongestName = 200;  // file systems allow 255 bytes; room for what others add
+constexpr std::size_t kLongestName = 200;  // file systems allow 255 bytes; space for what others add
 
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
@@ -112,7 +112,7 @@ std::string installerFileName(std::string_view address) {
   path.remove_prefix(std::min(path.size(), path.rfind('/') + 1));  // npos + 1 is 0
 
   std::string name = validText(withoutPercentSequences(path));
-  // A separator that was hidden behind "%2F" must not lead out of the folder.
+  // A separator that was written as "%2F" must not lead out of the folder.
   if (const std::size_t last = name.find_last_of("/\\"); last != std::string::npos) name.erase(0, last + 1);
   std::erase_if(name, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
   name = cutToLength(std::string(trimmed(name)));

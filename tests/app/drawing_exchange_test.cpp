@@ -1,4 +1,4 @@
-// Export and import from the menus, as the user hears of them.
+// Export and import from the menus, as they are reported to the user.
 #include "app/drawing_exchange.h"
 
 #include <gmock/gmock.h>

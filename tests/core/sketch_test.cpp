@@ -1,4 +1,4 @@
-// Editing, undo steps and what observers hear of them.
+// Editing, undo steps and how observers are notified of them.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

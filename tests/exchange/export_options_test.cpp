@@ -1,4 +1,4 @@
-// Export options as they are told, and the pages that come of them.
+// Export options by name and text, and the pages that they make.
 #include "exchange/export_options.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-// The desktop's light or dark scheme, told by a portal on a bus of the test's own.
+// The desktop's light or dark scheme, reported by a portal on a bus of the test's own.
 #include "shell/color_scheme_watcher.h"
 
 #include <gtest/gtest.h>

@@ -57,7 +57,7 @@ class HttpsServer {
     return "https://localhost:" + std::to_string(server_.serverPort()) + path;
   }
   void on(const std::string& path, Handler handler) { handlers_[path] = std::move(handler); }
-  /// An answer with these lines behind the status line, and this body.
+  /// An answer with these lines after the status line, and this body.
   void answer(const std::string& path, const std::string& status, const std::string& headers,
               const std::string& body) {
     on(path, [=](QSslSocket& connection) {

@@ -522,7 +522,7 @@ TEST_F(MainWindowTest, TheInspectorHidesNeitherTheEntityNorThePointer) {
   }
 }
 
-// --- For those who hear the window
+// --- For screen readers
 
 TEST_F(MainWindowTest, EveryControlHasARoleAndAName) {
   run("wall 0 0 20 0");

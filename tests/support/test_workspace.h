@@ -25,7 +25,7 @@ struct TestWorkspace {
   Console& console = workspace.console;
 
   const std::vector<ConsoleLine>& lines() const { return *messages.lines; }
-  /// Submits one console line and gives the lines behind the echo.
+  /// Submits one console line and gives the lines after the echo.
   std::vector<ConsoleLine> submit(std::string line) {
     const std::size_t before = lines().size();
     console.setInput(std::move(line));

@@ -1,5 +1,5 @@
-// Every step of the system that writing takes fails in turn, and the program or the power ends behind every
-// one of them: what is told, what is left on the disk, and what the program holds.
+// Every step of the system that writing takes fails in turn, and the program or the power ends after every
+// one of them: what is reported, what is left on disk, and what the program holds.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

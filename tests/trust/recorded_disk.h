@@ -27,7 +27,7 @@ class RecordedDisk {
   FileSystemCalls calls();
   /// How many steps have been noted.
   std::size_t steps() const { return events_.size(); }
-  /// Puts into the empty folder `into` what is there after a crash behind the first `steps`.
+  /// Puts into the empty folder `into` what is there after a crash that follows the first `steps`.
   void survivors(std::size_t steps, Survival survival, const FilePath& into) const;
 
  private:

@@ -100,7 +100,7 @@ class RandomSession : public testing::TestApplication {
     baseline_ = workspace.sketch.entities();
   }
 
-  // One operation, and what must hold behind it.
+  // One operation, and what must hold after it.
   void step() {
     mayBeSaved_ = false;
     trace_ = "";

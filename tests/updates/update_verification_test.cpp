@@ -121,7 +121,7 @@ TEST_F(UpdateVerification, SignaturesOfAnotherFormAreRefused) {
   };
   EXPECT_EQ(outcomeOf(""), kNotASignature);
   EXPECT_EQ(outcomeOf(std::string(64, 'r')), kNotASignature);           // r and s side by side
-  EXPECT_EQ(outcomeOf(der + '\0'), kNotASignature);                     // something behind it
+  EXPECT_EQ(outcomeOf(der + '\0'), kNotASignature);                     // something after it
   EXPECT_EQ(outcomeOf(der.substr(0, der.size() - 1)), kNotASignature);  // cut
   EXPECT_EQ(outcomeOf("\x30\x81" + der.substr(1)), kNotASignature);     // a longer form of its length
   EXPECT_EQ(outcomeOf(std::string("\x30\x06\x02\x01\xff\x02\x01\x01", 8)), kNotASignature);   // r = -1

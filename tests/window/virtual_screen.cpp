@@ -64,7 +64,7 @@ void Process::kill() {
 // --- The screen
 
 VirtualScreen::VirtualScreen(int width, int height, const fs::path& folder) : folder_(folder) {
-  // The server chooses a free number and writes it where it is told to.
+  // The server chooses a free number and writes it to the descriptor it is given.
   const fs::path number = folder / "display";
   const std::string size = std::to_string(width) + "x" + std::to_string(height) + "x24";
   server_ = std::make_unique<Process>(
