@@ -17,8 +17,7 @@ Application::Application(ApplicationServices services, ApplicationOptions option
     : host_(services.host),
       defaults_(services.defaults),
       workspace_(services.host),
-      settings_(services.defaults, services.host.files, std::move(options.documentsFolder),
-                options.isUITesting),
+      settings_(services.defaults, services.host.files, options.documentsFolder, options.isUITesting),
       updates_(services.host.scheduler, settings_, services.updateClient, std::move(options.updates),
                std::move(services.openInstaller)),
       makePicture_(std::move(services.makePicture)),
@@ -28,6 +27,7 @@ Application::Application(ApplicationServices services, ApplicationOptions option
                                            [ended](SaveOutcome) { ended(); });
                      }),
       opener_(workspace_, settings_, closeQuestion_, options.opensInBackground) {
+  workspace_.document.setDocumentsFolder(std::move(options.documentsFolder));
   selectionSubscription_ = workspace_.observe(fieldsOf(workspace_.sketch.selection), [this](FieldMask) {
     if (!workspace_.sketch.selection->ids.empty() || !workspace_.sketch.selection->isInspected) return;
     // Observers do not change what they observe: the window goes once the operation has ended.

@@ -1,11 +1,38 @@
 // Calls of documents, their history, and the settings.
+#include <algorithm>
+
 #include "automation/call_binding.h"
 #include "documents/auto_save.h"
 #include "documents/document_history.h"
 #include "documents/document_store.h"
+#include "documents/named_drawing.h"
 #include "documents/sketch_document_io.h"
 
 namespace ostrelon {
+namespace {
+
+// What a comparison or a merge answers: the identifiers of entities and wall systems. Of a merge these are
+// the changes that were made, and the conflicts that kept it from being done.
+Json differenceIDs(const DrawingDifference& difference, const std::vector<MergeConflict>& conflicts) {
+  std::vector<UUID> added;
+  std::vector<UUID> removed;
+  std::vector<UUID> changed;
+  std::vector<UUID> open;
+  for (const WallSystemSpec& system : difference.addedSystems) added.push_back(system.id);
+  for (const SketchEntity& entity : difference.added) added.push_back(entityID(entity));
+  for (const WallSystemSpec& system : difference.removedSystems) removed.push_back(system.id);
+  for (const SketchEntity& entity : difference.removed) removed.push_back(entityID(entity));
+  for (const auto& [before, after] : difference.changedSystems) changed.push_back(after.id);
+  for (const auto& [before, after] : difference.changed) changed.push_back(entityID(after));
+  for (const MergeConflict& conflict : conflicts) open.push_back(conflictID(conflict));
+  for (std::vector<UUID>* ids : {&added, &removed, &changed}) std::sort(ids->begin(), ids->end());
+  return {{"added", toJson(added)},
+          {"removed", toJson(removed)},
+          {"changed", toJson(changed)},
+          {"conflicts", toJson(open)}};
+}
+
+}  // namespace
 
 void addDocumentCalls(CallTable& table) {
   // --- Format
@@ -82,6 +109,19 @@ void addDocumentCalls(CallTable& table) {
                         date.value_or(session.scheduler.now()));
   });
   table["normalizeBranchID"] = call(normalizeBranchID);
+  table["compareDrawings"] = call([](DocumentSession& document, const std::optional<std::string>& before,
+                                     const std::optional<std::string>& after) {
+    const auto drawing = [&](const std::optional<std::string>& name) {
+      return name ? namedDrawing(document, *name).drawing : Drawing(document.sketch().drawing);
+    };
+    return differenceIDs(compareDrawings(drawing(before), drawing(after), NumberPrecision::asInFiles), {});
+  });
+  table["mergeDrawing"] =
+      call([](DocumentSession& document, const std::string& name, const std::optional<MergeChoice>& choice) {
+        const MergeOutcome outcome = mergeIntoDocument(document, namedDrawing(document, name), choice);
+        return differenceIDs(outcome.isDone ? outcome.taken : DrawingDifference(),
+                             outcome.isDone ? std::vector<MergeConflict>() : outcome.conflicts);
+      });
 
   // --- Auto-save
   table["autoSaveTick"] = call([](AutomationSession& session) {
