@@ -1,5 +1,5 @@
 // Calls of documents, their history, and the settings.
-#include <algorithm>
+#include <unordered_set>
 
 #include "automation/call_binding.h"
 #include "documents/auto_save.h"
@@ -11,25 +11,47 @@
 namespace ostrelon {
 namespace {
 
-// What a comparison or a merge answers: the identifiers of entities and wall systems. Of a merge these are
-// the changes that were made, and the conflicts that kept it from being done.
-Json differenceIDs(const DrawingDifference& difference, const std::vector<MergeConflict>& conflicts) {
-  std::vector<UUID> added;
-  std::vector<UUID> removed;
-  std::vector<UUID> changed;
+// The identifiers of entities in the order of their list.
+std::vector<UUID> inOrder(const std::unordered_set<UUID>& ids, const EntityList& list) {
+  std::vector<UUID> ordered;
+  for (const SketchEntity& entity : list) {
+    if (ids.contains(entityID(entity))) ordered.push_back(entityID(entity));
+  }
+  return ordered;
+}
+
+// What a comparison or a merge answers: the identifiers of wall systems, then those of entities. Of a merge
+// these are the changes that were made, and the conflicts that kept it from being done.
+Json differenceIDs(const DrawingDifference& difference, const Drawing& before, const Drawing& after,
+                   const std::vector<MergeConflict>& conflicts) {
+  const auto ids = [](const std::vector<UUID>& systems, const std::unordered_set<UUID>& entities,
+                      const EntityList& list) {
+    std::vector<UUID> all = systems;
+    const std::vector<UUID> ordered = inOrder(entities, list);
+    all.insert(all.end(), ordered.begin(), ordered.end());
+    return toJson(all);
+  };
+  const auto entityIDs = [](const std::vector<SketchEntity>& entities) {
+    std::unordered_set<UUID> found;
+    for (const SketchEntity& entity : entities) found.insert(entityID(entity));
+    return found;
+  };
+  const auto systemIDs = [](const std::vector<WallSystemSpec>& systems) {
+    std::vector<UUID> found;
+    for (const WallSystemSpec& system : systems) found.push_back(system.id);
+    return found;
+  };
+  std::unordered_set<UUID> changed;
+  for (const auto& [old, now] : difference.changed) changed.insert(entityID(now));
+  std::vector<UUID> changedSystems;
+  for (const auto& [old, now] : difference.changedSystems) changedSystems.push_back(now.id);
   std::vector<UUID> open;
-  for (const WallSystemSpec& system : difference.addedSystems) added.push_back(system.id);
-  for (const SketchEntity& entity : difference.added) added.push_back(entityID(entity));
-  for (const WallSystemSpec& system : difference.removedSystems) removed.push_back(system.id);
-  for (const SketchEntity& entity : difference.removed) removed.push_back(entityID(entity));
-  for (const auto& [before, after] : difference.changedSystems) changed.push_back(after.id);
-  for (const auto& [before, after] : difference.changed) changed.push_back(entityID(after));
   for (const MergeConflict& conflict : conflicts) open.push_back(conflictID(conflict));
-  for (std::vector<UUID>* ids : {&added, &removed, &changed}) std::sort(ids->begin(), ids->end());
-  return {{"added", toJson(added)},
-          {"removed", toJson(removed)},
-          {"changed", toJson(changed)},
-          {"conflicts", toJson(open)}};
+  return {
+      {"added", ids(systemIDs(difference.addedSystems), entityIDs(difference.added), after.entities)},
+      {"removed", ids(systemIDs(difference.removedSystems), entityIDs(difference.removed), before.entities)},
+      {"changed", ids(changedSystems, changed, after.entities)},
+      {"conflicts", toJson(open)}};
 }
 
 }  // namespace
@@ -114,13 +136,16 @@ void addDocumentCalls(CallTable& table) {
     const auto drawing = [&](const std::optional<std::string>& name) {
       return name ? namedDrawing(document, *name).drawing : Drawing(document.sketch().drawing);
     };
-    return differenceIDs(compareDrawings(drawing(before), drawing(after), NumberPrecision::asInFiles), {});
+    const Drawing first = drawing(before);
+    const Drawing second = drawing(after);
+    return differenceIDs(compareDrawings(first, second, NumberPrecision::asInFiles), first, second, {});
   });
   table["mergeDrawing"] =
       call([](DocumentSession& document, const std::string& name, const std::optional<MergeChoice>& choice) {
+        const Drawing before = document.sketch().drawing;
         const MergeOutcome outcome = mergeIntoDocument(document, namedDrawing(document, name), choice);
-        return differenceIDs(outcome.isDone ? outcome.taken : DrawingDifference(),
-                             outcome.isDone ? std::vector<MergeConflict>() : outcome.conflicts);
+        if (!outcome.isDone) return differenceIDs({}, before, before, outcome.conflicts);
+        return differenceIDs(outcome.taken, before, document.sketch().drawing, {});
       });
 
   // --- Auto-save

@@ -42,7 +42,7 @@ Reply run(const CompareDrawing& compare, const CommandContext& context) {
     const NamedDrawing named = namedDrawing(context.document, compare.name);
     const Drawing& ours = context.sketch.drawing;
     const DrawingDifference difference = compareDrawings(named.drawing, ours, NumberPrecision::asInFiles);
-    std::string text = fmt::format("Since {}: {}", named.name, differenceCounts(difference));
+    std::string text = fmt::format("Compared with {}: {}", named.name, differenceCounts(difference));
     for (const std::string& line : differenceLines(difference, named.drawing, ours, kMostLines)) {
       text += "\n" + line;
     }

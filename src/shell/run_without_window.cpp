@@ -1,6 +1,6 @@
 #include "shell/run_without_window.h"
 
-#include <QtGlobal>
+#include <QString>
 #include <cstdio>
 #include <iostream>
 #include <iterator>
