@@ -26,6 +26,14 @@ NamedDrawing drawingOf(const DocumentSession& document, std::string name,
   return {std::move(name), drawingOf(std::move(bytes)), found.checkpoint.id};
 }
 
+// All documents of a folder share one history, so a checkpoint may be of another drawing altogether: nothing
+// of it is left in ours then.
+bool hasComeFrom(const Drawing& drawing, const Drawing& ancestor) {
+  if (drawing.entities.empty() || ancestor.entities.empty()) return true;
+  const DrawingDifference difference = compareDrawings(ancestor, drawing, NumberPrecision::asInFiles);
+  return difference.removed.size() < ancestor.entities.size();
+}
+
 std::optional<NamedDrawing> checkpointDrawing(const DocumentSession& document, const std::string& name) {
   if (!document.fileURL->has_value()) return std::nullopt;
   using Error = DocumentHistoryStoreError;
@@ -76,6 +84,7 @@ MergeOutcome mergeIntoDocument(DocumentSession& document, const NamedDrawing& th
     if (current != nullptr && current->headCheckpointID) ours.push_back(*current->headCheckpointID);
     const auto ancestor = state.nearestCommonAncestor(ours, *theirs.checkpointID);
     if (ancestor) base = drawingOf(document, *ancestor, *state.findCheckpoint(*ancestor)).drawing;
+    if (base && !hasComeFrom(document.sketch().drawing, *base)) base.reset();
   }
   const Drawing ours = document.sketch().drawing;
   const Merge merge =
