@@ -74,7 +74,7 @@ Drawing drawingOf(std::vector<SketchEntity> entities) {
 TEST(Compare, RandomEditsAreFoundAsByComparingEverythingWithEverything) {
   const unsigned seed = testing::seed();
   RandomDrawing random(seed);
-  for (int round = 0; round < testing::rounds(40); ++round) {
+  for (int round = 0; round < testing::rounds(20); ++round) {
     const Drawing before = randomDrawing(random, random.below(700));
     // Few edits leave most storage shared; half of the identifiers stay common.
     const int most = static_cast<int>(before.entities.size()) / 3 + 1;

@@ -9,9 +9,16 @@
 
 namespace ostrelon::testing {
 
+/// Begins with a few walls that edits come back to.
+inline constexpr int kBusyWalls = 8;
+
 inline Drawing randomDrawing(RandomDrawing& random, int entities) {
   Drawing drawing;
-  drawing.entities = EntityList(random.entities(entities));
+  const UUID system = defaultWallSystems().front().id;
+  for (int count = std::min(entities, kBusyWalls); count > 0; --count) {
+    drawing.entities.append(WallEntity{UUID::random(), random.point(), random.point(), system});
+  }
+  drawing.entities.append(random.entities(std::max(0, entities - kBusyWalls)));
   return drawing;
 }
 
@@ -26,11 +33,13 @@ Drawing randomlyEdited(RandomDrawing& random, Drawing drawing, int edits, MayTou
                   {random.entity()});
       continue;
     }
-    const auto at = static_cast<std::size_t>(random.below(static_cast<int>(list.size())));
+    const int size = static_cast<int>(list.size());
+    const auto at =
+        static_cast<std::size_t>(random.below(random.chance(2) ? std::min(size, kBusyWalls) : size));
     const SketchEntity entity = list[at];
     const UUID id = entityID(entity);
     if (!mayTouch(id)) continue;
-    switch (random.below(4)) {
+    switch (random.below(6)) {
       case 0:
         list.remove(at);
         break;
@@ -39,6 +48,8 @@ Drawing randomlyEdited(RandomDrawing& random, Drawing drawing, int edits, MayTou
         list.append(entity);
         break;
       case 2:
+      case 3:
+      case 4:
         if (const auto* wall = std::get_if<WallEntity>(&entity)) {
           WallEntity pulled = *wall;
           (random.chance(2) ? pulled.from : pulled.to) = random.point();
