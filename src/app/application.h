@@ -136,6 +136,7 @@ class Application {
   std::optional<AutoSaveController> autoSaveController_;
   WindowActions windowActions_;
   Subscription selectionSubscription_;
+  bool hadSelection_ = false;
   ScheduledTask inspectorTask_;
 };
 
