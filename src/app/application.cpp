@@ -19,8 +19,7 @@ Application::Application(ApplicationServices services, ApplicationOptions option
     : host_(services.host),
       defaults_(services.defaults),
       workspace_(services.host),
-      settings_(services.defaults, services.host.files, std::move(options.documentsFolder),
-                options.isUITesting),
+      settings_(services.defaults, services.host.files, options.documentsFolder, options.isUITesting),
       updates_(services.host.scheduler, settings_, services.updateClient, std::move(options.updates),
                std::move(services.openInstaller)),
       makePicture_(std::move(services.makePicture)),
@@ -30,6 +29,7 @@ Application::Application(ApplicationServices services, ApplicationOptions option
                                            [ended](SaveOutcome) { ended(); });
                      }),
       opener_(workspace_, settings_, closeQuestion_, options.opensInBackground) {
+  workspace_.document.setDocumentsFolder(std::move(options.documentsFolder));
   selectionSubscription_ = workspace_.observe(fieldsOf(workspace_.sketch.selection), [this](FieldMask) {
     const Selection& selection = workspace_.sketch.selection;
     // It goes with a selection that was there; what a script opens without one stays.

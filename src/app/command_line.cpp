@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <string_view>
 
@@ -15,6 +16,18 @@ namespace {
 
 constexpr std::string_view kDocumentExtension = ".ostrel";
 constexpr std::string_view kUITestingOption = "-uiTestingResetProjectsFolder";
+
+// The options whose work is done on files of drawings.
+struct FileOption {
+  const char* name;
+  int files;
+  const char* needs;
+  CommandLine::Mode mode;
+};
+constexpr std::array<FileOption, 3> kFileOptions{
+    {{"--compare", 2, "two files, the old and the new one", CommandLine::Mode::compare},
+     {"--merge", 3, "three files: base, ours and theirs", CommandLine::Mode::merge},
+     {"--describe", 1, "a file", CommandLine::Mode::describe}}};
 
 // An export option, with its complaint as one about the command line.
 void setOption(CommandLine& line, std::string_view name, const std::string& value) {
@@ -41,6 +54,11 @@ std::filesystem::path documentPath(std::string_view option, const std::string& t
         fmt::format("{} needs a document whose name ends in .ostrel, not \"{}\".", option, text));
   }
   return path;
+}
+
+MergeChoice mergeChoice(const std::string& text) {
+  if (const auto choice = mergeChoiceNamed(text)) return *choice;
+  throw CommandLineError(fmt::format("--prefer takes ours, theirs or both, not \"{}\".", text));
 }
 
 [[noreturn]] void refuseMissingValue(std::string_view option) {
@@ -129,7 +147,23 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments, const En
   option("--home", [&](const std::string& value) { line.home = value; });
   option("--console", [&](const std::string& value) { line.consoleFiles.push_back(value); });
   option("--open", [&](const std::string& value) { opened = documentPath("--open", value); });
-  option("--save", [&](const std::string& value) { line.saveAs = documentPath("--save", value); });
+  std::optional<std::string> saveAs;
+  option("--save", [&](const std::string& value) { saveAs = value; });
+  option("--prefer", [&](const std::string& value) { line.prefer = mergeChoice(value); });
+  std::optional<CommandLine::Mode> onFiles;
+  std::string fileOption;
+  for (const FileOption& known : kFileOptions) {
+    const auto take = [&line, &onFiles, &fileOption, known](const CLI::results_t& values) {
+      if (onFiles)
+        throw CommandLineError(
+            fmt::format("The options {} and {} do not go together.", fileOption, known.name));
+      onFiles = known.mode;
+      fileOption = known.name;
+      line.files.assign(values.begin(), values.end());
+      return true;
+    };
+    parser.add_option(known.name, take)->expected(known.files)->trigger_on_parse();
+  }
   option("--import", [&](const std::string& value) { line.imports.emplace_back(value); });
   option("--export", [&](const std::string& value) { line.exports.push_back(exportPath(value)); });
   for (const char* setting : {"size", "pixel-ratio", "paper", "scale", "theme", "dxf"})
@@ -143,6 +177,12 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments, const En
   try {
     parser.parse(reversed);
   } catch (const CLI::ArgumentMismatch&) {
+    for (const FileOption& known : kFileOptions) {
+      const auto at = std::find(arguments.begin(), arguments.end(), known.name);
+      if (arguments.end() - at > 0 && !onFiles) {
+        throw CommandLineError(fmt::format("The option {} needs {}.", known.name, known.needs));
+      }
+    }
     // Only the last argument can lack what must follow it.
     refuseMissingValue(arguments.back());
   }
@@ -156,6 +196,25 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments, const En
 
   if (asked) {
     line.mode = *asked;
+    return line;
+  }
+  if (saveAs && onFiles == CommandLine::Mode::merge) {
+    line.saveAs = *saveAs;
+  } else if (saveAs) {
+    line.saveAs = documentPath("--save", *saveAs);
+  }
+  if (line.prefer && onFiles != CommandLine::Mode::merge) {
+    throw CommandLineError("The option --prefer needs --merge.");
+  }
+  if (onFiles) {
+    const bool isMerge = *onFiles == CommandLine::Mode::merge;
+    if (isMerge && !line.saveAs) throw CommandLineError("The option --merge needs --save.");
+    if (isAutomation || !line.consoleFiles.empty() || !line.imports.empty() || opened || line.document ||
+        !line.exports.empty() || (line.saveAs && !isMerge)) {
+      throw CommandLineError(
+          fmt::format("The option {} reads its own files and goes with no other work.", fileOption));
+    }
+    line.mode = *onFiles;
     return line;
   }
   const bool isWithoutWindow =
@@ -201,6 +260,12 @@ Without a window, done in this order:
   --export FILE                  writes all entities to a .png, .svg, .pdf or .dxf
                                  file; may be repeated
 
+Files of drawings, for version control; their names may end in anything:
+  --compare OLD NEW              prints what differs
+  --merge BASE OURS THEIRS       merges both into the file of --save
+  --prefer ours|theirs|both      settles what both have changed differently
+  --describe FILE                prints a drawing as text, an entity a line
+
 How exported files look:
   --size WxH                     the size of pictures, 1200x800 unless told
   --pixel-ratio 1|2|3|4          pixels of a PNG for each of these
@@ -225,8 +290,9 @@ Automation:
   --update-feed URL, --update-key BASE64
                                  stand for the build's feed address and signing key
 
-The exit status is 0, or 1 when a console line was answered with an error, or 2 for
-a bad option or a file that cannot be read or written.
+The exit status is 0, or 1 when a console line was answered with an error, when compared
+drawings differ, or when a merge has conflicts and writes nothing, or 2 for a bad option
+or a file that cannot be read or written.
 )";
 }
 

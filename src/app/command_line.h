@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "documents/merge.h"
 #include "exchange/export_options.h"
 #include "platform/user_error.h"
 
@@ -23,6 +24,9 @@ struct CommandLine {
   enum class Mode {
     window,         ///< the main window, with a document to open perhaps
     withoutWindow,  ///< console lines, then files; ends by itself
+    compare,        ///< prints what differs between two files
+    merge,          ///< merges three files into one
+    describe,       ///< prints a file as text
     automation,
     help,
     version,
@@ -43,6 +47,10 @@ struct CommandLine {
   std::optional<std::filesystem::path> saveAs;
   std::vector<std::filesystem::path> exports;  ///< each of the kind that its name ends in
   ExportOptions exportOptions;
+
+  // Files of drawings, as the shell names them: old and new; base, ours and theirs; or one
+  std::vector<std::filesystem::path> files;
+  std::optional<MergeChoice> prefer;  ///< how a merge settles conflicts
 
   // Automation
   std::optional<std::string> clock;  ///< as written

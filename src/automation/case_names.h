@@ -9,6 +9,7 @@
 #include "core/document_toast.h"
 #include "core/entity_edits.h"
 #include "documents/app_settings.h"
+#include "documents/merge.h"
 #include "geometry/trim.h"
 #include "interaction/select_drag_state.h"
 #include "interaction/sketch_tool.h"
@@ -51,6 +52,11 @@ struct CaseNames<EntityEditResult> {
     return std::to_array<std::string_view>(
         {"applied", "unchanged", "noSelection", "invalidValue", "unsupported"});
   }
+};
+
+template <>
+struct CaseNames<MergeChoice> {
+  static constexpr auto names() { return std::to_array<std::string_view>({"ours", "theirs", "both"}); }
 };
 
 template <>

@@ -1,11 +1,60 @@
 // Calls of documents, their history, and the settings.
+#include <unordered_set>
+
 #include "automation/call_binding.h"
 #include "documents/auto_save.h"
 #include "documents/document_history.h"
 #include "documents/document_store.h"
+#include "documents/named_drawing.h"
 #include "documents/sketch_document_io.h"
 
 namespace ostrelon {
+namespace {
+
+// The identifiers of entities in the order of their list.
+std::vector<UUID> inOrder(const std::unordered_set<UUID>& ids, const EntityList& list) {
+  std::vector<UUID> ordered;
+  for (const SketchEntity& entity : list) {
+    if (ids.contains(entityID(entity))) ordered.push_back(entityID(entity));
+  }
+  return ordered;
+}
+
+// What a comparison or a merge answers: the identifiers of wall systems, then those of entities. Of a merge
+// these are the changes that were made, and the conflicts that kept it from being done.
+Json differenceIDs(const DrawingDifference& difference, const Drawing& before, const Drawing& after,
+                   const std::vector<MergeConflict>& conflicts) {
+  const auto ids = [](const std::vector<UUID>& systems, const std::unordered_set<UUID>& entities,
+                      const EntityList& list) {
+    std::vector<UUID> all = systems;
+    const std::vector<UUID> ordered = inOrder(entities, list);
+    all.insert(all.end(), ordered.begin(), ordered.end());
+    return toJson(all);
+  };
+  const auto entityIDs = [](const std::vector<SketchEntity>& entities) {
+    std::unordered_set<UUID> found;
+    for (const SketchEntity& entity : entities) found.insert(entityID(entity));
+    return found;
+  };
+  const auto systemIDs = [](const std::vector<WallSystemSpec>& systems) {
+    std::vector<UUID> found;
+    for (const WallSystemSpec& system : systems) found.push_back(system.id);
+    return found;
+  };
+  std::unordered_set<UUID> changed;
+  for (const auto& [old, now] : difference.changed) changed.insert(entityID(now));
+  std::vector<UUID> changedSystems;
+  for (const auto& [old, now] : difference.changedSystems) changedSystems.push_back(now.id);
+  std::vector<UUID> open;
+  for (const MergeConflict& conflict : conflicts) open.push_back(conflictID(conflict));
+  return {
+      {"added", ids(systemIDs(difference.addedSystems), entityIDs(difference.added), after.entities)},
+      {"removed", ids(systemIDs(difference.removedSystems), entityIDs(difference.removed), before.entities)},
+      {"changed", ids(changedSystems, changed, after.entities)},
+      {"conflicts", toJson(open)}};
+}
+
+}  // namespace
 
 void addDocumentCalls(CallTable& table) {
   // --- Format
@@ -82,6 +131,22 @@ void addDocumentCalls(CallTable& table) {
                         date.value_or(session.scheduler.now()));
   });
   table["normalizeBranchID"] = call(normalizeBranchID);
+  table["compareDrawings"] = call([](DocumentSession& document, const std::optional<std::string>& before,
+                                     const std::optional<std::string>& after) {
+    const auto drawing = [&](const std::optional<std::string>& name) {
+      return name ? namedDrawing(document, *name).drawing : Drawing(document.sketch().drawing);
+    };
+    const Drawing first = drawing(before);
+    const Drawing second = drawing(after);
+    return differenceIDs(compareDrawings(first, second, NumberPrecision::asInFiles), first, second, {});
+  });
+  table["mergeDrawing"] =
+      call([](DocumentSession& document, const std::string& name, const std::optional<MergeChoice>& choice) {
+        const Drawing before = document.sketch().drawing;
+        const MergeOutcome outcome = mergeIntoDocument(document, namedDrawing(document, name), choice);
+        if (!outcome.isDone) return differenceIDs({}, before, before, outcome.conflicts);
+        return differenceIDs(outcome.taken, before, document.sketch().drawing, {});
+      });
 
   // --- Auto-save
   table["autoSaveTick"] = call([](AutomationSession& session) {

@@ -216,11 +216,13 @@ Json toJson(const TrimResult& value) {
 Json toJson(const SegmentCircleHit& value) { return Json::array({toJson(value.point), value.t}); }
 
 Json toJson(const DocumentCheckpoint& value) {
-  return {{"id", value.id},
-          {"message", value.message},
-          {"createdAt", toJson(value.createdAt)},
-          {"fileName", value.fileName},
-          {"sourceCheckpointID", toJson(value.sourceCheckpointID)}};
+  Json json{{"id", value.id},
+            {"message", value.message},
+            {"createdAt", toJson(value.createdAt)},
+            {"fileName", value.fileName},
+            {"sourceCheckpointID", toJson(value.sourceCheckpointID)}};
+  if (!value.mergedCheckpointIDs.empty()) json["mergedCheckpointIDs"] = value.mergedCheckpointIDs;
+  return json;
 }
 
 Json toJson(const DocumentHistoryBranch& value) {

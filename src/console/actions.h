@@ -10,6 +10,7 @@
 
 #include "core/entity_edits.h"
 #include "core/sketch_point.h"
+#include "documents/merge.h"
 #include "interaction/sketch_tool.h"
 #include "platform/uuid.h"
 
@@ -118,6 +119,16 @@ struct SwitchBranch {
   std::string nameOrID;
 };
 
+// --- Other drawings (compare_commands.h). A name is that of a branch, a checkpoint or a document.
+
+struct CompareDrawing {
+  std::string name;
+};
+struct MergeDrawing {
+  std::string name;
+  std::optional<MergeChoice> choice;  ///< absent: conflicts refuse the merge
+};
+
 // --- Help (help_commands.h)
 
 struct ShowHelp {};
@@ -128,6 +139,6 @@ using Action =
                  SelectEntities, CopySelection, PasteClipboard, AssignWallSystem, MoveSelectedLine,
                  SetSelectedLength, NudgeSelection, AlignSelection, ConvertSelection, TrimEntity,
                  ExtendToBoundary, UseWallSystem, ShowWallSystem, ListWallSystems, ZoomView, SaveCheckpoint,
-                 ShowHistory, CreateBranch, SwitchBranch, ShowHelp, ShowMore>;
+                 ShowHistory, CreateBranch, SwitchBranch, CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;
 
 }  // namespace ostrelon::CommandInterpreter

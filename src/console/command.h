@@ -81,8 +81,8 @@ using Parse = ParseResult (*)(const Words& words, const ParseState& state, Place
 
 /// What may stand at one place after a command word.
 struct Completion {
-  enum class Names { none, wallSystems, branches };
-  std::size_t position = 1;  ///< 1: the first word after the command
+  enum class Names { none, wallSystems, branches, drawings };  ///< drawings: branches and checkpoints
+  std::size_t position = 1;                                    ///< 1: the first word after the command
   std::vector<std::string_view> words = {};
   Names names = Names::none;
   std::string_view onlyAfter = {};  ///< the word before must be this one, if any is named

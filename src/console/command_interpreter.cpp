@@ -82,10 +82,11 @@ std::vector<std::string> wordsAfter(const Words& words, const CommandContext& co
       for (const WallSystemSpec& spec : context.sketch.drawing->wallSystemSpecs) {
         possible.push_back(spec.name);
       }
-    } else if (completion.names == Completion::Names::branches) {
-      for (const DocumentHistoryBranch& branch : context.document.history->metadata.branches) {
-        possible.push_back(branch.name);
-      }
+    } else if (completion.names != Completion::Names::none) {
+      const DocumentHistoryState& history = context.document.history;
+      for (const DocumentHistoryBranch& branch : history.metadata.branches) possible.push_back(branch.name);
+      if (completion.names == Completion::Names::branches) continue;
+      for (const DocumentCheckpoint& checkpoint : history.allCheckpoints()) possible.push_back(checkpoint.id);
     }
   }
   return possible;

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "console/command.h"
+#include "console/compare_commands.h"
 #include "console/drawing_commands.h"
 #include "console/edit_commands.h"
 #include "console/help_commands.h"
@@ -159,6 +160,18 @@ std::vector<Command> makeTable() {
        .isKnownInChains = true,
        .chainRefusal = "help cannot be used in a chain.",
        .parse = parseHelp},
+      {.word = "compare",
+       .usage = "compare <name>",
+       .summary = "what differs from a branch, a checkpoint or a document",
+       .example = "compare main",
+       .completions = {{.names = Names::drawings}},
+       .parse = parseCompare},
+      {.word = "merge",
+       .usage = "merge <name> [ours|theirs|both]",
+       .summary = "take over what was drawn there; conflicts by ours, theirs or both",
+       .example = "merge option-a ours",
+       .completions = {{.names = Names::drawings}, {.position = 2, .words = {"both", "ours", "theirs"}}},
+       .parse = parseMerge},
       {.word = "more",
        .usage = "more",
        .summary = "list the commands that help does not tell",

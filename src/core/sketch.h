@@ -148,6 +148,8 @@ class Sketch {
   void clearSelection() { selection = Selection(); }
   /// The inspector opens on a selection alone.
   void setInspected(bool inspected);
+  /// Leaves out of the selection what is no entity any more, after an edit that may have removed some.
+  void keepSelectionOfEntities() { settleSelection(); }
   void setClipboard(std::vector<SketchEntity> entities) { clipboard = std::move(entities); }
 
  private:

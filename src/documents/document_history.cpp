@@ -135,7 +135,8 @@ DocumentHistoryState ensureDocumentHistory(FileSystem& files, const FilePath& ur
 }
 
 DocumentCheckpoint createCheckpoint(FileSystem& files, const FilePath& url, std::string_view message,
-                                    Date date, const SketchDocumentV2& snapshot) {
+                                    Date date, const SketchDocumentV2& snapshot,
+                                    std::vector<std::string> merged) {
   const FilePath path = checkedDocumentURL(url);
   files.createFolders(storeFolder(path));
   const auto lock = lockDocumentHistory(files, path);
@@ -149,6 +150,7 @@ DocumentCheckpoint createCheckpoint(FileSystem& files, const FilePath& url, std:
   }
   checkpoint.createdAt = date;
   checkpoint.fileName = checkpoint.id + kDocumentExtension;
+  checkpoint.mergedCheckpointIDs = std::move(merged);
 
   const std::string& branchID = state.metadata.currentBranchID;
   const FilePath target = checkedForLinks(files, path, checkpointURL(path, branchID, checkpoint.fileName));

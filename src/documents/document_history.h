@@ -17,6 +17,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "documents/document_history_state.h"
 #include "documents/sketch_document.h"
@@ -57,8 +58,10 @@ DocumentHistoryState loadDocumentHistory(FileSystem& files, const FilePath& url)
 DocumentHistoryState ensureDocumentHistory(FileSystem& files, const FilePath& url);
 
 /// Adds a checkpoint with this snapshot to the current branch. A blank message becomes "Checkpoint n".
+/// `merged`: the checkpoints that were merged into the drawing since the last one.
 DocumentCheckpoint createCheckpoint(FileSystem& files, const FilePath& url, std::string_view message,
-                                    Date date, const SketchDocumentV2& snapshot);
+                                    Date date, const SketchDocumentV2& snapshot,
+                                    std::vector<std::string> merged = {});
 /// Adds a branch that starts with a copy of a checkpoint of any branch. The current branch stays.
 DocumentHistoryBranch createBranch(FileSystem& files, const FilePath& url, const std::string& name,
                                    const std::string& sourceCheckpointID, Date date);

@@ -18,6 +18,7 @@ struct DocumentCheckpoint {
   Date createdAt;
   std::string fileName;
   std::optional<std::string> sourceCheckpointID;  ///< what a branch's first checkpoint was copied from
+  std::vector<std::string> mergedCheckpointIDs;   ///< what was merged into the drawing since the one before
   friend bool operator==(const DocumentCheckpoint&, const DocumentCheckpoint&) = default;
 };
 
@@ -56,6 +57,13 @@ struct DocumentHistoryState {
   };
   /// By exact id.
   std::optional<FoundCheckpoint> findCheckpoint(std::string_view id) const;
+  /// The checkpoints whose identifiers begin so.
+  std::vector<FoundCheckpoint> findCheckpoints(std::string_view beginning) const;
+  /// The nearest checkpoint that a drawing, which has come from all of `ours`, and the checkpoint `theirs`
+  /// have both come from: along their branches, the checkpoints that these began with, and merges. It may be
+  /// one of those given. Of several that are equally near, the one with the fewest steps to both.
+  std::optional<std::string> nearestCommonAncestor(const std::vector<std::string>& ours,
+                                                   const std::string& theirs) const;
 
   friend bool operator==(const DocumentHistoryState&, const DocumentHistoryState&) = default;
 };

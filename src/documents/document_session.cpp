@@ -17,6 +17,7 @@ DocumentSession::DocumentSession(ChangeTracker& tracker, Sketch& sketch, Message
 
 void DocumentSession::begin() {
   const auto scope = change();
+  unrecordedMerges_.clear();
   Drawing empty = sketch_.drawing;
   empty.entities.clear();
   sketch_.replace(std::move(empty));
@@ -43,6 +44,7 @@ void DocumentSession::adopt(LoadedSketchDocument document) {
 void DocumentSession::adopt(OpenedDocument document) {
   const auto scope = change();
   name = std::move(document.name);
+  unrecordedMerges_.clear();
   sketch_.replace(std::move(document.drawing), std::move(document.undo));
   stage_.documentOpened(document.viewport);
 }

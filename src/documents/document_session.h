@@ -9,6 +9,8 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "core/messages.h"
 #include "core/sketch.h"
@@ -105,7 +107,23 @@ class DocumentSession {
   /// Branches and checkpoints as the console lists them, or the sentence that says why there are none.
   std::string historyText() const;
 
+  // --- Merging (history_operations.cpp); what to merge is found in documents/named_drawing.h
+
+  /// Puts a merged drawing in the place of the open one, as one undo step. `checkpointID`: what was merged.
+  void takeMerged(const Drawing& merged, const std::optional<std::string>& checkpointID);
+  /// The checkpoints that were merged into the drawing since the last one of its branch, unless undone.
+  std::vector<std::string> mergedCheckpoints() const;
+
+  /// The user's Documents folder, from which names of other documents lead.
+  const FilePath& documentsFolder() const { return documentsFolder_; }
+  void setDocumentsFolder(FilePath folder) { documentsFolder_ = std::move(folder); }
+
  private:
+  struct UnrecordedMerge {
+    std::string checkpointID;
+    EntityList merged;  // with a root of its own, by which it is known among the undo steps
+  };
+
   void adopt(OpenedDocument document);
   /// Writes the head of a branch as the document, and the branch as the current one, or neither.
   void writeSwitched(const FilePath& url, const OpenedDocument& next, const DocumentHistoryMetadata& before,
@@ -118,6 +136,8 @@ class DocumentSession {
   DocumentStage& stage_;
   Host host_;
   std::optional<DocumentOnDisk> onDisk_;
+  FilePath documentsFolder_;
+  std::vector<UnrecordedMerge> unrecordedMerges_;
 };
 
 }  // namespace ostrelon

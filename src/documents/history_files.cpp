@@ -113,6 +113,9 @@ DocumentCheckpoint checkpointOf(const Node& node) {
   checkpoint.createdAt = node.required("createdAt").date();
   checkpoint.fileName = node.required("fileName").plainName();
   checkpoint.sourceCheckpointID = optionalText(node.optional("sourceCheckpointID"));
+  if (const auto merged = node.optional("mergedCheckpointIDs")) {
+    merged->forEach([&](const Node& id) { checkpoint.mergedCheckpointIDs.push_back(id.text()); });
+  }
   return checkpoint;
 }
 
@@ -174,6 +177,8 @@ std::string encodeBranchTimeline(const DocumentBranchTimeline& timeline) {
                 {"createdAt", iso8601Text(checkpoint.createdAt)},
                 {"fileName", checkpoint.fileName}};
     setOptional(object, "sourceCheckpointID", checkpoint.sourceCheckpointID);
+    if (!checkpoint.mergedCheckpointIDs.empty())
+      object["mergedCheckpointIDs"] = checkpoint.mergedCheckpointIDs;
     checkpoints.push_back(std::move(object));
   }
   json object{{"branchID", timeline.branchID}};

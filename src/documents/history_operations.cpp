@@ -1,4 +1,5 @@
 // Checkpoints and branches of the open document.
+#include <algorithm>
 #include <utility>
 
 #include "documents/document_history.h"
@@ -45,7 +46,9 @@ DocumentCheckpoint DocumentSession::saveCheckpoint(std::optional<std::string> me
   if (!url) throw Error(Error::Case::documentMustBeSaved);
   save(*url);
   DocumentCheckpoint checkpoint =
-      createCheckpoint(host_.files, *url, message.value_or(""), host_.scheduler.now(), makeDocument(false));
+      createCheckpoint(host_.files, *url, message.value_or(""), host_.scheduler.now(), makeDocument(false),
+                       mergedCheckpoints());
+  unrecordedMerges_.clear();
   refreshHistory();
   return checkpoint;
 }
@@ -118,6 +121,30 @@ void DocumentSession::writeSwitched(const FilePath& url, const OpenedDocument& n
     if (onDisk_ != onDisk) sketch_.setDirty(true);
     throw;
   }
+}
+
+void DocumentSession::takeMerged(const Drawing& merged, const std::optional<std::string>& checkpointID) {
+  const auto scope = change();
+  Drawing taken = merged;
+  taken.entities = EntityList::fromChunks(merged.entities.chunks());
+  if (checkpointID) unrecordedMerges_.push_back({*checkpointID, taken.entities});
+  sketch_.edit([&](Drawing& drawing) { drawing = std::move(taken); });
+  sketch_.keepSelectionOfEntities();
+}
+
+std::vector<std::string> DocumentSession::mergedCheckpoints() const {
+  std::vector<std::string> ids;
+  const auto isIn = [&](const EntityList& merged) {
+    if (merged.sharesAllStorage(sketch_.entities())) return true;
+    const auto& steps = sketch_.undoStack->undoSnapshots();
+    return std::any_of(steps.begin(), steps.end(), [&](const SketchUndoSnapshot& step) {
+      return merged.sharesAllStorage(step.entities);
+    });
+  };
+  for (const UnrecordedMerge& merge : unrecordedMerges_) {
+    if (!merge.merged.empty() && isIn(merge.merged)) ids.push_back(merge.checkpointID);
+  }
+  return ids;
 }
 
 std::string DocumentSession::historyText() const {

@@ -43,6 +43,10 @@ int run(int argc, char** argv) {
       return 0;
     case CommandLine::Mode::withoutWindow:
       return ostrelon::runWithoutWindow(line);
+    case CommandLine::Mode::compare:
+    case CommandLine::Mode::merge:
+    case CommandLine::Mode::describe:
+      return ostrelon::runOnFiles(line);
     case CommandLine::Mode::automation:
       return ostrelon::serveAutomation(line, ostrelon::picturesWithoutDisplay());
     case CommandLine::Mode::window:

@@ -1,5 +1,6 @@
 #include "shell/run_without_window.h"
 
+#include <QString>
 #include <cstdio>
 #include <iostream>
 #include <iterator>
@@ -7,10 +8,12 @@
 
 #include "app/console_run.h"
 #include "app/drawing_exchange.h"
+#include "app/drawing_files.h"
 #include "app/workspace.h"
 #include "platform/dialogs.h"
 #include "platform/disk_file_system.h"
 #include "platform/scheduler.h"
+#include "platform/user_paths.h"
 #include "shell/displayless_pictures.h"
 
 namespace ostrelon {
@@ -28,6 +31,13 @@ std::map<std::string, std::string> readScripts(const CommandLine& line, FileSyst
   return scripts;
 }
 
+FilePath documentsFolder(const CommandLine& line, FileSystem& files) {
+  if (line.home) return userPathsBelow(standardizedPath(*line.home)).documentsFolder;
+  return userPaths(files,
+                   [](const std::string& name) { return qEnvironmentVariable(name.c_str()).toStdString(); })
+      .documentsFolder;
+}
+
 }  // namespace
 
 int runWithoutWindow(const CommandLine& line) {
@@ -37,6 +47,7 @@ int runWithoutWindow(const CommandLine& line) {
   QueuedDialogs dialogs;
   Workspace workspace(Host{scheduler, dialogs, files});
   workspace.board.resizeCanvas(line.exportOptions.size);
+  workspace.document.setDocumentsFolder(documentsFolder(line, files));
 
   TranscriptPrinter transcript(workspace, [](std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stdout);
@@ -71,6 +82,27 @@ int runWithoutWindow(const CommandLine& line) {
     return 2;
   }
   return transcript.hasSeenError() ? 1 : 0;
+}
+
+int runOnFiles(const CommandLine& line) {
+  DiskFileSystem files;
+  const PrintLine print = [](std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    std::fputc('\n', stdout);
+  };
+  try {
+    switch (line.mode) {
+      case CommandLine::Mode::compare:
+        return compareFiles(line, files, print);
+      case CommandLine::Mode::merge:
+        return mergeFiles(line, files, print);
+      default:
+        return describeFile(line, files, print);
+    }
+  } catch (const UserError& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 2;
+  }
 }
 
 }  // namespace ostrelon

@@ -10,4 +10,8 @@ namespace ostrelon {
 /// console line was answered with an error, and 2 for a file that cannot be read or written.
 int runWithoutWindow(const CommandLine& line);
 
+/// Compares, merges or describes files of drawings. The exit status is that of the work, and 2 for a file
+/// that cannot be read or written.
+int runOnFiles(const CommandLine& line);
+
 }  // namespace ostrelon

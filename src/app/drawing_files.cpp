@@ -1,0 +1,140 @@
+#include "app/drawing_files.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <utility>
+
+#include "documents/merge.h"
+#include "documents/number_text.h"
+#include "documents/opened_document.h"
+#include "documents/sketch_document_io.h"
+
+namespace ostrelon {
+namespace {
+
+constexpr std::string_view kNoFile = "/dev/null";
+
+// A document that version control says is not there.
+bool isNoFile(const FilePath& path) { return path == FilePath(kNoFile); }
+
+OpenedDocument readDocument(FileSystem& files, const FilePath& given) {
+  const FilePath path = standardizedPath(given);
+  try {
+    return openedDocument(SketchDocumentIO::decodeDocument(files.readFile(path)), Drawing());
+  } catch (const DocumentFormatError& error) {
+    throw UserError(fmt::format("Could not read {}: {}", quotedName(path), error.what()));
+  }
+}
+
+Drawing readDrawing(FileSystem& files, const FilePath& path) {
+  if (!isNoFile(path)) return readDocument(files, path).drawing;
+  Drawing none;
+  none.wallSystemSpecs.clear();
+  return none;
+}
+
+std::optional<Drawing> readBase(FileSystem& files, const FilePath& path) {
+  if (isNoFile(path)) return std::nullopt;
+  const auto info = files.info(standardizedPath(path));
+  if (info && info->isRegularFile && info->size == 0) return std::nullopt;
+  return readDocument(files, path).drawing;
+}
+
+std::string numberText(double number) {
+  std::array<char, kLongestNumberText> text{};
+  // The sign of a negative zero stays in a file, and says nothing.
+  return {text.data(), putNumber32(text.data(), number == 0 ? 0 : number)};
+}
+
+std::string pointText(SketchPoint point) { return numberText(point.x) + ' ' + numberText(point.y); }
+
+// In quotation marks, and on one line whatever it holds.
+std::string quoted(const std::string& text) {
+  return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+std::string shapeText(const SketchEntity& entity, const Drawing& drawing) {
+  return std::visit(
+      Overloaded{[](const LineEntity& line) { return pointText(line.from) + ' ' + pointText(line.to); },
+                 [&](const WallEntity& wall) {
+                   const WallSystemSpec* system = drawing.wallSystem(wall.systemSpecID);
+                   return pointText(wall.from) + ' ' + pointText(wall.to) + ' ' +
+                          (system == nullptr ? "unknown" : quoted(system->name));
+                 },
+                 [](const CircleEntity& circle) {
+                   return pointText(circle.center) + ' ' + numberText(circle.radius);
+                 },
+                 [](const ArcEntity& arc) {
+                   return pointText(arc.center) + ' ' + numberText(arc.radius) + ' ' +
+                          numberText(arc.startAngle) + ' ' + numberText(arc.endAngle);
+                 },
+                 [](const RectangleEntity& rectangle) {
+                   return pointText(rectangle.origin) + ' ' + numberText(rectangle.size.width) + ' ' +
+                          numberText(rectangle.size.height);
+                 },
+                 [](const PolygonEntity& polygon) {
+                   std::string text;
+                   for (const SketchPoint vertex : polygon.vertices) {
+                     text += (text.empty() ? "" : " ") + pointText(vertex);
+                   }
+                   return text;
+                 }},
+      entity);
+}
+
+}  // namespace
+
+int compareFiles(const CommandLine& line, FileSystem& files, const PrintLine& print) {
+  const Drawing before = readDrawing(files, line.files.at(0));
+  const Drawing after = readDrawing(files, line.files.at(1));
+  const DrawingDifference difference = compareDrawings(before, after, NumberPrecision::asInFiles);
+  print(differenceCounts(difference));
+  for (const std::string& text : differenceLines(difference, before, after)) print(text);
+  return difference.empty() ? 0 : 1;
+}
+
+int mergeFiles(const CommandLine& line, FileSystem& files, const PrintLine& print) {
+  const std::optional<Drawing> base = readBase(files, line.files.at(0));
+  OpenedDocument ours = readDocument(files, line.files.at(1));
+  const Drawing theirs = readDocument(files, line.files.at(2)).drawing;
+  const Merge merge =
+      mergeDrawings(base ? &*base : nullptr, ours.drawing, theirs, NumberPrecision::asInFiles);
+  if (!merge.conflicts.empty() && !line.prefer) {
+    const std::size_t count = merge.conflicts.size();
+    print(fmt::format("{} conflict{}:", count, count == 1 ? "" : "s"));
+    for (const MergeConflict& conflict : merge.conflicts) print(conflictText(conflict, ours.drawing, theirs));
+    return 1;
+  }
+  const Drawing merged = mergedDrawing(
+      merge, ours.drawing, [&](const MergeConflict&) { return line.prefer.value_or(MergeChoice::ours); });
+  const DrawingDifference taken = compareDrawings(ours.drawing, merged);
+  if (!merge.empty()) ours.undo.push_back({std::exchange(ours.drawing, merged).entities});
+  const SketchDocumentV2 document = documentOf(std::move(ours.name), ours.drawing, ours.viewport, ours.undo);
+  files.writeFile(standardizedPath(*line.saveAs), [&](const FileSystem::Writer& write) {
+    SketchDocumentIO::encodeDocument(document, write);
+  });
+  print(taken.empty() ? "Nothing to merge." : "Merged: " + differenceCounts(taken));
+  return 0;
+}
+
+void describeDrawing(const Drawing& drawing, const PrintLine& print) {
+  for (const WallSystemSpec& system : drawing.wallSystemSpecs) {
+    print(fmt::format("wall-system {} {} thickness {} height {} notes {}", system.id.text(),
+                      quoted(system.name), numberText(system.thickness), numberText(system.height),
+                      quoted(system.assemblyNotes)));
+  }
+  for (const SketchEntity& entity : drawing.entities) {
+    print(
+        fmt::format("{} {} {}", entityKindName(entity), entityID(entity).text(), shapeText(entity, drawing)));
+  }
+}
+
+int describeFile(const CommandLine& line, FileSystem& files, const PrintLine& print) {
+  describeDrawing(readDrawing(files, line.files.at(0)), print);
+  return 0;
+}
+
+}  // namespace ostrelon

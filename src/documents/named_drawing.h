@@ -1,0 +1,45 @@
+// Other drawings that a document can be compared with, by a name that a user gives, and merging one of them
+// into the open document.
+//
+// A name is that of a branch, then the beginning of a checkpoint's identifier, then the path of a document
+// from the Documents folder, with or without its extension.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/drawing.h"
+#include "documents/document_session.h"
+#include "documents/merge.h"
+
+namespace ostrelon {
+
+struct NamedDrawing {
+  std::string name;  ///< as messages call it: "branch main", "cp-1f…", "Plan.ostrel"
+  Drawing drawing;
+  std::optional<std::string> checkpointID;  ///< of a branch: its head
+};
+
+/// Reads it. Throws `UserError`, also when a name fits several checkpoints or nothing.
+NamedDrawing namedDrawing(const DocumentSession& document, std::string_view name);
+
+/// The content of a document file, read whatever its name ends in. Throws `UserError`.
+Drawing drawingOfFile(FileSystem& files, const FilePath& path);
+
+struct MergeOutcome {
+  /// From our drawing before to the merged one; where conflicts are unsettled, what would be taken.
+  DrawingDifference taken;
+  std::vector<MergeConflict> conflicts;
+  /// The drawing has been changed, as one undo step; of wall systems there is no undo.
+  bool isDone = false;
+};
+
+/// Merges into the open drawing, from the nearest common ancestor in the document's history, if there is one.
+/// With conflicts and no choice nothing is changed. A checkpoint that was merged is recorded with the next
+/// one that is saved. Throws `UserError`, and has changed nothing then.
+MergeOutcome mergeIntoDocument(DocumentSession& document, const NamedDrawing& theirs,
+                               std::optional<MergeChoice> choice);
+
+}  // namespace ostrelon
