@@ -28,6 +28,7 @@ Application::Application(ApplicationServices services, ApplicationOptions option
                                            [ended](SaveOutcome) { ended(); });
                      }),
       opener_(workspace_, settings_, closeQuestion_, options.opensInBackground) {
+  if (!options.stateFolder.empty()) journal_.emplace(workspace_, options.stateFolder / "journals");
   selectionSubscription_ = workspace_.observe(fieldsOf(workspace_.sketch.selection), [this](FieldMask) {
     if (!workspace_.sketch.selection->ids.empty() || !workspace_.sketch.selection->isInspected) return;
     // Observers do not change what they observe: the window goes once the operation has ended.
@@ -40,8 +41,10 @@ Application::Application(ApplicationServices services, ApplicationOptions option
 void Application::mainViewAppeared() {
   const bool isTesting = settings_.isUITesting();
   if (isTesting) settings_.resetProjectsFolderForUITesting();
+  if (journal_) journal_->holdMarker();
   {
     const ChangeScope scope(tracker_);
+    if (!isTesting) journalOffers = recoverableJournals();
     showProjectsFolderSetup = !isTesting && !settings_.isProjectsFolderConfigured();
     showAutoSaveRecoveryOffer = !isTesting && settings_.autoSaveRecoveryCandidate->has_value();
   }
@@ -51,7 +54,25 @@ void Application::mainViewAppeared() {
   updates_.startAutomaticChecks();
 }
 
-void Application::willTerminate() { defaults_.set(SettingsKey::lastSessionEndedCleanly, true); }
+void Application::willTerminate() {
+  if (journal_) journal_->remove();
+  defaults_.set(SettingsKey::lastSessionEndedCleanly, true);
+}
+
+bool Application::endBySystem() {
+  if (!workspace_.document.isDirty()) {
+    willTerminate();
+    return true;
+  }
+  if (!journal_ || !journal_->isOpen()) return false;
+  try {
+    journal_->sync();
+  } catch (const FileError&) {
+    return false;
+  }
+  defaults_.set(SettingsKey::lastSessionEndedCleanly, true);
+  return true;
+}
 
 // --- Documents
 
@@ -152,5 +173,30 @@ void Application::skipAutoSaveRecovery() {
   settings_.clearAutoSaveRecoveryCandidate();
   showAutoSaveRecoveryOffer = false;
 }
+
+std::vector<RecoverableJournal> Application::recoverableJournals() const {
+  return journal_ ? journal_->recoverable() : std::vector<RecoverableJournal>();
+}
+
+void Application::recoverJournal(const std::string& id) {
+  if (!journal_) throw UserError("There are no journals here.");
+  opener_.giveUp();
+  journal_->recover(id);
+  journalDealtWith(id);
+}
+
+void Application::discardJournal(const std::string& id) {
+  if (!journal_) throw UserError("There are no journals here.");
+  journal_->discard(id);
+  journalDealtWith(id);
+}
+
+void Application::journalDealtWith(const std::string& id) {
+  std::vector<RecoverableJournal> offers = journalOffers;
+  std::erase_if(offers, [&](const RecoverableJournal& offer) { return offer.id == id; });
+  journalOffers = std::move(offers);
+}
+
+void Application::keepJournalsForLater() { journalOffers = {}; }
 
 }  // namespace ostrelon

@@ -26,6 +26,7 @@ void DocumentSession::begin() {
   name = kUntitledName;
   lastSavedAt = std::nullopt;
   history = DocumentHistoryState();
+  setBasis(sketch_.drawing);
   stage_.documentBegun();
   messages_.appendSystem("New document.");
 }
@@ -44,7 +45,25 @@ void DocumentSession::adopt(OpenedDocument document) {
   const auto scope = change();
   name = std::move(document.name);
   sketch_.replace(std::move(document.drawing), std::move(document.undo));
+  setBasis(sketch_.drawing);
   stage_.documentOpened(document.viewport);
+}
+
+void DocumentSession::adoptUnsaved(OpenedDocument document, SketchUndoStack undo,
+                                   std::optional<DocumentOnDisk> file, std::optional<Date> savedAt) {
+  const auto scope = change();
+  adopt(std::move(document));
+  sketch_.setUndoStack(std::move(undo));
+  sketch_.setDirty(true);
+  fileURL = file ? std::optional(file->path) : std::nullopt;
+  onDisk_ = std::move(file);
+  lastSavedAt = savedAt;
+  refreshHistory();
+}
+
+void DocumentSession::setBasis(Drawing drawing) {
+  basis_ = std::move(drawing);
+  ++basisNumber_;
 }
 
 // --- On the disk
@@ -56,6 +75,7 @@ void DocumentSession::save(const FilePath& url) {
 }
 
 void DocumentSession::putInPlace(DocumentSave& save) {
+  if (aboutToSave_) aboutToSave_(save);
   try {
     save.commit();
   } catch (...) {
@@ -72,6 +92,7 @@ void DocumentSession::finishSave(DocumentSave& save) {
   fileURL = save.url();
   name = documentNameFor(save.url());
   sketch_.setDirty(!save.holdsStateOf(sketch_));
+  setBasis(save.drawing(sketch_.drawing->activeWallSystemSpecID));
   lastSavedAt = host_.scheduler.now();
 }
 

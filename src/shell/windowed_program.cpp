@@ -95,7 +95,8 @@ int runWithWindows(int& argc, char** argv, const WindowStart& start) {
                            .updates = updateConfiguration(kBuildVersion, kBuildNumber, kOstrelonUpdateFeedURL,
                                                           kOstrelonUpdateSigningPublicKey),
                            .isUITesting = start.isUITesting,
-                           .opensInBackground = true});
+                           .opensInBackground = true,
+                           .stateFolder = paths.stateFolder});
   // The desktop's scheme is asked before the program dresses in its own colours.
   const ColorSchemeWatcher colorScheme(
       [&application](ColorScheme scheme) { application.settings().updateColorScheme(scheme); });
