@@ -200,6 +200,7 @@ JournalRecoverySheet::JournalRecoverySheet(Application& application, Theme& them
     const QString name = QStringLiteral("journalRecovery.%1").arg(i + 1);
     content().addSpacing(16);
     auto* row = new QHBoxLayout;
+    row->setSpacing(8);
     auto* texts = new QVBoxLayout;
     texts->setSpacing(0);
     auto* title =
