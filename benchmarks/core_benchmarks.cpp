@@ -4,7 +4,9 @@
 
 #include <cmath>
 
-#include "core/sketch_view_model.h"
+#include "app/workspace.h"
+#include "core/adding.h"
+#include "geometry/edit_operations.h"
 #include "platform/dialogs.h"
 #include "platform/disk_file_system.h"
 
@@ -27,16 +29,16 @@ struct LargeSketch {
   VirtualScheduler scheduler;
   QueuedDialogs dialogs;
   DiskFileSystem files;
-  SketchViewModel sketch{Host{scheduler, dialogs, files}};
+  Workspace workspace{Host{scheduler, dialogs, files}};
 
-  explicit LargeSketch(std::int64_t count) { sketch.restoreSnapshot(lattice(count)); }
+  explicit LargeSketch(std::int64_t count) { workspace.board.restoreSnapshot(lattice(count)); }
 
   // Moves one line, a different one each time, as one undo step.
   void edit() {
-    const EntityList& entities = sketch.entities;
+    const EntityList& entities = workspace.sketch.entities();
     place_ = (place_ + 7919) % entities.size();
-    sketch.selectSingleEntity(entityID(entities[place_]));
-    if (sketch.nudgeSelectedEntity(1, 0) != EntityEditResult::applied) std::abort();
+    selectSingleEntity(workspace.sketch, entityID(entities[place_]));
+    if (nudgeSelectedEntity(workspace.sketch, 1, 0) != EntityEditResult::applied) std::abort();
   }
 
  private:
@@ -68,14 +70,14 @@ void BM_UndoRedo(benchmark::State& state) {
   LargeSketch large(state.range(0));
   large.edit();
   for (auto _ : state) {
-    large.sketch.undo();
-    large.sketch.redo();
+    large.workspace.board.undo();
+    large.workspace.board.redo();
   }
 }
 
 void BM_AppendWithCheckpoint(benchmark::State& state) {
   LargeSketch large(state.range(0));
-  for (auto _ : state) large.sketch.addLine({0, 0}, {10, 10});
+  for (auto _ : state) addLine(large.workspace.sketch, {0, 0}, {10, 10});
 }
 
 // The memory of a thousand undo steps, each of one edit, as a multiple of that of one list.
@@ -102,8 +104,8 @@ void BM_MemoryOfAThousandEdits(benchmark::State& state) {
 void BM_ConsoleLines(benchmark::State& state) {
   LargeSketch large(0);
   for (auto _ : state) {
-    large.sketch.setCommandInput("line 0 0 12.5 40");
-    large.sketch.submitCommandInput();
+    large.workspace.console.setInput("line 0 0 12.5 40");
+    large.workspace.console.submit();
   }
   state.SetItemsProcessed(state.iterations());
 }

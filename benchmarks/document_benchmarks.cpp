@@ -12,7 +12,8 @@
 #include <string>
 #include <utility>
 
-#include "core/sketch_view_model.h"
+#include "app/workspace.h"
+#include "core/adding.h"
 #include "documents/app_settings.h"
 #include "documents/auto_save.h"
 #include "documents/sketch_document.h"
@@ -61,13 +62,13 @@ struct BenchmarkDocument {
   DiskFileSystem files;
   VirtualScheduler scheduler;
   QueuedDialogs dialogs;
-  SketchViewModel sketch{Host{scheduler, dialogs, files}};
+  Workspace workspace{Host{scheduler, dialogs, files}};
 };
 
 SketchDocumentV2 documentOf(std::int64_t size, bool hasUndo) {
   std::mt19937 random(42);
   BenchmarkDocument on;
-  SketchDocumentV2 document = on.sketch.makeDocumentV2(false);
+  SketchDocumentV2 document = on.workspace.document.makeDocument(false);
   const UUID system = document.ws.items.front().id;
   std::vector<SketchEntity> entities;
   entities.reserve(static_cast<std::size_t>(size));
@@ -98,7 +99,7 @@ double peakMegabytes() {
 double heldAfterOpening(const std::string& bytes) {
   BenchmarkDocument on;
   const double before = heldMegabytes();
-  on.sketch.applyLoadedDocument(SketchDocumentIO::decodeDocument(bytes));
+  on.workspace.document.adopt(SketchDocumentIO::decodeDocument(bytes));
   return heldMegabytes() - before;
 }
 
@@ -119,7 +120,7 @@ void openDocument(benchmark::State& state, bool hasUndo) {
   }
   malloc_trim(0);
   resetPeak();
-  for (auto _ : state) on.sketch.openDocumentFile(path);
+  for (auto _ : state) on.workspace.document.open(path);
   state.counters["peakMB"] = peakMegabytes();
   state.counters["fileMB"] = static_cast<double>(size) / kMegabyte;
   state.counters["heldMB"] = held;
@@ -143,8 +144,8 @@ void encodeDocument(benchmark::State& state, bool hasUndo) {
 void saveDocument(benchmark::State& state, bool hasUndo) {
   const FilePath path = std::filesystem::temp_directory_path() / "ostrelon-benchmark.ostrel";
   BenchmarkDocument on;
-  on.sketch.applyLoadedDocument({documentOf(state.range(0), hasUndo)});
-  for (auto _ : state) on.sketch.saveDocumentFile(path);
+  on.workspace.document.adopt({documentOf(state.range(0), hasUndo)});
+  for (auto _ : state) on.workspace.document.save(path);
   state.SetBytesProcessed(static_cast<std::int64_t>(std::filesystem::file_size(path)) * state.iterations());
   std::filesystem::remove(path);
 }
@@ -177,13 +178,13 @@ void BM_AutoSaveHoldsTheMainThread(benchmark::State& state) {
   const FilePath settingsFile = path.parent_path() / "ostrelon-benchmark-settings.json";
   JsonUserDefaults defaults(files, settingsFile);
   AppSettings settings(defaults, files, path.parent_path() / "none");
-  SketchViewModel sketch(Host{scheduler, dialogs, files});
-  sketch.applyLoadedDocument({documentOf(state.range(0), true)});
-  sketch.saveDocumentFile(path);
-  AutoSaveController controller(sketch, settings);
+  Workspace workspace(Host{scheduler, dialogs, files});
+  workspace.document.adopt({documentOf(state.range(0), true)});
+  workspace.document.save(path);
+  AutoSaveController controller(workspace.document, settings);
   controller.rescheduleAutoSave();
   for (auto _ : state) {
-    sketch.addLine({0, 0}, {1, 1});
+    addLine(workspace.sketch, {0, 0}, {1, 1});
     scheduler.clock.advance(Seconds(300));
     state.PauseTiming();
     std::exchange(scheduler.background, nullptr)();

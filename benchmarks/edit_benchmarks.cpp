@@ -2,6 +2,8 @@
 // outside the measured time.
 #include <benchmark/benchmark.h>
 
+#include "core/adding.h"
+#include "geometry/edit_operations.h"
 #include "geometry/hit_testing.h"
 #include "geometry/marquee.h"
 #include "geometry/trim.h"
@@ -22,7 +24,7 @@ std::size_t sizeOf(const benchmark::State& state) { return static_cast<std::size
 // A pick without the index, to compare with.
 void BM_PickByWalking(benchmark::State& state) {
   SketchOnPlan on(sizeOf(state));
-  const EntityList& entities = on.sketch.entities;
+  const EntityList& entities = on.sketch.entities();
   for (auto _ : state) {
     const SketchPoint at = planPlace(on.random() % on.count, on.count);
     benchmark::DoNotOptimize(pickEntityAtPoint(entities, at, kDefaultViewportScale));
@@ -35,8 +37,8 @@ void BM_MarqueeWindow(benchmark::State& state) {
   SketchOnPlan on(sizeOf(state));
   for (auto _ : state) {
     on.lookElsewhere();
-    on.sketch.beginMarquee({600, 300}, {1000, 700});
-    on.sketch.finishMarquee(false);
+    on.board.beginMarquee({600, 300}, {1000, 700});
+    on.board.finishMarquee(false);
   }
 }
 BENCHMARK(BM_MarqueeWindow)->Apply(sizes);
@@ -53,7 +55,7 @@ BENCHMARK(BM_MarqueeOverAll)->Apply(sizes);
 void BM_SelectAll(benchmark::State& state) {
   SketchOnPlan on(sizeOf(state));
   for (auto _ : state) {
-    on.sketch.selectAll();
+    selectAll(on.sketch);
     state.PauseTiming();
     on.sketch.clearSelection();
     state.ResumeTiming();
@@ -65,7 +67,7 @@ BENCHMARK(BM_SelectAll)->Apply(sizes);
 
 void takeBack(benchmark::State& state, SketchOnPlan& on) {
   state.PauseTiming();
-  on.sketch.undo();
+  on.board.undo();
   on.sketch.index();
   state.ResumeTiming();
 }
@@ -74,7 +76,7 @@ void BM_DeleteOne(benchmark::State& state) {
   SketchOnPlan on(sizeOf(state));
   for (auto _ : state) {
     const std::size_t position = on.random() % on.count;
-    on.sketch.deleteEntity(UUID(entityID(on.sketch.entities.get()[position])));
+    deleteEntity(on.sketch, on.workspace.messages, UUID(entityID(on.sketch.entities()[position])));
     on.sketch.index();
     takeBack(state, on);
   }
@@ -83,10 +85,10 @@ BENCHMARK(BM_DeleteOne)->Apply(sizes);
 
 void BM_PasteThousand(benchmark::State& state) {
   SketchOnPlan on(sizeOf(state));
-  on.sketch.selectEntities(on.blockInTheMiddle(1000));
-  on.sketch.copySelection();
+  selectEntities(on.sketch, on.blockInTheMiddle(1000));
+  copySelection(on.sketch);
   for (auto _ : state) {
-    on.sketch.pasteClipboard();
+    pasteClipboard(on.sketch);
     on.sketch.index();
     takeBack(state, on);
   }
@@ -98,13 +100,13 @@ void BM_UndoOne(benchmark::State& state) {
   SketchOnPlan on(sizeOf(state));
   for (auto _ : state) {
     state.PauseTiming();
-    on.sketch.selectSingleEntity(entityID(on.sketch.entities.get()[on.random() % on.count]));
-    on.sketch.nudgeSelectedEntity(1, 0);
+    selectSingleEntity(on.sketch, entityID(on.sketch.entities()[on.random() % on.count]));
+    nudgeSelectedEntity(on.sketch, 1, 0);
     on.sketch.index();
     state.ResumeTiming();
-    on.sketch.undo();
+    on.board.undo();
     on.sketch.index();
-    on.sketch.redo();
+    on.board.redo();
     on.sketch.index();
   }
 }
@@ -113,13 +115,13 @@ BENCHMARK(BM_UndoOne)->Apply(sizes);
 // Trims a line against the one beside it and undoes it.
 void BM_TrimAndUndo(benchmark::State& state) {
   SketchOnPlan on(sizeOf(state));
-  on.sketch.addLine({-1, -20}, {1, 20});
-  on.sketch.addLine({-20, 0}, {20, 1});
-  const auto cutter = static_cast<std::int64_t>(on.sketch.entities->size()) - 2;
+  addLine(on.sketch, {-1, -20}, {1, 20});
+  addLine(on.sketch, {-20, 0}, {20, 1});
+  const auto cutter = static_cast<std::int64_t>(on.sketch.entities().size()) - 2;
   for (auto _ : state) {
-    const TrimResult result = on.sketch.applyTrim(cutter + 1, cutter, {10, 0});
+    const TrimResult result = applyTrim(on.sketch, cutter + 1, cutter, {10, 0});
     if (result.code != TrimResult::Code::success) state.SkipWithError("the trim was refused");
-    on.sketch.undo();
+    on.board.undo();
   }
 }
 BENCHMARK(BM_TrimAndUndo)->Apply(sizes);
@@ -128,7 +130,7 @@ BENCHMARK(BM_TrimAndUndo)->Apply(sizes);
 void selectATenth(SketchOnPlan& on) {
   std::vector<std::int64_t> positions;
   for (std::size_t i = 0; i < on.count; i += 10) positions.push_back(static_cast<std::int64_t>(i));
-  on.sketch.selectEntities(positions);
+  selectEntities(on.sketch, positions);
 }
 
 void BM_DeleteATenth(benchmark::State& state) {
@@ -137,7 +139,7 @@ void BM_DeleteATenth(benchmark::State& state) {
     state.PauseTiming();
     selectATenth(on);
     state.ResumeTiming();
-    on.sketch.deleteSelection();
+    deleteSelection(on.sketch, on.workspace.messages);
     takeBack(state, on);
   }
 }
@@ -149,7 +151,7 @@ void BM_AlignATenth(benchmark::State& state) {
     state.PauseTiming();
     selectATenth(on);
     state.ResumeTiming();
-    on.sketch.alignSelection(AlignmentAxis::horizontal);
+    alignSelection(on.sketch, AlignmentAxis::horizontal);
     takeBack(state, on);
   }
 }

@@ -2,6 +2,7 @@
 // The pointer works in one part of the drawing for some hundred moves and then goes on to another, anywhere.
 #include <benchmark/benchmark.h>
 
+#include "geometry/edit_operations.h"
 #include "geometry/selection_handles.h"
 #include "interaction/canvas_transform.h"
 #include "interaction/sketch_snapping.h"
@@ -44,7 +45,7 @@ BENCHMARK(BM_HoverPick)->Apply(sizes);
 // One move of a line that is being drawn.
 void BM_SnapDraftEnd(benchmark::State& state) {
   SketchOnPlan on(sizeOf(state));
-  on.sketch.activateTool(SketchTool::line);
+  on.board.activateTool(SketchTool::line);
   on.gestures.press({800, 500});
   for (auto _ : state) {
     on.goOn();
@@ -55,27 +56,27 @@ BENCHMARK(BM_SnapDraftEnd)->Apply(sizes);
 
 // Takes hold of what is drawn at this position; false when nothing came along.
 bool takeHold(SketchOnPlan& on, std::size_t position, SketchPoint& press) {
-  const SketchEntity& entity = on.sketch.entities.get()[position];
-  const double scale = on.sketch.viewport->scale;
+  const SketchEntity& entity = on.sketch.entities()[position];
+  const double scale = on.board.viewport().scale;
   const SketchPoint at = selectionHandles(entity).begin()->second;
-  on.sketch.setViewport(800 - at.x * scale, 500 + at.y * scale, scale);
+  on.board.setViewport({{800 - at.x * scale, 500 + at.y * scale}, scale});
   press = {800, 500};
   on.gestures.press(press);
   on.gestures.drag(press + SketchPoint{20, 10});
-  return on.sketch.selectDrag->has_value();
+  return on.board.selectDrag() != nullptr;
 }
 
 // The snap of a moved entity alone: its points against those of all others.
 void BM_SnapEntityMove(benchmark::State& state) {
   SketchOnPlan on(sizeOf(state));
   const std::size_t position = on.count / 2 / 10 * 10;
-  const SketchEntity moved = on.sketch.entities.get()[position];
+  const SketchEntity moved = on.sketch.entities()[position];
   const SketchPoint home = planPlace(position, on.count);
   for (auto _ : state) {
     on.goOn();
-    const SketchPoint to = viewPointToSketch(on.randomViewPoint(), on.sketch.viewport);
+    const SketchPoint to = viewPointToSketch(on.randomViewPoint(), on.board.viewport());
     benchmark::DoNotOptimize(
-        SketchSnapping::snapEntityMove(to - home, on.sketch.viewport, moved, on.sketch.index()));
+        SketchSnapping::snapEntityMove(to - home, on.board.viewport(), moved, on.sketch.index()));
   }
 }
 BENCHMARK(BM_SnapEntityMove)->Apply(sizes);
@@ -98,7 +99,7 @@ BENCHMARK(BM_DragOne)->Apply(sizes);
 void BM_DragThousand(benchmark::State& state) {
   SketchOnPlan on(sizeOf(state));
   const auto block = on.blockInTheMiddle(1000);
-  on.sketch.selectEntities(block);
+  selectEntities(on.sketch, block);
   drag(state, on, static_cast<std::size_t>(block.front()));
 }
 BENCHMARK(BM_DragThousand)->Apply(sizes);

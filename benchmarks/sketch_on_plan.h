@@ -1,9 +1,9 @@
-// A view model over a plan, without a window and without files.
+// A workspace over a plan, without a window and without files.
 #pragma once
 
 #include <random>
 
-#include "core/sketch_view_model.h"
+#include "app/workspace.h"
 #include "interaction/canvas_gestures.h"
 #include "plan.h"
 #include "platform/dialogs.h"
@@ -16,14 +16,16 @@ struct SketchOnPlan {
   VirtualScheduler scheduler{dateFromSeconds(0)};
   QueuedDialogs dialogs;
   DiskFileSystem files;
-  SketchViewModel sketch{Host{scheduler, dialogs, files}};
-  CanvasGestures gestures{sketch};
+  Workspace workspace{Host{scheduler, dialogs, files}};
+  Sketch& sketch = workspace.sketch;
+  Board& board = workspace.board;
+  CanvasGestures gestures{board};
   std::size_t count;
   std::mt19937_64 random{4711};  // the same places for every run of a size
 
   explicit SketchOnPlan(std::size_t entityCount) : count(entityCount) {
-    sketch.updateCanvasSize({1600, 1000});
-    sketch.restoreSnapshot(plan(count));
+    board.resizeCanvas({1600, 1000});
+    board.restoreSnapshot(plan(count));
     sketch.index();
   }
 
@@ -37,8 +39,8 @@ struct SketchOnPlan {
   /// that the processor has at hand.
   void lookElsewhere() {
     const SketchPoint at = planPlace(random() % count, count);
-    const double scale = sketch.viewport->scale;
-    sketch.setViewport(800 - at.x * scale, 500 + at.y * scale, scale);
+    const double scale = board.viewport().scale;
+    board.setViewport({{800 - at.x * scale, 500 + at.y * scale}, scale});
   }
   /// One step of somebody who works at one place for a while before going to another.
   void goOn() {

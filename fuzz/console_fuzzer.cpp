@@ -10,7 +10,7 @@
 #include <string_view>
 #include <unordered_set>
 
-#include "core/sketch_view_model.h"
+#include "app/workspace.h"
 #include "memory_files.h"
 #include "platform/dialogs.h"
 #include "platform/scheduler.h"
@@ -24,30 +24,26 @@ using namespace ostrelon;
 constexpr std::size_t kMostLines = 200;
 
 // What a refused line must leave as it was.
-struct Drawing {
-  EntityList entities;
-  std::unordered_set<UUID> selection;
-  std::optional<UUID> primary;
-  std::size_t undoSteps = 0;
-  std::size_t redoSteps = 0;
-  bool isDirty = false;
-  UUID activeSystem;
-  SketchTool tool = SketchTool::select;
-  std::optional<SketchDraft> draft;
+struct State {
+  Drawing drawing;
+  Selection selection;
+  bool isDirty;
+  std::size_t undoSteps;
+  std::size_t redoSteps;
+  SketchTool tool;
+  Gesture gesture;
   SketchViewport viewport;
 
-  explicit Drawing(const SketchViewModel& sketch)
-      : entities(sketch.entities),
-        selection(sketch.selectedEntityIDs),
-        primary(sketch.primarySelectedEntityID),
-        undoSteps(sketch.undoStack().undoSnapshots().size()),
-        redoSteps(sketch.undoStack().redoSnapshots().size()),
-        isDirty(sketch.isDocumentDirty),
-        activeSystem(sketch.activeWallSystemSpecID),
-        tool(sketch.selectedTool),
-        draft(sketch.draft),
-        viewport(sketch.viewport) {}
-  friend bool operator==(const Drawing&, const Drawing&) = default;
+  explicit State(const Workspace& workspace)
+      : drawing(workspace.sketch.drawing),
+        selection(workspace.sketch.selection),
+        isDirty(workspace.sketch.isDirty),
+        undoSteps(workspace.sketch.undoStack->undoSnapshots().size()),
+        redoSteps(workspace.sketch.undoStack->redoSnapshots().size()),
+        tool(workspace.board.tool),
+        gesture(workspace.board.gesture),
+        viewport(workspace.board.viewport()) {}
+  friend bool operator==(const State&, const State&) = default;
 };
 
 bool readsAsError(std::string_view reply) {
@@ -64,43 +60,43 @@ bool isSameList(const EntityList& a, const EntityList& b) {
   return true;
 }
 
-void checkDrawing(const SketchViewModel& sketch) {
+void checkDrawing(const Workspace& workspace) {
   std::unordered_set<UUID> ids;
-  for (const SketchEntity& entity : *sketch.entities) {
+  for (const SketchEntity& entity : workspace.sketch.entities()) {
     require(ids.insert(entityID(entity)).second, "identifiers are unique");
   }
-  for (const UUID& id : *sketch.selectedEntityIDs) require(ids.contains(id), "what is selected is there");
-  require(!*sketch.primarySelectedEntityID ||
-              sketch.selectedEntityIDs->contains(**sketch.primarySelectedEntityID),
+  for (const UUID& id : workspace.sketch.selection->ids)
+    require(ids.contains(id), "what is selected is there");
+  require(!workspace.sketch.selection->primary ||
+              workspace.sketch.selection->ids.contains(*workspace.sketch.selection->primary),
           "the primary entity is selected");
-  require(sketch.undoCheckpointSuppressionDepth() == 0 && !sketch.isApplyingUndoRedo(),
-          "undo steps are taken again");
-  require(std::isfinite(sketch.viewport->scale) && sketch.viewport->scale > 0, "the view has a scale");
+  require(std::isfinite(workspace.board.viewport().scale) && workspace.board.viewport().scale > 0,
+          "the view has a scale");
 }
 
-void act(std::string_view action, SketchViewModel& sketch) {
-  if (action == "undo") sketch.undo();
-  if (action == "redo") sketch.redo();
+void act(std::string_view action, Workspace& workspace) {
+  if (action == "undo") workspace.board.undo();
+  if (action == "redo") workspace.board.redo();
   if (const auto tool = sketchToolFromRawValue(action)) {
-    sketch.activateTool(*tool);
-    sketch.beginDraft({0, 0});
-    sketch.updateDraft({3, 4});
+    workspace.board.activateTool(*tool);
+    workspace.board.beginDraft({0, 0});
+    workspace.board.updateDraft({3, 4});
   }
 }
 
-void submit(const std::string& text, SketchViewModel& sketch) {
-  const Drawing before(sketch);
+void submit(const std::string& text, Workspace& workspace) {
+  const State before(workspace);
   int told = 0;
   const Subscription subscription =
-      sketch.observe(fieldMask(SketchField::entities), [&](const SketchChange&) { ++told; });
-  const std::size_t linesBefore = sketch.consoleLines->size();
-  sketch.setCommandInput(text);
+      workspace.observe(fieldsOf(workspace.sketch.drawing), [&](FieldMask) { ++told; });
+  const std::size_t linesBefore = workspace.messages.lines->size();
+  workspace.console.setInput(text);
   told = 0;
-  sketch.submitCommandInput();
+  workspace.console.submit();
   require(told <= 1, "observers hear of an edit once");
-  require(sketch.commandInput->empty(), "the field is empty again");
-  const auto& lines = *sketch.consoleLines;
-  const Drawing after(sketch);
+  require(workspace.console.input->empty(), "the field is empty again");
+  const auto& lines = *workspace.messages.lines;
+  const State after(workspace);
   if (trimmed(text).empty()) {
     require(lines.size() == linesBefore && after == before, "a blank line is nothing");
     return;
@@ -119,12 +115,14 @@ void submit(const std::string& text, SketchViewModel& sketch) {
   const bool tookStep = after.undoSteps != before.undoSteps;
   require(!tookStep || after.undoSteps == before.undoSteps + 1, "a line is one undo step");
   require(!tookStep || (after.isDirty && after.redoSteps == 0), "an edit makes the document dirty");
-  require(tookStep || isSameList(after.entities, before.entities), "what changes can be undone");
+  require(tookStep || isSameList(after.drawing.entities, before.drawing.entities),
+          "what changes can be undone");
   if (!tookStep) return;
-  sketch.undo();
-  require(isSameList(sketch.entities, before.entities), "undo gives back the list before the edit");
-  sketch.redo();
-  require(isSameList(sketch.entities, after.entities), "redo gives back the edit");
+  workspace.board.undo();
+  require(isSameList(workspace.sketch.entities(), before.drawing.entities),
+          "undo gives back the list before the edit");
+  workspace.board.redo();
+  require(isSameList(workspace.sketch.entities(), after.drawing.entities), "redo gives back the edit");
 }
 
 }  // namespace
@@ -133,18 +131,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   MemoryFiles files;
   VirtualScheduler scheduler;
   QueuedDialogs dialogs;
-  SketchViewModel sketch(Host{scheduler, dialogs, files});
-  sketch.updateCanvasSize({800, 600});
+  Workspace workspace(Host{scheduler, dialogs, files});
+  workspace.board.resizeCanvas({800, 600});
   std::string_view input(reinterpret_cast<const char*>(data), size);
   for (std::size_t count = 0; count < kMostLines && !input.empty(); ++count) {
     const std::string_view line = input.substr(0, input.find('\n'));
     input.remove_prefix(std::min(input.size(), line.size() + 1));
     if (line.starts_with('!')) {
-      act(line.substr(1), sketch);
+      act(line.substr(1), workspace);
     } else {
-      submit(std::string(line), sketch);
+      submit(std::string(line), workspace);
     }
-    checkDrawing(sketch);
+    checkDrawing(workspace);
   }
   return 0;
 }

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <variant>
 
-#include "core/sketch_view_model.h"
+#include "app/workspace.h"
 #include "documents/sketch_document.h"
 #include "documents/sketch_document_io.h"
 #include "memory_files.h"
@@ -34,15 +34,15 @@ void applyToModel(const LoadedSketchDocument& loaded) {
   MemoryFiles files;
   VirtualScheduler scheduler;
   QueuedDialogs dialogs;
-  SketchViewModel sketch(Host{scheduler, dialogs, files});
-  sketch.applyLoadedDocument(loaded);
-  for (std::size_t step = 0; step <= kStoredUndoSnapshots; ++step) sketch.undo();
-  for (std::size_t step = 0; step <= kStoredUndoSnapshots; ++step) sketch.redo();
+  Workspace workspace(Host{scheduler, dialogs, files});
+  workspace.document.adopt(loaded);
+  for (std::size_t step = 0; step <= kStoredUndoSnapshots; ++step) workspace.board.undo();
+  for (std::size_t step = 0; step <= kStoredUndoSnapshots; ++step) workspace.board.redo();
   const EntityList* entities =
       std::visit(Overloaded{[](const SketchDocumentFile& document) { return &document.entities; },
                             [](const SketchDocumentV2& document) { return &document.e; }},
                  loaded.document);
-  require(*sketch.entities == *entities, "undo and redo come back to what was read");
+  require(workspace.sketch.entities() == *entities, "undo and redo come back to what was read");
 }
 
 }  // namespace

@@ -8,7 +8,9 @@
 #include <numbers>
 #include <random>
 
-#include "core/sketch_view_model.h"
+#include "app/workspace.h"
+#include "core/adding.h"
+#include "geometry/edit_operations.h"
 #include "interaction/canvas_renderer.h"
 #include "platform/dialogs.h"
 #include "platform/disk_file_system.h"
@@ -143,21 +145,21 @@ void BM_HighlightOfALargePolygon(benchmark::State& state) {
   VirtualScheduler scheduler;
   QueuedDialogs dialogs;
   DiskFileSystem files;
-  SketchViewModel sketch(Host{scheduler, dialogs, files});
+  Workspace workspace(Host{scheduler, dialogs, files});
   std::vector<SketchPoint> vertices;
   for (std::int64_t i = 0; i < state.range(0); ++i) {
     const double angle = 2 * std::numbers::pi * static_cast<double>(i) / static_cast<double>(state.range(0));
     const double radius = i % 2 == 0 ? 110 : 90;
     vertices.push_back({radius * std::cos(angle), radius * std::sin(angle)});
   }
-  sketch.addPolygon(vertices);
-  sketch.selectSingleEntity(entityID(sketch.entities->back()));
+  addPolygon(workspace.sketch, vertices);
+  selectSingleEntity(workspace.sketch, entityID(workspace.sketch.entities().back()));
   QImage image(static_cast<int>(kCanvas.width), static_cast<int>(kCanvas.height), QImage::Format_RGB32);
   const CanvasFrame frame{wholeView().transform, lightPalette()};
   for (auto _ : state) {
     QPainter painter(&image);
     QtCanvasPainter canvas(painter);
-    paintLayer(canvas, CanvasLayer::selection, sketch, frame);
+    paintLayer(canvas, CanvasLayer::selection, workspace.board, frame);
   }
 }
 BENCHMARK(BM_HighlightOfALargePolygon)->Arg(100)->Arg(10'000)->Unit(benchmark::kMillisecond);

@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "app/application.h"
+#include "core/adding.h"
 #include "interaction/canvas_renderer.h"
 #include "plan.h"
 #include "platform/dialogs.h"
@@ -104,8 +105,8 @@ class WindowOnPlan {
     window.resize(1920, 1080);
     window.show();
     settle();
-    sketch.restoreSnapshot(plan(static_cast<std::size_t>(count)));
-    sketch.zoomToFit(sketch.canvasSize);
+    workspace.board.restoreSnapshot(plan(static_cast<std::size_t>(count)));
+    workspace.board.zoomToFit(workspace.board.view->canvasSize);
     settle();
   }
 
@@ -162,7 +163,7 @@ class WindowOnPlan {
                           {.documentsFolder = home / "Documents",
                            .updates = updateConfiguration("1.0.0", "1", "", ""),
                            .isUITesting = true}};
-  SketchViewModel& sketch = application.sketch();
+  Workspace& workspace = application.workspace();
   MainWindow window{application, theme()};
 };
 
@@ -189,7 +190,7 @@ void sizes(benchmark::internal::Benchmark* benchmark) {
 void BM_PointerMoveWindow(benchmark::State& state) {
   startWithoutDisplay();
   WindowOnPlan on(state.range(0));
-  on.sketch.activateTool(SketchTool::line);
+  on.workspace.board.activateTool(SketchTool::line);
   on.press(on.middle());
   on.settle();
   Wander pointer(on.middle());
@@ -214,13 +215,13 @@ BENCHMARK(BM_HoverWindow)->Apply(sizes);
 void BM_DragWindow(benchmark::State& state) {
   startWithoutDisplay();
   WindowOnPlan on(state.range(0));
-  on.sketch.addLine({-30, -10}, {30, 10});
+  addLine(on.workspace.sketch, {-30, -10}, {30, 10});
   on.settle();
   on.press(on.middle());
   FrameTimes times;
   Wander pointer(on.middle());
   on.move(pointer.next(), Qt::LeftButton);
-  if (!*on.sketch.selectDrag) state.SkipWithError("nothing was grabbed");
+  if (on.workspace.board.selectDrag() == nullptr) state.SkipWithError("nothing was grabbed");
   on.settle();
   for (auto _ : state) times.add(on.move(pointer.next(), Qt::LeftButton));
   times.report(state);
@@ -267,13 +268,13 @@ void BM_PaintFull(benchmark::State& state) {
   startWithoutDisplay();
   WindowOnPlan on(state.range(0));
   QImage image(on.window.canvas().size(), QImage::Format_RGB32);
-  CanvasFrame frame{{*on.sketch.viewport, *on.sketch.canvasSize}, lightPalette()};
+  CanvasFrame frame{{on.workspace.board.viewport(), on.workspace.board.view->canvasSize}, lightPalette()};
   frame.gridPixelRatio = 1;
   for (auto _ : state) {
     PixelCanvasPainter painter(image, 1);
     paintBackground(painter, frame);
-    paintLayer(painter, CanvasLayer::grid, on.sketch, frame);
-    paintLayer(painter, CanvasLayer::entities, on.sketch, frame);
+    paintLayer(painter, CanvasLayer::grid, on.workspace.board, frame);
+    paintLayer(painter, CanvasLayer::entities, on.workspace.board, frame);
   }
 }
 BENCHMARK(BM_PaintFull)->Apply(sizes);
@@ -282,7 +283,7 @@ BENCHMARK(BM_PaintFull)->Apply(sizes);
 void BM_PaintOverlay(benchmark::State& state) {
   startWithoutDisplay();
   WindowOnPlan on(state.range(0));
-  on.sketch.activateTool(SketchTool::line);
+  on.workspace.board.activateTool(SketchTool::line);
   on.press(on.middle());
   on.move(on.middle() + QPointF(200, 3), Qt::LeftButton);
   on.settle();

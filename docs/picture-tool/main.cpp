@@ -13,6 +13,7 @@
 #include <string_view>
 
 #include "app/menu.h"
+#include "geometry/edit_operations.h"
 #include "manual_pictures.h"
 #include "shell/context_menu_popup.h"
 #include "shell/dialog_sheet.h"
@@ -58,12 +59,12 @@ class Studio {
     application().saveAs();
     settle();
     test_.submit("checkpoint Before the walls move");
-    sketch().clearDocumentToast();
+    workspace().messages.clearToast();
     for (const char* line : {"spec use w2-int", "spec show w2-int"}) test_.submit(line);
     fillCanvas();
   }
 
-  SketchViewModel& sketch() { return test_.sketch; }
+  Workspace& workspace() { return test_.workspace; }
   Application& application() { return test_.application; }
   MainWindow& window() { return program_->mainWindow(); }
   WindowedProgram& program() { return *program_; }
@@ -100,9 +101,10 @@ class Studio {
   }
   /// The plan as large as a picture likes it, which is larger than a view to work in.
   void fillCanvas() {
-    sketch().zoomToFit(sketch().canvasSize);
-    const SketchSize canvas = sketch().canvasSize;
-    sketch().zoomViewport(1.5, {canvas.width / 2, canvas.height / 2});
+    Board& board = workspace().board;
+    const SketchSize canvas = board.view->canvasSize;
+    board.zoomToFit(canvas);
+    board.zoom(1.5, {canvas.width / 2, canvas.height / 2});
     settle();
   }
 
@@ -116,51 +118,51 @@ class Studio {
 };
 
 /// An inner wall with free space beside it, for scenes that need one.
-UUID aWall(SketchViewModel& sketch) {
+UUID aWall(Workspace& workspace) {
   constexpr std::size_t number = 18;
-  return entityID((*sketch.entities)[number - 1]);
+  return entityID((workspace.sketch.entities())[number - 1]);
 }
 
-SketchPoint inView(SketchViewModel& sketch, SketchPoint point) {
-  const SketchViewport& view = sketch.viewport;
+SketchPoint inView(Workspace& workspace, SketchPoint point) {
+  const SketchViewport& view = workspace.board.viewport();
   return {view.pan.x + point.x * view.scale, view.pan.y - point.y * view.scale};
 }
 
 void shootMainWindow(Studio& studio) {
-  SketchViewModel& sketch = studio.sketch();
-  const UUID wall = aWall(sketch);
+  Workspace& workspace = studio.workspace();
+  const UUID wall = aWall(workspace);
   studio.resize(1440, 900);
-  sketch.selectSingleEntity(wall);
-  sketch.hoverMoved(SketchPoint{520, 360});
+  selectSingleEntity(workspace.sketch, wall);
+  workspace.board.hoverMoved(SketchPoint{520, 360});
   studio.shoot(studio.window(), "main");
 
-  sketch.activateTool(SketchTool::wall);
-  sketch.clearSelection();
-  sketch.beginDraft({-100, -80});
-  sketch.updateDraft({-50, -80});
-  sketch.recordPointer(inView(sketch, {-50, -80}));
+  workspace.board.activateTool(SketchTool::wall);
+  workspace.sketch.clearSelection();
+  workspace.board.beginDraft({-100, -80});
+  workspace.board.updateDraft({-50, -80});
+  workspace.board.recordPointer(inView(workspace, {-50, -80}));
   studio.shoot(studio.window(), "drawing");
-  sketch.activateSelectTool();
+  workspace.board.activateSelectTool();
 
   studio.resize(1200, 800);
-  sketch.activateTool(SketchTool::trim);
-  sketch.hoverMoved(inView(sketch, std::get<WallEntity>(*sketch.entity(wall)).from));
+  workspace.board.activateTool(SketchTool::trim);
+  workspace.board.hoverMoved(inView(workspace, std::get<WallEntity>(*workspace.sketch.entity(wall)).from));
   studio.shoot(studio.window(), "trim");
-  sketch.activateSelectTool();
+  workspace.board.activateSelectTool();
 
-  sketch.selectAll();
-  sketch.showDocumentToast("Saved Courtyard House", DocumentToastState::Style::success);
+  selectAll(workspace.sketch);
+  workspace.messages.showToast("Saved Courtyard House", DocumentToastState::Style::success);
   for (int i = 0; i < 20; ++i) {
     QThread::msleep(10);
     QApplication::processEvents();
   }
   studio.shoot(studio.window(), "many");
-  sketch.showDocumentToast("Save failed: The disk is full.", DocumentToastState::Style::error);
+  workspace.messages.showToast("Save failed: The disk is full.", DocumentToastState::Style::error);
   studio.resize(760, 560);
   studio.shoot(studio.window(), "narrow");
-  sketch.clearDocumentToast();
-  sketch.clearSelection();
-  sketch.hoverMoved(std::nullopt);
+  workspace.messages.clearToast();
+  workspace.sketch.clearSelection();
+  workspace.board.hoverMoved(std::nullopt);
   studio.control("wallSystems.unfold").click();
   studio.shoot(studio.window(), "narrow-walls");
   QApplication::processEvents();
@@ -168,16 +170,16 @@ void shootMainWindow(Studio& studio) {
 }
 
 void shootMenus(Studio& studio) {
-  SketchViewModel& sketch = studio.sketch();
+  Workspace& workspace = studio.workspace();
   for (QAction* action : studio.window().topBar().menuBar().actions()) {
     if (action->text() != "File") continue;
     action->menu()->popup(QPoint(0, 0));
     studio.shoot(*action->menu(), "menu-file");
     action->menu()->close();
   }
-  sketch.selectSingleEntity(aWall(sketch));
+  selectSingleEntity(workspace.sketch, aWall(workspace));
   QMenu menu;
-  fillContextMenu(menu, *entityContextMenu(sketch), sketch);
+  fillContextMenu(menu, *entityContextMenu(workspace.sketch), workspace.sketch, workspace.messages);
   menu.popup(QPoint(0, 0));
   menu.setActiveAction(menu.actions().back());
   studio.shoot(menu, "menu-context");
@@ -185,14 +187,14 @@ void shootMenus(Studio& studio) {
 }
 
 void shootInspector(Studio& studio) {
-  SketchViewModel& sketch = studio.sketch();
-  sketch.selectSingleEntity(aWall(sketch));
-  sketch.showEntityInspector();
+  Workspace& workspace = studio.workspace();
+  selectSingleEntity(workspace.sketch, aWall(workspace));
+  showEntityInspector(workspace.sketch);
   studio.shoot(studio.program().inspector(), "inspector");
-  sketch.selectAll();
+  selectAll(workspace.sketch);
   studio.shoot(studio.program().inspector(), "inspector-many");
-  sketch.setEntityInspectorVisible(false);
-  sketch.clearSelection();
+  workspace.sketch.setInspected(false);
+  workspace.sketch.clearSelection();
 }
 
 void shootQuestions(Studio& studio) {

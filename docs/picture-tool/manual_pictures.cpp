@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "app/application.h"
+#include "geometry/edit_operations.h"
 #include "geometry/entity_geometry.h"
 #include "interaction/canvas_transform.h"
 #include "platform/dialogs.h"
@@ -13,7 +14,7 @@
 #include "shell/inspector_window.h"
 #include "shell/main_window.h"
 #include "shell/print_window.h"
-#include "support/test_sketch.h"
+#include "support/test_workspace.h"
 #include "updates/served_update_client.h"
 
 namespace ostrelon {
@@ -46,10 +47,10 @@ class Photographer {
   bool hasFailed_ = false;
 };
 
-std::optional<UUID> longestWall(const SketchViewModel& sketch) {
+std::optional<UUID> longestWall(const Workspace& workspace) {
   std::optional<UUID> longest;
   double length = 0;
-  for (const SketchEntity& entity : *sketch.entities) {
+  for (const SketchEntity& entity : workspace.sketch.entities()) {
     const auto* wall = std::get_if<WallEntity>(&entity);
     if (wall == nullptr || distanceBetween(wall->from, wall->to) <= length) continue;
     length = distanceBetween(wall->from, wall->to);
@@ -58,16 +59,16 @@ std::optional<UUID> longestWall(const SketchViewModel& sketch) {
   return longest;
 }
 
-void drawWallFromLockedPoint(SketchViewModel& sketch, VirtualScheduler& scheduler, SketchPoint locked,
+void drawWallFromLockedPoint(Workspace& workspace, VirtualScheduler& scheduler, SketchPoint locked,
                              SketchPoint from, SketchPoint to) {
-  const auto view = [&](SketchPoint point) { return sketchPointToView(point, *sketch.viewport); };
-  sketch.activateTool(SketchTool::wall);
-  sketch.hoverMoved(view(locked));
+  const auto view = [&](SketchPoint point) { return sketchPointToView(point, workspace.board.viewport()); };
+  workspace.board.activateTool(SketchTool::wall);
+  workspace.board.hoverMoved(view(locked));
   scheduler.advance(Seconds(1.2));
-  sketch.beginDraft(from);
+  workspace.board.beginDraft(from);
   for (double part = 0.2; part <= 1; part += 0.2) {
-    sketch.recordPointer(view(from + (to - from) * part));
-    sketch.updateDraft(from + (to - from) * part);
+    workspace.board.recordPointer(view(from + (to - from) * part));
+    workspace.board.updateDraft(from + (to - from) * part);
   }
 }
 
@@ -89,7 +90,7 @@ bool makeManualPictures(const QString& folder) {
                            .openInstaller = [](const FilePath&) { return true; },
                            .makePicture = {}},
                           {.documentsFolder = "/home/user/Documents", .updates = {}, .isUITesting = true});
-  SketchViewModel& sketch = application.sketch();
+  Workspace& workspace = application.workspace();
 
   MainWindow window(application, theme);
   window.resize(1200, 800);
@@ -97,21 +98,21 @@ bool makeManualPictures(const QString& folder) {
   QApplication::processEvents();
   application.openSamplePlan();
   for (const char* line : {"spec use W2-EXT", "select 1"}) {
-    sketch.setCommandInput(line);
-    sketch.submitCommandInput();
+    workspace.console.setInput(line);
+    workspace.console.submit();
   }
-  sketch.selectSingleEntity(longestWall(sketch));
+  selectSingleEntity(workspace.sketch, longestWall(workspace));
   Photographer::settle();
-  sketch.zoomToFit(*sketch.canvasSize);
-  sketch.recordPointer(SketchPoint{420, 300});
+  workspace.board.zoomToFit(workspace.board.view->canvasSize);
+  workspace.board.recordPointer(SketchPoint{420, 300});
   photographer.shoot(window, "main");
 
-  sketch.showEntityInspector();
+  showEntityInspector(workspace.sketch);
   {
-    InspectorWindow inspector(sketch, theme, &window);
+    InspectorWindow inspector(workspace, theme, &window);
     photographer.shoot(inspector, "inspector");
   }
-  sketch.clearSelection();
+  workspace.sketch.clearSelection();
 
   auto* sheet = new ExportSheet(application, theme, window);
   auto* paper = sheet->findChild<QComboBox*>("export.paper");
@@ -132,15 +133,15 @@ bool makeManualPictures(const QString& folder) {
   photographer.shoot(print, "print");
   print.hide();
 
-  sketch.newDocument();
+  workspace.document.begin();
   for (const char* line :
        {"wall -40 20 40 20 W2-EXT", "wall -40 20 -40 -30 W2-EXT", "wall -40 -30 0 -30 W2-EXT", "select"}) {
-    sketch.setCommandInput(line);
-    sketch.submitCommandInput();
+    workspace.console.setInput(line);
+    workspace.console.submit();
   }
-  sketch.clearSelection();
-  sketch.zoomToFit(*sketch.canvasSize);
-  drawWallFromLockedPoint(sketch, scheduler, {40, 20}, {0, -30}, {40.4, -29.6});
+  workspace.sketch.clearSelection();
+  workspace.board.zoomToFit(workspace.board.view->canvasSize);
+  drawWallFromLockedPoint(workspace, scheduler, {40, 20}, {0, -30}, {40.4, -29.6});
   QApplication::processEvents();
   CanvasWidget& canvas = window.canvas();
   photographer.shoot(window, "tracking",

@@ -1,5 +1,7 @@
 #include "app/application.h"
 
+#include <utility>
+
 #include "documents/document_store.h"
 #include "documents/sketch_document_io.h"
 #include "platform/dialogs.h"
@@ -30,7 +32,10 @@ Application::Application(ApplicationServices services, ApplicationOptions option
       opener_(workspace_, settings_, closeQuestion_, options.opensInBackground) {
   if (!options.stateFolder.empty()) journal_.emplace(workspace_, options.stateFolder / "journals");
   selectionSubscription_ = workspace_.observe(fieldsOf(workspace_.sketch.selection), [this](FieldMask) {
-    if (!workspace_.sketch.selection->ids.empty() || !workspace_.sketch.selection->isInspected) return;
+    const Selection& selection = workspace_.sketch.selection;
+    // It goes with a selection that was there; what a script opens without one stays.
+    const bool hasGone = std::exchange(hadSelection_, !selection.empty()) && selection.empty();
+    if (!hasGone || !selection.isInspected) return;
     // Observers do not change what they observe: the window goes once the operation has ended.
     inspectorTask_ = host_.scheduler.after(Seconds(0), [this] {
       if (workspace_.sketch.selection->ids.empty()) workspace_.sketch.setInspected(false);

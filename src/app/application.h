@@ -155,6 +155,7 @@ class Application {
   std::optional<EditJournal> journal_;
   WindowActions windowActions_;
   Subscription selectionSubscription_;
+  bool hadSelection_ = false;
   ScheduledTask inspectorTask_;
 };
 

@@ -51,7 +51,9 @@ void CloseQuestion::ask(std::function<void(Answer)> answered) {
   isAsking_ = true;
   const Alert alert{"Do you want to save changes to " + *workspace_.document.name + " before closing?",
                     "If you do not save, changes will be lost.",
-                    {kSave, kCancel, kDontSave}};
+                    {kSave, kCancel, kDontSave},
+                    1,
+                    2};
   workspace_.host().dialogs.ask(
       alert, [weak = std::weak_ptr(self_), answered = std::move(answered)](DialogAnswer title) {
         const auto self = weak.lock();

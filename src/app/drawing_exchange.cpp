@@ -58,7 +58,8 @@ void importFrom(Application& application, const FilePath& path) {
                        fmt::format("Ostrelon draws in feet. Converting multiplies every length by {:.6g}; "
                                    "otherwise the numbers are taken as they are.",
                                    drawing->unit->feet),
-                       {std::string(kConvertButton), std::string(kKeepButton), "Cancel"}};
+                       {std::string(kConvertButton), std::string(kKeepButton), "Cancel"},
+                       2};
   application.host().dialogs.ask(question, [&application, drawing, name](const DialogAnswer& answer) {
     if (answer != kConvertButton && answer != kKeepButton) return;
     addDrawing(application, std::move(*drawing), name, answer == kConvertButton);

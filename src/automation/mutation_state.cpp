@@ -39,11 +39,7 @@ void commitCommandMutationState(Sketch& sketch, const SketchCommandMutationState
   sketch.recordStep(state.undoSnapshot.entities);
 }
 
-void captureUndoCheckpoint(Sketch& sketch) {
-  SketchUndoStack stack = sketch.undoStack;
-  stack.pushUndoSnapshot({sketch.entities()});
-  sketch.setUndoStack(std::move(stack));
-}
+void captureUndoCheckpoint(Sketch& sketch) { sketch.takeStep(); }
 
 void clearUndoHistory(Sketch& sketch) { replaceUndoSnapshots(sketch, {}); }
 

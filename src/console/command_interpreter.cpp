@@ -1,6 +1,7 @@
 #include "console/command_interpreter.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "console/command_chain.h"
 #include "platform/unicode.h"
@@ -19,7 +20,7 @@ Reply executeCommandLine(std::string_view text, const CommandContext& context) {
   return run(std::get<Action>(parsed), context);
 }
 
-std::optional<ResolvedCommand> resolveCommandLine(const Words& tokens) {
+std::optional<ResolvedCommand> resolveCommandLine(Words tokens) {
   if (tokens.empty()) return std::nullopt;
   ResolvedCommand resolved;
   resolved.head = lowerCased(tokens.front());
@@ -27,7 +28,7 @@ std::optional<ResolvedCommand> resolveCommandLine(const Words& tokens) {
   const auto alias = std::find_if(aliases.begin(), aliases.end(),
                                   [&](const CommandAlias& row) { return row.alias == resolved.head; });
   resolved.command = alias == aliases.end() ? resolved.head : alias->command;
-  resolved.arguments = tokens;
+  resolved.arguments = std::move(tokens);
   resolved.arguments.front() = resolved.command;
   return resolved;
 }

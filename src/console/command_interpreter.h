@@ -28,7 +28,7 @@ struct ResolvedCommand {
 };
 
 /// Absent for an empty list.
-std::optional<ResolvedCommand> resolveCommandLine(const Words& tokens);
+std::optional<ResolvedCommand> resolveCommandLine(Words tokens);
 /// All aliases, longer ones first, equal lengths by text.
 const std::vector<CommandAlias>& aliasTable();
 /// The reply to a word that is none of a command.

@@ -38,6 +38,7 @@ struct SketchState {
   Drawing drawing;
   Selection selection;
   bool isDirty = false;
+  friend bool operator==(const SketchState&, const SketchState&) = default;
 };
 
 class Sketch {
@@ -55,7 +56,7 @@ class Sketch {
  public:
   Field<Drawing> drawing{tracker_};
   Field<Selection> selection{tracker_};
-  Field<SketchUndoStack> undoStack{tracker_, SketchUndoStack()};
+  Field<SketchUndoStack> undoStack{tracker_};
   /// Something that a document's file holds has changed since it was last saved or opened.
   Field<bool> isDirty{tracker_};
   /// What `copy` took last. Gone with the document.
@@ -91,6 +92,8 @@ class Sketch {
   void edit(const std::function<void(Drawing&)>& change, UndoStep step = UndoStep::own);
   /// An edit that leaves the drawing as it is: it takes its step and counts as a change all the same.
   void countAsEdit(UndoStep step);
+  /// The drawing as it is becomes a step, and nothing is changed.
+  void takeStep() { pushStep(entities()); }
   /// All edits that `changes` makes are one step, or none where the entities end as they began. When it
   /// returns false, everything in `SketchState` is put back.
   bool asOneStep(const std::function<bool()>& changes);

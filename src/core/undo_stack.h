@@ -18,8 +18,9 @@ inline constexpr std::size_t kStoredUndoSnapshots = 20;
 
 class SketchUndoStack {
  public:
-  /// `sessionLimit`: the largest number of snapshots in one list; absent means no limit.
-  explicit SketchUndoStack(std::optional<int> sessionLimit = std::nullopt) : sessionLimit_(sessionLimit) {}
+  SketchUndoStack() = default;
+  /// `sessionLimit`: the largest number of snapshots in one list; without one there is no limit.
+  explicit SketchUndoStack(int sessionLimit) : sessionLimit_(sessionLimit) {}
 
   const std::vector<SketchUndoSnapshot>& undoSnapshots() const { return undoSnapshots_; }  ///< newest last
   const std::vector<SketchUndoSnapshot>& redoSnapshots() const { return redoSnapshots_; }  ///< newest last

@@ -28,6 +28,7 @@ void askBeforeOverwriting(DocumentSession& document,
   question.message = quotedName(url) + " has been changed by another program.";
   question.informativeText = "If you overwrite it, what was changed there is lost.";
   question.buttons = {"Cancel", kOverwrite};
+  question.cancelButton = 0;
   document.host().dialogs.ask(question, [url, answered = std::move(answered)](const DialogAnswer& answer) {
     if (answer == kOverwrite) {
       answered(std::nullopt);
@@ -66,6 +67,7 @@ void askBeforeReplacing(const Host& host, const FilePath& given, const FilePath&
   question.message = quotedName(completed) + " already exists. Do you want to replace it?";
   question.informativeText = "If you replace it, what it holds is lost.";
   question.buttons = {"Cancel", kReplace};
+  question.cancelButton = 0;
   host.dialogs.ask(question, [answered = std::move(answered)](const DialogAnswer& answer) {
     answered(answer == kReplace);
   });

@@ -17,6 +17,9 @@ namespace ostrelon {
 
 namespace {
 
+constexpr double kWallFillOpacity = 0.55;
+constexpr double kCenterLineWidth = 0.75;
+constexpr LineDash kCenterLineDash{4, 3};
 constexpr double kGuideReach = 40;  // sketch units beyond the visible part
 constexpr double kGuideOpacity = 0.85;
 constexpr double kGuideWidth = 1.25;
@@ -300,5 +303,17 @@ void paintLock(CanvasPainter& painter, const Board& board, const CanvasFrame& fr
   paintSquare(painter, frame, lock->point, kLockHalfSide, Fill{active, kLockFillOpacity},
               Stroke{.color = active, .width = kLockOutlineWidth});
 }
+
+Stroke entityStroke(Color color) {
+  return {.color = color, .width = 1.5, .cap = LineCap::round, .join = LineJoin::round};
+}
+
+void strokeWallCenterLine(CanvasPainter& painter, const CanvasFrame& frame, SketchPoint from, SketchPoint to,
+                          Color color) {
+  strokeSegment(painter, frame, {frame.toView(from), frame.toView(to)},
+                {.color = color, .width = kCenterLineWidth, .dash = kCenterLineDash});
+}
+
+Fill wallFill(const ThemePalette& palette) { return {palette.muted, kWallFillOpacity}; }
 
 }  // namespace ostrelon

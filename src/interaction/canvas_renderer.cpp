@@ -20,9 +20,6 @@ constexpr double kGridOverhang = 2;
 /// More lines than any canvas can show apart; a count above it comes of numbers too large to add up.
 constexpr double kMostGridLines = 20000;
 
-constexpr double kWallFillOpacity = 0.55;
-constexpr double kCenterLineWidth = 0.75;
-constexpr LineDash kCenterLineDash{4, 3};
 /// Below this extent, view points, an entity is a dot.
 constexpr double kDotExtent = 1.0;
 /// How far strokes reach beyond what they outline, view points.
@@ -121,7 +118,7 @@ void EntityLayerPainter::paint(CanvasPainter& painter, const SketchEntity& entit
     return;
   }
   outlineEntity(entity, thickness, frame_, shape_);
-  if (wall != nullptr) fillShape(painter, frame_, shape_, {frame_.palette.muted, kWallFillOpacity});
+  if (wall != nullptr) fillShape(painter, frame_, shape_, wallFill(frame_.palette));
   strokeShape(painter, frame_, shape_, entityStroke(color));
   if (wall != nullptr) strokeWallCenterLine(painter, frame_, wall->from, wall->to, color);
 }
@@ -134,18 +131,6 @@ void paintEntities(CanvasPainter& painter, const CanvasFrame& frame, const Entit
     layer.paint(painter, entity);
   }
 }
-
-Stroke entityStroke(Color color) {
-  return {.color = color, .width = 1.5, .cap = LineCap::round, .join = LineJoin::round};
-}
-
-void strokeWallCenterLine(CanvasPainter& painter, const CanvasFrame& frame, SketchPoint from, SketchPoint to,
-                          Color color) {
-  strokeSegment(painter, frame, {frame.toView(from), frame.toView(to)},
-                {.color = color, .width = kCenterLineWidth, .dash = kCenterLineDash});
-}
-
-Fill wallFill(const ThemePalette& palette) { return {palette.muted, kWallFillOpacity}; }
 
 void paintLayer(CanvasPainter& painter, CanvasLayer layer, const Board& board, const CanvasFrame& frame) {
   switch (layer) {

@@ -11,8 +11,6 @@ namespace ostrelon {
 
 namespace {
 
-/// How far beyond the painted part geometry is let through, view points.
-constexpr double kClipMargin = 4096;
 /// Dashes far outside would only be counted, so dashed lines are cut closer.
 constexpr double kDashClipMargin = 1024;
 /// Circles of a larger radius, view points, are painted by what is seen of them.
@@ -55,15 +53,6 @@ void strokeCutDashes(CanvasPainter& painter, std::span<const SketchPoint> points
 }
 
 }  // namespace
-
-SketchBox CanvasFrame::clipBox() const { return paintedRect().grown(kClipMargin); }
-
-double paintedWallThickness(const WallEntity& wall, std::span<const WallSystemSpec> systems) {
-  for (const WallSystemSpec& spec : systems) {
-    if (spec.id == wall.systemSpecID) return spec.thickness;
-  }
-  return kUnknownWallThickness;
-}
 
 void outlineEntity(const SketchEntity& entity, double wallThickness, const CanvasFrame& frame,
                    EntityShape& shape) {

@@ -15,9 +15,12 @@
 // The table below is the whole truth: `handleKey` walks it, and a page of keyboard help prints it.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+
+#include "interaction/sketch_tool.h"
 
 namespace ostrelon {
 
@@ -63,6 +66,7 @@ struct KeyBinding {
   std::string_view title;  ///< what the key does: "Zoom out"
   std::string_view when;   ///< when it does it, empty for always: "while a polygon is drawn"
   KeyOutcome (*act)(const KeyEvent& event, Board& board);
+  std::optional<SketchTool> tool = std::nullopt;  ///< the tool that it chooses
 };
 
 /// All keys, in the order of the tests.

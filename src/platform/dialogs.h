@@ -53,6 +53,10 @@ struct Alert {
   std::string message;
   std::string informativeText;
   std::vector<std::string> buttons;
+  /// Their positions among the buttons, where there are such: the one that Escape presses, and one that
+  /// gives work away.
+  std::optional<std::size_t> cancelButton = std::nullopt;
+  std::optional<std::size_t> discardingButton = std::nullopt;
 };
 
 using DialogRequest =

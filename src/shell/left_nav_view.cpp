@@ -28,10 +28,9 @@ FieldMask shownFields(const Workspace& workspace) {
 
 // The keys that choose a tool, as "Space, S"; empty for most tools.
 QString toolKeys(SketchTool tool) {
-  const std::string title = std::string(displayName(tool)) + " tool";
   QStringList keys;
   for (const KeyBinding& binding : keyBindings()) {
-    if (binding.title == title) keys.append(qtText(desktopNotation(binding.keys)));
+    if (binding.tool == tool) keys.append(qtText(desktopNotation(binding.keys)));
   }
   return keys.join(QStringLiteral(", "));
 }
@@ -47,6 +46,10 @@ NavToolRow::NavToolRow(Theme& theme, SketchTool tool, QWidget* parent)
   setFocusPolicy(Qt::TabFocus);
   setAttribute(Qt::WA_Hover);
   connect(&theme, &Theme::changed, this, [this] { update(); });
+}
+
+QSize NavToolRow::sizeHint() const {
+  return {(iconOnly_ ? LeftNavView::kRailWidth : LeftNavView::kWidth) - 2 * kInset, kToolHeight};
 }
 
 void NavToolRow::setIconOnly(bool iconOnly) {

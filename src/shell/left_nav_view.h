@@ -22,7 +22,7 @@ class NavToolRow final : public QPushButton {
   NavToolRow(Theme& theme, SketchTool tool, QWidget* parent = nullptr);
   SketchTool tool() const { return tool_; }
   void setIconOnly(bool iconOnly);
-  QSize sizeHint() const override { return {iconOnly_ ? 36 : 204, 30}; }
+  QSize sizeHint() const override;
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;

@@ -35,6 +35,8 @@ constexpr int kKeyHintsWidth = 1160;
 constexpr int kWallPanelWidth = 1080;
 constexpr int kNavigationWidth = 920;
 constexpr int kShortHeight = 640;
+/// What a console that was made tall leaves of the canvas.
+constexpr int kCanvasLeastHeight = 200;
 
 constexpr const char* kGeometryKey = "ostrel.mainWindowGeometry";
 constexpr const char* kConsoleHeightKey = "ostrel.consoleHeight";
@@ -140,9 +142,9 @@ void MainWindow::place() {
   const int top = TopMenuBarView::kHeight;
   const int wanted = static_cast<int>(std::lround(console_->panelHeight()));
   // A short window shows the console at its least height; its own comes back when there is room.
-  const int consoleHeight = h < kShortHeight ? static_cast<int>(kConsoleMinimumHeight)
-                                             : std::clamp(wanted, static_cast<int>(kConsoleMinimumHeight),
-                                                          std::max(120, h - top - 200));
+  constexpr int least = static_cast<int>(kConsoleMinimumHeight);
+  const int consoleHeight =
+      h < kShortHeight ? least : std::clamp(wanted, least, std::max(least, h - top - kCanvasLeastHeight));
   const int canvasWidth = w - left - right;
 
   navigation_->setGeometry(0, 0, unfolded_ == navigation_ ? LeftNavView::kWidth : left, h);

@@ -183,13 +183,13 @@ void QtDialogs::askAlert(QWidget& window, const Alert& alert, std::function<void
     sheet->hide();
     answered(std::move(answer));
   };
-  // The first button is the default; "Cancel" is what Escape presses; one that gives work away stands
-  // apart at the left. The row runs from the right, and Tab in the order that was given.
-  std::vector<Button*> row;
-  for (const std::string& title : alert.buttons) {
-    const bool isDefault = row.empty();
-    const bool isCancel = title == "Cancel";
-    const bool isDangerous = title.starts_with("Don't");
+  // The first button is the default; one that gives work away stands apart at the left. The row runs from
+  // the right, and Tab in the order that was given.
+  for (std::size_t at = 0; at < alert.buttons.size(); ++at) {
+    const std::string& title = alert.buttons[at];
+    const bool isDefault = at == 0;
+    const bool isCancel = at == alert.cancelButton;
+    const bool isDangerous = at == alert.discardingButton;
     const QString identifier = QStringLiteral("alert.") + qtText(title);
     const Button::Kind kind = isDefault     ? Button::Kind::primary
                               : isDangerous ? Button::Kind::dangerous
@@ -201,7 +201,6 @@ void QtDialogs::askAlert(QWidget& window, const Alert& alert, std::function<void
     if (isDefault) sheet->setFirstFocus(button);
     if (isCancel) sheet->setCancelButton(button);
     QObject::connect(button, &QPushButton::clicked, sheet, [finish, title] { finish(title); });
-    row.push_back(button);
   }
   sheet->open();
 }

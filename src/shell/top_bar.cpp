@@ -36,8 +36,7 @@ constexpr std::array kActions{
 };
 
 FieldMask shownFields(const Workspace& workspace) {
-  return fieldsOf(workspace.document.name, workspace.document.history, workspace.sketch.isDirty,
-                  workspace.sketch.drawing);
+  return fieldsOf(workspace.document.name, workspace.document.history, workspace.sketch.isDirty);
 }
 
 }  // namespace
@@ -127,7 +126,9 @@ TopMenuBarView::TopMenuBarView(Application& application, Theme& theme, QWidget* 
       title_(new DocumentTitle(theme, this)),
       divider_(new Hairline(theme, Qt::Vertical, this)),
       gridSwitch_(new Switch(theme, QStringLiteral("Grid"), this)),
-      update_(application.workspace(), shownFields(application.workspace()), this, [this] { refresh(); }) {
+      update_(application.workspace(), shownFields(application.workspace()), this, [this] { refresh(); }),
+      gridUpdate_(application.workspace(), fieldsOf(application.workspace().sketch.drawing), this,
+                  [this] { refreshGrid(); }) {
   setObjectName(QStringLiteral("topMenuBar"));
   setAccessibleName(QStringLiteral("Document"));
   for (const MenuBarAction& action : kActions) {
@@ -196,8 +197,13 @@ void TopMenuBarView::refresh() {
   const DocumentHistoryBranch* branch = workspace.document.history->currentBranch();
   title_->setDocument(qtText(*workspace.document.name), workspace.document.isDirty(),
                       branch != nullptr ? qtText(branch->name) : QStringLiteral("main"));
-  gridSwitch_->setChecked(workspace.sketch.drawing->showGrid);
+  refreshGrid();
   place();
+}
+
+// By itself, since the drawing changes with each move of a drag.
+void TopMenuBarView::refreshGrid() {
+  gridSwitch_->setChecked(application_.workspace().sketch.drawing->showGrid);
 }
 
 }  // namespace ostrelon

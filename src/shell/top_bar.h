@@ -52,6 +52,7 @@ class TopMenuBarView final : public Panel {
 
  private:
   void refresh();
+  void refreshGrid();
   void place();
   /// Places what stands right of the title. Gives the x at which the title has to end.
   int placeActions(bool isTight);
@@ -63,6 +64,7 @@ class TopMenuBarView final : public Panel {
   Hairline* divider_;
   Switch* gridSwitch_;
   ScheduledUpdate update_;
+  ScheduledUpdate gridUpdate_;
 };
 
 }  // namespace ostrelon

@@ -2,7 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include "app/inspector.h"
+#include "app/settings_notes.h"
 #include "app/update_summary.h"
+#include "geometry/edit_operations.h"
 #include "support/test_application.h"
 
 namespace ostrelon {
@@ -21,6 +24,20 @@ TEST(ApplicationLife, ASessionCountsAsUncleanUntilItEnds) {
   EXPECT_EQ(endedCleanly(test.defaults), false);
   test.application.willTerminate();
   EXPECT_EQ(endedCleanly(test.defaults), true);
+}
+
+TEST(SettingsNotes, WhatTheSettingsFileHasToSayComesIntoTheConsole) {
+  TestApplication test;
+  const FilePath settings = test.home / "settings.json";
+  testing::writeBytes(settings, "damaged");
+  JsonUserDefaults defaults(test.files, settings);
+  keepTellingSettingsNotes(defaults, test.workspace);
+  EXPECT_THAT(test.lastLine().text, ::testing::HasSubstr("The settings file was damaged."));
+  EXPECT_TRUE(test.lastLine().isSystem);
+  std::filesystem::create_directory(settings);
+  defaults.set("later", true);
+  test.settle();
+  EXPECT_THAT(test.lastLine().text, ::testing::StartsWith("The settings could not be read."));
 }
 
 TEST(ApplicationLife, TheFirstRunAsksForAProjectsFolder) {
@@ -55,11 +72,11 @@ TEST(ApplicationLife, ATestRunResetsTheFolderAndShowsNoSheets) {
 TEST(ApplicationLife, AnEmptySelectionTakesTheInspectorWithIt) {
   TestApplication test;
   test.submit("wall 0 0 10 0");
-  const UUID id = entityID(test.sketch.entities->front());
-  test.sketch.showEntityInspector();
-  test.sketch.toggleEntitySelection(id);
+  const UUID id = entityID(test.sketch.entities().front());
+  showEntityInspector(test.sketch);
+  toggleEntitySelection(test.sketch, id);
   test.settle();
-  EXPECT_FALSE(*test.sketch.isEntityInspectorVisible);
+  EXPECT_FALSE(test.sketch.selection->isInspected);
 }
 
 TEST(UpdateSummary, ShowsTheNewestVersionsFirstInTheLinesThereAre) {

@@ -29,7 +29,7 @@ TEST_F(CloseQuestionTest, AsksInTheStatedWords) {
   EXPECT_EQ(alert.buttons, (std::vector<std::string>{"Save", "Cancel", "Don't Save"}));
   dialogs.queue("Don't Save");
   EXPECT_EQ(close(), Reply::allowed);
-  EXPECT_TRUE(*sketch.isDocumentDirty);
+  EXPECT_TRUE(document.isDirty());
 }
 
 TEST_F(CloseQuestionTest, SaveRefusesForNowAndClosesOnceTheDocumentIsClean) {
@@ -41,7 +41,7 @@ TEST_F(CloseQuestionTest, SaveRefusesForNowAndClosesOnceTheDocumentIsClean) {
   EXPECT_EQ(close(), Reply::refused);
   settle();
   EXPECT_EQ(closes, 1) << "pressed twice it saves and closes once";
-  EXPECT_FALSE(*sketch.isDocumentDirty);
+  EXPECT_FALSE(document.isDirty());
   EXPECT_FALSE(application.closeQuestion().isClosingAfterSave());
   EXPECT_TRUE(files.exists(home / "Documents" / "Ostrelon" / "Untitled Project.ostrel"));
   EXPECT_FALSE(files.exists(home / "Documents" / "Ostrelon" / "Untitled Project (1).ostrel"));

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "app/console_run.h"
-#include "support/test_sketch.h"
+#include "support/test_workspace.h"
 
 namespace ostrelon {
 namespace {
@@ -98,14 +98,14 @@ TEST(CommandLineTest, RefusesWhatItDoesNotUnderstandInOneSentence) {
 }
 
 TEST(ConsoleRun, PrintsTheTranscriptOnceAndNoticesErrors) {
-  testing::TestSketch test;
+  testing::TestWorkspace test;
   std::vector<std::string> printed;
-  TranscriptPrinter transcript(test.sketch, [&](std::string_view text) { printed.emplace_back(text); });
-  runConsoleScript(test.sketch, "line 0 0 1 1\r\n\nclear\n", [&] { transcript.printNewLines(); });
+  TranscriptPrinter transcript(test.workspace, [&](std::string_view text) { printed.emplace_back(text); });
+  runConsoleScript(test.workspace, "line 0 0 1 1\r\n\nclear\n", [&] { transcript.printNewLines(); });
   EXPECT_FALSE(transcript.hasSeenError());
   EXPECT_THAT(printed, ::testing::Contains("> line 0 0 1 1"));
   const auto count = printed.size();
-  runConsoleScript(test.sketch, "line 1", [&] { transcript.printNewLines(); });
+  runConsoleScript(test.workspace, "line 1", [&] { transcript.printNewLines(); });
   EXPECT_TRUE(transcript.hasSeenError());
   EXPECT_EQ(printed.size(), count + 2) << "the echo and the reply";
 }

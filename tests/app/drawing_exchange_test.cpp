@@ -6,6 +6,7 @@
 
 #include "app/application.h"
 #include "app/menu.h"
+#include "core/adding.h"
 #include "platform/dialogs.h"
 #include "platform/disk_file_system.h"
 #include "support/temporary_folder.h"
@@ -37,12 +38,13 @@ struct DrawingExchange : ::testing::Test {
                                  return std::string("picture");
                                }},
                           {.documentsFolder = home / "Documents", .updates = {}}};
-  SketchViewModel& sketch = application.sketch();
+  Sketch& sketch = application.workspace().sketch;
+  Messages& messages = application.workspace().messages;
 
   std::string menu(const char* title) {
     const auto refusal = runMenuCommand(application, title);
     EXPECT_FALSE(refusal) << *refusal;
-    return sketch.consoleLines->back().text;
+    return messages.lines->back().text;
   }
   std::string writeDxfFile(const char* name, const char* unit) {
     testing::writeBytes(home / name,
@@ -52,13 +54,13 @@ struct DrawingExchange : ::testing::Test {
     return (home / name).string();
   }
   double lastLineLength() {
-    const auto& line = std::get<LineEntity>(sketch.entities->back());
+    const auto& line = std::get<LineEntity>(sketch.entities().back());
     return distanceBetween(line.from, line.to);
   }
 };
 
 TEST_F(DrawingExchange, ExportsToTheChosenPlaceInTheKindOfItsName) {
-  sketch.addLine({0, 0}, {1, 1});
+  addLine(sketch, {0, 0}, {1, 1});
   dialogs.queue((home / "plan.dxf").string());
   EXPECT_THAT(menu("File/Export…"), HasSubstr("Exported to"));
   EXPECT_THAT(testing::readBytes(home / "plan.dxf"), HasSubstr("LINE"));
@@ -73,7 +75,7 @@ TEST_F(DrawingExchange, ExportsToTheChosenPlaceInTheKindOfItsName) {
 }
 
 TEST_F(DrawingExchange, AsksBeforeItReplacesWhatThePanelKnewNothingOf) {
-  sketch.addLine({0, 0}, {1, 1});
+  addLine(sketch, {0, 0}, {1, 1});
   dialogs.setConfirmsReplacing(true);
   testing::writeBytes(home / "plan.pdf", "theirs");
   dialogs.queue((home / "plan.").string());
@@ -89,8 +91,8 @@ TEST_F(DrawingExchange, AsksBeforeItReplacesWhatThePanelKnewNothingOf) {
 TEST_F(DrawingExchange, AFailedExportSaysSoAndLeavesNothing) {
   dialogs.queue((home / "missing" / "plan.dxf").string());
   EXPECT_THAT(menu("File/Export…"), HasSubstr("Export failed: "));
-  EXPECT_TRUE(sketch.consoleLines->back().isError);
-  EXPECT_EQ((*sketch.documentToast)->style, DocumentToastState::Style::error);
+  EXPECT_TRUE(messages.lines->back().isError);
+  EXPECT_EQ((*messages.toast)->style, DocumentToastState::Style::error);
   dialogs.queue((home / "plan.bmp").string());
   EXPECT_THAT(menu("File/Export…"), HasSubstr("must end in .png, .svg, .pdf or .dxf"));
   EXPECT_FALSE(std::filesystem::exists(home / "plan.bmp"));
@@ -115,25 +117,26 @@ TEST_F(DrawingExchange, ImportAsksAboutUnitsOnlyWhereTheyDiffer) {
   dialogs.queue((home / "metric.dxf").string());
   dialogs.queue("Cancel");
   menu("File/Import DXF…");
-  EXPECT_EQ(sketch.entities->size(), 3U);
+  EXPECT_EQ(sketch.entities().size(), 3U);
 }
 
 TEST_F(DrawingExchange, AFileThatIsNoDrawingChangesNothing) {
   testing::writeBytes(home / "letter.dxf", "Dear Sir,\n");
   dialogs.queue((home / "letter.dxf").string());
   EXPECT_EQ(menu("File/Import DXF…"), "Import failed: This is not a DXF file.");
-  EXPECT_TRUE(sketch.entities->empty());
-  EXPECT_FALSE(*sketch.isDocumentDirty);
+  EXPECT_TRUE(sketch.entities().empty());
+  EXPECT_FALSE(*sketch.isDirty);
 }
 
 TEST_F(DrawingExchange, TheSamplePlanOpensAsADocumentOfItsOwn) {
-  sketch.updateCanvasSize({800, 600});
+  application.workspace().board.resizeCanvas({800, 600});
   menu("Help/Open Sample Plan");
-  EXPECT_EQ(*sketch.documentName, "Cottage");
-  EXPECT_GT(sketch.entities->size(), 50U);
-  EXPECT_FALSE(sketch.documentFileURL->has_value());
-  EXPECT_FALSE(*sketch.isDocumentDirty);
-  EXPECT_TRUE(sketch.undoStack().undoSnapshots().empty());
+  const DocumentSession& document = application.workspace().document;
+  EXPECT_EQ(*document.name, "Cottage");
+  EXPECT_GT(sketch.entities().size(), 50U);
+  EXPECT_FALSE(document.fileURL->has_value());
+  EXPECT_FALSE(document.isDirty());
+  EXPECT_TRUE(sketch.undoStack->undoSnapshots().empty());
 }
 
 }  // namespace

@@ -48,6 +48,7 @@ TEST_F(Session, CopiesAnIdentifierOfAnyTypeNullIncluded) {
 
 TEST_F(Session, RefusesWhatIsNoTextAndNestedTooDeeply) {
   EXPECT_EQ(send("\"\xFF\"")["error"], "The request is not JSON.");
+  EXPECT_EQ(send(std::string(R"({"op":"state"})") + '\0' + "x")["error"], "The request is not JSON.");
   EXPECT_EQ(send(std::string(5000, '['))["error"], "The request is nested too deeply.");
   EXPECT_EQ(send(R"({"op":"call","name":"gridStep","args":[1e999]})")["error"],
             "The request holds a number that is too large.");

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/disk_sketch.h"
+#include "support/disk_workspace.h"
 
 namespace ostrelon {
 namespace {
@@ -55,12 +55,12 @@ TEST_F(AppSettingsTest, WritesThroughAndTellsItsObserversOfWhatDiffers) {
   settings.setAppearanceMode(AppearanceMode::system);
   EXPECT_EQ(*settings.activePalette, darkPalette());
   EXPECT_EQ(told, (std::vector<FieldMask>{
-                      settingsMask(SettingsField::autoSaveIntervalMinutes),
-                      settingsMask(SettingsField::autoSaveIntervalMinutes),
-                      settingsMask(SettingsField::appearanceMode),
-                      settingsMask(SettingsField::appearanceMode, SettingsField::activePalette),
-                      settingsMask(SettingsField::lastKnownColorScheme),
-                      settingsMask(SettingsField::appearanceMode, SettingsField::activePalette),
+                      fieldsOf(settings.autoSaveIntervalMinutes),
+                      fieldsOf(settings.autoSaveIntervalMinutes),
+                      fieldsOf(settings.appearanceMode),
+                      fieldsOf(settings.appearanceMode, settings.activePalette),
+                      fieldsOf(settings.lastKnownColorScheme),
+                      fieldsOf(settings.appearanceMode, settings.activePalette),
                   }));
   settings.setLastUpdateCheckAt(dateFromSeconds(7));
   EXPECT_EQ(defaults.date(SettingsKey::lastUpdateCheckAt), dateFromSeconds(7));

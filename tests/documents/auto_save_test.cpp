@@ -4,44 +4,45 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/adding.h"
 #include "documents/document_store.h"
-#include "support/disk_sketch.h"
+#include "support/disk_workspace.h"
 #include "support/manual_background.h"
 
 namespace ostrelon {
 namespace {
 
-using testing::DiskSketch;
+using testing::DiskWorkspace;
 using ::testing::HasSubstr;
 using testing::readBytes;
 using ::testing::StartsWith;
 using testing::writeBytes;
 
-struct AutoSaveTest : ::testing::Test, DiskSketch {
-  AutoSaveController controller{sketch, settings};
+struct AutoSaveTest : ::testing::Test, DiskWorkspace {
+  AutoSaveController controller{document, settings};
   FilePath plan = home / "plan.ostrel";
 
-  void draw() { sketch.addLine({0, 0}, {1, 1}); }
+  void draw() { addLine(sketch, {0, 0}, {1, 1}); }
   void minutes(double count) { scheduler.advance(Seconds(60 * count)); }
 };
 
 TEST_F(AutoSaveTest, SkipsWhatItMayNotWriteAndSaysWhy) {
   draw();
   const std::string noFolder = "Set a default projects folder in Ostrelon Settings before saving.";
-  EXPECT_EQ(autoSaveTick(sketch, settings), noFolder);
+  EXPECT_EQ(autoSaveTick(document, settings), noFolder);
   EXPECT_EQ(lastLine(), "S Auto-save skipped: " + noFolder);
-  sketch.saveDocumentFile(plan);
+  document.save(plan);
   draw();
-  sketch.setSaveDialogActive(true);
-  EXPECT_EQ(autoSaveTick(sketch, settings), std::nullopt);
-  EXPECT_TRUE(sketch.isDocumentDirty);
-  sketch.setSaveDialogActive(false);
+  document.setSaveDialogActive(true);
+  EXPECT_EQ(autoSaveTick(document, settings), std::nullopt);
+  EXPECT_TRUE(document.isDirty());
+  document.setSaveDialogActive(false);
   writeBytes(plan, "somebody else's");
   controller.rescheduleAutoSave();
   minutes(5);
   const std::string changed = "“plan.ostrel” has been changed by another program and was not overwritten.";
   EXPECT_EQ(lastLine(), "S Auto-save skipped: " + changed);
-  EXPECT_EQ(autoSaveTick(sketch, settings), changed);
+  EXPECT_EQ(autoSaveTick(document, settings), changed);
   EXPECT_EQ(readBytes(plan), "somebody else's");
   EXPECT_TRUE(dialogs.asked().empty());
   EXPECT_EQ(settings.lastAutoSave.get(), std::nullopt);
@@ -54,8 +55,10 @@ struct BackgroundAutoSaveTest : ::testing::Test {
   QueuedDialogs dialogs;
   MemoryUserDefaults defaults;
   AppSettings settings{defaults, files, home / "Documents"};
-  SketchViewModel sketch{Host{scheduler, dialogs, files}};
-  AutoSaveController controller{sketch, settings};
+  Workspace workspace{Host{scheduler, dialogs, files}};
+  Sketch& sketch = workspace.sketch;
+  DocumentSession& document = workspace.document;
+  AutoSaveController controller{document, settings};
   FilePath plan = home / "plan.ostrel";
 
   void startAutoSave() {
@@ -63,32 +66,32 @@ struct BackgroundAutoSaveTest : ::testing::Test {
     scheduler.clock.advance(Seconds(300));
   }
   std::size_t savedEntities() {
-    DiskSketch reader;
-    reader.sketch.openDocumentFile(plan);
-    return reader.sketch.entities->size();
+    DiskWorkspace reader;
+    reader.document.open(plan);
+    return reader.sketch.entities().size();
   }
 };
 
 TEST_F(BackgroundAutoSaveTest, KeepsADocumentDirtyThatChangesWhileItIsWritten) {
-  sketch.saveDocumentFile(plan);
-  sketch.addLine({0, 0}, {1, 1});
+  document.save(plan);
+  addLine(sketch, {0, 0}, {1, 1});
   startAutoSave();
-  sketch.addLine({0, 0}, {2, 2});
+  addLine(sketch, {0, 0}, {2, 2});
   scheduler.finishBackground();
   EXPECT_EQ(savedEntities(), 1U);
-  EXPECT_TRUE(sketch.isDocumentDirty);
+  EXPECT_TRUE(document.isDirty());
   scheduler.clock.advance(Seconds(300));
   scheduler.finishBackground();
   EXPECT_EQ(savedEntities(), 2U);
-  EXPECT_FALSE(sketch.isDocumentDirty);
+  EXPECT_FALSE(document.isDirty());
 }
 
 TEST_F(BackgroundAutoSaveTest, GivesWayToASaveOfTheUser) {
-  sketch.saveDocumentFile(plan);
-  sketch.addLine({0, 0}, {1, 1});
+  document.save(plan);
+  addLine(sketch, {0, 0}, {1, 1});
   startAutoSave();
-  sketch.addLine({0, 0}, {2, 2});
-  sketch.saveDocumentFile(plan);
+  addLine(sketch, {0, 0}, {2, 2});
+  document.save(plan);
   scheduler.finishBackground();
   EXPECT_EQ(savedEntities(), 2U);
   EXPECT_EQ(files.list(home.path()), std::vector<std::string>{"plan.ostrel"});
@@ -96,42 +99,42 @@ TEST_F(BackgroundAutoSaveTest, GivesWayToASaveOfTheUser) {
 
 TEST_F(BackgroundAutoSaveTest, NeverPutsOneDocumentInThePlaceOfAnother) {
   settings.setCustomProjectsFolder(home.path());
-  sketch.addLine({0, 0}, {1, 1});
+  addLine(sketch, {0, 0}, {1, 1});
   startAutoSave();
-  sketch.newDocument();
+  document.begin();
   scheduler.finishBackground();
   EXPECT_TRUE(files.list(home.path()).empty());
-  EXPECT_FALSE(sketch.isDocumentDirty);
+  EXPECT_FALSE(document.isDirty());
   // A new document that has changed meanwhile, and whose name has been taken, is saved all the same.
-  sketch.addLine({0, 0}, {1, 1});
+  addLine(sketch, {0, 0}, {1, 1});
   scheduler.clock.advance(Seconds(300));
-  sketch.addLine({0, 0}, {2, 2});
+  addLine(sketch, {0, 0}, {2, 2});
   writeBytes(home / "Untitled Project.ostrel", "taken");
   scheduler.finishBackground();
-  EXPECT_EQ(sketch.documentFileURL.get(), home / "Untitled Project (1).ostrel");
+  EXPECT_EQ(document.fileURL.get(), home / "Untitled Project (1).ostrel");
   EXPECT_EQ(readBytes(home / "Untitled Project.ostrel"), "taken");
-  EXPECT_FALSE(sketch.isDocumentDirty);
+  EXPECT_FALSE(document.isDirty());
 }
 
 TEST_F(BackgroundAutoSaveTest, NeverWritesThroughALinkThatHasTakenTheName) {
   settings.setCustomProjectsFolder(home.path());
-  sketch.addLine({0, 0}, {1, 1});
+  addLine(sketch, {0, 0}, {1, 1});
   startAutoSave();
   std::filesystem::create_symlink("elsewhere", home / "Untitled Project.ostrel");
   scheduler.finishBackground();
-  EXPECT_EQ(sketch.documentFileURL.get(), home / "Untitled Project (1).ostrel");
+  EXPECT_EQ(document.fileURL.get(), home / "Untitled Project (1).ostrel");
   EXPECT_FALSE(files.exists(home / "elsewhere"));
 }
 
 TEST_F(BackgroundAutoSaveTest, SkipsAFileThatSomebodyElseWritesMeanwhile) {
-  sketch.saveDocumentFile(plan);
-  sketch.addLine({0, 0}, {1, 1});
+  document.save(plan);
+  addLine(sketch, {0, 0}, {1, 1});
   startAutoSave();
   writeBytes(plan, "somebody else's");
   scheduler.finishBackground();
   EXPECT_EQ(readBytes(plan), "somebody else's");
-  EXPECT_TRUE(sketch.isDocumentDirty);
-  EXPECT_THAT(sketch.consoleLines->back().text, StartsWith("Auto-save skipped: "));
+  EXPECT_TRUE(document.isDirty());
+  EXPECT_THAT(workspace.messages.lines->back().text, StartsWith("Auto-save skipped: "));
 }
 
 }  // namespace

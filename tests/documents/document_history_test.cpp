@@ -6,16 +6,18 @@
 
 #include <functional>
 
+#include "core/adding.h"
 #include "documents/history_files.h"
 #include "documents/history_prompts.h"
 #include "documents/sketch_document.h"
 #include "documents/sketch_document_io.h"
-#include "support/disk_sketch.h"
+#include "geometry/edit_operations.h"
+#include "support/disk_workspace.h"
 
 namespace ostrelon {
 namespace {
 
-using testing::DiskSketch;
+using testing::DiskWorkspace;
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
 using ::testing::Not;
@@ -32,23 +34,23 @@ std::string messageOf(const std::function<void()>& work) {
   return "(no failure)";
 }
 
-struct DocumentHistoryTest : ::testing::Test, DiskSketch {
+struct DocumentHistoryTest : ::testing::Test, DiskWorkspace {
   FilePath plan = home / "plan.ostrel";
   FilePath store = home / ".ostrel-history";
 
   DocumentHistoryTest() {
-    sketch.addLine({0, 0}, {1, 1});
-    sketch.saveDocumentFile(plan);
+    addLine(sketch, {0, 0}, {1, 1});
+    document.save(plan);
   }
   std::string metadataText() { return readBytes(store / "meta.json"); }
   std::string head(const std::string& branch) {
-    return *sketch.documentHistoryState->findBranch(branch)->headCheckpointID;
+    return *document.history->findBranch(branch)->headCheckpointID;
   }
 };
 
 TEST_F(DocumentHistoryTest, WritesItsFilesByTheLetter) {
   scheduler.advance(Seconds(0.75));
-  const DocumentCheckpoint checkpoint = sketch.saveCheckpoint("  First \"milestone\"\n");
+  const DocumentCheckpoint checkpoint = document.saveCheckpoint("  First \"milestone\"\n");
   EXPECT_THAT(checkpoint.id, MatchesRegex("cp-[0-9a-f-]{36}"));
   EXPECT_EQ(metadataText(), R"({
   "branches": [
@@ -78,34 +80,34 @@ TEST_F(DocumentHistoryTest, WritesItsFilesByTheLetter) {
   const std::string snapshot = readBytes(store / "branches/main/checkpoints" / checkpoint.fileName);
   EXPECT_THAT(snapshot, Not(HasSubstr("undo")));
   EXPECT_EQ(std::get<SketchDocumentV2>(SketchDocumentIO::decodeDocument(snapshot).document).e,
-            *sketch.entities);
-  EXPECT_EQ(decodeHistoryMetadata(metadataText()), sketch.documentHistoryState->metadata);
+            sketch.entities());
+  EXPECT_EQ(decodeHistoryMetadata(metadataText()), document.history->metadata);
 }
 
 TEST_F(DocumentHistoryTest, SharesTheStoreBetweenTheDocumentsOfAFolder) {
-  sketch.saveCheckpoint("from plan");
-  DiskSketch other;
-  other.sketch.addCircle({0, 0}, 1);
-  other.sketch.saveDocumentFile(home / "other.ostrel");
-  other.sketch.saveCheckpoint("from other");
-  sketch.saveCheckpoint("again");
-  EXPECT_EQ(sketch.documentHistoryState->allCheckpoints().size(), 3U);
-  EXPECT_EQ(sketch.documentHistoryState->metadata.documentFileName, "plan.ostrel");
+  document.saveCheckpoint("from plan");
+  DiskWorkspace other;
+  addCircle(other.sketch, {0, 0}, 1);
+  other.document.save(home / "other.ostrel");
+  other.document.saveCheckpoint("from other");
+  document.saveCheckpoint("again");
+  EXPECT_EQ(document.history->allCheckpoints().size(), 3U);
+  EXPECT_EQ(document.history->metadata.documentFileName, "plan.ostrel");
 }
 
 TEST_F(DocumentHistoryTest, LeavesDocumentAndModelAloneWhenASwitchFails) {
-  sketch.saveCheckpoint("one");
-  sketch.createHistoryBranch("b");
-  sketch.addLine({0, 0}, {3, 3});
-  sketch.saveDocumentFile(plan);
-  sketch.selectAll();
-  const auto held = sketch.makeDocumentV2(true);
+  document.saveCheckpoint("one");
+  document.createBranch("b");
+  addLine(sketch, {0, 0}, {3, 3});
+  document.save(plan);
+  selectAll(sketch);
+  const auto held = document.makeDocument(true);
   const std::string file = readBytes(plan);
   const auto expectUntouched = [&](const std::string& failure) {
-    EXPECT_THAT(messageOf([&] { sketch.switchBranch("b"); }), HasSubstr(failure));
-    EXPECT_EQ(sketch.makeDocumentV2(true), held);
-    EXPECT_EQ(sketch.selectedEntityIDs->size(), 2U);
-    EXPECT_FALSE(sketch.isDocumentDirty);
+    EXPECT_THAT(messageOf([&] { document.switchBranch("b"); }), HasSubstr(failure));
+    EXPECT_EQ(document.makeDocument(true), held);
+    EXPECT_EQ(sketch.selection->ids.size(), 2U);
+    EXPECT_FALSE(document.isDirty());
     EXPECT_EQ(readBytes(plan), file);
     EXPECT_EQ(loadDocumentHistory(files, plan).metadata.currentBranchID, "main");
   };
@@ -119,18 +121,18 @@ TEST_F(DocumentHistoryTest, LeavesDocumentAndModelAloneWhenASwitchFails) {
   writeBytes(snapshot, good);
   std::filesystem::rename(plan, home / "aside");
   files.createFolders(plan);
-  EXPECT_THAT(messageOf([&] { sketch.switchBranch("b"); }), HasSubstr("it is a folder"));
-  EXPECT_EQ(sketch.makeDocumentV2(true), held);
-  EXPECT_EQ(sketch.selectedEntityIDs->size(), 2U);
+  EXPECT_THAT(messageOf([&] { document.switchBranch("b"); }), HasSubstr("it is a folder"));
+  EXPECT_EQ(document.makeDocument(true), held);
+  EXPECT_EQ(sketch.selection->ids.size(), 2U);
   std::filesystem::remove(plan);
   std::filesystem::rename(home / "aside", plan);
-  EXPECT_EQ(sketch.switchBranch("b").name, "b");
+  EXPECT_EQ(document.switchBranch("b").name, "b");
 }
 
 TEST_F(DocumentHistoryTest, TellsOfHeadsThatAreMissing) {
-  sketch.saveCheckpoint("one");
-  sketch.createHistoryBranch("b");
-  DocumentHistoryMetadata metadata = sketch.documentHistoryState->metadata;
+  document.saveCheckpoint("one");
+  document.createBranch("b");
+  DocumentHistoryMetadata metadata = document.history->metadata;
   metadata.branches[1].headCheckpointID = "cp-gone";
   writeHistoryMetadata(files, plan, metadata);
   EXPECT_EQ(reply("branch switch b"), "Switch branch failed: No checkpoint named cp-gone exists.");
@@ -143,9 +145,9 @@ TEST_F(DocumentHistoryTest, TellsOfHeadsThatAreMissing) {
 }
 
 TEST_F(DocumentHistoryTest, RefusesNamesThatLeadOutOfTheStore) {
-  sketch.saveCheckpoint("one");
-  sketch.createHistoryBranch("b");
-  const DocumentHistoryMetadata good = sketch.documentHistoryState->metadata;
+  document.saveCheckpoint("one");
+  document.createBranch("b");
+  const DocumentHistoryMetadata good = document.history->metadata;
   const auto before = files.list(home.path());
   const std::string withNul("a\0b", 3);
   for (const std::string& bad : {std::string(), std::string("."), std::string(".."), std::string("../x"),
@@ -171,8 +173,8 @@ TEST_F(DocumentHistoryTest, RefusesNamesThatLeadOutOfTheStore) {
 }
 
 TEST_F(DocumentHistoryTest, FollowsNoLinkOutOfTheStore) {
-  sketch.saveCheckpoint("one");
-  sketch.createHistoryBranch("b");
+  document.saveCheckpoint("one");
+  document.createBranch("b");
   const std::string source = head("b");
   const std::string file = source + ".ostrel";
   for (const std::string name : {"", "meta.json", "branches", "branches/b", "branches/b/timeline.json",
@@ -199,7 +201,7 @@ TEST_F(DocumentHistoryTest, FollowsNoLinkOutOfTheStore) {
 }
 
 TEST_F(DocumentHistoryTest, SaysWhatIsWrongWithItsFilesAndShowsNone) {
-  sketch.saveCheckpoint("one");
+  document.saveCheckpoint("one");
   const std::string good = metadataText();
   const auto failureOf = [&](const std::string& text) {
     writeBytes(store / "meta.json", text);
@@ -219,9 +221,9 @@ TEST_F(DocumentHistoryTest, SaysWhatIsWrongWithItsFilesAndShowsNone) {
       "The history is damaged in meta.json, branches[0], createdAt: expected a date.");
   EXPECT_EQ(failureOf(std::string(200'000, '[')),
             "The history is damaged in meta.json at byte 200000: it is not JSON.");
-  sketch.refreshDocumentHistory();
-  EXPECT_TRUE(sketch.documentHistoryState->allCheckpoints().empty());
-  EXPECT_EQ(sketch.documentHistoryState->metadata.documentFileName, "plan.ostrel");
+  document.refreshHistory();
+  EXPECT_TRUE(document.history->allCheckpoints().empty());
+  EXPECT_EQ(document.history->metadata.documentFileName, "plan.ostrel");
   EXPECT_THAT(reply("checkpoint x"), StartsWith("Checkpoint failed: The history is damaged in meta.json"));
   // Dates may hold an offset and a fraction; unknown keys are passed over.
   std::string text = good;
@@ -230,12 +232,12 @@ TEST_F(DocumentHistoryTest, SaysWhatIsWrongWithItsFilesAndShowsNone) {
 }
 
 TEST_F(DocumentHistoryTest, AsksBeforeACheckpointOrASwitchOverwritesAnothersWork) {
-  sketch.saveCheckpoint("one");
-  sketch.createHistoryBranch("b");
-  DiskSketch other;
-  other.sketch.openDocumentFile(plan);
-  other.sketch.addLine({0, 0}, {9, 9});
-  other.sketch.saveDocumentFile(plan);
+  document.saveCheckpoint("one");
+  document.createBranch("b");
+  DiskWorkspace other;
+  other.document.open(plan);
+  addLine(other.sketch, {0, 0}, {9, 9});
+  other.document.save(plan);
   const std::string theirs = readBytes(plan);
   const std::string refusal = "“plan.ostrel” has been changed by another program and was not overwritten.";
   EXPECT_EQ(reply("checkpoint mine"), "Checkpoint failed: " + refusal);

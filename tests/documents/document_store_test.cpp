@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -11,14 +12,17 @@
 #include <functional>
 #include <limits>
 
+#include "core/adding.h"
+#include "documents/document_history.h"
 #include "documents/document_paths.h"
 #include "documents/sketch_document_io.h"
-#include "support/disk_sketch.h"
+#include "geometry/edit_operations.h"
+#include "support/disk_workspace.h"
 
 namespace ostrelon {
 namespace {
 
-using testing::DiskSketch;
+using testing::DiskWorkspace;
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
@@ -36,45 +40,45 @@ std::string messageOf(const std::function<void()>& work) {
   return "(no failure)";
 }
 
-struct DocumentStoreTest : ::testing::Test, DiskSketch {
+struct DocumentStoreTest : ::testing::Test, DiskWorkspace {
   FilePath plan = home / "plan.ostrel";
 
-  void draw() { sketch.addLine({0, 0}, {120.5, 0}); }
+  void draw() { addLine(sketch, {0, 0}, {120.5, 0}); }
   /// Another program writes the file.
   void changeOnDisk(const FilePath& url) {
-    DiskSketch other;
-    other.sketch.openDocumentFile(url);
-    other.sketch.addCircle({1, 2}, 3);
-    other.sketch.saveDocumentFile(url);
+    DiskWorkspace other;
+    other.document.open(url);
+    addCircle(other.sketch, {1, 2}, 3);
+    other.document.save(url);
   }
 };
 
 TEST_F(DocumentStoreTest, SavesAndOpensWithTheUndoSteps) {
-  for (int step = 0; step < 25; ++step) sketch.addLine({0, 0}, {step + 1.0, 0.1});
-  sketch.setShowGrid(false);
-  sketch.setViewport(10, 20, 2.5);
-  sketch.saveDocumentFile(home / "a/../plan.OSTREL");
-  EXPECT_EQ(sketch.documentFileURL.get(), home / "plan.OSTREL");
-  EXPECT_EQ(sketch.documentName.get(), "plan");
-  EXPECT_FALSE(sketch.isDocumentDirty);
-  EXPECT_EQ(sketch.lastSavedAt.get(), scheduler.now());
+  for (int step = 0; step < 25; ++step) addLine(sketch, {0, 0}, {step + 1.0, 0.1});
+  setShowGrid(sketch, false);
+  board.setViewport({10, 20, 2.5});
+  document.save(home / "a/../plan.OSTREL");
+  EXPECT_EQ(document.fileURL.get(), home / "plan.OSTREL");
+  EXPECT_EQ(document.name.get(), "plan");
+  EXPECT_FALSE(document.isDirty());
+  EXPECT_EQ(document.lastSavedAt.get(), scheduler.now());
 
-  DiskSketch other;
-  other.sketch.addLine({0, 0}, {1, 1});
-  other.sketch.copySelection();
-  other.sketch.openDocumentFile(home / "plan.OSTREL");
-  EXPECT_EQ(other.sketch.entities->size(), 25U);
-  EXPECT_EQ(std::get<LineEntity>(other.sketch.entities->back()).to, (SketchPoint{25, double{0.1F}}));
-  EXPECT_EQ(*other.sketch.wallSystemSpecs, *sketch.wallSystemSpecs);
-  EXPECT_EQ(*other.sketch.activeWallSystemSpecID, *sketch.activeWallSystemSpecID);
-  EXPECT_EQ(*other.sketch.viewport, *sketch.viewport);
-  EXPECT_FALSE(other.sketch.showGrid);
-  EXPECT_FALSE(other.sketch.hasInitializedViewport);
-  EXPECT_TRUE(other.sketch.entityClipboard->empty());
-  EXPECT_EQ(other.sketch.undoStack().undoSnapshots().size(), 20U);
-  EXPECT_EQ(other.sketch.undoStack().redoSnapshots().size(), 0U);
-  for (int step = 0; step < 30; ++step) other.sketch.undo();
-  EXPECT_EQ(other.sketch.entities->size(), 5U);
+  DiskWorkspace other;
+  addLine(other.sketch, {0, 0}, {1, 1});
+  copySelection(other.sketch);
+  other.document.open(home / "plan.OSTREL");
+  EXPECT_EQ(other.sketch.entities().size(), 25U);
+  EXPECT_EQ(std::get<LineEntity>(other.sketch.entities().back()).to, (SketchPoint{25, double{0.1F}}));
+  EXPECT_EQ(other.sketch.drawing->wallSystemSpecs, sketch.drawing->wallSystemSpecs);
+  EXPECT_EQ(other.sketch.drawing->activeWallSystemSpecID, sketch.drawing->activeWallSystemSpecID);
+  EXPECT_EQ(other.board.viewport(), board.viewport());
+  EXPECT_FALSE(other.sketch.drawing->showGrid);
+  EXPECT_FALSE(other.board.view->isInitialized);
+  EXPECT_TRUE(other.sketch.clipboard->empty());
+  EXPECT_EQ(other.sketch.undoStack->undoSnapshots().size(), 20U);
+  EXPECT_EQ(other.sketch.undoStack->redoSnapshots().size(), 0U);
+  for (int step = 0; step < 30; ++step) other.board.undo();
+  EXPECT_EQ(other.sketch.entities().size(), 5U);
 }
 
 TEST_F(DocumentStoreTest, OpensFormat1AndSavesFormat2) {
@@ -82,56 +86,56 @@ TEST_F(DocumentStoreTest, OpensFormat1AndSavesFormat2) {
       "5D7A1C3E-0B1F-4E6A-9C55-0F1E2D3C4B5A","center":{"x":0.1,"y":0},"radius":5}}],"wallSystemSpecs":[],
       "activeWallSystemSpecID":"5D7A1C3E-0B1F-4E6A-9C55-0F1E2D3C4B5A","viewport":{"panX":1,"panY":2,"scale":3},
       "showGrid":true})");
-  const UUID activeBefore = sketch.activeWallSystemSpecID;
-  sketch.openDocumentFile(plan);
-  EXPECT_EQ(std::get<CircleEntity>(sketch.entities->front()).center.x, 0.1);
-  EXPECT_EQ(*sketch.activeWallSystemSpecID, activeBefore) << "a file without wall systems";
-  EXPECT_EQ(sketch.documentName.get(), "plan") << "the name inside gives way to that of the file";
+  const UUID activeBefore = sketch.drawing->activeWallSystemSpecID;
+  document.open(plan);
+  EXPECT_EQ(std::get<CircleEntity>(sketch.entities().front()).center.x, 0.1);
+  EXPECT_EQ(sketch.drawing->activeWallSystemSpecID, activeBefore) << "a file without wall systems";
+  EXPECT_EQ(document.name.get(), "plan") << "the name inside gives way to that of the file";
   // With no wall system at all, walls and commands cope.
-  EXPECT_EQ(sketch.activeWallSystemSpec(), nullptr);
+  EXPECT_EQ(sketch.drawing->activeWallSystem(), nullptr);
   reply("wall 0 0 10 10");
   reply("spec list");
   reply("spec show");
   reply("undo");
-  sketch.saveDocumentFile(plan);
+  document.save(plan);
   EXPECT_THAT(readBytes(plan), StartsWith(R"({"v":2,"name":"plan")"));
 }
 
 TEST_F(DocumentStoreTest, RefusesWithoutTouchingAnything) {
   draw();
   const std::string wrong = "Ostrelon documents must use the .ostrel extension.";
-  EXPECT_EQ(messageOf([&] { sketch.saveDocumentFile(home / "plan.json"); }), wrong);
-  EXPECT_EQ(messageOf([&] { sketch.openDocumentFile(home / ".ostrel"); }), wrong);
-  EXPECT_EQ(messageOf([&] { sketch.saveDocumentFile(home / "none/plan.ostrel"); }),
+  EXPECT_EQ(messageOf([&] { document.save(home / "plan.json"); }), wrong);
+  EXPECT_EQ(messageOf([&] { document.open(home / ".ostrel"); }), wrong);
+  EXPECT_EQ(messageOf([&] { document.save(home / "none/plan.ostrel"); }),
             "The folder “none” does not exist.");
-  EXPECT_EQ(messageOf([&] { sketch.openDocumentFile(plan); }), "The file “plan.ostrel” does not exist.");
+  EXPECT_EQ(messageOf([&] { document.open(plan); }), "The file “plan.ostrel” does not exist.");
   files.createFolders(home / "dir.ostrel");
   ::mkfifo((home / "pipe.ostrel").c_str(), 0600);
   for (const std::string name : {"dir.ostrel", "pipe.ostrel"}) {
-    EXPECT_THAT(messageOf([&] { sketch.openDocumentFile(home / name); }), HasSubstr("Could not read"));
-    EXPECT_THAT(messageOf([&] { sketch.saveDocumentFile(home / name); }), HasSubstr("Could not write"));
+    EXPECT_THAT(messageOf([&] { document.open(home / name); }), HasSubstr("Could not read"));
+    EXPECT_THAT(messageOf([&] { document.save(home / name); }), HasSubstr("Could not write"));
   }
   writeBytes(plan, "{\"v\":2}");
-  EXPECT_THAT(messageOf([&] { sketch.openDocumentFile(plan); }), HasSubstr("\"name\" is missing"));
-  EXPECT_TRUE(sketch.isDocumentDirty);
-  EXPECT_EQ(sketch.lastSavedAt.get(), std::nullopt);
-  EXPECT_EQ(sketch.documentFileURL.get(), std::nullopt);
-  EXPECT_EQ(sketch.entities->size(), 1U);
+  EXPECT_THAT(messageOf([&] { document.open(plan); }), HasSubstr("\"name\" is missing"));
+  EXPECT_TRUE(document.isDirty());
+  EXPECT_EQ(document.lastSavedAt.get(), std::nullopt);
+  EXPECT_EQ(document.fileURL.get(), std::nullopt);
+  EXPECT_EQ(sketch.entities().size(), 1U);
   EXPECT_EQ(files.list(home.path()).size(), 3U) << "no file is left behind";
 }
 
 TEST_F(DocumentStoreTest, KeepsTheFileWhenWhatIsDrawnCannotBeWritten) {
   draw();
-  sketch.saveDocumentFile(plan);
+  document.save(plan);
   const std::string before = readBytes(plan);
-  sketch.addCircle({0, 0}, 1e300);
-  EXPECT_THAT(messageOf([&] { sketch.saveDocumentFile(plan); }), HasSubstr("Circle 2"));
+  addCircle(sketch, {0, 0}, 1e300);
+  EXPECT_THAT(messageOf([&] { document.save(plan); }), HasSubstr("Circle 2"));
   EXPECT_EQ(readBytes(plan), before);
-  EXPECT_TRUE(sketch.isDocumentDirty);
+  EXPECT_TRUE(document.isDirty());
   // Once it is gone the document can be saved again, though an undo step still holds it.
-  sketch.deleteEntity(entityID(sketch.entities->back()));
-  sketch.saveDocumentFile(plan);
-  EXPECT_FALSE(sketch.isDocumentDirty);
+  deleteEntity(sketch, messages, entityID(sketch.entities().back()));
+  document.save(plan);
+  EXPECT_FALSE(document.isDirty());
 }
 
 TEST_F(DocumentStoreTest, RemovesWhatAKilledSaveHasLeftADayAgo) {
@@ -143,7 +147,7 @@ TEST_F(DocumentStoreTest, RemovesWhatAKilledSaveHasLeftADayAgo) {
     std::filesystem::last_write_time(home / name,
                                      std::filesystem::file_time_type::clock::now() - std::chrono::hours(25));
   }
-  sketch.saveDocumentFile(plan);
+  document.save(plan);
   EXPECT_THAT(files.list(home.path()),
               ::testing::UnorderedElementsAre(recent, ".ostrelon-mine.tmp", "plan.ostrel"));
 }
@@ -152,28 +156,28 @@ TEST_F(DocumentStoreTest, SavesUnderANameAloneInTheWorkingFolder) {
   const FilePath before = std::filesystem::current_path();
   std::filesystem::current_path(home.path());
   files.writeFile("settings.json", "{}");
-  sketch.saveDocumentFile("plan.ostrel");
+  document.save("plan.ostrel");
   std::filesystem::current_path(before);
-  EXPECT_EQ(sketch.documentFileURL.get(), home / "plan.ostrel");
+  EXPECT_EQ(document.fileURL.get(), home / "plan.ostrel");
   EXPECT_THAT(files.list(home.path()), ::testing::UnorderedElementsAre("plan.ostrel", "settings.json"));
 }
 
 TEST_F(DocumentStoreTest, FollowsLinksAndKeepsPermissions) {
   draw();
-  sketch.saveDocumentFile(plan);
+  document.save(plan);
   ::chmod(plan.c_str(), 0640);
   std::filesystem::create_symlink("plan.ostrel", home / "link.ostrel");
-  sketch.saveDocumentFile(home / "link.ostrel");
+  document.save(home / "link.ostrel");
   EXPECT_TRUE(std::filesystem::is_symlink(home / "link.ostrel"));
   EXPECT_THAT(readBytes(plan), HasSubstr("\"name\":\"plan\""));
   struct stat status {};
   ::stat(plan.c_str(), &status);
   EXPECT_EQ(status.st_mode & 07777U, 0640U);
   std::filesystem::create_symlink("new.ostrel", home / "dangling.ostrel");
-  sketch.saveDocumentFile(home / "dangling.ostrel");
+  document.save(home / "dangling.ostrel");
   EXPECT_TRUE(std::filesystem::is_regular_file(home / "new.ostrel"));
   std::filesystem::create_symlink("circle.ostrel", home / "circle.ostrel");
-  EXPECT_THAT(messageOf([&] { sketch.saveDocumentFile(home / "circle.ostrel"); }), HasSubstr("circle"));
+  EXPECT_THAT(messageOf([&] { document.save(home / "circle.ostrel"); }), HasSubstr("circle"));
 }
 
 TEST(DocumentStoreFailures, TellsEveryStepThatFailsAndLeavesTheOldFile) {
@@ -198,23 +202,23 @@ TEST(DocumentStoreFailures, TellsEveryStepThatFailsAndLeavesTheOldFile) {
     SCOPED_TRACE(row.text);
     testing::FailingCalls failing;
     row.fail(failing);
-    DiskSketch on(failing.calls);
+    DiskWorkspace on(failing.calls);
     const FilePath url = on.home / "plan.ostrel";
-    on.sketch.addLine({0, 0}, {1, 1});
-    on.sketch.saveDocumentFile(url);
+    addLine(on.sketch, {0, 0}, {1, 1});
+    on.document.save(url);
     const std::string before = readBytes(url);
-    on.sketch.addLine({0, 0}, {2, 2});
+    addLine(on.sketch, {0, 0}, {2, 2});
     on.scheduler.advance(Seconds(10));
     *failing.error = row.error;
-    EXPECT_THAT(saveToURL(on.sketch, on.settings, url, true), ::testing::Optional(HasSubstr(row.text)));
+    EXPECT_THAT(saveToURL(on.document, on.settings, url, true), ::testing::Optional(HasSubstr(row.text)));
     EXPECT_THAT(on.lastLine(), StartsWith("E Save failed: "));
-    EXPECT_EQ(on.toast(), on.sketch.consoleLines->back().text);
+    EXPECT_EQ(on.toast(), on.messages.lines->back().text);
     EXPECT_EQ(readBytes(url), before);
-    EXPECT_TRUE(on.sketch.isDocumentDirty);
-    EXPECT_EQ(secondsBetween(**on.sketch.lastSavedAt, on.scheduler.now()), 10);
+    EXPECT_TRUE(on.document.isDirty());
+    EXPECT_EQ(secondsBetween(**on.document.lastSavedAt, on.scheduler.now()), 10);
     *failing.error = 0;
     EXPECT_THAT(on.files.list(on.home.path()), ElementsAre("plan.ostrel"));
-    EXPECT_EQ(saveToURL(on.sketch, on.settings, url, true), std::nullopt);
+    EXPECT_EQ(saveToURL(on.document, on.settings, url, true), std::nullopt);
   }
 }
 
@@ -226,14 +230,58 @@ TEST(DocumentStoreFailures, KnowsItsOwnFileWhenOnlyTheFolderCouldNotBeMadeToLast
     errno = EIO;
     return -1;
   };
-  DiskSketch on(failing.calls);
-  on.sketch.addLine({0, 0}, {1, 1});
-  on.sketch.saveDocumentFile(on.home / "plan.ostrel");
-  on.sketch.addLine({0, 0}, {2, 2});
-  EXPECT_NE(saveToURL(on.sketch, on.settings, on.home / "plan.ostrel", false), std::nullopt);
-  EXPECT_TRUE(on.sketch.isDocumentDirty);
-  saveCurrentDocument(on.sketch, on.settings, false);
+  DiskWorkspace on(failing.calls);
+  addLine(on.sketch, {0, 0}, {1, 1});
+  on.document.save(on.home / "plan.ostrel");
+  addLine(on.sketch, {0, 0}, {2, 2});
+  EXPECT_NE(saveToURL(on.document, on.settings, on.home / "plan.ostrel", false), std::nullopt);
+  EXPECT_TRUE(on.document.isDirty());
+  saveCurrentDocument(on.document, on.settings, false);
   EXPECT_EQ(on.lastLine(), "S Saved plan.") << "without a question: nobody else has written the file";
+}
+
+TEST(DocumentStoreFailures, TakesTheNextNameWhenAnotherWindowIsQuicker) {
+  testing::InterruptedCalls interrupted;
+  DiskWorkspace on(interrupted.calls);
+  on.settings.useDefaultProjectsFolder();
+  const FilePath folder = on.home / "Documents/Ostrelon";
+  const FilePath first = folder / "Untitled Project.ostrel";
+  std::filesystem::create_symlink(folder / "nothing", folder / "Untitled Project (1).ostrel");
+  addLine(on.sketch, {0, 0}, {1, 1});
+  *interrupted.work = [&] { writeBytes(first, "theirs"); };
+  saveCurrentDocument(on.document, on.settings, false);
+  EXPECT_EQ(on.document.fileURL.get(), folder / "Untitled Project (2).ostrel")
+      << "one that leads nowhere is no free name either";
+  EXPECT_EQ(readBytes(first), "theirs");
+  EXPECT_EQ(on.files.list(folder).size(), 3U) << "nothing is written through the link, and none left behind";
+}
+
+TEST(DocumentStoreFailures, NoticesWhatAnotherProgramWritesWhileItSaves) {
+  testing::InterruptedCalls interrupted;
+  DiskWorkspace on(interrupted.calls);
+  const FilePath plan = on.home / "plan.ostrel";
+  addLine(on.sketch, {0, 0}, {1, 1});
+  on.document.save(plan);
+  on.document.saveCheckpoint("one");
+  on.document.createBranch("b");
+  const auto expectRefused = [&](const std::string& prefix, const std::function<void()>& command) {
+    *interrupted.work = [&] { writeBytes(plan, "theirs"); };
+    const bool wasDirty = on.document.isDirty();
+    command();
+    EXPECT_EQ(on.messages.lines->back().text,
+              prefix + "“plan.ostrel” has been changed by another program and was not overwritten.");
+    EXPECT_EQ(readBytes(plan), "theirs");
+    EXPECT_EQ(on.document.isDirty(), wasDirty);
+    on.dialogs.queue("Overwrite");
+    saveCurrentDocument(on.document, on.settings, false);
+    EXPECT_EQ(on.lastLine(), "S Saved plan.");
+  };
+  expectRefused("Switch branch failed: ", [&] { on.reply("branch switch b"); });
+  EXPECT_EQ(loadDocumentHistory(on.files, plan).metadata.currentBranchID, "main");
+  addLine(on.sketch, {0, 0}, {2, 2});
+  expectRefused("Checkpoint failed: ", [&] { on.reply("checkpoint two"); });
+  addLine(on.sketch, {0, 0}, {3, 3});
+  expectRefused("Save failed: ", [&] { saveCurrentDocument(on.document, on.settings, false); });
 }
 
 // Runs `work` in a process of its own; gives the status that it exits with.
@@ -245,26 +293,24 @@ int inChild(const std::function<int()>& work) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-TEST_F(DocumentStoreTest, TellsOfAFolderOrFileThatMayNotBeWritten) {
+TEST_F(DocumentStoreTest, KeepsTheGroupOfAFileWhereItMay) {
   if (::geteuid() != 0) GTEST_SKIP() << "needs to become another user";
-  draw();
-  sketch.saveDocumentFile(plan);
-  const std::string before = readBytes(plan);
+  constexpr gid_t team = 4711;
+  constexpr uid_t user = 65534;
+  document.save(plan);
+  ASSERT_EQ(::chown(plan.c_str(), 0, team), 0);
+  ::chmod(plan.c_str(), 0660);
   ::chmod(home.path().c_str(), 0777);
-  ::chmod(plan.c_str(), 0444);
-  const auto asAnother = [&](const FilePath& url) {
-    return inChild([&] {
-      if (::setgid(65534) != 0 || ::setuid(65534) != 0) return 1;
-      const auto failure = saveToURL(sketch, settings, url, false);
-      return failure && failure->find("You do not have permission to write") != std::string::npos ? 7 : 2;
-    });
-  };
-  EXPECT_EQ(asAnother(plan), 7) << "a file protected from writing, in a folder that may be written";
-  ::chmod(plan.c_str(), 0666);
-  ::chmod(home.path().c_str(), 0555);
-  EXPECT_EQ(asAnother(plan), 7) << "a folder that may not be written";
-  EXPECT_EQ(asAnother(home / "new.ostrel"), 7);
-  EXPECT_EQ(readBytes(plan), before);
+  const int status = inChild([&] {
+    if (::setgroups(1, &team) != 0 || ::setgid(user) != 0 || ::setuid(user) != 0) return 1;
+    return saveToURL(document, settings, plan, false) ? 2 : 7;
+  });
+  EXPECT_EQ(status, 7);
+  struct stat saved {};
+  ::stat(plan.c_str(), &saved);
+  EXPECT_EQ(saved.st_uid, user);
+  EXPECT_EQ(saved.st_gid, team);
+  EXPECT_EQ(saved.st_mode & 07777U, 0660U);
 }
 
 // --- The commands
@@ -273,17 +319,17 @@ TEST_F(DocumentStoreTest, AsksWhereWithoutAProjectsFolder) {
   draw();
   std::vector<SaveOutcome> outcomes;
   const auto done = [&](SaveOutcome outcome) { outcomes.push_back(outcome); };
-  saveCurrentDocument(sketch, settings, true, done);
+  saveCurrentDocument(document, settings, true, done);
   scheduler.advance(Seconds(0));
   EXPECT_EQ(toast(), "") << "nothing is being saved while the panel is up";
-  EXPECT_FALSE(sketch.isSaveDialogActive);
+  EXPECT_FALSE(document.isSaveDialogActive);
   dialogs.queue((home / "house.").string());
-  saveDocumentAs(sketch, settings, false, done);
-  EXPECT_EQ(sketch.documentFileURL.get(), home / "house.ostrel");
+  saveDocumentAs(document, settings, false, done);
+  EXPECT_EQ(document.fileURL.get(), home / "house.ostrel");
   EXPECT_EQ(defaults.map(SettingsKey::documentBookmarks),
             (DefaultsMap{{(home / "house.ostrel").string(), (home / "house.ostrel").string()}}));
   dialogs.queue((home / "house.json").string());
-  saveDocumentAs(sketch, settings, false, done);
+  saveDocumentAs(document, settings, false, done);
   EXPECT_EQ(lastLine(), "E Save failed: Ostrelon documents must use the .ostrel extension.");
   EXPECT_THAT(outcomes, ElementsAre(SaveOutcome::cancelled, SaveOutcome::saved, SaveOutcome::failed));
   const auto& panel = std::get<SavePanel>(dialogs.asked().back());
@@ -291,33 +337,61 @@ TEST_F(DocumentStoreTest, AsksWhereWithoutAProjectsFolder) {
   EXPECT_EQ(panel.suggestedName, "house.ostrel");
 }
 
+TEST_F(DocumentStoreTest, AsksBeforeItReplacesWhatTheSavePanelKnewNothingOf) {
+  draw();
+  writeBytes(plan, "theirs");
+  const auto saveAs = [&](const std::string& name) {
+    dialogs.queue((home / name).string());
+    saveDocumentAs(document, settings, false);
+  };
+  dialogs.setConfirmsReplacing(true);
+  for (const std::string name : {"plan", "plan."}) {
+    saveAs(name);
+    EXPECT_EQ(std::get<Alert>(dialogs.asked().back()).message,
+              "“plan.ostrel” already exists. Do you want to replace it?");
+    EXPECT_EQ(readBytes(plan), "theirs");
+    EXPECT_FALSE(document.isSaveDialogActive);
+  }
+  saveAs("new");
+  saveAs("new.ostrel");
+  EXPECT_EQ(dialogs.asked().size(), 6U)
+      << "no question about a free name, or one that the panel has asked about";
+  dialogs.queue((home / "plan").string());
+  dialogs.queue("Replace");
+  saveDocumentAs(document, settings, false);
+  EXPECT_EQ(document.fileURL.get(), plan);
+  dialogs.setConfirmsReplacing(false);
+  saveAs("new");
+  EXPECT_EQ(document.fileURL.get(), home / "new.ostrel") << "a script means the paths that it gives";
+}
+
 TEST_F(DocumentStoreTest, AsksBeforeItOverwritesWhatAnotherProgramHasWritten) {
   draw();
-  sketch.saveDocumentFile(plan);
-  saveCurrentDocument(sketch, settings, false);
+  document.save(plan);
+  saveCurrentDocument(document, settings, false);
   EXPECT_THAT(dialogs.asked(), IsEmpty());
   changeOnDisk(plan);
   const std::string theirs = readBytes(plan);
   draw();
-  saveCurrentDocument(sketch, settings, true);
+  saveCurrentDocument(document, settings, true);
   scheduler.advance(Seconds(0));
   EXPECT_EQ(lastLine(),
             "E Save failed: “plan.ostrel” has been changed by another program and was not overwritten.");
-  EXPECT_EQ(toast(), sketch.consoleLines->back().text);
+  EXPECT_EQ(toast(), messages.lines->back().text);
   EXPECT_EQ(readBytes(plan), theirs);
-  EXPECT_TRUE(sketch.isDocumentDirty);
+  EXPECT_TRUE(document.isDirty());
   EXPECT_EQ(std::get<Alert>(dialogs.asked().back()).message,
             "“plan.ostrel” has been changed by another program.");
   dialogs.queue("Overwrite");
-  saveCurrentDocument(sketch, settings, false);
+  saveCurrentDocument(document, settings, false);
   EXPECT_EQ(lastLine(), "S Saved plan.");
   // The same bytes written anew are no change, and a file that is gone is no loss.
   const std::string same = readBytes(plan);
   std::filesystem::remove(plan);
   writeBytes(plan, same);
-  saveCurrentDocument(sketch, settings, false);
+  saveCurrentDocument(document, settings, false);
   std::filesystem::remove(plan);
-  saveCurrentDocument(sketch, settings, false);
+  saveCurrentDocument(document, settings, false);
   EXPECT_EQ(lastLine(), "S Saved plan.");
   EXPECT_EQ(dialogs.asked().size(), 2U);
 }

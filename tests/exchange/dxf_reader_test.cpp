@@ -8,15 +8,16 @@
 #include <numbers>
 #include <random>
 
+#include "core/adding.h"
 #include "exchange/dxf_import.h"
 #include "exchange/dxf_writer.h"
-#include "support/test_sketch.h"
+#include "support/test_workspace.h"
 
 namespace ostrelon {
 namespace {
 
 using ::testing::HasSubstr;
-using testing::TestSketch;
+using testing::TestWorkspace;
 constexpr double kPi = std::numbers::pi;
 
 // A file whose ENTITIES section holds this; a blank stands for the end of a line.
@@ -141,19 +142,19 @@ TEST(DxfReader, TakesLineEndsOfAllSystemsAndBlanksAroundCodes) {
 }
 
 TEST(DxfImport, IsOneStepThatCanBeUndone) {
-  TestSketch test;
-  test.sketch.updateCanvasSize({800, 600});
-  test.sketch.addLine({0, 0}, {1, 1});
-  const EntityList before = *test.sketch.entities;
-  const std::size_t steps = test.sketch.undoStack().undoSnapshots().size();
-  importDxf(test.sketch, read("0 LINE 10 0 20 0 11 5 21 5 0 TEXT 1 x 0 CIRCLE 10 0 20 0 40 1 "), "plan.dxf");
-  EXPECT_EQ(test.sketch.entities->size(), 3U);
-  EXPECT_EQ(test.sketch.undoStack().undoSnapshots().size(), steps + 1);
-  EXPECT_TRUE(*test.sketch.isDocumentDirty);
-  EXPECT_EQ(test.sketch.consoleLines->back().text,
+  TestWorkspace test;
+  test.board.resizeCanvas({800, 600});
+  addLine(test.sketch, {0, 0}, {1, 1});
+  const EntityList before = test.sketch.entities();
+  const std::size_t steps = test.undoSteps();
+  importDxf(test.board, read("0 LINE 10 0 20 0 11 5 21 5 0 TEXT 1 x 0 CIRCLE 10 0 20 0 40 1 "), "plan.dxf");
+  EXPECT_EQ(test.sketch.entities().size(), 3U);
+  EXPECT_EQ(test.undoSteps(), steps + 1);
+  EXPECT_TRUE(test.document.isDirty());
+  EXPECT_EQ(test.messages.lines->back().text,
             "Imported 2 entities from \"plan.dxf\"; left out 1 object that cannot be drawn here: TEXT 1.");
-  test.sketch.undo();
-  EXPECT_EQ(*test.sketch.entities, before);
+  test.board.undo();
+  EXPECT_EQ(test.sketch.entities(), before);
 }
 
 TEST(DxfImport, ConvertsWhenAsked) {
@@ -163,29 +164,29 @@ TEST(DxfImport, ConvertsWhenAsked) {
       "9 $INSUNITS 70 4 ");
   ASSERT_TRUE(drawing.unit);
   EXPECT_EQ(drawing.unit->name, "millimeters");
-  TestSketch plain;
-  importDxf(plain.sketch, drawing, "plan.dxf");
-  EXPECT_EQ(std::get<LineEntity>(plain.sketch.entities->front()).to, (SketchPoint{3048, 304.8}));
-  TestSketch converted;
-  importDxf(converted.sketch, drawing, "plan.dxf", true);
-  EXPECT_NEAR(std::get<LineEntity>(converted.sketch.entities->front()).to.x, 10, 1e-12);
-  EXPECT_NEAR(std::get<CircleEntity>((*converted.sketch.entities)[1]).radius, 0.5, 1e-12);
-  EXPECT_NEAR(std::get<PolygonEntity>(converted.sketch.entities->back()).vertices[2].y, 1, 1e-12);
+  TestWorkspace plain;
+  importDxf(plain.board, drawing, "plan.dxf");
+  EXPECT_EQ(std::get<LineEntity>(plain.sketch.entities().front()).to, (SketchPoint{3048, 304.8}));
+  TestWorkspace converted;
+  importDxf(converted.board, drawing, "plan.dxf", true);
+  EXPECT_NEAR(std::get<LineEntity>(converted.sketch.entities().front()).to.x, 10, 1e-12);
+  EXPECT_NEAR(std::get<CircleEntity>(converted.sketch.entities()[1]).radius, 0.5, 1e-12);
+  EXPECT_NEAR(std::get<PolygonEntity>(converted.sketch.entities().back()).vertices[2].y, 1, 1e-12);
 }
 
 TEST(DxfImport, AFileWithNothingToDrawIsAnErrorAndChangesNothing) {
-  TestSketch test;
-  EXPECT_THROW(importDxf(test.sketch, read(""), "empty.dxf"), DxfError);
+  TestWorkspace test;
+  EXPECT_THROW(importDxf(test.board, read(""), "empty.dxf"), DxfError);
   try {
-    importDxf(test.sketch, read("0 TEXT 1 a 0 HATCH 2 b "), "text.dxf");
+    importDxf(test.board, read("0 TEXT 1 a 0 HATCH 2 b "), "text.dxf");
     FAIL();
   } catch (const DxfError& error) {
     EXPECT_STREQ(error.what(),
                  "There is nothing in the file but 2 objects that cannot be drawn here: HATCH 1, TEXT 1.");
   }
-  EXPECT_TRUE(test.sketch.entities->empty());
-  EXPECT_FALSE(*test.sketch.isDocumentDirty);
-  EXPECT_TRUE(test.sketch.undoStack().undoSnapshots().empty());
+  EXPECT_TRUE(test.sketch.entities().empty());
+  EXPECT_FALSE(test.document.isDirty());
+  EXPECT_TRUE(test.sketch.undoStack->undoSnapshots().empty());
 }
 
 }  // namespace

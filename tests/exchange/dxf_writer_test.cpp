@@ -15,13 +15,13 @@
 #include "exchange/dxf_layers.h"
 #include "exchange/dxf_reader.h"
 #include "support/temporary_folder.h"
-#include "support/test_sketch.h"
+#include "support/test_workspace.h"
 
 namespace ostrelon {
 namespace {
 
 using testing::TemporaryFolder;
-using testing::TestSketch;
+using testing::TestWorkspace;
 
 std::string dxfText(const EntityList& entities, const std::vector<WallSystemSpec>& systems,
                     DxfVersion version) {

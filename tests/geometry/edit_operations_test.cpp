@@ -1,14 +1,15 @@
 #include <gtest/gtest.h>
 
+#include "geometry/edit_operations.h"
 #include "geometry/entity_edits.h"
 #include "geometry/entity_geometry.h"
 #include "support/random_drawing.h"
-#include "support/test_sketch.h"
+#include "support/test_workspace.h"
 
 namespace ostrelon {
 namespace {
 
-using testing::TestSketch;
+using testing::TestWorkspace;
 
 TEST(Edits, TheLengthThatASegmentHasIsNoChange) {
   const auto seed = testing::seed();
@@ -23,17 +24,17 @@ TEST(Edits, TheLengthThatASegmentHasIsNoChange) {
 }
 
 TEST(Edits, EntitiesOfOneIdentifierAreDeletedTogether) {
-  TestSketch t;
+  TestWorkspace t;
   const UUID shared = UUID::random();
   const UUID other = UUID::random();
   EntityList list;
   for (int i = 0; i < 3000; ++i) list.append(LineEntity{i % 3 == 0 ? other : shared, {0, 0}, {1, 1}});
-  t.sketch.restoreSnapshot(list);
-  t.sketch.selectEntities({1});
-  t.sketch.deleteSelection();
-  EXPECT_EQ(t.sketch.entities->size(), 1000u);
-  t.sketch.deleteEntity(other);
-  EXPECT_TRUE(t.sketch.entities->empty());
+  t.board.restoreSnapshot(list);
+  selectEntities(t.sketch, {1});
+  deleteSelection(t.sketch, t.messages);
+  EXPECT_EQ(t.sketch.entities().size(), 1000u);
+  deleteEntity(t.sketch, t.messages, other);
+  EXPECT_TRUE(t.sketch.entities().empty());
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include "geometry/hit_testing.h"
+#include "core/circle.h"
 
 #include <gtest/gtest.h>
 
@@ -51,7 +52,7 @@ TEST(HitTesting, OutlinesAreHitNotInsides) {
 }
 
 TEST(Marquee, MinimumEdgesAreInsideAndMaximumEdgesAreNot) {
-  const QueryRect rect{0, 0, 10, 10};
+  const SketchBox rect{0, 0, 10, 10};
   EXPECT_TRUE(rectContains(rect, {0, 0}));
   EXPECT_FALSE(rectContains(rect, {10, 5}));
   const auto window = [&](const SketchEntity& entity) { return entityContainedInRect(entity, rect); };
@@ -64,7 +65,7 @@ TEST(Marquee, MinimumEdgesAreInsideAndMaximumEdgesAreNot) {
 }
 
 TEST(Marquee, CrossingTakesWhatItTouches) {
-  const QueryRect rect{0, 0, 10, 10};
+  const SketchBox rect{0, 0, 10, 10};
   const auto crosses = [&](const SketchEntity& entity) { return entityIntersectsRect(entity, rect); };
   EXPECT_TRUE(crosses(LineEntity{id(), {-5, 5}, {15, 5}}));
   EXPECT_TRUE(crosses(LineEntity{id(), {-5, 5}, {0, 5}}));

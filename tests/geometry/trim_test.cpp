@@ -1,4 +1,5 @@
 #include "geometry/trim.h"
+#include "core/circle.h"
 
 #include <gtest/gtest.h>
 

@@ -7,45 +7,46 @@
 #include <limits>
 #include <numbers>
 
-#include "core/sketch_view_model.h"
+#include "core/adding.h"
+#include "geometry/edit_operations.h"
 #include "interaction/canvas_clipping.h"
 #include "interaction/segment_label.h"
 #include "support/recording_painter.h"
 #include "support/temporary_folder.h"
-#include "support/test_sketch.h"
+#include "support/test_workspace.h"
 
 namespace ostrelon {
 namespace {
 
 using testing::RecordingPainter;
-using testing::TestSketch;
+using testing::TestWorkspace;
 using Points = std::vector<SketchPoint>;
 
 const ThemePalette& colors() { return lightPalette(); }
 
 /// A sketch on a canvas of 400 by 300 with the origin in its middle at 4 view points a unit.
-class CanvasRenderer : public ::testing::Test, protected TestSketch {
+class CanvasRenderer : public ::testing::Test, protected TestWorkspace {
  protected:
-  CanvasRenderer() { sketch.updateCanvasSize({400, 300}); }
+  CanvasRenderer() { board.resizeCanvas({400, 300}); }
 
-  CanvasFrame frame() const { return {{*sketch.viewport, *sketch.canvasSize}, colors()}; }
+  CanvasFrame frame() const { return {{board.viewport(), board.view->canvasSize}, colors()}; }
   std::vector<RecordingPainter::Call> paint(CanvasLayer layer) const {
     RecordingPainter painter;
-    paintLayer(painter, layer, sketch, frame());
+    paintLayer(painter, layer, board, frame());
     return painter.calls;
   }
   std::vector<RecordingPainter::Call> paintEntity(const SketchEntity& entity) const {
     RecordingPainter painter;
-    paintEntities(painter, frame(), EntityList{entity}, *sketch.wallSystemSpecs);
+    paintEntities(painter, frame(), EntityList{entity}, sketch.drawing->wallSystemSpecs);
     return painter.calls;
   }
-  const UUID& lastID() const { return entityID(sketch.entities->back()); }
+  const UUID& lastID() const { return entityID(sketch.entities().back()); }
 };
 
 TEST_F(CanvasRenderer, PaintsNoAxisThatLiesOutsideAndNoGridThatIsOff) {
-  sketch.setViewport(-5000, 150, 4);
+  board.setViewport({{-5000, 150}, 4});
   EXPECT_EQ(paint(CanvasLayer::grid)[2].pieces.size(), 1u);
-  sketch.setShowGrid(false);
+  setShowGrid(sketch, false);
   EXPECT_TRUE(paint(CanvasLayer::grid).empty());
 }
 
@@ -81,7 +82,7 @@ TEST_F(CanvasRenderer, LeavesOutWhatIsNotSeenAndShowsTinyThingsAsDots) {
 TEST_F(CanvasRenderer, CopesWithNumbersThatNoPainterCounts) {
   constexpr double inf = std::numeric_limits<double>::infinity();
   const double nan = std::nan("");
-  const auto& system = sketch.wallSystemSpecs->at(0);
+  const auto& system = sketch.drawing->wallSystemSpecs.at(0);
   EntityList entities;
   for (const double big : {1e5, 1e9, 1e17, 1e300, inf, nan}) {
     for (const SketchPoint far : {SketchPoint{big, 0}, SketchPoint{-big, big}, SketchPoint{0, -big}}) {
@@ -98,8 +99,8 @@ TEST_F(CanvasRenderer, CopesWithNumbersThatNoPainterCounts) {
   }
   RecordingPainter painter;
   const CanvasFrame now = frame();
-  paintEntities(painter, now, entities, *sketch.wallSystemSpecs);
-  const ViewRect box = now.clipBox().grown(1);
+  paintEntities(painter, now, entities, sketch.drawing->wallSystemSpecs);
+  const SketchBox box = now.clipBox().grown(1);
   EXPECT_GT(painter.calls.size(), 20u);
   for (const auto& call : painter.calls) {
     for (const auto& piece : call.pieces) {
@@ -125,7 +126,7 @@ TEST_F(CanvasRenderer, PaintsTheSeenPartOfAGiantCircle) {
   }
   EXPECT_TRUE(passesMiddle);
   // The half of the box right of the edge is inside.
-  const ViewRect box{0, 0, 400, 300};
+  const SketchBox box{0, 0, 400, 300};
   const auto disc = clippedDisc({200 + 4 * radius, 150}, 4 * radius, box);
   EXPECT_NEAR(polygonArea(disc), 200 * 300, 200);
   EXPECT_EQ(clippedDisc({200, 150}, 1e9, box).size(), 4u);
@@ -143,11 +144,11 @@ TEST_F(CanvasRenderer, CutsDashedLinesWithoutMovingTheirDashes) {
 }
 
 TEST_F(CanvasRenderer, LabelsTheSegmentBeingDrawn) {
-  sketch.activateTool(SketchTool::line);
+  board.activateTool(SketchTool::line);
   const auto labelOf = [this](SketchPoint to) {
-    sketch.beginDraft({0, 0});
-    sketch.setDraftCurrent(to);
-    return segmentLabel(sketch, sketch.viewport);
+    board.beginDraft({0, 0});
+    board.setDraftCurrent(to);
+    return segmentLabel(board, board.viewport());
   };
   const auto level = labelOf({10, 0});
   ASSERT_TRUE(level);
@@ -167,139 +168,137 @@ TEST_F(CanvasRenderer, LabelsTheSegmentBeingDrawn) {
 
 struct Scene {
   const char* name;
-  void (*make)(SketchViewModel& sketch);
+  void (*make)(Board& board);
 };
 
 const EntitySnapTarget kCorner{.point = {5, 5}, .entityName = "Line 1"};
 
-UUID idAt(const SketchViewModel& sketch, std::size_t position) {
-  return entityID((*sketch.entities)[position]);
-}
+UUID idAt(const Board& board, std::size_t position) { return entityID(board.sketch().entities()[position]); }
 
-void draft(SketchViewModel& sketch, SketchTool tool, SketchPoint to) {
-  sketch.activateTool(tool);
-  sketch.beginDraft({0, 0});
-  sketch.setDraftCurrent(to);
+void draft(Board& board, SketchTool tool, SketchPoint to) {
+  board.activateTool(tool);
+  board.beginDraft({0, 0});
+  board.setDraftCurrent(to);
 }
 
 const std::vector<Scene>& scenes() {
   static const std::vector<Scene> all{
-      {"grid", [](SketchViewModel& s) { s.setShowGrid(true); }},
+      {"grid", [](Board& b) { setShowGrid(b.sketch(), true); }},
       {"entities",
-       [](SketchViewModel& s) {
-         s.restoreSnapshot(
+       [](Board& b) {
+         b.restoreSnapshot(
              {LineEntity{{}, {0, 0}, {10, 5}}, CircleEntity{{}, {1, 2}, 3},
               RectangleEntity{{}, {10, 5}, {-10, -5}}, PolygonEntity{{}, {{0, 0}, {10, 0}, {0, 5}}},
               ArcEntity{{}, {0, 0}, 10, -std::numbers::pi / 2, 0}, ArcEntity{{}, {0, 0}, 10, 1, 1 + 1e-7},
-              WallEntity{{}, {0, 0}, {20, 0}, s.wallSystemSpecs->at(2).id},
+              WallEntity{{}, {0, 0}, {20, 0}, b.sketch().drawing->wallSystemSpecs.at(2).id},
               WallEntity{{}, {0, 9}, {20, 9}, UUID{}}});
        }},
       {"guides",
-       [](SketchViewModel& s) {
-         s.publishSnap({.point = {5, 5},
+       [](Board& b) {
+         b.publishSnap({.point = {5, 5},
                         .axes = {AxisSnap::horizontal, AxisSnap::vertical, AxisSnap::diagonalUp,
                                  AxisSnap::diagonalDown}},
                        SketchPoint{2, 1});
        }},
       {"draft_line",
-       [](SketchViewModel& s) {
-         draft(s, SketchTool::line, {10, 0});
+       [](Board& b) {
+         draft(b, SketchTool::line, {10, 0});
        }},
       {"draft_too_short",
-       [](SketchViewModel& s) {
-         draft(s, SketchTool::line, {0.9, 0});
+       [](Board& b) {
+         draft(b, SketchTool::line, {0.9, 0});
        }},
       {"draft_circle",
-       [](SketchViewModel& s) {
-         draft(s, SketchTool::circle, {3, 4});
+       [](Board& b) {
+         draft(b, SketchTool::circle, {3, 4});
        }},
       {"draft_rectangle",
-       [](SketchViewModel& s) {
-         draft(s, SketchTool::rectangle, {10, 5});
+       [](Board& b) {
+         draft(b, SketchTool::rectangle, {10, 5});
        }},
       {"draft_rectangle_too_thin",
-       [](SketchViewModel& s) {
-         draft(s, SketchTool::rectangle, {10, 0.5});
+       [](Board& b) {
+         draft(b, SketchTool::rectangle, {10, 0.5});
        }},
       {"draft_wall",
-       [](SketchViewModel& s) {
-         draft(s, SketchTool::wall, {20, 0});
+       [](Board& b) {
+         draft(b, SketchTool::wall, {20, 0});
        }},
       {"draft_polygon",
-       [](SketchViewModel& s) {
-         s.activateTool(SketchTool::polygon);
-         s.addPolygonVertex({0, 0});
-         s.addPolygonVertex({10, 0});
-         s.updatePolygonDraft({10, 10});
+       [](Board& b) {
+         b.activateTool(SketchTool::polygon);
+         b.addPolygonVertex({0, 0});
+         b.addPolygonVertex({10, 0});
+         b.updatePolygonDraft({10, 10});
        }},
       {"marker_at_its_source",
-       [](SketchViewModel& s) {
-         s.publishSnap(
+       [](Board& b) {
+         b.publishSnap(
              {.point = {5, 5}, .entitySnap = kCorner, .entitySnapSourcePoint = SketchPoint{5, 5.4}});
        }},
       {"marker_and_source",
-       [](SketchViewModel& s) {
-         s.publishSnap({.point = {5, 5}, .entitySnap = kCorner, .entitySnapSourcePoint = SketchPoint{5, 6}});
+       [](Board& b) {
+         b.publishSnap({.point = {5, 5}, .entitySnap = kCorner, .entitySnapSourcePoint = SketchPoint{5, 6}});
        }},
       {"marker_of_the_grid",
-       [](SketchViewModel& s) {
-         s.publishSnap({.point = {10, 10}, .gridSnap = GridSnapTarget{{10, 10}, {}, false}});
+       [](Board& b) {
+         b.publishSnap({.point = {10, 10}, .gridSnap = GridSnapTarget{{10, 10}, {}, false}});
        }},
       {"pulse",
-       [](SketchViewModel& s) {
-         s.activateTool(SketchTool::line);
-         s.startTrackingDwell(kCorner, Date());
-         s.advanceTrackingDwell(advanced(Date(), Seconds(0.3125)));
+       [](Board& b) {
+         b.activateTool(SketchTool::line);
+         b.startTrackingDwell(kCorner, Date());
+         b.advanceTrackingDwell(advanced(Date(), Seconds(0.3125)));
        }},
-      {"lock", [](SketchViewModel& s) { s.lockTrackingTarget(kCorner); }},
+      {"lock", [](Board& b) { b.lockTrackingTarget(kCorner); }},
       {"lock_and_draft",
-       [](SketchViewModel& s) {
-         draft(s, SketchTool::line, {20, 10});
-         s.lockTrackingTarget(kCorner);
+       [](Board& b) {
+         draft(b, SketchTool::line, {20, 10});
+         b.lockTrackingTarget(kCorner);
        }},
       {"hover",
-       [](SketchViewModel& s) {
-         s.addLine({0, 0}, {10, 0});
-         s.hoverMoved(SketchPoint{220, 150});
+       [](Board& b) {
+         addLine(b.sketch(), {0, 0}, {10, 0});
+         b.hoverMoved(SketchPoint{220, 150});
        }},
       {"hover_on_the_selected",
-       [](SketchViewModel& s) {
-         s.addLine({0, 0}, {10, 0});
-         s.selectAll();
-         s.hoverMoved(SketchPoint{220, 150});
+       [](Board& b) {
+         addLine(b.sketch(), {0, 0}, {10, 0});
+         selectAll(b.sketch());
+         b.hoverMoved(SketchPoint{220, 150});
        }},
       {"trim",
-       [](SketchViewModel& s) {
-         s.addLine({0, -10}, {0, 10});
-         s.addLine({-20, 0}, {20, 0});
-         s.activateTool(SketchTool::trim);
-         s.handleTrimClick({0, 8});
-         s.hoverMoved(SketchPoint{260, 150});
+       [](Board& b) {
+         addLine(b.sketch(), {0, -10}, {0, 10});
+         addLine(b.sketch(), {-20, 0}, {20, 0});
+         b.activateTool(SketchTool::trim);
+         b.trimAt({0, 8});
+         b.hoverMoved(SketchPoint{260, 150});
        }},
       {"selected_rectangle",
-       [](SketchViewModel& s) {
-         s.addRectangle({0, 0}, {10, 5});
-         s.selectSingleEntity(idAt(s, 0));
+       [](Board& b) {
+         addRectangle(b.sketch(), {0, 0}, {10, 5});
+         selectSingleEntity(b.sketch(), idAt(b, 0));
        }},
       {"selected_line",
-       [](SketchViewModel& s) {
-         s.addLine({0, 0}, {5, 5});
-         s.selectSingleEntity(idAt(s, 0));
+       [](Board& b) {
+         addLine(b.sketch(), {0, 0}, {5, 5});
+         selectSingleEntity(b.sketch(), idAt(b, 0));
        }},
       {"selected_both",
-       [](SketchViewModel& s) {
-         s.addRectangle({0, 0}, {10, 5});
-         s.addLine({0, 0}, {5, 5});
-         s.selectAll();
+       [](Board& b) {
+         addRectangle(b.sketch(), {0, 0}, {10, 5});
+         addLine(b.sketch(), {0, 0}, {5, 5});
+         selectAll(b.sketch());
        }},
       {"marquee_window",
-       [](SketchViewModel& s) {
-         s.beginMarquee({100, 100}, {180, 160});
+       [](Board& b) {
+         b.beginMarquee({100, 100}, {180, 160});
        }},
       {"marquee_crossing",
-       [](SketchViewModel& s) {
-         s.beginMarquee({100, 100}, {180, 160});
-         s.updateMarquee({20, 160});
+       [](Board& b) {
+         b.beginMarquee({100, 100}, {180, 160});
+         b.updateMarquee({20, 160});
        }},
   };
   return all;
@@ -308,12 +307,12 @@ const std::vector<Scene>& scenes() {
 TEST(CanvasScenes, ArePaintedAsTheirGoldenTextsSay) {
   for (const Scene& scene : scenes()) {
     SCOPED_TRACE(scene.name);
-    TestSketch on;
-    on.sketch.updateCanvasSize({400, 300});
-    on.sketch.setShowGrid(false);
-    scene.make(on.sketch);
+    TestWorkspace on;
+    on.board.resizeCanvas({400, 300});
+    setShowGrid(on.sketch, false);
+    scene.make(on.board);
     RecordingPainter painter;
-    paintCanvas(painter, on.sketch, {{*on.sketch.viewport, *on.sketch.canvasSize}, colors()});
+    paintCanvas(painter, on.board, {{on.board.viewport(), on.board.view->canvasSize}, colors()});
     const std::string golden =
         std::string(OSTRELON_SOURCE_DIR "/tests/interaction/golden/") + scene.name + ".txt";
     if (std::getenv("OSTRELON_UPDATE_GOLDEN") != nullptr) testing::writeBytes(golden, painter.text());

@@ -3,22 +3,24 @@
 
 #include <cmath>
 
+#include "core/adding.h"
+#include "geometry/edit_operations.h"
 #include "geometry/entity_geometry.h"
 #include "geometry/hit_testing.h"
 #include "geometry/marquee.h"
 #include "interaction/sketch_snapping.h"
 #include "support/random_drawing.h"
-#include "support/test_sketch.h"
+#include "support/test_workspace.h"
 
 namespace ostrelon {
 namespace {
 
-class EditedDrawing : public testing::TestSketch {
+class EditedDrawing : public testing::TestWorkspace {
  public:
   explicit EditedDrawing(unsigned seed) : random(seed) {
     std::vector<SketchEntity> all;
     for (int i = 0; i < 400; ++i) all.push_back(entity());
-    sketch.addEntities(std::move(all));
+    addEntities(sketch, std::move(all));
   }
 
   // Over some hundred units, so that most of a search lies elsewhere; in clumps, so that ties are common.
@@ -27,44 +29,44 @@ class EditedDrawing : public testing::TestSketch {
     const SketchPoint by = place();
     return translatedEntity(random.entity(), by.x, by.y);
   }
-  std::int64_t anyPosition() { return random.below(static_cast<int>(sketch.entities->size())); }
+  std::int64_t anyPosition() { return random.below(static_cast<int>(sketch.entities().size())); }
 
   void edit() {
     switch (random.below(7)) {
       case 0:
-        sketch.addEntities({entity(), entity(), entity()});
+        addEntities(sketch, {entity(), entity(), entity()});
         break;
       case 1:
-        if (sketch.entities->size() > 200) sketch.deleteEntity(idAt(anyPosition()));
+        if (sketch.entities().size() > 200) deleteEntity(sketch, messages, idAt(anyPosition()));
         break;
       case 2:
-        sketch.selectEntities({anyPosition(), anyPosition(), anyPosition()});
-        sketch.duplicateSelection(random.coordinate(), random.coordinate());
+        selectEntities(sketch, {anyPosition(), anyPosition(), anyPosition()});
+        duplicateSelection(sketch, messages, random.coordinate(), random.coordinate());
         break;
       case 3:
-        sketch.selectEntities({anyPosition()});
-        sketch.nudgeSelectedEntity(random.coordinate(), random.coordinate());
+        selectEntities(sketch, {anyPosition()});
+        nudgeSelectedEntity(sketch, random.coordinate(), random.coordinate());
         break;
       case 4:
-        sketch.selectEntities({anyPosition(), anyPosition()});
-        sketch.alignSelection(AlignmentAxis::vertical);
+        selectEntities(sketch, {anyPosition(), anyPosition()});
+        alignSelection(sketch, AlignmentAxis::vertical);
         break;
       case 5:
-        sketch.undo();
-        if (sketch.entities->empty()) sketch.redo();  // there is nothing to compare in an empty drawing
+        board.undo();
+        if (sketch.entities().empty()) board.redo();  // there is nothing to compare in an empty drawing
         break;
       case 6:
-        sketch.redo();
+        board.redo();
         break;
     }
   }
   UUID idAt(std::int64_t position) const {
-    return entityID(sketch.entities.get()[static_cast<std::size_t>(position)]);
+    return entityID(sketch.entities()[static_cast<std::size_t>(position)]);
   }
 
   /// Five comparisons at one place.
   void compare() {
-    const EntityList& list = sketch.entities;
+    const EntityList& list = sketch.entities();
     const EntityIndex& index = sketch.index();
     const SketchPoint at = place() + random.point();
     const double scale = std::pow(4.0, random.number(-1, 3));
@@ -82,7 +84,7 @@ class EditedDrawing : public testing::TestSketch {
     const SketchPoint delta = random.point();
     EXPECT_EQ(SketchSnapping::snapEntityMove(delta, viewport, moved, index, excluded),
               SketchSnapping::snapEntityMove(delta, viewport, moved, list, excluded));
-    EXPECT_EQ(sketch.entityIndex(entityID(moved)), list.indexOf(entityID(moved)));
+    EXPECT_EQ(sketch.positionOf(entityID(moved)), list.indexOf(entityID(moved)));
   }
 
   testing::RandomDrawing random;

@@ -248,19 +248,6 @@ TEST(HandleDrag, OffersTangentsFromThePointThatStays) {
   EXPECT_NEAR(result.point.y, 24, 1e-9);
 }
 
-TEST(SnapFeedback, NamesWhatWasTaken) {
-  SketchSnapResult result;
-  EXPECT_EQ(snapFeedbackText(result), std::nullopt);
-  result.axes = {AxisSnap::vertical};
-  EXPECT_EQ(snapFeedbackText(result), "Snapped to Y-axis");
-  result.gridSnap = gridSnap({1, 25}, 4);
-  EXPECT_EQ(snapFeedbackText(result), "Grid line");
-  result.gridSnap = gridSnap({10, 10}, 4);
-  EXPECT_EQ(snapFeedbackText(result), "Grid intersection");
-  result.gridSnap = gridSnap({50, 0}, 4);
-  EXPECT_EQ(snapFeedbackText(result), "Major grid intersection");
-}
-
 // Whatever the numbers, a search ends and finds nothing that is not there.
 TEST(Snapping, CopesWithNumbersThatAreNoPlaces) {
   const EntityList list{LineEntity{id(), {kNaN, 0}, {kInfinity, 1e300}},

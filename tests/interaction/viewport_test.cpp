@@ -4,13 +4,14 @@
 #include <cmath>
 #include <limits>
 
+#include "core/adding.h"
 #include "interaction/canvas_transform.h"
-#include "support/test_sketch.h"
+#include "support/test_workspace.h"
 
 namespace ostrelon {
 namespace {
 
-using testing::TestSketch;
+using testing::TestWorkspace;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -21,42 +22,41 @@ bool isUsable(const SketchViewport& viewport) {
 }
 
 TEST(Viewport, ACanvasThatWasAPointCentresAgain) {
-  TestSketch test;
-  test.sketch.updateCanvasSize({1, 1});
-  EXPECT_TRUE(*test.sketch.hasInitializedViewport);
-  test.sketch.updateCanvasSize({200, 100});
-  EXPECT_EQ(test.sketch.viewport->pan, (SketchPoint{100, 50}));
+  TestWorkspace test;
+  test.board.resizeCanvas({1, 1});
+  EXPECT_TRUE(test.board.view->isInitialized);
+  test.board.resizeCanvas({200, 100});
+  EXPECT_EQ(test.board.viewport().pan, (SketchPoint{100, 50}));
 }
 
 TEST(Viewport, NoFactorDeltaOrEntityMakesTheViewUnusable) {
-  TestSketch test;
-  auto& sketch = test.sketch;
-  sketch.updateCanvasSize({800, 600});
-  const SketchViewport start = sketch.viewport;
-  for (const double factor : {0.0, -1.0, kNaN}) sketch.zoomViewport(factor, {0, 0});
-  sketch.panViewport(kNaN, 0);
-  sketch.panViewport(0, kInfinity);
-  EXPECT_EQ(*sketch.viewport, start);
-  sketch.zoomViewport(kInfinity, {0, 0});
-  sketch.zoomViewport(1.25, {kNaN, 0});
-  EXPECT_TRUE(isUsable(sketch.viewport));
+  TestWorkspace test;
+  Board& board = test.board;
+  board.resizeCanvas({800, 600});
+  const SketchViewport start = board.viewport();
+  for (const double factor : {0.0, -1.0, kNaN}) board.zoom(factor, {0, 0});
+  board.pan(kNaN, 0);
+  board.pan(0, kInfinity);
+  EXPECT_EQ(board.viewport(), start);
+  board.zoom(kInfinity, {0, 0});
+  board.zoom(1.25, {kNaN, 0});
+  EXPECT_TRUE(isUsable(board.viewport()));
 
-  sketch.addCircle({kNaN, 0}, 5);
-  sketch.addLine({0, 0}, {kInfinity, 0});
-  sketch.addLine({-1e308, -1e308}, {1e308, 1e308});
-  sketch.zoomToFit({800, 600});
-  EXPECT_TRUE(isUsable(sketch.viewport)) << sketch.viewport->pan.x << " " << sketch.viewport->scale;
-  sketch.zoomToFit({0, 0});
-  EXPECT_TRUE(isUsable(sketch.viewport));
+  addCircle(test.sketch, {kNaN, 0}, 5);
+  addLine(test.sketch, {0, 0}, {kInfinity, 0});
+  addLine(test.sketch, {-1e308, -1e308}, {1e308, 1e308});
+  board.zoomToFit({800, 600});
+  EXPECT_TRUE(isUsable(board.viewport())) << board.viewport().pan.x << " " << board.viewport().scale;
+  board.zoomToFit({0, 0});
+  EXPECT_TRUE(isUsable(board.viewport()));
 }
 
 TEST(Viewport, WritingTheSameViewTellsNobody) {
-  TestSketch test;
+  TestWorkspace test;
   int told = 0;
-  const auto subscription =
-      test.sketch.observe(fieldMask(SketchField::viewport), [&](const SketchChange&) { ++told; });
-  test.sketch.setViewport(1, 2, 3);
-  test.sketch.setViewport(1, 2, 3);
+  const auto subscription = test.workspace.observe(fieldsOf(test.board.view), [&](FieldMask) { ++told; });
+  test.board.setViewport({{1, 2}, 3});
+  test.board.setViewport({{1, 2}, 3});
   EXPECT_EQ(told, 1);
 }
 

@@ -5,10 +5,11 @@
 #include <cmath>
 #include <numbers>
 
+#include "core/adding.h"
 #include "interaction/canvas_renderer.h"
 #include "shell/golden_picture.h"
 #include "shell/pixel_canvas_painter.h"
-#include "support/test_sketch.h"
+#include "support/test_workspace.h"
 
 namespace ostrelon {
 namespace {
@@ -31,27 +32,27 @@ EntityList everyKind(const std::vector<WallSystemSpec>& systems) {
   };
 }
 
-class CanvasPicture : public ::testing::Test, protected testing::TestSketch {
+class CanvasPicture : public ::testing::Test, protected testing::TestWorkspace {
  protected:
   static constexpr int kWidth = 640;
   static constexpr int kHeight = 440;
 
   CanvasPicture() {
-    sketch.updateCanvasSize({kWidth, kHeight});
-    sketch.restoreSnapshot(everyKind(*sketch.wallSystemSpecs));
+    board.resizeCanvas({kWidth, kHeight});
+    board.restoreSnapshot(everyKind(sketch.drawing->wallSystemSpecs));
   }
 
   QImage paint(const ThemePalette& palette, bool intoPixels = false) const {
     QImage image(kWidth, kHeight, QImage::Format_RGB32);
-    CanvasFrame frame{{*sketch.viewport, *sketch.canvasSize}, palette};
+    CanvasFrame frame{{board.viewport(), board.view->canvasSize}, palette};
     frame.gridPixelRatio = 1;
     if (intoPixels) {
       PixelCanvasPainter canvas(image, 1);
-      paintCanvas(canvas, sketch, frame);
+      paintCanvas(canvas, board, frame);
     } else {
       QPainter painter(&image);
       QtCanvasPainter canvas(painter);
-      paintCanvas(canvas, sketch, frame);
+      paintCanvas(canvas, board, frame);
     }
     return image;
   }
@@ -85,7 +86,7 @@ TEST_F(CanvasPicture, StrokesManyPointsAsItStrokesFew) {
     image.fill(Qt::white);
     QPainter painter(&image);
     QtCanvasPainter canvas(painter);
-    const CanvasFrame frame{{*sketch.viewport, *sketch.canvasSize}, lightPalette()};
+    const CanvasFrame frame{{board.viewport(), board.view->canvasSize}, lightPalette()};
     EntityShape shape;
     outlineEntity(PolygonEntity{{}, vertices}, 0, frame, shape);
     for (const double opacity : {0.24, 1.0}) {
@@ -102,27 +103,27 @@ TEST_F(CanvasPicture, StrokesManyPointsAsItStrokesFew) {
 }
 
 TEST_F(CanvasPicture, ShowsADraftWithItsLabelGuidesMarkersAndLock) {
-  sketch.activateTool(SketchTool::wall);
-  sketch.beginDraft({-40, -30});
-  sketch.setDraftCurrent({30, -30});
-  sketch.lockTrackingTarget({.point = {0, -10}, .entityName = "Wall 3"});
-  sketch.publishSnap({.point = {30, -30},
-                      .axes = {AxisSnap::horizontal, AxisSnap::diagonalUp},
-                      .gridSnap = GridSnapTarget{{30, -30}, {}, false}},
-                     SketchPoint{-40, -30});
+  board.activateTool(SketchTool::wall);
+  board.beginDraft({-40, -30});
+  board.setDraftCurrent({30, -30});
+  board.lockTrackingTarget({.point = {0, -10}, .entityName = "Wall 3"});
+  board.publishSnap({.point = {30, -30},
+                     .axes = {AxisSnap::horizontal, AxisSnap::diagonalUp},
+                     .gridSnap = GridSnapTarget{{30, -30}, {}, false}},
+                    SketchPoint{-40, -30});
   EXPECT_TRUE(looksLikeGolden(paint(lightPalette()), "draft-light"));
   EXPECT_TRUE(looksLikeGolden(paint(darkPalette()), "draft-dark"));
 }
 
 TEST_F(CanvasPicture, ShowsAPolygonThatGrowsAndAPulse) {
-  sketch.setShowGrid(false);
-  sketch.activateTool(SketchTool::polygon);
-  sketch.addPolygonVertex({-40, -30});
-  sketch.addPolygonVertex({-20, -36});
-  sketch.addPolygonVertex({-11, -24});
-  sketch.updatePolygonDraft({-20, -16});
-  sketch.startTrackingDwell({.point = {50, -38}, .entityName = "Wall 4"}, scheduler.now());
-  sketch.advanceTrackingDwell(advanced(scheduler.now(), Seconds(0.55)));
+  setShowGrid(sketch, false);
+  board.activateTool(SketchTool::polygon);
+  board.addPolygonVertex({-40, -30});
+  board.addPolygonVertex({-20, -36});
+  board.addPolygonVertex({-11, -24});
+  board.updatePolygonDraft({-20, -16});
+  board.startTrackingDwell({.point = {50, -38}, .entityName = "Wall 4"}, scheduler.now());
+  board.advanceTrackingDwell(advanced(scheduler.now(), Seconds(0.55)));
   EXPECT_TRUE(looksLikeGolden(paint(lightPalette()), "polygon-draft-light"));
 }
 

@@ -1,7 +1,10 @@
 #include "shell/console_panel.h"
 
 #include <QClipboard>
+#include <QGlyphRun>
+#include <QRawFont>
 #include <QScrollBar>
+#include <QTextLayout>
 #include <ctime>
 
 #include "window_fixture.h"
@@ -10,7 +13,7 @@ namespace ostrelon {
 namespace {
 
 struct ConsolePanelTest : testing::WindowFixture {
-  ConsoleView panel{sketch, theme};
+  ConsoleView panel{workspace, theme};
   QLineEdit* input = nullptr;
   TranscriptView* transcript = nullptr;
   QWidget* handle = nullptr;
@@ -34,30 +37,30 @@ struct ConsolePanelTest : testing::WindowFixture {
 
 TEST_F(ConsolePanelTest, ReturnAndTheButtonRunTheLine) {
   type(*input, "line 0 0 10 0");
-  EXPECT_EQ(*sketch.commandInput, "line 0 0 10 0");
+  EXPECT_EQ(*console.input, "line 0 0 10 0");
   QTest::keyClick(input, Qt::Key_Return);
   settle();
-  EXPECT_EQ(sketch.entities->size(), 1U);
+  EXPECT_EQ(sketch.entities().size(), 1U);
   EXPECT_EQ(input->text(), "");
   EXPECT_EQ(lastLine(), "Line added.");
 
   type(*input, "circle 0 0 4");
   press(panel, "console.run");
-  EXPECT_EQ(sketch.entities->size(), 2U);
-  const std::size_t lines = sketch.consoleLines->size();
+  EXPECT_EQ(sketch.entities().size(), 2U);
+  const std::size_t lines = messages.lines->size();
   press(panel, "console.run");
-  EXPECT_EQ(sketch.consoleLines->size(), lines) << "an empty line leaves no trace";
+  EXPECT_EQ(messages.lines->size(), lines) << "an empty line leaves no trace";
 }
 
 TEST_F(ConsolePanelTest, TheFieldFollowsTheModelAndTellsItsFocus) {
-  sketch.setCommandInput("from elsewhere");
+  console.setInput("from elsewhere");
   settle();
   EXPECT_EQ(input->text(), "from elsewhere");
-  EXPECT_TRUE(*sketch.isConsoleInputFocused);
+  EXPECT_TRUE(*console.isFocused);
   input->clearFocus();
-  EXPECT_FALSE(*sketch.isConsoleInputFocused);
+  EXPECT_FALSE(*console.isFocused);
   press(panel, "console.focus");
-  EXPECT_TRUE(*sketch.isConsoleInputFocused);
+  EXPECT_TRUE(*console.isFocused);
   EXPECT_TRUE(input->hasFocus());
 }
 
@@ -99,7 +102,7 @@ TEST_F(ConsolePanelTest, UpAndDownRecallTheLinesThatWereRun) {
   QTest::keyClick(input, Qt::Key_Down);
   QTest::keyClick(input, Qt::Key_Down);
   EXPECT_EQ(input->text(), "ci");
-  EXPECT_EQ(*sketch.commandInput, "ci");
+  EXPECT_EQ(*console.input, "ci");
 }
 
 TEST_F(ConsolePanelTest, TabCompletesAndThenListsWhatFits) {
@@ -111,6 +114,12 @@ TEST_F(ConsolePanelTest, TabCompletesAndThenListsWhatFits) {
   type(*input, "spec ");
   QTest::keyClick(input, Qt::Key_Tab);
   EXPECT_EQ(lastLine(), "list  show  use");
+  const std::size_t lines = messages.lines->size();
+  for (const char* next : {"spec list", "spec show", "spec use", "spec list"}) {
+    QTest::keyClick(input, Qt::Key_Tab);
+    EXPECT_EQ(input->text(), next);
+  }
+  EXPECT_EQ(messages.lines->size(), lines) << "they are listed once";
   input->clear();
   QTest::keyClick(input, Qt::Key_Tab);
   EXPECT_FALSE(input->hasFocus()) << "an empty line has nothing to complete";
@@ -122,7 +131,7 @@ TEST_F(ConsolePanelTest, TheTranscriptWrapsFollowsItsEndAndCanBeCopied) {
   EXPECT_GT(transcript->visualRect(last).height(), 30 * 18) << "a text of many lines is one row";
   EXPECT_TRUE(transcript->isAtEnd());
   transcript->verticalScrollBar()->setValue(0);
-  sketch.appendConsoleLine("Saved elsewhere.", false, true);
+  messages.append("Saved elsewhere.", false, true);
   settle();
   EXPECT_EQ(transcript->verticalScrollBar()->value(), 0) << "scrolled up by hand it stays";
   type(*input, "nonsense");
@@ -136,11 +145,21 @@ TEST_F(ConsolePanelTest, TheTranscriptWrapsFollowsItsEndAndCanBeCopied) {
   EXPECT_TRUE(QGuiApplication::clipboard()->text().contains("> nonsense\nUnknown command"));
 }
 
+TEST_F(ConsolePanelTest, EveryCharacterIsShownAsItWasTyped) {
+  const QString text = QStringLiteral("->>=!===");
+  QTextLayout layout(text, input->font());
+  layout.beginLayout();
+  layout.createLine();
+  layout.endLayout();
+  const QGlyphRun run = layout.glyphRuns().front();
+  EXPECT_EQ(run.glyphIndexes(), run.rawFont().glyphIndexesForString(text)) << "no ligatures";
+}
+
 TEST_F(ConsolePanelTest, AHundredThousandLinesStayQuick) {
-  for (int i = 0; i < 100'000; ++i) sketch.appendConsoleLine("Wall added (W2-INT).", false, true);
+  for (int i = 0; i < 100'000; ++i) messages.append("Wall added (W2-INT).", false, true);
   settle();
   const std::clock_t start = std::clock();
-  sketch.appendConsoleLine("One more.", false, true);
+  messages.append("One more.", false, true);
   settle();
   EXPECT_TRUE(transcript->isAtEnd());
   EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC / 4) << "one line costs what one line costs";

@@ -1,14 +1,19 @@
 // Export and print as other programs see them: the size of what is drawn on paper.
 #include <QComboBox>
+#include <QDialog>
+#include <QFileDialog>
 #include <QImage>
 #include <QPrinter>
+#include <QTimer>
 #include <cstdlib>
 
+#include "core/adding.h"
 #include "exchange/picture_page.h"
 #include "shell/drawing_export.h"
 #include "shell/export_sheet.h"
 #include "shell/help_window.h"
 #include "shell/print_window.h"
+#include "shell/qt_dialogs.h"
 #include "window_fixture.h"
 
 namespace ostrelon {
@@ -17,7 +22,7 @@ namespace {
 struct ExportAndPrint : testing::WindowFixture {
   ExportAndPrint() {
     // Forty feet by twenty, which is ten inches by five at a quarter of an inch to the foot.
-    sketch.addRectangle({0, 0}, {40, 20});
+    addRectangle(sketch, {0, 0}, {40, 20});
   }
   static bool isInstalled(const std::string& program) {
     return std::system(("command -v " + program + " >/dev/null").c_str()) == 0;
@@ -30,13 +35,13 @@ struct ExportAndPrint : testing::WindowFixture {
   }
   std::string pdf(const ExportOptions& options) {
     std::string bytes;
-    writePdf(picturePages(ExportFormat::pdf, *sketch.entities, *sketch.wallSystemSpecs, options),
-             *sketch.entities, *sketch.wallSystemSpecs, options,
+    writePdf(picturePages(ExportFormat::pdf, sketch.entities(), sketch.drawing->wallSystemSpecs, options),
+             sketch.entities(), sketch.drawing->wallSystemSpecs, options,
              [&](std::string_view piece) { bytes += piece; });
     return bytes;
   }
   QByteArray picture(ExportFormat format, const ExportOptions& options) {
-    return drawingPicture(format, *sketch.entities, *sketch.wallSystemSpecs, options);
+    return drawingPicture(format, sketch.entities(), sketch.drawing->wallSystemSpecs, options);
   }
   /// The box of everything dark, from the middles of its lines, in inches.
   static QRectF inkOf(const QImage& image, double pixelsPerInch) {
@@ -118,7 +123,7 @@ TEST_F(ExportAndPrint, APrintIsAtTrueScale) {
   QPrinter printer(QPrinter::HighResolution);
   printer.setOutputFormat(QPrinter::PdfFormat);
   printer.setOutputFileName(QString::fromStdString(path.string()));
-  EXPECT_EQ(printDrawing(printer, sketch, onPaper("Tabloid", "1/4in")), 1);
+  EXPECT_EQ(printDrawing(printer, workspace, onPaper("Tabloid", "1/4in")), 1);
   expectTenByFiveInches(popplersPage(path, 1), 144);
 }
 
@@ -142,6 +147,64 @@ TEST_F(ExportAndPrint, TheSheetAsksAndTheFileIsWritten) {
   EXPECT_NE(testing::readBytes(home / "plan.dxf").find("AC1009"), std::string::npos) << lastLine();
 }
 
+TEST_F(ExportAndPrint, TheSheetIsWalkedByTabAndOffersTheLastChoicesAgain) {
+  QWidget window;
+  window.resize(900, 700);
+  QLineEdit elsewhere(&window);
+  present(window);
+  elsewhere.setFocus();
+  (new ExportSheet(application, theme, window))->open();
+  const auto walk = [&] {
+    QStringList seen;
+    while (!seen.contains(QApplication::focusWidget()->objectName())) {
+      seen.append(QApplication::focusWidget()->objectName());
+      QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    return seen.join(' ').remove("export.").toStdString();
+  };
+  EXPECT_EQ(walk(), "kind paper size theme grid cancel confirm");
+  auto* paper = find<QComboBox>(window, "export.paper");
+  const auto* colors = find<QWidget>(window, "export.theme");
+  const QRect before = colors->geometry();
+  paper->setFocus();
+  paper->setCurrentIndex(paper->findData("Tabloid"));
+  settle();
+  EXPECT_EQ(colors->x(), before.x()) << "columns keep their widths";
+  EXPECT_EQ(colors->width(), before.width());
+  EXPECT_TRUE(paper->hasFocus()) << "a choice leaves it where it is";
+  EXPECT_EQ(walk(), "paper scale orientation theme grid cancel confirm kind");
+  find(window, "export.grid")->click();
+  auto* scale = find<QComboBox>(window, "export.scale");
+  scale->setCurrentIndex(scale->findData("1/8\" = 1'-0\""));
+  dialogs.queue((home / "plan.pdf").string());
+  press(window, "export.confirm");
+  EXPECT_TRUE(elsewhere.hasFocus()) << "as before the sheet";
+
+  (new ExportSheet(application, theme, window))->open();
+  EXPECT_EQ(find<QComboBox>(window, "export.paper")->currentText(), "Tabloid");
+  EXPECT_EQ(find<QComboBox>(window, "export.scale")->currentText(), "1/8\" = 1'-0\"");
+  EXPECT_TRUE(find(window, "export.grid")->isChecked());
+  EXPECT_FALSE(find<QWidget>(window, "export.size")->isVisible());
+  press(window, "export.cancel");
+  EXPECT_TRUE(elsewhere.hasFocus());
+}
+
+TEST_F(ExportAndPrint, TheFilePanelWritesTheKindThatWasChosenAndStartsInDocuments) {
+  QWidget window;
+  present(window);
+  QtDialogs panels(theme, QString::fromStdString(home.path().string()));
+  panels.setWindow(&window);
+  DialogAnswer answer;
+  panels.ask(ExportPanel{{}, "plan.svg"}, [&](DialogAnswer given) { answer = std::move(given); });
+  auto* panel = window.findChild<QFileDialog*>("filePanel");
+  ASSERT_NE(panel, nullptr);
+  EXPECT_EQ(panel->nameFilters(), QStringList("SVG (*.svg *.SVG)"));
+  EXPECT_EQ(panel->directory().path().toStdString(), home.path().string());
+  panel->selectFile("other");
+  static_cast<QDialog*>(panel)->accept();
+  EXPECT_EQ(answer, (home / "other.svg").string());
+}
+
 TEST_F(ExportAndPrint, TheSheetTellsWhatDoesNotFitAndStays) {
   QWidget window;
   window.resize(900, 700);
@@ -163,14 +226,32 @@ TEST_F(ExportAndPrint, ThePreviewTellsSheetsAndScale) {
   PrintWindow window(application, theme, nullptr);
   window.setAttribute(Qt::WA_DeleteOnClose, false);
   auto* status = find<QLabel>(window, "print.status");
+  auto* scale = find<QComboBox>(window, "print.scale");
+  EXPECT_EQ(scale->currentText(), "Fit to Sheet");
+  EXPECT_TRUE(status->text().startsWith("1 sheet at ")) << status->text().toStdString();
+  scale->setCurrentIndex(scale->findData("1/4\" = 1'-0\""));
   EXPECT_EQ(status->text(), "1 sheet at 1/4\" = 1'-0\"")
       << "ten inches just fit a Letter sheet with its margins";
-  auto* scale = find<QComboBox>(window, "print.scale");
   scale->setCurrentIndex(scale->findData("1/2\" = 1'-0\""));
   EXPECT_EQ(status->text(), "3 sheets at 1/2\" = 1'-0\"");
   auto* paper = find<QComboBox>(window, "print.paper");
   paper->setCurrentIndex(paper->findData("ARCH C"));
   EXPECT_EQ(status->text(), "1 sheet at 1/2\" = 1'-0\"");
+}
+
+TEST_F(ExportAndPrint, APrintToAFileIsOfferedInDocumentsUnderTheDocumentsName) {
+  std::filesystem::create_directories(home / "Documents");
+  PrintWindow window(application, theme, nullptr);
+  window.setAttribute(Qt::WA_DeleteOnClose, false);
+  QString offered;
+  QTimer::singleShot(0, &window, [&] {
+    auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+    ASSERT_NE(dialog, nullptr);
+    if (auto* name = find<QLineEdit>(*dialog, "filename")) offered = name->text();
+    dialog->reject();
+  });
+  press(window, "print.print");
+  EXPECT_EQ(offered.toStdString(), (home / "Documents" / "Untitled Project.pdf").string());
 }
 
 TEST_F(ExportAndPrint, TheManualGoesWithTheProgram) {

@@ -3,13 +3,15 @@
 #include <QLabel>
 #include <QSignalSpy>
 
+#include "core/adding.h"
+#include "geometry/edit_operations.h"
 #include "window_fixture.h"
 
 namespace ostrelon {
 namespace {
 
 struct LeftNavigationTest : testing::WindowFixture {
-  LeftNavView panel{sketch, theme};
+  LeftNavView panel{workspace, theme};
   QAbstractItemView* list = nullptr;
 
   void SetUp() override {
@@ -38,7 +40,7 @@ TEST_F(LeftNavigationTest, OffersTheToolsInTheirOrderAndActivatesThem) {
     above = row->y();
     QTest::mouseClick(row, Qt::LeftButton);
     settle();
-    EXPECT_EQ(sketch.selectedTool.get(), kAllSketchTools[i]);
+    EXPECT_EQ(board.tool.get(), kAllSketchTools[i]);
     for (auto* other : panel.findChildren<NavToolRow*>()) EXPECT_EQ(other->isChecked(), other == row);
   }
 }
@@ -54,12 +56,12 @@ TEST_F(LeftNavigationTest, ListsTheEntitiesAndSaysWhenThereAreNone) {
   EXPECT_EQ(label(1), "Wall 2 (W2-EXT)");
   EXPECT_EQ(identifier(2), "leftNav.entity.3");
 
-  sketch.deleteEntity(entityID(sketch.entities->front()));
+  deleteEntity(sketch, messages, entityID(sketch.entities().front()));
   settle();
   EXPECT_EQ(list->model()->rowCount(), 2);
   EXPECT_EQ(label(0), "Wall 1 (W2-EXT)");
   EXPECT_EQ(identifier(1), "leftNav.entity.2");
-  sketch.clearSketch();
+  board.clearSketch();
   settle();
   EXPECT_TRUE(find<QLabel>(panel, "leftNav.noEntities")->isVisible());
 }
@@ -67,22 +69,22 @@ TEST_F(LeftNavigationTest, ListsTheEntitiesAndSaysWhenThereAreNone) {
 TEST_F(LeftNavigationTest, AClickMakesTheEntityTheWholeSelection) {
   run("line 0 0 10 0");
   run("wall 0 0 0 10");
-  sketch.selectAll();
-  sketch.activateTool(SketchTool::circle);
+  selectAll(sketch);
+  board.activateTool(SketchTool::circle);
   clickRow(0);
-  EXPECT_EQ(sketch.selectedEntityIDs->size(), 1U);
-  EXPECT_EQ(*sketch.primarySelectedEntityID, entityID(sketch.entities.get()[0]));
-  EXPECT_EQ(sketch.selectedTool.get(), SketchTool::circle) << "only a wall's row changes the tool";
+  EXPECT_EQ(sketch.selection->ids.size(), 1U);
+  EXPECT_EQ(sketch.selection->primary, entityID(sketch.entities()[0]));
+  EXPECT_EQ(board.tool.get(), SketchTool::circle) << "only a wall's row changes the tool";
   EXPECT_TRUE(list->model()->index(0, 0).data(kSelectedRole).toBool());
   clickRow(1);
-  EXPECT_EQ(sketch.selectedTool.get(), SketchTool::select);
-  EXPECT_EQ(*sketch.primarySelectedEntityID, entityID(sketch.entities.get()[1]));
+  EXPECT_EQ(board.tool.get(), SketchTool::select);
+  EXPECT_EQ(sketch.selection->primary, entityID(sketch.entities()[1]));
 }
 
 TEST_F(LeftNavigationTest, AnEditOfALongListTellsOnlyItsOwnRows) {
   std::vector<SketchEntity> many;
   for (int i = 0; i < 100'000; ++i) many.push_back(LineEntity{UUID::random(), {0, 0}, {1.0 + i, 0}});
-  sketch.restoreSnapshot(EntityList(std::move(many)));
+  board.restoreSnapshot(EntityList(std::move(many)));
   settle();
   ASSERT_EQ(list->model()->rowCount(), 100'000);
   QSignalSpy resets(list->model(), &QAbstractItemModel::modelReset);
@@ -95,20 +97,20 @@ TEST_F(LeftNavigationTest, AnEditOfALongListTellsOnlyItsOwnRows) {
   ASSERT_EQ(inserted.size(), 1);
   EXPECT_EQ(inserted[0][1].toInt(), 100'000);
 
-  sketch.replaceEntity(entityID(sketch.entities.get()[50'000]),
-                       LineEntity{entityID(sketch.entities.get()[50'000]), {5, 5}, {6, 6}});
+  replaceEntity(sketch, entityID(sketch.entities()[50'000]),
+                LineEntity{entityID(sketch.entities()[50'000]), {5, 5}, {6, 6}});
   settle();
   ASSERT_EQ(changed.size(), 1);
   EXPECT_EQ(changed[0][0].toModelIndex().row(), 50'000);
   EXPECT_EQ(changed[0][1].toModelIndex().row(), 50'000);
 
-  sketch.deleteEntity(entityID(sketch.entities.get()[70'000]));
+  deleteEntity(sketch, messages, entityID(sketch.entities()[70'000]));
   settle();
   ASSERT_EQ(removed.size(), 1);
   EXPECT_EQ(removed[0][1].toInt(), 70'000);
   EXPECT_EQ(removed[0][2].toInt(), 70'000);
   EXPECT_EQ(resets.size(), 0);
-  sketch.selectSingleEntity(entityID(sketch.entities->back()));
+  selectSingleEntity(sketch, entityID(sketch.entities().back()));
   settle();
   EXPECT_TRUE(list->viewport()->rect().contains(list->visualRect(list->model()->index(99'999, 0)).center()))
       << "the list scrolls to a new selection";
@@ -128,32 +130,32 @@ TEST_F(LeftNavigationTest, TheModelFollowsRandomEdits) {
     return (state >> 8) % below;
   };
   for (int step = 0; step < 400; ++step) {
-    const std::size_t count = sketch.entities->size();
+    const std::size_t count = sketch.entities().size();
     switch (count == 0 ? 0 : random(6)) {
       case 0:
       case 1:
-        for (unsigned i = random(40); i > 0; --i) sketch.addLine({0, 0}, {1.0 + i, 2});
+        for (unsigned i = random(40); i > 0; --i) addLine(sketch, {0, 0}, {1.0 + i, 2});
         break;
       case 2:
-        sketch.deleteEntity(entityID(sketch.entities.get()[random(static_cast<unsigned>(count))]));
+        deleteEntity(sketch, messages, entityID(sketch.entities()[random(static_cast<unsigned>(count))]));
         break;
       case 3:
-        sketch.selectEntities({random(static_cast<unsigned>(count)), random(static_cast<unsigned>(count))});
-        sketch.deleteSelection();
+        selectEntities(sketch, {random(static_cast<unsigned>(count)), random(static_cast<unsigned>(count))});
+        deleteSelection(sketch, messages);
         break;
       case 4:
-        sketch.undo();
+        board.undo();
         break;
       default:
-        sketch.selectEntities({random(static_cast<unsigned>(count))});
-        sketch.nudgeSelectedEntity(1, 1);
+        selectEntities(sketch, {random(static_cast<unsigned>(count))});
+        nudgeSelectedEntity(sketch, 1, 1);
         break;
     }
     model.update();
-    ASSERT_EQ(model.rowCount(), static_cast<int>(sketch.entities->size())) << "step " << step;
+    ASSERT_EQ(model.rowCount(), static_cast<int>(sketch.entities().size())) << "step " << step;
     ASSERT_EQ(believed, model.rowCount()) << "step " << step;
     for (int row = 0; row < model.rowCount(); row += 1 + model.rowCount() / 20) {
-      ASSERT_EQ(model.entityAt(row), entityID(sketch.entities.get()[static_cast<std::size_t>(row)]));
+      ASSERT_EQ(model.entityAt(row), entityID(sketch.entities()[static_cast<std::size_t>(row)]));
     }
   }
 }

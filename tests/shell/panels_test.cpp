@@ -1,7 +1,10 @@
 // The top bar, the wall systems and the inspector.
+#include <QComboBox>
 #include <QLabel>
 #include <QSignalSpy>
 
+#include "core/adding.h"
+#include "geometry/edit_operations.h"
 #include "shell/inspector_window.h"
 #include "shell/rows_view.h"
 #include "shell/top_bar.h"
@@ -19,13 +22,6 @@ struct TopBarTest : testing::WindowFixture {
     bar.resize(980, TopMenuBarView::kHeight);
     present(bar);
   }
-  QAction* menuAction(const char* title) {
-    for (QAction* action : bar.menuBar().findChildren<QAction*>()) {
-      if (action->text() == title) return action;
-    }
-    ADD_FAILURE() << "no menu row " << title;
-    return nullptr;
-  }
 };
 
 TEST_F(TopBarTest, TellsTheDocumentItsMarkAndItsBranch) {
@@ -35,39 +31,77 @@ TEST_F(TopBarTest, TellsTheDocumentItsMarkAndItsBranch) {
   EXPECT_EQ(title->accessibleName(), "Untitled Project, edited, branch main");
 }
 
+TEST_F(TopBarTest, ALongBranchLeavesTheNameVisible) {
+  DocumentTitle title(theme);
+  const auto shownBeginning = [&](const QString& branch) {
+    title.setDocument("House", false, branch);
+    title.resize(std::min(140, title.sizeHint().width()), 28);
+    return title.grab(QRect(0, 0, 60, 28)).toImage();
+  };
+  const QImage whole = shownBeginning("a");
+  EXPECT_EQ(shownBeginning(QString(200, 'm')), whole);
+  EXPECT_TRUE(title.toolTip().contains(QString(200, 'm')));
+}
+
+TEST_F(TopBarTest, TheGridsWordGoesByTheRoomThatThereIs) {
+  auto* grid = find(bar, "topMenuBar.grid");
+  const auto wordAt = [&](int width) {
+    bar.resize(width, TopMenuBarView::kHeight);
+    settle();
+    return grid->text();
+  };
+  const auto narrowest = [&] {
+    int width = 1400;
+    while (wordAt(width) == "Grid" && width > 0) width -= 10;
+    return width;
+  };
+  bar.setKeyHintsVisible(false);
+  const int withShortName = narrowest();
+  EXPECT_EQ(wordAt(640), "");
+  dialogs.queue((home / "A house with a longer name.ostrel").string());
+  application.saveAs();
+  EXPECT_GT(narrowest(), withShortName);
+}
+
+TEST_F(TopBarTest, AnOffSwitchIsVisibleInEveryTheme) {
+  Switch toggle(theme, {});
+  toggle.resize(toggle.sizeHint());
+  for (const ThemePalette& palette : {lightPalette(), darkPalette(), tansyPalette()}) {
+    theme.setPalette(palette);
+    const QColor edge = toggle.grab().toImage().pixelColor(15, 1);
+    EXPECT_GE(contrastRatio({edge.redF(), edge.greenF(), edge.blueF()}, palette.card), 2.9)
+        << "the outline is smoothed by a little";
+  }
+  theme.setPalette(lightPalette());
+}
+
+TEST_F(TopBarTest, EveryComboBoxHasItsArrow) {
+  QComboBox plain;
+  plain.resize(120, 28);
+  plain.addItem({});
+  const QImage shown = plain.grab(QRect(94, 4, 22, 20)).toImage();
+  bool hasArrow = false;
+  for (int x = 0; x < shown.width(); ++x) hasArrow |= shown.pixelColor(x, 10) != theme.card();
+  EXPECT_TRUE(hasArrow);
+}
+
 TEST_F(TopBarTest, TheButtonsAndTheSwitchRunTheirCommands) {
   run("line 0 0 1 1");
   press(bar, "topMenuBar.clear");
-  EXPECT_TRUE(sketch.entities->empty());
-  sketch.undo();
-  EXPECT_EQ(sketch.entities->size(), 1U) << "one undo step";
+  EXPECT_TRUE(sketch.entities().empty());
+  board.undo();
+  EXPECT_EQ(sketch.entities().size(), 1U) << "one undo step";
   press(bar, "topMenuBar.grid");
-  EXPECT_FALSE(*sketch.showGrid);
-  sketch.setShowGrid(true);
+  EXPECT_FALSE(sketch.drawing->showGrid);
+  setShowGrid(sketch, true);
   settle();
   EXPECT_TRUE(find(bar, "topMenuBar.grid")->isChecked());
-}
-
-TEST_F(TopBarTest, MenuRowsAreEnabledWhereThereIsSomethingToDo) {
-  EXPECT_FALSE(menuAction("Undo")->isEnabled());
-  EXPECT_FALSE(menuAction("Inspect")->isEnabled());
-  EXPECT_EQ(menuAction("Undo")->shortcut().toString(QKeySequence::PortableText), "Ctrl+Z");
-  EXPECT_EQ(menuAction("Redo")->shortcut().toString(QKeySequence::PortableText), "Ctrl+Shift+Z");
-  EXPECT_EQ(menuAction("Zoom In")->shortcut().toString(QKeySequence::PortableText), "Ctrl++");
-  run("wall 0 0 1 1");
-  EXPECT_TRUE(menuAction("Undo")->isEnabled());
-  EXPECT_TRUE(menuAction("Duplicate")->isEnabled());
-  menuAction("Undo")->trigger();
-  settle();
-  EXPECT_TRUE(sketch.entities->empty());
-  EXPECT_FALSE(menuAction("Undo")->isEnabled());
-  EXPECT_TRUE(menuAction("Redo")->isEnabled());
 }
 
 // --- The wall systems
 
 struct WallSystemPanelTest : testing::WindowFixture {
-  WallSystemPanelView panel{sketch, theme};
+  WallSystemPanelView panel{workspace, theme};
   void SetUp() override {
     panel.resize(WallSystemPanelView::kWidth, 700);
     present(panel);
@@ -86,16 +120,16 @@ struct WallSystemPanelTest : testing::WindowFixture {
 TEST_F(WallSystemPanelTest, AFieldCommitsWithReturnAndDropsWhatIsNoNumber) {
   EXPECT_EQ(text("wallSystems.thickness"), "4.5");
   enter("wallSystems.thickness", "5.25");
-  EXPECT_EQ(sketch.wallSystemSpecs.get()[0].thickness, 5.25);
-  EXPECT_TRUE(*sketch.isDocumentDirty);
-  const std::size_t lines = sketch.consoleLines->size();
+  EXPECT_EQ(sketch.drawing->wallSystemSpecs[0].thickness, 5.25);
+  EXPECT_TRUE(document.isDirty());
+  const std::size_t lines = messages.lines->size();
   for (const char* bad : {"-1", "abc", "0"}) {
     enter("wallSystems.thickness", bad);
     EXPECT_EQ(text("wallSystems.thickness"), "5.25") << bad;
   }
-  EXPECT_EQ(sketch.consoleLines->size(), lines);
+  EXPECT_EQ(messages.lines->size(), lines);
   enter("wallSystems.assembly", "straw");
-  EXPECT_EQ(sketch.wallSystemSpecs.get()[0].assemblyNotes, "straw");
+  EXPECT_EQ(sketch.drawing->wallSystemSpecs[0].assemblyNotes, "straw");
 }
 
 TEST_F(WallSystemPanelTest, AFieldLeftWithoutReturnShowsAgainWhatHolds) {
@@ -105,7 +139,7 @@ TEST_F(WallSystemPanelTest, AFieldLeftWithoutReturnShowsAgainWhatHolds) {
   type(*field, "120");
   find<QLineEdit>(panel, "wallSystems.assembly")->setFocus();
   EXPECT_EQ(field->text(), "96");
-  EXPECT_EQ(sketch.wallSystemSpecs.get()[0].height, 96);
+  EXPECT_EQ(sketch.drawing->wallSystemSpecs[0].height, 96);
 }
 
 TEST_F(WallSystemPanelTest, TheFieldsShowTheSelectedWallsSystem) {
@@ -122,7 +156,8 @@ TEST_F(WallSystemPanelTest, TheFieldsShowTheSelectedWallsSystem) {
   QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
                     list->visualRect(list->model()->index(1, 0)).center());
   settle();
-  EXPECT_EQ(std::get<WallEntity>(sketch.entities->back()).systemSpecID, sketch.wallSystemSpecs.get()[1].id);
+  EXPECT_EQ(std::get<WallEntity>(sketch.entities().back()).systemSpecID,
+            sketch.drawing->wallSystemSpecs[1].id);
   EXPECT_EQ(title->text(), "SELECTED WALL · W2-EXT");
   EXPECT_EQ(list->model()->index(1, 0).data(Qt::AccessibleTextRole).toString(),
             "W2-EXT, 6.5 thick · 96 high, used by the selected wall");
@@ -132,7 +167,7 @@ TEST_F(WallSystemPanelTest, TheFieldsShowTheSelectedWallsSystem) {
 
 struct InspectorWindowTest : testing::WindowFixture {
   QWidget main;
-  InspectorWindow window{sketch, theme, &main};
+  InspectorWindow window{workspace, theme, &main};
   void SetUp() override { present(main); }
 };
 
@@ -140,12 +175,12 @@ TEST_F(InspectorWindowTest, ComesAndGoesWithItsFlag) {
   EXPECT_EQ(window.windowTitle(), "Entity Inspector");
   EXPECT_EQ(window.objectName(), "entity-inspector");
   run("wall 0 0 10 0");
-  sketch.showEntityInspector();
+  showEntityInspector(sketch);
   settle();
   EXPECT_TRUE(window.isVisible());
   window.close();
-  EXPECT_FALSE(*sketch.isEntityInspectorVisible) << "closed by the user";
-  sketch.showEntityInspector();
+  EXPECT_FALSE(sketch.selection->isInspected) << "closed by the user";
+  showEntityInspector(sketch);
   settle();
   sketch.clearSelection();
   settle();
@@ -154,7 +189,7 @@ TEST_F(InspectorWindowTest, ComesAndGoesWithItsFlag) {
 
 TEST_F(InspectorWindowTest, ShowsOneEntityAndEditsIt) {
   run("wall 0 0 10 0");
-  sketch.showEntityInspector();
+  showEntityInspector(sketch);
   settle();
   EXPECT_EQ(find<QLabel>(window, "inspector.metric.Length")->text(), "10'");
   auto* length = find<QLineEdit>(window, "inspector.length");
@@ -186,24 +221,24 @@ TEST_F(InspectorWindowTest, ShowsOneEntityAndEditsIt) {
   press(window, "inspector.logDetails");
   EXPECT_TRUE(lastLine().starts_with("line from (2.0, -1.0)")) << lastLine();
   press(window, "inspector.duplicate");
-  EXPECT_EQ(sketch.entities->size(), 2U);
-  EXPECT_EQ(*sketch.primarySelectedEntityID, entityID(sketch.entities->back()));
+  EXPECT_EQ(sketch.entities().size(), 2U);
+  EXPECT_EQ(sketch.selection->primary, entityID(sketch.entities().back()));
   press(window, "inspector.delete");
-  EXPECT_EQ(sketch.entities->size(), 1U);
+  EXPECT_EQ(sketch.entities().size(), 1U);
   EXPECT_FALSE(window.isVisible());
 }
 
 TEST_F(InspectorWindowTest, SeveralSelectedAreEditedTogether) {
   run("wall 0 0 10 0");
   run("circle 0 0 4");
-  sketch.selectAll();
-  sketch.showEntityInspector();
+  selectAll(sketch);
+  showEntityInspector(sketch);
   settle();
   EXPECT_EQ(find<QLabel>(window, "inspector.selectionHeading")->text(), "2 selected · 1 wall, 1 circle");
   press(window, "inspector.duplicateAll");
-  EXPECT_EQ(sketch.entities->size(), 4U);
+  EXPECT_EQ(sketch.entities().size(), 4U);
   press(window, "inspector.deleteAll");
-  EXPECT_EQ(sketch.entities->size(), 2U);
+  EXPECT_EQ(sketch.entities().size(), 2U);
   EXPECT_FALSE(window.isVisible());
 }
 

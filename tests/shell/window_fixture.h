@@ -38,7 +38,7 @@ struct WindowFixture : ::testing::Test, TestApplication {
     submit(line);
     settle();
   }
-  std::string lastLine() const { return sketch.consoleLines->back().text; }
+  std::string lastLine() const { return messages.lines->back().text; }
 
   /// Shows a window and gives it the focus.
   static void present(QWidget& window) {

@@ -37,14 +37,14 @@ class RecordingPainter final : public CanvasPainter {
     noteEllipse("stroke", ellipse) << pen(stroke) << "\n";
     calls.back().stroke = stroke;
   }
-  void strokeRoundedRect(const ViewRect& rect, double cornerRadius, const Stroke& stroke) override {
+  void strokeRoundedRect(const SketchBox& rect, double cornerRadius, const Stroke& stroke) override {
     noteRect("stroke", rect, cornerRadius) << pen(stroke) << "\n";
   }
   void fillPath(const CanvasPath& path, const Fill& fill) override { notePath("fill", path) << paint(fill); }
   void fillEllipse(const CanvasEllipse& ellipse, const Fill& fill) override {
     noteEllipse("fill", ellipse) << paint(fill);
   }
-  void fillRoundedRect(const ViewRect& rect, double cornerRadius, const Fill& fill) override {
+  void fillRoundedRect(const SketchBox& rect, double cornerRadius, const Fill& fill) override {
     noteRect("fill", rect, cornerRadius) << paint(fill);
   }
   void drawText(std::string_view words, SketchPoint center, double height, const Fill& fill) override {
@@ -68,7 +68,7 @@ class RecordingPainter final : public CanvasPainter {
     calls.push_back({.pieces = {}, .ellipse = ellipse, .stroke = {}, .isEllipse = true});
     return text_ << verb << " circle " << place(ellipse.center) << " r " << number(ellipse.radius);
   }
-  std::ostream& noteRect(const char* verb, const ViewRect& rect, double cornerRadius) {
+  std::ostream& noteRect(const char* verb, const SketchBox& rect, double cornerRadius) {
     calls.emplace_back();
     return text_ << verb << " box " << place({rect.minX, rect.minY}) << " " << place({rect.maxX, rect.maxY})
                  << " rounded " << number(cornerRadius);

@@ -22,7 +22,12 @@ struct TestApplication {
   ServedUpdateClient client{scheduler, home / "tmp"};
   std::vector<FilePath> openedInstallers;
   Application application{services(), options()};
-  SketchViewModel& sketch = application.sketch();
+  Workspace& workspace = application.workspace();
+  Sketch& sketch = workspace.sketch;
+  Board& board = workspace.board;
+  DocumentSession& document = workspace.document;
+  Messages& messages = workspace.messages;
+  Console& console = workspace.console;
 
   ApplicationServices services() {
     return {.host = {scheduler, dialogs, files},
@@ -40,10 +45,10 @@ struct TestApplication {
   }
 
   void submit(std::string line) {
-    sketch.setCommandInput(std::move(line));
-    sketch.submitCommandInput();
+    console.setInput(std::move(line));
+    console.submit();
   }
-  const ConsoleLine& lastLine() const { return sketch.consoleLines->back(); }
+  const ConsoleLine& lastLine() const { return messages.lines->back(); }
   /// Runs everything that is due now.
   void settle() { scheduler.advance(Seconds(0)); }
 };

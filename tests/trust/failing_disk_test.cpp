@@ -41,9 +41,9 @@ struct Operation {
 
 // What the console answers, where that tells of a failure.
 std::optional<std::string> submit(ProgramSession& on, std::string line) {
-  on.sketch.setCommandInput(std::move(line));
-  on.sketch.submitCommandInput();
-  std::string reply = on.sketch.consoleLines->back().text;
+  on.workspace.console.setInput(std::move(line));
+  on.workspace.console.submit();
+  std::string reply = on.workspace.messages.lines->back().text;
   return reply.find("failed: ") == std::string::npos ? std::nullopt : std::optional(std::move(reply));
 }
 
@@ -59,10 +59,10 @@ const std::vector<Operation>& operations() {
   const auto draws = [](int number) { return [number](ProgramSession& on) { on.draw(number); }; };
   static const std::vector<Operation> all{
       {"first save", draws(1),
-       [](ProgramSession& on) { return saveToURL(on.sketch, on.settings, on.plan(), false); },
+       [](ProgramSession& on) { return saveToURL(on.workspace.document, on.settings, on.plan(), false); },
        "Save failed: "},
       {"save over", draws(2),
-       [](ProgramSession& on) { return saveToURL(on.sketch, on.settings, on.plan(), false); },
+       [](ProgramSession& on) { return saveToURL(on.workspace.document, on.settings, on.plan(), false); },
        "Save failed: "},
       {"first checkpoint", draws(3), [](ProgramSession& on) { return submit(on, "checkpoint one"); },
        "Checkpoint failed: "},
@@ -74,7 +74,7 @@ const std::vector<Operation>& operations() {
        "Switch branch failed: "},
       {"auto-save", draws(5),
        [](ProgramSession& on) {
-         const auto failure = autoSaveTick(on.sketch, on.settings);
+         const auto failure = autoSaveTick(on.workspace.document, on.settings);
          return failure ? failure : noteOfSettings(on);
        },
        "Save failed: "},
@@ -106,8 +106,9 @@ struct Held {
   friend bool operator==(const Held&, const Held&) = default;
 };
 
-Held heldBy(const SketchViewModel& sketch) {
-  return {sketch.entities, sketch.isDocumentDirty, sketch.documentFileURL, sketch.lastSavedAt};
+Held heldBy(const Workspace& workspace) {
+  return {workspace.sketch.entities(), workspace.document.isDirty(), workspace.document.fileURL,
+          workspace.document.lastSavedAt};
 }
 
 TEST(FailingDisk, TellsOfEveryStepThatFailsAndLosesNothing) {
@@ -159,7 +160,7 @@ TEST(FailingDisk, TellsOfEveryStepThatFailsAndLosesNothing) {
         failing.prepare(on);
         on.scheduler.advance(Seconds(10));
         const SavedWorld worldBefore = testing::readSavedWorld(home.path());
-        const Held heldBefore = heldBy(on.sketch);
+        const Held heldBefore = heldBy(on.workspace);
         countdown = step;
         const auto failure = failing.run(on);
         countdown = -1;
@@ -175,7 +176,7 @@ TEST(FailingDisk, TellsOfEveryStepThatFailsAndLosesNothing) {
         EXPECT_THAT(*failure, HasSubstr(text));
         const SavedWorld world = testing::readSavedWorld(home.path());
         EXPECT_EQ(world.damage, "");
-        const Held held = heldBy(on.sketch);
+        const Held held = heldBy(on.workspace);
         const bool isWritten = world.plan != worldBefore.plan;
         // A switch that could not be put down in the history has taken the document over all the same.
         const bool hasSwitched = failing.name.starts_with("switch") && isWritten && !held.isDirty;
@@ -190,7 +191,7 @@ TEST(FailingDisk, TellsOfEveryStepThatFailsAndLosesNothing) {
         EXPECT_EQ(failing.run(on), std::nullopt);
         const SavedWorld after = testing::readSavedWorld(home.path());
         EXPECT_EQ(after.damage, "");
-        EXPECT_EQ(after.plan, ProgramSession::stateOf(on.sketch.entities));
+        EXPECT_EQ(after.plan, ProgramSession::stateOf(on.workspace.sketch.entities()));
       }
     }
   }
@@ -206,9 +207,9 @@ void expectRecovery(const FilePath& home, const SavedWorld& left) {
   if (!isOffered) return;
   EXPECT_EQ(on.settings.autoSaveRecoveryCandidate->value().url, on.plan());
   on.application.restoreAutoSaveFromOffer();
-  EXPECT_EQ(on.sketch.consoleLines->back().text, "Restored last autosave.");
-  EXPECT_EQ(ProgramSession::stateOf(on.sketch.entities), left.plan);
-  EXPECT_FALSE(*on.sketch.isDocumentDirty);
+  EXPECT_EQ(on.workspace.messages.lines->back().text, "Restored last autosave.");
+  EXPECT_EQ(ProgramSession::stateOf(on.workspace.sketch.entities()), left.plan);
+  EXPECT_FALSE(on.workspace.document.isDirty());
 }
 
 TEST(Crash, LeavesEveryFileWholeOldOrNewBehindEveryStep) {

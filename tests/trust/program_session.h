@@ -6,7 +6,9 @@
 #include <utility>
 
 #include "app/application.h"
+#include "core/adding.h"
 #include "documents/document_store.h"
+#include "geometry/edit_operations.h"
 #include "platform/dialogs.h"
 #include "platform/disk_file_system.h"
 #include "platform/json_user_defaults.h"
@@ -32,7 +34,7 @@ struct ProgramSession {
                           ApplicationOptions{.documentsFolder = home / "Documents",
                                              .updates = updateConfiguration("1.0", "", "", ""),
                                              .isUITesting = false}};
-  SketchViewModel& sketch = application.sketch();
+  Workspace& workspace = application.workspace();
   AppSettings& settings = application.settings();
 
   /// Where the documents of these tests lie.
@@ -40,10 +42,10 @@ struct ProgramSession {
 
   /// Draws state `number` in place of what is there: so many lines, each naming the state.
   void draw(int number) {
-    sketch.selectAll();
-    sketch.deleteSelection();
+    selectAll(workspace.sketch);
+    deleteSelection(workspace.sketch, workspace.messages);
     for (int line = 0; line < linesOf(number); ++line) {
-      sketch.addLine({0, 0}, {static_cast<double>(number), static_cast<double>(line)});
+      addLine(workspace.sketch, {0, 0}, {static_cast<double>(number), static_cast<double>(line)});
     }
   }
 

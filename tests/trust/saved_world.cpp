@@ -1,6 +1,5 @@
 #include "trust/saved_world.h"
 
-#include "core/sketch_view_model.h"
 #include "documents/app_settings.h"
 #include "documents/document_history.h"
 #include "documents/sketch_document.h"

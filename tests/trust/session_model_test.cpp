@@ -20,7 +20,6 @@
 #include "platform/unicode.h"
 #include "support/random_drawing.h"
 #include "support/test_application.h"
-#include "support/test_sketch.h"
 
 namespace ostrelon {
 namespace {
@@ -30,59 +29,75 @@ constexpr int kOperations = 1500;
 constexpr std::size_t kTold = 25;            // operations that a failure tells
 constexpr std::size_t kLargestDrawing = 60;  // a larger one is cleared, so that sessions stay quick
 
-// The fields in the order of `SketchField`.
-const std::vector<std::string>& fieldNames() {
-  static const std::vector<std::string> names = splitAtWhiteSpace(
-      "entities wallSystemSpecs activeWallSystemSpecID selectedEntityIDs primarySelectedEntityID "
-      "selectMarquee "
-      "selectedTool consoleLines commandInput isConsoleInputFocused showGrid documentName documentFileURL "
-      "isDocumentDirty lastSavedAt documentToast documentHistoryState draft polygonDraft hoveredEntityID "
-      "hoverViewPoint cursorSketchPoint selectDrag isEntityInspectorVisible activeAxisSnaps "
-      "activeEntitySnapPoint activeGridSnapPoint activeEntitySnapSourcePoint snapGuideAnchor snapFeedback "
-      "acquiredEntitySnap pendingTrackingAcquire trackingAcquireProgress lastDraftConstraintAxes "
-      "trackingAcquireDwellStart handleDragReferenceAngle trimCuttingEdgeEntityID viewport "
-      "hasInitializedViewport canvasSize isSegmentLengthEditing segmentLengthEditText segmentLengthEditError "
-      "undoStack selectDragUndoBaseline entityClipboard isSaveDialogActive");
-  return names;
+// A field of the workspace, and the values in it by their names in the automation interface.
+struct Part {
+  FieldMask field;
+  std::string_view values;
+};
+
+std::vector<Part> partsOf(const Workspace& w) {
+  return {{w.sketch.drawing.bit(), "entities wallSystemSpecs activeWallSystemSpecID showGrid"},
+          {w.sketch.selection.bit(), "selectedEntityIDs primarySelectedEntityID isEntityInspectorVisible"},
+          {w.sketch.undoStack.bit(), "undoStack"},
+          {w.sketch.isDirty.bit(), "isDocumentDirty"},
+          {w.sketch.clipboard.bit(), "entityClipboard"},
+          {w.messages.lines.bit(), "consoleLines"},
+          {w.messages.toast.bit(), "documentToast"},
+          {w.board.view.bit(), "viewport hasInitializedViewport canvasSize"},
+          {w.board.tool.bit(), "selectedTool"},
+          {w.board.gesture.bit(), "draft polygonDraft selectMarquee selectDrag handleDragReferenceAngle"},
+          {w.board.snap.bit(),
+           "activeAxisSnaps activeEntitySnapPoint activeGridSnapPoint activeEntitySnapSourcePoint "
+           "snapGuideAnchor snapFeedback"},
+          {w.board.tracking.bit(),
+           "acquiredEntitySnap pendingTrackingAcquire trackingAcquireProgress trackingAcquireDwellStart"},
+          {w.board.hover.bit(), "hoveredEntityID hoverViewPoint"},
+          {w.board.lengthEditor.bit(), "isSegmentLengthEditing segmentLengthEditText segmentLengthEditError"},
+          {w.board.cursor.bit(), "cursorSketchPoint"},
+          {w.board.draftAxes.bit(), "lastDraftConstraintAxes"},
+          {w.board.trimCuttingEdge.bit(), "trimCuttingEdgeEntityID"},
+          {w.document.name.bit(), "documentName"},
+          {w.document.fileURL.bit(), "documentFileURL"},
+          {w.document.lastSavedAt.bit(), "lastSavedAt"},
+          {w.document.history.bit(), "documentHistoryState"},
+          {w.document.isSaveDialogActive.bit(), "isSaveDialogActive"},
+          {w.console.input.bit(), "commandInput"},
+          {w.console.isFocused.bit(), "isConsoleInputFocused"}};
 }
-constexpr auto kFieldCount = static_cast<std::size_t>(SketchField::count_);
 
-// Each field as text.
-using Fields = std::array<std::string, kFieldCount>;
-
-Fields fieldsOf(const SketchViewModel& sketch) {
-  Fields fields;
-  for (std::size_t field = 0; field < kFieldCount; ++field) {
-    const std::string& name = fieldNames().at(field);
+// The values of each part as text.
+std::vector<std::string> textsOf(const Workspace& workspace) {
+  std::vector<std::string> texts;
+  for (const Part& part : partsOf(workspace)) {
     // The transcript only grows and is emptied: its length and end tell of every change.
-    if (name == "consoleLines") {
-      const auto& lines = *sketch.consoleLines;
-      fields[field] = std::to_string(lines.size()) + (lines.empty() ? "" : lines.back().text);
+    if (part.field == workspace.messages.lines.bit()) {
+      const auto& lines = *workspace.messages.lines;
+      texts.push_back(std::to_string(lines.size()) + (lines.empty() ? "" : lines.back().text));
     } else {
-      fields[field] = stateOf(sketch, std::vector{name})[name].dump();
+      texts.push_back(stateOf(workspace, splitAtWhiteSpace(part.values)).dump());
     }
   }
-  return fields;
+  return texts;
 }
 
 // What a format 2 file gives back.
-EntityList asSaved(const SketchViewModel& sketch) {
+EntityList asSaved(const Workspace& workspace) {
   SketchDocumentV2 document;
-  document.ws.items = sketch.wallSystemSpecs;
-  document.e = sketch.entities;
+  document.ws.items = workspace.sketch.drawing->wallSystemSpecs;
+  document.e = workspace.sketch.entities();
   const auto text = SketchDocumentIO::encodeDocument(document);
   return std::get<SketchDocumentV2>(SketchDocumentIO::decodeDocument(text).document).e;
 }
 
 class RandomSession : public testing::TestApplication {
  public:
-  explicit RandomSession(unsigned seed) : random_(seed), gestures_(sketch) {
+  explicit RandomSession(unsigned seed) : random_(seed), gestures_(workspace.board) {
     application.mainViewAppeared();
     application.settings().useDefaultProjectsFolder();
-    sketch.updateCanvasSize({900, 600});
-    last_ = fieldsOf(sketch);
-    observation_ = sketch.observe(kAllFields, [this](const SketchChange& change) { hear(change); });
-    baseline_ = sketch.entities;
+    workspace.board.resizeCanvas({900, 600});
+    last_ = textsOf(workspace);
+    observation_ = workspace.observe(kAllFields, [this](FieldMask changed) { hear(changed); });
+    baseline_ = workspace.sketch.entities();
   }
 
   // One operation, and what must hold behind it.
@@ -90,7 +105,7 @@ class RandomSession : public testing::TestApplication {
     mayBeSaved_ = false;
     trace_ = "";
     const bool wasAtRest = isAtRest();
-    const EntityList before = sketch.entities;
+    const EntityList before = workspace.sketch.entities();
     const std::size_t steps = undoSteps();
     operate();
     recent_.push_back(trace_);
@@ -118,7 +133,9 @@ class RandomSession : public testing::TestApplication {
     static const std::vector<std::string> odd{"0", "-3", "1e3", "0.1", "12.5", "x", "1e300", "1/3"};
     return random_.chance(10) ? oneOf(odd) : std::to_string((upTo(20) - 10) * (random_.chance(3) ? 7 : 10));
   }
-  std::string entityNumber() { return std::to_string(upTo(static_cast<int>(sketch.entities->size()) + 1)); }
+  std::string entityNumber() {
+    return std::to_string(upTo(static_cast<int>(workspace.sketch.entities().size()) + 1));
+  }
   SketchPoint viewPoint() {
     const SketchPoint place{upTo(20) * 50.0 - 50, upTo(14) * 50.0 - 50};
     return random_.chance(3) ? place + SketchPoint{upTo(100) / 10.0, upTo(100) / 10.0} : place;
@@ -180,18 +197,23 @@ class RandomSession : public testing::TestApplication {
     for (const char character : oneOf(patterns)) {
       line += character == '#' ? number() : character == '@' ? entityNumber() : std::string(1, character);
     }
-    const bool isDrafting = sketch.draft->has_value();
+    const bool isDrafting = workspace.board.draft() != nullptr;
     return isDrafting && random_.chance(2) ? number() + (random_.chance(2) ? " " + number() : "") : line;
   }
 
   void submitLine(const std::string& line) {
-    const testing::DocumentState before(sketch);
-    const std::size_t lines = sketch.consoleLines->size();
+    const SketchState before = workspace.sketch.state();
+    const std::size_t steps = undoSteps();
+    const SketchTool tool = workspace.board.tool;
+    const std::size_t lines = workspace.messages.lines->size();
     const bool isNumber = line.find_first_not_of("0123456789.-+e/x ") == std::string::npos;
     submit(line);
-    if (sketch.consoleLines->size() == lines) return;
+    if (workspace.messages.lines->size() == lines) return;
     EXPECT_TRUE(isNumber || !lastLine().text.starts_with("Unknown command")) << line;
-    EXPECT_TRUE(!lastLine().isError || testing::DocumentState(sketch) == before) << "refused, and changed";
+    if (!lastLine().isError) return;
+    EXPECT_EQ(workspace.sketch.state(), before) << "refused, and changed";
+    EXPECT_EQ(undoSteps(), steps);
+    EXPECT_EQ(workspace.board.tool.get(), tool);
   }
 
   void operate() {
@@ -200,7 +222,8 @@ class RandomSession : public testing::TestApplication {
       case 1:
       case 2:
       case 3: {
-        const std::string line = sketch.entities->size() > kLargestDrawing ? "clear" : consoleLine();
+        const std::string line =
+            workspace.sketch.entities().size() > kLargestDrawing ? "clear" : consoleLine();
         trace_ = "console: " + line;
         mayBeSaved_ = line.starts_with("checkpoint") || line.starts_with("branch");
         submitLine(line);
@@ -258,7 +281,7 @@ class RandomSession : public testing::TestApplication {
         event.modifiers.command = upTo(5) == 0;
         event.textFocus = upTo(8) == 0;
         trace_ = "key " + std::to_string(static_cast<int>(event.key)) + event.characters;
-        handleKey(event, sketch);
+        handleKey(event, workspace.board);
         return;
       }
       case 11: {
@@ -266,7 +289,7 @@ class RandomSession : public testing::TestApplication {
             SketchTool::select,    SketchTool::line,    SketchTool::wall, SketchTool::circle,
             SketchTool::rectangle, SketchTool::polygon, SketchTool::trim};
         trace_ = "tool";
-        sketch.activateTool(oneOf(tools));
+        workspace.board.activateTool(oneOf(tools));
         return;
       }
       case 12: {
@@ -291,7 +314,7 @@ class RandomSession : public testing::TestApplication {
       default:
         trace_ = "undo and redo";
         if (isAtRest() && undoSteps() > 0) {
-          undoAndRedo(EntityList(sketch.undoStack().undoSnapshots().back().entities));
+          undoAndRedo(EntityList(workspace.sketch.undoStack->undoSnapshots().back().entities));
         }
         return;
     }
@@ -304,103 +327,100 @@ class RandomSession : public testing::TestApplication {
     switch (upTo(4)) {
       case 0:
         trace_ = "save";
-        if (!saveToURL(sketch, application.settings(), url, upTo(1) == 0)) expectSame(url);
+        if (!saveToURL(workspace.document, application.settings(), url, upTo(1) == 0)) expectSame(url);
         return;
       case 1:
         trace_ = "open";
-        openDocument(sketch, application.settings(), url);
+        openDocument(workspace.document, application.settings(), url);
         return;
       case 2:
         trace_ = "save command";
-        saveCurrentDocument(sketch, application.settings(), true);
+        saveCurrentDocument(workspace.document, application.settings(), true);
         settle();
         return;
       case 3:
         trace_ = "auto-save";
-        autoSaveTick(sketch, application.settings());
+        autoSaveTick(workspace.document, application.settings());
         return;
       default:
         trace_ = "new document";
-        if (upTo(3) == 0) sketch.newDocument();
+        if (upTo(3) == 0) workspace.document.begin();
         return;
     }
   }
 
   // Another program opens what was saved.
   void expectSame(const FilePath& url) {
-    testing::TestApplication other;
-    other.sketch.openDocumentFile(url);
-    EXPECT_EQ(toJson(*other.sketch.entities).dump(), toJson(asSaved(sketch)).dump());
-    EXPECT_EQ(other.sketch.showGrid.get(), sketch.showGrid.get());
-    EXPECT_EQ(other.sketch.viewport.get(), sketch.viewport.get());
-    EXPECT_EQ(other.sketch.activeWallSystemSpecID.get(), sketch.activeWallSystemSpecID.get());
-    EXPECT_EQ(other.sketch.documentName.get(), sketch.documentName.get());
-    ASSERT_EQ(other.sketch.wallSystemSpecs->size(), sketch.wallSystemSpecs->size());
-    const auto undoable = [](const SketchViewModel& of) {
-      return std::min<std::size_t>(of.undoStack().undoSnapshots().size(), 20);
+    testing::TestApplication program;
+    Workspace& other = program.workspace;
+    other.document.open(url);
+    EXPECT_EQ(toJson(other.sketch.entities()).dump(), toJson(asSaved(workspace)).dump());
+    EXPECT_EQ(other.sketch.drawing->showGrid, workspace.sketch.drawing->showGrid);
+    EXPECT_EQ(other.board.viewport(), workspace.board.viewport());
+    EXPECT_EQ(other.sketch.drawing->activeWallSystemSpecID, workspace.sketch.drawing->activeWallSystemSpecID);
+    EXPECT_EQ(other.document.name.get(), workspace.document.name.get());
+    ASSERT_EQ(other.sketch.drawing->wallSystemSpecs.size(), workspace.sketch.drawing->wallSystemSpecs.size());
+    const auto undoable = [](const Workspace& of) {
+      return std::min<std::size_t>(of.sketch.undoStack->undoSnapshots().size(), kStoredUndoSnapshots);
     };
-    EXPECT_LE(undoable(other.sketch), undoable(sketch));
-    EXPECT_FALSE(sketch.isDocumentDirty);
+    EXPECT_LE(undoable(other), undoable(workspace));
+    EXPECT_FALSE(workspace.document.isDirty());
   }
 
-  bool isAtRest() const {
-    return !*sketch.draft && !*sketch.polygonDraft && !*sketch.selectDrag && !*sketch.selectMarquee;
-  }
-  std::size_t undoSteps() const { return sketch.undoStack().undoSnapshots().size(); }
+  bool isAtRest() const { return std::holds_alternative<std::monostate>(workspace.board.gesture.get()); }
+  std::size_t undoSteps() const { return workspace.sketch.undoStack->undoSnapshots().size(); }
   // Back to `before`, the list of the step before, and forth again.
   void undoAndRedo(const EntityList& before) {
-    const EntityList after = sketch.entities;
-    sketch.undo();
-    EXPECT_EQ(*sketch.entities, before) << "undo";
-    sketch.redo();
-    EXPECT_EQ(*sketch.entities, after) << "redo";
+    const EntityList after = workspace.sketch.entities();
+    workspace.board.undo();
+    EXPECT_EQ(workspace.sketch.entities(), before) << "undo";
+    workspace.board.redo();
+    EXPECT_EQ(workspace.sketch.entities(), after) << "redo";
   }
 
-  void hear(const SketchChange& change) {
-    Fields now = fieldsOf(sketch);
-    for (std::size_t field = 0; field < kFieldCount; ++field) {
-      const bool isTold = (change.fields & fieldBit(static_cast<unsigned>(field))) != 0;
-      const bool hasChanged = now[field] != last_[field];
-      EXPECT_TRUE(isTold || !hasChanged) << fieldNames()[field] << " changed and was not told";
+  void hear(FieldMask changed) {
+    const auto parts = partsOf(workspace);
+    auto now = textsOf(workspace);
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+      const bool isTold = (changed & parts[i].field) != 0;
+      const bool hasChanged = now[i] != last_[i];
+      EXPECT_TRUE(isTold || !hasChanged) << parts[i].values << " changed and was not told";
       // The undo steps are compared by their number, which stays the same when the oldest goes.
-      const bool isCounted = field == static_cast<std::size_t>(SketchField::undoStack);
+      const bool isCounted = parts[i].field == workspace.sketch.undoStack.bit();
       // A chain may lead back to the selection from which it went out.
       const bool isChain = trace_.find(';') != std::string::npos;
-      if (isTold && !hasChanged && !isCounted && !isChain) {
-        ADD_FAILURE() << fieldNames()[field] << " was told and had not changed";
-      }
+      EXPECT_TRUE(!isTold || hasChanged || isCounted || isChain)
+          << parts[i].values << " was told and had not changed";
     }
     last_ = std::move(now);
   }
 
   void check() {
-    Fields now = fieldsOf(sketch);
-    for (std::size_t field = 0; field < kFieldCount; ++field) {
-      EXPECT_EQ(now[field], last_[field]) << fieldNames()[field] << " changed and nobody was told";
-    }
-    last_ = std::move(now);
+    EXPECT_EQ(textsOf(workspace), last_) << "changed and nobody was told";
     std::unordered_set<UUID> ids;
-    for (const SketchEntity& entity : *sketch.entities) {
+    for (const SketchEntity& entity : workspace.sketch.entities()) {
       EXPECT_TRUE(ids.insert(entityID(entity)).second) << "an identifier twice";
     }
-    for (const UUID& id : *sketch.selectedEntityIDs) EXPECT_TRUE(ids.contains(id)) << "selected and gone";
-    const auto& primary = *sketch.primarySelectedEntityID;
-    EXPECT_TRUE(!primary || sketch.selectedEntityIDs->empty() ||
-                sketch.selectedEntityIDs->contains(*primary));
-    EXPECT_FALSE(*sketch.selectDrag && *sketch.selectMarquee) << "two gestures at once";
-    EXPECT_FALSE(*sketch.polygonDraft && sketch.selectedTool != SketchTool::polygon);
-    EXPECT_TRUE(std::isfinite(sketch.viewport->pan.x) && std::isfinite(sketch.viewport->pan.y));
-    EXPECT_TRUE(sketch.viewport->scale >= 0.05 && sketch.viewport->scale <= 200);
-    EXPECT_TRUE(sketch.trackingAcquireProgress >= 0 && sketch.trackingAcquireProgress <= 1);
+    for (const UUID& id : workspace.sketch.selection->ids)
+      EXPECT_TRUE(ids.contains(id)) << "selected and gone";
+    const auto& primary = workspace.sketch.selection->primary;
+    EXPECT_TRUE(!primary || workspace.sketch.selection->ids.empty() ||
+                workspace.sketch.selection->ids.contains(*primary));
+    EXPECT_FALSE(workspace.board.polygonDraft() != nullptr && workspace.board.tool != SketchTool::polygon);
+    EXPECT_TRUE(std::isfinite(workspace.board.viewport().pan.x) &&
+                std::isfinite(workspace.board.viewport().pan.y));
+    EXPECT_TRUE(workspace.board.viewport().scale >= 0.05 && workspace.board.viewport().scale <= 200);
+    EXPECT_TRUE(workspace.board.tracking->progress >= 0 && workspace.board.tracking->progress <= 1);
     // A document that is called clean holds what was saved, opened or begun last.
-    if (mayBeSaved_ && !sketch.isDocumentDirty) baseline_ = sketch.entities;
-    if (trace_ == "new document" && !sketch.isDocumentDirty) baseline_ = sketch.entities;
-    EXPECT_TRUE(sketch.isDocumentDirty || *sketch.entities == baseline_) << "changed and not dirty";
+    if (mayBeSaved_ && !workspace.document.isDirty()) baseline_ = workspace.sketch.entities();
+    if (trace_ == "new document" && !workspace.document.isDirty()) baseline_ = workspace.sketch.entities();
+    EXPECT_TRUE(workspace.document.isDirty() || workspace.sketch.entities() == baseline_)
+        << "changed and not dirty";
   }
 
   testing::RandomDrawing random_;
   CanvasGestures gestures_;
-  Fields last_;
+  std::vector<std::string> last_;
   Subscription observation_;
   EntityList baseline_;
   bool mayBeSaved_ = false;

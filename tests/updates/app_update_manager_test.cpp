@@ -309,10 +309,10 @@ TEST_F(AppUpdateManagerTest, EachStepIsOneNotification) {
   manager->checkForUpdates(true);
   serve({"1.3.0"});
   manager->downloadAndInstall();
-  using enum UpdateField;
-  EXPECT_THAT(
-      told, ElementsAre(updateMask(status), updateMask(status, lastCheckedAt, latestVersion, availableUpdate),
-                        updateMask(status, downloadProgress)));
+  EXPECT_THAT(told, ElementsAre(fieldsOf(manager->status),
+                                fieldsOf(manager->status, manager->lastCheckedAt, manager->latestVersion,
+                                         manager->availableUpdate),
+                                fieldsOf(manager->status, manager->downloadProgress)));
 }
 
 TEST_F(AppUpdateManagerTest, AnswersAfterItsEndAreDropped) {

@@ -6,7 +6,7 @@
 
 #include <cstdlib>
 
-#include "support/disk_sketch.h"
+#include "support/disk_workspace.h"
 #include "window/virtual_screen.h"
 
 namespace ostrelon {
@@ -77,9 +77,9 @@ struct WholeSession : ::testing::Test {
     return settings.find('"' + name + '"') == std::string::npos ? std::string() : settings;
   }
   std::size_t savedEntities() const {
-    testing::DiskSketch reader;
-    reader.sketch.openDocumentFile(document);
-    return reader.sketch.entities->size();
+    testing::DiskWorkspace reader;
+    reader.document.open(document);
+    return reader.sketch.entities().size();
   }
   /// Ends the program by its own menu command, with nothing to ask about.
   void quit() {

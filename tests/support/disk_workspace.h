@@ -1,4 +1,4 @@
-// A view model and settings over real files in a folder of their own, on a virtual clock.
+// A workspace and settings over real files in a folder of their own, on a virtual clock.
 #pragma once
 
 #include <functional>
@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "core/sketch_view_model.h"
+#include "app/workspace.h"
 #include "documents/app_settings.h"
 #include "platform/dialogs.h"
 #include "platform/disk_file_system.h"
@@ -15,8 +15,8 @@
 
 namespace ostrelon::testing {
 
-struct DiskSketch {
-  explicit DiskSketch(FileSystemCalls calls = FileSystemCalls::ofTheSystem()) : files(std::move(calls)) {}
+struct DiskWorkspace {
+  explicit DiskWorkspace(FileSystemCalls calls = FileSystemCalls::ofTheSystem()) : files(std::move(calls)) {}
 
   TemporaryFolder home;
   DiskFileSystem files;
@@ -24,21 +24,26 @@ struct DiskSketch {
   QueuedDialogs dialogs;
   MemoryUserDefaults defaults;
   AppSettings settings{defaults, files, home / "Documents"};
-  SketchViewModel sketch{Host{scheduler, dialogs, files}};
+  Workspace workspace{Host{scheduler, dialogs, files}};
+  Sketch& sketch = workspace.sketch;
+  Board& board = workspace.board;
+  DocumentSession& document = workspace.document;
+  Messages& messages = workspace.messages;
+  Console& console = workspace.console;
 
   /// The last console line, marked "E " when it is an error and "S " when the system wrote it.
   std::string lastLine() const {
-    const ConsoleLine& line = sketch.consoleLines->back();
+    const ConsoleLine& line = messages.lines->back();
     return (line.isError ? "E " : line.isSystem ? "S " : "") + line.text;
   }
   /// The reply to a console line.
   std::string reply(std::string text) {
-    sketch.setCommandInput(std::move(text));
-    sketch.submitCommandInput();
-    return sketch.consoleLines->back().text;
+    console.setInput(std::move(text));
+    console.submit();
+    return messages.lines->back().text;
   }
   std::string toast() const {
-    return sketch.documentToast->has_value() ? (*sketch.documentToast)->message : std::string();
+    return messages.toast->has_value() ? (*messages.toast)->message : std::string();
   }
 };
 
