@@ -30,6 +30,7 @@ Application::Application(ApplicationServices services, ApplicationOptions option
                      }),
       opener_(workspace_, settings_, closeQuestion_, options.opensInBackground) {
   workspace_.document.setDocumentsFolder(std::move(options.documentsFolder));
+  if (!options.stateFolder.empty()) journal_.emplace(workspace_, options.stateFolder / "journals");
   selectionSubscription_ = workspace_.observe(fieldsOf(workspace_.sketch.selection), [this](FieldMask) {
     const Selection& selection = workspace_.sketch.selection;
     // It goes with a selection that was there; what a script opens without one stays.
@@ -45,8 +46,10 @@ Application::Application(ApplicationServices services, ApplicationOptions option
 void Application::mainViewAppeared() {
   const bool isTesting = settings_.isUITesting();
   if (isTesting) settings_.resetProjectsFolderForUITesting();
+  if (journal_) journal_->holdMarker();
   {
     const ChangeScope scope(tracker_);
+    if (!isTesting) journalOffers = recoverableJournals();
     showProjectsFolderSetup = !isTesting && !settings_.isProjectsFolderConfigured();
     showAutoSaveRecoveryOffer = !isTesting && settings_.autoSaveRecoveryCandidate->has_value();
   }
@@ -56,7 +59,25 @@ void Application::mainViewAppeared() {
   updates_.startAutomaticChecks();
 }
 
-void Application::willTerminate() { defaults_.set(SettingsKey::lastSessionEndedCleanly, true); }
+void Application::willTerminate() {
+  if (journal_) journal_->remove();
+  defaults_.set(SettingsKey::lastSessionEndedCleanly, true);
+}
+
+bool Application::endBySystem() {
+  if (!workspace_.document.isDirty()) {
+    willTerminate();
+    return true;
+  }
+  if (!journal_ || !journal_->isOpen()) return false;
+  try {
+    journal_->sync();
+  } catch (const FileError&) {
+    return false;
+  }
+  defaults_.set(SettingsKey::lastSessionEndedCleanly, true);
+  return true;
+}
 
 // --- Documents
 
@@ -157,5 +178,30 @@ void Application::skipAutoSaveRecovery() {
   settings_.clearAutoSaveRecoveryCandidate();
   showAutoSaveRecoveryOffer = false;
 }
+
+std::vector<RecoverableJournal> Application::recoverableJournals() const {
+  return journal_ ? journal_->recoverable() : std::vector<RecoverableJournal>();
+}
+
+void Application::recoverJournal(const std::string& id) {
+  if (!journal_) throw UserError("There are no journals here.");
+  opener_.giveUp();
+  journal_->recover(id);
+  journalDealtWith(id);
+}
+
+void Application::discardJournal(const std::string& id) {
+  if (!journal_) throw UserError("There are no journals here.");
+  journal_->discard(id);
+  journalDealtWith(id);
+}
+
+void Application::journalDealtWith(const std::string& id) {
+  std::vector<RecoverableJournal> offers = journalOffers;
+  std::erase_if(offers, [&](const RecoverableJournal& offer) { return offer.id == id; });
+  journalOffers = std::move(offers);
+}
+
+void Application::keepJournalsForLater() { journalOffers = {}; }
 
 }  // namespace ostrelon

@@ -11,10 +11,13 @@
 
 #include <functional>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "app/close_question.h"
 #include "app/document_opener.h"
 #include "app/drawing_exchange.h"
+#include "app/edit_journal.h"
 #include "app/workspace.h"
 #include "core/observable.h"
 #include "documents/app_settings.h"
@@ -46,6 +49,8 @@ struct ApplicationOptions {
   /// Whether large documents are read away from the main thread. Else every command has had its whole
   /// effect when it returns.
   bool opensInBackground = false;
+  /// Where journals are kept; without one there are none.
+  FilePath stateFolder = {};
 };
 
 /// What a window does for the program. Without one nothing happens.
@@ -81,6 +86,9 @@ class Application {
   void mainViewAppeared();
   /// The program is about to end by the user's wish.
   void willTerminate();
+  /// The system ends the program, and nobody can be asked: unsaved changes stay in the journal, which the
+  /// next start offers. Gives whether they do, or there are none.
+  bool endBySystem();
 
   void setWindowActions(WindowActions actions) { windowActions_ = std::move(actions); }
   const WindowActions& windowActions() const { return windowActions_; }
@@ -109,6 +117,8 @@ class Application {
 
   Observable<bool, Application> showProjectsFolderSetup{tracker_};
   Observable<bool, Application> showAutoSaveRecoveryOffer{tracker_};
+  /// The journals that the start found, the one changed last first; those dealt with are gone from it.
+  Observable<std::vector<RecoverableJournal>, Application> journalOffers{tracker_};
   /// Calls back when a sheet comes or goes.
   [[nodiscard]] Subscription observe(ChangeTracker::Callback changed) {
     return tracker_.observe(kAllFields, std::move(changed));
@@ -120,8 +130,16 @@ class Application {
   /// Opens the offered auto-save; the offer goes, whatever came of it.
   void restoreAutoSaveFromOffer();
   void skipAutoSaveRecovery();
+  /// The journals of programs that have died and hold more than their files do.
+  std::vector<RecoverableJournal> recoverableJournals() const;
+  /// Throw `UserError`.
+  void recoverJournal(const std::string& id);
+  void discardJournal(const std::string& id);
+  /// They are offered again by the next start.
+  void keepJournalsForLater();
 
  private:
+  void journalDealtWith(const std::string& id);
   void openAndRemember(const FilePath& url);
   void beforeReplacing(std::function<void()> proceed);
 
@@ -134,6 +152,7 @@ class Application {
   CloseQuestion closeQuestion_;
   DocumentOpener opener_;
   std::optional<AutoSaveController> autoSaveController_;
+  std::optional<EditJournal> journal_;
   WindowActions windowActions_;
   Subscription selectionSubscription_;
   bool hadSelection_ = false;

@@ -273,7 +273,7 @@ class AutomationHost::Program {
                       options.makePicture},
                      {options.paths.documentsFolder,
                       updateConfiguration(kBuildVersion, kBuildNumber, options.updateFeed, options.updateKey),
-                      options.isUITesting}),
+                      options.isUITesting, false, options.paths.stateFolder}),
         gestures_(application_.workspace().board),
         session_{application_, scheduler_, dialogs_, gestures_, updateClient_} {
     application_.mainViewAppeared();

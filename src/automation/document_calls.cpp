@@ -178,6 +178,11 @@ void addDocumentCalls(CallTable& table) {
   table["skipAutoSaveRecovery"] =
       call([](AutomationSession& session) { session.application.skipAutoSaveRecovery(); });
 
+  // --- What programs that have died left behind
+  table["recoverableJournals"] = call(&Application::recoverableJournals);
+  table["recoverJournal"] = call(&Application::recoverJournal);
+  table["discardJournal"] = call(&Application::discardJournal);
+
   // --- Settings
   table["setAppearanceMode"] = call([](AutomationSession& session, AppearanceMode mode) {
     session.application.settings().setAppearanceMode(mode);

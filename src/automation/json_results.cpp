@@ -270,6 +270,15 @@ Json toJson(const LoadedSketchDocument& value) {
                     value.document);
 }
 
+Json toJson(const RecoverableJournal& value) {
+  return {{"id", value.id},
+          {"documentName", value.documentName},
+          {"path", toJson(value.path)},
+          {"savedAt", toJson(value.savedAt)},
+          {"changedAt", toJson(value.changedAt)},
+          {"changes", value.changes}};
+}
+
 Json toJson(const AutoSaveRecoveryCandidate& value) {
   return {{"url", toJson(value.url)}, {"displayName", value.displayName}, {"savedAt", toJson(value.savedAt)}};
 }

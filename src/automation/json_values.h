@@ -13,6 +13,7 @@
 #include <variant>
 #include <vector>
 
+#include "app/edit_journal.h"
 #include "automation/case_names.h"
 #include "automation/json_text.h"
 #include "automation/mutation_state.h"
@@ -95,6 +96,7 @@ Json toJson(const DocumentHistoryState::FoundCheckpoint& value);
 Json toJson(const SketchDocumentV2& value);
 Json toJson(const LoadedSketchDocument& value);
 Json toJson(const AutoSaveRecoveryCandidate& value);
+Json toJson(const RecoverableJournal& value);
 Json toJson(const Color& value);
 Json toJson(const ThemePalette& value);
 Json toJson(const AppVersion& value);

@@ -23,6 +23,9 @@
 
 namespace ostrelon {
 
+/// One place where a list differs from an earlier one.
+struct EntitySplice;
+
 class EntityList {
  public:
   using Chunk = std::vector<SketchEntity>;
@@ -92,6 +95,13 @@ class EntityList {
   /// Costs what changed, not what the lists hold. A change of order alone is no difference.
   static Difference difference(const EntityList& before, const EntityList& after);
 
+  /// What makes the one list the other, place by place, ascending and without overlap. Exact in values
+  /// and order; costs what changed, not what the lists hold.
+  static std::vector<EntitySplice> splices(const EntityList& before, const EntityList& after);
+  /// Makes the list what `splices` found it had become. False, with nothing changed, where they do not
+  /// fit the list.
+  bool apply(const std::vector<EntitySplice>& splices);
+
  private:
   using ChunkPointer = std::shared_ptr<Chunk>;
   struct Node {
@@ -146,6 +156,13 @@ class EntityList {
 
   friend class Iterator;
   friend class EntityIndex;
+};
+
+struct EntitySplice {
+  std::size_t at = 0;               ///< the position in the earlier list
+  std::size_t removed = 0;          ///< so many of the earlier list go from there on,
+  std::vector<SketchEntity> added;  ///< and these come in their place
+  friend bool operator==(const EntitySplice&, const EntitySplice&) = default;
 };
 
 /// Walks the list in either direction, a chunk at a time.

@@ -1,6 +1,6 @@
 // A 64-bit fingerprint (XXH3) of bytes that come in pieces. It distinguishes contents that differ by
-// accident; it is no protection against one who wants to deceive. It lives as long as the process: its
-// value is never stored, so another hash may take its place at any time.
+// accident; it is no protection against one who wants to deceive. Journals store its values: another hash
+// in its place is another version of theirs.
 #pragma once
 
 #include <cstdint>

@@ -28,6 +28,10 @@ bool DocumentSave::holdsStateOf(const Sketch& sketch) const {
          document_.e == drawing.entities;
 }
 
+Drawing DocumentSave::drawing(const UUID& activeWallSystemSpecID) const {
+  return {document_.e, document_.ws.items, activeWallSystemSpecID, document_.grid};
+}
+
 void DocumentSave::release() {
   document_ = {};
   pending_.reset();

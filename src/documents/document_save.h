@@ -30,6 +30,8 @@ class DocumentSave {
   const DocumentOnDisk& onDisk() const { return onDisk_; }
   /// Whether nothing that a document's file holds of the drawing has changed since the save began.
   bool holdsStateOf(const Sketch& sketch) const;
+  /// What is being saved, with this system as the one that new walls take.
+  Drawing drawing(const UUID& activeWallSystemSpecID) const;
   /// Releases the entities, and drops what was written but not committed. To be called on the main thread
   /// after a write elsewhere, since the storage that lists share is owned by that thread.
   void release();

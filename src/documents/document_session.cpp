@@ -27,6 +27,7 @@ void DocumentSession::begin() {
   name = kUntitledName;
   lastSavedAt = std::nullopt;
   history = DocumentHistoryState();
+  setBasis(sketch_.drawing);
   stage_.documentBegun();
   messages_.appendSystem("New document.");
 }
@@ -46,7 +47,25 @@ void DocumentSession::adopt(OpenedDocument document) {
   name = std::move(document.name);
   unrecordedMerges_.clear();
   sketch_.replace(std::move(document.drawing), std::move(document.undo));
+  setBasis(sketch_.drawing);
   stage_.documentOpened(document.viewport);
+}
+
+void DocumentSession::adoptUnsaved(OpenedDocument document, SketchUndoStack undo,
+                                   std::optional<DocumentOnDisk> file, std::optional<Date> savedAt) {
+  const auto scope = change();
+  adopt(std::move(document));
+  sketch_.setUndoStack(std::move(undo));
+  sketch_.setDirty(true);
+  fileURL = file ? std::optional(file->path) : std::nullopt;
+  onDisk_ = std::move(file);
+  lastSavedAt = savedAt;
+  refreshHistory();
+}
+
+void DocumentSession::setBasis(Drawing drawing) {
+  basis_ = std::move(drawing);
+  ++basisNumber_;
 }
 
 // --- The file
@@ -58,6 +77,7 @@ void DocumentSession::save(const FilePath& url) {
 }
 
 void DocumentSession::putInPlace(DocumentSave& save) {
+  if (aboutToSave_) aboutToSave_(save);
   try {
     save.commit();
   } catch (...) {
@@ -75,6 +95,7 @@ void DocumentSession::finishSave(DocumentSave& save) {
   fileURL = save.url();
   name = documentNameFor(save.url());
   sketch_.setDirty(!save.holdsStateOf(sketch_));
+  setBasis(save.drawing(sketch_.drawing->activeWallSystemSpecID));
   lastSavedAt = host_.scheduler.now();
 }
 

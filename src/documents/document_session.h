@@ -6,7 +6,9 @@
 // as `UserError`, and have changed nothing then, unless an operation says otherwise.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -69,6 +71,14 @@ class DocumentSession {
   /// What was last read from or written to a document file; absent before the first time.
   const std::optional<DocumentOnDisk>& onDisk() const { return onDisk_; }
   [[nodiscard]] ChangeScope change() const { return ChangeScope(tracker_); }
+  /// The drawing that the changes since go out from: as it was begun, opened or last saved.
+  const Drawing& basis() const { return basis_; }
+  /// How often there has been another basis.
+  std::uint64_t basisNumber() const { return basisNumber_; }
+  /// Called when a save of this document has been written and is about to take its file's place.
+  void setSaveHook(std::function<void(const DocumentSave&)> aboutToSave) {
+    aboutToSave_ = std::move(aboutToSave);
+  }
 
   // --- The document as a whole (document_session.cpp)
 
@@ -77,6 +87,10 @@ class DocumentSession {
   SketchDocumentV2 makeDocument(bool includeUndo) const;
   /// Puts a document that was read in the place of the open one. The file stays as it is.
   void adopt(LoadedSketchDocument document);
+  /// Puts a document in the place of the open one that its file does not hold yet: it has unsaved changes.
+  /// `file`: its file as it lies on the disk; without one it is a new document.
+  void adoptUnsaved(OpenedDocument document, SketchUndoStack undo, std::optional<DocumentOnDisk> file,
+                    std::optional<Date> savedAt);
   void setSaveDialogActive(bool active) { isSaveDialogActive = active; }
 
   // --- The file (document_session.cpp)
@@ -128,6 +142,7 @@ class DocumentSession {
   /// Writes the head of a branch as the document, and the branch as the current one, or neither.
   void writeSwitched(const FilePath& url, const OpenedDocument& next, const DocumentHistoryMetadata& before,
                      const std::string& branchID);
+  void setBasis(Drawing drawing);
   /// Moves what was written into its place, and records it as written by this session.
   void putInPlace(DocumentSave& save);
 
@@ -138,6 +153,9 @@ class DocumentSession {
   std::optional<DocumentOnDisk> onDisk_;
   FilePath documentsFolder_;
   std::vector<UnrecordedMerge> unrecordedMerges_;
+  Drawing basis_;
+  std::uint64_t basisNumber_ = 0;
+  std::function<void(const DocumentSave&)> aboutToSave_;
 };
 
 }  // namespace ostrelon

@@ -179,6 +179,38 @@ class DiskFileLock final : public FileLock {
   OpenFile file_;  // closing it releases the lock
 };
 
+class GrowingDiskFile final : public GrowingFile {
+ public:
+  GrowingDiskFile(const FileSystemCalls& calls, FilePath path, int file)
+      : calls_(calls), path_(std::move(path)), file_(file) {}
+
+  void append(std::string_view bytes) override {
+    std::size_t written = 0;
+    while (written < bytes.size()) {
+      const ssize_t count = calls_.write(file_.get(), bytes.data() + written, bytes.size() - written);
+      if (count < 0 && errno == EINTR) continue;
+      if (count < 0) {
+        const int error = errno;
+        // A part of a record would hide those behind it.
+        if (written > 0 && ::ftruncate(file_.get(), size_) == 0) ::lseek(file_.get(), size_, SEEK_SET);
+        throw systemError(error, FileAttempt::writing, path_);
+      }
+      written += static_cast<std::size_t>(count);
+    }
+    size_ += static_cast<off_t>(written);
+  }
+
+  void sync() override {
+    if (calls_.fsync(file_.get()) != 0) throw systemError(errno, FileAttempt::writing, path_);
+  }
+
+ private:
+  FileSystemCalls calls_;
+  FilePath path_;
+  OpenFile file_;
+  off_t size_ = 0;
+};
+
 }  // namespace
 
 FileSystemCalls FileSystemCalls::ofTheSystem() {
@@ -312,14 +344,18 @@ std::vector<std::string> DiskFileSystem::list(const FilePath& folder) {
   return names;
 }
 
-void DiskFileSystem::createFolders(const FilePath& folder) {
+void DiskFileSystem::createFolders(const FilePath& folder) { createFolders(folder, 0777); }
+
+void DiskFileSystem::createPrivateFolder(const FilePath& folder) { createFolders(folder, 0700); }
+
+void DiskFileSystem::createFolders(const FilePath& folder, mode_t mode) {
   std::vector<FilePath> missing;
   for (FilePath above = standardizedPath(folder); above.has_relative_path() && !exists(above);
        above = above.parent_path()) {
     missing.push_back(above);
   }
   for (auto path = missing.rbegin(); path != missing.rend(); ++path) {
-    if (calls_.mkdir(path->c_str(), 0777) != 0) {
+    if (calls_.mkdir(path->c_str(), mode) != 0) {
       if (errno != EEXIST) throw systemError(errno, FileAttempt::makingFolder, folder);
       continue;  // another copy of the program was faster
     }
@@ -350,6 +386,26 @@ std::unique_ptr<FileLock> DiskFileSystem::lock(const FilePath& folder) {
     std::this_thread::sleep_for(kLockPause);
   }
   return held;
+}
+
+std::unique_ptr<GrowingFile> DiskFileSystem::createGrowingFile(const FilePath& path) {
+  const int file = calls_.open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
+  if (file < 0) throw systemError(errno, FileAttempt::writing, path);
+  return std::make_unique<GrowingDiskFile>(calls_, path, file);
+}
+
+void DiskFileSystem::syncFolder(const FilePath& folder) {
+  const int error = makeNamesLast(calls_, folder);
+  if (error != 0) throw systemError(error, FileAttempt::writing, folder);
+}
+
+std::unique_ptr<FileLock> DiskFileSystem::tryLockFile(const FilePath& path) {
+  const int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+  if (file < 0) throw systemError(errno, FileAttempt::writing, path);
+  auto held = std::make_unique<DiskFileLock>(file);
+  if (::flock(file, LOCK_EX | LOCK_NB) == 0) return held;
+  // A file system that knows no locks takes nobody for alive: better offered twice than never.
+  return errno == EWOULDBLOCK ? nullptr : std::move(held);
 }
 
 }  // namespace ostrelon

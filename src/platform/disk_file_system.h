@@ -43,8 +43,14 @@ class DiskFileSystem final : public FileSystem {
   void copyFile(const FilePath& from, const FilePath& to) override;
   void removeFile(const FilePath& path) override;
   std::unique_ptr<FileLock> lock(const FilePath& folder) override;
+  void createPrivateFolder(const FilePath& folder) override;
+  std::unique_ptr<GrowingFile> createGrowingFile(const FilePath& path) override;
+  void syncFolder(const FilePath& folder) override;
+  std::unique_ptr<FileLock> tryLockFile(const FilePath& path) override;
 
  private:
+  void createFolders(const FilePath& folder, mode_t mode);
+
   FileSystemCalls calls_;
 };
 

@@ -4,6 +4,14 @@ namespace ostrelon {
 
 std::unique_ptr<FileLock> FileSystem::lock(const FilePath&) { return std::make_unique<FileLock>(); }
 
+std::unique_ptr<GrowingFile> FileSystem::createGrowingFile(const FilePath& path) {
+  throw FileError("Could not write " + quotedName(path) + ": no file can grow here.");
+}
+
+void FileSystem::syncFolder(const FilePath&) {}
+
+std::unique_ptr<FileLock> FileSystem::tryLockFile(const FilePath&) { return std::make_unique<FileLock>(); }
+
 FilePath standardizedPath(const FilePath& path) {
   std::error_code ignored;
   FilePath absolute = path.is_absolute() ? path : std::filesystem::absolute(path, ignored);

@@ -69,6 +69,22 @@ class FileLock {
   virtual ~FileLock() = default;
 };
 
+/// A file of the user alone that grows piece by piece. What was appended outlives the program at once, and
+/// the machine once it has been synced.
+class GrowingFile {
+ public:
+  GrowingFile() = default;
+  GrowingFile(const GrowingFile&) = delete;
+  GrowingFile& operator=(const GrowingFile&) = delete;
+  virtual ~GrowingFile() = default;
+
+  /// Appends by one write. Throws `FileError` where not all of it could be written; the file ends then as
+  /// it did before, where the system allows that.
+  virtual void append(std::string_view bytes) = 0;
+  /// Makes what was appended last. Waits for the disk; any thread may call it.
+  virtual void sync() = 0;
+};
+
 /// Holds no state, so that a thread of its own may read or prepare a file.
 class FileSystem {
  public:
@@ -104,6 +120,15 @@ class FileSystem {
   /// Waits a short while for the lock of a folder, and goes on without it when it does not come: the
   /// lock orders the writes of two copies and is never a reason to lose one.
   virtual std::unique_ptr<FileLock> lock(const FilePath& folder);
+
+  /// Makes the folder and those above it, closed to other users where it is new.
+  virtual void createPrivateFolder(const FilePath& folder) { createFolders(folder); }
+  /// Makes a file of mode 0600 where none may be yet.
+  virtual std::unique_ptr<GrowingFile> createGrowingFile(const FilePath& path);
+  /// Brings the names in a folder to the disk. Any thread may call it.
+  virtual void syncFolder(const FilePath& folder);
+  /// The lock of a file, which is made if it is not there. Null where another holder has it.
+  virtual std::unique_ptr<FileLock> tryLockFile(const FilePath& path);
 
   bool exists(const FilePath& path) { return info(path).has_value(); }
   /// Whether a new file cannot have this name. A link that leads nowhere takes it too.

@@ -30,7 +30,7 @@ FilePath documentsFolderIn(const std::string& text, const FilePath& home) {
 
 UserPaths userPathsBelow(const FilePath& home) {
   const FilePath root = standardizedPath(home);
-  return {root / "settings.json", root / "Documents", root / "tmp"};
+  return {root / "settings.json", root / "Documents", root / "tmp", root / "state"};
 }
 
 UserPaths userPaths(FileSystem& files, const Environment& environment) {
@@ -46,6 +46,8 @@ UserPaths userPaths(FileSystem& files, const Environment& environment) {
   }
   paths.documentsFolder = standardizedPath(documents.empty() ? home / "Documents" : documents);
   paths.temporaryFolder = standardizedPath(absoluteOr(environment("TMPDIR"), "/tmp"));
+  paths.stateFolder = standardizedPath(
+      absoluteOr(environment("XDG_STATE_HOME"), home / ".local" / "state") / "ostrelon");
   return paths;
 }
 

@@ -1,9 +1,12 @@
 #include "shell/sheets.h"
 
+#include <QHBoxLayout>
 #include <QPainter>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <algorithm>
 
+#include "platform/dialogs.h"
 #include "platform/user_error.h"
 #include "shell/date_text.h"
 #include "shell/qt_text.h"
@@ -51,6 +54,46 @@ class CandidateBox final : public QWidget {
  private:
   Theme& theme_;
 };
+
+constexpr std::size_t kMostJournalRows = 4;
+constexpr const char* kDiscard = "Discard";
+
+QString journalText(const RecoverableJournal& offer) {
+  QString text =
+      offer.changes == 1 ? QStringLiteral("1 change") : QStringLiteral("%1 changes").arg(offer.changes);
+  if (offer.changedAt) text += QStringLiteral(", last ") + abbreviatedDateText(*offer.changedAt);
+  return offer.path ? text : text + QStringLiteral(", never saved");
+}
+
+void tellFailure(Application& application, const UserError& error) {
+  application.workspace().messages.showToast(error.what(), DocumentToastState::Style::error);
+}
+
+void recover(Application& application, const std::string& id) {
+  try {
+    application.recoverJournal(id);
+  } catch (const UserError& error) {
+    tellFailure(application, error);
+    return;
+  }
+  // What else there is would take the place of what has just come back.
+  application.keepJournalsForLater();
+  application.skipAutoSaveRecovery();
+}
+
+void askAndDiscard(Application& application, const RecoverableJournal& offer) {
+  const Alert alert{"Do you want to discard the unsaved changes of " + offer.documentName + "?",
+                    "They cannot be brought back.",
+                    {kDiscard, "Cancel"}};
+  application.host().dialogs.ask(alert, [&application, id = offer.id](const DialogAnswer& answer) {
+    if (answer != kDiscard) return;
+    try {
+      application.discardJournal(id);
+    } catch (const UserError& error) {
+      tellFailure(application, error);
+    }
+  });
+}
 
 }  // namespace
 
@@ -133,6 +176,59 @@ AutoSaveRecoverySheet::AutoSaveRecoverySheet(Application& application, Theme& th
   connect(restore, &QPushButton::clicked, this, [&application] { application.restoreAutoSaveFromOffer(); });
 }
 
+JournalRecoverySheet::JournalRecoverySheet(Application& application, Theme& theme, QWidget& window)
+    : DialogSheet(theme, window, kSheetWidth, kSheetPadding) {
+  setObjectName(QStringLiteral("journalRecovery"));
+  setAccessibleName(QStringLiteral("Recover unsaved changes?"));
+  addText(*this, theme, TextStyle::display, QStringLiteral("Recover unsaved changes?"));
+  content().addSpacing(8);
+  addText(
+      *this, theme, TextStyle::body,
+      QStringLiteral("Ostrelon ended before these changes were saved. Recovering leaves the files as they "
+                     "are until you save."));
+  const std::vector<RecoverableJournal>& offers = *application.journalOffers;
+  const auto addRowButton = [&](QHBoxLayout& row, const char* title, const QString& name, auto clicked) {
+    auto* button = new Button(theme, Button::Kind::outlined, QString::fromUtf8(title));
+    button->setObjectName(name);
+    row.addWidget(button);
+    addToTabOrder(button);
+    connect(button, &QPushButton::clicked, this, clicked);
+    return button;
+  };
+  for (std::size_t i = 0; i < std::min(offers.size(), kMostJournalRows); ++i) {
+    const RecoverableJournal offer = offers[i];
+    const QString name = QStringLiteral("journalRecovery.%1").arg(i + 1);
+    content().addSpacing(16);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(8);
+    auto* texts = new QVBoxLayout;
+    texts->setSpacing(0);
+    auto* title =
+        new TextLabel(theme, TextStyle::bodyStrong, TextLabel::Rank::primary, qtText(offer.documentName));
+    title->setObjectName(name + QStringLiteral(".name"));
+    title->setElision(Qt::ElideMiddle);
+    if (offer.path) title->setToolTip(qtText(offer.path->string()));
+    texts->addWidget(title);
+    texts->addWidget(new TextLabel(theme, TextStyle::small, TextLabel::Rank::primary, journalText(offer)));
+    row->addLayout(texts, 1);
+    addRowButton(*row, kDiscard, name + QStringLiteral(".discard"),
+                 [&application, offer] { askAndDiscard(application, offer); });
+    Button* first = addRowButton(*row, "Recover", name + QStringLiteral(".recover"),
+                                 [&application, id = offer.id] { recover(application, id); });
+    if (i == 0) setFirstFocus(first);
+    content().addLayout(row);
+  }
+  if (offers.size() > kMostJournalRows) {
+    content().addSpacing(16);
+    addText(*this, theme, TextStyle::small,
+            QStringLiteral("%1 more are offered by the next start.").arg(offers.size() - kMostJournalRows));
+  }
+  Button* later = addButton(QStringLiteral("Keep for Later"), Button::Kind::outlined,
+                            QStringLiteral("journalRecovery.later"));
+  setCancelButton(later);
+  connect(later, &QPushButton::clicked, this, [&application] { application.keepJournalsForLater(); });
+}
+
 SheetPresenter::SheetPresenter(Application& application, Theme& theme, QWidget& window)
     : QObject(&window), application_(application), theme_(theme), window_(window) {
   subscription_ =
@@ -142,7 +238,8 @@ SheetPresenter::SheetPresenter(Application& application, Theme& theme, QWidget& 
 
 void SheetPresenter::refresh() {
   const bool setupIsDue = *application_.showProjectsFolderSetup;
-  const bool recoveryIsDue = *application_.showAutoSaveRecoveryOffer && !setupIsDue;
+  const bool journalsAreDue = !application_.journalOffers->empty() && !setupIsDue;
+  const bool recoveryIsDue = *application_.showAutoSaveRecoveryOffer && !setupIsDue && !journalsAreDue;
   const auto follow = [](QPointer<DialogSheet>& sheet, bool isDue, auto make) {
     if (isDue && sheet == nullptr) {
       sheet = make();
@@ -154,6 +251,11 @@ void SheetPresenter::refresh() {
     }
   };
   follow(setup_, setupIsDue, [this] { return new ProjectsFolderSetupView(application_, theme_, window_); });
+  // One that was discarded goes from the sheet.
+  if (application_.journalOffers.get() != shownJournals_) follow(journals_, false, [] { return nullptr; });
+  shownJournals_ = application_.journalOffers;
+  follow(journals_, journalsAreDue,
+         [this] { return new JournalRecoverySheet(application_, theme_, window_); });
   follow(recovery_, recoveryIsDue,
          [this] { return new AutoSaveRecoverySheet(application_, theme_, window_); });
 }

@@ -1,4 +1,5 @@
-// The sheets of the start: where projects are kept, and the offer to restore the last auto-save.
+// The sheets of the start: where projects are kept, and the offers to bring back what a crash has left: the
+// journals of unsaved changes, and the last auto-save.
 #pragma once
 
 #include <QPointer>
@@ -24,7 +25,13 @@ class AutoSaveRecoverySheet final : public DialogSheet {
   AutoSaveRecoverySheet(Application& application, Theme& theme, QWidget& window);
 };
 
-/// Shows the sheets that the application asks for, the first-run sheet first.
+/// Offers the unsaved changes of programs that have died, each to recover or to discard.
+class JournalRecoverySheet final : public DialogSheet {
+ public:
+  JournalRecoverySheet(Application& application, Theme& theme, QWidget& window);
+};
+
+/// Shows the sheets that the application asks for, the first-run sheet first, the last auto-save last.
 class SheetPresenter final : public QObject {
  public:
   SheetPresenter(Application& application, Theme& theme, QWidget& window);
@@ -36,6 +43,8 @@ class SheetPresenter final : public QObject {
   Theme& theme_;
   QWidget& window_;
   QPointer<DialogSheet> setup_;
+  QPointer<DialogSheet> journals_;
+  std::vector<RecoverableJournal> shownJournals_;
   QPointer<DialogSheet> recovery_;
   Subscription subscription_;
 };

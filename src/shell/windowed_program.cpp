@@ -1,7 +1,14 @@
 #include "shell/windowed_program.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <QApplication>
+#include <QSocketNotifier>
 #include <QTimer>
+#include <array>
+#include <cerrno>
+#include <csignal>
 
 #include "app/settings_notes.h"
 #include "app/shortcut_page.h"
@@ -19,6 +26,43 @@
 #include "shell/qt_text.h"
 
 namespace ostrelon {
+
+namespace {
+
+// The system asks the program to end: by a signal that says so, or because its terminal is gone. The handler
+// may do no more than write; what is to be done follows on the main thread.
+class EndSignals {
+ public:
+  explicit EndSignals(std::function<void()> asked) {
+    if (::pipe2(pipe().data(), O_CLOEXEC | O_NONBLOCK) != 0) return;
+    notifier_ = std::make_unique<QSocketNotifier>(pipe()[0], QSocketNotifier::Read);
+    QObject::connect(notifier_.get(), &QSocketNotifier::activated, [asked = std::move(asked)] {
+      char byte = 0;
+      while (::read(pipe()[0], &byte, 1) > 0) {
+      }
+      asked();
+    });
+    struct sigaction action {};
+    action.sa_handler = [](int) {
+      const int error = errno;
+      [[maybe_unused]] const auto written = ::write(pipe()[1], "", 1);
+      errno = error;
+    };
+    action.sa_flags = SA_RESTART;
+    ::sigaction(SIGTERM, &action, nullptr);
+    ::sigaction(SIGHUP, &action, nullptr);
+  }
+
+ private:
+  // A handler reaches what is static alone.
+  static std::array<int, 2>& pipe() {
+    static std::array<int, 2> ends{-1, -1};
+    return ends;
+  }
+  std::unique_ptr<QSocketNotifier> notifier_;
+};
+
+}  // namespace
 
 WindowedProgram::WindowedProgram(Application& application, Theme& theme, QtDialogs& dialogs)
     : application_(application), theme_(theme) {
@@ -95,7 +139,8 @@ int runWithWindows(int& argc, char** argv, const WindowStart& start) {
                            .updates = updateConfiguration(kBuildVersion, kBuildNumber, kOstrelonUpdateFeedURL,
                                                           kOstrelonUpdateSigningPublicKey),
                            .isUITesting = start.isUITesting,
-                           .opensInBackground = true});
+                           .opensInBackground = true,
+                           .stateFolder = paths.stateFolder});
   // The desktop's scheme is read before the program sets its own colours.
   const ColorSchemeWatcher colorScheme(
       [&application](ColorScheme scheme) { application.settings().updateColorScheme(scheme); });
@@ -107,8 +152,18 @@ int runWithWindows(int& argc, char** argv, const WindowStart& start) {
     QTimer::singleShot(0, &theme,
                        [&application, document = *start.document] { application.openDocumentAt(document); });
   }
+  bool endsBySystem = false;
+  const EndSignals endSignals([&] {
+    // What cannot be kept is asked about, as a close does.
+    endsBySystem = application.endBySystem();
+    if (endsBySystem) {
+      QApplication::exit(0);
+    } else {
+      program.mainWindow().close();
+    }
+  });
   const int status = QApplication::exec();
-  application.willTerminate();
+  if (!endsBySystem) application.willTerminate();
   return status;
 }
 

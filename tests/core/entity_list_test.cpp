@@ -93,6 +93,11 @@ TEST(EntityList, HoldsWhatAVectorHoldsThroughRandomEdits) {
       EXPECT_EQ(list.commonStart(other), start.first - expected.begin());
       const auto end = std::mismatch(expected.rbegin(), expected.rend(), values.rbegin(), values.rend());
       EXPECT_EQ(list.commonEnd(other), end.first - expected.rbegin());
+      EntityList made = other;
+      EXPECT_TRUE(made.apply(EntityList::splices(other, list)));
+      EXPECT_EQ(made, list);
+      EXPECT_TRUE(made.apply(EntityList::splices(list, other)));
+      EXPECT_EQ(made, other);
     }
     ASSERT_EQ(list.size(), expected.size());
   }
@@ -130,6 +135,13 @@ TEST(EntityList, DifferenceTellsWhatWasAddedRemovedAndChanged) {
   EXPECT_THAT(difference.added, ::testing::ElementsAre(added));
   EXPECT_THAT(difference.changed, ::testing::ElementsAre(::testing::Pair(old, changed)));
   EXPECT_TRUE(EntityList::difference(after, after).empty());
+  std::size_t told = 0;
+  for (const EntitySplice& splice : EntityList::splices(before, after)) {
+    told += splice.removed + splice.added.size();
+  }
+  EXPECT_EQ(told, 4u) << "one out, one in, one of another value";
+  EXPECT_FALSE(after.apply({{20'001, 0, {}}})) << "beyond the end";
+  EXPECT_FALSE(after.apply({{3, 2, {}}, {4, 0, {}}})) << "one over the other";
   EXPECT_EQ(EntityList::difference(EntityList(), before).added.size(), before.size());
   EXPECT_EQ(EntityList::difference(before, EntityList()).removed.size(), before.size());
 }

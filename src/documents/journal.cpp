@@ -1,0 +1,560 @@
+#include "documents/journal.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <utility>
+
+#include "documents/content_hash.h"
+
+namespace ostrelon {
+namespace {
+
+static_assert(std::endian::native == std::endian::little, "numbers are written as they lie in memory");
+
+constexpr std::string_view kAnyFirstLine = "OSTRELON JOURNAL ";
+constexpr std::string_view kFirstLine = "OSTRELON JOURNAL 1\n";
+constexpr std::size_t kFrameHead = 16;
+constexpr std::uint64_t kMostPlaceholders = 100'000'000;
+
+enum class Kind : std::uint8_t { base = 1, record = 2, mark = 3 };
+
+// What a record holds, as bits.
+enum Part : std::uint8_t {
+  kName = 1,
+  kGrid = 2,
+  kWallSystems = 4,
+  kActiveSystem = 8,
+  kFile = 16,
+  kSnapshot = 32,
+  kDate = 64,
+};
+
+// --- Values to bytes
+
+class Output {
+ public:
+  template <class T>
+  void number(T value) {
+    static_assert(std::is_arithmetic_v<T>);
+    char raw[sizeof(T)];
+    std::memcpy(raw, &value, sizeof(T));
+    bytes_.append(raw, sizeof(T));
+  }
+  void count(std::size_t value) { number(static_cast<std::uint32_t>(value)); }
+  void text(std::string_view value) {
+    count(value.size());
+    bytes_ += value;
+  }
+  void date(Date value) { number(static_cast<std::int64_t>(value.time_since_epoch().count())); }
+  void id(const UUID& value) {
+    number(value.high);
+    number(value.low);
+  }
+  void point(SketchPoint value) {
+    number(value.x);
+    number(value.y);
+  }
+  void entity(const SketchEntity& entity) {
+    number(static_cast<std::uint8_t>(entity.index()));
+    id(entityID(entity));
+    std::visit(Overloaded{[&](const LineEntity& line) {
+                            point(line.from);
+                            point(line.to);
+                          },
+                          [&](const WallEntity& wall) {
+                            point(wall.from);
+                            point(wall.to);
+                            id(wall.systemSpecID);
+                          },
+                          [&](const CircleEntity& circle) {
+                            point(circle.center);
+                            number(circle.radius);
+                          },
+                          [&](const ArcEntity& arc) {
+                            point(arc.center);
+                            number(arc.radius);
+                            number(arc.startAngle);
+                            number(arc.endAngle);
+                          },
+                          [&](const RectangleEntity& rectangle) {
+                            point(rectangle.origin);
+                            number(rectangle.size.width);
+                            number(rectangle.size.height);
+                          },
+                          [&](const PolygonEntity& polygon) {
+                            count(polygon.vertices.size());
+                            for (const SketchPoint& vertex : polygon.vertices) point(vertex);
+                          }},
+               entity);
+  }
+  template <class Entities>
+  void entities(const Entities& all) {
+    count(all.size());
+    for (const SketchEntity& one : all) entity(one);
+  }
+  void splices(const std::vector<EntitySplice>& all) {
+    count(all.size());
+    for (const EntitySplice& splice : all) {
+      number(static_cast<std::uint64_t>(splice.at));
+      number(static_cast<std::uint64_t>(splice.removed));
+      entities(splice.added);
+    }
+  }
+  void wallSystems(const std::vector<WallSystemSpec>& systems) {
+    count(systems.size());
+    for (const WallSystemSpec& system : systems) {
+      id(system.id);
+      text(system.name);
+      number(system.thickness);
+      number(system.height);
+      text(system.assemblyNotes);
+    }
+  }
+  std::string take() { return std::move(bytes_); }
+
+ private:
+  std::string bytes_;
+};
+
+// --- Bytes to values. Once something does not fit, everything is empty and `isGood` false.
+
+class Input {
+ public:
+  explicit Input(std::string_view bytes) : bytes_(bytes) {}
+
+  bool isGood() const { return isGood_; }
+  bool isAtEnd() const { return isGood_ && bytes_.empty(); }
+  void fail() {
+    isGood_ = false;
+    bytes_ = {};
+  }
+
+  template <class T>
+  T number() {
+    T value{};
+    if (bytes_.size() < sizeof(T)) {
+      fail();
+      return value;
+    }
+    std::memcpy(&value, bytes_.data(), sizeof(T));
+    bytes_.remove_prefix(sizeof(T));
+    return value;
+  }
+  // How many follow, each of at least so many bytes.
+  std::size_t count(std::size_t leastBytes) {
+    const auto value = number<std::uint32_t>();
+    if (value > bytes_.size() / leastBytes) fail();
+    return isGood_ ? value : 0;
+  }
+  std::string text() {
+    const std::size_t size = count(1);
+    std::string value(bytes_.substr(0, size));
+    bytes_.remove_prefix(size);
+    return value;
+  }
+  Date date() { return Date(std::chrono::microseconds(number<std::int64_t>())); }
+  UUID id() {
+    const auto high = number<std::uint64_t>();
+    return {high, number<std::uint64_t>()};
+  }
+  SketchPoint point() {
+    const auto x = number<double>();
+    return {x, number<double>()};
+  }
+  SketchEntity entity() {
+    const auto kind = number<std::uint8_t>();
+    const UUID own = id();
+    const SketchPoint first = kind == 5 ? SketchPoint() : point();
+    switch (kind) {
+      case 0:
+        return LineEntity{own, first, point()};
+      case 1: {
+        const SketchPoint to = point();
+        return WallEntity{own, first, to, id()};
+      }
+      case 2:
+        return CircleEntity{own, first, number<double>()};
+      case 3: {
+        const auto radius = number<double>();
+        const auto start = number<double>();
+        return ArcEntity{own, first, radius, start, number<double>()};
+      }
+      case 4: {
+        const auto width = number<double>();
+        return RectangleEntity{own, first, {width, number<double>()}};
+      }
+      case 5: {
+        std::vector<SketchPoint> vertices(count(sizeof(SketchPoint)));
+        for (SketchPoint& vertex : vertices) vertex = point();
+        return PolygonEntity{own, std::move(vertices)};
+      }
+      default:
+        fail();
+        return {};
+    }
+  }
+  std::vector<SketchEntity> entities() {
+    constexpr std::size_t kLeastBytes = 21;
+    std::vector<SketchEntity> all(count(kLeastBytes));
+    for (SketchEntity& one : all) one = entity();
+    return all;
+  }
+  std::vector<EntitySplice> splices() {
+    constexpr std::size_t kLeastBytes = 20;
+    std::vector<EntitySplice> all(count(kLeastBytes));
+    for (EntitySplice& splice : all) {
+      splice.at = number<std::uint64_t>();
+      splice.removed = number<std::uint64_t>();
+      splice.added = entities();
+    }
+    return all;
+  }
+  std::vector<WallSystemSpec> wallSystems() {
+    constexpr std::size_t kLeastBytes = 40;
+    std::vector<WallSystemSpec> all(count(kLeastBytes));
+    for (WallSystemSpec& system : all) {
+      system.id = id();
+      system.name = text();
+      system.thickness = number<double>();
+      system.height = number<double>();
+      system.assemblyNotes = text();
+    }
+    return all;
+  }
+
+ private:
+  std::string_view bytes_;
+  bool isGood_ = true;
+};
+
+// --- Frames
+
+std::uint32_t lengthCheck(std::uint32_t length, std::uint32_t number) {
+  Output output;
+  output.number(length);
+  output.number(number);
+  return static_cast<std::uint32_t>(contentHash(output.take()));
+}
+
+std::string framed(const std::string& content, std::uint32_t number) {
+  const auto length = static_cast<std::uint32_t>(content.size());
+  Output head;
+  head.number(length);
+  head.number(lengthCheck(length, number));
+  head.number(contentHash(content));
+  return head.take() + content;
+}
+
+struct Frame {
+  std::string_view content;
+  JournalContent::End end = JournalContent::End::whole;  // another one: there is no content
+};
+
+// Takes the frame of this number off the front of the bytes.
+Frame takeFrame(std::string_view& bytes, std::uint32_t number) {
+  using End = JournalContent::End;
+  // A machine that loses its power may leave a file longer than what of it has reached the disk.
+  if (bytes.find_first_not_of('\0') == std::string_view::npos) return {{}, End::torn};
+  if (bytes.size() < kFrameHead) return {{}, End::torn};
+  Input head(bytes.substr(0, kFrameHead));
+  const auto length = head.number<std::uint32_t>();
+  const auto check = head.number<std::uint32_t>();
+  const auto hash = head.number<std::uint64_t>();
+  if (check != lengthCheck(length, number)) return {{}, End::damaged};
+  if (length > bytes.size() - kFrameHead) return {{}, End::torn};
+  const std::string_view content = bytes.substr(kFrameHead, length);
+  bytes.remove_prefix(kFrameHead + length);
+  if (contentHash(content) != hash) return {{}, bytes.empty() ? End::torn : End::damaged};
+  return {content};
+}
+
+void putBase(Output& output, const JournalBase& base) {
+  output.number(static_cast<std::uint8_t>(Kind::base));
+  output.number(static_cast<std::uint8_t>((base.file ? kFile : 0) | (base.snapshot ? kSnapshot : 0) |
+                                          (base.file && base.file->savedAt ? kDate : 0) |
+                                          (base.changedAt ? kName : 0)));
+  if (base.file) {
+    output.text(base.file->path.string());
+    output.number(base.file->contentHash);
+    if (base.file->savedAt) output.date(*base.file->savedAt);
+  }
+  output.text(base.name);
+  output.number(base.entityCount);
+  output.wallSystems(base.wallSystemSpecs);
+  output.id(base.activeWallSystemSpecID);
+  output.number(static_cast<std::uint8_t>(base.showGrid));
+  output.number(base.changes);
+  if (base.changedAt) output.date(*base.changedAt);
+  if (!base.snapshot) return;
+  output.entities(base.snapshot->entities);
+  // Each step by what makes it of the one behind it.
+  output.count(base.snapshot->undo.size());
+  const EntityList* behind = &base.snapshot->entities;
+  for (auto step = base.snapshot->undo.rbegin(); step != base.snapshot->undo.rend(); ++step) {
+    output.splices(EntityList::splices(*behind, *step));
+    behind = &*step;
+  }
+}
+
+std::optional<JournalBase> baseOf(std::string_view content) {
+  Input input(content);
+  if (input.number<std::uint8_t>() != static_cast<std::uint8_t>(Kind::base)) return std::nullopt;
+  const auto parts = input.number<std::uint8_t>();
+  JournalBase base;
+  if ((parts & kFile) != 0) {
+    base.file.emplace();
+    base.file->path = input.text();
+    base.file->contentHash = input.number<std::uint64_t>();
+    if ((parts & kDate) != 0) base.file->savedAt = input.date();
+  }
+  base.name = input.text();
+  base.entityCount = input.number<std::uint64_t>();
+  base.wallSystemSpecs = input.wallSystems();
+  base.activeWallSystemSpecID = input.id();
+  base.showGrid = input.number<std::uint8_t>() != 0;
+  base.changes = input.number<std::uint64_t>();
+  if ((parts & kName) != 0) base.changedAt = input.date();
+  if ((parts & kSnapshot) != 0) {
+    base.snapshot.emplace();
+    base.snapshot->entities = EntityList(input.entities());
+    EntityList behind = base.snapshot->entities;
+    for (std::size_t steps = input.count(4); steps > 0; --steps) {
+      if (!behind.apply(input.splices())) return std::nullopt;
+      base.snapshot->undo.insert(base.snapshot->undo.begin(), behind);
+    }
+  }
+  if (!input.isAtEnd()) return std::nullopt;
+  return base;
+}
+
+void putRecord(Output& output, const JournalRecord& record) {
+  output.number(static_cast<std::uint8_t>(Kind::record));
+  output.number(static_cast<std::uint8_t>((record.name ? kName : 0) | (record.showGrid ? kGrid : 0) |
+                                          (record.wallSystemSpecs ? kWallSystems : 0) |
+                                          (record.activeWallSystemSpecID ? kActiveSystem : 0)));
+  output.date(record.at);
+  output.number(static_cast<std::uint8_t>(record.step));
+  output.splices(record.entities);
+  output.count(record.steps.size());
+  for (const auto& step : record.steps) output.splices(step);
+  if (record.name) output.text(*record.name);
+  if (record.showGrid) output.number(static_cast<std::uint8_t>(*record.showGrid));
+  if (record.wallSystemSpecs) output.wallSystems(*record.wallSystemSpecs);
+  if (record.activeWallSystemSpecID) output.id(*record.activeWallSystemSpecID);
+}
+
+std::optional<JournalEntry> entryOf(std::string_view content) {
+  Input input(content);
+  const auto kind = input.number<std::uint8_t>();
+  if (kind == static_cast<std::uint8_t>(Kind::mark)) {
+    JournalSaveMark mark{input.text()};
+    mark.contentHash = input.number<std::uint64_t>();
+    return input.isAtEnd() ? std::optional<JournalEntry>(mark) : std::nullopt;
+  }
+  if (kind != static_cast<std::uint8_t>(Kind::record)) return std::nullopt;
+  const auto parts = input.number<std::uint8_t>();
+  JournalRecord record;
+  record.at = input.date();
+  const auto step = input.number<std::uint8_t>();
+  if (step > static_cast<std::uint8_t>(JournalStep::redo)) return std::nullopt;
+  record.step = static_cast<JournalStep>(step);
+  record.entities = input.splices();
+  record.steps.resize(input.count(4));
+  for (auto& taken : record.steps) taken = input.splices();
+  if ((parts & kName) != 0) record.name = input.text();
+  if ((parts & kGrid) != 0) record.showGrid = input.number<std::uint8_t>() != 0;
+  if ((parts & kWallSystems) != 0) record.wallSystemSpecs = input.wallSystems();
+  if ((parts & kActiveSystem) != 0) record.activeWallSystemSpecID = input.id();
+  if (!input.isAtEnd()) return std::nullopt;
+  return record;
+}
+
+// False where the record does not fit the state, which is then as it was.
+bool replay(const JournalRecord& record, JournalState& state) {
+  const EntityList before = state.drawing.entities;
+  std::vector<SketchUndoSnapshot> steps;
+  for (const auto& splices : record.steps) {
+    SketchUndoSnapshot step{before};
+    if (!step.entities.apply(splices)) return false;
+    steps.push_back(std::move(step));
+  }
+  if (!state.drawing.entities.apply(record.entities)) return false;
+  switch (record.step) {
+    case JournalStep::none:
+      break;
+    case JournalStep::edit:
+      for (SketchUndoSnapshot& step : steps) state.undo.pushUndoSnapshot(std::move(step));
+      break;
+    case JournalStep::undo:
+      // The base may have held fewer steps than the session: the drawing comes from the record itself.
+      state.undo.popUndoSnapshot();
+      state.undo.pushRedoSnapshot({before});
+      break;
+    case JournalStep::redo:
+      state.undo.popRedoSnapshot();
+      state.undo.appendUndoSnapshot({before});
+      break;
+  }
+  if (record.name) state.name = *record.name;
+  if (record.showGrid) state.drawing.showGrid = *record.showGrid;
+  if (record.wallSystemSpecs) state.drawing.wallSystemSpecs = *record.wallSystemSpecs;
+  if (record.activeWallSystemSpecID) state.drawing.activeWallSystemSpecID = *record.activeWallSystemSpecID;
+  return true;
+}
+
+bool isPlaceholder(const SketchEntity& entity) { return entityID(entity) == UUID(); }
+
+}  // namespace
+
+bool JournalRecord::empty() const { return !isChange() && !activeWallSystemSpecID; }
+
+bool JournalRecord::isChange() const {
+  return !entities.empty() || step != JournalStep::none || name || showGrid || wallSystemSpecs;
+}
+
+// --- Writing
+
+std::string journalStart(const JournalBase& base) {
+  Output output;
+  putBase(output, base);
+  return std::string(kFirstLine) + framed(output.take(), 0);
+}
+
+std::string journalFrame(const JournalEntry& entry, std::uint32_t number) {
+  Output output;
+  std::visit(Overloaded{[&](const JournalRecord& record) { putRecord(output, record); },
+                        [&](const JournalSaveMark& mark) {
+                          output.number(static_cast<std::uint8_t>(Kind::mark));
+                          output.text(mark.path.string());
+                          output.number(mark.contentHash);
+                        }},
+             entry);
+  return framed(output.take(), number);
+}
+
+JournalBase journalSnapshot(const JournalState& state, const JournalBase& before) {
+  JournalBase base = before;
+  base.name = state.name;
+  base.entityCount = state.drawing.entities.size();
+  base.wallSystemSpecs = state.drawing.wallSystemSpecs;
+  base.activeWallSystemSpecID = state.drawing.activeWallSystemSpecID;
+  base.showGrid = state.drawing.showGrid;
+  base.snapshot.emplace();
+  base.snapshot->entities = state.drawing.entities;
+  const auto& steps = state.undo.undoSnapshots();
+  for (std::size_t i = steps.size() - std::min(steps.size(), kStoredUndoSnapshots); i < steps.size(); ++i) {
+    base.snapshot->undo.push_back(steps[i].entities);
+  }
+  return base;
+}
+
+// --- Reading
+
+std::uint64_t JournalContent::changes() const {
+  return base.changes + static_cast<std::uint64_t>(
+                            std::count_if(entries.begin(), entries.end(), [](const JournalEntry& entry) {
+                              const auto* record = std::get_if<JournalRecord>(&entry);
+                              return record != nullptr && record->isChange();
+                            }));
+}
+
+std::optional<Date> JournalContent::changedAt() const {
+  for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
+    const auto* record = std::get_if<JournalRecord>(&*entry);
+    if (record != nullptr && record->isChange()) return record->at;
+  }
+  return base.changedAt;
+}
+
+std::optional<JournalContent> readJournal(std::string_view bytes) {
+  if (!bytes.starts_with(kFirstLine)) return std::nullopt;
+  bytes.remove_prefix(kFirstLine.size());
+  std::uint32_t number = 0;
+  const Frame first = takeFrame(bytes, number);
+  if (first.end != JournalContent::End::whole) return std::nullopt;
+  auto base = baseOf(first.content);
+  if (!base) return std::nullopt;
+  JournalContent journal{std::move(*base), {}, JournalContent::End::whole};
+  while (!bytes.empty()) {
+    const Frame frame = takeFrame(bytes, ++number);
+    journal.end = frame.end;
+    if (frame.end != JournalContent::End::whole) break;
+    auto entry = entryOf(frame.content);
+    if (!entry) {
+      journal.end = JournalContent::End::damaged;
+      break;
+    }
+    journal.entries.push_back(std::move(*entry));
+  }
+  return journal;
+}
+
+bool isJournalOfAnotherVersion(std::string_view bytes) {
+  return bytes.starts_with(kAnyFirstLine) && bytes.size() >= kFirstLine.size() &&
+         !bytes.starts_with(kFirstLine);
+}
+
+bool settleOnFile(JournalContent& journal, const HashOfFile& hashOfFile) {
+  JournalBase& base = journal.base;
+  for (std::size_t i = journal.entries.size(); i > 0; --i) {
+    const auto* mark = std::get_if<JournalSaveMark>(&journal.entries[i - 1]);
+    if (mark == nullptr || hashOfFile(mark->path) != mark->contentHash) continue;
+    base.file = JournalBase::File{mark->path, mark->contentHash, std::nullopt};
+    base.snapshot.reset();
+    base.changes = 0;
+    base.changedAt.reset();
+    journal.entries.erase(journal.entries.begin(), journal.entries.begin() + static_cast<std::ptrdiff_t>(i));
+    return true;
+  }
+  return base.file && hashOfFile(base.file->path) == base.file->contentHash;
+}
+
+// --- Replaying
+
+std::optional<JournalState> snapshotState(const JournalBase& base) {
+  if (!base.snapshot) return std::nullopt;
+  JournalState state;
+  state.name = base.name;
+  state.drawing = {base.snapshot->entities, base.wallSystemSpecs, base.activeWallSystemSpecID, base.showGrid};
+  for (const EntityList& step : base.snapshot->undo) state.undo.appendUndoSnapshot({step});
+  return state;
+}
+
+JournalState placeholderState(const JournalBase& base) {
+  constexpr std::size_t kInChunk = 64;
+  const auto count = static_cast<std::size_t>(std::min(base.entityCount, kMostPlaceholders));
+  // One chunk stands for all: placeholders take no room of their own.
+  const auto full = std::make_shared<const EntityList::Chunk>(kInChunk, LineEntity());
+  std::vector<std::shared_ptr<const EntityList::Chunk>> chunks(count / kInChunk, full);
+  chunks.push_back(std::make_shared<const EntityList::Chunk>(count % kInChunk, LineEntity()));
+  JournalState state;
+  state.name = base.name;
+  state.drawing = {EntityList::fromChunks(std::move(chunks)), base.wallSystemSpecs,
+                   base.activeWallSystemSpecID, base.showGrid};
+  return state;
+}
+
+void dropPlaceholders(JournalState& state) {
+  std::vector<SketchEntity> own;
+  for (const SketchEntity& entity : state.drawing.entities) {
+    if (!isPlaceholder(entity)) own.push_back(entity);
+  }
+  state.drawing.entities = EntityList(std::move(own));
+  state.undo.clear();
+}
+
+JournalReplay replayJournal(const std::vector<JournalEntry>& entries, JournalState base) {
+  JournalReplay result{std::move(base)};
+  for (const JournalEntry& entry : entries) {
+    const auto* record = std::get_if<JournalRecord>(&entry);
+    if (record == nullptr) continue;
+    if (!replay(*record, result.state)) {
+      result.isComplete = false;
+      break;
+    }
+  }
+  return result;
+}
+
+}  // namespace ostrelon
