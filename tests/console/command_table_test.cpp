@@ -24,7 +24,7 @@ TEST(CommandTable, EachWordIsOneCommandsAndIsTellableByHelpOrMore) {
         << command.example;
   }
   EXPECT_EQ(words - 1, commandWords().size()) << "\"poly\" alone is a word and its own alias";
-  EXPECT_EQ(t.reply("MORE").substr(0, 4), "more");
+  EXPECT_NE(t.reply("MORE").find("\nmore "), std::string::npos);
   EXPECT_TRUE(t.lines().back().isSystem);
   EXPECT_EQ(helpText().find("\nmore"), std::string::npos);
 }
