@@ -61,8 +61,8 @@ constexpr const char* kDiscard = "Discard";
 QString journalText(const RecoverableJournal& offer) {
   QString text =
       offer.changes == 1 ? QStringLiteral("1 change") : QStringLiteral("%1 changes").arg(offer.changes);
-  if (offer.changedAt) text += QStringLiteral(", last ") + abbreviatedDateText(*offer.changedAt);
-  return offer.path ? text : text + QStringLiteral(", never saved");
+  if (!offer.path) text += QStringLiteral(", never saved");
+  return offer.changedAt ? text + QStringLiteral(", ") + abbreviatedDateText(*offer.changedAt) : text;
 }
 
 void tellFailure(Application& application, const UserError& error) {
@@ -209,7 +209,9 @@ JournalRecoverySheet::JournalRecoverySheet(Application& application, Theme& them
     title->setElision(Qt::ElideMiddle);
     if (offer.path) title->setToolTip(qtText(offer.path->string()));
     texts->addWidget(title);
-    texts->addWidget(new TextLabel(theme, TextStyle::small, TextLabel::Rank::primary, journalText(offer)));
+    auto* story = new TextLabel(theme, TextStyle::small, TextLabel::Rank::primary, journalText(offer));
+    story->setElision(Qt::ElideRight);
+    texts->addWidget(story);
     row->addLayout(texts, 1);
     addRowButton(*row, kDiscard, name + QStringLiteral(".discard"),
                  [&application, offer] { askAndDiscard(application, offer); });
