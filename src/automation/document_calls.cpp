@@ -38,14 +38,17 @@ Json differenceIDs(const DrawingDifference& difference, const Drawing& before, c
   };
   const auto systemIDs = [](const std::vector<WallSystemSpec>& systems) {
     std::vector<UUID> found;
+    found.reserve(systems.size());
     for (const WallSystemSpec& system : systems) found.push_back(system.id);
     return found;
   };
   std::unordered_set<UUID> changed;
   for (const auto& [old, now] : difference.changed) changed.insert(entityID(now));
   std::vector<UUID> changedSystems;
+  changedSystems.reserve(difference.changedSystems.size());
   for (const auto& [old, now] : difference.changedSystems) changedSystems.push_back(now.id);
   std::vector<UUID> open;
+  open.reserve(conflicts.size());
   for (const MergeConflict& conflict : conflicts) open.push_back(conflictID(conflict));
   return {
       {"added", ids(systemIDs(difference.addedSystems), entityIDs(difference.added), after.entities)},
