@@ -189,16 +189,17 @@ bool EntityList::apply(const std::vector<EntitySplice>& splices) {
     end = splice.at + splice.removed;
   }
   // From the last to the first, so that the positions in front stay as they are.
-  for (auto splice = splices.rbegin(); splice != splices.rend(); ++splice) {
-    const std::size_t replaced = std::min(splice->removed, splice->added.size());
-    for (std::size_t i = 0; i < replaced; ++i) replace(splice->at + i, splice->added[i]);
-    if (splice->removed > replaced) {
-      std::vector<std::size_t> gone(splice->removed - replaced);
-      for (std::size_t i = 0; i < gone.size(); ++i) gone[i] = splice->at + replaced + i;
+  for (std::size_t last = splices.size(); last > 0; --last) {
+    const EntitySplice& splice = splices[last - 1];
+    const std::size_t replaced = std::min(splice.removed, splice.added.size());
+    for (std::size_t i = 0; i < replaced; ++i) replace(splice.at + i, splice.added[i]);
+    if (splice.removed > replaced) {
+      std::vector<std::size_t> gone(splice.removed - replaced);
+      for (std::size_t i = 0; i < gone.size(); ++i) gone[i] = splice.at + replaced + i;
       removeAll(gone);
-    } else if (splice->added.size() > replaced) {
-      insert(splice->at + replaced,
-             {splice->added.begin() + static_cast<std::ptrdiff_t>(replaced), splice->added.end()});
+    } else if (splice.added.size() > replaced) {
+      insert(splice.at + replaced,
+             {splice.added.begin() + static_cast<std::ptrdiff_t>(replaced), splice.added.end()});
     }
   }
   return true;
