@@ -60,12 +60,12 @@ struct JournaledPlan {
   std::size_t next = 0;
 };
 
-void editOfAMillion(benchmark::State& state) {
+void BM_EditWithJournal(benchmark::State& state) {
   JournaledPlan plan(1'000'000, state.range(1) != 0);
   plan.edit(1);
   for ([[maybe_unused]] auto _ : state) plan.edit(static_cast<std::size_t>(state.range(0)));
 }
-BENCHMARK(editOfAMillion)
+BENCHMARK(BM_EditWithJournal)
     ->ArgNames({"edited", "journal"})
     ->ArgsProduct({{1, 1000}, {0, 1}})
     ->Iterations(200)
