@@ -188,6 +188,7 @@ void addLines(std::vector<std::string>& lines, std::size_t limit, const std::vec
   if (entities.empty() || lines.size() >= limit) return;
   const Numbers numbers = numbersOf(entities, entityOf, list);
   std::vector<std::pair<std::size_t, const Entity*>> ordered;
+  ordered.reserve(entities.size());
   for (const Entity& entity : entities) ordered.emplace_back(numbers.at(entityID(entityOf(entity))), &entity);
   std::stable_sort(ordered.begin(), ordered.end(),
                    [](const auto& a, const auto& b) { return a.first < b.first; });

@@ -110,7 +110,7 @@ class DocumentSession {
   void refreshHistory();
   /// Saves the document, then a checkpoint of it on the current branch. Throws `documentMustBeSaved` for one
   /// without a file; where the checkpoint fails, the document has been saved all the same.
-  DocumentCheckpoint saveCheckpoint(std::optional<std::string> message = std::nullopt);
+  DocumentCheckpoint saveCheckpoint(const std::optional<std::string>& message = std::nullopt);
   /// A branch that starts at this checkpoint, else at the head of the current branch. The current branch
   /// stays. Throws where there is no such checkpoint.
   DocumentHistoryBranch createBranch(const std::string& name,

@@ -41,7 +41,7 @@ void DocumentSession::refreshHistory() {
   }
 }
 
-DocumentCheckpoint DocumentSession::saveCheckpoint(std::optional<std::string> message) {
+DocumentCheckpoint DocumentSession::saveCheckpoint(const std::optional<std::string>& message) {
   const std::optional<FilePath> url = fileURL;
   if (!url) throw Error(Error::Case::documentMustBeSaved);
   save(*url);
@@ -80,7 +80,7 @@ DocumentHistoryBranch DocumentSession::switchBranch(const std::string& nameOrID)
   const DocumentHistoryState state = loadDocumentHistory(host_.files, *url);
   const DocumentHistoryBranch* found = state.findBranch(nameOrID);
   if (found == nullptr) throw Error(Error::Case::branchNotFound, nameOrID);
-  const DocumentHistoryBranch branch = *found;
+  DocumentHistoryBranch branch = *found;
   if (branch.id == state.metadata.currentBranchID) return branch;
   if (!branch.headCheckpointID) throw Error(Error::Case::branchHasNoCheckpoint, branch.name);
   const DocumentCheckpoint* head = findCheckpointOf(state, branch, *branch.headCheckpointID);

@@ -303,7 +303,7 @@ std::optional<JournalBase> baseOf(std::string_view content) {
   const auto parts = input.number<std::uint8_t>();
   JournalBase base;
   if ((parts & kFile) != 0) {
-    base.file.emplace();
+    base.file = JournalBase::File{};
     base.file->path = input.text();
     base.file->contentHash = input.number<std::uint64_t>();
     if ((parts & kDate) != 0) base.file->savedAt = input.date();

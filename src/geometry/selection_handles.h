@@ -27,6 +27,7 @@ struct SelectionHandle {
   int index = 0;
 
   static constexpr SelectionHandle polygonVertex(int index) { return {Kind::polygonVertex, index}; }
+  // NOLINTNEXTLINE(modernize-use-nullptr)
   friend auto operator<=>(const SelectionHandle&, const SelectionHandle&) = default;
 };
 

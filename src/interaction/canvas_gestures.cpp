@@ -101,18 +101,14 @@ void CanvasGestures::doubleClick() {
 // a marquee
 
 void CanvasGestures::selectChanged(SketchPoint viewPoint) {
-  const bool hasBegun = board_.selectDrag() != nullptr || board_.marquee() != nullptr ||
-                        distanceBetween(*press_, viewPoint) >= kDragStartThreshold;
-  if (!hasBegun) return;
+  const bool hasBegun = board_.selectDrag() != nullptr || board_.marquee() != nullptr;
+  if (!hasBegun && distanceBetween(*press_, viewPoint) < kDragStartThreshold) return;
   board_.recordPointer(viewPoint);
+  if (!hasBegun && !board_.beginSelectDrag(toSketch(*press_))) board_.beginMarquee(*press_, viewPoint);
   if (board_.selectDrag() != nullptr) {
     board_.updateSelectDrag(toSketch(viewPoint));
-  } else if (board_.marquee() != nullptr) {
-    board_.updateMarquee(viewPoint);
-  } else if (board_.beginSelectDrag(toSketch(*press_))) {
-    board_.updateSelectDrag(toSketch(viewPoint));
   } else {
-    board_.beginMarquee(*press_, viewPoint);
+    board_.updateMarquee(viewPoint);
   }
 }
 

@@ -44,12 +44,12 @@ bool isDraftLargeEnough(SketchTool tool, const SketchDraft& draft) {
 }
 
 std::optional<SketchPoint> pointerBadgePoint(const Board& board) {
-  if (board.tracking->locked && board.draft() != nullptr && *board.cursor) return board.cursor;
+  if (board.tracking->locked && board.draft() != nullptr && *board.cursor) return *board.cursor;
   if (board.snap->entityPoint) return board.snap->entityPoint;
   if (board.snap->gridPoint) return board.snap->gridPoint;
   if (board.draft() != nullptr) return board.draft()->current;
   if (board.polygonDraft() != nullptr) return board.polygonDraft()->current;
-  return board.cursor;
+  return *board.cursor;
 }
 
 // --- Two-point tools

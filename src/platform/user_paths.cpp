@@ -46,8 +46,8 @@ UserPaths userPaths(FileSystem& files, const Environment& environment) {
   }
   paths.documentsFolder = standardizedPath(documents.empty() ? home / "Documents" : documents);
   paths.temporaryFolder = standardizedPath(absoluteOr(environment("TMPDIR"), "/tmp"));
-  paths.stateFolder = standardizedPath(
-      absoluteOr(environment("XDG_STATE_HOME"), home / ".local" / "state") / "ostrelon");
+  paths.stateFolder =
+      standardizedPath(absoluteOr(environment("XDG_STATE_HOME"), home / ".local" / "state") / "ostrelon");
   return paths;
 }
 

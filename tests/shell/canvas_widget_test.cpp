@@ -66,7 +66,8 @@ class CanvasWidgetTest : public ::testing::Test, protected testing::TestWorkspac
     return canvas.grab().toImage();
   }
 
-  CanvasWidget canvas;};
+  CanvasWidget canvas;
+};
 
 TEST_F(CanvasWidgetTest, ReportsItsSize) {
   EXPECT_EQ(board.view->canvasSize, (SketchSize{640, 440}));
