@@ -84,7 +84,9 @@ void recover(Application& application, const std::string& id) {
 void askAndDiscard(Application& application, const RecoverableJournal& offer) {
   const Alert alert{"Do you want to discard the unsaved changes of " + offer.documentName + "?",
                     "They cannot be brought back.",
-                    {kDiscard, "Cancel"}};
+                    {"Cancel", kDiscard},
+                    0,
+                    1};
   application.host().dialogs.ask(alert, [&application, id = offer.id](const DialogAnswer& answer) {
     if (answer != kDiscard) return;
     try {
