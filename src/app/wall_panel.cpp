@@ -1,8 +1,5 @@
 #include "app/wall_panel.h"
 
-#include <charconv>
-#include <cmath>
-
 #include "core/adding.h"
 #include "core/length_text.h"
 #include "geometry/edit_operations.h"
@@ -100,22 +97,6 @@ bool commitWallSystemField(Workspace& workspace, const UUID& specID, WallSystemF
   }
   updateWallSystem(workspace, edited);
   return true;
-}
-
-std::optional<double> parsePlainDecimal(std::string_view text) {
-  if (text.starts_with('+')) {
-    text.remove_prefix(1);
-    if (text.starts_with('-')) return std::nullopt;
-  }
-  // The reader knows the words "inf" and "nan" too; a plain number begins with a digit or a point.
-  const std::string_view digits = text.starts_with('-') ? text.substr(1) : text;
-  if (digits.empty() || (digits.front() != '.' && (digits.front() < '0' || digits.front() > '9'))) {
-    return std::nullopt;
-  }
-  double value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value)) return std::nullopt;
-  return value;
 }
 
 }  // namespace ostrelon

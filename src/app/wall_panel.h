@@ -47,8 +47,4 @@ std::string wallSystemFieldText(const WallSystemSpec& spec, WallSystemField fiel
 bool commitWallSystemField(Workspace& workspace, const UUID& specID, WallSystemField field,
                            std::string_view text);
 
-/// The whole text as a plain decimal number: a sign, digits, a point, an exponent; no white space,
-/// no hexadecimal, nothing infinite.
-std::optional<double> parsePlainDecimal(std::string_view text);
-
 }  // namespace ostrelon

@@ -31,6 +31,19 @@ std::optional<std::vector<std::int64_t>> readEntityIndices(const Words& words) {
   return indices;
 }
 
+std::variant<LengthInWords, Reply> readLengthAt(const Words& words, std::size_t place) {
+  std::string text = words[place];
+  std::size_t next = place + 1;
+  if (next < words.size() && continuesLength(text, words[next])) text += ' ' + words[next++];
+  const LengthReading read = readLength(text);
+  if (const auto* problem = std::get_if<LengthProblem>(&read)) return notALength(text, *problem);
+  return LengthInWords{std::get<double>(read), next};
+}
+
+Reply notALength(std::string_view text, LengthProblem problem) {
+  return Reply::error("Unknown length \"" + std::string(text) + "\". " + lengthProblemText(problem));
+}
+
 std::string lowerCasedWord(const Words& words, std::size_t place) {
   return place < words.size() ? lowerCased(words[place]) : std::string();
 }

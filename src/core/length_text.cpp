@@ -72,6 +72,22 @@ std::optional<double> parseNumber(std::string_view text) {
   return value;
 }
 
+std::optional<double> parsePlainDecimal(std::string_view text) {
+  if (text.starts_with('+')) {
+    text.remove_prefix(1);
+    if (text.starts_with('-')) return std::nullopt;
+  }
+  // The reader knows the words "inf" and "nan" too; a plain number begins with a digit or a point.
+  const std::string_view digits = text.starts_with('-') ? text.substr(1) : text;
+  if (digits.empty() || (digits.front() != '.' && (digits.front() < '0' || digits.front() > '9'))) {
+    return std::nullopt;
+  }
+  double value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value)) return std::nullopt;
+  return value;
+}
+
 std::optional<std::int64_t> parseEntityNumber(std::string_view text) {
   if (!text.empty() && text.front() == '+') {
     text.remove_prefix(1);

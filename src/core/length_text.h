@@ -13,6 +13,9 @@ namespace ostrelon {
 /// The whole text by the rule of `strtod` in the C locale: hexadecimal, infinity and "nan" included, overflow
 /// to infinity, nothing before and nothing after.
 std::optional<double> parseNumber(std::string_view text);
+/// The whole text as a plain decimal number: a sign, digits, a point, an exponent; no white space,
+/// no hexadecimal, nothing infinite.
+std::optional<double> parsePlainDecimal(std::string_view text);
 /// ASCII digits in base 10 with an optional sign, within 64 bits.
 std::optional<std::int64_t> parseEntityNumber(std::string_view text);
 std::optional<SketchPoint> parsePoint(std::string_view xText, std::string_view yText);
