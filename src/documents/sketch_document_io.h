@@ -12,6 +12,7 @@
 // last one counts.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -36,11 +37,19 @@ LoadedSketchDocument decodeDocument(std::string bytes);
 /// Takes the next piece of a text that is being written.
 using Sink = std::function<void(std::string_view bytes)>;
 
+/// How large a file may become, bytes.
+struct FileLimits {
+  /// Undo snapshots that would make it larger are left out, the oldest first.
+  std::uint64_t withUndo = std::uint64_t{256} << 20;
+  /// The longest text that the reader takes. One that would be longer fails the write.
+  std::uint64_t whole = (std::uint64_t{4} << 30) - 64;
+};
+
 /// Writes the text piece by piece. Coordinates, angles and wall sizes are narrowed to the nearest
 /// 32-bit value and written as the shortest text that reads back to it. A number that is not finite
 /// then fails the write with `DocumentFormatError`; in an undo snapshot it has that snapshot left out
 /// with those older than it.
-void encodeDocument(const SketchDocumentV2& document, const Sink& sink);
+void encodeDocument(const SketchDocumentV2& document, const Sink& sink, const FileLimits& limits = {});
 std::string encodeDocument(const SketchDocumentV2& document);
 
 }  // namespace SketchDocumentIO

@@ -18,6 +18,7 @@ namespace {
 constexpr std::size_t kPieceSize = std::size_t{1} << 18;  // what is handed to the sink at once
 constexpr std::size_t kLongestRow = 256;                  // of any entity but a polygon
 constexpr std::size_t kLongestNumber = kLongestNumberText;
+constexpr std::uint64_t kMostKeptOfUndo = std::uint64_t{1} << 25;
 
 using SystemIndices = std::unordered_map<UUID, std::size_t>;
 
@@ -147,7 +148,8 @@ std::string quoted(const std::string& text) {
 
 class DocumentWriter {
  public:
-  DocumentWriter(const SketchDocumentV2& document, const Sink& sink) : document_(document), sink_(sink) {
+  DocumentWriter(const SketchDocumentV2& document, const Sink& sink, const FileLimits& limits)
+      : document_(document), sink_(sink), limits_(limits) {
     for (std::size_t index = 0; index < document.ws.items.size(); ++index) {
       systems_.emplace(document.ws.items[index].id, index);
     }
@@ -161,11 +163,14 @@ class DocumentWriter {
     append(document_.grid ? ",\"grid\":true" : ",\"grid\":false");
     writeViewport();
     writeWallSystems();
-    const std::size_t firstSnapshot = firstWritableSnapshot();
+    std::size_t firstSnapshot = firstWritableSnapshot();
     const std::size_t snapshots = document_.undo ? document_.undo->size() : 0;
-    keepsChunks_ = firstSnapshot < snapshots;
+    for (std::size_t index = firstSnapshot; index < snapshots; ++index) {
+      for (const auto& chunk : (*document_.undo)[index].chunks()) keptTexts_.try_emplace(chunk.get());
+    }
     append(",\"e\":");
     writeEntities(document_.e);
+    firstSnapshot = firstSnapshotThatFits(firstSnapshot);
     if (firstSnapshot < snapshots) {
       append(",\"undo\":[");
       for (std::size_t index = firstSnapshot; index < snapshots; ++index) {
@@ -213,6 +218,39 @@ class DocumentWriter {
       if (!std::all_of(chunks.begin(), chunks.end(), isWritableChunk)) return index;
     }
     return undo.size() - kept;
+  }
+
+  // The same of those that may be written: older ones would make the file larger than the limit. To be asked
+  // when the entities have been written.
+  std::size_t firstSnapshotThatFits(std::size_t firstWritable) {
+    if (!document_.undo) return 0;
+    constexpr std::string_view around = ",\"undo\":[]}";
+    constexpr std::string_view aroundEach = "[],";
+    std::uint64_t size = written_ + piece_.size() + around.size();
+    for (std::size_t index = document_.undo->size(); index > firstWritable; --index) {
+      size += aroundEach.size();
+      for (const auto& chunk : (*document_.undo)[index - 1].chunks()) {
+        size += sizeOf(*chunk) + 1;
+        if (size > limits_.withUndo) break;
+      }
+      if (size > limits_.withUndo) return index;
+    }
+    return firstWritable;
+  }
+
+  // The bytes that a chunk of a snapshot takes.
+  std::uint64_t sizeOf(const Chunk& chunk) {
+    KeptText& kept = keptTexts_[&chunk];
+    if (kept.size == 0 && !chunk.empty()) {
+      scratch_.clear();
+      appendRows(scratch_, chunk);
+      kept.size = scratch_.size();
+      if (keptOfUndo_ + kept.size <= kMostKeptOfUndo) {
+        keptOfUndo_ += kept.size;
+        kept.text = scratch_;
+      }
+    }
+    return kept.size;
   }
 
   void writeViewport() {
@@ -267,18 +305,17 @@ class DocumentWriter {
       if (chunk->empty()) continue;
       if (!first) append(",");
       first = false;
-      if (!keepsChunks_) {
-        appendRows(piece_, *chunk);
-        flushIfFull();
+      const auto found = keptTexts_.find(chunk.get());
+      if (found != keptTexts_.end() && !found->second.text.empty()) {
+        append(found->second.text);
         continue;
       }
-      const auto [kept, isNew] = chunkTexts_.try_emplace(chunk.get());
-      if (isNew) {
-        scratch_.clear();
-        appendRows(scratch_, *chunk);
-        kept->second = scratch_;
+      const std::size_t start = piece_.size();
+      appendRows(piece_, *chunk);
+      if (found != keptTexts_.end() && found->second.size == 0) {
+        found->second = {piece_.substr(start), piece_.size() - start};
       }
-      append(kept->second);
+      flushIfFull();
     }
     append("]");
   }
@@ -300,23 +337,36 @@ class DocumentWriter {
     if (piece_.size() >= kPieceSize) flush();
   }
   void flush() {
+    written_ += piece_.size();
+    if (written_ > limits_.whole) {
+      throw DocumentFormatError(
+          "The drawing is too large for a document file: it could not be opened again.");
+    }
     sink_(piece_);
     piece_.clear();
   }
 
+  // What a chunk of an undo snapshot gave; the text may be empty where it was too much to keep.
+  struct KeptText {
+    std::string text;
+    std::uint64_t size = 0;
+  };
+
   const SketchDocumentV2& document_;
   const Sink& sink_;
+  const FileLimits limits_;
   SystemIndices systems_;
-  bool keepsChunks_ = false;
-  std::unordered_map<const Chunk*, std::string> chunkTexts_;
+  std::unordered_map<const Chunk*, KeptText> keptTexts_;
+  std::uint64_t keptOfUndo_ = 0;  // bytes kept of chunks that are in snapshots alone
   std::string scratch_;
   std::string piece_;
+  std::uint64_t written_ = 0;
 };
 
 }  // namespace
 
-void encodeDocument(const SketchDocumentV2& document, const Sink& sink) {
-  DocumentWriter(document, sink).write();
+void encodeDocument(const SketchDocumentV2& document, const Sink& sink, const FileLimits& limits) {
+  DocumentWriter(document, sink, limits).write();
 }
 
 std::string encodeDocument(const SketchDocumentV2& document) {

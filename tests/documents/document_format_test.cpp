@@ -16,6 +16,7 @@ namespace {
 
 using SketchDocumentIO::decodeDocument;
 using SketchDocumentIO::encodeDocument;
+using SketchDocumentIO::FileLimits;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -128,6 +129,43 @@ TEST(DocumentFormat, LeavesOutUndoSnapshotsFromOneThatCannotBeWrittenBackwards) 
   document.undo = {circle(1), circle(1e300)};
   EXPECT_EQ(readV2(encodeDocument(document)).undo, std::nullopt);
   EXPECT_THAT(encodeDocument(document), Not(HasSubstr("undo")));
+}
+
+EntityList manyLines(std::uint64_t count) {
+  EntityList list;
+  for (std::uint64_t i = 0; i < count; ++i) {
+    const double at = static_cast<double>(i);
+    list.append(LineEntity{UUID{1, i}, {at, 0}, {at, 1}});
+  }
+  return list;
+}
+
+TEST(DocumentFormat, LeavesOutTheOldestUndoSnapshotsOfAFileThatWouldBecomeTooLarge) {
+  const auto text = [](const SketchDocumentV2& document, const FileLimits& limits) {
+    std::string whole;
+    encodeDocument(
+        document, [&](std::string_view piece) { whole += piece; }, limits);
+    return whole;
+  };
+  SketchDocumentV2 document;
+  document.e = manyLines(1000);
+  EntityList moved = document.e;
+  moved.replace(500, LineEntity{id(kID), {1, 2}, {3, 4}});
+  document.undo = {manyLines(900), manyLines(800), document.e, moved};
+  const std::string all = text(document, {});
+  EXPECT_EQ(readV2(all).undo->size(), 4U);
+  // Of each size the newest steps that fit are kept, and what is kept is what was kept without a limit.
+  std::size_t before = 4;
+  for (std::uint64_t limit = all.size() - 2; before > 0; limit -= all.size() / 12) {
+    const std::string some = text(document, {.withUndo = limit});
+    const auto undo = readV2(some).undo.value_or(std::vector<EntityList>());
+    EXPECT_LE(undo.size(), before);
+    EXPECT_LE(undo.empty() ? 0 : some.size(), limit);
+    EXPECT_EQ(undo, std::vector<EntityList>(document.undo->end() - static_cast<std::ptrdiff_t>(undo.size()),
+                                            document.undo->end()));
+    before = undo.size();
+  }
+  EXPECT_THROW(text(document, {.withUndo = 0, .whole = 20'000}), DocumentFormatError);
 }
 
 TEST(DocumentFormat, WritesBytesThatAreNotUTF8SoThatTheFileCanBeReadAgain) {
