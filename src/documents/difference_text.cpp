@@ -10,7 +10,7 @@
 #include "core/circle.h"
 #include "core/entity_bounds.h"
 #include "core/length_text.h"
-#include "documents/compare.h"
+#include "documents/told_difference.h"
 
 namespace ostrelon {
 namespace {
@@ -183,8 +183,8 @@ Numbers numbersOf(const Entities& entities, EntityOf entityOf, const EntityList&
 
 // The entities in the order of their numbers, each with its label: "Wall 18".
 template <class Entity, class EntityOf, class Line>
-void addLines(std::vector<std::string>& lines, std::size_t limit, const std::vector<Entity>& entities,
-              EntityOf entityOf, const EntityList& list, Line line) {
+void addLines(std::vector<ToldDifference>& lines, std::size_t limit, DifferenceKind kind,
+              const std::vector<Entity>& entities, EntityOf entityOf, const EntityList& list, Line line) {
   if (entities.empty() || lines.size() >= limit) return;
   const Numbers numbers = numbersOf(entities, entityOf, list);
   std::vector<std::pair<std::size_t, const Entity*>> ordered;
@@ -194,7 +194,9 @@ void addLines(std::vector<std::string>& lines, std::size_t limit, const std::vec
                    [](const auto& a, const auto& b) { return a.first < b.first; });
   for (const auto& [number, entity] : ordered) {
     if (lines.size() >= limit) return;
-    lines.push_back(fmt::format("{} {}: {}", entityTypeLabel(entityOf(*entity)), number, line(*entity)));
+    const SketchEntity& shown = entityOf(*entity);
+    lines.push_back({kind, false, entityID(shown),
+                     fmt::format("{} {}: {}", entityTypeLabel(shown), number, line(*entity))});
   }
 }
 
@@ -263,24 +265,28 @@ std::string differenceCounts(const DrawingDifference& difference) {
   return entities + (entities.empty() ? "Wall systems: " : "; wall systems: ") + systems + ".";
 }
 
-std::vector<std::string> differenceLines(const DrawingDifference& difference, const Drawing& before,
-                                         const Drawing& after, std::size_t limit) {
-  std::vector<std::string> lines;
-  const auto systemLine = [&](const WallSystemSpec& system, std::string_view words) {
-    if (lines.size() < limit) lines.push_back(fmt::format("Wall system {}: {}", system.name, words));
+std::vector<ToldDifference> toldDifferences(const DrawingDifference& difference, const Drawing& before,
+                                            const Drawing& after, std::size_t limit) {
+  using Kind = DifferenceKind;
+  std::vector<ToldDifference> lines;
+  const auto systemLine = [&](Kind kind, const WallSystemSpec& system, std::string_view words) {
+    if (lines.size() >= limit) return;
+    lines.push_back({kind, true, system.id, fmt::format("Wall system {}: {}", system.name, words)});
   };
-  for (const WallSystemSpec& system : difference.removedSystems) systemLine(system, "removed");
-  for (const auto& [old, now] : difference.changedSystems) systemLine(now, systemChange(old, now));
-  for (const WallSystemSpec& system : difference.addedSystems) systemLine(system, "added");
+  for (const WallSystemSpec& system : difference.removedSystems) systemLine(Kind::removed, system, "removed");
+  for (const auto& [old, now] : difference.changedSystems)
+    systemLine(Kind::changed, now, systemChange(old, now));
+  for (const WallSystemSpec& system : difference.addedSystems) systemLine(Kind::added, system, "added");
 
   const auto itself = [](const SketchEntity& entity) -> const SketchEntity& { return entity; };
   const auto newer = [](const DrawingDifference::EntityPair& pair) -> const SketchEntity& {
     return pair.second;
   };
-  addLines(lines, limit, difference.removed, itself, before.entities, [&](const SketchEntity& entity) {
-    return "removed, " + entityDescription(entity, before.wallSystemName(entity));
-  });
-  addLines(lines, limit, difference.changed, newer, after.entities,
+  addLines(lines, limit, Kind::removed, difference.removed, itself, before.entities,
+           [&](const SketchEntity& entity) {
+             return "removed, " + entityDescription(entity, before.wallSystemName(entity));
+           });
+  addLines(lines, limit, Kind::changed, difference.changed, newer, after.entities,
            [&](const DrawingDifference::EntityPair& pair) {
              std::vector<std::string> words;
              for (ChangePhrase& phrase : changePhrases(pair.first, pair.second, before, after)) {
@@ -288,9 +294,19 @@ std::vector<std::string> differenceLines(const DrawingDifference& difference, co
              }
              return words.empty() ? "changed by less than can be told" : joined(words);
            });
-  addLines(lines, limit, difference.added, itself, after.entities, [&](const SketchEntity& entity) {
-    return "added, " + entityDescription(entity, after.wallSystemName(entity));
-  });
+  addLines(lines, limit, Kind::added, difference.added, itself, after.entities,
+           [&](const SketchEntity& entity) {
+             return "added, " + entityDescription(entity, after.wallSystemName(entity));
+           });
+  return lines;
+}
+
+std::vector<std::string> differenceLines(const DrawingDifference& difference, const Drawing& before,
+                                         const Drawing& after, std::size_t limit) {
+  std::vector<std::string> lines;
+  for (ToldDifference& told : toldDifferences(difference, before, after, limit)) {
+    lines.push_back(std::move(told.text));
+  }
   return lines;
 }
 

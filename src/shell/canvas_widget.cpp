@@ -8,6 +8,7 @@
 #include <cmath>
 #include <utility>
 
+#include "core/difference_colors.h"
 #include "interaction/board.h"
 #include "interaction/canvas_renderer.h"
 #include "shell/canvas_cursor.h"
@@ -69,7 +70,11 @@ CanvasWidget::CanvasWidget(Board& board, QWidget* parent)
       palette_(lightPalette()),
       entities_(EntityPicture::Kind::entitiesWithout, repaintLater()),
       dragged_(EntityPicture::Kind::entitiesNamed, repaintLater()),
-      selection_(EntityPicture::Kind::selection, repaintLater()) {
+      selection_(EntityPicture::Kind::selection, repaintLater()),
+      layers_{EntityPicture(EntityPicture::Kind::changedBefore, repaintLater()),
+              EntityPicture(EntityPicture::Kind::removed, repaintLater()),
+              EntityPicture(EntityPicture::Kind::changedAfter, repaintLater()),
+              EntityPicture(EntityPicture::Kind::added, repaintLater())} {
   setAttribute(Qt::WA_OpaquePaintEvent);
   setMouseTracking(true);
   setAccessibleName(tr("Canvas"));
@@ -112,10 +117,36 @@ bool CanvasWidget::takeSelected() {
   return true;
 }
 
+void CanvasWidget::leaveOut() {
+  const IDs differing = difference_ ? difference_->layers->ids : nullptr;
+  if (!differing || !draggedIDs_) {
+    leftOutIDs_ = differing ? differing : draggedIDs_;
+    return;
+  }
+  auto both = std::make_shared<std::unordered_set<UUID>>(*differing);
+  both->insert(draggedIDs_->begin(), draggedIDs_->end());
+  leftOutIDs_ = std::move(both);
+}
+
+void CanvasWidget::setDifference(std::optional<CanvasDifference> difference) {
+  if (difference_ == difference) return;
+  const bool isOther = difference.has_value() != difference_.has_value() ||
+                       (difference && difference->layers != difference_->layers);
+  difference_ = std::move(difference);
+  if (isOther) {
+    leaveOut();
+    isExact_ = false;
+  }
+  update();
+}
+
 void CanvasWidget::boardChanged(FieldMask fields) {
   const Sketch& sketch = board_.sketch();
   bool touchesPictures = (fields & fieldsOf(sketch.drawing, board_.view)) != 0;
-  if (fields & fieldsOf(board_.gesture)) touchesPictures |= takeDragged();
+  if ((fields & fieldsOf(board_.gesture)) && takeDragged()) {
+    leaveOut();
+    touchesPictures = true;
+  }
   if (fields & fieldsOf(sketch.selection)) touchesPictures |= takeSelected();
   if (fields & fieldsOf(board_.tool)) updateCursor();
   const QRegion before = std::exchange(overlay_, overlayRegion());
@@ -226,9 +257,13 @@ void CanvasWidget::contextMenuEvent(QContextMenuEvent* event) {
 void CanvasWidget::finishPainting() {
   updatePictures(Clock::time_point::max());
   while (!isExact_) {
-    for (EntityPicture* picture : {&entities_, &dragged_, &selection_}) picture->wait();
+    for (EntityPicture* picture : pictures()) picture->wait();
     updatePictures(Clock::time_point::max());
   }
+}
+
+std::array<EntityPicture*, 7> CanvasWidget::pictures() {
+  return {&entities_, &dragged_, &selection_, &layers_[0], &layers_[1], &layers_[2], &layers_[3]};
 }
 
 void CanvasWidget::updateGrid(const PictureView& view) {
@@ -255,7 +290,11 @@ void CanvasWidget::updatePictures(EntityPicture::Deadline deadline) {
   updateGrid(now);
   const auto& systems = board_.sketch().drawing->wallSystemSpecs;
   const EntityIndex& index = board_.sketch().index();
-  bool isDone = entities_.update(now, {board_.sketch().entities(), systems, draggedIDs_}, index, deadline);
+  PictureView ofEntities = now;
+  if (difference_) ofEntities.palette = fadedPalette(palette_);
+  bool isDone =
+      entities_.update(ofEntities, {board_.sketch().entities(), systems, leftOutIDs_}, index, deadline);
+  isDone &= updateDifference(now, deadline);
 
   // A group that is dragged keeps its looks: what is shown of it is painted once, from the start of
   // the drag, and moved.
@@ -272,6 +311,50 @@ void CanvasWidget::updatePictures(EntityPicture::Deadline deadline) {
     selection_.clear();
   }
   isExact_ = isDone;
+}
+
+bool CanvasWidget::updateDifference(const PictureView& now, EntityPicture::Deadline deadline) {
+  if (!difference_) {
+    for (EntityPicture& picture : layers_) picture.clear();
+    cloudsOf_.reset();
+    clouds_ = QImage();
+    return true;
+  }
+  bool isDone = true;
+  const EntityIndex none;  // a layer has none of its own
+  for (const DifferenceLayer layer : kDifferenceLayers) {
+    const DifferenceLayers& layers = *difference_->layers;
+    const PictureContent content{layers.of(layer), layers.systemsOf(layer), nullptr};
+    isDone &= layers_[static_cast<std::size_t>(layer)].update(now, content, none, deadline);
+  }
+  updateClouds(now);
+  return isDone;
+}
+
+void CanvasWidget::updateClouds(const PictureView& now) {
+  std::pair<PictureView, CanvasDifference> wanted{now, *difference_};
+  wanted.second.blend = kBothSides;
+  if (cloudsOf_ == wanted) return;
+  cloudsOf_ = std::move(wanted);
+  if (clouds_.size() != grid_.size()) clouds_ = QImage(grid_.size(), QImage::Format_ARGB32_Premultiplied);
+  if (clouds_.isNull()) return;
+  clouds_.fill(Qt::transparent);
+  PixelCanvasPainter canvas(clouds_, now.pixelRatio);
+  const CanvasFrame frame{now.transform, now.palette};
+  const DifferenceLayers& layers = *difference_->layers;
+  paintClouds(canvas, frame, layers, difference_->current);
+  if (difference_->current) paintCurrentItem(canvas, frame, layers.items.at(*difference_->current));
+}
+
+void CanvasWidget::paintDifference(QPainter& painter, const PictureView& now) const {
+  for (const DifferenceLayer layer : kDifferenceLayers) {
+    const double opacity = layerOpacity(layer, difference_->blend);
+    if (!(opacity > 0)) continue;
+    painter.setOpacity(opacity);
+    layers_[static_cast<std::size_t>(layer)].paint(painter, now);
+  }
+  painter.setOpacity(1);
+  painter.drawImage(QRectF(QPointF(0, 0), QSizeF(clouds_.size()) / now.pixelRatio), clouds_);
 }
 
 void CanvasWidget::paintEvent(QPaintEvent* event) {
@@ -300,6 +383,7 @@ void CanvasWidget::paintLive(QPainter& painter, const PictureView& now) {
   painter.drawImage(QRectF(QPointF(0, 0), QSizeF(grid_.size()) / now.pixelRatio), grid_);
   paintLayer(canvas, CanvasLayer::snapGuides, board_, frame);
   entities_.paint(painter, now);
+  if (difference_) paintDifference(painter, now);
 
   PictureView moved = now;
   if (const SelectDrag* drag = board_.selectDrag()) {

@@ -9,19 +9,31 @@
 
 #include <QRegion>
 #include <QWidget>
+#include <array>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <unordered_set>
+#include <utility>
 
 #include "core/observable.h"
 #include "core/theme_palette.h"
 #include "interaction/canvas_gestures.h"
+#include "interaction/difference_layers.h"
 #include "shell/entity_picture.h"
 
 namespace ostrelon {
 
 class Board;
+
+/// A difference that the canvas shows in the place of the plain entities. One side of it is the board's
+/// drawing, of which the layers name what differs; the rest of the drawing is faded.
+struct CanvasDifference {
+  std::shared_ptr<const DifferenceLayers> layers;
+  double blend = kBothSides;           ///< 0 for the drawing before, 1 for the one after
+  std::optional<std::size_t> current;  ///< the item that is looked at
+  friend bool operator==(const CanvasDifference&, const CanvasDifference&) = default;
+};
 
 class CanvasWidget : public QWidget {
   Q_OBJECT
@@ -33,6 +45,11 @@ class CanvasWidget : public QWidget {
 
   const ThemePalette& themePalette() const { return palette_; }
   void setThemePalette(const ThemePalette& palette);
+
+  /// Shows a difference from now on, or none. Its layers are painted away from the main thread where they are
+  /// large; another blend repaints nothing.
+  void setDifference(std::optional<CanvasDifference> difference);
+  const std::optional<CanvasDifference>& difference() const { return difference_; }
 
   /// Paints all that is still being painted in pieces. For tests and for pictures of the window.
   void finishPainting();
@@ -73,6 +90,12 @@ class CanvasWidget : public QWidget {
   /// Brings the pictures up to the state, as far as that can be done within the time of a frame.
   void updatePictures(EntityPicture::Deadline deadline);
   void updateGrid(const PictureView& view);
+  bool updateDifference(const PictureView& view, EntityPicture::Deadline deadline);
+  void updateClouds(const PictureView& view);
+  void paintDifference(QPainter& painter, const PictureView& view) const;
+  /// What the picture of the entities leaves out.
+  void leaveOut();
+  std::array<EntityPicture*, 7> pictures();
   void paintLive(QPainter& painter, const PictureView& view);
   /// What lies over the pictures now.
   QRegion overlayRegion() const;
@@ -93,7 +116,12 @@ class CanvasWidget : public QWidget {
   EntityPicture selection_;
   IDs selected_ = std::make_shared<const std::unordered_set<UUID>>();
   IDs draggedIDs_;   // null while nothing is dragged
+  IDs leftOutIDs_;   // null while the picture of the entities has them all
   IDs selectedIDs_;  // null while the selection is small enough to be painted live
+  std::optional<CanvasDifference> difference_;
+  std::array<EntityPicture, kDifferenceLayers.size()> layers_;
+  QImage clouds_;
+  std::optional<std::pair<PictureView, CanvasDifference>> cloudsOf_;  // blend left at its default
   bool isExact_ = false;
   QRegion overlay_;  // what lay over the pictures after the last change, widget coordinates
 };

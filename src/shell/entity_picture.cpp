@@ -12,6 +12,7 @@
 #include "core/entity_source.h"
 #include "interaction/canvas_overlays.h"
 #include "interaction/canvas_renderer.h"
+#include "interaction/difference_layers.h"
 #include "shell/pixel_canvas_painter.h"
 
 namespace ostrelon {
@@ -66,7 +67,27 @@ std::optional<int> wholePixels(double movement) {
   return static_cast<int>(rounded);
 }
 
+/// The layer of a difference that a picture is of, if it is of one.
+std::optional<DifferenceLayer> layerOf(EntityPicture::Kind kind) {
+  switch (kind) {
+    case EntityPicture::Kind::changedBefore:
+      return DifferenceLayer::changedBefore;
+    case EntityPicture::Kind::removed:
+      return DifferenceLayer::removed;
+    case EntityPicture::Kind::changedAfter:
+      return DifferenceLayer::changedAfter;
+    case EntityPicture::Kind::added:
+      return DifferenceLayer::added;
+    case EntityPicture::Kind::entitiesWithout:
+    case EntityPicture::Kind::entitiesNamed:
+    case EntityPicture::Kind::selection:
+      return std::nullopt;
+  }
+  return std::nullopt;
+}
+
 bool isShown(EntityPicture::Kind kind, const PictureContent& content, const UUID& id) {
+  if (layerOf(kind)) return true;
   const bool named = content.ids && !content.ids->empty() && content.ids->contains(id);
   return named == (kind != EntityPicture::Kind::entitiesWithout);
 }
@@ -92,11 +113,15 @@ class Brush {
  public:
   Brush(EntityPicture::Kind kind, const CanvasFrame& frame, const PictureContent& content,
         CanvasPainter& painter)
-      : kind_(kind), frame_(frame), content_(content), layer_(frame, content.systems), painter_(painter) {}
+      : kind_(kind), frame_(frame), content_(content), layer_(frame, content.systems), painter_(painter) {
+    if (const auto layer = layerOf(kind)) difference_.emplace(frame, content.systems, *layer);
+  }
 
   void paint(const SketchEntity& entity) {
     if (!isShown(kind_, content_, entityID(entity))) return;
-    if (kind_ == EntityPicture::Kind::selection) {
+    if (difference_) {
+      difference_->paint(painter_, entity);
+    } else if (kind_ == EntityPicture::Kind::selection) {
       paintSelectedEntity(painter_, frame_, entity, content_.systems);
     } else {
       layer_.paint(painter_, entity);
@@ -108,6 +133,7 @@ class Brush {
   const CanvasFrame& frame_;
   const PictureContent& content_;
   EntityLayerPainter layer_;
+  std::optional<DifferenceEntityPainter> difference_;
   CanvasPainter& painter_;
 };
 

@@ -49,6 +49,11 @@ class EntityPicture {
     entitiesWithout,  ///< the entity layer, without the entities named by `ids`
     entitiesNamed,    ///< the entity layer of the entities named by `ids` alone
     selection,        ///< the selection highlight of the entities named by `ids`
+    // The layers of the difference of two drawings, each with all of its entities
+    changedBefore,
+    removed,
+    changedAfter,
+    added,
   };
 
   /// `painted` is called, on another thread, whenever a painting that took longer has ended: then it is

@@ -130,15 +130,24 @@ void MainWindow::place() {
   const int w = width();
   const int h = height();
   const bool navigationFolds = w < kNavigationWidth;
-  const bool wallsFold = w < kWallPanelWidth;
+  const bool rightFolds = w < kWallPanelWidth;
+  QWidget* rightPanel = wallSystems_;
+  if (review_ != nullptr) rightPanel = review_;
   topBar_->setKeyHintsVisible(w >= kKeyHintsWidth);
-  if ((unfolded_ == navigation_ && !navigationFolds) || (unfolded_ == wallSystems_ && !wallsFold))
+  if ((unfolded_ == navigation_ && !navigationFolds) || (unfolded_ == rightPanel && !rightFolds))
     unfolded_ = nullptr;
   navigation_->setRail(navigationFolds && unfolded_ != navigation_);
-  wallSystems_->setRail(wallsFold && unfolded_ != wallSystems_);
+  const bool isRail = rightFolds && unfolded_ != rightPanel;
+  if (review_ != nullptr) {
+    review_->setRail(isRail);
+  } else {
+    wallSystems_->setRail(isRail);
+  }
 
   const int left = navigationFolds ? LeftNavView::kRailWidth : LeftNavView::kWidth;
-  const int right = wallsFold ? WallSystemPanelView::kRailWidth : WallSystemPanelView::kWidth;
+  static_assert(ReviewPanel::kRailWidth == WallSystemPanelView::kRailWidth);
+  const int rightWidth = review_ != nullptr ? ReviewPanel::kWidth : WallSystemPanelView::kWidth;
+  const int right = rightFolds ? WallSystemPanelView::kRailWidth : rightWidth;
   const int top = TopMenuBarView::kHeight;
   const int wanted = static_cast<int>(std::lround(console_->panelHeight()));
   // A short window shows the console at its least height; its own comes back once it fits.
@@ -151,8 +160,8 @@ void MainWindow::place() {
   topBar_->setGeometry(left, 0, w - left, top);
   canvas_->setGeometry(left, top, canvasWidth, h - top - consoleHeight);
   console_->setGeometry(left, h - consoleHeight, canvasWidth, consoleHeight);
-  const int wallsWidth = unfolded_ == wallSystems_ ? WallSystemPanelView::kWidth : right;
-  wallSystems_->setGeometry(w - wallsWidth, top, wallsWidth, h - top);
+  const int shownWidth = unfolded_ == rightPanel ? rightWidth : right;
+  rightPanel->setGeometry(w - shownWidth, top, shownWidth, h - top);
   unfoldedShadow_->setVisible(unfolded_ != nullptr);
   if (unfolded_ != nullptr) {
     const int reach = shadowReach(2);
@@ -160,6 +169,28 @@ void MainWindow::place() {
     unfoldedShadow_->raise();
     unfolded_->raise();
   }
+}
+
+void MainWindow::setReviewPanel(ReviewPanel* panel) {
+  if (panel == review_) return;
+  QWidget* before = review_;
+  if (before == nullptr) before = wallSystems_;
+  const bool wasUnfolded = unfolded_ == before;
+  const bool hadFocus = before->isAncestorOf(QApplication::focusWidget());
+  if (wasUnfolded) unfolded_ = nullptr;
+  if (review_ != nullptr) {
+    review_->hide();
+    review_->deleteLater();
+  }
+  review_ = panel;
+  wallSystems_->setVisible(review_ == nullptr);
+  if (review_ != nullptr) {
+    review_->setParent(this);
+    connect(review_, &ReviewPanel::unfoldRequested, this, [this] { unfold(review_); });
+    review_->show();
+  }
+  if (hadFocus) console_->input()->setFocus(Qt::OtherFocusReason);
+  place();
 }
 
 void MainWindow::unfold(QWidget* panel) {

@@ -11,6 +11,7 @@
 #include "shell/canvas_widget.h"
 #include "shell/console_panel.h"
 #include "shell/left_nav_view.h"
+#include "shell/review_panel.h"
 #include "shell/top_bar.h"
 #include "shell/wall_system_panel.h"
 
@@ -28,6 +29,11 @@ class MainWindow final : public QWidget {
   TopMenuBarView& topBar() { return *topBar_; }
   LeftNavView& navigation() { return *navigation_; }
   WallSystemPanelView& wallSystems() { return *wallSystems_; }
+
+  /// Puts a panel in the place of the wall systems, instead of one that is there, which is deleted; null
+  /// brings the wall systems back.
+  void setReviewPanel(ReviewPanel* panel);
+  ReviewPanel* reviewPanel() { return review_; }
 
   /// The size and place of the window and its panels, as the last run left them.
   void restoreLayout();
@@ -59,6 +65,7 @@ class MainWindow final : public QWidget {
   CanvasOverlay* overlay_;
   ConsoleView* console_;
   WallSystemPanelView* wallSystems_;
+  ReviewPanel* review_ = nullptr;
   QWidget* unfolded_ = nullptr;  // a folded panel that lies unfolded over the canvas
   bool isFoldingClick_ = false;  // the button is held with which a panel was folded
   SwallowedLetters swallowedLetters_;

@@ -343,5 +343,33 @@ TEST_F(CanvasWidgetTest, AMoveOfThePointerRepaintsWhatItChangesAndLittleMore) {
   }
 }
 
+TEST_F(CanvasWidgetTest, ShowsADifferenceAsAPictureOfItDoes) {
+  const QImage plain = shown();
+  const Drawing before = sketch.drawing;
+  addLine(sketch, {-40, -20}, {40, -20});
+  sketch.edit([](Drawing& drawing) { drawing.entities.remove(1); });
+  const Drawing& after = sketch.drawing;
+  const auto layers = std::make_shared<const DifferenceLayers>(
+      differenceLayers(compareDrawings(before, after), before.wallSystemSpecs, after.wallSystemSpecs));
+  const auto expected = [&](double blend) {
+    QImage image(640, 440, QImage::Format_RGB32);
+    PixelCanvasPainter painter(image, 1);
+    const CanvasFrame frame{{board.viewport(), {640, 440}}, lightPalette()};
+    paintBackground(painter, frame);
+    paintDifference(painter, frame, *layers, after.entities, blend);
+    return image;
+  };
+  for (const double blend : {kBothSides, 0.0, 1.0}) {
+    canvas.setDifference(CanvasDifference{layers, blend, std::nullopt});
+    EXPECT_TRUE(looksAlike(shown(), expected(blend), "difference")) << blend;
+    board.pan(20, 10);
+    EXPECT_TRUE(looksAlike(shown(), expected(blend), "difference-moved")) << blend;
+    board.pan(-20, -10);
+  }
+  sketch.edit([&](Drawing& drawing) { drawing = before; });
+  canvas.setDifference(std::nullopt);
+  EXPECT_TRUE(looksAlike(shown(), plain, "difference-ended"));
+}
+
 }  // namespace
 }  // namespace ostrelon
