@@ -86,6 +86,18 @@ std::vector<MenuChoice> appearanceChoices(Application& app) {
   return choices;
 }
 
+std::vector<MenuChoice> justificationChoices(Application& app) {
+  std::vector<MenuChoice> choices;
+  for (const auto& [justification, title] :
+       {std::pair{WallJustification::middle, "Middle"}, std::pair{WallJustification::leftFace, "Left Face"},
+        std::pair{WallJustification::rightFace, "Right Face"}}) {
+    choices.push_back(
+        {title, true, app.workspace().board.wallJustification == justification,
+         [chosen = justification](Application& to) { to.workspace().board.setWallJustification(chosen); }});
+  }
+  return choices;
+}
+
 // Runs what a window does for the program; nothing where there is none.
 void runIfThere(const std::function<void()>& action) {
   if (action) action();
@@ -146,6 +158,8 @@ constexpr std::array kMenuCommands{
     separator("Sketch"),
     row("Sketch", "Clear Sketch", "⇧⌘K", [](Application& app) { app.workspace().board.clearSketch(); }),
     row("Sketch", "Toggle Grid", "⌘G", toggleGrid),
+    separator("Sketch"),
+    submenu("Sketch", "Wall Justification", justificationChoices),
     row("Console", "Show Help", "", showHelp),
     submenu("View", "Appearance", appearanceChoices),
     separator("View"),

@@ -27,6 +27,14 @@ Json commandToJson(const Action& command) {
                     {"origin", toJson(rectangle.origin)},
                     {"size", toJson(rectangle.size)}};
           },
+          [](const DrawRun& run) -> Json {
+            Json walls = Json::array();
+            for (const auto& [from, to] : run.axes) walls.push_back({toJson(from), toJson(to)});
+            return {{"case", "run"},
+                    {"walls", walls},
+                    {"systemSpecID", toJson(run.systemSpecID)},
+                    {"typedLength", toJson(run.typedLength)}};
+          },
           [](const SelectEntities& select) -> Json {
             return {{"case", "select"}, {"indices", toJson(select.indices)}};
           },
@@ -101,6 +109,14 @@ Action Reader<Action>::read(const Json& json, const ReadContext& context) {
   }
   if (kind == "select") {
     return SelectEntities{Reader<std::vector<std::int64_t>>::read(memberOf(json, "indices"), context)};
+  }
+  if (kind == "run") {
+    DrawRun run{{}, id("systemSpecID"), Reader<double>::read(memberOf(json, "typedLength"), context)};
+    for (const auto& [from, to] :
+         Reader<std::vector<std::pair<SketchPoint, SketchPoint>>>::read(memberOf(json, "walls"), context)) {
+      run.axes.push_back({from, to});
+    }
+    return run;
   }
   if (kind == "assign") return AssignWallSystem{id("specID")};
   if (kind == "specUse") return UseWallSystem{id("specID")};

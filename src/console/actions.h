@@ -11,6 +11,7 @@
 #include "core/entity_edits.h"
 #include "core/sketch_point.h"
 #include "documents/merge.h"
+#include "geometry/wall_run.h"
 #include "interaction/sketch_tool.h"
 #include "platform/uuid.h"
 
@@ -37,6 +38,12 @@ struct DrawRectangle {
 };
 struct DrawPolygon {
   std::vector<SketchPoint> vertices;  ///< 3 or more
+};
+/// Walls along a typed path (run_command.h).
+struct DrawRun {
+  std::vector<WallAxis> axes;  ///< 1 or more
+  UUID systemSpecID;
+  double typedLength = 0;  ///< of the path
 };
 struct ClearDrawing {};
 
@@ -134,11 +141,11 @@ struct MergeDrawing {
 struct ShowHelp {};
 struct ShowMore {};
 
-using Action =
-    std::variant<DrawLine, DrawWall, DrawCircle, DrawRectangle, DrawPolygon, ClearDrawing, ActivateTool,
-                 SelectEntities, CopySelection, PasteClipboard, AssignWallSystem, MoveSelectedLine,
-                 SetSelectedLength, NudgeSelection, AlignSelection, ConvertSelection, TrimEntity,
-                 ExtendToBoundary, UseWallSystem, ShowWallSystem, ListWallSystems, ZoomView, SaveCheckpoint,
-                 ShowHistory, CreateBranch, SwitchBranch, CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;
+using Action = std::variant<DrawLine, DrawWall, DrawCircle, DrawRectangle, DrawPolygon, DrawRun, ClearDrawing,
+                            ActivateTool, SelectEntities, CopySelection, PasteClipboard, AssignWallSystem,
+                            MoveSelectedLine, SetSelectedLength, NudgeSelection, AlignSelection,
+                            ConvertSelection, TrimEntity, ExtendToBoundary, UseWallSystem, ShowWallSystem,
+                            ListWallSystems, ZoomView, SaveCheckpoint, ShowHistory, CreateBranch,
+                            SwitchBranch, CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;
 
 }  // namespace ostrelon::CommandInterpreter

@@ -86,6 +86,7 @@ struct Completion {
   std::vector<std::string_view> words = {};
   Names names = Names::none;
   std::string_view onlyAfter = {};  ///< the word before must be this one, if any is named
+  bool isLasting = false;           ///< at every later place too
 };
 
 struct Command {

@@ -46,6 +46,14 @@ void applyToValidationState(const Action& command, ParseState& state) {
                  [&](const DrawRectangle& rectangle) {
                    state.entities.append(RectangleEntity{UUID::random(), rectangle.origin, rectangle.size});
                  },
+                 [&](const DrawRun& run) {
+                   std::unordered_set<UUID> added;
+                   for (const auto& [from, to] : run.axes) {
+                     const UUID id = *added.insert(UUID::random()).first;
+                     state.entities.append(WallEntity{id, from, to, run.systemSpecID});
+                   }
+                   state.selectedEntityIDs = std::move(added);
+                 },
                  [&](const SelectEntities& select) {
                    std::unordered_set<UUID> selected;
                    for (const std::int64_t index : select.indices) {

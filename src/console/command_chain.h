@@ -58,6 +58,7 @@ struct ChainExecutionContext {
   int specCommands = 0;
   int collinearMerges = 0;
   int cornerJoins = 0;
+  int runsAdded = 0;
 };
 
 /// Runs one command; a message says why it could not run.

@@ -61,6 +61,7 @@ int* counterOf(const Action& command, ChainExecutionContext& chain) {
   return std::visit(Overloaded{
                         [&](const DrawCircle&) { return &chain.circlesAdded; },
                         [&](const DrawRectangle&) { return &chain.rectanglesAdded; },
+                        [&](const DrawRun&) { return &chain.runsAdded; },
                         [&](const SelectEntities&) { return &chain.selectionUpdates; },
                         [&](const AssignWallSystem&) { return &chain.wallAssignments; },
                         [&](const UseWallSystem&) { return &chain.specCommands; },
@@ -133,6 +134,7 @@ std::string chainSummary(const ChainExecutionContext& chain, std::size_t count) 
       Part{chain.selectionUpdates, "selection updated", "selections updated"},
       Part{chain.wallAssignments, "wall assignment", "wall assignments"},
       Part{chain.specCommands, "spec command", "spec commands"},
+      Part{chain.runsAdded, "run added", "runs added"},
   };
   std::string text;
   for (const Part& part : parts) {

@@ -75,7 +75,9 @@ std::vector<std::string> wordsAfter(const Words& words, const CommandContext& co
   if (command == nullptr) return possible;
   const std::string last = lowerCased(words.back());
   for (const Completion& completion : command->completions) {
-    if (completion.position != words.size()) continue;
+    const bool isHere =
+        completion.isLasting ? completion.position <= words.size() : completion.position == words.size();
+    if (!isHere) continue;
     if (!completion.onlyAfter.empty() && completion.onlyAfter != last) continue;
     possible.insert(possible.end(), completion.words.begin(), completion.words.end());
     if (completion.names == Completion::Names::wallSystems) {

@@ -7,6 +7,7 @@
 #include "console/edit_commands.h"
 #include "console/help_commands.h"
 #include "console/history_commands.h"
+#include "console/run_command.h"
 #include "console/selection_commands.h"
 #include "console/trim_commands.h"
 #include "console/wall_system_commands.h"
@@ -160,6 +161,15 @@ std::vector<Command> makeTable() {
        .isKnownInChains = true,
        .chainRefusal = "help cannot be used in a chain.",
        .parse = parseHelp},
+      {.word = "run",
+       .usage = "run <x>,<y> <direction><length>… [c] [out|in|mid]",
+       .summary = "draw walls along a path by one of their faces; c closes it",
+       .example = "run 0,0 e42' n28' w42' c out",
+       .completions = {{.position = 2,
+                        .words = {"c", "e", "in", "mid", "n", "ne", "nw", "out", "s", "se", "sw", "w"},
+                        .isLasting = true}},
+       .isKnownInChains = true,
+       .parse = parseRun},
       {.word = "compare",
        .usage = "compare <name>",
        .summary = "what differs from a branch, a checkpoint or a document",

@@ -14,6 +14,7 @@
 
 #include "core/messages.h"
 #include "core/sketch.h"
+#include "geometry/wall_run.h"
 #include "interaction/gesture.h"
 #include "interaction/sketch_tool.h"
 #include "platform/scheduler.h"
@@ -61,6 +62,8 @@ class Board {
   /// The axes to which the draft was locked last; tracking prefers them.
   Field<std::vector<AxisSnap>> draftAxes{tracker_};
   Field<std::optional<UUID>> trimCuttingEdge{tracker_};
+  /// The part of a wall that the pointer draws. It lasts as long as the program.
+  Field<WallJustification> wallJustification{tracker_, WallJustification::middle};
 
   Sketch& sketch() const { return sketch_; }
   Messages& messages() const { return messages_; }
@@ -183,6 +186,7 @@ class Board {
 
   void beginDraft(SketchPoint point);
   void updateDraft(SketchPoint point);
+  void setWallJustification(WallJustification justification) { wallJustification = justification; }
   /// Puts the moving point of the draft exactly there.
   void setDraftCurrent(SketchPoint point);
   /// Adds what the draft has become, unless it is too small for its tool.

@@ -230,9 +230,7 @@ void paintTrim(CanvasPainter& painter, const Board& board, const CanvasFrame& fr
 void paintDrafts(CanvasPainter& painter, const Board& board, const CanvasFrame& frame) {
   const SketchTool tool = board.tool.get();
   const SketchDraft* draft = board.draft();
-  const auto entity = draft && isDraftLargeEnough(tool, *draft)
-                          ? draftedEntity(tool, *draft, board.sketch().drawing->activeWallSystemSpecID)
-                          : std::nullopt;
+  const auto entity = draft && isDraftLargeEnough(tool, *draft) ? draftedEntity(board) : std::nullopt;
   if (entity) {
     EntityShape shape;
     outlineEntity(*entity, wallThickness(*entity, board), frame, shape);

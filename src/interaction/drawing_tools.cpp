@@ -7,6 +7,7 @@
 #include "core/circle.h"
 #include "core/length_text.h"
 #include "interaction/board.h"
+#include "interaction/canvas_frame.h"
 #include "interaction/sketch_snapping.h"
 #include "interaction/tracking.h"
 
@@ -33,6 +34,19 @@ std::optional<SketchEntity> draftedEntity(SketchTool tool, const SketchDraft& dr
       return std::nullopt;
   }
   return std::nullopt;
+}
+
+std::optional<SketchEntity> draftedEntity(const Board& board) {
+  if (board.draft() == nullptr) return std::nullopt;
+  const Drawing& drawing = board.sketch().drawing;
+  auto entity = draftedEntity(board.tool, *board.draft(), drawing.activeWallSystemSpecID);
+  if (auto* wall = entity ? std::get_if<WallEntity>(&*entity) : nullptr) {
+    const double thickness = paintedWallThickness(*wall, drawing.wallSystemSpecs);
+    const auto [from, to] = justifiedAxis({wall->from, wall->to}, thickness, board.wallJustification);
+    wall->from = from;
+    wall->to = to;
+  }
+  return entity;
 }
 
 bool isDraftLargeEnough(SketchTool tool, const SketchDraft& draft) {
@@ -101,7 +115,7 @@ void Board::commitTypedDraft() { addDraft(true); }
 void Board::addDraft(bool whateverItsSize) {
   if (draft() == nullptr) return;
   const auto scope = change();
-  auto entity = draftedEntity(tool, *draft(), sketch_.drawing->activeWallSystemSpecID);
+  auto entity = draftedEntity(*this);
   if (entity && (whateverItsSize || isDraftLargeEnough(tool, *draft()))) {
     addEntity(sketch_, withEntityID(std::move(*entity), UUID::random()));
   }

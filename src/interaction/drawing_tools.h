@@ -22,6 +22,9 @@ inline constexpr std::size_t kMinimumPolygonVertices = 3;
 /// wall with `wallSystemID`. Absent for the tools that draw nothing with two points.
 std::optional<SketchEntity> draftedEntity(SketchTool tool, const SketchDraft& draft,
                                           const UUID& wallSystemID);
+/// What the draft in progress becomes, with a null identifier: a wall lies beside the drawn line where that
+/// is one of its faces. Absent without one.
+std::optional<SketchEntity> draftedEntity(const Board& board);
 /// True when a draft is large enough for the tool to make an entity of it.
 bool isDraftLargeEnough(SketchTool tool, const SketchDraft& draft);
 
