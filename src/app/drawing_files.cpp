@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <array>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
 
@@ -43,18 +41,10 @@ std::optional<Drawing> readBase(FileSystem& files, const FilePath& path) {
   return readDocument(files, path).drawing;
 }
 
-std::string numberText(double number) {
-  std::array<char, kLongestNumberText> text{};
-  // The sign of a negative zero stays in a file, and says nothing.
-  return {text.data(), putNumber32(text.data(), number == 0 ? 0 : number)};
-}
+// The sign of a negative zero stays in a file, and says nothing.
+std::string numberText(double number) { return number32Text(number == 0 ? 0 : number); }
 
 std::string pointText(SketchPoint point) { return numberText(point.x) + ' ' + numberText(point.y); }
-
-// In quotation marks, and on one line whatever it holds.
-std::string quoted(const std::string& text) {
-  return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-}
 
 std::string shapeText(const SketchEntity& entity, const Drawing& drawing) {
   return std::visit(
@@ -62,7 +52,7 @@ std::string shapeText(const SketchEntity& entity, const Drawing& drawing) {
                  [&](const WallEntity& wall) {
                    const WallSystemSpec* system = drawing.wallSystem(wall.systemSpecID);
                    return pointText(wall.from) + ' ' + pointText(wall.to) + ' ' +
-                          (system == nullptr ? "unknown" : quoted(system->name));
+                          (system == nullptr ? "unknown" : quotedText(system->name));
                  },
                  [](const CircleEntity& circle) {
                    return pointText(circle.center) + ' ' + numberText(circle.radius);
@@ -111,7 +101,12 @@ int mergeFiles(const CommandLine& line, FileSystem& files, const PrintLine& prin
   const Drawing merged = mergedDrawing(
       merge, ours.drawing, [&](const MergeConflict&) { return line.prefer.value_or(MergeChoice::ours); });
   const DrawingDifference taken = compareDrawings(ours.drawing, merged);
-  if (!merge.empty()) ours.undo.push_back({std::exchange(ours.drawing, merged).entities});
+  if (!merge.empty()) {
+    Drawing before = std::exchange(ours.drawing, merged);
+    UndoTwin twin;
+    if (before.plan != merged.plan) twin.plan = std::move(before.plan);
+    ours.undo.push_back({std::move(before.entities), std::move(twin)});
+  }
   const SketchDocumentV2 document = documentOf(std::move(ours.name), ours.drawing, ours.viewport, ours.undo);
   files.writeFile(standardizedPath(*line.saveAs), [&](const FileSystem::Writer& write) {
     SketchDocumentIO::encodeDocument(document, write);
@@ -123,12 +118,23 @@ int mergeFiles(const CommandLine& line, FileSystem& files, const PrintLine& prin
 void describeDrawing(const Drawing& drawing, const PrintLine& print) {
   for (const WallSystemSpec& system : drawing.wallSystemSpecs) {
     print(fmt::format("wall-system {} {} thickness {} height {} notes {}", system.id.text(),
-                      quoted(system.name), numberText(system.thickness), numberText(system.height),
-                      quoted(system.assemblyNotes)));
+                      quotedText(system.name), numberText(system.thickness), numberText(system.height),
+                      quotedText(system.assemblyNotes)));
   }
   for (const SketchEntity& entity : drawing.entities) {
     print(
         fmt::format("{} {} {}", entityKindName(entity), entityID(entity).text(), shapeText(entity, drawing)));
+  }
+  const Plan& plan = drawing.plan;
+  for (const Opening& opening : plan.openings) {
+    print(fmt::format("{} {} wall {} distance {} width {} hinge {} swing {}", openingKindName(opening.kind),
+                      opening.id.text(), opening.wallID.text(), number64Text(opening.distance),
+                      number64Text(opening.width), hingeName(opening.hinge), swingName(opening.swing)));
+  }
+  if (plan.look != PlanLook()) {
+    const auto word = [](bool isOn) { return isOn ? "on" : "off"; };
+    print(fmt::format("look clean {} fill {} weights {}", word(plan.look.cleanWalls),
+                      word(plan.look.filledWalls), word(plan.look.lineWeights)));
   }
 }
 

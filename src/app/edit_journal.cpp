@@ -118,7 +118,7 @@ void EditJournal::followBasis() {
   undoCount_ = stack.undoSnapshots().size();
   redoCount_ = stack.redoSnapshots().size();
   lastUndo_ = undoCount_ > 0 ? stack.undoSnapshots().back().entities : EntityList();
-  lastRedo_ = redoCount_ > 0 ? stack.redoSnapshots().back().entities : EntityList();
+  lastRedo_ = redoCount_ > 0 ? stack.redoSnapshots().back() : SketchUndoSnapshot();
   undoWrites_ = workspace_.sketch.undoStack.writes();
 }
 
@@ -132,6 +132,7 @@ std::optional<JournalRecord> EditJournal::recordOfChanges() const {
   if (drawing.activeWallSystemSpecID != drawing_.activeWallSystemSpecID) {
     record.activeWallSystemSpecID = drawing.activeWallSystemSpecID;
   }
+  if (drawing.plan != drawing_.plan) record.plan = planChange(drawing_.plan, drawing.plan);
   if (*workspace_.document.name != name_) record.name = workspace_.document.name;
   if (workspace_.sketch.undoStack.writes() == undoWrites_) return record;
 
@@ -141,7 +142,8 @@ std::optional<JournalRecord> EditJournal::recordOfChanges() const {
     return step.entities.sharesAllStorage(drawing_.entities);
   };
   if (undo.size() == undoCount_ + 1 && redo.size() + 1 == redoCount_ && isBefore(undo.back()) &&
-      drawing.entities == lastRedo_) {
+      drawing.entities == lastRedo_.entities &&
+      (!lastRedo_.twin.plan || *lastRedo_.twin.plan == drawing.plan)) {
     record.step = JournalStep::redo;
   } else if (undo.size() + 1 == undoCount_ && redo.size() == redoCount_ + 1 && isBefore(redo.back())) {
     record.step = JournalStep::undo;
@@ -149,7 +151,7 @@ std::optional<JournalRecord> EditJournal::recordOfChanges() const {
              (undoCount_ == 0 || undo[undoCount_ - 1].entities.sharesAllStorage(lastUndo_))) {
     record.step = JournalStep::edit;
     for (std::size_t i = undoCount_; i < undo.size(); ++i) {
-      record.steps.push_back(EntityList::splices(drawing_.entities, undo[i].entities));
+      record.steps.push_back(journalStepOf(undo[i], drawing_));
     }
   } else {
     return std::nullopt;
@@ -164,6 +166,7 @@ void EditJournal::write(const JournalRecord& record) {
     base_.wallSystemSpecs = drawing_.wallSystemSpecs;
     base_.activeWallSystemSpecID = drawing_.activeWallSystemSpecID;
     base_.showGrid = drawing_.showGrid;
+    base_.plan = drawing_.plan;
     base_.snapshot.reset();
     base_.changes = 0;
     base_.changedAt.reset();
@@ -211,7 +214,7 @@ void EditJournal::remember() {
   undoCount_ = stack.undoSnapshots().size();
   redoCount_ = stack.redoSnapshots().size();
   lastUndo_ = undoCount_ > 0 ? stack.undoSnapshots().back().entities : EntityList();
-  lastRedo_ = redoCount_ > 0 ? stack.redoSnapshots().back().entities : EntityList();
+  lastRedo_ = redoCount_ > 0 ? stack.redoSnapshots().back() : SketchUndoSnapshot();
   drawingWrites_ = workspace_.sketch.drawingWrites();
   undoWrites_ = workspace_.sketch.undoStack.writes();
   nameWrites_ = workspace_.document.name.writes();

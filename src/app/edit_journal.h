@@ -84,7 +84,7 @@ class EditJournal {
   std::size_t undoCount_ = 0;
   std::size_t redoCount_ = 0;
   EntityList lastUndo_;
-  EntityList lastRedo_;
+  SketchUndoSnapshot lastRedo_;
   std::uint64_t drawingWrites_ = 0;
   std::uint64_t undoWrites_ = 0;
   std::uint64_t nameWrites_ = 0;

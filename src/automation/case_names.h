@@ -8,6 +8,7 @@
 
 #include "core/document_toast.h"
 #include "core/entity_edits.h"
+#include "core/plan.h"
 #include "documents/app_settings.h"
 #include "documents/merge.h"
 #include "geometry/trim.h"
@@ -52,6 +53,21 @@ struct CaseNames<EntityEditResult> {
     return std::to_array<std::string_view>(
         {"applied", "unchanged", "noSelection", "invalidValue", "unsupported"});
   }
+};
+
+template <>
+struct CaseNames<OpeningKind> {
+  static constexpr auto names() { return std::to_array<std::string_view>({"door", "window", "opening"}); }
+};
+
+template <>
+struct CaseNames<DoorHinge> {
+  static constexpr auto names() { return std::to_array<std::string_view>({"left", "right"}); }
+};
+
+template <>
+struct CaseNames<DoorSwing> {
+  static constexpr auto names() { return std::to_array<std::string_view>({"in", "out"}); }
 };
 
 template <>

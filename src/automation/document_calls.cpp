@@ -20,7 +20,8 @@ std::vector<UUID> inOrder(const std::unordered_set<UUID>& ids, const EntityList&
   return ordered;
 }
 
-// What a comparison or a merge answers: the identifiers of wall systems, then those of entities. Of a merge
+// What a comparison or a merge answers: the identifiers of wall systems, then those of entities, then those
+// of openings. Of a merge
 // these are the changes that were made, and the conflicts that kept it from being done.
 Json differenceIDs(const DrawingDifference& difference, const Drawing& before, const Drawing& after,
                    const std::vector<MergeConflict>& conflicts) {
@@ -50,11 +51,18 @@ Json differenceIDs(const DrawingDifference& difference, const Drawing& before, c
   std::vector<UUID> open;
   open.reserve(conflicts.size());
   for (const MergeConflict& conflict : conflicts) open.push_back(conflictID(conflict));
-  return {
+  Json result{
       {"added", ids(systemIDs(difference.addedSystems), entityIDs(difference.added), after.entities)},
       {"removed", ids(systemIDs(difference.removedSystems), entityIDs(difference.removed), before.entities)},
       {"changed", ids(changedSystems, changed, after.entities)},
       {"conflicts", toJson(open)}};
+  const auto addOpening = [&](const char* group, const Opening& opening) {
+    result[group].push_back(toJson(opening.id));
+  };
+  for (const Opening& opening : difference.plan.added) addOpening("added", opening);
+  for (const Opening& opening : difference.plan.removed) addOpening("removed", opening);
+  for (const auto& [old, now] : difference.plan.changed) addOpening("changed", now);
+  return result;
 }
 
 }  // namespace

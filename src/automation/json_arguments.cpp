@@ -237,9 +237,39 @@ SketchSnapResult Reader<SketchSnapResult>::read(const Json& json, const ReadCont
 }
 
 template <>
+Opening Reader<Opening>::read(const Json& json, const ReadContext& context) {
+  expectObject(json, "an opening");
+  Opening opening;
+  opening.id = member<UUID>(json, "id", context);
+  opening.wallID = member<UUID>(json, "wallID", context);
+  opening.kind = member<OpeningKind>(json, "kind", context);
+  opening.distance = member<double>(json, "distance", context);
+  opening.width = member<double>(json, "width", context);
+  if (json.contains("hinge")) opening.hinge = member<DoorHinge>(json, "hinge", context);
+  if (json.contains("swing")) opening.swing = member<DoorSwing>(json, "swing", context);
+  return opening;
+}
+
+template <>
+Plan Reader<Plan>::read(const Json& json, const ReadContext& context) {
+  expectObject(json, "a plan {\"look\":{…},\"openings\":[…]}");
+  Plan plan;
+  if (json.contains("look")) {
+    const Json& look = json.at("look");
+    expectObject(look, "a look {\"cleanWalls\":true,…}");
+    plan.look = {member<bool>(look, "cleanWalls", context), member<bool>(look, "filledWalls", context),
+                 member<bool>(look, "lineWeights", context)};
+  }
+  if (json.contains("openings")) plan.openings = member<std::vector<Opening>>(json, "openings", context);
+  return plan;
+}
+
+template <>
 SketchUndoSnapshot Reader<SketchUndoSnapshot>::read(const Json& json, const ReadContext& context) {
   expectObject(json, "an undo snapshot {\"entities\":[…]}");
-  return {member<EntityList>(json, "entities", context)};
+  SketchUndoSnapshot snapshot{member<EntityList>(json, "entities", context)};
+  if (json.contains("plan")) snapshot.twin.plan = member<Plan>(json, "plan", context);
+  return snapshot;
 }
 
 template <>

@@ -129,7 +129,32 @@ Json toJson(const SelectDragState& value) {
                     value);
 }
 
-Json toJson(const SketchUndoSnapshot& value) { return {{"entities", toJson(value.entities)}}; }
+Json toJson(const Opening& value) {
+  Json json{{"id", toJson(value.id)},
+            {"wallID", toJson(value.wallID)},
+            {"kind", toJson(value.kind)},
+            {"distance", value.distance},
+            {"width", value.width}};
+  if (value.kind == OpeningKind::door) {
+    json["hinge"] = toJson(value.hinge);
+    json["swing"] = toJson(value.swing);
+  }
+  return json;
+}
+
+Json toJson(const Plan& value) {
+  return {{"look",
+           {{"cleanWalls", value.look.cleanWalls},
+            {"filledWalls", value.look.filledWalls},
+            {"lineWeights", value.look.lineWeights}}},
+          {"openings", toJson(value.openings.list())}};
+}
+
+Json toJson(const SketchUndoSnapshot& value) {
+  Json json{{"entities", toJson(value.entities)}};
+  if (value.twin.plan && !value.twin.plan->empty()) json["plan"] = toJson(*value.twin.plan);
+  return json;
+}
 
 Json toJson(const SketchUndoStack& value) {
   return {{"undoSnapshots", value.undoSnapshots().size()}, {"redoSnapshots", value.redoSnapshots().size()}};

@@ -73,6 +73,9 @@ Json toJson(const PolygonDraft& value);
 Json toJson(const SelectMarqueeState& value);
 Json toJson(const SelectionHandle& value);
 Json toJson(const SelectDragState& value);
+Json toJson(const Opening& value);
+Json toJson(const Plan& value);
+/// With "plan" where the snapshot holds one that is not empty.
 Json toJson(const SketchUndoSnapshot& value);
 Json toJson(const SketchUndoStack& value);
 Json toJson(const SketchCommandMutationState& value);

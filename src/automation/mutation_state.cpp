@@ -5,7 +5,7 @@
 namespace ostrelon {
 
 SketchCommandMutationState captureCommandMutationState(const Sketch& sketch, const Board& board) {
-  return {{sketch.entities()},
+  return {{sketch.entities(), {sketch.drawing->plan, {}}},
           sketch.selection->ids,
           sketch.selection->primary,
           board.tool,
@@ -19,6 +19,7 @@ void restoreCommandMutationState(Sketch& sketch, Board& board, const SketchComma
   const auto change = sketch.change();
   SketchState restored = sketch.state();
   restored.drawing.entities = state.undoSnapshot.entities;
+  restored.drawing.plan = state.undoSnapshot.twin.plan.value_or(Plan());
   restored.drawing.activeWallSystemSpecID = state.activeWallSystemSpecID;
   restored.selection.ids = state.selectedEntityIDs;
   restored.selection.primary = state.primarySelectedEntityID;
@@ -36,7 +37,7 @@ void restoreCommandMutationState(Sketch& sketch, Board& board, const SketchComma
 }
 
 void commitCommandMutationState(Sketch& sketch, const SketchCommandMutationState& state) {
-  sketch.recordStep(state.undoSnapshot.entities);
+  sketch.recordStep({state.undoSnapshot.entities, {state.undoSnapshot.twin.plan.value_or(Plan()), {}}});
 }
 
 void captureUndoCheckpoint(Sketch& sketch) { sketch.takeStep(); }

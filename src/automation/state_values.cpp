@@ -1,4 +1,5 @@
 // The observable properties of the long-lived objects by name.
+#include <algorithm>
 #include <array>
 
 #include "automation/automation_session.h"
@@ -98,7 +99,11 @@ constexpr std::array kStateFields{
     StateField{"undoCheckpointSuppressionDepth", [](const Workspace&) { return Json(0); }},
     StateField{"isSaveDialogActive",
                [](const Workspace& w) { return toJson(w.document.isSaveDialogActive.get()); }},
+    StateField{"plan", [](const Workspace& w) { return toJson(w.sketch.drawing->plan); }},
 };
+
+// Shown only where they are asked for.
+constexpr std::array<std::string_view, 2> kFieldsOnDemand{"consoleLines", "plan"};
 
 }  // namespace
 
@@ -106,7 +111,9 @@ Json stateOf(const Workspace& workspace, const std::optional<std::vector<std::st
   Json state = Json::object();
   if (!names) {
     for (const StateField& field : kStateFields) {
-      if (field.name != "consoleLines") state[std::string(field.name)] = field.value(workspace);
+      if (std::find(kFieldsOnDemand.begin(), kFieldsOnDemand.end(), field.name) == kFieldsOnDemand.end()) {
+        state[std::string(field.name)] = field.value(workspace);
+      }
     }
     return state;
   }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/entity_list.h"
+#include "core/plan.h"
 #include "core/wall_system.h"
 
 namespace ostrelon {
@@ -18,6 +19,7 @@ struct Drawing {
   std::vector<WallSystemSpec> wallSystemSpecs = defaultWallSystems();
   UUID activeWallSystemSpecID = wallSystemSpecs.front().id;  ///< may name a system that is gone
   bool showGrid = true;
+  Plan plan = {};
 
   /// The active system, or the first one when it is gone; null only when there is none at all.
   const WallSystemSpec* activeWallSystem() const;

@@ -61,62 +61,113 @@ std::vector<std::size_t> Sketch::selectedPositions() const {
 
 void Sketch::edit(const std::function<void(Drawing&)>& change, UndoStep step) {
   const ChangeScope scope(tracker_);
+  const Plan planBefore = drawing->plan;
+  // A copy of the list would have the edit copy what it changes, which only openings are worth.
+  const bool isDragged = step == UndoStep::none && dragStep_;
+  const EntityList entitiesBefore = planBefore.openings.empty() || isDragged ? EntityList() : entities();
+  const std::vector<WallSystemSpec> systemsBefore =
+      step == UndoStep::withWallSystems ? drawing->wallSystemSpecs : std::vector<WallSystemSpec>();
   countAsEdit(step);
   change(drawing.edit());
+  followWalls(entitiesBefore, planBefore.openings, isDragged);
+  if (step == UndoStep::none) return;
+
+  UndoTwin twin;
+  if (step == UndoStep::withWallSystems) {
+    twin.wallSystems = wallSystemChanges(systemsBefore, drawing->wallSystemSpecs);
+  }
+  if (openSteps_ > 0) {
+    openSystemChanges_.insert(openSystemChanges_.end(), twin.wallSystems.begin(), twin.wallSystems.end());
+    return;
+  }
+  if (planBefore != drawing->plan) twin.plan = planBefore;
+  if (!twin.empty()) undoStack.edit().setUndoTwin(std::move(twin));
+}
+
+void Sketch::followWalls(const EntityList& entitiesBefore, const SharedList<Opening>& openingsBefore,
+                         bool isDragged) {
+  const SharedList<Opening>& openings = drawing->plan.openings;
+  const bool areOwnEdit = openings != openingsBefore;
+  if (!areOwnEdit && !openings.empty()) {
+    drawing.edit().plan.openings =
+        isDragged ? followedOpenings(dragStep_->openings, dragStep_->followedFrom, entities())
+                  : followedOpenings(openings, entitiesBefore, entities());
+  }
+  if (dragStep_ && (areOwnEdit || !isDragged)) {
+    dragStep_->followedFrom = entities();
+    dragStep_->openings = openings;
+  }
 }
 
 void Sketch::countAsEdit(UndoStep step) {
   const ChangeScope scope(tracker_);
-  if (step == UndoStep::own && openSteps_ == 0) pushStep(entities());
+  if (step != UndoStep::none && openSteps_ == 0) pushStep({entities()});
   isDirty = true;
 }
 
 bool Sketch::asOneStep(const std::function<bool()>& changes) {
   const ChangeScope scope(tracker_);
   const SketchState before = state();
+  const std::size_t systemChanges = openSystemChanges_.size();
   ++openSteps_;
   const bool succeeded = changes();
   --openSteps_;
   if (succeeded) {
-    recordStep(before.drawing.entities);
+    recordStep({before.drawing.entities, {before.drawing.plan, {}}});
   } else {
+    openSystemChanges_.resize(systemChanges);
     setState(before);
   }
   return succeeded;
 }
 
-void Sketch::recordStep(const EntityList& before) {
-  if (openSteps_ == 0 && !(before == entities())) pushStep(before);
+void Sketch::recordStep(SketchUndoSnapshot before) {
+  if (openSteps_ > 0) return;
+  UndoTwin& twin = before.twin;
+  twin.wallSystems = std::exchange(openSystemChanges_, {});
+  if (twin.plan && *twin.plan == drawing->plan) twin.plan.reset();
+  if (!twin.empty() || !(before.entities == entities())) pushStep(std::move(before));
 }
 
-void Sketch::pushStep(const EntityList& before) {
+void Sketch::pushStep(SketchUndoSnapshot before) {
   const ChangeScope scope(tracker_);
   SketchUndoStack& stack = undoStack.edit();
   if (dragStep_ && !dragStep_->isRecorded) {
     dragStep_->isRecorded = true;
-    if (!(dragStep_->before == before)) stack.pushUndoSnapshot({dragStep_->before});
+    SketchUndoSnapshot dragged = dragStep_->before;
+    if (*dragged.twin.plan == (before.twin.plan ? *before.twin.plan : drawing->plan)) {
+      dragged.twin.plan.reset();
+    }
+    if (!dragged.twin.empty() || !(dragged.entities == before.entities)) {
+      stack.pushUndoSnapshot(std::move(dragged));
+    }
   }
-  stack.pushUndoSnapshot({before});
+  stack.pushUndoSnapshot(std::move(before));
 }
 
 // --- A drag, whose whole course is one step
 
-void Sketch::beginDragStep() { dragStep_ = DragStep{entities()}; }
+void Sketch::beginDragStep() { dragStep_ = DragStep{snapshot(), false, entities(), drawing->plan.openings}; }
 
 void Sketch::endDragStep() {
   if (!dragStep_) return;
-  const DragStep step = *std::exchange(dragStep_, std::nullopt);
-  if (!step.isRecorded) recordStep(step.before);
+  DragStep step = *std::exchange(dragStep_, std::nullopt);
+  if (!step.isRecorded) recordStep(std::move(step.before));
 }
 
 void Sketch::cancelDragStep() {
   if (!dragStep_) return;
   const ChangeScope scope(tracker_);
   const DragStep step = *dragStep_;
-  if (!(step.before == entities())) {
+  const Plan& plan = *step.before.twin.plan;
+  if (!(step.before.entities == entities()) || !(plan == drawing->plan)) {
     // The document may have been saved while the drag was under way.
-    edit([&](Drawing& edited) { edited.entities = step.before; },
-         step.isRecorded ? UndoStep::own : UndoStep::none);
+    edit(
+        [&](Drawing& edited) {
+          edited.entities = step.before.entities;
+          edited.plan = plan;
+        },
+        step.isRecorded ? UndoStep::own : UndoStep::none);
   }
   dragStep_.reset();
   settleSelection();
@@ -137,7 +188,7 @@ void Sketch::replace(Drawing replacement, std::vector<SketchUndoSnapshot> undoSt
   drawing = std::move(replacement);
   dragStep_.reset();
   selection = Selection{{}, std::nullopt, selection->isInspected};
-  clipboard = {};
+  setClipboard({});
   undoStack.edit().replaceUndoSnapshots(std::move(undoSteps));
 }
 
@@ -152,27 +203,34 @@ void Sketch::setActiveWallSystem(const UUID& id) {
 bool Sketch::undo() {
   if (undoStack->undoSnapshots().empty()) return false;
   const ChangeScope scope(tracker_);
-  const auto snapshot = undoStack.edit().popUndoSnapshot();
-  undoStack.edit().pushRedoSnapshot({entities()});
-  restore(snapshot->entities);
+  const auto step = undoStack.edit().popUndoSnapshot();
+  undoStack.edit().pushRedoSnapshot(restore(*step));
   return true;
 }
 
 bool Sketch::redo() {
   if (undoStack->redoSnapshots().empty()) return false;
   const ChangeScope scope(tracker_);
-  const auto snapshot = undoStack.edit().popRedoSnapshot();
-  undoStack.edit().appendUndoSnapshot({entities()});
-  restore(snapshot->entities);
+  const auto step = undoStack.edit().popRedoSnapshot();
+  undoStack.edit().appendUndoSnapshot(restore(*step));
   return true;
 }
 
-void Sketch::restore(const EntityList& restored) {
+SketchUndoSnapshot Sketch::restore(const SketchUndoSnapshot& step) {
   const ChangeScope scope(tracker_);
-  if (!(restored == entities())) drawing.edit().entities = restored;
+  SketchUndoSnapshot back{entities()};
+  if (!(step.entities == entities())) drawing.edit().entities = step.entities;
+  if (step.twin.plan && *step.twin.plan != drawing->plan) {
+    back.twin.plan = drawing->plan;
+    drawing.edit().plan = *step.twin.plan;
+  }
+  if (!step.twin.wallSystems.empty()) {
+    back.twin.wallSystems = takeBackWallSystemChanges(step.twin.wallSystems, drawing.edit().wallSystemSpecs);
+  }
   dragStep_.reset();
   settleSelection();
   isDirty = true;
+  return back;
 }
 
 void Sketch::settleSelection() {

@@ -7,8 +7,9 @@
 //   sketch.edit([&](Drawing& drawing) { drawing.entities.append(line); });
 //
 // `edit` takes the undo step, marks the sketch as changed since its last save, and notifies. Callers have
-// checked before: a refused operation does not get here. Operations that do several things open a `change()`
-// first, and observers are notified once, when the outermost one ends.
+// checked before: a refused operation does not get here. Where the edit leaves the openings as they are, they
+// follow their walls: what is gone takes its openings with it, in the same step. Operations that do several
+// things open a `change()` first, and observers are notified once, when the outermost one ends.
 //
 // The operations on entities are functions over a sketch in geometry/; those that add entities, in
 // core/adding.h.
@@ -29,8 +30,9 @@ namespace ostrelon {
 
 /// What an edit means for undo.
 enum class UndoStep {
-  own,   ///< it is a step, whatever it changes; inside `asOneStep` it is part of that one
-  none,  ///< it is no step: a drag records one at its end, and wall systems and the grid have none
+  own,              ///< it is a step, whatever it changes; inside `asOneStep` it is part of that one
+  withWallSystems,  ///< likewise, and what it changes of the wall systems is part of the step
+  none,             ///< it is no step: a drag records one at its end, and wall systems and the grid have none
 };
 
 /// All that a group of commands may disturb and that is taken back when one of them fails.
@@ -93,13 +95,13 @@ class Sketch {
   /// An edit that leaves the drawing as it is: it takes its step and counts as a change all the same.
   void countAsEdit(UndoStep step);
   /// The drawing as it is becomes a step, and nothing is changed.
-  void takeStep() { pushStep(entities()); }
+  void takeStep() { pushStep({entities()}); }
   /// All edits that `changes` makes are one step, or none where the entities end as they began. When it
   /// returns false, everything in `SketchState` is put back.
   bool asOneStep(const std::function<bool()>& changes);
-  /// Records what was done without a step as one, unless the entities are what they were before. Inside
-  /// `asOneStep` it is part of that one.
-  void recordStep(const EntityList& before);
+  /// Records what was done without a step as one, unless the entities, and the plan where one is given, are
+  /// what they were before. Inside `asOneStep` it is part of that one.
+  void recordStep(SketchUndoSnapshot before);
 
   // --- A drag, whose whole course is one step. An edit in the middle of it has what was dragged so far as
   // a step of its own beneath it.
@@ -112,7 +114,7 @@ class Sketch {
   /// The drag leaves no step.
   void forgetDragStep() { dragStep_.reset(); }
   /// The entities when the drag began, while one is under way.
-  const EntityList* dragStart() const { return dragStep_ ? &dragStep_->before : nullptr; }
+  const EntityList* dragStart() const { return dragStep_ ? &dragStep_->before.entities : nullptr; }
 
   // --- The whole of it
 
@@ -130,8 +132,9 @@ class Sketch {
 
   bool undo();
   bool redo();
-  /// The common end of both: these entities, with whatever of the selection is still among them.
-  void restore(const EntityList& entities);
+  /// The common end of both: these entities, with whatever of the selection is still among them, and what
+  /// else the step takes back. Gives the step that takes this back in turn.
+  SketchUndoSnapshot restore(const SketchUndoSnapshot& step);
   void setUndoStack(SketchUndoStack stack);
 
   // --- The selection and the clipboard
@@ -150,21 +153,36 @@ class Sketch {
   void setInspected(bool inspected);
   /// Leaves out of the selection what is no entity any more, after an edit that may have removed some.
   void keepSelectionOfEntities() { settleSelection(); }
-  void setClipboard(std::vector<SketchEntity> entities) { clipboard = std::move(entities); }
+  /// `openings`: those of the walls among the entities.
+  void setClipboard(std::vector<SketchEntity> entities, std::vector<Opening> openings = {}) {
+    clipboard = std::move(entities);
+    clipboardOpenings_ = std::move(openings);
+  }
+  const std::vector<Opening>& clipboardOpenings() const { return clipboardOpenings_; }
 
  private:
   struct DragStep {
-    EntityList before;
+    SketchUndoSnapshot before;
     bool isRecorded = false;  // what was dragged can be undone already
+    // What the openings follow from: the start of the drag, so that a wall that is dragged out and back has
+    // them exactly where they were, or the last edit meanwhile that was not the drag's own.
+    EntityList followedFrom;
+    SharedList<Opening> openings;
   };
 
-  void pushStep(const EntityList& before);
+  /// The drawing as it is, with its plan.
+  SketchUndoSnapshot snapshot() const { return {entities(), {drawing->plan, {}}}; }
+  void pushStep(SketchUndoSnapshot before);
+  void followWalls(const EntityList& entitiesBefore, const SharedList<Opening>& openingsBefore,
+                   bool isDragged);
   /// Leaves out of the selection what is gone. Some member becomes the primary one when that is gone;
   /// none, and no inspector, when nothing is selected.
   void settleSelection();
 
-  mutable EntityIndex index_;  // follows the entities, lazily
-  int openSteps_ = 0;          // how many `asOneStep` are under way
+  mutable EntityIndex index_;                        // follows the entities, lazily
+  int openSteps_ = 0;                                // how many `asOneStep` are under way
+  std::vector<WallSystemChange> openSystemChanges_;  // what these have changed of the wall systems
+  std::vector<Opening> clipboardOpenings_;
   std::optional<DragStep> dragStep_;
 };
 

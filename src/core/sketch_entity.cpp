@@ -45,11 +45,6 @@ EntityMetrics segmentMetrics(std::string type, SketchPoint from, SketchPoint to)
 
 }  // namespace
 
-const std::vector<SketchPoint>& PolygonVertices::list() const {
-  static const std::vector<SketchPoint> none;
-  return shared_ ? *shared_ : none;
-}
-
 const UUID& entityID(const SketchEntity& entity) {
   return std::visit([](const auto& value) -> const UUID& { return value.id; }, entity);
 }

@@ -3,15 +3,13 @@
 // stays with the entity through all edits; the numbers that users see are positions in the list.
 #pragma once
 
-#include <initializer_list>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <variant>
 #include <vector>
 
+#include "core/shared_list.h"
 #include "core/sketch_point.h"
 #include "platform/uuid.h"
 
@@ -19,30 +17,8 @@ namespace ostrelon {
 
 class EntityList;
 
-/// An immutable list of vertices. Copies share it.
-class PolygonVertices {
- public:
-  PolygonVertices() = default;
-  PolygonVertices(std::vector<SketchPoint> vertices)  // NOLINT(google-explicit-constructor)
-      : shared_(vertices.empty() ? nullptr
-                                 : std::make_shared<const std::vector<SketchPoint>>(std::move(vertices))) {}
-  PolygonVertices(std::initializer_list<SketchPoint> vertices)
-      : PolygonVertices(std::vector<SketchPoint>(vertices)) {}
-
-  const std::vector<SketchPoint>& list() const;
-  std::size_t size() const { return shared_ ? shared_->size() : 0; }
-  bool empty() const { return size() == 0; }
-  const SketchPoint& operator[](std::size_t index) const { return (*shared_)[index]; }
-  auto begin() const { return list().begin(); }
-  auto end() const { return list().end(); }
-
-  friend bool operator==(const PolygonVertices& a, const PolygonVertices& b) {
-    return a.shared_ == b.shared_ || a.list() == b.list();
-  }
-
- private:
-  std::shared_ptr<const std::vector<SketchPoint>> shared_;
-};
+/// Copies share it.
+using PolygonVertices = SharedList<SketchPoint>;
 
 struct LineEntity {
   UUID id;

@@ -2,14 +2,27 @@
 #pragma once
 
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "core/entity_list.h"
+#include "core/plan.h"
+#include "core/wall_system_changes.h"
 
 namespace ostrelon {
 
+/// What a step takes back beside the entities, of what it changed itself; nothing of a step that changed
+/// entities alone.
+struct UndoTwin {
+  std::optional<Plan> plan;  ///< as it was
+  std::vector<WallSystemChange> wallSystems;
+  bool empty() const { return !plan && wallSystems.empty(); }
+  friend bool operator==(const UndoTwin&, const UndoTwin&) = default;
+};
+
 struct SketchUndoSnapshot {
   EntityList entities;
+  UndoTwin twin = {};
   friend bool operator==(const SketchUndoSnapshot&, const SketchUndoSnapshot&) = default;
 };
 
@@ -28,6 +41,8 @@ class SketchUndoStack {
   /// A new edit: appends, applies the limit, and ends the redo history.
   void pushUndoSnapshot(SketchUndoSnapshot snapshot);
   void pushRedoSnapshot(SketchUndoSnapshot snapshot);
+  /// What else the newest step takes back, known once it has been done. There must be one.
+  void setUndoTwin(UndoTwin twin) { undoSnapshots_.back().twin = std::move(twin); }
   /// Appends as redo does: with no limit, and keeping the redo list.
   void appendUndoSnapshot(SketchUndoSnapshot snapshot);
   std::optional<SketchUndoSnapshot> popUndoSnapshot();

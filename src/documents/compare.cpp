@@ -373,6 +373,7 @@ DrawingDifference compareDrawings(const Drawing& before, const Drawing& after, N
   DrawingDifference difference;
   compareSystems(before.wallSystemSpecs, after.wallSystemSpecs, precision, difference);
   Matching(before, after, precision, difference).run();
+  difference.plan = comparePlans(before.plan, after.plan, difference.renamed);
   return difference;
 }
 

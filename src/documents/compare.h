@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "core/drawing.h"
+#include "documents/plan_compare.h"
 
 namespace ostrelon {
 
@@ -50,10 +51,13 @@ struct DrawingDifference {
   std::vector<WallSystemSpec> removedSystems;
   std::vector<WallSystemSpec> addedSystems;
   std::vector<SystemPair> changedSystems;
+  PlanDifference plan;
 
-  bool empty() const {
-    return removed.empty() && added.empty() && changed.empty() && removedSystems.empty() &&
-           addedSystems.empty() && changedSystems.empty();
+  bool empty() const { return count() == 0; }
+  /// How many lines it is in words.
+  std::size_t count() const {
+    return removed.size() + added.size() + changed.size() + removedSystems.size() + addedSystems.size() +
+           changedSystems.size() + plan.count();
   }
 };
 
@@ -76,11 +80,16 @@ struct ChangePhrase {
 std::vector<ChangePhrase> changePhrases(const SketchEntity& before, const SketchEntity& after,
                                         const Drawing& drawingBefore, const Drawing& drawingAfter);
 
-/// "2 added, 1 removed, 3 changed; wall systems: 1 added." or "No differences."
+/// How a difference is told: "2' 6\"" where feet and inches say it within a hundredth of an inch, else
+/// decimals of a foot. The sign is left out.
+std::string differenceLengthText(double value);
+/// "2 added, 1 removed, 3 changed"; empty for none of all.
+std::string differenceCountText(std::size_t added, std::size_t removed, std::size_t changed);
+/// "2 added, 1 removed, 3 changed; wall systems: 1 added; openings: 1 added." or "No differences."
 std::string differenceCounts(const DrawingDifference& difference);
-/// A line for each difference: wall systems, then what was removed, changed and added. A removed entity has
-/// its number of the drawing before, the others theirs of the drawing after, and each group is in the order
-/// of these. At most `limit` lines.
+/// A line for each difference: wall systems, then what was removed, changed and added, then the plan. A
+/// removed entity has its number of the drawing before, the others theirs of the drawing after, and each
+/// group is in the order of these. At most `limit` lines.
 std::vector<std::string> differenceLines(const DrawingDifference& difference, const Drawing& before,
                                          const Drawing& after, std::size_t limit = SIZE_MAX);
 

@@ -17,15 +17,6 @@ namespace {
 
 constexpr double kUntold = 1e-6;  // a part of the size of an entity that is no difference in words
 
-// Feet and inches where these say it within a hundredth of an inch, else decimals of a foot.
-std::string lengthWords(double value) {
-  const double size = std::abs(value);
-  std::string text = formatFeetInches(size);
-  const auto read = parseFeetInches(text);
-  if (read && std::abs(*read - size) * 1200 <= 1) return text;
-  return fmt::format("{:.6g}'", size);
-}
-
 std::string angleWords(double radians) {
   double degrees = std::round(degreesOf(radians) * 100) / 100;
   if (degrees == 0) degrees = 0;  // never "-0"
@@ -49,9 +40,10 @@ class Phrases {
   void moved(SketchPoint by) {
     if (isNone(by)) return;
     std::string words;
-    if (!isNone(by.x)) words = lengthWords(by.x) + (by.x > 0 ? " right" : " left");
+    if (!isNone(by.x)) words = differenceLengthText(by.x) + (by.x > 0 ? " right" : " left");
     if (!isNone(by.y)) {
-      words += std::string(words.empty() ? "" : " and ") + lengthWords(by.y) + (by.y > 0 ? " up" : " down");
+      words += std::string(words.empty() ? "" : " and ") + differenceLengthText(by.y) +
+               (by.y > 0 ? " up" : " down");
     }
     add(ChangeKind::moved, "moved " + words);
   }
@@ -59,7 +51,7 @@ class Phrases {
   // A size that has become larger or smaller, each with its word.
   void resized(double by, std::string_view larger, std::string_view smaller) {
     if (!isNone(by))
-      add(ChangeKind::resized, fmt::format("{} {}", lengthWords(by), by > 0 ? larger : smaller));
+      add(ChangeKind::resized, fmt::format("{} {}", differenceLengthText(by), by > 0 ? larger : smaller));
   }
 
   void segment(SketchPoint from, SketchPoint to, SketchPoint newFrom, SketchPoint newTo) {
@@ -200,20 +192,6 @@ void addLines(std::vector<ToldDifference>& lines, std::size_t limit, DifferenceK
   }
 }
 
-std::string joined(const std::vector<std::string>& words) {
-  std::string text;
-  for (const std::string& word : words) text += (text.empty() ? "" : ", ") + word;
-  return text;
-}
-
-std::string countWords(std::size_t added, std::size_t removed, std::size_t changed) {
-  std::vector<std::string> counts;
-  if (added > 0) counts.push_back(fmt::format("{} added", added));
-  if (removed > 0) counts.push_back(fmt::format("{} removed", removed));
-  if (changed > 0) counts.push_back(fmt::format("{} changed", changed));
-  return joined(counts);
-}
-
 std::string systemChange(const WallSystemSpec& before, const WallSystemSpec& after) {
   std::vector<std::string> words;
   if (before.name != after.name) words.push_back("renamed from " + before.name);
@@ -224,10 +202,26 @@ std::string systemChange(const WallSystemSpec& before, const WallSystemSpec& aft
   number("thickness", before.thickness, after.thickness);
   number("height", before.height, after.height);
   if (before.assemblyNotes != after.assemblyNotes) words.emplace_back("other notes");
-  return joined(words);
+  return fmt::format("{}", fmt::join(words, ", "));
 }
 
 }  // namespace
+
+std::string differenceLengthText(double value) {
+  const double size = std::abs(value);
+  std::string text = formatFeetInches(size);
+  const auto read = parseFeetInches(text);
+  if (read && std::abs(*read - size) * 1200 <= 1) return text;
+  return fmt::format("{:.6g}'", size);
+}
+
+std::string differenceCountText(std::size_t added, std::size_t removed, std::size_t changed) {
+  std::vector<std::string> counts;
+  if (added > 0) counts.push_back(fmt::format("{} added", added));
+  if (removed > 0) counts.push_back(fmt::format("{} removed", removed));
+  if (changed > 0) counts.push_back(fmt::format("{} changed", changed));
+  return fmt::format("{}", fmt::join(counts, ", "));
+}
 
 std::vector<ChangePhrase> changePhrases(const SketchEntity& before, const SketchEntity& after,
                                         const Drawing& drawingBefore, const Drawing& drawingAfter) {
@@ -256,13 +250,18 @@ std::vector<ChangePhrase> changePhrases(const SketchEntity& before, const Sketch
 }
 
 std::string differenceCounts(const DrawingDifference& difference) {
-  const std::string entities =
-      countWords(difference.added.size(), difference.removed.size(), difference.changed.size());
-  const std::string systems = countWords(difference.addedSystems.size(), difference.removedSystems.size(),
-                                         difference.changedSystems.size());
-  if (entities.empty() && systems.empty()) return "No differences.";
-  if (systems.empty()) return entities + ".";
-  return entities + (entities.empty() ? "Wall systems: " : "; wall systems: ") + systems + ".";
+  std::vector<std::string> parts;
+  const auto add = [&](std::string_view what, const std::string& counts) {
+    if (!counts.empty()) parts.push_back(std::string(what) + counts);
+  };
+  add("", differenceCountText(difference.added.size(), difference.removed.size(), difference.changed.size()));
+  add("wall systems: ", differenceCountText(difference.addedSystems.size(), difference.removedSystems.size(),
+                                            difference.changedSystems.size()));
+  add("", planDifferenceCounts(difference.plan));
+  if (parts.empty()) return "No differences.";
+  std::string text = fmt::format("{}.", fmt::join(parts, "; "));
+  if (text.front() >= 'a' && text.front() <= 'z') text.front() = static_cast<char>(text.front() - 'a' + 'A');
+  return text;
 }
 
 std::vector<ToldDifference> toldDifferences(const DrawingDifference& difference, const Drawing& before,
@@ -292,12 +291,16 @@ std::vector<ToldDifference> toldDifferences(const DrawingDifference& difference,
              for (ChangePhrase& phrase : changePhrases(pair.first, pair.second, before, after)) {
                words.push_back(std::move(phrase.words));
              }
-             return words.empty() ? "changed by less than can be told" : joined(words);
+             return words.empty() ? "changed by less than can be told"
+                                  : fmt::format("{}", fmt::join(words, ", "));
            });
   addLines(lines, limit, Kind::added, difference.added, itself, after.entities,
            [&](const SketchEntity& entity) {
              return "added, " + entityDescription(entity, after.wallSystemName(entity));
            });
+  for (PlanDifferenceLine& line : planDifferenceLines(difference.plan, before, after, limit - lines.size())) {
+    lines.push_back({line.kind, line.wallID == UUID(), line.wallID, std::move(line.text)});
+  }
   return lines;
 }
 

@@ -25,11 +25,11 @@ void DocumentSave::write(FileSystem& files) {
 bool DocumentSave::holdsStateOf(const Sketch& sketch) const {
   const Drawing& drawing = sketch.drawing;
   return document_.grid == drawing.showGrid && document_.ws.items == drawing.wallSystemSpecs &&
-         document_.e == drawing.entities;
+         document_.e == drawing.entities && document_.plan == drawing.plan;
 }
 
 Drawing DocumentSave::drawing(const UUID& activeWallSystemSpecID) const {
-  return {document_.e, document_.ws.items, activeWallSystemSpecID, document_.grid};
+  return {document_.e, document_.ws.items, activeWallSystemSpecID, document_.grid, document_.plan};
 }
 
 void DocumentSave::release() {

@@ -20,6 +20,7 @@ void DocumentSession::begin() {
   unrecordedMerges_.clear();
   Drawing empty = sketch_.drawing;
   empty.entities.clear();
+  empty.plan = {};
   sketch_.replace(std::move(empty));
   sketch_.clearSelection();
   sketch_.setDirty(false);

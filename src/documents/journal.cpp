@@ -1,16 +1,13 @@
 #include "documents/journal.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstring>
 #include <utility>
 
 #include "documents/content_hash.h"
+#include "documents/journal_bytes.h"
 
 namespace ostrelon {
 namespace {
-
-static_assert(std::endian::native == std::endian::little, "numbers are written as they lie in memory");
 
 constexpr std::string_view kAnyFirstLine = "OSTRELON JOURNAL ";
 constexpr std::string_view kFirstLine = "OSTRELON JOURNAL 1\n";
@@ -28,210 +25,13 @@ enum Part : std::uint8_t {
   kFile = 16,
   kSnapshot = 32,
   kDate = 64,
-};
-
-// --- Values to bytes
-
-class Output {
- public:
-  template <class T>
-  void number(T value) {
-    static_assert(std::is_arithmetic_v<T>);
-    char raw[sizeof(T)];
-    std::memcpy(raw, &value, sizeof(T));
-    bytes_.append(raw, sizeof(T));
-  }
-  void count(std::size_t value) { number(static_cast<std::uint32_t>(value)); }
-  void text(std::string_view value) {
-    count(value.size());
-    bytes_ += value;
-  }
-  void date(Date value) { number(static_cast<std::int64_t>(value.time_since_epoch().count())); }
-  void id(const UUID& value) {
-    number(value.high);
-    number(value.low);
-  }
-  void point(SketchPoint value) {
-    number(value.x);
-    number(value.y);
-  }
-  void entity(const SketchEntity& entity) {
-    number(static_cast<std::uint8_t>(entity.index()));
-    id(entityID(entity));
-    std::visit(Overloaded{[&](const LineEntity& line) {
-                            point(line.from);
-                            point(line.to);
-                          },
-                          [&](const WallEntity& wall) {
-                            point(wall.from);
-                            point(wall.to);
-                            id(wall.systemSpecID);
-                          },
-                          [&](const CircleEntity& circle) {
-                            point(circle.center);
-                            number(circle.radius);
-                          },
-                          [&](const ArcEntity& arc) {
-                            point(arc.center);
-                            number(arc.radius);
-                            number(arc.startAngle);
-                            number(arc.endAngle);
-                          },
-                          [&](const RectangleEntity& rectangle) {
-                            point(rectangle.origin);
-                            number(rectangle.size.width);
-                            number(rectangle.size.height);
-                          },
-                          [&](const PolygonEntity& polygon) {
-                            count(polygon.vertices.size());
-                            for (const SketchPoint& vertex : polygon.vertices) point(vertex);
-                          }},
-               entity);
-  }
-  template <class Entities>
-  void entities(const Entities& all) {
-    count(all.size());
-    for (const SketchEntity& one : all) entity(one);
-  }
-  void splices(const std::vector<EntitySplice>& all) {
-    count(all.size());
-    for (const EntitySplice& splice : all) {
-      number(static_cast<std::uint64_t>(splice.at));
-      number(static_cast<std::uint64_t>(splice.removed));
-      entities(splice.added);
-    }
-  }
-  void wallSystems(const std::vector<WallSystemSpec>& systems) {
-    count(systems.size());
-    for (const WallSystemSpec& system : systems) {
-      id(system.id);
-      text(system.name);
-      number(system.thickness);
-      number(system.height);
-      text(system.assemblyNotes);
-    }
-  }
-  std::string take() { return std::move(bytes_); }
-
- private:
-  std::string bytes_;
-};
-
-// --- Bytes to values. Once something does not fit, everything is empty and `isGood` false.
-
-class Input {
- public:
-  explicit Input(std::string_view bytes) : bytes_(bytes) {}
-
-  bool isGood() const { return isGood_; }
-  bool isAtEnd() const { return isGood_ && bytes_.empty(); }
-  void fail() {
-    isGood_ = false;
-    bytes_ = {};
-  }
-
-  template <class T>
-  T number() {
-    T value{};
-    if (bytes_.size() < sizeof(T)) {
-      fail();
-      return value;
-    }
-    std::memcpy(&value, bytes_.data(), sizeof(T));
-    bytes_.remove_prefix(sizeof(T));
-    return value;
-  }
-  // How many follow, each of at least so many bytes.
-  std::size_t count(std::size_t leastBytes) {
-    const auto value = number<std::uint32_t>();
-    if (value > bytes_.size() / leastBytes) fail();
-    return isGood_ ? value : 0;
-  }
-  std::string text() {
-    const std::size_t size = count(1);
-    std::string value(bytes_.substr(0, size));
-    bytes_.remove_prefix(size);
-    return value;
-  }
-  Date date() { return Date(std::chrono::microseconds(number<std::int64_t>())); }
-  UUID id() {
-    const auto high = number<std::uint64_t>();
-    return {high, number<std::uint64_t>()};
-  }
-  SketchPoint point() {
-    const auto x = number<double>();
-    return {x, number<double>()};
-  }
-  SketchEntity entity() {
-    const auto kind = number<std::uint8_t>();
-    const UUID own = id();
-    const SketchPoint first = kind == 5 ? SketchPoint() : point();
-    switch (kind) {
-      case 0:
-        return LineEntity{own, first, point()};
-      case 1: {
-        const SketchPoint to = point();
-        return WallEntity{own, first, to, id()};
-      }
-      case 2:
-        return CircleEntity{own, first, number<double>()};
-      case 3: {
-        const auto radius = number<double>();
-        const auto start = number<double>();
-        return ArcEntity{own, first, radius, start, number<double>()};
-      }
-      case 4: {
-        const auto width = number<double>();
-        return RectangleEntity{own, first, {width, number<double>()}};
-      }
-      case 5: {
-        std::vector<SketchPoint> vertices(count(sizeof(SketchPoint)));
-        for (SketchPoint& vertex : vertices) vertex = point();
-        return PolygonEntity{own, std::move(vertices)};
-      }
-      default:
-        fail();
-        return {};
-    }
-  }
-  std::vector<SketchEntity> entities() {
-    constexpr std::size_t kLeastBytes = 21;
-    std::vector<SketchEntity> all(count(kLeastBytes));
-    for (SketchEntity& one : all) one = entity();
-    return all;
-  }
-  std::vector<EntitySplice> splices() {
-    constexpr std::size_t kLeastBytes = 20;
-    std::vector<EntitySplice> all(count(kLeastBytes));
-    for (EntitySplice& splice : all) {
-      splice.at = number<std::uint64_t>();
-      splice.removed = number<std::uint64_t>();
-      splice.added = entities();
-    }
-    return all;
-  }
-  std::vector<WallSystemSpec> wallSystems() {
-    constexpr std::size_t kLeastBytes = 40;
-    std::vector<WallSystemSpec> all(count(kLeastBytes));
-    for (WallSystemSpec& system : all) {
-      system.id = id();
-      system.name = text();
-      system.thickness = number<double>();
-      system.height = number<double>();
-      system.assemblyNotes = text();
-    }
-    return all;
-  }
-
- private:
-  std::string_view bytes_;
-  bool isGood_ = true;
+  kPlan = 128,
 };
 
 // --- Frames
 
 std::uint32_t lengthCheck(std::uint32_t length, std::uint32_t number) {
-  Output output;
+  JournalOutput output;
   output.number(length);
   output.number(number);
   return static_cast<std::uint32_t>(contentHash(output.take()));
@@ -239,7 +39,7 @@ std::uint32_t lengthCheck(std::uint32_t length, std::uint32_t number) {
 
 std::string framed(const std::string& content, std::uint32_t number) {
   const auto length = static_cast<std::uint32_t>(content.size());
-  Output head;
+  JournalOutput head;
   head.number(length);
   head.number(lengthCheck(length, number));
   head.number(contentHash(content));
@@ -257,7 +57,7 @@ Frame takeFrame(std::string_view& bytes, std::uint32_t number) {
   // A machine that loses its power may leave a file longer than what of it has reached the disk.
   if (bytes.find_first_not_of('\0') == std::string_view::npos) return {{}, End::torn};
   if (bytes.size() < kFrameHead) return {{}, End::torn};
-  Input head(bytes.substr(0, kFrameHead));
+  JournalInput head(bytes.substr(0, kFrameHead));
   const auto length = head.number<std::uint32_t>();
   const auto check = head.number<std::uint32_t>();
   const auto hash = head.number<std::uint64_t>();
@@ -269,11 +69,17 @@ Frame takeFrame(std::string_view& bytes, std::uint32_t number) {
   return {content};
 }
 
-void putBase(Output& output, const JournalBase& base) {
+bool hasPlan(const JournalBase& base) {
+  if (!base.plan.empty()) return true;
+  return base.snapshot && std::any_of(base.snapshot->undo.begin(), base.snapshot->undo.end(),
+                                      [](const SketchUndoSnapshot& step) { return !step.twin.empty(); });
+}
+
+void putBase(JournalOutput& output, const JournalBase& base) {
   output.number(static_cast<std::uint8_t>(Kind::base));
   output.number(static_cast<std::uint8_t>((base.file ? kFile : 0) | (base.snapshot ? kSnapshot : 0) |
                                           (base.file && base.file->savedAt ? kDate : 0) |
-                                          (base.changedAt ? kName : 0)));
+                                          (base.changedAt ? kName : 0) | (hasPlan(base) ? kPlan : 0)));
   if (base.file) {
     output.text(base.file->path.string());
     output.number(base.file->contentHash);
@@ -286,19 +92,32 @@ void putBase(Output& output, const JournalBase& base) {
   output.number(static_cast<std::uint8_t>(base.showGrid));
   output.number(base.changes);
   if (base.changedAt) output.date(*base.changedAt);
+  if (hasPlan(base)) output.planChange(planChange({}, base.plan));
   if (!base.snapshot) return;
   output.entities(base.snapshot->entities);
   // Each step by what makes it of the one behind it.
   output.count(base.snapshot->undo.size());
   const EntityList* behind = &base.snapshot->entities;
   for (auto step = base.snapshot->undo.rbegin(); step != base.snapshot->undo.rend(); ++step) {
-    output.splices(EntityList::splices(*behind, *step));
-    behind = &*step;
+    output.splices(EntityList::splices(*behind, step->entities));
+    behind = &step->entities;
+    if (!hasPlan(base)) continue;
+    const std::optional<Plan>& plan = step->twin.plan;
+    output.twin(plan ? std::optional(planChange(base.plan, *plan)) : std::nullopt, step->twin.wallSystems);
   }
 }
 
+// What a step takes back beside the entities; `before`: the plan that it differs from. False where the step
+// does not fit.
+bool takeTwin(JournalUndoStep step, const Plan& before, UndoTwin& twin) {
+  twin.wallSystems = std::move(step.wallSystems);
+  if (!step.plan) return true;
+  twin.plan = before;
+  return applyPlanChange(*step.plan, *twin.plan);
+}
+
 std::optional<JournalBase> baseOf(std::string_view content) {
-  Input input(content);
+  JournalInput input(content);
   if (input.number<std::uint8_t>() != static_cast<std::uint8_t>(Kind::base)) return std::nullopt;
   const auto parts = input.number<std::uint8_t>();
   JournalBase base;
@@ -315,37 +134,51 @@ std::optional<JournalBase> baseOf(std::string_view content) {
   base.showGrid = input.number<std::uint8_t>() != 0;
   base.changes = input.number<std::uint64_t>();
   if ((parts & kName) != 0) base.changedAt = input.date();
+  const bool hasPlan = (parts & kPlan) != 0;
+  if (hasPlan && !applyPlanChange(input.planChange(), base.plan)) return std::nullopt;
   if ((parts & kSnapshot) != 0) {
     base.snapshot.emplace();
     base.snapshot->entities = EntityList(input.entities());
     EntityList behind = base.snapshot->entities;
     for (std::size_t steps = input.count(4); steps > 0; --steps) {
       if (!behind.apply(input.splices())) return std::nullopt;
-      base.snapshot->undo.insert(base.snapshot->undo.begin(), behind);
+      SketchUndoSnapshot step{behind};
+      if (hasPlan && !takeTwin(input.twin(), base.plan, step.twin)) return std::nullopt;
+      base.snapshot->undo.insert(base.snapshot->undo.begin(), std::move(step));
     }
   }
   if (!input.isAtEnd()) return std::nullopt;
   return base;
 }
 
-void putRecord(Output& output, const JournalRecord& record) {
+bool hasPlan(const JournalRecord& record) {
+  return record.plan ||
+         std::any_of(record.steps.begin(), record.steps.end(),
+                     [](const JournalUndoStep& step) { return step.plan || !step.wallSystems.empty(); });
+}
+
+void putRecord(JournalOutput& output, const JournalRecord& record) {
   output.number(static_cast<std::uint8_t>(Kind::record));
   output.number(static_cast<std::uint8_t>((record.name ? kName : 0) | (record.showGrid ? kGrid : 0) |
                                           (record.wallSystemSpecs ? kWallSystems : 0) |
-                                          (record.activeWallSystemSpecID ? kActiveSystem : 0)));
+                                          (record.activeWallSystemSpecID ? kActiveSystem : 0) |
+                                          (hasPlan(record) ? kPlan : 0)));
   output.date(record.at);
   output.number(static_cast<std::uint8_t>(record.step));
   output.splices(record.entities);
   output.count(record.steps.size());
-  for (const auto& step : record.steps) output.splices(step);
+  for (const JournalUndoStep& step : record.steps) output.splices(step.entities);
   if (record.name) output.text(*record.name);
   if (record.showGrid) output.number(static_cast<std::uint8_t>(*record.showGrid));
   if (record.wallSystemSpecs) output.wallSystems(*record.wallSystemSpecs);
   if (record.activeWallSystemSpecID) output.id(*record.activeWallSystemSpecID);
+  if (!hasPlan(record)) return;
+  output.twin(record.plan, {});
+  for (const JournalUndoStep& step : record.steps) output.twin(step.plan, step.wallSystems);
 }
 
 std::optional<JournalEntry> entryOf(std::string_view content) {
-  Input input(content);
+  JournalInput input(content);
   const auto kind = input.number<std::uint8_t>();
   if (kind == static_cast<std::uint8_t>(Kind::mark)) {
     JournalSaveMark mark{input.text()};
@@ -361,11 +194,19 @@ std::optional<JournalEntry> entryOf(std::string_view content) {
   record.step = static_cast<JournalStep>(step);
   record.entities = input.splices();
   record.steps.resize(input.count(4));
-  for (auto& taken : record.steps) taken = input.splices();
+  for (JournalUndoStep& taken : record.steps) taken.entities = input.splices();
   if ((parts & kName) != 0) record.name = input.text();
   if ((parts & kGrid) != 0) record.showGrid = input.number<std::uint8_t>() != 0;
   if ((parts & kWallSystems) != 0) record.wallSystemSpecs = input.wallSystems();
   if ((parts & kActiveSystem) != 0) record.activeWallSystemSpecID = input.id();
+  if ((parts & kPlan) != 0) {
+    record.plan = input.twin().plan;
+    for (JournalUndoStep& taken : record.steps) {
+      JournalUndoStep twin = input.twin();
+      taken.plan = std::move(twin.plan);
+      taken.wallSystems = std::move(twin.wallSystems);
+    }
+  }
   if (!input.isAtEnd()) return std::nullopt;
   return record;
 }
@@ -373,13 +214,26 @@ std::optional<JournalEntry> entryOf(std::string_view content) {
 // False where the record does not fit the state, which is then as it was.
 bool replay(const JournalRecord& record, JournalState& state) {
   const EntityList before = state.drawing.entities;
+  const Plan planBefore = state.drawing.plan;
   std::vector<SketchUndoSnapshot> steps;
-  for (const auto& splices : record.steps) {
+  for (const JournalUndoStep& taken : record.steps) {
     SketchUndoSnapshot step{before};
-    if (!step.entities.apply(splices)) return false;
+    if (!step.entities.apply(taken.entities) || !takeTwin(taken, planBefore, step.twin)) return false;
     steps.push_back(std::move(step));
   }
+  Plan plan = planBefore;
+  if (record.plan && !applyPlanChange(*record.plan, plan)) return false;
   if (!state.drawing.entities.apply(record.entities)) return false;
+  state.drawing.plan = std::move(plan);
+  // What an undo or a redo takes back in turn.
+  const auto back = [&] {
+    SketchUndoSnapshot step{before};
+    if (record.plan) step.twin.plan = planBefore;
+    if (record.wallSystemSpecs) {
+      step.twin.wallSystems = wallSystemChanges(state.drawing.wallSystemSpecs, *record.wallSystemSpecs);
+    }
+    return step;
+  };
   switch (record.step) {
     case JournalStep::none:
       break;
@@ -389,11 +243,11 @@ bool replay(const JournalRecord& record, JournalState& state) {
     case JournalStep::undo:
       // The base may have held fewer steps than the session: the drawing comes from the record itself.
       state.undo.popUndoSnapshot();
-      state.undo.pushRedoSnapshot({before});
+      state.undo.pushRedoSnapshot(back());
       break;
     case JournalStep::redo:
       state.undo.popRedoSnapshot();
-      state.undo.appendUndoSnapshot({before});
+      state.undo.appendUndoSnapshot(back());
       break;
   }
   if (record.name) state.name = *record.name;
@@ -410,19 +264,26 @@ bool isPlaceholder(const SketchEntity& entity) { return entityID(entity) == UUID
 bool JournalRecord::empty() const { return !isChange() && !activeWallSystemSpecID; }
 
 bool JournalRecord::isChange() const {
-  return !entities.empty() || step != JournalStep::none || name || showGrid || wallSystemSpecs;
+  return !entities.empty() || step != JournalStep::none || name || showGrid || wallSystemSpecs || plan;
+}
+
+JournalUndoStep journalStepOf(const SketchUndoSnapshot& step, const Drawing& before) {
+  JournalUndoStep taken{EntityList::splices(before.entities, step.entities), std::nullopt,
+                        step.twin.wallSystems};
+  if (step.twin.plan) taken.plan = planChange(before.plan, *step.twin.plan);
+  return taken;
 }
 
 // --- Writing
 
 std::string journalStart(const JournalBase& base) {
-  Output output;
+  JournalOutput output;
   putBase(output, base);
   return std::string(kFirstLine) + framed(output.take(), 0);
 }
 
 std::string journalFrame(const JournalEntry& entry, std::uint32_t number) {
-  Output output;
+  JournalOutput output;
   std::visit(Overloaded{[&](const JournalRecord& record) { putRecord(output, record); },
                         [&](const JournalSaveMark& mark) {
                           output.number(static_cast<std::uint8_t>(Kind::mark));
@@ -440,11 +301,12 @@ JournalBase journalSnapshot(const JournalState& state, const JournalBase& before
   base.wallSystemSpecs = state.drawing.wallSystemSpecs;
   base.activeWallSystemSpecID = state.drawing.activeWallSystemSpecID;
   base.showGrid = state.drawing.showGrid;
+  base.plan = state.drawing.plan;
   base.snapshot.emplace();
   base.snapshot->entities = state.drawing.entities;
   const auto& steps = state.undo.undoSnapshots();
   for (std::size_t i = steps.size() - std::min(steps.size(), kStoredUndoSnapshots); i < steps.size(); ++i) {
-    base.snapshot->undo.push_back(steps[i].entities);
+    base.snapshot->undo.push_back(steps[i]);
   }
   return base;
 }
@@ -516,8 +378,9 @@ std::optional<JournalState> snapshotState(const JournalBase& base) {
   if (!base.snapshot) return std::nullopt;
   JournalState state;
   state.name = base.name;
-  state.drawing = {base.snapshot->entities, base.wallSystemSpecs, base.activeWallSystemSpecID, base.showGrid};
-  for (const EntityList& step : base.snapshot->undo) state.undo.appendUndoSnapshot({step});
+  state.drawing = {base.snapshot->entities, base.wallSystemSpecs, base.activeWallSystemSpecID, base.showGrid,
+                   base.plan};
+  for (const SketchUndoSnapshot& step : base.snapshot->undo) state.undo.appendUndoSnapshot(step);
   return state;
 }
 
@@ -531,7 +394,7 @@ JournalState placeholderState(const JournalBase& base) {
   JournalState state;
   state.name = base.name;
   state.drawing = {EntityList::fromChunks(std::move(chunks)), base.wallSystemSpecs,
-                   base.activeWallSystemSpecID, base.showGrid};
+                   base.activeWallSystemSpecID, base.showGrid, base.plan};
   return state;
 }
 

@@ -48,7 +48,7 @@ struct JournalBase {
   /// The drawing itself, where no file holds it.
   struct Snapshot {
     EntityList entities;
-    std::vector<EntityList> undo;  ///< oldest first
+    std::vector<SketchUndoSnapshot> undo;  ///< oldest first
     friend bool operator==(const Snapshot&, const Snapshot&) = default;
   };
 
@@ -59,6 +59,7 @@ struct JournalBase {
   std::vector<WallSystemSpec> wallSystemSpecs;
   UUID activeWallSystemSpecID;
   bool showGrid = true;
+  Plan plan = {};
   /// How many changes since the last save the snapshot holds already, and when the last of them was.
   std::uint64_t changes = 0;
   std::optional<Date> changedAt;
@@ -68,18 +69,27 @@ struct JournalBase {
 /// What an operation did to the undo steps.
 enum class JournalStep : std::uint8_t { none, edit, undo, redo };
 
+/// An undo step, by how it differs from the drawing in front of the operation that took it.
+struct JournalUndoStep {
+  std::vector<EntitySplice> entities;
+  std::optional<PlanChange> plan;             ///< absent where the step takes back none
+  std::vector<WallSystemChange> wallSystems;  ///< what it changed of them
+  friend bool operator==(const JournalUndoStep&, const JournalUndoStep&) = default;
+};
+/// `before`: the drawing in front of the operation.
+JournalUndoStep journalStepOf(const SketchUndoSnapshot& step, const Drawing& before);
+
 /// One operation. It holds what changed alone.
 struct JournalRecord {
   Date at;
   std::vector<EntitySplice> entities;
   JournalStep step = JournalStep::none;
-  /// Of an edit, the steps that it took, oldest first, each by how it differs from the drawing in front of
-  /// the operation.
-  std::vector<std::vector<EntitySplice>> steps;
+  std::vector<JournalUndoStep> steps;  ///< of an edit, those that it took, oldest first
   std::optional<std::string> name;
   std::optional<bool> showGrid;
   std::optional<std::vector<WallSystemSpec>> wallSystemSpecs;
   std::optional<UUID> activeWallSystemSpecID;
+  std::optional<PlanChange> plan;
 
   bool empty() const;
   /// Whether it changes what a document's file holds, beyond the system that new walls take.

@@ -54,7 +54,10 @@ class Merging {
     } else {
       mergeEntities();
     }
-    order();
+    PlanMergeResult plan =
+        mergePlans(base_ == nullptr ? nullptr : &base_->plan, ours_.plan, theirs_.plan, ourSide_, theirSide_);
+    merge_.plan = std::move(plan.merge);
+    order(std::move(plan.conflicts));
     return std::move(merge_);
   }
 
@@ -121,6 +124,10 @@ class Merging {
   void mergeEntities() {
     const DrawingDifference ours = compareDrawings(*base_, ours_, precision_);
     const DrawingDifference theirs = compareDrawings(*base_, theirs_, precision_);
+    for (const SketchEntity& entity : ours.removed) ourSide_.removed.insert(entityID(entity));
+    for (const SketchEntity& entity : theirs.removed) theirSide_.removed.insert(entityID(entity));
+    ourSide_.renamed = ours.renamed;
+    theirSide_.renamed = theirs.renamed;
     // What became of an entity of the base, by its identifier there; null where it was removed.
     std::unordered_map<UUID, const SketchEntity*> here;
     for (const SketchEntity& entity : ours.removed) here.emplace(entityID(entity), nullptr);
@@ -209,7 +216,7 @@ class Merging {
 
   // --- Order
 
-  void order() {
+  void order(std::vector<OpeningConflict> openings) {
     std::unordered_set<UUID> inOurs;
     std::unordered_set<UUID> inTheirs;
     for (const EntityConflict& conflict : entityConflicts_) {
@@ -217,6 +224,11 @@ class Merging {
       if (conflict.theirs) inTheirs.insert(entityID(*conflict.theirs));
     }
     for (const Merge::Incoming& incoming : merge_.added) inTheirs.insert(entityID(incoming.entity));
+    for (const OpeningConflict& conflict : openings) {
+      const UUID& wall = (conflict.ours ? *conflict.ours : *conflict.theirs).wallID;
+      inOurs.insert(wall);
+      inTheirs.insert(wall);
+    }
     const auto ours = positionsOf(inOurs, ours_.entities);
     merge_.theirPositions = positionsOf(inTheirs, theirs_.entities);
     for (Merge::Incoming& incoming : merge_.added) {
@@ -231,6 +243,14 @@ class Merging {
                 return std::pair(!a.ours, a.number) < std::pair(!b.ours, b.number);
               });
     for (EntityConflict& conflict : entityConflicts_) merge_.conflicts.emplace_back(std::move(conflict));
+    for (OpeningConflict& conflict : openings) {
+      const UUID& wall = (conflict.ours ? *conflict.ours : *conflict.theirs).wallID;
+      const auto here = ours.find(wall);
+      const auto there = merge_.theirPositions.find(wall);
+      if (here != ours.end()) conflict.number = here->second + 1;
+      if (here == ours.end() && there != merge_.theirPositions.end()) conflict.number = there->second + 1;
+      merge_.conflicts.emplace_back(std::move(conflict));
+    }
   }
 
   const Drawing* base_;
@@ -239,6 +259,8 @@ class Merging {
   const NumberPrecision precision_;
   Merge merge_;
   std::vector<EntityConflict> entityConflicts_;
+  MergeSide ourSide_;
+  MergeSide theirSide_;
 };
 
 // Puts a merge with its conflicts settled into our drawing.
@@ -292,6 +314,13 @@ class Settlement {
     }
   }
 
+  void settle(const OpeningConflict& conflict, MergeChoice choice) {
+    const bool isRemoval = !conflict.theirs;
+    if (choice == MergeChoice::theirs || (choice == MergeChoice::both && !isRemoval)) {
+      openings_.push_back(conflict);
+    }
+  }
+
   Drawing result() {
     drawing_.wallSystemSpecs.insert(drawing_.wallSystemSpecs.end(), addedSystems_.begin(),
                                     addedSystems_.end());
@@ -300,6 +329,9 @@ class Settlement {
     std::erase_if(drawing_.wallSystemSpecs, [&](const WallSystemSpec& system) {
       return systemsGone_.contains(system.id) && !isUsed(system.id);
     });
+    if (!(drawing_.plan.empty() && merge_.plan.empty() && merge_.plan.theirs.empty())) {
+      drawing_.plan = mergedPlan(merge_.plan, drawing_.plan, openings_, broughtIn_, drawing_.entities);
+    }
     return std::move(drawing_);
   }
 
@@ -311,6 +343,7 @@ class Settlement {
   }
 
   void addIncoming(const SketchEntity& entity) {
+    broughtIn_.emplace(entityID(entity), entityID(entity));
     added_.push_back({merge_.theirPositions.at(entityID(entity)), entity});
   }
 
@@ -361,6 +394,8 @@ class Settlement {
     for (const Merge::Incoming& incoming : added_) {
       SketchEntity entity = here(incoming.entity);
       if (!taken_.insert(entityID(entity)).second) entity = withEntityID(entity, UUID::random());
+      const auto brought = broughtIn_.find(entityID(incoming.entity));
+      if (brought != broughtIn_.end()) brought->second = entityID(entity);
       entities.push_back(std::move(entity));
     }
     if (!entities.empty()) drawing_.entities.append(std::move(entities));
@@ -381,7 +416,9 @@ class Settlement {
   std::vector<Merge::Incoming> added_;
   std::unordered_set<UUID> systemsGone_;
   std::vector<WallSystemSpec> addedSystems_;
-  std::unordered_set<UUID> taken_;  // identifiers of the result that something of theirs has too
+  std::vector<OpeningConflict> openings_;     // of which theirs is taken
+  std::unordered_map<UUID, UUID> broughtIn_;  // entities of theirs by conflicts, and what they are called now
+  std::unordered_set<UUID> taken_;            // identifiers of the result that something of theirs has too
 };
 
 std::string sideWords(const std::optional<SketchEntity>& base, const std::optional<SketchEntity>& side,
@@ -400,6 +437,13 @@ std::string sideWords(const std::optional<WallSystemSpec>& base, const std::opti
   if (base && base->name != side->name) return "renamed to " + side->name;
   return fmt::format("thickness {}, height {}{}", side->thickness, side->height,
                      base && base->assemblyNotes == side->assemblyNotes ? "" : ", with its notes");
+}
+
+std::string sideWords(const std::optional<Opening>& base, const std::optional<Opening>& side) {
+  if (!side) return "removed";
+  if (!base) return openingDescription(*side);
+  const std::string words = openingChange(*base, *side);
+  return words.empty() ? "changed" : words;
 }
 
 // "here moved 2' right, there removed"; without an ancestor, "here only", "there only" or both as they are.
@@ -421,7 +465,7 @@ std::optional<MergeChoice> mergeChoiceNamed(std::string_view name) {
 
 bool Merge::empty() const {
   return replaced.empty() && removed.empty() && added.empty() && replacedSystems.empty() &&
-         removedSystems.empty() && addedSystems.empty() && conflicts.empty();
+         removedSystems.empty() && addedSystems.empty() && plan.empty() && conflicts.empty();
 }
 
 Merge mergeDrawings(const Drawing* base, const Drawing& ours, const Drawing& theirs,
@@ -452,6 +496,12 @@ std::string conflictText(const MergeConflict& conflict, const Drawing& ours, con
                    return fmt::format("{} {}: {}", entityTypeLabel(named), entities.number,
                                       sides(entities, sideWords(entities.base, entities.ours, ours, ours),
                                             sideWords(entities.base, entities.theirs, ours, theirs)));
+                 },
+                 [](const OpeningConflict& openings) {
+                   const Opening& named = openings.ours ? *openings.ours : *openings.theirs;
+                   return fmt::format("{} in Wall {}: {}", openingTypeLabel(named.kind), openings.number,
+                                      sides(openings, sideWords(openings.base, openings.ours),
+                                            sideWords(openings.base, openings.theirs)));
                  }},
       conflict);
 }
@@ -462,6 +512,9 @@ const UUID& conflictID(const MergeConflict& conflict) {
                                },
                                [](const EntityConflict& entity) -> const UUID& {
                                  return entityID(entity.ours ? *entity.ours : *entity.theirs);
+                               },
+                               [](const OpeningConflict& opening) -> const UUID& {
+                                 return (opening.ours ? *opening.ours : *opening.theirs).id;
                                }},
                     conflict);
 }

@@ -9,6 +9,7 @@
 // A wall of which one side has pulled one end and the other side the other is no conflict, as long as what
 // comes of it is no shorter than walls are drawn. Wall systems merge by the same rules; two of the same name
 // under different identifiers are one conflict where they differ, and one system where they do not.
+// Openings merge likewise, and the look of the plan switch by switch.
 // Without an ancestor everything that differs is a conflict. The grid, the view and the active wall system
 // stay ours.
 #pragma once
@@ -24,26 +25,20 @@
 
 #include "core/drawing.h"
 #include "documents/compare.h"
+#include "documents/plan_merge.h"
 
 namespace ostrelon {
 
 /// The shortest wall that the ends of two sides are joined to, sketch units: as short as walls are drawn.
 inline constexpr double kShortestMergedWall = 1.0;
 
-/// An entity, or a wall system, on the three sides; absent where it has been removed or was not yet there.
-template <class T>
-struct Conflict {
-  std::optional<T> base;
-  std::optional<T> ours;
-  std::optional<T> theirs;
-  std::size_t number = 0;  ///< of an entity: 1-based, in our drawing, or in theirs where ours has it not
-  friend bool operator==(const Conflict&, const Conflict&) = default;
-};
 using EntityConflict = Conflict<SketchEntity>;
 using WallSystemConflict = Conflict<WallSystemSpec>;
-using MergeConflict = std::variant<WallSystemConflict, EntityConflict>;
+/// An entity, a wall system or an opening.
+using MergeConflict = std::variant<WallSystemConflict, EntityConflict, OpeningConflict>;
 
-/// How a conflict is settled. Both: theirs comes beside ours, under an identifier of its own.
+/// How a conflict is settled. Both: theirs comes beside ours, under an identifier of its own; of an opening
+/// theirs is taken, since two have no room in one place.
 enum class MergeChoice { ours, theirs, both };
 /// "ours", "theirs" or "both".
 std::optional<MergeChoice> mergeChoiceNamed(std::string_view name);
@@ -64,7 +59,9 @@ struct Merge {
   WallSystemPairs systemPairs;  ///< their wall systems that are ours under another identifier
   std::vector<WallSystemSpec> theirSystems;
   std::unordered_map<UUID, std::size_t> theirPositions;  ///< 0-based, of all entities that may come in
-  /// Wall systems first, then entities in the order of our drawing, then those that ours has not.
+  PlanMerge plan;
+  /// Wall systems first, then entities in the order of our drawing, then those that ours has not, then
+  /// openings.
   std::vector<MergeConflict> conflicts;
 
   /// There is nothing to take and nothing to ask.

@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <nlohmann/json.hpp>
 
 namespace ostrelon {
 namespace {
@@ -68,6 +69,20 @@ char* putNumber32(char* at, double wide) {
     }
   }
   return std::to_chars(at, at + kLongestNumberText, value).ptr;
+}
+
+std::string number32Text(double wide) {
+  std::array<char, kLongestNumberText> text{};
+  return {text.data(), putNumber32(text.data(), wide)};
+}
+
+std::string number64Text(double value) {
+  std::array<char, kLongestNumberText> text{};
+  return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};
+}
+
+std::string quotedText(const std::string& text) {
+  return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
 }  // namespace ostrelon

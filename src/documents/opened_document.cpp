@@ -25,10 +25,14 @@ OpenedDocument opened(SketchDocumentV2 document, const UUID& activeBefore) {
   // A file may hold any number; what is no index means the first one.
   const auto active = document.ws.active < 0 ? std::size_t{0} : static_cast<std::size_t>(document.ws.active);
   const UUID activeID = activeSystemOr(activeBefore, document.ws.items, active);
-  result.drawing = {std::move(document.e), std::move(document.ws.items), activeID, document.grid};
+  result.drawing = {std::move(document.e), std::move(document.ws.items), activeID, document.grid,
+                    std::move(document.plan)};
   result.viewport = viewportOf(document.vp);
   if (document.undo) {
     for (EntityList& snapshot : *document.undo) result.undo.push_back({std::move(snapshot)});
+    for (std::size_t i = 0; i < document.undoTwins.size(); ++i) {
+      result.undo.at(i).twin = std::move(document.undoTwins[i]);
+    }
   }
   return result;
 }
@@ -67,13 +71,17 @@ SketchDocumentV2 documentOf(std::string name, const Drawing& drawing, const Sket
                    [&](const WallSystemSpec& system) { return system.id == drawing.activeWallSystemSpecID; });
   if (active != document.ws.items.end()) document.ws.active = active - document.ws.items.begin();
   document.e = drawing.entities;
+  document.plan = drawing.plan;
   if (!undo.empty()) {
     document.undo.emplace();
     for (std::size_t index = undo.size() - std::min(undo.size(), kStoredUndoSnapshots); index < undo.size();
          ++index) {
       document.undo->push_back(undo[index].entities);
+      document.undoTwins.push_back(undo[index].twin);
     }
   }
+  const auto isEmpty = [](const UndoTwin& twin) { return twin.empty(); };
+  if (std::all_of(document.undoTwins.begin(), document.undoTwins.end(), isEmpty)) document.undoTwins.clear();
   return document;
 }
 

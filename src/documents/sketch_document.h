@@ -14,7 +14,9 @@
 #include <vector>
 
 #include "core/entity_list.h"
+#include "core/plan.h"
 #include "core/sketch_viewport.h"
+#include "core/undo_stack.h"
 #include "core/wall_system.h"
 #include "platform/uuid.h"
 
@@ -35,6 +37,9 @@ struct SketchDocumentV2 {
   WallSystemsV2 ws;
   EntityList e;
   std::optional<std::vector<EntityList>> undo;  ///< oldest first; absent when there is none to store
+  Plan plan = {};
+  /// What the snapshots of `undo` take back beside the entities: as many as these, or none.
+  std::vector<UndoTwin> undoTwins = {};
   friend bool operator==(const SketchDocumentV2&, const SketchDocumentV2&) = default;
 };
 

@@ -7,9 +7,9 @@
 //
 // Rows by their tag: "L" line and "W" wall: from x, from y, to x, to y, a wall then the index of its system;
 // "C" circle: centre x, y, radius; "A" arc: centre x, y, radius, start and end angle in radians; "R"
-// rectangle: origin x, y, width, height; "P" polygon: one array of x1, y1, x2, y2, … Keys may come in any
-// order, unknown keys and further elements of a row are passed over, and of a key that is given twice the
-// last one counts.
+// rectangle: origin x, y, width, height; "P" polygon: one array of x1, y1, x2, y2, … A document that has a
+// plan has it behind these, under "plan" (plan_rows.h). Keys may come in any order, unknown keys and further
+// elements of a row are passed over, and of a key that is given twice the last one counts.
 #pragma once
 
 #include <cstdint>

@@ -3,6 +3,7 @@
 
 #include "documents/entity_rows.h"
 #include "documents/json_reading.h"
+#include "documents/plan_rows.h"
 #include "documents/sketch_document_io.h"
 #include "documents/verbose_document_reader.h"
 
@@ -62,42 +63,6 @@ VersionPeek peek(JsonReading& reading) {
   return found;
 }
 
-WallSystemSpec readWallSystem(JsonReading& reading, Value& value, const JsonPlace& place) {
-  WallSystemSpec system;
-  bool hasID = false;
-  bool hasName = false;
-  bool hasThickness = false;
-  bool hasHeight = false;
-  bool hasNotes = false;
-  reading.forEachField(reading.object(value, place), [&](std::string_view key, Value& field) {
-    const JsonPlace here = place.under(key);
-    if (key == "i") {
-      system.id = reading.uuid(field, here);
-      hasID = true;
-    } else if (key == "n") {
-      system.name = reading.text(field, here);
-      hasName = true;
-    } else if (key == "t") {
-      system.thickness = reading.number32(field, here);
-      hasThickness = true;
-    } else if (key == "h") {
-      system.height = reading.number32(field, here);
-      hasHeight = true;
-    } else if (key == "a") {
-      system.assemblyNotes = reading.text(field, here);
-      hasNotes = true;
-    } else {
-      reading.pass(field, here);
-    }
-  });
-  if (!hasID) JsonReading::failMissing(place, "i");
-  if (!hasName) JsonReading::failMissing(place, "n");
-  if (!hasThickness) JsonReading::failMissing(place, "t");
-  if (!hasHeight) JsonReading::failMissing(place, "h");
-  if (!hasNotes) JsonReading::failMissing(place, "a");
-  return system;
-}
-
 WallSystemsV2 readWallSystems(JsonReading& reading, Value& value, const JsonPlace& place) {
   std::optional<std::int64_t> active;
   std::optional<std::vector<WallSystemSpec>> items;
@@ -146,6 +111,7 @@ SketchDocumentV2 readCompactDocument(JsonReading& reading, const VersionPeek& sh
       shape.hasUndo
           ? std::clamp(shape.entityBytes / kUsualRowBytes / kWantedChunks, kSmallestChunk, kUsualChunk)
           : kUsualChunk;
+  std::vector<UndoTwin> twins;  // the newest step's first
   EntityRows rows(reading, document.ws.items, rowsInChunk, shape.hasUndo);
 
   bool hasName = false;
@@ -181,6 +147,13 @@ SketchDocumentV2 readCompactDocument(JsonReading& reading, const VersionPeek& sh
       while (snapshots.next(snapshot)) {
         document.undo->push_back(rows.readList(snapshot, here.at(document.undo->size())));
       }
+    } else if (key == "plan") {
+      document.plan = {};
+      twins.clear();
+      if (reading.isNull(value)) return;
+      ReadPlan read = readPlan(reading, value, here);
+      document.plan = std::move(read.plan);
+      twins = std::move(read.twins);
     } else {
       reading.pass(value, here);
     }
@@ -191,6 +164,12 @@ SketchDocumentV2 readCompactDocument(JsonReading& reading, const VersionPeek& sh
   if (!hasSystems) JsonReading::failMissing(root, "ws");
   if (!hasEntities) JsonReading::failMissing(root, "e");
   reading.expectEnd();
+  const std::size_t steps = document.undo ? document.undo->size() : 0;
+  twins.resize(std::min(twins.size(), steps));
+  if (!twins.empty()) {
+    document.undoTwins.resize(steps);
+    std::move(twins.begin(), twins.end(), document.undoTwins.rbegin());
+  }
   return document;
 }
 

@@ -4,12 +4,12 @@
 #include <cmath>
 #include <cstdlib>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <unordered_map>
 #include <utility>
 
 #include "core/undo_stack.h"
 #include "documents/number_text.h"
+#include "documents/plan_rows.h"
 #include "documents/sketch_document_io.h"
 
 namespace ostrelon::SketchDocumentIO {
@@ -140,12 +140,6 @@ void appendRow(std::string& text, const SketchEntity& entity, const SystemIndice
   text.resize(static_cast<std::size_t>(at - text.data()));
 }
 
-// A JSON string. Bytes that are not UTF-8, as file names may hold them, become U+FFFD: a document must
-// be readable again.
-std::string quoted(const std::string& text) {
-  return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-}
-
 class DocumentWriter {
  public:
   DocumentWriter(const SketchDocumentV2& document, const Sink& sink, const FileLimits& limits)
@@ -158,8 +152,11 @@ class DocumentWriter {
 
   void write() {
     checkEntities();
+    if (!isWritable(document_.plan)) {
+      throw DocumentFormatError("A door, window or opening has a number that is not finite.");
+    }
     append("{\"v\":2,\"name\":");
-    append(quoted(document_.name));
+    append(quotedText(document_.name));
     append(document_.grid ? ",\"grid\":true" : ",\"grid\":false");
     writeViewport();
     writeWallSystems();
@@ -179,6 +176,7 @@ class DocumentWriter {
       }
       append("]");
     }
+    writePlan(firstSnapshot);
     append("}");
     flush();
   }
@@ -216,6 +214,7 @@ class DocumentWriter {
     for (std::size_t index = undo.size(); index > undo.size() - kept; --index) {
       const auto chunks = undo[index - 1].chunks();
       if (!std::all_of(chunks.begin(), chunks.end(), isWritableChunk)) return index;
+      if (index <= document_.undoTwins.size() && !isWritable(document_.undoTwins[index - 1])) return index;
     }
     return undo.size() - kept;
   }
@@ -275,25 +274,23 @@ class DocumentWriter {
     append(",\"items\":[");
     bool first = true;
     for (const WallSystemSpec& system : document_.ws.items) {
-      if (!isWritable(system.thickness) || !isWritable(system.height)) {
+      if (!isWritable(system)) {
         throw DocumentFormatError("The wall system " + system.name +
                                   " has a number that is not finite or too large for a document file.");
       }
-      std::array<char, 2 * kLongestNumber + 16> numbers{};
-      char* at = put(numbers.data(), ",\"t\":");
-      at = put(putNumber32(at, system.thickness), ",\"h\":");
-      at = putNumber32(at, system.height);
-      append(first ? "{\"i\":\"" : ",{\"i\":\"");
+      if (!first) append(",");
       first = false;
-      append(system.id.text());
-      append("\",\"n\":");
-      append(quoted(system.name));
-      append({numbers.data(), static_cast<std::size_t>(at - numbers.data())});
-      append(",\"a\":");
-      append(quoted(system.assemblyNotes));
-      append("}");
+      append(wallSystemText(system));
     }
     append("]}");
+  }
+
+  void writePlan(std::size_t firstSnapshot) {
+    const std::vector<UndoTwin>& all = document_.undoTwins;
+    const std::size_t first = std::min(firstSnapshot, all.size());
+    const std::string text =
+        planText(document_.plan, {all.begin() + static_cast<std::ptrdiff_t>(first), all.end()});
+    if (!text.empty()) append(",\"plan\":" + text);
   }
 
   // Snapshots share most of their chunks with the entities and with each other; what such a chunk

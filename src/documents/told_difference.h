@@ -10,12 +10,10 @@
 
 namespace ostrelon {
 
-enum class DifferenceKind { removed, changed, added };
-
 struct ToldDifference {
   DifferenceKind kind = DifferenceKind::changed;
-  bool isWallSystem = false;
-  UUID id;           ///< of the drawing after; of what was removed, of the drawing before
+  bool isWallSystem = false;  ///< or the look of the plan: nothing that lies on the canvas
+  UUID id;  ///< of the drawing after; of what was removed, of the drawing before; of an opening, its wall's
   std::string text;  ///< "Wall 18: moved 2' right, 1' longer"
   friend bool operator==(const ToldDifference&, const ToldDifference&) = default;
 };

@@ -2,7 +2,9 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <iterator>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -45,18 +47,41 @@ std::string countedReport(std::size_t count, const std::string& verb) {
   return count == 1 ? "Entity " + verb + "." : std::to_string(count) + " entities " + verb + ".";
 }
 
-// Appends moved copies of these as one step and makes them the selection, the first one primary.
-void appendCopies(Sketch& sketch, std::vector<SketchEntity> copies, double dx, double dy) {
+// The openings of the walls among these.
+std::vector<Opening> openingsOf(const Plan& plan, const std::vector<SketchEntity>& entities) {
+  std::vector<Opening> found;
+  if (plan.openings.empty()) return found;
+  std::unordered_set<UUID> ids;
+  for (const SketchEntity& entity : entities) ids.insert(entityID(entity));
+  std::copy_if(plan.openings.begin(), plan.openings.end(), std::back_inserter(found),
+               [&](const Opening& opening) { return ids.contains(opening.wallID); });
+  return found;
+}
+
+// Appends moved copies of these, walls with copies of their openings, as one step and makes them the
+// selection, the first one primary.
+void appendCopies(Sketch& sketch, std::vector<SketchEntity> copies, const std::vector<Opening>& openings,
+                  double dx, double dy) {
   Selection selection{{}, std::nullopt, sketch.selection->isInspected};
   selection.ids.reserve(copies.size());
+  std::unordered_map<UUID, UUID> copyIDs;
   for (SketchEntity& copy : copies) {
+    const UUID original = entityID(copy);
     copy = duplicatedEntity(copy, dx, dy);
+    if (!openings.empty()) copyIDs.emplace(original, entityID(copy));
     selection.ids.insert(entityID(copy));
   }
   selection.primary = entityID(copies.front());
   const auto change = sketch.change();
   sketch.select(std::move(selection));
-  addEntities(sketch, std::move(copies));
+  sketch.edit([&](Drawing& drawing) {
+    drawing.entities.append(std::move(copies));
+    if (openings.empty()) return;
+    std::vector<Opening> all = drawing.plan.openings.list();
+    const std::vector<Opening> copied = copiedOpenings(openings, copyIDs);
+    all.insert(all.end(), copied.begin(), copied.end());
+    drawing.plan.openings = std::move(all);
+  });
 }
 
 }  // namespace
@@ -166,7 +191,7 @@ void duplicateEntity(Sketch& sketch, Messages& messages, const UUID& id, double 
   if (found == nullptr) return;
   const auto change = sketch.change();
   const std::string label(entityTypeLabel(*found));
-  appendCopies(sketch, {*found}, dx, dy);
+  appendCopies(sketch, {*found}, openingsOf(sketch.drawing->plan, {*found}), dx, dy);
   messages.appendSystem(label + " duplicated.");
 }
 
@@ -174,20 +199,24 @@ void duplicateSelection(Sketch& sketch, Messages& messages, double dx, double dy
   const std::vector<std::size_t> positions = sketch.selectedPositions();
   if (positions.empty()) return;
   const auto change = sketch.change();
-  appendCopies(sketch, entitiesAt(sketch.entities(), positions), dx, dy);
+  std::vector<SketchEntity> copies = entitiesAt(sketch.entities(), positions);
+  const std::vector<Opening> openings = openingsOf(sketch.drawing->plan, copies);
+  appendCopies(sketch, std::move(copies), openings, dx, dy);
   messages.appendSystem(countedReport(positions.size(), "duplicated"));
 }
 
 int copySelection(Sketch& sketch) {
   const std::vector<std::size_t> positions = sketch.selectedPositions();
   if (positions.empty()) return 0;
-  sketch.setClipboard(entitiesAt(sketch.entities(), positions));
+  std::vector<SketchEntity> copied = entitiesAt(sketch.entities(), positions);
+  std::vector<Opening> openings = openingsOf(sketch.drawing->plan, copied);
+  sketch.setClipboard(std::move(copied), std::move(openings));
   return static_cast<int>(positions.size());
 }
 
 int pasteClipboard(Sketch& sketch, SketchPoint offset) {
   const std::size_t count = sketch.clipboard->size();
-  if (count > 0) appendCopies(sketch, sketch.clipboard, offset.x, offset.y);
+  if (count > 0) appendCopies(sketch, sketch.clipboard, sketch.clipboardOpenings(), offset.x, offset.y);
   return static_cast<int>(count);
 }
 

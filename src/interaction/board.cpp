@@ -26,7 +26,7 @@ void Board::redo() {
 
 void Board::restoreSnapshot(const EntityList& entities) {
   const auto scope = change();
-  sketch_.restore(entities);
+  sketch_.restore({entities});
   endAllButPolygon();
 }
 

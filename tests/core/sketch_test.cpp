@@ -146,5 +146,78 @@ TEST(UndoStack, KeepsToItsLimits) {
   EXPECT_EQ(stack.undoSnapshots().size(), kStoredUndoSnapshots);
 }
 
+TEST_F(SketchTest, OpeningsStayWhereTheyAreOnTheGroundAndGoWithTheirWalls) {
+  addWall(sketch, std::nullopt, {0, 0}, {20, 0});
+  const UUID wall = entityID(sketch.entities()[0]);
+  sketch.edit([&](Drawing& drawing) { drawing.plan.openings = {{UUID::random(), wall, {}, 4, 3}}; });
+  const auto distance = [&] { return sketch.drawing->plan.openings[0].distance; };
+  const auto become = [&](SketchPoint from, SketchPoint to, UndoStep step = UndoStep::own) {
+    replaceEntity(sketch, wall, WallEntity{wall, from, to, {}}, step);
+  };
+  become({0, 0}, {15, 0});
+  EXPECT_EQ(distance(), 4);
+  become({1, 0}, {15, 0});
+  EXPECT_EQ(distance(), 3) << "from its end, as the start has moved";
+  become({5, 5}, {5, 19});
+  EXPECT_EQ(distance(), 3) << "the whole wall has moved";
+  convertSelectedEntity(sketch, EntityConversionTarget::line);
+  convertSelectedEntity(sketch, EntityConversionTarget::wall);
+  EXPECT_EQ(distance(), 3);
+  sketch.undo();
+  sketch.undo();
+  sketch.undo();
+  sketch.undo();
+  EXPECT_EQ(distance(), 4);
+  EXPECT_EQ(sketch.undoStack->undoSnapshots().back().twin.plan, std::nullopt)
+      << "what did not change costs nothing";
+
+  const std::size_t steps = undoSteps();
+  const Plan before = sketch.drawing->plan;
+  sketch.beginDragStep();
+  for (const double x : {0.1, 0.7, 19.9, 0.0}) become({x, 0}, {15, 0}, UndoStep::none);
+  sketch.endDragStep();
+  EXPECT_EQ(sketch.drawing->plan, before);
+  EXPECT_EQ(undoSteps(), steps) << "out and back to exactly the start";
+
+  duplicateSelection(sketch, messages, 1, 1);
+  ASSERT_EQ(sketch.drawing->plan.openings.size(), 2U);
+  EXPECT_EQ(sketch.drawing->plan.openings[1].wallID, entityID(sketch.entities()[1]));
+  board.clearSketch();
+  EXPECT_TRUE(sketch.drawing->plan.openings.empty());
+  sketch.undo();
+  EXPECT_EQ(sketch.drawing->plan.openings.size(), 2U);
+  sketch.redo();
+  EXPECT_TRUE(sketch.drawing->plan.openings.empty());
+}
+
+TEST_F(SketchTest, UndoTakesBackWhatAStepChangedOfTheWallSystemsAndNothingElse) {
+  const std::vector<WallSystemSpec> before = sketch.drawing->wallSystemSpecs;
+  sketch.asOneStep([&] {
+    sketch.edit(
+        [](Drawing& drawing) {
+          drawing.wallSystemSpecs.erase(drawing.wallSystemSpecs.begin());
+          drawing.wallSystemSpecs[0].thickness = 0.5;
+        },
+        UndoStep::withWallSystems);
+    sketch.edit(
+        [](Drawing& drawing) {
+          drawing.wallSystemSpecs.push_back({UUID::random(), "New"});
+        },
+        UndoStep::withWallSystems);
+    return true;
+  });
+  EXPECT_EQ(undoSteps(), 1U);
+  WallSystemSpec noted = sketch.drawing->wallSystemSpecs[0];
+  noted.assemblyNotes = "panel";
+  updateWallSystemSpec(sketch, noted);
+  const std::vector<WallSystemSpec> after = sketch.drawing->wallSystemSpecs;
+  sketch.undo();
+  std::vector<WallSystemSpec> expected = before;
+  expected[1].assemblyNotes = "panel";
+  EXPECT_EQ(sketch.drawing->wallSystemSpecs, expected);
+  sketch.redo();
+  EXPECT_EQ(sketch.drawing->wallSystemSpecs, after);
+}
+
 }  // namespace
 }  // namespace ostrelon

@@ -391,5 +391,21 @@ TEST(DocumentFormat, HoldsTwentyUndoStepsInLittleMoreThanTheEntitiesThemselves) 
   EXPECT_LT(distinctEntities(read), document.e.size() * 11 / 10);
 }
 
+TEST(DocumentFormat, HoldsAPlanOnlyWhereThereIsOneAndKeepsWhatLaterVersionsPutThere) {
+  const std::string i = kID;
+  const std::string plan = R"("plan":{"look":{"clean":true},"openings":[["D",")" + i + R"(",")" + i +
+                           R"(",-1.25,12.541666666666666,"R","O"]],"rooms":[{"a": 1}]})";
+  EXPECT_THAT(encodeDocument(readV2(fileWith("[]", "," + plan))), HasSubstr(plan));
+  EXPECT_THAT(encodeDocument(readV2(fileWith("[]"))), Not(HasSubstr("plan")));
+  const auto planFailure = [&](const std::string& text) {
+    return failure(fileWith("[]", ",\"plan\":" + text));
+  };
+  EXPECT_EQ(planFailure(R"({"openings":[["G",")" + i + R"("]]})"), "Unknown kind of opening: G");
+  EXPECT_THAT(planFailure(R"({"openings":[["D",")" + i + R"("]]})"), HasSubstr("plan.openings[0]: the row"));
+  EXPECT_THAT(planFailure(R"({"look":{"clean":1}})"), HasSubstr("plan.look.clean: expected"));
+  EXPECT_THAT(planFailure("[]"), HasSubstr("expected an object"));
+  EXPECT_EQ(planFailure("null"), "(no failure)");
+}
+
 }  // namespace
 }  // namespace ostrelon

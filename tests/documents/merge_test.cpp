@@ -296,5 +296,54 @@ TEST(Merge, TheNearestCommonAncestorFollowsBranchesAndEarlierMerges) {
   EXPECT_EQ(encodeBranchTimeline({"main", main}).find("mergedCheckpointIDs"), std::string::npos);
 }
 
+TEST(Merge, OpeningsMergeByIdentifierAndShareTheFateOfTheirWalls) {
+  Drawing base;
+  const auto wall = [](double y) { return WallEntity{UUID::random(), {0, y}, {20, y}, {}}; };
+  base.entities = {wall(0), wall(10)};
+  const UUID first = entityID(base.entities[0]);
+  const UUID second = entityID(base.entities[1]);
+  const Opening door{UUID::random(), first, OpeningKind::door, 2, 3};
+  const Opening window{UUID::random(), second, OpeningKind::window, 5, 4};
+  base.plan = {{true, false, false}, {door, window}, {}};
+  const auto with = [](Opening opening, double distance) {
+    opening.distance = distance;
+    return opening;
+  };
+
+  Drawing ours = base;
+  Drawing theirs = base;
+  ours.plan.look = {true, true, false};
+  ours.plan.openings = {with(door, 9), window};
+  theirs.plan.look = {false, false, false};
+  const Opening added{UUID::random(), first, OpeningKind::opening, 15, 2};
+  theirs.plan.openings = {door, with(window, 7), added};
+  const Drawing both = merged(base, ours, theirs, MergeChoice::ours);
+  EXPECT_EQ(both.plan, (Plan{{false, true, false}, {with(door, 9), with(window, 7), added}, {}}));
+  EXPECT_THAT(mergeDrawings(&base, ours, theirs).conflicts, IsEmpty());
+  EXPECT_THAT(
+      differenceLines(compareDrawings(base, ours), base, ours),
+      ElementsAre("Door in Wall 1: 7' farther from the start of its wall", "Plan look: filled walls on"));
+
+  theirs.plan.openings = {with(door, 4)};
+  const Merge torn = mergeDrawings(&base, ours, theirs);
+  ASSERT_THAT(torn.conflicts, SizeIs(1));
+  EXPECT_EQ(
+      conflictText(torn.conflicts[0], ours, theirs),
+      "Door in Wall 1: here 7' farther from the start of its wall, there 2' farther from the start of its "
+      "wall");
+  EXPECT_EQ(merged(base, ours, theirs, MergeChoice::theirs).plan.openings, theirs.plan.openings);
+
+  // Gone here with its wall, which they have moved: with the wall it comes back.
+  ours = base;
+  ours.entities.remove(1);
+  ours.plan.openings = {door};
+  theirs = base;
+  theirs.entities.replace(1, WallEntity{second, {0, 11}, {20, 11}, {}});
+  EXPECT_EQ(merged(base, ours, theirs, MergeChoice::ours).plan.openings, ours.plan.openings);
+  const Drawing back = merged(base, ours, theirs, MergeChoice::theirs);
+  ASSERT_THAT(back.plan.openings, SizeIs(2));
+  EXPECT_EQ(back.plan.openings[1].wallID, second);
+}
+
 }  // namespace
 }  // namespace ostrelon

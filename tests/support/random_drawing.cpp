@@ -115,7 +115,31 @@ SketchDocumentV2 RandomDrawing::document(int mostEntities) {
   document.ws.active = below(static_cast<int>(document.ws.items.size()));
   for (int count = below(mostEntities); count > 0; --count) document.e.append(entity(document.ws.items));
   if (chance(2)) document.undo = snapshots(document);
+  if (chance(2)) document.plan = plan(document.e);
+  if (document.undo && chance(2)) {
+    document.undoTwins.resize(document.undo->size());
+    for (UndoTwin& twin : document.undoTwins) {
+      if (chance(4)) twin.plan = plan(document.e);
+      if (chance(8)) twin.wallSystems = {{document.ws.items.front(), std::nullopt, 3}};
+    }
+    document.undoTwins.front().plan = Plan();  // a list of empty twins is none
+  }
   return document;
+}
+
+Plan RandomDrawing::plan(const EntityList& entities) {
+  Plan plan{{chance(2), chance(2), chance(2)}, {}, {}};
+  std::vector<Opening> openings;
+  for (int count = below(4); count > 0; --count) {
+    const bool isInWall = !entities.empty() && !chance(8);
+    const auto at = static_cast<std::size_t>(below(std::max(1, static_cast<int>(entities.size()))));
+    openings.push_back({UUID::random(), isInWall ? entityID(entities[at]) : UUID::random(),
+                        static_cast<OpeningKind>(below(3)), number(-1, 9), number(0.1, 5)});
+    if (openings.back().kind == OpeningKind::door && chance(2)) openings.back().hinge = DoorHinge::right;
+  }
+  plan.openings = std::move(openings);
+  if (chance(4)) plan.further = {R"("rooms":[ {"n":"Bad \"1\""} ])", "\"a\\tb\":null"};
+  return plan;
 }
 
 std::vector<EntityList> RandomDrawing::snapshots(const SketchDocumentV2& document) {

@@ -42,6 +42,10 @@ class RandomDrawing {
   /// A document with undo snapshots and awkward texts, as a file gives it back.
   SketchDocumentV2 document(int mostEntities = 1500);
 
+  /// Openings in walls, and now and then in none, of these entities; some look, and members of later
+  /// versions.
+  Plan plan(const EntityList& entities);
+
   std::mt19937 random;
 
  private:

@@ -80,7 +80,20 @@ void edit(Program& on, testing::RandomDrawing& random) {
   Sketch& sketch = on.workspace.sketch;
   const int count = static_cast<int>(sketch.entities().size());
   const auto someEntity = [&] { return static_cast<std::size_t>(random.below(std::max(count, 1))); };
-  switch (random.below(10)) {
+  switch (random.below(12)) {
+    case 10:
+      sketch.edit([&](Drawing& drawing) { drawing.plan = random.plan(drawing.entities); },
+                  random.chance(4) ? UndoStep::none : UndoStep::own);
+      break;
+    case 11:
+      sketch.edit(
+          [&](Drawing& drawing) {
+            drawing.wallSystemSpecs.front().thickness = random.below(9);
+            if (random.chance(2))
+              drawing.wallSystemSpecs.insert(drawing.wallSystemSpecs.begin(), {UUID::random()});
+          },
+          UndoStep::withWallSystems);
+      break;
     case 0:
       sketch.undo();
       break;
@@ -114,6 +127,7 @@ void edit(Program& on, testing::RandomDrawing& random) {
             random.chance(8) ? UndoStep::own : UndoStep::none);
       }
       sketch.endDragStep();
+      on.workspace.messages.appendSystem("as when the gesture ends");
       break;
     }
     case 6:

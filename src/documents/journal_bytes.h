@@ -1,0 +1,312 @@
+// The values of a journal as bytes and back: numbers as they lie in memory, little-endian, texts and lists
+// with their length in front.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "documents/journal.h"
+
+namespace ostrelon {
+
+static_assert(std::endian::native == std::endian::little, "numbers are written as they lie in memory");
+
+/// The look of a plan, as bits.
+enum JournalLook : std::uint8_t { kClean = 1, kFilled = 2, kWeights = 4 };
+
+// --- Values to bytes
+
+class JournalOutput {
+ public:
+  template <class T>
+  void number(T value) {
+    static_assert(std::is_arithmetic_v<T>);
+    char raw[sizeof(T)];
+    std::memcpy(raw, &value, sizeof(T));
+    bytes_.append(raw, sizeof(T));
+  }
+  void count(std::size_t value) { number(static_cast<std::uint32_t>(value)); }
+  void text(std::string_view value) {
+    count(value.size());
+    bytes_ += value;
+  }
+  void date(Date value) { number(static_cast<std::int64_t>(value.time_since_epoch().count())); }
+  void id(const UUID& value) {
+    number(value.high);
+    number(value.low);
+  }
+  void point(SketchPoint value) {
+    number(value.x);
+    number(value.y);
+  }
+  void entity(const SketchEntity& entity) {
+    number(static_cast<std::uint8_t>(entity.index()));
+    id(entityID(entity));
+    std::visit(Overloaded{[&](const LineEntity& line) {
+                            point(line.from);
+                            point(line.to);
+                          },
+                          [&](const WallEntity& wall) {
+                            point(wall.from);
+                            point(wall.to);
+                            id(wall.systemSpecID);
+                          },
+                          [&](const CircleEntity& circle) {
+                            point(circle.center);
+                            number(circle.radius);
+                          },
+                          [&](const ArcEntity& arc) {
+                            point(arc.center);
+                            number(arc.radius);
+                            number(arc.startAngle);
+                            number(arc.endAngle);
+                          },
+                          [&](const RectangleEntity& rectangle) {
+                            point(rectangle.origin);
+                            number(rectangle.size.width);
+                            number(rectangle.size.height);
+                          },
+                          [&](const PolygonEntity& polygon) {
+                            count(polygon.vertices.size());
+                            for (const SketchPoint& vertex : polygon.vertices) point(vertex);
+                          }},
+               entity);
+  }
+  template <class Entities>
+  void entities(const Entities& all) {
+    count(all.size());
+    for (const SketchEntity& one : all) entity(one);
+  }
+  void splices(const std::vector<EntitySplice>& all) {
+    count(all.size());
+    for (const EntitySplice& splice : all) {
+      number(static_cast<std::uint64_t>(splice.at));
+      number(static_cast<std::uint64_t>(splice.removed));
+      entities(splice.added);
+    }
+  }
+  void wallSystem(const WallSystemSpec& system) {
+    id(system.id);
+    text(system.name);
+    number(system.thickness);
+    number(system.height);
+    text(system.assemblyNotes);
+  }
+  void wallSystem(const std::optional<WallSystemSpec>& system) {
+    number(static_cast<std::uint8_t>(system.has_value()));
+    if (system) wallSystem(*system);
+  }
+  void wallSystems(const std::vector<WallSystemSpec>& systems) {
+    count(systems.size());
+    for (const WallSystemSpec& system : systems) wallSystem(system);
+  }
+  template <class T, class Put>
+  void splice(const ListSplice<T>& splice, Put put) {
+    number(static_cast<std::uint64_t>(splice.at));
+    number(static_cast<std::uint64_t>(splice.removed));
+    count(splice.added.size());
+    for (const T& one : splice.added) put(one);
+  }
+  void planChange(const PlanChange& change) {
+    number(static_cast<std::uint8_t>((change.look.cleanWalls ? kClean : 0) |
+                                     (change.look.filledWalls ? kFilled : 0) |
+                                     (change.look.lineWeights ? kWeights : 0)));
+    splice(change.openings, [&](const Opening& opening) {
+      id(opening.id);
+      id(opening.wallID);
+      number(static_cast<std::uint8_t>(opening.kind));
+      number(opening.distance);
+      number(opening.width);
+      number(static_cast<std::uint8_t>(opening.hinge));
+      number(static_cast<std::uint8_t>(opening.swing));
+    });
+    splice(change.further, [&](const std::string& member) { text(member); });
+  }
+  // What a step takes back beside the entities.
+  void twin(const std::optional<PlanChange>& plan, const std::vector<WallSystemChange>& wallSystems) {
+    number(static_cast<std::uint8_t>(plan.has_value()));
+    if (plan) planChange(*plan);
+    count(wallSystems.size());
+    for (const WallSystemChange& change : wallSystems) {
+      number(static_cast<std::uint64_t>(change.position));
+      wallSystem(change.before);
+      wallSystem(change.after);
+    }
+  }
+  std::string take() { return std::move(bytes_); }
+
+ private:
+  std::string bytes_;
+};
+
+// --- Bytes to values. Once something does not fit, everything is empty and `isGood` false.
+
+class JournalInput {
+ public:
+  explicit JournalInput(std::string_view bytes) : bytes_(bytes) {}
+
+  bool isGood() const { return isGood_; }
+  bool isAtEnd() const { return isGood_ && bytes_.empty(); }
+  void fail() {
+    isGood_ = false;
+    bytes_ = {};
+  }
+
+  template <class T>
+  T number() {
+    T value{};
+    if (bytes_.size() < sizeof(T)) {
+      fail();
+      return value;
+    }
+    std::memcpy(&value, bytes_.data(), sizeof(T));
+    bytes_.remove_prefix(sizeof(T));
+    return value;
+  }
+  // How many follow, each of at least so many bytes.
+  std::size_t count(std::size_t leastBytes) {
+    const auto value = number<std::uint32_t>();
+    if (value > bytes_.size() / leastBytes) fail();
+    return isGood_ ? value : 0;
+  }
+  std::string text() {
+    const std::size_t size = count(1);
+    std::string value(bytes_.substr(0, size));
+    bytes_.remove_prefix(size);
+    return value;
+  }
+  Date date() { return Date(std::chrono::microseconds(number<std::int64_t>())); }
+  UUID id() {
+    const auto high = number<std::uint64_t>();
+    return {high, number<std::uint64_t>()};
+  }
+  SketchPoint point() {
+    const auto x = number<double>();
+    return {x, number<double>()};
+  }
+  SketchEntity entity() {
+    const auto kind = number<std::uint8_t>();
+    const UUID own = id();
+    const SketchPoint first = kind == 5 ? SketchPoint() : point();
+    switch (kind) {
+      case 0:
+        return LineEntity{own, first, point()};
+      case 1: {
+        const SketchPoint to = point();
+        return WallEntity{own, first, to, id()};
+      }
+      case 2:
+        return CircleEntity{own, first, number<double>()};
+      case 3: {
+        const auto radius = number<double>();
+        const auto start = number<double>();
+        return ArcEntity{own, first, radius, start, number<double>()};
+      }
+      case 4: {
+        const auto width = number<double>();
+        return RectangleEntity{own, first, {width, number<double>()}};
+      }
+      case 5: {
+        std::vector<SketchPoint> vertices(count(sizeof(SketchPoint)));
+        for (SketchPoint& vertex : vertices) vertex = point();
+        return PolygonEntity{own, std::move(vertices)};
+      }
+      default:
+        fail();
+        return {};
+    }
+  }
+  std::vector<SketchEntity> entities() {
+    constexpr std::size_t kLeastBytes = 21;
+    std::vector<SketchEntity> all(count(kLeastBytes));
+    for (SketchEntity& one : all) one = entity();
+    return all;
+  }
+  std::vector<EntitySplice> splices() {
+    constexpr std::size_t kLeastBytes = 20;
+    std::vector<EntitySplice> all(count(kLeastBytes));
+    for (EntitySplice& splice : all) {
+      splice.at = number<std::uint64_t>();
+      splice.removed = number<std::uint64_t>();
+      splice.added = entities();
+    }
+    return all;
+  }
+  WallSystemSpec wallSystem() {
+    WallSystemSpec system;
+    system.id = id();
+    system.name = text();
+    system.thickness = number<double>();
+    system.height = number<double>();
+    system.assemblyNotes = text();
+    return system;
+  }
+  std::vector<WallSystemSpec> wallSystems() {
+    constexpr std::size_t kLeastBytes = 40;
+    std::vector<WallSystemSpec> all(count(kLeastBytes));
+    for (WallSystemSpec& system : all) system = wallSystem();
+    return all;
+  }
+  bool flag() { return number<std::uint8_t>() != 0; }
+  // One of an enumeration whose values go from 0 up to this one.
+  template <class Enumeration>
+  Enumeration oneUpTo(Enumeration last) {
+    const auto value = number<std::uint8_t>();
+    if (value > static_cast<std::uint8_t>(last)) fail();
+    return isGood_ ? static_cast<Enumeration>(value) : Enumeration{};
+  }
+  template <class T, class Take>
+  ListSplice<T> splice(std::size_t leastBytes, Take take) {
+    ListSplice<T> splice;
+    splice.at = number<std::uint64_t>();
+    splice.removed = number<std::uint64_t>();
+    splice.added.resize(count(leastBytes));
+    for (T& one : splice.added) one = take();
+    return splice;
+  }
+  PlanChange planChange() {
+    constexpr std::size_t kLeastBytes = 51;
+    PlanChange change;
+    const auto look = number<std::uint8_t>();
+    change.look = {(look & kClean) != 0, (look & kFilled) != 0, (look & kWeights) != 0};
+    change.openings = splice<Opening>(kLeastBytes, [&] {
+      Opening opening;
+      opening.id = id();
+      opening.wallID = id();
+      opening.kind = oneUpTo(OpeningKind::opening);
+      opening.distance = number<double>();
+      opening.width = number<double>();
+      opening.hinge = oneUpTo(DoorHinge::right);
+      opening.swing = oneUpTo(DoorSwing::out);
+      return opening;
+    });
+    change.further = splice<std::string>(4, [&] { return text(); });
+    return change;
+  }
+  JournalUndoStep twin() {
+    constexpr std::size_t kLeastBytes = 10;
+    JournalUndoStep step;
+    if (flag()) step.plan = planChange();
+    step.wallSystems.resize(count(kLeastBytes));
+    for (WallSystemChange& change : step.wallSystems) {
+      change.position = number<std::uint64_t>();
+      if (flag()) change.before = wallSystem();
+      if (flag()) change.after = wallSystem();
+      if (!change.before && !change.after) fail();
+    }
+    return step;
+  }
+
+ private:
+  std::string_view bytes_;
+  bool isGood_ = true;
+};
+
+}  // namespace ostrelon
