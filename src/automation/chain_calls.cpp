@@ -35,6 +35,12 @@ Json commandToJson(const Action& command) {
                     {"systemSpecID", toJson(run.systemSpecID)},
                     {"typedLength", toJson(run.typedLength)}};
           },
+          [](const AddOpening& add) -> Json {
+            return {{"case", "opening"},         {"wall", add.wall},
+                    {"kind", toJson(add.kind)},  {"distance", toJson(add.distance)},
+                    {"width", add.width},        {"hinge", toJson(add.hinge)},
+                    {"swing", toJson(add.swing)}};
+          },
           [](const SelectEntities& select) -> Json {
             return {{"case", "select"}, {"indices", toJson(select.indices)}};
           },
@@ -118,6 +124,16 @@ Action Reader<Action>::read(const Json& json, const ReadContext& context) {
     }
     return run;
   }
+  if (kind == "opening") {
+    AddOpening add;
+    add.wall = Reader<std::int64_t>::read(memberOf(json, "wall"), context);
+    add.kind = Reader<OpeningKind>::read(memberOf(json, "kind"), context);
+    add.distance = Reader<std::optional<double>>::read(memberOf(json, "distance"), context);
+    add.width = Reader<double>::read(memberOf(json, "width"), context);
+    add.hinge = Reader<DoorHinge>::read(memberOf(json, "hinge"), context);
+    add.swing = Reader<DoorSwing>::read(memberOf(json, "swing"), context);
+    return add;
+  }
   if (kind == "assign") return AssignWallSystem{id("specID")};
   if (kind == "specUse") return UseWallSystem{id("specID")};
   if (kind == "specShow") {
@@ -152,6 +168,9 @@ ChainExecutionContext Reader<ChainExecutionContext>::read(const Json& json, cons
   counters.specCommands = counter("specCommands");
   counters.collinearMerges = counter("collinearMerges");
   counters.cornerJoins = counter("cornerJoins");
+  counters.doorsAdded = counter("doorsAdded");
+  counters.windowsAdded = counter("windowsAdded");
+  counters.openingsAdded = counter("openingsAdded");
   return counters;
 }
 

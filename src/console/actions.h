@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/entity_edits.h"
+#include "core/plan.h"
 #include "core/sketch_point.h"
 #include "documents/merge.h"
 #include "geometry/wall_run.h"
@@ -95,6 +96,18 @@ struct ExtendToBoundary {
   std::int64_t boundary = 0;         ///< 1-based, as typed
 };
 
+// --- Doors, windows and openings (opening_commands.h)
+
+struct AddOpening {
+  std::int64_t wall = 0;  ///< 1-based, as typed
+  OpeningKind kind = OpeningKind::door;
+  std::optional<double> distance;  ///< of the near jamb from the wall's start; absent: in the middle
+  double width = 0;                ///< above 0
+  DoorHinge hinge = DoorHinge::left;
+  DoorSwing swing = DoorSwing::in;
+};
+struct ListOpenings {};
+
 // --- Wall systems (wall_system_commands.h)
 
 struct UseWallSystem {
@@ -141,11 +154,12 @@ struct MergeDrawing {
 struct ShowHelp {};
 struct ShowMore {};
 
-using Action = std::variant<DrawLine, DrawWall, DrawCircle, DrawRectangle, DrawPolygon, DrawRun, ClearDrawing,
-                            ActivateTool, SelectEntities, CopySelection, PasteClipboard, AssignWallSystem,
-                            MoveSelectedLine, SetSelectedLength, NudgeSelection, AlignSelection,
-                            ConvertSelection, TrimEntity, ExtendToBoundary, UseWallSystem, ShowWallSystem,
-                            ListWallSystems, ZoomView, SaveCheckpoint, ShowHistory, CreateBranch,
-                            SwitchBranch, CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;
+using Action =
+    std::variant<DrawLine, DrawWall, DrawCircle, DrawRectangle, DrawPolygon, DrawRun, ClearDrawing,
+                 ActivateTool, SelectEntities, CopySelection, PasteClipboard, AssignWallSystem,
+                 MoveSelectedLine, SetSelectedLength, NudgeSelection, AlignSelection, ConvertSelection,
+                 TrimEntity, ExtendToBoundary, AddOpening, ListOpenings, UseWallSystem, ShowWallSystem,
+                 ListWallSystems, ZoomView, SaveCheckpoint, ShowHistory, CreateBranch, SwitchBranch,
+                 CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;
 
 }  // namespace ostrelon::CommandInterpreter

@@ -59,6 +59,9 @@ struct ChainExecutionContext {
   int collinearMerges = 0;
   int cornerJoins = 0;
   int runsAdded = 0;
+  int doorsAdded = 0;
+  int windowsAdded = 0;
+  int openingsAdded = 0;
 };
 
 /// Runs one command; a message says why it could not run.

@@ -62,6 +62,11 @@ int* counterOf(const Action& command, ChainExecutionContext& chain) {
                         [&](const DrawCircle&) { return &chain.circlesAdded; },
                         [&](const DrawRectangle&) { return &chain.rectanglesAdded; },
                         [&](const DrawRun&) { return &chain.runsAdded; },
+                        [&](const AddOpening& add) {
+                          return add.kind == OpeningKind::door     ? &chain.doorsAdded
+                                 : add.kind == OpeningKind::window ? &chain.windowsAdded
+                                                                   : &chain.openingsAdded;
+                        },
                         [&](const SelectEntities&) { return &chain.selectionUpdates; },
                         [&](const AssignWallSystem&) { return &chain.wallAssignments; },
                         [&](const UseWallSystem&) { return &chain.specCommands; },
@@ -135,6 +140,9 @@ std::string chainSummary(const ChainExecutionContext& chain, std::size_t count) 
       Part{chain.wallAssignments, "wall assignment", "wall assignments"},
       Part{chain.specCommands, "spec command", "spec commands"},
       Part{chain.runsAdded, "run added", "runs added"},
+      Part{chain.doorsAdded, "door added", "doors added"},
+      Part{chain.windowsAdded, "window added", "windows added"},
+      Part{chain.openingsAdded, "opening added", "openings added"},
   };
   std::string text;
   for (const Part& part : parts) {

@@ -7,6 +7,7 @@
 #include "console/edit_commands.h"
 #include "console/help_commands.h"
 #include "console/history_commands.h"
+#include "console/opening_commands.h"
 #include "console/run_command.h"
 #include "console/selection_commands.h"
 #include "console/trim_commands.h"
@@ -170,6 +171,35 @@ std::vector<Command> makeTable() {
                         .isLasting = true}},
        .isKnownInChains = true,
        .parse = parseRun},
+      {.word = "door",
+       .usage = "door <wall> <distance>|mid <width> [left|right] [in|out]",
+       .summary = "add a door to a wall; the distance is from its start to the near jamb",
+       .example = "door 1 4' 3' right out",
+       .completions = {{.position = 2, .words = {"mid"}},
+                       {.position = 4, .words = {"in", "left", "out", "right"}},
+                       {.position = 5, .words = {"in", "out"}, .onlyAfter = "left"},
+                       {.position = 5, .words = {"in", "out"}, .onlyAfter = "right"}},
+       .isKnownInChains = true,
+       .parse = parseDoor},
+      {.word = "window",
+       .usage = "window <wall> <distance>|mid <width>",
+       .summary = "add a window to a wall",
+       .example = "window 1 mid 4'",
+       .completions = {{.position = 2, .words = {"mid"}}},
+       .isKnownInChains = true,
+       .parse = parseWindow},
+      {.word = "opening",
+       .usage = "opening <wall> <distance>|mid <width>",
+       .summary = "add an opening with neither door nor window to a wall",
+       .example = "opening 1 12'-6\" 5'",
+       .completions = {{.position = 2, .words = {"mid"}}},
+       .isKnownInChains = true,
+       .parse = parseOpening},
+      {.word = "openings",
+       .usage = "openings",
+       .summary = "the schedule of doors, windows and openings",
+       .example = "openings",
+       .parse = parseOpenings},
       {.word = "compare",
        .usage = "compare <name>",
        .summary = "what differs from a branch, a checkpoint or a document",

@@ -17,11 +17,6 @@ void addMore(std::string& text, std::size_t all) {
   if (all > kMostLines) text += fmt::format("\n… and {} more.", all - kMostLines);
 }
 
-std::size_t countOf(const DrawingDifference& difference) {
-  return difference.removed.size() + difference.changed.size() + difference.added.size() +
-         difference.removedSystems.size() + difference.changedSystems.size() + difference.addedSystems.size();
-}
-
 }  // namespace
 
 ParseResult parseCompare(const Words& words, const ParseState& /*state*/, Place /*place*/) {
@@ -46,7 +41,7 @@ Reply run(const CompareDrawing& compare, const CommandContext& context) {
     for (const std::string& line : differenceLines(difference, named.drawing, ours, kMostLines)) {
       text += "\n" + line;
     }
-    addMore(text, countOf(difference));
+    addMore(text, difference.count());
     return Reply::done(std::move(text));
   } catch (const UserError& error) {
     return Reply::refused(std::string("Compare failed: ") + error.what());

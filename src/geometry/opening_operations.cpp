@@ -1,0 +1,90 @@
+#include "geometry/opening_operations.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "core/typed_length.h"
+
+namespace ostrelon {
+
+std::optional<OpeningWall> openingWall(const Sketch& sketch, const UUID& wallID) {
+  const auto position = sketch.positionOf(wallID);
+  if (!position) return std::nullopt;
+  return openingWall(sketch.entities()[*position], *position, sketch.drawing->wallSystemSpecs);
+}
+
+std::optional<PlacedOpening> placedOpening(const Sketch& sketch, const Opening& opening) {
+  const auto wall = openingWall(sketch, opening.wallID);
+  if (!wall) return std::nullopt;
+  return placedOpening(opening, *wall, sketch.index(), sketch.drawing->plan.openings);
+}
+
+OpeningLayout openingLayout(const Sketch& sketch) {
+  if (sketch.drawing->plan.openings.empty()) return {};
+  return {sketch.drawing, sketch.index()};
+}
+
+double centeredDistance(const OpeningWall& wall, double width) { return (wall.length() - width) / 2; }
+
+std::optional<PlacedOpening> addOpening(Sketch& sketch, const Opening& opening) {
+  auto placed = placedOpening(sketch, opening);
+  if (!placed || placed->fit != OpeningFit::fits) return placed;
+  sketch.edit([&](Drawing& drawing) {
+    std::vector<Opening> openings = drawing.plan.openings.list();
+    openings.push_back(opening);
+    drawing.plan.openings = std::move(openings);
+  });
+  return placed;
+}
+
+std::optional<PlacedOpening> changeOpening(Sketch& sketch, const Opening& opening, UndoStep step) {
+  auto placed = placedOpening(sketch, opening);
+  const Opening* before = sketch.drawing->plan.opening(opening.id);
+  if (!placed || placed->fit != OpeningFit::fits || before == nullptr || *before == opening) return placed;
+  sketch.edit(
+      [&](Drawing& drawing) {
+        std::vector<Opening> openings = drawing.plan.openings.list();
+        std::replace_if(
+            openings.begin(), openings.end(), [&](const Opening& one) { return one.id == opening.id; },
+            opening);
+        drawing.plan.openings = std::move(openings);
+      },
+      step);
+  return placed;
+}
+
+void deleteOpening(Sketch& sketch, Messages& messages, const UUID& id) {
+  const Opening* found = sketch.drawing->plan.opening(id);
+  if (found == nullptr) return;
+  const auto change = sketch.change();
+  const std::string kind(openingTypeLabel(found->kind));
+  const UUID gone = id;
+  sketch.edit([&](Drawing& drawing) {
+    std::vector<Opening> openings = drawing.plan.openings.list();
+    std::erase_if(openings, [&](const Opening& one) { return one.id == gone; });
+    drawing.plan.openings = std::move(openings);
+  });
+  messages.appendSystem(kind + " deleted.");
+}
+
+std::string openingMisfitText(const PlacedOpening& placed, const Plan& plan) {
+  const std::size_t number = placed.wall.position + 1;
+  switch (placed.fit) {
+    case OpeningFit::fits:
+      return {};
+    case OpeningFit::beyondWall:
+      return fmt::format("Does not fit Wall {} ({}).", number, formatLength(placed.wall.length()));
+    case OpeningFit::overlaps: {
+      const Opening& other = plan.openings[placed.obstacle];
+      return fmt::format("Overlaps the {} at {} in Wall {}.", openingKindName(other.kind),
+                         formatLength(other.distance), number);
+    }
+    case OpeningFit::crossed:
+      return fmt::format("Wall {} crosses Wall {} there.", placed.obstacle + 1, number);
+  }
+  return {};
+}
+
+}  // namespace ostrelon

@@ -1,0 +1,36 @@
+// Adding, changing and removing the openings of a sketch. Each checks first: what does not fit is refused and
+// changes nothing. Each edit is one undo step unless it is part of another.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "core/messages.h"
+#include "core/sketch.h"
+#include "geometry/openings.h"
+
+namespace ostrelon {
+
+/// The wall of this identifier as openings see it; absent for what is none, or has no length.
+std::optional<OpeningWall> openingWall(const Sketch& sketch, const UUID& wallID);
+/// Where the opening is, and whether it fits there; absent where its wall is no wall.
+std::optional<PlacedOpening> placedOpening(const Sketch& sketch, const Opening& opening);
+OpeningLayout openingLayout(const Sketch& sketch);
+
+/// The distance that centres an opening of this width in the wall.
+double centeredDistance(const OpeningWall& wall, double width);
+
+/// Adds the opening, whose identifier must be new. Absent, with nothing changed, where its wall is no wall;
+/// nothing is changed either where the answer does not fit.
+std::optional<PlacedOpening> addOpening(Sketch& sketch, const Opening& opening);
+/// Puts another in the place of the one of its identifier; likewise. An equal one is no edit.
+std::optional<PlacedOpening> changeOpening(Sketch& sketch, const Opening& opening,
+                                           UndoStep step = UndoStep::own);
+/// Removes it and reports that in the console; an unknown one does nothing.
+void deleteOpening(Sketch& sketch, Messages& messages, const UUID& id);
+
+/// Why it does not fit: "Does not fit Wall 3 (8'-5 1/2\").", "Overlaps the door at 4'-0\" in Wall 3.",
+/// "Wall 5 crosses Wall 3 there."; empty where it fits.
+std::string openingMisfitText(const PlacedOpening& placed, const Plan& plan);
+
+}  // namespace ostrelon
