@@ -44,7 +44,7 @@ std::vector<WallGap> restBeside(std::span<const WallGap> gaps, double begin, dou
 
 std::vector<WallEdge> edgesBeside(const JoinedWall& joined, std::span<const WallGap> gaps) {
   if (gaps.empty()) return joined.edges;
-  const WallAxis& wall = joined.wall;
+  const JoinAxis& wall = joined.wall;
   std::vector<WallEdge> kept;
   for (const WallEdge& edge : joined.edges) {
     if (!edge.isFace) {
@@ -69,7 +69,7 @@ std::vector<WallEdge> edgesBeside(const JoinedWall& joined, std::span<const Wall
 
 std::vector<std::vector<SketchPoint>> fillBeside(const JoinedWall& joined, std::span<const WallGap> gaps) {
   std::vector<std::vector<SketchPoint>> parts;
-  const WallAxis& wall = joined.wall;
+  const JoinAxis& wall = joined.wall;
   const auto along = [&](SketchPoint point) { return dot(point - wall.from, wall.direction); };
   for (const auto& half : {joined.body.leftHalf(), joined.body.rightHalf()}) {
     if (gaps.empty()) {

@@ -23,7 +23,7 @@
 namespace ostrelon {
 
 struct JoinedWall {
-  WallAxis wall;
+  JoinAxis wall;
   std::array<JoinEnd, 2> ends;  ///< at the start and at the end
   WallBody body;
   std::vector<WallEdge> edges;

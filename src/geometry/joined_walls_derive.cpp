@@ -40,7 +40,7 @@ using EndNumber = std::uint32_t;
 
 class Derivation {
  public:
-  Derivation(std::vector<WallAxis> walls, int threads, const std::atomic<bool>* isCancelled)
+  Derivation(std::vector<JoinAxis> walls, int threads, const std::atomic<bool>* isCancelled)
       : walls_(std::move(walls)), threads_(threads), isCancelled_(isCancelled), ends_(walls_.size()) {}
 
   std::vector<std::shared_ptr<const JoinedWall>> run() {
@@ -58,7 +58,7 @@ class Derivation {
   }
 
  private:
-  const WallAxis& wallOf(EndNumber end) const { return walls_[end / 2]; }
+  const JoinAxis& wallOf(EndNumber end) const { return walls_[end / 2]; }
   SketchPoint pointOf(EndNumber end) const { return wallOf(end).end(static_cast<int>(end % 2)); }
   bool isCancelled() const { return isCancelled_ != nullptr && *isCancelled_; }
 
@@ -68,7 +68,7 @@ class Derivation {
     parents_.resize(count);
     std::iota(parents_.begin(), parents_.end(), EndNumber{0});
     double reach = 0;
-    for (const WallAxis& wall : walls_) reach = std::max(reach, nodeReach(wall.half, wall.half));
+    for (const JoinAxis& wall : walls_) reach = std::max(reach, nodeReach(wall.half, wall.half));
     if (!(reach > 0)) return;
     const double cellSize = 4 * reach;
     const std::size_t mask = std::bit_ceil(std::size_t{count} + 1) - 1;
@@ -201,7 +201,7 @@ class Derivation {
     bool right = false;
   };
 
-  std::vector<WallAxis> walls_;
+  std::vector<JoinAxis> walls_;
   int threads_;
   const std::atomic<bool>* isCancelled_;
   std::vector<std::array<JoinEnd, 2>> ends_;
@@ -220,7 +220,7 @@ class Derivation {
 JoinedWalls JoinedWalls::of(const EntityList& entities, std::span<const WallSystemSpec> systems, int threads,
                             const std::atomic<bool>* isCancelled) {
   const WallStyles styles(systems);
-  std::vector<WallAxis> walls;
+  std::vector<JoinAxis> walls;
   for (const SketchEntity& entity : entities) {
     const auto* wall = std::get_if<WallEntity>(&entity);
     if (wall == nullptr) continue;

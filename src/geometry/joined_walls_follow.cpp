@@ -69,7 +69,7 @@ class JoinFollower {
     double half = 0;
   };
   struct Wall {
-    WallAxis axis;
+    JoinAxis axis;
     std::array<JoinEnd, 2> ends;
     std::array<bool, 2> isJoined{};  // the end has been joined anew
     bool isLeftOverdrawn = false;
@@ -104,7 +104,7 @@ class JoinFollower {
     for (const auto& [wall, which] : found) visit(*wall, which);
   }
 
-  Wall& wall(const WallAxis& axis) {
+  Wall& wall(const JoinAxis& axis) {
     const auto [place, isNew] = numbers_.try_emplace(axis.id, walls_.size());
     if (isNew) walls_.push_back({axis, {freeEnd(axis.from), freeEnd(axis.to)}});
     return walls_[place->second];

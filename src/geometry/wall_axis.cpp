@@ -23,9 +23,9 @@ std::string_view familyName(std::string_view systemName) {
 
 }  // namespace
 
-bool isStronger(const WallAxis& a, const WallAxis& b) {
+bool isStronger(const JoinAxis& a, const JoinAxis& b) {
   if (a.half != b.half) return a.half > b.half;
-  const auto key = [](const WallAxis& wall) {
+  const auto key = [](const JoinAxis& wall) {
     return std::tuple(wall.family, wall.from.x, wall.from.y, wall.to.x, wall.to.y, wall.id);
   };
   return key(a) < key(b);
@@ -43,7 +43,7 @@ WallStyles::WallStyles(std::span<const WallSystemSpec> systems)
   }
 }
 
-std::optional<WallAxis> WallStyles::axis(const WallEntity& wall) const {
+std::optional<JoinAxis> WallStyles::axis(const WallEntity& wall) const {
   const Style* style = &unknown_;
   for (const Style& known : styles_) {
     if (known.system != wall.systemSpecID) continue;
@@ -60,7 +60,7 @@ std::optional<WallAxis> WallStyles::axis(const WallEntity& wall) const {
       !(farthest <= kFarthest * thickness)) {
     return std::nullopt;
   }
-  return WallAxis{wall.id, wall.systemSpecID, wall.from,    wall.to, {along.x / length, along.y / length},
+  return JoinAxis{wall.id, wall.systemSpecID, wall.from,    wall.to, {along.x / length, along.y / length},
                   length,  style->half,       style->family};
 }
 

@@ -15,7 +15,7 @@ namespace ostrelon {
 /// are of one family whose names are the same up to the first hyphen; unknown systems are one family.
 using WallFamily = std::uint32_t;
 
-struct WallAxis {
+struct JoinAxis {
   UUID id;
   UUID system;
   SketchPoint from;
@@ -29,7 +29,7 @@ struct WallAxis {
   SketchPoint end(int which) const { return which == 0 ? from : to; }
   /// Away from that end, along the wall.
   SketchPoint inward(int which) const { return which == 0 ? direction : direction * -1; }
-  friend bool operator==(const WallAxis&, const WallAxis&) = default;
+  friend bool operator==(const JoinAxis&, const JoinAxis&) = default;
 };
 
 /// How near points must come to be one, as a share of the thinner wall's thickness.
@@ -42,7 +42,7 @@ inline double nodeReach(double half, double otherHalf) {
 
 /// An order of all walls that depends on nothing but themselves: where two of different families overlap, the
 /// stronger one's outline stays, and of edges that coincide the stronger one's is painted. Thickness first.
-bool isStronger(const WallAxis& a, const WallAxis& b);
+bool isStronger(const JoinAxis& a, const JoinAxis& b);
 
 /// Thicknesses and families by system.
 class WallStyles {
@@ -51,7 +51,7 @@ class WallStyles {
 
   /// The wall, where it can be joined: not one of no length or thickness, or shorter than a tenth of its
   /// thickness, nor one of numbers that are not finite or too large to tell its faces apart.
-  std::optional<WallAxis> axis(const WallEntity& wall) const;
+  std::optional<JoinAxis> axis(const WallEntity& wall) const;
 
  private:
   struct Style {

@@ -25,7 +25,7 @@ SketchBox boxOf(std::span<const SketchPoint> points) {
 
 }  // namespace
 
-WallBody::WallBody(const WallAxis& wall, const std::array<JoinEnd, 2>& ends) {
+WallBody::WallBody(const JoinAxis& wall, const std::array<JoinEnd, 2>& ends) {
   const SketchPoint toLeft = perpendicular(wall.direction) * wall.half;
   const auto corner = [](const JoinSide& side, SketchPoint cap) {
     return side.join == WallJoin::cap ? cap : side.point;
@@ -40,7 +40,7 @@ WallBody::WallBody(const WallAxis& wall, const std::array<JoinEnd, 2>& ends) {
   box = boxOf(outline).grown(2 * kCoincidence * wall.half);
 }
 
-WallCutter::WallCutter(const WallAxis& wall, const WallBody& body) : wall_(&wall), box_(body.box) {
+WallCutter::WallCutter(const JoinAxis& wall, const WallBody& body) : wall_(&wall), box_(body.box) {
   const auto throughPoints = [](SketchPoint a, SketchPoint b) {
     const SketchPoint toLeft = perpendicular(b - a);
     const double length = std::sqrt(squaredLength(toLeft));
@@ -58,7 +58,7 @@ WallCutter::WallCutter(const WallAxis& wall, const WallBody& body) : wall_(&wall
                 Line{left, -dot(left, wall.from) + wall.half}, throughPoints(at[rightEnd], at[endNode])};
 }
 
-void WallCutter::hide(const WallAxis& owner, const Edge& edge, std::vector<Span>& hidden) const {
+void WallCutter::hide(const JoinAxis& owner, const Edge& edge, std::vector<Span>& hidden) const {
   const bool isFamily = owner.family == wall_->family;
   const bool isWeaker = isStronger(*wall_, owner);
   if (!isFamily && !isWeaker) return;
@@ -117,7 +117,7 @@ namespace {
 // Cuts the edges of one wall, and keeps what is seen of them.
 class EdgeCutting {
  public:
-  EdgeCutting(const WallAxis& wall, std::span<const WallCutter* const> others)
+  EdgeCutting(const JoinAxis& wall, std::span<const WallCutter* const> others)
       : wall_(wall), others_(others) {
     edges_.reserve(4);
   }
@@ -152,7 +152,7 @@ class EdgeCutting {
   std::vector<WallEdge> take() { return std::move(edges_); }
 
  private:
-  const WallAxis& wall_;
+  const JoinAxis& wall_;
   std::span<const WallCutter* const> others_;
   std::vector<WallCutter::Span> hidden_;
   std::vector<WallEdge> edges_;
@@ -160,7 +160,7 @@ class EdgeCutting {
 
 }  // namespace
 
-std::vector<WallEdge> visibleEdges(const WallAxis& wall, const std::array<JoinEnd, 2>& ends,
+std::vector<WallEdge> visibleEdges(const JoinAxis& wall, const std::array<JoinEnd, 2>& ends,
                                    const WallBody& body, std::span<const WallCutter* const> others) {
   using enum WallBody::Corner;
   const auto& at = body.outline;

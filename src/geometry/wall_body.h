@@ -21,7 +21,7 @@ struct WallBody {
   SketchBox box;  ///< around the outline, with a little room for edges that nearly touch it
 
   WallBody() = default;
-  WallBody(const WallAxis& wall, const std::array<JoinEnd, 2>& ends);
+  WallBody(const JoinAxis& wall, const std::array<JoinEnd, 2>& ends);
   std::array<SketchPoint, 4> leftHalf() const {
     return {outline[startNode], outline[endNode], outline[leftEnd], outline[leftStart]};
   }
@@ -34,9 +34,9 @@ struct WallBody {
 class WallCutter {
  public:
   WallCutter() = default;
-  WallCutter(const WallAxis& wall, const WallBody& body);
+  WallCutter(const JoinAxis& wall, const WallBody& body);
 
-  const WallAxis& wall() const { return *wall_; }
+  const JoinAxis& wall() const { return *wall_; }
   const SketchBox& box() const { return box_; }
 
   /// Of an edge with a body to its left: what this body hides.
@@ -52,7 +52,7 @@ class WallCutter {
   /// Appends what is hidden of an edge of `owner`. Inside another body of the family an edge is hidden, and
   /// inside one of another family that is stronger. Of edges that coincide, opposite ones are hidden both,
   /// and of equal ones that of the weaker wall.
-  void hide(const WallAxis& owner, const Edge& edge, std::vector<Span>& hidden) const;
+  void hide(const JoinAxis& owner, const Edge& edge, std::vector<Span>& hidden) const;
 
  private:
   // The points p with dot(normal, p) + offset >= 0.
@@ -63,7 +63,7 @@ class WallCutter {
   };
   using Half = std::array<Line, 4>;  // the axis comes first: it is no edge
 
-  const WallAxis* wall_ = nullptr;
+  const JoinAxis* wall_ = nullptr;
   SketchBox box_;
   std::array<Half, 2> halves_;
 };
@@ -78,7 +78,7 @@ struct WallEdge {
 
 /// What is seen of a wall's outline among the bodies that touch it: faces, caps, steps and lines between
 /// families, each with the body to its left, but that a line between may run either way.
-std::vector<WallEdge> visibleEdges(const WallAxis& wall, const std::array<JoinEnd, 2>& ends,
+std::vector<WallEdge> visibleEdges(const JoinAxis& wall, const std::array<JoinEnd, 2>& ends,
                                    const WallBody& body, std::span<const WallCutter* const> others);
 
 }  // namespace ostrelon

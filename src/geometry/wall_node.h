@@ -48,7 +48,7 @@ inline JoinEnd freeEnd(SketchPoint end) { return {end, {}, {}}; }
 
 /// An end of a wall that takes part in a node.
 struct WallArm {
-  const WallAxis* wall = nullptr;
+  const JoinAxis* wall = nullptr;
   int which = 0;  ///< 0: the wall's start, 1: its end
   JoinEnd* joined = nullptr;
   // The arms to which its faces are joined, by their place in the node; -1 for none.
@@ -65,10 +65,10 @@ void joinArms(std::span<WallArm> arms);
 /// The mitres of a face may lie so far along the wall at both ends that nothing is left of it: then they are
 /// given up, by this wall and by those on the other sides of them. True for the left or the right face, as
 /// seen from the wall's start.
-inline bool isLeftOverdrawn(const WallAxis& wall, const std::array<JoinEnd, 2>& ends) {
+inline bool isLeftOverdrawn(const JoinAxis& wall, const std::array<JoinEnd, 2>& ends) {
   return ends[0].left.pull + ends[1].right.pull > wall.length * (1 - 1e-9);
 }
-inline bool isRightOverdrawn(const WallAxis& wall, const std::array<JoinEnd, 2>& ends) {
+inline bool isRightOverdrawn(const JoinAxis& wall, const std::array<JoinEnd, 2>& ends) {
   return ends[0].right.pull + ends[1].left.pull > wall.length * (1 - 1e-9);
 }
 /// Gives up the mitre of one face, which ends in a cap then.

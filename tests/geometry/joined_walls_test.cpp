@@ -209,7 +209,7 @@ std::vector<Points> plainBodies(const std::vector<WallEntity>& walls) {
 }
 
 // A thicker wall may lose a corner to the mitre with a thinner one.
-bool isTrimmed(const WallAxis& thick, SketchPoint point, const std::vector<WallEntity>& walls) {
+bool isTrimmed(const JoinAxis& thick, SketchPoint point, const std::vector<WallEntity>& walls) {
   const WallStyles styles(systems());
   return std::any_of(walls.begin(), walls.end(), [&](const WallEntity& other) {
     const auto thin = styles.axis(other);
