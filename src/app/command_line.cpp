@@ -39,6 +39,7 @@ void setOption(CommandLine& line, std::string_view name, const std::string& valu
 }
 
 std::filesystem::path exportPath(const std::string& text) {
+  if (isTableFile(text)) return text;
   try {
     exportFormatOf(text);
   } catch (const ExportOptionError& error) {
@@ -166,7 +167,7 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments, const En
   }
   option("--import", [&](const std::string& value) { line.imports.emplace_back(value); });
   option("--export", [&](const std::string& value) { line.exports.push_back(exportPath(value)); });
-  for (const char* setting : {"size", "pixel-ratio", "paper", "scale", "theme", "dxf"})
+  for (const char* setting : {"size", "pixel-ratio", "paper", "scale", "theme", "dxf", "schedule"})
     exportSetting(setting);
   automationSetting("--clock", line.clock);
   automationSetting("--update-feed", line.updateFeed);
@@ -278,6 +279,7 @@ How exported files look:
   --theme light|dark|tansy       the colors of pictures, light unless told
   --grid                         draws the grid in pictures
   --dxf r12|2000                 the version of DXF, 2000 unless told
+  --schedule openings            what a .csv file of --export holds
 
 Anywhere:
   --home DIR                     keeps settings and documents in a folder of their own

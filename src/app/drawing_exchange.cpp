@@ -9,6 +9,8 @@
 #include "exchange/dxf_import.h"
 #include "exchange/dxf_writer.h"
 #include "exchange/picture_page.h"
+#include "geometry/opening_operations.h"
+#include "geometry/opening_schedule.h"
 #include "platform/dialogs.h"
 
 namespace ostrelon {
@@ -29,6 +31,35 @@ void tellFailure(Workspace& workspace, std::string_view what, const UserError& e
   std::string text = fmt::format("{} failed: {}", what, error.what());
   workspace.messages.append(text, true, false);
   workspace.messages.showToast(std::move(text), Style::error);
+}
+
+// What of a drawing's openings an export leaves out; empty where that is nothing.
+std::string leftOutText(const OpeningLayout& openings) {
+  const std::size_t count = openings.misfits();
+  if (count == 0) return {};
+  return fmt::format("{} left out, as {}; the command openings lists {}.",
+                     count == 1 ? "1 opening was" : fmt::format("{} openings were", count),
+                     count == 1 ? "it does not fit its wall" : "they do not fit their walls",
+                     count == 1 ? "it" : "them");
+}
+
+// Comma-separated values (RFC 4180).
+std::string tableText(const std::vector<std::vector<std::string>>& rows) {
+  std::string text;
+  for (const auto& row : rows) {
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      if (i > 0) text += ',';
+      if (row[i].find_first_of(",\"\r\n") == std::string::npos) {
+        text += row[i];
+        continue;
+      }
+      text += '"';
+      for (const char c : row[i]) text += c == '"' ? std::string("\"\"") : std::string(1, c);
+      text += '"';
+    }
+    text += "\r\n";
+  }
+  return text;
 }
 
 void addDrawing(Application& application, DxfDrawing drawing, const std::string& name, bool convertToFeet) {
@@ -68,28 +99,40 @@ void importFrom(Application& application, const FilePath& path) {
 
 void exportTo(Application& application, const FilePath& path, const ExportOptions& options) {
   Workspace& workspace = application.workspace();
+  std::string leftOut;
   try {
-    exportDrawing(workspace, path, options, application.makePicture());
+    leftOut = exportDrawing(workspace, path, options, application.makePicture());
   } catch (const UserError& error) {
     tellFailure(workspace, "Export", error);
     return;
   }
   workspace.messages.append(fmt::format("Exported to \"{}\".", path.string()), false, true);
+  if (!leftOut.empty()) workspace.messages.appendSystem(leftOut);
   workspace.messages.showToast("Exported " + path.filename().string(), Style::success);
 }
 
 }  // namespace
 
-void exportDrawing(const Workspace& workspace, const FilePath& path, const ExportOptions& options,
-                   const PictureMaker& makePicture) {
-  const ExportFormat format = exportFormatOf(path);
+std::string exportDrawing(const Workspace& workspace, const FilePath& path, const ExportOptions& given,
+                          const PictureMaker& makePicture) {
   FileSystem& files = workspace.host().files;
+  ExportOptions options = given;
+  options.openings = std::make_shared<const OpeningLayout>(openingLayout(workspace.sketch));
+  const std::string leftOut = leftOutText(*options.openings);
+  if (isTableFile(path)) {
+    if (!options.schedule) {
+      throw ExportOptionError("A .csv file holds a schedule: say which one, as --schedule openings.");
+    }
+    files.writeFile(path, tableText(openingScheduleTable(*options.openings)));
+    return leftOut;
+  }
+  const ExportFormat format = exportFormatOf(path);
   if (format == ExportFormat::dxf) {
     files.writeFile(path, [&](const FileSystem::Writer& write) {
       writeDxf(workspace.sketch.entities(), workspace.sketch.drawing->wallSystemSpecs, options.dxfVersion,
-               write);
+               write, *options.openings);
     });
-    return;
+    return leftOut;
   }
   if (format == ExportFormat::pdf) {
     const auto pages =
@@ -97,12 +140,13 @@ void exportDrawing(const Workspace& workspace, const FilePath& path, const Expor
     files.writeFile(path, [&](const FileSystem::Writer& write) {
       writePdf(pages, workspace.sketch.entities(), workspace.sketch.drawing->wallSystemSpecs, options, write);
     });
-    return;
+    return leftOut;
   }
   if (!makePicture)
     throw ExportOptionError("Pictures of pixels cannot be drawn here; PDF and DXF can be written.");
   files.writeFile(path, makePicture(format, workspace.sketch.entities(),
                                     workspace.sketch.drawing->wallSystemSpecs, options));
+  return leftOut;
 }
 
 void importDrawing(Workspace& workspace, const FilePath& path, bool convertToFeet) {

@@ -22,9 +22,10 @@ using PictureMaker =
                               std::span<const WallSystemSpec> systems, const ExportOptions& options)>;
 
 /// Writes all entities to a file of the kind that its name ends in. Throws `UserError`, and has written
-/// nothing then. `makePicture` may be empty, and PNG and SVG are then refused.
-void exportDrawing(const Workspace& workspace, const FilePath& path, const ExportOptions& options,
-                   const PictureMaker& makePicture);
+/// nothing then. `makePicture` may be empty, and PNG and SVG are then refused. A .csv file holds the schedule
+/// that the options name. Gives what was left out, as a sentence; empty: nothing.
+std::string exportDrawing(const Workspace& workspace, const FilePath& path, const ExportOptions& options,
+                          const PictureMaker& makePicture);
 
 /// Reads a DXF file and adds what it draws. Throws `UserError`, and has changed nothing then.
 void importDrawing(Workspace& workspace, const FilePath& path, bool convertToFeet);

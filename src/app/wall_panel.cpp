@@ -1,22 +1,10 @@
 #include "app/wall_panel.h"
 
-#include <cmath>
-
 #include "core/adding.h"
 #include "core/length_text.h"
-#include "core/typed_length.h"
 #include "geometry/edit_operations.h"
 
 namespace ostrelon {
-namespace {
-
-bool isWhole(double value, double tolerance) { return std::fabs(value - std::round(value)) <= tolerance; }
-// At most two decimals.
-bool isShortNumber(double size) { return isWhole(size * 100, 1e-6); }
-// Near enough for a value that a file has rounded to 32 bits.
-bool isInSixteenths(double size) { return isWhole(size * 12 * 16, 1e-4); }
-
-}  // namespace
 
 const WallEntity* selectedWallEntity(const Workspace& workspace) {
   const SketchEntity* selected = workspace.sketch.selectedEntity();
@@ -52,17 +40,7 @@ std::vector<WallSystemRow> wallSystemRows(const Workspace& workspace) {
 }
 
 std::string wallSystemMeasures(const WallSystemSpec& spec) {
-  const bool areShort = isShortNumber(spec.thickness) && isShortNumber(spec.height);
-  const auto text = [&](double size) { return areShort ? plainDecimalText(size) : formatLength(size); };
-  return text(spec.thickness) + " thick · " + text(spec.height) + " high";
-}
-
-std::string wallSizeText(double size) {
-  return isShortNumber(size) || !isInSixteenths(size) ? plainDecimalText(size) : formatLength(size);
-}
-
-std::string wallSizeInInches(double size) {
-  return (isInSixteenths(size) ? "= " : "≈ ") + formatInches(size);
+  return plainDecimalText(spec.thickness) + " thick · " + plainDecimalText(spec.height) + " high";
 }
 
 void selectWallSystemRow(Workspace& workspace, const UUID& specID) {
@@ -94,37 +72,31 @@ void updateWallSystem(Workspace& workspace, const WallSystemSpec& spec) {
 std::string wallSystemFieldText(const WallSystemSpec& spec, WallSystemField field) {
   switch (field) {
     case WallSystemField::thickness:
-      return wallSizeText(spec.thickness);
+      return plainDecimalText(spec.thickness);
     case WallSystemField::height:
-      return wallSizeText(spec.height);
+      return plainDecimalText(spec.height);
     case WallSystemField::assemblyNotes:
       return spec.assemblyNotes;
   }
   return {};
 }
 
-std::optional<std::string> commitWallSystemField(Workspace& workspace, const UUID& specID,
-                                                 WallSystemField field, std::string_view text) {
+bool commitWallSystemField(Workspace& workspace, const UUID& specID, WallSystemField field,
+                           std::string_view text) {
   const WallSystemSpec* old = workspace.sketch.drawing->wallSystem(specID);
-  // As it was shown, a text may be less than the value holds.
-  if (old == nullptr || text == wallSystemFieldText(*old, field)) return std::nullopt;
+  if (old == nullptr) return false;
   WallSystemSpec edited = *old;
-  switch (field) {
-    case WallSystemField::assemblyNotes:
-      edited.assemblyNotes = text;
-      break;
-    case WallSystemField::thickness:
-    case WallSystemField::height: {
-      const LengthReading read = readLength(text);
-      const auto* size = std::get_if<double>(&read);
-      if (size == nullptr) return "Write 4-1/2\", 8' or 8.5.";
-      if (!(*size > 0)) return "It has to be above 0.";
-      (field == WallSystemField::thickness ? edited.thickness : edited.height) = *size;
-      break;
-    }
+  if (field == WallSystemField::assemblyNotes) {
+    edited.assemblyNotes = text;
+  } else if (text == wallSystemFieldText(*old, field)) {
+    return true;  // as it was shown, which may be less than the value holds
+  } else {
+    const auto number = parsePlainDecimal(text);
+    if (!number || !(*number > 0)) return false;
+    (field == WallSystemField::thickness ? edited.thickness : edited.height) = *number;
   }
   updateWallSystem(workspace, edited);
-  return std::nullopt;
+  return true;
 }
 
 }  // namespace ostrelon

@@ -210,9 +210,10 @@ const std::map<std::string, Operation, std::less<>>& operations() {
            setExportOption(exportOptions, name,
                            value.is_string() ? value.get<std::string>() : jsonText(value));
          }
-         exportDrawing(session.workspace(),
-                       standardizedPath(requestMember<std::string>(session, request, "path")), exportOptions,
-                       session.application.makePicture());
+         const std::string leftOut = exportDrawing(
+             session.workspace(), standardizedPath(requestMember<std::string>(session, request, "path")),
+             exportOptions, session.application.makePicture());
+         if (!leftOut.empty()) session.workspace().messages.appendSystem(leftOut);
          return nullptr;
        }},
       {"import",

@@ -5,8 +5,10 @@
 #include <span>
 #include <vector>
 
+#include "console/command_words.h"
 #include "core/circle.h"
 #include "core/length_text.h"
+#include "core/typed_length.h"
 #include "interaction/axis_directions.h"
 #include "platform/unicode.h"
 
@@ -93,9 +95,33 @@ std::optional<TypedEnd> typedEnd(SketchTool tool, const SketchDraft& draft,
   return typedSegment(tool, draft, sizes);
 }
 
+// A width, and a distance behind it, for the openings that are being placed.
+std::optional<Reply> applyOpeningSize(std::string_view text, Board& board) {
+  Words words = splitAtWhiteSpace(text);
+  if (words.empty() || !std::holds_alternative<double>(readLength(words.front()))) return std::nullopt;
+  const Reply usage = Reply::error("Usage: <width> [distance] while adding doors, windows and openings");
+  const auto width = readLengthAt(words, 0);
+  const auto* first = std::get_if<LengthInWords>(&width);
+  if (first == nullptr || !(first->value > 0)) return usage;
+  std::optional<double> distance;
+  std::size_t next = first->next;
+  if (next < words.size()) {
+    const auto second = readLengthAt(words, next);
+    const auto* length = std::get_if<LengthInWords>(&second);
+    if (length == nullptr) return usage;
+    distance = length->value;
+    next = length->next;
+  }
+  if (next != words.size()) return usage;
+  board.setOpeningPlacingSize(first->value, distance);
+  return Reply::done("Width " + formatLength(first->value) +
+                     (distance ? ", distance " + formatLength(*distance) : std::string()) + ".");
+}
+
 }  // namespace
 
 std::optional<Reply> applyNumericDraftInput(std::string_view text, Board& board) {
+  if (board.openingPlacing() != nullptr) return applyOpeningSize(text, board);
   const char* usage = usageOf(board.tool);
   const SketchDraft* draft = board.draft();
   if (draft == nullptr || usage == nullptr) return std::nullopt;

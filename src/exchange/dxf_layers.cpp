@@ -58,9 +58,10 @@ std::string dxfLayerName(std::string_view systemName, DxfVersion version) {
   return name.empty() ? "WALL" : name;
 }
 
-DxfLayers::DxfLayers(std::span<const WallSystemSpec> systems, DxfVersion version) {
+DxfLayers::DxfLayers(std::span<const WallSystemSpec> systems, DxfVersion version, bool hasOpenings) {
   std::unordered_map<std::string, std::string> layerOfName;  // by the system's name in lower case
   std::unordered_set<std::string> taken{std::string(kDxfBaseLayer), lowerCased(kDxfUnknownWallLayer)};
+  if (hasOpenings) taken.insert({lowerCased(kDxfDoorLayer), lowerCased(kDxfGlazingLayer)});
   for (const WallSystemSpec& system : systems) {
     std::string& layer = layerOfName[lowerCased(trimmed(system.name))];
     if (layer.empty()) {
@@ -76,6 +77,7 @@ DxfLayers::DxfLayers(std::span<const WallSystemSpec> systems, DxfVersion version
     layers_.emplace(system.id, layer);
   }
   names_.push_back(unknown_);
+  if (hasOpenings) names_.insert(names_.end(), {std::string(kDxfDoorLayer), std::string(kDxfGlazingLayer)});
 }
 
 const std::string& DxfLayers::layerOf(const UUID& systemID) const {

@@ -15,6 +15,9 @@ namespace ostrelon {
 
 /// The layer of everything but walls. Every file has it.
 inline constexpr std::string_view kDxfBaseLayer = "0";
+/// The layers of doors and of windows; a drawing with openings has them.
+inline constexpr std::string_view kDxfDoorLayer = "A-DOOR";
+inline constexpr std::string_view kDxfGlazingLayer = "A-GLAZ";
 /// The layer of walls whose system is not in the document.
 inline constexpr std::string_view kDxfUnknownWallLayer = "WALL-UNKNOWN";
 
@@ -25,13 +28,13 @@ std::string dxfLayerName(std::string_view systemName, DxfVersion version);
 
 class DxfLayers {
  public:
-  DxfLayers(std::span<const WallSystemSpec> systems, DxfVersion version);
+  DxfLayers(std::span<const WallSystemSpec> systems, DxfVersion version, bool hasOpenings = false);
 
   /// The layer of the walls of this system. Systems of one name, case aside, share a layer; names
   /// that become alike only on their way into the file are distinguished by a number.
   const std::string& layerOf(const UUID& systemID) const;
   /// All layers but the base layer, each once, in the order of the systems; the one of unknown
-  /// systems last.
+  /// systems behind them, and those of openings last.
   const std::vector<std::string>& names() const { return names_; }
 
  private:

@@ -22,8 +22,13 @@ namespace {
 class EntityWriter {
  public:
   EntityWriter(DxfOutput& out, const DxfLayers& layers, std::span<const WallSystemSpec> systems,
-               DxfVersion version)
-      : out_(out), layers_(layers), systems_(systems), version_(version), next_(firstEntityHandle(layers)) {}
+               DxfVersion version, const OpeningLayout& openings)
+      : out_(out),
+        layers_(layers),
+        systems_(systems),
+        version_(version),
+        openings_(openings),
+        next_(firstEntityHandle(layers)) {}
 
   /// False where there is nothing to write.
   bool write(const SketchEntity& entity) {
@@ -62,9 +67,9 @@ class EntityWriter {
     if (is2000()) out_.text(100, className_);
   }
 
-  bool writeLine(const LineEntity& line) {
+  bool writeLine(const LineEntity& line, std::string_view layer = kDxfBaseLayer) {
     if (!isFinite(line.from) || !isFinite(line.to)) return false;
-    begin("LINE", kDxfBaseLayer, "AcDbLine");
+    begin("LINE", layer, "AcDbLine");
     beginOwn();
     out_.flatPoint(10, line.from);
     out_.flatPoint(11, line.to);
@@ -73,14 +78,34 @@ class EntityWriter {
 
   bool writeWall(const WallEntity& wall) {
     const std::string& layer = layers_.layerOf(wall.systemSpecID);
-    const auto corners = wallCorners(wall.from, wall.to, paintedWallThickness(wall, systems_));
-    if (!writeClosed(corners, layer)) return false;
+    const double thickness = paintedWallThickness(wall, systems_);
+    const auto& openings = openings_.ofWall(wall.id);
+    if (openings.empty()) {
+      if (!writeClosed(wallCorners(wall.from, wall.to, thickness), layer)) return false;
+    } else {
+      const OpeningWall& host = openings_.all()[openings.front()].wall;
+      for (const auto& [from, to] : wallBesideOpenings(host, openings_)) {
+        writeClosed(wallCorners(host.at(from), host.at(to), thickness), layer);
+      }
+      for (const std::size_t place : openings) writeOpening(openings_.all()[place]);
+    }
     begin("LINE", layer, "AcDbLine");
     out_.text(6, kDxfCenterLineType);
     beginOwn();
     out_.flatPoint(10, wall.from);
     out_.flatPoint(11, wall.to);
     return true;
+  }
+
+  void writeOpening(const PlacedOpening& placed) {
+    if (placed.fit != OpeningFit::fits) return;
+    const OpeningShape shape = openingShape(placed.opening, placed.wall);
+    for (const auto& [from, to] : shape.lines) writeLine({{}, from, to}, kDxfGlazingLayer);
+    if (shape.leaf) writeLine({{}, shape.leaf->first, shape.leaf->second}, kDxfDoorLayer);
+    if (shape.arc) {
+      const auto& [center, radius, start, end] = *shape.arc;
+      writeArc({{}, center, radius, start, end}, kDxfDoorLayer);
+    }
   }
 
   bool writeCircle(const CircleEntity& circle) {
@@ -93,14 +118,14 @@ class EntityWriter {
     return true;
   }
 
-  bool writeArc(const ArcEntity& arc) {
+  bool writeArc(const ArcEntity& arc, std::string_view layer = kDxfBaseLayer) {
     const double sweep = arcSpan(arc.startAngle, arc.endAngle);
     const double radius = std::abs(arc.radius);
     if (!isFinite(arc.center) || !std::isfinite(radius) || radius == 0) return false;
     if (!(sweep > kSmallestArcSweep)) return false;
     // A negative radius puts every point on the other side of the centre.
     const double turned = arc.radius < 0 ? std::numbers::pi : 0;
-    begin("ARC", kDxfBaseLayer, "AcDbCircle");
+    begin("ARC", layer, "AcDbCircle");
     beginOwn();
     out_.flatPoint(10, arc.center);
     out_.real(40, radius);
@@ -134,6 +159,7 @@ class EntityWriter {
   const DxfLayers& layers_;
   std::span<const WallSystemSpec> systems_;
   DxfVersion version_;
+  const OpeningLayout& openings_;
   DxfHandle next_;
   std::string_view className_;
 };
@@ -141,15 +167,17 @@ class EntityWriter {
 }  // namespace
 
 DxfWritten writeDxf(const EntityList& entities, std::span<const WallSystemSpec> systems, DxfVersion version,
-                    const FileSystem::Writer& write) {
-  const DxfLayers layers(systems, version);
+                    const FileSystem::Writer& write, const OpeningLayout& openings) {
+  constexpr std::uint64_t kHandlesOfOpening = 4;  // another piece of its wall, and three lines at most
+  const DxfLayers layers(systems, version, !openings.empty());
   DxfOutput out(write);
   // A wall takes two handles and everything else one.
-  const DxfHandle firstFree{firstEntityHandle(layers).value + 2 * entities.size()};
+  const DxfHandle firstFree{firstEntityHandle(layers).value + 2 * entities.size() +
+                            kHandlesOfOpening * openings.all().size()};
   const DxfFrame frame{version, drawingBounds(entities).value_or(SketchBox{}), layers, firstFree};
   DxfWritten written;
   writeDxfHead(out, frame);
-  EntityWriter writer(out, layers, systems, version);
+  EntityWriter writer(out, layers, systems, version, openings);
   for (const SketchEntity& entity : entities) {
     if (writer.write(entity)) {
       ++written.entities;

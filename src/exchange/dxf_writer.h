@@ -14,6 +14,10 @@
 // | rectangle | a closed polyline                                                            |
 // | polygon   | a closed polyline                                                            |
 //
+// A wall with openings has an outline for each of its pieces between them. A door's leaf is a LINE and what
+// its tip runs along an ARC on the layer "A-DOOR"; a window's faces and glass are LINEs on "A-GLAZ". Openings
+// that do not fit their walls are left out.
+//
 // A closed polyline is a POLYLINE in R12 and an LWPOLYLINE in 2000. All but walls lies on layer "0".
 #pragma once
 
@@ -23,6 +27,7 @@
 #include "core/entity_list.h"
 #include "core/wall_system.h"
 #include "exchange/dxf_version.h"
+#include "geometry/openings.h"
 #include "platform/file_system.h"
 
 namespace ostrelon {
@@ -35,6 +40,6 @@ struct DxfWritten {
 
 /// Hands the file to `write` piece by piece, in the order of the list. Holds no copy of the drawing.
 DxfWritten writeDxf(const EntityList& entities, std::span<const WallSystemSpec> systems, DxfVersion version,
-                    const FileSystem::Writer& write);
+                    const FileSystem::Writer& write, const OpeningLayout& openings = {});
 
 }  // namespace ostrelon

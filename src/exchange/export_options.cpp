@@ -93,6 +93,7 @@ constexpr std::array kOrientations{Word<PageOrientation>{"automatic", PageOrient
 constexpr std::array kDxfVersions{Word<DxfVersion>{"r12", DxfVersion::r12},
                                   Word<DxfVersion>{"2000", DxfVersion::r2000},
                                   Word<DxfVersion>{"r2000", DxfVersion::r2000}};
+constexpr std::array kSchedules{Word<ExportSchedule>{"openings", ExportSchedule::openings}};
 constexpr std::array kSwitches{Word<bool>{"on", true}, Word<bool>{"off", false}};
 
 struct Option {
@@ -119,6 +120,10 @@ constexpr std::array kOptions{
     Option{"dxf",
            [](ExportOptions& o, const std::string& v) {
              o.dxfVersion = wordOf(v, kDxfVersions, "is not a version of DXF; there are r12 and 2000");
+           }},
+    Option{"schedule",
+           [](ExportOptions& o, const std::string& v) {
+             o.schedule = wordOf(v, kSchedules, "is not a schedule; there is openings");
            }},
 };
 
@@ -167,6 +172,10 @@ ExportFormat exportFormatOf(const std::filesystem::path& path) {
   }
   refuse(
       fmt::format("Cannot export to \"{}\": its name must end in .png, .svg, .pdf or .dxf.", path.string()));
+}
+
+bool isTableFile(const std::filesystem::path& path) {
+  return lowerCased(path.extension().string()) == ".csv";
 }
 
 std::span<const std::string_view> exportOptionNames() { return kOptionNames; }

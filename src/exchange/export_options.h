@@ -4,6 +4,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -13,6 +14,7 @@
 #include "core/sketch_viewport.h"
 #include "exchange/dxf_version.h"
 #include "exchange/page_layout.h"
+#include "geometry/openings.h"
 
 namespace ostrelon {
 
@@ -24,6 +26,7 @@ class ExportOptionError : public UserError {
 };
 
 enum class ExportFormat { png, svg, pdf, dxf };
+enum class ExportSchedule { openings };
 enum class ExportTheme { light, dark, tansy };
 
 /// The size of an exported picture where none is given, view points.
@@ -49,6 +52,11 @@ struct ExportOptions {
   ExportTheme theme = ExportTheme::light;
   bool showGrid = false;
   DxfVersion dxfVersion = DxfVersion::r2000;
+  /// What a .csv file holds.
+  std::optional<ExportSchedule> schedule;
+
+  /// The openings of the walls, for whoever exports a drawing to give; null: none.
+  std::shared_ptr<const OpeningLayout> openings;
 
   bool isOnPaper() const { return paper.has_value() || scale.has_value(); }
 };
@@ -58,11 +66,14 @@ std::string_view fileEnding(ExportFormat format);
 /// By the ending of the name, without regard to case. Throws `ExportOptionError`.
 ExportFormat exportFormatOf(const std::filesystem::path& path);
 
-/// "size", "pixel-ratio", "paper", "scale", "orientation", "theme", "grid", "dxf".
+/// Whether the file is a table, ".csv", which holds a schedule.
+bool isTableFile(const std::filesystem::path& path);
+
+/// "size", "pixel-ratio", "paper", "scale", "orientation", "theme", "grid", "dxf", "schedule".
 std::span<const std::string_view> exportOptionNames();
 /// Reads one option: size 1200x800, pixel-ratio 2, paper "ARCH D", scale 1/4in=1ft, orientation
-/// portrait or landscape, theme light, dark or tansy, grid on or off, dxf r12 or 2000. Throws
-/// `ExportOptionError`.
+/// portrait or landscape, theme light, dark or tansy, grid on or off, dxf r12 or 2000, schedule openings.
+/// Throws `ExportOptionError`.
 void setExportOption(ExportOptions& options, std::string_view name, const std::string& value);
 
 /// One page of a picture.

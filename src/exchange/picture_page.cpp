@@ -4,6 +4,7 @@
 
 #include "exchange/pdf_writer.h"
 #include "interaction/canvas_renderer.h"
+#include "interaction/opening_painting.h"
 
 namespace ostrelon {
 
@@ -39,6 +40,10 @@ void paintDrawing(CanvasPainter& painter, const PicturePage& page, const EntityL
   frame.part = paintedPart(page);
   if (options.showGrid) paintGrid(painter, frame);
   paintEntities(painter, frame, entities, systems);
+  if (options.openings == nullptr) return;
+  if (!hasBackground(options)) frame.palette.background = {1, 1, 1};
+  paintOpeningGaps(painter, frame, *options.openings);
+  paintOpenings(painter, frame, *options.openings, OpeningMisfits::leftOut);
 }
 
 void writePdf(std::span<const PicturePage> pages, const EntityList& entities,

@@ -164,6 +164,24 @@ std::size_t OpeningLayout::misfits() const {
       all_.begin(), all_.end(), [](const PlacedOpening& placed) { return placed.fit != OpeningFit::fits; }));
 }
 
+std::vector<std::pair<double, double>> wallBesideOpenings(const OpeningWall& wall,
+                                                          const OpeningLayout& layout) {
+  std::vector<std::pair<double, double>> pieces;
+  double from = 0;
+  const auto add = [&](double to) {
+    if (to - from > kOpeningTolerance) pieces.emplace_back(from, to);
+  };
+  for (const std::size_t place : layout.ofWall(wall.id)) {
+    const PlacedOpening& placed = layout.all()[place];
+    if (placed.fit != OpeningFit::fits) continue;
+    add(placed.opening.distance);
+    from = placed.opening.distance + placed.opening.width;
+  }
+  if (from == 0) return {{0, wall.length()}};
+  add(wall.length());
+  return pieces;
+}
+
 // --- Neighbours
 
 OpeningRoom openingRoom(const OpeningWall& wall, double at, const SharedList<Opening>& openings,

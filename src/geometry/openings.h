@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "core/drawing.h"
@@ -82,6 +83,11 @@ class OpeningLayout {
   std::unordered_map<UUID, std::vector<std::size_t>> byWall_;
   std::size_t waiting_ = 0;
 };
+
+/// The stretches of a wall, from start to end, that its openings leave: distances from the start. One that is
+/// the whole wall where it has none that fit.
+std::vector<std::pair<double, double>> wallBesideOpenings(const OpeningWall& wall,
+                                                          const OpeningLayout& layout);
 
 // --- Neighbours
 

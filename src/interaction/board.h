@@ -81,6 +81,7 @@ class Board {
   const PolygonDraft* polygonDraft() const { return std::get_if<PolygonDraft>(&gesture.get()); }
   const SelectMarqueeState* marquee() const { return std::get_if<SelectMarqueeState>(&gesture.get()); }
   const SelectDrag* selectDrag() const { return std::get_if<SelectDrag>(&gesture.get()); }
+  const OpeningPlacing* openingPlacing() const { return std::get_if<OpeningPlacing>(&gesture.get()); }
   bool isDrawing() const { return draft() != nullptr || polygonDraft() != nullptr; }
 
   // --- Undo, redo and clearing, which end what is in progress (board.cpp)
@@ -207,6 +208,20 @@ class Board {
   void handleEscape();
   /// The measures of the draft in progress, as its badge shows them; absent without one.
   std::optional<std::string> draftMeasurementText() const;
+
+  // --- Doors, windows and openings by the pointer (opening_placing.cpp); nothing unless they are being
+  // placed
+
+  /// Begins with the usual width of the kind, with nothing selected.
+  void beginOpeningPlacing(OpeningKind kind);
+  /// The pointer is here; absent: off the canvas.
+  void updateOpeningPlacing(std::optional<SketchPoint> point);
+  /// The next of the four ways in which a door hangs and swings.
+  void flipOpeningPlacing();
+  /// `width` above 0; `distance` of the near jamb from the wall's start, for the next one alone.
+  void setOpeningPlacingSize(double width, std::optional<double> distance);
+  /// Adds the one that is previewed, or says in the console why it does not fit.
+  void placeOpening();
 
   // --- Hovering (hover.cpp); view points, absent when the pointer has left the canvas
 

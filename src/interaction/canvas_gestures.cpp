@@ -47,6 +47,10 @@ void CanvasGestures::drag(SketchPoint viewPoint) {
 }
 
 void CanvasGestures::changed(SketchPoint viewPoint) {
+  if (board_.openingPlacing() != nullptr) {
+    hover(viewPoint);
+    return;
+  }
   switch (*board_.tool) {
     case SketchTool::select:
       selectChanged(viewPoint);
@@ -72,6 +76,10 @@ void CanvasGestures::release(SketchPoint viewPoint, bool shift) {
   const SketchPoint press = *press_;
   press_.reset();
   const bool isClick = distanceBetween(press, viewPoint) < kDragStartThreshold;
+  if (board_.openingPlacing() != nullptr) {
+    board_.placeOpening();
+    return;
+  }
   switch (*board_.tool) {
     case SketchTool::select:
       selectEnded(press, isClick, shift);

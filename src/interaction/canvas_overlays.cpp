@@ -11,6 +11,7 @@
 #include "interaction/canvas_clipping.h"
 #include "interaction/drawing_tools.h"
 #include "interaction/entity_shape.h"
+#include "interaction/opening_painting.h"
 #include "interaction/segment_label.h"
 
 namespace ostrelon {
@@ -242,6 +243,9 @@ void paintDrafts(CanvasPainter& painter, const Board& board, const CanvasFrame& 
     }
   }
   if (board.polygonDraft() != nullptr) paintPolygonDraft(painter, frame, *board.polygonDraft());
+  if (board.openingPlacing() != nullptr && board.openingPlacing()->preview) {
+    paintOpeningPreview(painter, frame, board.sketch(), *board.openingPlacing()->preview);
+  }
 }
 
 void paintSegmentLabel(CanvasPainter& painter, const Board& board, const CanvasFrame& frame) {

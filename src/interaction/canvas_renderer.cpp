@@ -3,8 +3,10 @@
 #include <cmath>
 
 #include "core/entity_list.h"
+#include "geometry/opening_operations.h"
 #include "interaction/board.h"
 #include "interaction/canvas_overlays.h"
+#include "interaction/opening_painting.h"
 
 namespace ostrelon {
 
@@ -143,6 +145,12 @@ void paintLayer(CanvasPainter& painter, CanvasLayer layer, const Board& board, c
     case CanvasLayer::entities:
       paintEntities(painter, frame, board.sketch().entities(), board.sketch().drawing->wallSystemSpecs);
       return;
+    case CanvasLayer::openings: {
+      const OpeningLayout layout = openingLayout(board.sketch());
+      paintOpeningGaps(painter, frame, layout);
+      paintOpenings(painter, frame, layout, OpeningMisfits::shown);
+      return;
+    }
     case CanvasLayer::hover:
       paintHover(painter, board, frame);
       return;

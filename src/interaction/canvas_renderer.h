@@ -21,6 +21,7 @@ enum class CanvasLayer {
   grid,
   snapGuides,
   entities,
+  openings,  ///< doors, windows and openings, over the walls that they are in
   hover,
   selection,  ///< the highlights, and the handles of a single selection
   marquee,
@@ -34,9 +35,10 @@ enum class CanvasLayer {
 
 /// All layers, in the order in which they are painted.
 inline constexpr std::array kAllCanvasLayers{
-    CanvasLayer::grid,         CanvasLayer::snapGuides, CanvasLayer::entities,   CanvasLayer::hover,
-    CanvasLayer::selection,    CanvasLayer::marquee,    CanvasLayer::trim,       CanvasLayer::drafts,
-    CanvasLayer::segmentLabel, CanvasLayer::markers,    CanvasLayer::dwellPulse, CanvasLayer::lock,
+    CanvasLayer::grid,   CanvasLayer::snapGuides,   CanvasLayer::entities, CanvasLayer::openings,
+    CanvasLayer::hover,  CanvasLayer::selection,    CanvasLayer::marquee,  CanvasLayer::trim,
+    CanvasLayer::drafts, CanvasLayer::segmentLabel, CanvasLayer::markers,  CanvasLayer::dwellPulse,
+    CanvasLayer::lock,
 };
 
 /// Fills the painted part with the background.

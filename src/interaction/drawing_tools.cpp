@@ -186,7 +186,7 @@ void Board::activateSelectTool() {
   trimCuttingEdge = std::nullopt;
   if (tool == SketchTool::trim) sketch_.clearSelection();
   if (selectDrag() != nullptr) cancelSelectDrag();
-  if (marquee() != nullptr) gesture = Gesture();
+  if (marquee() != nullptr || openingPlacing() != nullptr) gesture = Gesture();
   tool = SketchTool::select;
   releaseTracking();
   clearSnap();
@@ -195,7 +195,7 @@ void Board::activateSelectTool() {
 void Board::endSelectGestures() {
   const auto scope = change();
   if (selectDrag() != nullptr) finishSelectDrag();
-  if (marquee() != nullptr) gesture = Gesture();
+  if (marquee() != nullptr || openingPlacing() != nullptr) gesture = Gesture();
 }
 
 // Typed commands disturb less than the tool buttons. The trim tool starts with nothing selected, since its
@@ -228,7 +228,7 @@ void Board::handleEscape() {
     releaseTracking();
   } else if (selectDrag() != nullptr) {
     cancelSelectDrag();
-  } else if (marquee() != nullptr) {
+  } else if (marquee() != nullptr || openingPlacing() != nullptr) {
     gesture = Gesture();
   } else if (tool == SketchTool::select && !isDrawing()) {
     if (!sketch_.selection->empty()) {

@@ -7,6 +7,7 @@
 #include <variant>
 #include <vector>
 
+#include "core/plan.h"
 #include "core/sketch_point.h"
 #include "core/sketch_viewport.h"
 #include "interaction/select_drag_state.h"
@@ -25,8 +26,21 @@ struct SelectDrag {
   friend bool operator==(const SelectDrag&, const SelectDrag&) = default;
 };
 
+/// Doors, windows or openings are being put into walls: a click adds the one that is previewed, and the
+/// gesture goes on until something ends it. Sketch units.
+struct OpeningPlacing {
+  OpeningKind kind = OpeningKind::door;
+  double width = 0;
+  DoorHinge hinge = DoorHinge::left;
+  DoorSwing swing = DoorSwing::in;
+  std::optional<double> distance;  ///< as typed; absent: where the pointer is
+  std::optional<Opening> preview;  ///< in the wall under the pointer, with a null identifier
+  friend bool operator==(const OpeningPlacing&, const OpeningPlacing&) = default;
+};
+
 /// The gesture in progress; `std::monostate` is none.
-using Gesture = std::variant<std::monostate, SketchDraft, PolygonDraft, SelectMarqueeState, SelectDrag>;
+using Gesture =
+    std::variant<std::monostate, SketchDraft, PolygonDraft, SelectMarqueeState, SelectDrag, OpeningPlacing>;
 
 /// The last snap, as the canvas shows it. Sketch units.
 struct SnapState {

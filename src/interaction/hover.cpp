@@ -23,6 +23,11 @@ void Board::recordPointer(std::optional<SketchPoint> viewPoint) {
 void Board::hoverMoved(std::optional<SketchPoint> viewPoint) {
   const auto scope = change();
   recordPointer(viewPoint);
+  if (openingPlacing() != nullptr) {
+    showHovered(std::nullopt, std::nullopt);
+    updateOpeningPlacing(viewPoint ? *cursor : std::nullopt);
+    return;
+  }
   if (!viewPoint || !isPositive(view->canvasSize)) {
     showHovered(std::nullopt, std::nullopt);
     clearIdleSnap();

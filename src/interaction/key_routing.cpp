@@ -24,7 +24,8 @@ bool isPolygonGrowing(const Board& board) {
 
 bool isAnythingInProgress(const Board& board) {
   return board.lengthEditor->isOpen || board.draft() != nullptr || board.polygonDraft() != nullptr ||
-         board.selectDrag() != nullptr || *board.trimCuttingEdge || board.tool != SketchTool::select;
+         board.selectDrag() != nullptr || board.openingPlacing() != nullptr || *board.trimCuttingEdge ||
+         board.tool != SketchTool::select;
 }
 
 bool hasTextFocus(const KeyEvent& event) { return event.textFocus || event.consoleFocus; }
@@ -53,7 +54,11 @@ KeyOutcome escape(const KeyEvent& event, Board& board) {
 
 KeyOutcome selectToolBySpace(const KeyEvent& event, Board& board) {
   if (textControlClaimsKey(event)) return KeyOutcome::passed;
-  board.activateSelectTool();
+  if (board.openingPlacing() != nullptr) {
+    board.flipOpeningPlacing();
+  } else {
+    board.activateSelectTool();
+  }
   return KeyOutcome::consumed;
 }
 

@@ -4,13 +4,16 @@
 #include <QMouseEvent>
 #include <QNativeGestureEvent>
 #include <QPaintEvent>
+#include <QPainterPath>
 #include <QWheelEvent>
 #include <cmath>
 #include <utility>
 
 #include "core/difference_colors.h"
+#include "geometry/opening_operations.h"
 #include "interaction/board.h"
 #include "interaction/canvas_renderer.h"
+#include "interaction/opening_painting.h"
 #include "shell/canvas_cursor.h"
 #include "shell/painted_region.h"
 #include "shell/pixel_canvas_painter.h"
@@ -370,10 +373,35 @@ QRegion CanvasWidget::overlayRegion() const {
   PaintedRegion region;
   for (const CanvasLayer layer : kAllCanvasLayers) {
     const bool isPicture = layer == CanvasLayer::grid || layer == CanvasLayer::entities ||
+                           layer == CanvasLayer::openings ||
                            (layer == CanvasLayer::selection && selectedIDs_);
     if (!isPicture) paintLayer(region, layer, board_, frame);
   }
   return region.within(rect());
+}
+
+void CanvasWidget::paintOpeningsOver(QPainter& painter, const CanvasFrame& frame) {
+  const Sketch& sketch = board_.sketch();
+  if (openingsOf_ != sketch.drawingWrites()) {
+    openings_ = openingLayout(sketch);
+    openingsOf_ = sketch.drawingWrites();
+  }
+  if (openings_.empty()) return;
+  // Through the gaps the grid shows, as beside the walls.
+  QPainterPath gaps;
+  gaps.setFillRule(Qt::WindingFill);
+  for (const auto& gap : openingGaps(frame, openings_)) {
+    QPolygonF corners;
+    for (const SketchPoint corner : gap) corners << QPointF(corner.x, corner.y);
+    gaps.addPolygon(corners);
+    gaps.closeSubpath();
+  }
+  painter.save();
+  painter.setClipPath(gaps, Qt::IntersectClip);
+  painter.drawImage(QRectF(QPointF(0, 0), QSizeF(grid_.size()) / view().pixelRatio), grid_);
+  painter.restore();
+  QtCanvasPainter canvas(painter);
+  paintOpenings(canvas, frame, openings_, OpeningMisfits::shown);
 }
 
 void CanvasWidget::paintLive(QPainter& painter, const PictureView& now) {
@@ -400,6 +428,7 @@ void CanvasWidget::paintLive(QPainter& painter, const PictureView& now) {
       }
     }
   }
+  paintOpeningsOver(painter, frame);
   paintLayer(canvas, CanvasLayer::hover, board_, frame);
   if (selectedIDs_) {
     selection_.paint(painter, moved);

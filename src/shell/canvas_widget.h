@@ -18,6 +18,7 @@
 
 #include "core/observable.h"
 #include "core/theme_palette.h"
+#include "geometry/openings.h"
 #include "interaction/canvas_gestures.h"
 #include "interaction/difference_layers.h"
 #include "shell/entity_picture.h"
@@ -97,6 +98,7 @@ class CanvasWidget : public QWidget {
   void leaveOut();
   std::array<EntityPicture*, 7> pictures();
   void paintLive(QPainter& painter, const PictureView& view);
+  void paintOpeningsOver(QPainter& painter, const CanvasFrame& frame);
   /// What lies over the pictures now.
   QRegion overlayRegion() const;
 
@@ -123,7 +125,9 @@ class CanvasWidget : public QWidget {
   QImage clouds_;
   std::optional<std::pair<PictureView, CanvasDifference>> cloudsOf_;  // blend left at its default
   bool isExact_ = false;
-  QRegion overlay_;  // what lay over the pictures after the last change, widget coordinates
+  OpeningLayout openings_;
+  std::uint64_t openingsOf_ = 0;  // the writes of the drawing when these were laid out
+  QRegion overlay_;               // what lay over the pictures after the last change, widget coordinates
 };
 
 }  // namespace ostrelon

@@ -10,7 +10,9 @@
 #include <QPrintDialog>
 #include <QPrintPreviewWidget>
 #include <QVBoxLayout>
+#include <memory>
 
+#include "geometry/opening_operations.h"
 #include "platform/user_error.h"
 #include "shell/drawing_export.h"
 #include "shell/qt_text.h"
@@ -39,13 +41,15 @@ std::vector<PicturePage> printPages(const Workspace& workspace, const ExportOpti
 void paintPages(QPrinter& printer, const std::vector<PicturePage>& pages, const Workspace& workspace,
                 const ExportOptions& options) {
   QPainter painter;
+  ExportOptions withOpenings = options;
+  withOpenings.openings = std::make_shared<const OpeningLayout>(openingLayout(workspace.sketch));
   if (!painter.begin(&printer)) throw UserError("The printer does not take the job.");
   const double dotsPerPoint = printer.resolution() / kPointsPerInch;
   painter.scale(dotsPerPoint, dotsPerPoint);
   for (std::size_t i = 0; i < pages.size(); ++i) {
     if (i > 0 && !printer.newPage()) throw UserError("The printer does not take another page.");
     paintPicturePage(painter, pages[i], workspace.sketch.entities(),
-                     workspace.sketch.drawing->wallSystemSpecs, options);
+                     workspace.sketch.drawing->wallSystemSpecs, withOpenings);
   }
 }
 

@@ -75,7 +75,9 @@ int runWithoutWindow(const CommandLine& line) {
     if (line.saveAs) workspace.document.save(standardizedPath(*line.saveAs));
     const PictureMaker makePicture = picturesWithoutDisplay();
     for (const FilePath& path : line.exports) {
-      exportDrawing(workspace, standardizedPath(path), line.exportOptions, makePicture);
+      const std::string leftOut =
+          exportDrawing(workspace, standardizedPath(path), line.exportOptions, makePicture);
+      if (!leftOut.empty()) std::fprintf(stderr, "%s\n", leftOut.c_str());
     }
   } catch (const UserError& error) {
     std::fprintf(stderr, "%s\n", error.what());

@@ -3,10 +3,10 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
-#include <QStyle>
 #include <algorithm>
 #include <cmath>
 
+#include "core/length_text.h"
 #include "shell/accessibility.h"
 #include "shell/entity_list_model.h"
 #include "shell/qt_text.h"
@@ -21,20 +21,10 @@ constexpr int kRowGap = 2;
 constexpr int kLabelColumn = 66;
 constexpr int kPreviewHeight = 88;
 constexpr const char* kActiveTag = "Active";
-constexpr int kSmallPreviewHeight = 44;  // in a low window
-constexpr int kLowPanel = 620;
-constexpr int kFieldPitch = 36;
-constexpr int kNoteHeight = 16;
-constexpr double kSwatchScale = 1.6;   // px an inch
-constexpr double kPreviewScale = 4.0;  // px an inch
-// Above this many sketch units a thickness is taken to be meant in inches, as those of the systems of a new
-// document are.
-constexpr double kThickestInFeet = 2;
-// Heading, fields, two notes and button with their gaps; the preview comes on top.
-constexpr int kInspectorHeight = 16 + 16 + 12 + 16 + 3 * kFieldPitch + 2 * kNoteHeight + 8 + 28 + 16;
-
-// The thickness for a picture, in inches.
-double picturedInches(double thickness) { return thickness > kThickestInFeet ? thickness : thickness * 12; }
+constexpr double kSwatchScale = 1.6;   // px a sketch unit
+constexpr double kPreviewScale = 4.0;  // px a sketch unit
+// Heading, preview, fields and button with their gaps.
+constexpr int kInspectorHeight = 16 + 16 + 12 + kPreviewHeight + 16 + 3 * 36 + 8 + 28 + 16;
 
 FieldMask shownFields(const Workspace& workspace) {
   return fieldsOf(workspace.sketch.drawing, workspace.sketch.selection);
@@ -130,7 +120,7 @@ class WallSystemRowsView final : public RowsView {
     paintBox(painter, swatch, 4, theme().background(), theme().border());
     painter.save();
     painter.setClipRect(swatch.adjusted(1, 1, -1, -1));
-    const double thickness = std::clamp(picturedInches(shown.spec.thickness) * kSwatchScale, 2.0, 22.0);
+    const double thickness = std::clamp(shown.spec.thickness * kSwatchScale, 2.0, 22.0);
     const double centre = swatch.center().y();
     paintBand(painter, theme(), QRectF(swatch.left(), centre - thickness / 2, swatch.width(), thickness),
               false);
@@ -208,7 +198,7 @@ WallPreview::WallPreview(Theme& theme, QWidget* parent) : QWidget(parent), theme
 
 void WallPreview::setThickness(double thickness) {
   thickness_ = thickness;
-  setAccessibleName(QStringLiteral("Wall %1 thick").arg(qtText(wallSizeText(thickness))));
+  setAccessibleName(QStringLiteral("Wall %1 thick").arg(qtText(plainDecimalText(thickness))));
   update();
 }
 
@@ -217,11 +207,10 @@ void WallPreview::paintEvent(QPaintEvent* /*event*/) {
   painter.setRenderHint(QPainter::Antialiasing);
   paintBox(painter, rect(), 8, theme_.background(), theme_.border());
   if (!(thickness_ > 0)) return;
-  const QString text = qtText(wallSizeText(thickness_));
+  const QString text = qtText(plainDecimalText(thickness_));
   const QFont font = fontOf(TextStyle::mono);
   const int textWidth = std::min(QFontMetrics(font).horizontalAdvance(text), 60);
-  const double band =
-      std::clamp(picturedInches(thickness_) * kPreviewScale, 2.0, std::max(2.0, height() - 16.0));
+  const double band = std::clamp(thickness_ * kPreviewScale, 2.0, height() - 28.0);
   const double top = std::round((height() - band) / 2) + 0.5;
   const double dimensionX = std::round(width() - 16.0 - textWidth - 14) + 0.5;
   paintBand(painter, theme_, QRectF(20.5, top, dimensionX - 13 - 20.5, band), true);
@@ -273,8 +262,7 @@ WallSystemPanelView::WallSystemPanelView(Workspace& workspace, Theme& theme, QWi
       FieldText{WallSystemField::height, "Height", "wallSystems.height"},
       FieldText{WallSystemField::assemblyNotes, "Assembly", "wallSystems.assembly"}};
   for (std::size_t i = 0; i < fields_.size(); ++i) {
-    const bool isNumeric =
-        texts[i].field == WallSystemField::thickness || texts[i].field == WallSystemField::height;
+    const bool isNumeric = texts[i].field != WallSystemField::assemblyNotes;
     fields_[i].field = texts[i].field;
     fields_[i].label =
         new TextLabel(theme, TextStyle::small, TextLabel::Rank::secondary, texts[i].label, this);
@@ -282,16 +270,8 @@ WallSystemPanelView::WallSystemPanelView(Workspace& workspace, Theme& theme, QWi
     fields_[i].input = input;
     input->setObjectName(texts[i].identifier);
     input->setAccessibleName(texts[i].label);
-    if (texts[i].field == WallSystemField::assemblyNotes) {
-      input->setItalicPlaceholder(QStringLiteral("notes"));
-      fields_[i].note = nullptr;
-    } else {
-      fields_[i].note = new TextLabel(theme, TextStyle::caption, TextLabel::Rank::secondary, {}, this);
-      fields_[i].note->setObjectName(QString::fromLatin1(texts[i].identifier) + QStringLiteral(".note"));
-      fields_[i].note->setElision(Qt::ElideRight);
-    }
+    if (!isNumeric) input->setItalicPlaceholder(QStringLiteral("notes"));
     input->installEventFilter(this);
-    connect(input, &QLineEdit::textEdited, this, [this, i] { showNote(fields_[i], std::nullopt); });
     connect(input, &QLineEdit::returnPressed, this, [this, i] { commit(fields_[i]); });
     if (i > 0) setTabOrder(fields_[i - 1].input, input);
   }
@@ -329,8 +309,7 @@ void WallSystemPanelView::place() {
   int y = kEdge;
   heading_->setGeometry(kEdge, y, inner, 16);
   y += 16 + 8;
-  const int previewHeight = height() < kLowPanel ? kSmallPreviewHeight : kPreviewHeight;
-  const int listHeight = std::clamp(height() - y - 16 - kInspectorHeight - previewHeight, kRowHeight,
+  const int listHeight = std::clamp(height() - y - 16 - kInspectorHeight, kRowHeight,
                                     std::max(kRowHeight, list_->wantedHeight()));
   list_->setGeometry(kInset + 1, y, width() - 2 * kInset - 1, listHeight);
   y += listHeight + 12;
@@ -338,15 +317,12 @@ void WallSystemPanelView::place() {
   y += 1 + 16;
   contextTitle_->setGeometry(kEdge, y, inner, 16);
   y += 16 + 12;
-  preview_->setGeometry(kEdge, y, inner, previewHeight);
-  y += previewHeight + 16;
+  preview_->setGeometry(kEdge, y, inner, kPreviewHeight);
+  y += kPreviewHeight + 16;
   for (const FieldRow& row : fields_) {
     row.label->setGeometry(kEdge, y, kLabelColumn, 28);
     row.input->setGeometry(kEdge + kLabelColumn, y, inner - kLabelColumn, 28);
-    y += kFieldPitch;
-    if (row.note == nullptr) continue;
-    row.note->setGeometry(kEdge + kLabelColumn + 2, y - 7, inner - kLabelColumn - 2, kNoteHeight);
-    y += kNoteHeight;
+    y += 36;
   }
   assignButton_->setGeometry(kEdge, y + 8, inner, 28);
 }
@@ -377,38 +353,14 @@ void WallSystemPanelView::showFieldTexts(bool evenWhileEditing) {
     const QString text = shown_ ? qtText(wallSystemFieldText(*shown_, row.field)) : QString();
     if (row.input->text() != text) row.input->setText(text);
     row.input->setModified(false);
-    showNote(row, std::nullopt);
     // A text that is too long for the field shows its beginning.
     if (!row.input->hasFocus()) row.input->setCursorPosition(0);
   }
 }
 
-void WallSystemPanelView::showNote(const FieldRow& row, const std::optional<std::string>& refusal) {
-  if (row.note == nullptr) return;
-  if (row.input->property("invalid").toBool() != refusal.has_value()) {
-    row.input->setProperty("invalid", refusal.has_value());
-    row.input->style()->polish(row.input);  // the style sheet knows the property
-  }
-  std::string text;
-  if (refusal) {
-    text = *refusal;
-  } else if (shown_) {
-    text = wallSizeInInches(row.field == WallSystemField::thickness ? shown_->thickness : shown_->height);
-  }
-  row.note->setRank(refusal ? TextLabel::Rank::primary : TextLabel::Rank::secondary);
-  row.note->setText(qtText(text));
-  row.input->setAccessibleDescription(qtText(text));
-  place();
-}
-
 void WallSystemPanelView::commit(const FieldRow& row) {
   if (!shown_) return;
-  const auto refusal = commitWallSystemField(workspace_, shown_->id, row.field, plainText(row.input->text()));
-  if (refusal) {
-    row.input->selectAll();
-    showNote(row, refusal);
-    return;
-  }
+  commitWallSystemField(workspace_, shown_->id, row.field, plainText(row.input->text()));
   row.input->setModified(false);
   refresh();
 }

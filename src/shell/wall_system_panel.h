@@ -34,7 +34,6 @@ class WallSystemListModel final : public QAbstractListModel {
 class WallPreview final : public QWidget {
  public:
   explicit WallPreview(Theme& theme, QWidget* parent = nullptr);
-  /// Sketch units; thin walls are shown larger.
   void setThickness(double thickness);
 
  protected:
@@ -68,15 +67,12 @@ class WallSystemPanelView final : public Panel {
     WallSystemField field;
     TextLabel* label;
     Field* input;
-    TextLabel* note;  // below it: a size in inches, or why a text was refused; null where there is neither
   };
 
   void refresh();
   void place();
   void showFieldTexts(bool evenWhileEditing);
   void commit(const FieldRow& row);
-  /// Shows the refusal in the field and below it; none shows what belongs there otherwise.
-  void showNote(const FieldRow& row, const std::optional<std::string>& refusal);
 
   Workspace& workspace_;
   bool rail_ = false;

@@ -112,6 +112,29 @@ TEST_P(DxfVersions, ComeBackAsTheGeometryThatWentOut) {
   EXPECT_EQ(std::get<PolygonEntity>(back.entities[10]).vertices[1], (SketchPoint{4, 0.1}));
 }
 
+TEST_P(DxfVersions, CutWallsOpenForWhatIsInThemAndPutThatOnItsLayers) {
+  Drawing drawing;
+  drawing.wallSystemSpecs = {{UUID::random(), "A-DOOR", 1, 8, ""}};
+  const WallEntity wall{UUID::random(), {0, 0}, {20, 0}, drawing.wallSystemSpecs[0].id};
+  drawing.entities = {wall};
+  drawing.plan.openings = {{UUID::random(), wall.id, OpeningKind::door, 2, 3},
+                           {UUID::random(), wall.id, OpeningKind::window, 10, 4},
+                           {UUID::random(), wall.id, OpeningKind::door, 19, 3}};
+  std::string text;
+  writeDxf(
+      drawing.entities, drawing.wallSystemSpecs, GetParam(), [&](std::string_view piece) { text += piece; },
+      OpeningLayout(drawing, drawing.entities));
+  const DxfDrawing back = readDxf(text);
+  ASSERT_EQ(back.entities.size(), 9U)
+      << "three outlines, a leaf, an arc, three lines of glass, a centre line";
+  EXPECT_EQ(std::get<PolygonEntity>(back.entities[1]).vertices,
+            (PolygonVertices{{5, 0.5}, {10, 0.5}, {10, -0.5}, {5, -0.5}}));
+  EXPECT_EQ(std::get<LineEntity>(back.entities[3]).to, (SketchPoint{2, 3.5}));
+  EXPECT_EQ(std::get<ArcEntity>(back.entities[4]).radius, 3);
+  EXPECT_NE(text.find("A-DOOR_2"), std::string::npos) << "the wall system keeps to a layer of its own";
+  EXPECT_NE(text.find("A-GLAZ"), std::string::npos);
+}
+
 TEST_P(DxfVersions, PassThroughInPiecesOfABoundedSize) {
   std::vector<SketchEntity> lines;
   for (int i = 0; i < 20000; ++i) lines.emplace_back(LineEntity{UUID::random(), {0, 0}, {1.0 * i, 0}});

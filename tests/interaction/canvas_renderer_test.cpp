@@ -193,6 +193,20 @@ const std::vector<Scene>& scenes() {
               WallEntity{{}, {0, 0}, {20, 0}, b.sketch().drawing->wallSystemSpecs.at(2).id},
               WallEntity{{}, {0, 9}, {20, 9}, UUID{}}});
        }},
+      {"openings",
+       [](Board& b) {
+         b.sketch().edit([](Drawing& drawing) {
+           const UUID wall = UUID::random();
+           drawing.wallSystemSpecs[0].thickness = 1;
+           drawing.entities = {WallEntity{wall, {0, 0}, {20, 0}, drawing.wallSystemSpecs[0].id}};
+           using Kind = OpeningKind;
+           drawing.plan.openings = {
+               {UUID::random(), wall, Kind::door, 2, 3, DoorHinge::right, DoorSwing::out},
+               {UUID::random(), wall, Kind::window, 7, 4},
+               {UUID::random(), wall, Kind::opening, 12, 3},
+               {UUID::random(), wall, Kind::door, 18, 3}};
+         });
+       }},
       {"guides",
        [](Board& b) {
          b.publishSnap({.point = {5, 5},
