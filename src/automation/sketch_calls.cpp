@@ -4,6 +4,7 @@
 #include "core/adding.h"
 #include "core/length_text.h"
 #include "geometry/edit_operations.h"
+#include "geometry/wall_loops.h"
 
 namespace ostrelon {
 
@@ -71,6 +72,14 @@ void addSketchCalls(CallTable& table) {
 
   // --- The document
   table["setShowGrid"] = call(setShowGrid);
+  table["planLoops"] = call([](const Sketch& sketch) {
+    Json loops = Json::array();
+    for (const WallLoop& loop :
+         wallLoops(JoinedWalls::of(sketch.entities(), sketch.drawing->wallSystemSpecs))) {
+      loops.push_back({{"points", toJson(loop.points)}, {"systems", toJson(loop.systems)}});
+    }
+    return loops;
+  });
   table["newDocument"] = call(&DocumentSession::begin);
   table["addLine"] = call(addLine);
   table["addRectangle"] = call(addRectangle);

@@ -35,6 +35,9 @@ struct JoinAxis {
 /// How near points must come to be one, as a share of the thinner wall's thickness.
 inline constexpr double kNodeTolerance = 0.01;
 
+/// Edges so near, as a share of the thinner wall's thickness, coincide.
+inline constexpr double kCoincidence = 1e-4;
+
 /// Ends of these two walls that are no farther apart meet, sketch units.
 inline double nodeReach(double half, double otherHalf) {
   return 2 * kNodeTolerance * (half < otherHalf ? half : otherHalf);

@@ -7,8 +7,6 @@ namespace ostrelon {
 
 namespace {
 
-/// Edges so near, as a share of the thinner wall's thickness, coincide.
-constexpr double kCoincidence = 1e-4;
 /// Edges that turn from each other by more than this sine only cross.
 constexpr double kNearlyParallelSine = 0.01;
 
@@ -59,9 +57,17 @@ WallCutter::WallCutter(const JoinAxis& wall, const WallBody& body) : wall_(&wall
 }
 
 void WallCutter::hide(const JoinAxis& owner, const Edge& edge, std::vector<Span>& hidden) const {
-  const bool isFamily = owner.family == wall_->family;
   const bool isWeaker = isStronger(*wall_, owner);
-  if (!isFamily && !isWeaker) return;
+  if (owner.family == wall_->family || isWeaker) findSpans(owner, edge, isWeaker, hidden);
+}
+
+void WallCutter::cover(const JoinAxis& owner, const Edge& edge, std::vector<Span>& covered) const {
+  findSpans(owner, edge, false, covered);
+}
+
+// `withEqual`: also where the edge coincides with one of this body's that runs the same way.
+void WallCutter::findSpans(const JoinAxis& owner, const Edge& edge, bool withEqual,
+                           std::vector<Span>& spans) const {
   const double near = 2 * kCoincidence * std::min(owner.half, wall_->half);
   const SketchPoint intoOwner = perpendicular(edge.to - edge.from);
   for (const Half& half : halves_) {
@@ -101,14 +107,14 @@ void WallCutter::hide(const JoinAxis& owner, const Edge& edge, std::vector<Span>
       const double atLast = alikeAtStart + (alikeAtEnd - alikeAtStart) * end;
       if (std::abs(atBegin) <= near && std::abs(atLast) <= near) {
         const bool isEqual = dot(alike->normal, intoOwner) > 0;
-        if (isEqual && !isWeaker) continue;
+        if (isEqual && !withEqual) continue;
       } else {
         if (alikeAtStart < 0 && alikeAtEnd < 0) continue;
         if (alikeAtStart < 0) begin = std::max(begin, alikeAtStart / (alikeAtStart - alikeAtEnd));
         if (alikeAtEnd < 0) end = std::min(end, alikeAtStart / (alikeAtStart - alikeAtEnd));
       }
     }
-    if (begin < end) hidden.push_back({begin, end});
+    if (begin < end) spans.push_back({begin, end});
   }
 }
 

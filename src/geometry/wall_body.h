@@ -53,8 +53,11 @@ class WallCutter {
   /// inside one of another family that is stronger. Of edges that coincide, opposite ones are hidden both,
   /// and of equal ones that of the weaker wall.
   void hide(const JoinAxis& owner, const Edge& edge, std::vector<Span>& hidden) const;
+  /// Appends where this body lies to the right of an edge of `owner`.
+  void cover(const JoinAxis& owner, const Edge& edge, std::vector<Span>& covered) const;
 
  private:
+  void findSpans(const JoinAxis& owner, const Edge& edge, bool withEqual, std::vector<Span>& spans) const;
   // The points p with dot(normal, p) + offset >= 0.
   struct Line {
     SketchPoint normal;
@@ -77,7 +80,7 @@ struct WallEdge {
 };
 
 /// What is seen of a wall's outline among the bodies that touch it: faces, caps, steps and lines between
-/// families, each with the body to its left, but that a line between may run either way.
+/// families, each with the body to its left.
 std::vector<WallEdge> visibleEdges(const JoinAxis& wall, const std::array<JoinEnd, 2>& ends,
                                    const WallBody& body, std::span<const WallCutter* const> others);
 

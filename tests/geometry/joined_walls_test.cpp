@@ -1,4 +1,5 @@
 #include "geometry/joined_walls.h"
+#include "geometry/wall_loops.h"
 
 #include <gtest/gtest.h>
 
@@ -321,6 +322,35 @@ TEST(JoinedWalls, TheEdgesOfAFamilyEncloseWhatItsBodiesCover) {
     });
     EXPECT_NEAR(enclosed, unionArea(bodies), 1e-6) << "seed " << seed;
   }
+}
+
+TEST(JoinedWalls, LoopsOfAllFamiliesEncloseWhatTheBodiesCover) {
+  for (int round = 0; round < testing::rounds(150); ++round) {
+    const unsigned seed = testing::seed() + static_cast<unsigned>(round);
+    const JoinedWalls walls = joined(RandomWalls(seed).plan(2 + round % 12, 2));
+    std::vector<Points> bodies;
+    walls.visitAll([&](const JoinedWall& wall) {
+      for (Points& part : fillBeside(wall, {})) bodies.push_back(std::move(part));
+    });
+    double enclosed = 0;
+    for (const WallLoop& loop : wallLoops(walls)) enclosed += signedArea(loop.points);
+    EXPECT_NEAR(enclosed, unionArea(bodies), 1e-2) << "a corner may be off by what counts as one point, "
+                                                   << "seed " << seed;
+  }
+}
+
+TEST(JoinedWalls, LoopsGoAroundTheWallsAndTheRooms) {
+  const auto room = [](std::size_t stem) {
+    return wallLoops(joined({wall({0, 0}, {10, 0}), wall({10, 0}, {10, 8}), wall({10, 8}, {0, 8}),
+                             wall({0, 8}, {0, 0}), wall({5, 1}, {5, 7}, stem)}));
+  };
+  const auto open = room(1);
+  ASSERT_EQ(open.size(), 3U) << "the outside and two rooms";
+  EXPECT_EQ(open[0].points, (Points{{-1, -1}, {11, -1}, {11, 9}, {-1, 9}}));
+  EXPECT_EQ(open[0].systems, std::vector{systems()[0].id});
+  EXPECT_EQ(open[1].points, (Points{{1, 1}, {1, 7}, {4.5, 7}, {4.5, 1}}));
+  EXPECT_EQ(open[1].systems, (std::vector{systems()[0].id, systems()[1].id}));
+  EXPECT_EQ(room(2).size(), 3U) << "the stem has its own, the room is one";
 }
 
 TEST(JoinedWalls, FollowingAnEditGivesWhatDerivingAllGives) {
