@@ -18,6 +18,7 @@ constexpr double kPreviewWidth = 2.0;
 constexpr double kLabelDistance = 16;  // from a wall's face to the middle of a distance, view points
 constexpr double kLabelCharacterWidth = 7;
 constexpr double kLabelPadding = 14;
+constexpr double kLabelGap = 3;  // between a label and the middle of the opening, view points
 
 // What of the layout touches the painted part, with its shape.
 template <class Visit>
@@ -110,8 +111,15 @@ void paintOpeningPreview(CanvasPainter& painter, const CanvasFrame& frame, const
     if (!(to - from > kOpeningTolerance)) return;
     const std::string text = formatLength(to - from);
     const double offset = std::abs(wall.thickness) / 2 + kLabelDistance / frame.scale();
-    const SketchPoint center = frame.toView(wall.at((from + to) / 2) + across * offset);
     const double width = kLabelCharacterWidth * static_cast<double>(text.size()) + kLabelPadding;
+    SketchPoint center = frame.toView(wall.at((from + to) / 2) + across * offset);
+    // Seen from afar the two labels would lie over each other: they keep to their sides of the opening.
+    const SketchPoint middle = frame.toView(wall.at(opening.distance + opening.width / 2) + across * offset);
+    const SketchPoint away = center - middle;
+    const double apart = lengthOf(away);
+    const double wanted =
+        kLabelGap + (std::abs(away.x) * width + std::abs(away.y) * kSegmentLabelHeight) / (2 * apart);
+    if (apart < wanted) center = middle + away * (wanted / apart);
     const SketchBox pill{center.x - width / 2, center.y - kSegmentLabelHeight / 2, center.x + width / 2,
                          center.y + kSegmentLabelHeight / 2};
     if (!isFinite(pill)) return;

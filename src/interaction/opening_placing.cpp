@@ -13,6 +13,7 @@ namespace {
 
 // How far beside a wall's faces the pointer still means the wall, view points.
 constexpr double kReach = 8;
+constexpr double kInchesInFoot = 12;
 
 double usualWidth(OpeningKind kind) { return kind == OpeningKind::window ? 4 : 3; }
 
@@ -59,7 +60,8 @@ void Board::updateOpeningPlacing(std::optional<SketchPoint> point) {
     const double at = wall->along(*point);
     double distance = placing.distance.value_or(at - placing.width / 2);
     if (!placing.distance) {
-      // The free stretch around the pointer holds it, where it is wide enough.
+      // To the inch, and within the free stretch around the pointer, where that is wide enough.
+      distance = std::round(distance * kInchesInFoot) / kInchesInFoot;
       const OpeningRoom room = openingRoom(*wall, at, sketch_.drawing->plan.openings);
       if (room.to - room.from >= placing.width) {
         distance = std::clamp(distance, room.from, room.to - placing.width);
