@@ -70,16 +70,9 @@ def wall_chain(corners, system):
     return "; ".join(f"wall {a} {b} {system}" for a, b in zip(corners, corners[1:]))
 
 
-def set_thickness(ostrelon, name, feet):
-    """Gives a wall system another thickness; its walls follow."""
-    for spec in ostrelon.request("state", fields=["wallSystemSpecs"])["wallSystemSpecs"]:
-        if spec["name"] == name:
-            ostrelon.call("updateWallSystemSpec", {**spec, "thickness": feet})
-
-
 def draw_house(ostrelon, width, depth, rooms):
-    set_thickness(ostrelon, EXTERIOR, 6.5 / 12)
-    set_thickness(ostrelon, INTERIOR, 4.5 / 12)
+    # The systems of a new document have their sizes in inches.
+    ostrelon.request("submit", text="system inches yes")
     # The outside, with the front door in the middle of the lower side.
     door_left, door_right = (width - DOOR) / 2, (width + DOOR) / 2
     outside = [Point(door_right, 0), Point(width, 0), Point(width, depth), Point(0, depth), Point(0, 0),

@@ -119,7 +119,7 @@ class Studio {
 
 /// An inner wall with free space beside it, for scenes that need one.
 UUID aWall(Workspace& workspace) {
-  constexpr std::size_t number = 18;
+  constexpr std::size_t number = 12;
   return entityID((workspace.sketch.entities())[number - 1]);
 }
 
@@ -138,9 +138,9 @@ void shootMainWindow(Studio& studio) {
 
   workspace.board.activateTool(SketchTool::wall);
   workspace.sketch.clearSelection();
-  workspace.board.beginDraft({-100, -80});
-  workspace.board.updateDraft({-50, -80});
-  workspace.board.recordPointer(inView(workspace, {-50, -80}));
+  workspace.board.beginDraft({-20, -16});
+  workspace.board.updateDraft({-10, -16});
+  workspace.board.recordPointer(inView(workspace, {-10, -16}));
   studio.shoot(studio.window(), "drawing");
   workspace.board.activateSelectTool();
 

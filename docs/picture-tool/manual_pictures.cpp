@@ -134,8 +134,8 @@ bool makeManualPictures(const QString& folder) {
   print.hide();
 
   workspace.document.begin();
-  for (const char* line :
-       {"wall -40 20 40 20 W2-EXT", "wall -40 20 -40 -30 W2-EXT", "wall -40 -30 0 -30 W2-EXT", "select"}) {
+  for (const char* line : {"system inches yes", "wall -40 20 40 20 W2-EXT", "wall -40 20 -40 -30 W2-EXT",
+                           "wall -40 -30 0 -30 W2-EXT", "select"}) {
     workspace.console.setInput(line);
     workspace.console.submit();
   }

@@ -11,6 +11,7 @@
 #include "core/entity_edits.h"
 #include "core/plan.h"
 #include "core/sketch_point.h"
+#include "core/wall_system.h"
 #include "documents/merge.h"
 #include "geometry/wall_run.h"
 #include "interaction/sketch_tool.h"
@@ -118,6 +119,22 @@ struct ShowWallSystem {
 };
 struct ListWallSystems {};
 
+// --- Changes of wall systems (system_commands.h)
+
+struct AddWallSystem {
+  WallSystemSpec spec;
+};
+struct ChangeWallSystem {
+  WallSystemSpec spec;  ///< as it is to be
+};
+struct DeleteWallSystem {
+  UUID specID;
+  std::optional<UUID> successorID;  ///< takes over its walls; absent where there are to be none
+};
+struct ConvertWallSystems {
+  bool isConfirmed = false;  ///< else it only tells
+};
+
 // --- The view (zoom_command.h)
 
 struct ZoomView {
@@ -154,12 +171,12 @@ struct MergeDrawing {
 struct ShowHelp {};
 struct ShowMore {};
 
-using Action =
-    std::variant<DrawLine, DrawWall, DrawCircle, DrawRectangle, DrawPolygon, DrawRun, ClearDrawing,
-                 ActivateTool, SelectEntities, CopySelection, PasteClipboard, AssignWallSystem,
-                 MoveSelectedLine, SetSelectedLength, NudgeSelection, AlignSelection, ConvertSelection,
-                 TrimEntity, ExtendToBoundary, AddOpening, ListOpenings, UseWallSystem, ShowWallSystem,
-                 ListWallSystems, ZoomView, SaveCheckpoint, ShowHistory, CreateBranch, SwitchBranch,
-                 CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;
+using Action = std::variant<DrawLine, DrawWall, DrawCircle, DrawRectangle, DrawPolygon, DrawRun, ClearDrawing,
+                            ActivateTool, SelectEntities, CopySelection, PasteClipboard, AssignWallSystem,
+                            MoveSelectedLine, SetSelectedLength, NudgeSelection, AlignSelection,
+                            ConvertSelection, TrimEntity, ExtendToBoundary, AddOpening, ListOpenings,
+                            UseWallSystem, ShowWallSystem, ListWallSystems, AddWallSystem, ChangeWallSystem,
+                            DeleteWallSystem, ConvertWallSystems, ZoomView, SaveCheckpoint, ShowHistory,
+                            CreateBranch, SwitchBranch, CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;
 
 }  // namespace ostrelon::CommandInterpreter

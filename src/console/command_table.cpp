@@ -10,6 +10,7 @@
 #include "console/opening_commands.h"
 #include "console/run_command.h"
 #include "console/selection_commands.h"
+#include "console/system_commands.h"
 #include "console/trim_commands.h"
 #include "console/wall_system_commands.h"
 #include "console/zoom_command.h"
@@ -200,6 +201,18 @@ std::vector<Command> makeTable() {
        .summary = "the schedule of doors, windows and openings",
        .example = "openings",
        .parse = parseOpenings},
+      {.word = "system",
+       .usage = "system <name> <thickness> [<height>] | system add|rename|delete|inches …",
+       .summary =
+           "change the wall systems: add <name> <thickness> [<height>] [notes…], rename <name> to <new "
+           "name>, delete <name> [to <name>], inches [yes]",
+       .example = "system W2-INT 4-1/2\" 8'",
+       .completions = {{.words = {"add", "delete", "inches", "rename"}, .names = Names::wallSystems},
+                       {.position = 2, .names = Names::wallSystems, .onlyAfter = "delete"},
+                       {.position = 2, .names = Names::wallSystems, .onlyAfter = "rename"},
+                       {.position = 2, .words = {"yes"}, .onlyAfter = "inches"},
+                       {.position = 4, .names = Names::wallSystems, .onlyAfter = "to"}},
+       .parse = parseSystem},
       {.word = "compare",
        .usage = "compare <name>",
        .summary = "what differs from a branch, a checkpoint or a document",

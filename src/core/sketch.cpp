@@ -225,7 +225,10 @@ SketchUndoSnapshot Sketch::restore(const SketchUndoSnapshot& step) {
     drawing.edit().plan = *step.twin.plan;
   }
   if (!step.twin.wallSystems.empty()) {
-    back.twin.wallSystems = takeBackWallSystemChanges(step.twin.wallSystems, drawing.edit().wallSystemSpecs);
+    Drawing& taken = drawing.edit();
+    back.twin.wallSystems = takeBackWallSystemChanges(step.twin.wallSystems, taken.wallSystemSpecs);
+    // New walls need a system that is there.
+    if (const WallSystemSpec* active = taken.activeWallSystem()) taken.activeWallSystemSpecID = active->id;
   }
   dragStep_.reset();
   settleSelection();

@@ -15,6 +15,7 @@ QLineEdit {{
   background: {card}; color: {foreground}; border: 1px solid {border}; border-radius: 6px;
   padding: 0 8px; selection-background-color: {fill}; selection-color: {fillText};
 }}
+QLineEdit[invalid="true"] {{ border-color: {destructive}; }}
 QLineEdit:disabled {{ color: {mutedForeground}; }}
 
 QComboBox QAbstractItemView {{
@@ -58,6 +59,7 @@ std::string styleSheetText(const ThemePalette& palette) {
   return fmt::format(fmt::runtime(kTemplate), fmt::arg("card", hexText(palette.card)),
                      fmt::arg("foreground", hexText(palette.foreground)),
                      fmt::arg("muted", hexText(palette.muted)),
+                     fmt::arg("destructive", hexText(palette.destructive)),
                      fmt::arg("mutedForeground", hexText(palette.mutedForeground)),
                      fmt::arg("border", hexText(palette.border)), fmt::arg("fill", hexText(fill)),
                      fmt::arg("fillText", hexText(fillText)));

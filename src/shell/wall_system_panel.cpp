@@ -3,10 +3,10 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QStyle>
 #include <algorithm>
 #include <cmath>
 
-#include "core/length_text.h"
 #include "shell/accessibility.h"
 #include "shell/entity_list_model.h"
 #include "shell/qt_text.h"
@@ -21,10 +21,21 @@ constexpr int kRowGap = 2;
 constexpr int kLabelColumn = 66;
 constexpr int kPreviewHeight = 88;
 constexpr const char* kActiveTag = "Active";
-constexpr double kSwatchScale = 1.6;   // px a sketch unit
-constexpr double kPreviewScale = 4.0;  // px a sketch unit
-// Heading, preview, fields and button with their gaps.
-constexpr int kInspectorHeight = 16 + 16 + 12 + kPreviewHeight + 16 + 3 * 36 + 8 + 28 + 16;
+constexpr int kSmallPreviewHeight = 44;  // in a low window
+constexpr int kLowPanel = 620;
+constexpr int kFieldPitch = 36;
+constexpr int kNoteHeight = 16;
+constexpr int kHeadingButton = 26;
+constexpr double kSwatchScale = 1.6;   // px an inch
+constexpr double kPreviewScale = 4.0;  // px an inch
+// Above this many sketch units a thickness is taken to be meant in inches, as those of the systems of a new
+// document are.
+constexpr double kThickestInFeet = 2;
+// Heading, fields, two notes and button with their gaps; the preview comes on top.
+constexpr int kInspectorHeight = 16 + 16 + 12 + 16 + 4 * kFieldPitch + 2 * kNoteHeight + 8 + 28 + 16;
+
+// The thickness for a picture, in inches.
+double picturedInches(double thickness) { return thickness > kThickestInFeet ? thickness : thickness * 12; }
 
 FieldMask shownFields(const Workspace& workspace) {
   return fieldsOf(workspace.sketch.drawing, workspace.sketch.selection);
@@ -120,7 +131,7 @@ class WallSystemRowsView final : public RowsView {
     paintBox(painter, swatch, 4, theme().background(), theme().border());
     painter.save();
     painter.setClipRect(swatch.adjusted(1, 1, -1, -1));
-    const double thickness = std::clamp(shown.spec.thickness * kSwatchScale, 2.0, 22.0);
+    const double thickness = std::clamp(picturedInches(shown.spec.thickness) * kSwatchScale, 2.0, 22.0);
     const double centre = swatch.center().y();
     paintBand(painter, theme(), QRectF(swatch.left(), centre - thickness / 2, swatch.width(), thickness),
               false);
@@ -198,7 +209,7 @@ WallPreview::WallPreview(Theme& theme, QWidget* parent) : QWidget(parent), theme
 
 void WallPreview::setThickness(double thickness) {
   thickness_ = thickness;
-  setAccessibleName(QStringLiteral("Wall %1 thick").arg(qtText(plainDecimalText(thickness))));
+  setAccessibleName(QStringLiteral("Wall %1 thick").arg(qtText(wallSizeText(thickness))));
   update();
 }
 
@@ -207,10 +218,11 @@ void WallPreview::paintEvent(QPaintEvent* /*event*/) {
   painter.setRenderHint(QPainter::Antialiasing);
   paintBox(painter, rect(), 8, theme_.background(), theme_.border());
   if (!(thickness_ > 0)) return;
-  const QString text = qtText(plainDecimalText(thickness_));
+  const QString text = qtText(wallSizeText(thickness_));
   const QFont font = fontOf(TextStyle::mono);
   const int textWidth = std::min(QFontMetrics(font).horizontalAdvance(text), 60);
-  const double band = std::clamp(thickness_ * kPreviewScale, 2.0, height() - 28.0);
+  const double band =
+      std::clamp(picturedInches(thickness_) * kPreviewScale, 2.0, std::max(2.0, height() - 16.0));
   const double top = std::round((height() - band) / 2) + 0.5;
   const double dimensionX = std::round(width() - 16.0 - textWidth - 14) + 0.5;
   paintBand(painter, theme_, QRectF(20.5, top, dimensionX - 13 - 20.5, band), true);
@@ -252,17 +264,34 @@ WallSystemPanelView::WallSystemPanelView(Workspace& workspace, Theme& theme, QWi
     selectWallSystemRow(workspace_, UUID(model_->row(index.row()).spec.id));
   });
 
+  headingButtons_ = {addHeadingButton(Icon::plus, "wallSystems.add", QStringLiteral("Add wall system")),
+                     addHeadingButton(Icon::stack, "wallSystems.duplicate", QStringLiteral("Duplicate")),
+                     addHeadingButton(Icon::bin, "wallSystems.delete", QStringLiteral("Delete"))};
+  connect(headingButtons_[0], &QPushButton::clicked, this, [this] {
+    addWallSystemFromPanel(workspace_);
+    editName();
+  });
+  connect(headingButtons_[1], &QPushButton::clicked, this, [this] {
+    duplicatePanelSystem(workspace_);
+    editName();
+  });
+  connect(headingButtons_[2], &QPushButton::clicked, this, [this] { deletePanelSystem(workspace_); });
+  setTabOrder(headingButtons_.back(), list_);
+  connect(list_, &QAbstractItemView::doubleClicked, this, [this] { editName(); });
+
   struct FieldText {
     WallSystemField field;
     const char* label;
     const char* identifier;
   };
-  constexpr std::array<FieldText, 3> texts{
+  constexpr std::array<FieldText, 4> texts{
+      FieldText{WallSystemField::name, "Name", "wallSystems.name"},
       FieldText{WallSystemField::thickness, "Thickness", "wallSystems.thickness"},
       FieldText{WallSystemField::height, "Height", "wallSystems.height"},
       FieldText{WallSystemField::assemblyNotes, "Assembly", "wallSystems.assembly"}};
   for (std::size_t i = 0; i < fields_.size(); ++i) {
-    const bool isNumeric = texts[i].field != WallSystemField::assemblyNotes;
+    const bool isNumeric =
+        texts[i].field == WallSystemField::thickness || texts[i].field == WallSystemField::height;
     fields_[i].field = texts[i].field;
     fields_[i].label =
         new TextLabel(theme, TextStyle::small, TextLabel::Rank::secondary, texts[i].label, this);
@@ -270,8 +299,16 @@ WallSystemPanelView::WallSystemPanelView(Workspace& workspace, Theme& theme, QWi
     fields_[i].input = input;
     input->setObjectName(texts[i].identifier);
     input->setAccessibleName(texts[i].label);
-    if (!isNumeric) input->setItalicPlaceholder(QStringLiteral("notes"));
+    if (texts[i].field == WallSystemField::assemblyNotes) {
+      input->setItalicPlaceholder(QStringLiteral("notes"));
+      fields_[i].note = nullptr;
+    } else {
+      fields_[i].note = new TextLabel(theme, TextStyle::caption, TextLabel::Rank::secondary, {}, this);
+      fields_[i].note->setObjectName(QString::fromLatin1(texts[i].identifier) + QStringLiteral(".note"));
+      fields_[i].note->setElision(Qt::ElideRight);
+    }
     input->installEventFilter(this);
+    connect(input, &QLineEdit::textEdited, this, [this, i] { showNote(fields_[i], std::nullopt); });
     connect(input, &QLineEdit::returnPressed, this, [this, i] { commit(fields_[i]); });
     if (i > 0) setTabOrder(fields_[i - 1].input, input);
   }
@@ -307,9 +344,16 @@ void WallSystemPanelView::place() {
   unfoldButton_->setGeometry((width() - 32 + 1) / 2, 8, 32, 30);
   const int inner = width() - 2 * kEdge;
   int y = kEdge;
-  heading_->setGeometry(kEdge, y, inner, 16);
+  const int buttons = static_cast<int>(headingButtons_.size()) * kHeadingButton;
+  heading_->setGeometry(kEdge, y, inner - buttons, 16);
+  int x = width() - kEdge + 5 - buttons;
+  for (Button* button : headingButtons_) {
+    button->setGeometry(x, y - 5, kHeadingButton, kHeadingButton);
+    x += kHeadingButton;
+  }
   y += 16 + 8;
-  const int listHeight = std::clamp(height() - y - 16 - kInspectorHeight, kRowHeight,
+  const int previewHeight = height() < kLowPanel ? kSmallPreviewHeight : kPreviewHeight;
+  const int listHeight = std::clamp(height() - y - 16 - kInspectorHeight - previewHeight, kRowHeight,
                                     std::max(kRowHeight, list_->wantedHeight()));
   list_->setGeometry(kInset + 1, y, width() - 2 * kInset - 1, listHeight);
   y += listHeight + 12;
@@ -317,12 +361,17 @@ void WallSystemPanelView::place() {
   y += 1 + 16;
   contextTitle_->setGeometry(kEdge, y, inner, 16);
   y += 16 + 12;
-  preview_->setGeometry(kEdge, y, inner, kPreviewHeight);
-  y += kPreviewHeight + 16;
+  preview_->setGeometry(kEdge, y, inner, previewHeight);
+  y += previewHeight + 16;
   for (const FieldRow& row : fields_) {
     row.label->setGeometry(kEdge, y, kLabelColumn, 28);
     row.input->setGeometry(kEdge + kLabelColumn, y, inner - kLabelColumn, 28);
-    y += 36;
+    y += kFieldPitch;
+    if (row.note == nullptr) continue;
+    // The name has a note only while it is refused; it then stands in the gap below the field.
+    const bool isName = row.field == WallSystemField::name;
+    row.note->setGeometry(kEdge + kLabelColumn + 2, y - 7, inner - kLabelColumn - 2, kNoteHeight);
+    if (!isName || !row.note->text().isEmpty()) y += kNoteHeight;
   }
   assignButton_->setGeometry(kEdge, y + 8, inner, 28);
 }
@@ -338,6 +387,8 @@ void WallSystemPanelView::refresh() {
   contextTitle_->setText(qtText(panelContextTitle(workspace_)));
   assignButton_->setEnabled(selectedWallEntity(workspace_) != nullptr);
   const WallSystemSpec* spec = panelSystem(workspace_);
+  for (std::size_t i = 1; i < headingButtons_.size(); ++i) headingButtons_[i]->setEnabled(spec != nullptr);
+  headingButtons_.back()->setEnabled(model_->rowCount() > 1);
   const bool isAnother = !spec || !shown_ || shown_->id != spec->id;
   shown_ = spec != nullptr ? std::optional(*spec) : std::nullopt;
   preview_->setThickness(spec != nullptr ? spec->thickness : 0);
@@ -353,16 +404,57 @@ void WallSystemPanelView::showFieldTexts(bool evenWhileEditing) {
     const QString text = shown_ ? qtText(wallSystemFieldText(*shown_, row.field)) : QString();
     if (row.input->text() != text) row.input->setText(text);
     row.input->setModified(false);
+    showNote(row, std::nullopt);
     // A text that is too long for the field shows its beginning.
     if (!row.input->hasFocus()) row.input->setCursorPosition(0);
   }
 }
 
+void WallSystemPanelView::showNote(const FieldRow& row, const std::optional<std::string>& refusal) {
+  if (row.note == nullptr) return;
+  if (row.input->property("invalid").toBool() != refusal.has_value()) {
+    row.input->setProperty("invalid", refusal.has_value());
+    row.input->style()->polish(row.input);  // the style sheet knows the property
+  }
+  std::string text;
+  if (refusal) {
+    text = *refusal;
+  } else if (shown_ && row.field != WallSystemField::name) {
+    text = wallSizeInInches(row.field == WallSystemField::thickness ? shown_->thickness : shown_->height);
+  }
+  row.note->setRank(refusal ? TextLabel::Rank::primary : TextLabel::Rank::secondary);
+  row.note->setText(qtText(text));
+  row.input->setAccessibleDescription(qtText(text));
+  place();
+}
+
 void WallSystemPanelView::commit(const FieldRow& row) {
   if (!shown_) return;
-  commitWallSystemField(workspace_, shown_->id, row.field, plainText(row.input->text()));
+  const auto refusal = commitWallSystemField(workspace_, shown_->id, row.field, plainText(row.input->text()));
+  if (refusal) {
+    row.input->selectAll();
+    showNote(row, refusal);
+    return;
+  }
   row.input->setModified(false);
   refresh();
+}
+
+Button* WallSystemPanelView::addHeadingButton(Icon icon, const char* identifier, const QString& name) {
+  auto* button = new Button(theme(), Button::Kind::plain, QString(), this);
+  button->setObjectName(identifier);
+  button->setIconDrawing(icon, 16);
+  button->setPaddings(5, kHeadingButton);
+  button->setAccessibleName(name);
+  button->setToolTip(name);
+  return button;
+}
+
+void WallSystemPanelView::editName() {
+  refresh();
+  Field* name = fields_.front().input;
+  name->setFocus(Qt::OtherFocusReason);
+  name->selectAll();
 }
 
 }  // namespace ostrelon

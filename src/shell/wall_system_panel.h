@@ -34,6 +34,7 @@ class WallSystemListModel final : public QAbstractListModel {
 class WallPreview final : public QWidget {
  public:
   explicit WallPreview(Theme& theme, QWidget* parent = nullptr);
+  /// Sketch units; thin walls are shown larger.
   void setThickness(double thickness);
 
  protected:
@@ -67,22 +68,28 @@ class WallSystemPanelView final : public Panel {
     WallSystemField field;
     TextLabel* label;
     Field* input;
+    TextLabel* note;  // below it: a size in inches, or why a text was refused; null where there is neither
   };
 
   void refresh();
   void place();
   void showFieldTexts(bool evenWhileEditing);
   void commit(const FieldRow& row);
+  /// Shows the refusal in the field and below it; none shows what belongs there otherwise.
+  void showNote(const FieldRow& row, const std::optional<std::string>& refusal);
+  Button* addHeadingButton(Icon icon, const char* identifier, const QString& name);
+  void editName();
 
   Workspace& workspace_;
   bool rail_ = false;
   TextLabel* heading_;
+  std::array<Button*, 3> headingButtons_;  // add, duplicate, delete
   WallSystemListModel* model_;
   WallSystemRowsView* list_;
   Hairline* divider_;
   TextLabel* contextTitle_;
   WallPreview* preview_;
-  std::array<FieldRow, 3> fields_;
+  std::array<FieldRow, 4> fields_;
   Button* assignButton_;
   Button* unfoldButton_;
   std::optional<WallSystemSpec> shown_;

@@ -117,7 +117,7 @@ struct WallSystemPanelTest : testing::WindowFixture {
   QString text(const char* identifier) { return find<QLineEdit>(panel, identifier)->text(); }
 };
 
-TEST_F(WallSystemPanelTest, AFieldCommitsWithReturnAndDropsWhatIsNoNumber) {
+TEST_F(WallSystemPanelTest, AFieldCommitsWithReturnAndSaysWhyItRefuses) {
   EXPECT_EQ(text("wallSystems.thickness"), "4.5");
   enter("wallSystems.thickness", "5.25");
   EXPECT_EQ(sketch.drawing->wallSystemSpecs[0].thickness, 5.25);
@@ -125,11 +125,28 @@ TEST_F(WallSystemPanelTest, AFieldCommitsWithReturnAndDropsWhatIsNoNumber) {
   const std::size_t lines = messages.lines->size();
   for (const char* bad : {"-1", "abc", "0"}) {
     enter("wallSystems.thickness", bad);
-    EXPECT_EQ(text("wallSystems.thickness"), "5.25") << bad;
+    EXPECT_EQ(text("wallSystems.thickness"), bad);
+    EXPECT_FALSE(find<QLabel>(panel, "wallSystems.thickness.note")->text().startsWith('=')) << bad;
   }
+  EXPECT_EQ(sketch.drawing->wallSystemSpecs[0].thickness, 5.25);
+  enter("wallSystems.thickness", "5-1/4\"");
+  EXPECT_EQ(text("wallSystems.thickness"), "5 1/4\"");
+  EXPECT_EQ(find<QLabel>(panel, "wallSystems.thickness.note")->text(), "= 5 1/4\"");
   EXPECT_EQ(messages.lines->size(), lines);
   enter("wallSystems.assembly", "straw");
   EXPECT_EQ(sketch.drawing->wallSystemSpecs[0].assemblyNotes, "straw");
+}
+
+TEST_F(WallSystemPanelTest, AddGoesOnWithTheNameAndDeleteTakesItAway) {
+  press(panel, "wallSystems.add");
+  auto* name = find<QLineEdit>(panel, "wallSystems.name");
+  EXPECT_EQ(name->selectedText(), "WALL");
+  enter("wallSystems.name", "cmu-8");
+  EXPECT_EQ(find<QLabel>(panel, "wallSystems.name.note")->text(), "This name is taken.");
+  enter("wallSystems.name", "BATH");
+  EXPECT_EQ(find<QLabel>(panel, "wallSystems.contextTitle")->text(), "ACTIVE SYSTEM · BATH");
+  press(panel, "wallSystems.delete");
+  EXPECT_EQ(sketch.drawing->wallSystemSpecs.size(), 3u);
 }
 
 TEST_F(WallSystemPanelTest, AFieldLeftWithoutReturnShowsAgainWhatHolds) {
