@@ -1,8 +1,10 @@
 #include "app/application.h"
 
+#include <memory>
 #include <utility>
 
 #include "documents/document_store.h"
+#include "documents/kept_question.h"
 #include "documents/sketch_document_io.h"
 #include "platform/dialogs.h"
 #include "sample_plan.h"
@@ -30,7 +32,12 @@ Application::Application(ApplicationServices services, ApplicationOptions option
                      }),
       opener_(workspace_, settings_, closeQuestion_, options.opensInBackground) {
   workspace_.document.setDocumentsFolder(std::move(options.documentsFolder));
-  if (!options.stateFolder.empty()) journal_.emplace(workspace_, options.stateFolder / "journals");
+  if (!options.stateFolder.empty()) {
+    journal_.emplace(workspace_, options.stateFolder / "journals");
+    workspace_.document.keepDrawingsIn(
+        KeptDrawings(host_.files, options.stateFolder / "kept", KeptLimits::ofSettings(defaults_)),
+        [this] { drawingsKept = drawingsKept + 1; });
+  }
   selectionSubscription_ = workspace_.observe(fieldsOf(workspace_.sketch.selection), [this](FieldMask) {
     const Selection& selection = workspace_.sketch.selection;
     // It goes with a selection that was there; what a script opens without one stays.
@@ -82,7 +89,7 @@ bool Application::endBySystem() {
 // --- Documents
 
 void Application::newDocument() {
-  beforeReplacing([this] { workspace_.document.begin(); });
+  beforeReplacing([this] { replaceOrReport([this] { workspace_.document.begin(); }); });
 }
 
 void Application::openDocumentWithPanel() {
@@ -115,11 +122,19 @@ void Application::openAndRemember(const FilePath& url) {
 
 void Application::openSamplePlan() {
   beforeReplacing([this] {
-    workspace_.document.begin();
-    workspace_.document.adopt(SketchDocumentIO::decodeDocument(kSamplePlan));
-    // Laid out now, or the window would centre the origin over the fitted view.
-    workspace_.board.resizeCanvas(workspace_.board.view->canvasSize);
-    workspace_.board.zoomToFit(workspace_.board.view->canvasSize);
+    replaceOrReport([this] {
+      workspace_.document.begin();
+      workspace_.document.adopt(SketchDocumentIO::decodeDocument(kSamplePlan));
+      // Laid out now, or the window would centre the origin over the fitted view.
+      workspace_.board.resizeCanvas(workspace_.board.view->canvasSize);
+      workspace_.board.zoomToFit(workspace_.board.view->canvasSize);
+    });
+  });
+}
+
+void Application::replaceOrReport(std::function<void()> replace) {
+  runKeepingOrAsking(workspace_.document, std::move(replace), [this](const std::string& refusal) {
+    workspace_.messages.append(refusal, true, false);
   });
 }
 
@@ -186,8 +201,32 @@ std::vector<RecoverableJournal> Application::recoverableJournals() const {
 void Application::recoverJournal(const std::string& id) {
   if (!journal_) throw UserError("There are no journals here.");
   opener_.giveUp();
-  journal_->recover(id);
-  journalDealtWith(id);
+  orThrow([this, id] {
+    journal_->recover(id);
+    journalDealtWith(id);
+  });
+}
+
+std::vector<KeptDrawing> Application::keptDrawings() const { return workspace_.document.keptDrawings(); }
+
+void Application::restoreKeptDrawing(const std::string& id) {
+  opener_.giveUp();
+  workspace_.document.restoreKeptDrawing(id);
+}
+
+void Application::openKeptDrawing(const std::string& id) {
+  opener_.giveUp();
+  orThrow([this, id] { workspace_.document.openKeptDrawing(id); });
+}
+
+void Application::deleteKeptDrawing(const std::string& id) { workspace_.document.deleteKeptDrawing(id); }
+
+// A refusal that comes later, by the user's own answer, needs no report.
+void Application::orThrow(std::function<void()> replace) {
+  const auto refusal = std::make_shared<std::optional<std::string>>();
+  runKeepingOrAsking(workspace_.document, std::move(replace),
+                     [refusal](const std::string& text) { *refusal = text; });
+  if (*refusal) throw UserError(**refusal);
 }
 
 void Application::discardJournal(const std::string& id) {

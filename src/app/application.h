@@ -49,7 +49,7 @@ struct ApplicationOptions {
   /// Whether large documents are read away from the main thread. Else every command has had its whole
   /// effect when it returns.
   bool opensInBackground = false;
-  /// Where journals are kept; without one there are none.
+  /// Where journals and kept drawings lie; without one there are none.
   FilePath stateFolder = {};
 };
 
@@ -138,10 +138,24 @@ class Application {
   /// They are offered again by the next start.
   void keepJournalsForLater();
 
+  // --- Drawings that were kept before they were replaced
+
+  /// The newest first.
+  std::vector<KeptDrawing> keptDrawings() const;
+  /// Its drawing takes the place of the open one as one undo step. This and those below throw `UserError`.
+  void restoreKeptDrawing(const std::string& id);
+  /// As a new document that is not saved yet. Unsaved changes are not asked about, but kept.
+  void openKeptDrawing(const std::string& id);
+  void deleteKeptDrawing(const std::string& id);
+  /// How many times something has been kept in this run.
+  Observable<int, Application> drawingsKept{tracker_};
+
  private:
   void journalDealtWith(const std::string& id);
   void openAndRemember(const FilePath& url);
   void beforeReplacing(std::function<void()> proceed);
+  void replaceOrReport(std::function<void()> replace);
+  void orThrow(std::function<void()> replace);
 
   Host host_;
   UserDefaults& defaults_;

@@ -1,5 +1,7 @@
 #include "app/close_question.h"
 
+#include "documents/drawing_loss.h"
+#include "documents/kept_question.h"
 #include "platform/dialogs.h"
 
 namespace ostrelon {
@@ -22,8 +24,19 @@ void CloseQuestion::windowShouldClose(const std::function<void(Reply)>& reply,
     return;
   }
   ask([this, reply, closeNow = std::move(closeNow)](Answer answer) mutable {
+    if (answer == Answer::dontSave) {
+      DocumentSession& document = workspace_.document;
+      runKeepingOrAsking(
+          document,
+          [&document, reply] {
+            document.keepWhatIsLost({.reason = "Closed without saving"});
+            reply(Reply::allowed);
+          },
+          [reply](const std::string&) { reply(Reply::refused); });
+      return;
+    }
     if (answer == Answer::save) saveThen(std::move(closeNow));
-    reply(answer == Answer::dontSave ? Reply::allowed : Reply::refused);
+    reply(Reply::refused);
   });
 }
 

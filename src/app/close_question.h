@@ -21,7 +21,8 @@ class CloseQuestion {
 
   /// The window is asked to close. A clean document is allowed at once; with changes the user is asked,
   /// and the reply comes with the answer. "Save" refuses for now: the document is saved by a task of its
-  /// own, and `closeNow` runs once it is clean. While the question is open, another request is refused.
+  /// own, and `closeNow` runs once it is clean. While the question is open, another request is refused. With
+  /// "Don't Save" the drawing is kept, as before it is replaced.
   void windowShouldClose(const std::function<void(Reply)>& reply, std::function<void()> closeNow);
 
   /// Something is about to replace the document: `proceed` runs when there are no unsaved changes, or once

@@ -14,8 +14,6 @@ constexpr std::uint64_t kLargeDocument = 2 << 20;
 /// Work that takes longer is announced by a toast.
 constexpr Seconds kLongWork(0.3);
 
-/// What would be lost if a document took the place of the present one.
-
 }  // namespace
 
 struct DocumentOpener::Opening {
@@ -82,7 +80,11 @@ void DocumentOpener::finish(const std::shared_ptr<Opening>& opening) {
     reportOpenFailed(workspace_.document, *opening->failure);
     return;
   }
-  const auto takeOver = [this, opening] { finishOpening(workspace_.document, settings_, opening->reading); };
+  const auto takeOver = [this, opening] {
+    // It is part of the opening, and lives as long.
+    finishOpening(workspace_.document, settings_,
+                  std::shared_ptr<DocumentReading>(opening, &opening->reading));
+  };
   if (opening->hasContentChanged) {
     question_.beforeReplacing(takeOver);
   } else {

@@ -264,7 +264,7 @@ void EditJournal::recover(const std::string& id) {
     DocumentReading reading(base.file->path);
     reading.read(files);
     file = reading.onDisk();
-    OpenedDocument opened = openedDocument(reading.take(), workspace_.sketch.drawing);
+    OpenedDocument opened = openedDocument(reading.document(), workspace_.sketch.drawing);
     viewport = opened.viewport;
     if (!before) {
       before.emplace(JournalState{opened.name, std::move(opened.drawing), SketchUndoStack()});
@@ -280,7 +280,7 @@ void EditJournal::recover(const std::string& id) {
   const ChangeScope scope = workspace_.change();
   const JournalState& state = replayed.state;
   workspace_.document.adoptUnsaved({state.name, state.drawing, viewport, {}}, state.undo, file,
-                                   file ? base.file->savedAt : std::nullopt);
+                                   file ? base.file->savedAt : std::nullopt, "Recovered " + state.name);
   followBasis();
   changes_ = journal.content.changes();
   base_.changedAt = journal.content.changedAt();

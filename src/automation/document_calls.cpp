@@ -193,6 +193,10 @@ void addDocumentCalls(CallTable& table) {
   table["recoverableJournals"] = call(&Application::recoverableJournals);
   table["recoverJournal"] = call(&Application::recoverJournal);
   table["discardJournal"] = call(&Application::discardJournal);
+  table["keptDrawings"] = call(&Application::keptDrawings);
+  table["restoreKeptDrawing"] = call(&Application::restoreKeptDrawing);
+  table["openKeptDrawing"] = call(&Application::openKeptDrawing);
+  table["deleteKeptDrawing"] = call(&Application::deleteKeptDrawing);
 
   // --- Settings
   table["setAppearanceMode"] = call([](AutomationSession& session, AppearanceMode mode) {

@@ -304,6 +304,15 @@ Json toJson(const RecoverableJournal& value) {
           {"changes", value.changes}};
 }
 
+Json toJson(const KeptDrawing& value) {
+  return {{"id", value.id},
+          {"name", value.name},
+          {"path", toJson(value.path)},
+          {"keptAt", toJson(value.keptAt)},
+          {"reason", value.reason},
+          {"entities", value.entities}};
+}
+
 Json toJson(const AutoSaveRecoveryCandidate& value) {
   return {{"url", toJson(value.url)}, {"displayName", value.displayName}, {"savedAt", toJson(value.savedAt)}};
 }

@@ -100,6 +100,7 @@ Json toJson(const SketchDocumentV2& value);
 Json toJson(const LoadedSketchDocument& value);
 Json toJson(const AutoSaveRecoveryCandidate& value);
 Json toJson(const RecoverableJournal& value);
+Json toJson(const KeptDrawing& value);
 Json toJson(const Color& value);
 Json toJson(const ThemePalette& value);
 Json toJson(const AppVersion& value);

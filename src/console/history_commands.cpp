@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "console/command_words.h"
+#include "documents/kept_question.h"
 #include "documents/overwrite_question.h"
 #include "platform/user_error.h"
 
@@ -15,24 +16,29 @@ using Answered = std::function<void(std::optional<std::string> refusal)>;
 
 // The reply of work that a question comes before. An answer at once makes it the command's reply; one
 // that comes later has it written when it comes.
-Reply replyBehindQuestion(Messages& messages, const std::function<void(Answered)>& ask,
+Reply replyBehindQuestion(DocumentSession& document, const std::function<void(Answered)>& ask,
                           const std::string& failurePrefix, std::function<std::string()> work) {
   struct Waiting {
     bool isLate = false;
     Reply reply;
   };
   auto waiting = std::make_shared<Waiting>();
-  ask([&messages, waiting, failurePrefix, work = std::move(work)](const std::optional<std::string>& refusal) {
-    Reply reply;
-    try {
-      reply = refusal ? Reply::refused(failurePrefix + *refusal) : Reply::done(work());
-    } catch (const UserError& error) {
-      reply = Reply::refused(failurePrefix + error.what());
-    }
+  const auto answer = [&messages = document.messages(), waiting](Reply reply) {
     if (waiting->isLate) {
       messages.appendReply(*std::move(reply.text));
     } else {
       waiting->reply = std::move(reply);
+    }
+  };
+  const auto refuse = [answer, failurePrefix](const std::string& refusal) {
+    answer(Reply::refused(failurePrefix + refusal));
+  };
+  ask([&document, answer, refuse, work = std::move(work)](const std::optional<std::string>& refusal) {
+    if (refusal) {
+      refuse(*refusal);
+    } else {
+      runKeepingOrAsking(
+          document, [answer, work] { answer(Reply::done(work())); }, refuse);
     }
   });
   waiting->isLate = true;
@@ -66,7 +72,7 @@ ParseResult parseBranch(const Words& words, const ParseState& /*state*/, Place /
 Reply run(const SaveCheckpoint& save, const CommandContext& context) {
   DocumentSession& document = context.document;
   return replyBehindQuestion(
-      context.messages, [&](Answered answered) { askBeforeOverwriting(document, std::move(answered)); },
+      document, [&](Answered answered) { askBeforeOverwriting(document, std::move(answered)); },
       "Checkpoint failed: ",
       [&document, message = save.message] {
         const DocumentCheckpoint checkpoint = document.saveCheckpoint(message);
@@ -77,7 +83,7 @@ Reply run(const SaveCheckpoint& save, const CommandContext& context) {
 Reply run(const SwitchBranch& change, const CommandContext& context) {
   DocumentSession& document = context.document;
   return replyBehindQuestion(
-      context.messages,
+      document,
       [&](Answered answered) { askBeforeSwitching(document, change.nameOrID, std::move(answered)); },
       "Switch branch failed: ",
       [&document, nameOrID = change.nameOrID] {

@@ -6,6 +6,7 @@
 #include "documents/document_paths.h"
 #include "documents/document_save.h"
 #include "documents/document_store.h"
+#include "documents/kept_question.h"
 #include "documents/overwrite_question.h"
 
 namespace ostrelon {
@@ -73,16 +74,21 @@ bool restoreCandidate(DocumentSession& document, AppSettings& settings,
     document.messages().append(missingText, true, false);
     return false;
   }
-  try {
-    document.open(candidate->url);
-  } catch (const UserError& error) {
-    document.messages().append(std::string("Autosave restore failed: ") + error.what(), true, false);
-    return false;
-  }
-  settings.rememberDocumentBookmark(candidate->url);
-  document.refreshHistory();
-  document.messages().append(successText, false, true);
-  return true;
+  const auto isRestored = std::make_shared<bool>(false);
+  runKeepingOrAsking(
+      document,
+      [&document, &settings, url = candidate->url, successText, isRestored] {
+        document.open(
+            url, successText.ends_with('.') ? successText.substr(0, successText.size() - 1) : successText);
+        settings.rememberDocumentBookmark(url);
+        document.refreshHistory();
+        document.messages().append(successText, false, true);
+        *isRestored = true;
+      },
+      [&document](const std::string& refusal) {
+        document.messages().append("Autosave restore failed: " + refusal, true, false);
+      });
+  return *isRestored;
 }
 
 // --- The controller

@@ -22,8 +22,10 @@ class DocumentReading {
   /// Reads and decodes. Throws the file system's error or the format's.
   void read(FileSystem& files);
   const DocumentOnDisk& onDisk() const { return onDisk_; }
-  /// What was read, called after its file, once; only after `read`.
-  LoadedSketchDocument take() { return std::move(*document_); }
+  /// What was read, called after its file; only after `read`. A copy shares its entities.
+  const LoadedSketchDocument& document() const { return *document_; }
+  /// Lets go of it. To be called on the main thread, which owns the storage that lists share.
+  void release() { document_.reset(); }
 
  private:
   DocumentOnDisk onDisk_;

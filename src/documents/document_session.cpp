@@ -5,6 +5,7 @@
 #include "documents/document_paths.h"
 #include "documents/document_reading.h"
 #include "documents/document_save.h"
+#include "documents/drawing_loss.h"
 #include "documents/opened_document.h"
 
 namespace ostrelon {
@@ -16,6 +17,7 @@ DocumentSession::DocumentSession(ChangeTracker& tracker, Sketch& sketch, Message
 // --- The document as a whole
 
 void DocumentSession::begin() {
+  keepWhatIsLost({.reason = "New document"});
   const auto scope = change();
   unrecordedMerges_.clear();
   Drawing empty = sketch_.drawing;
@@ -40,7 +42,9 @@ SketchDocumentV2 DocumentSession::makeDocument(bool includeUndo) const {
 }
 
 void DocumentSession::adopt(LoadedSketchDocument document) {
-  adopt(openedDocument(std::move(document), sketch_.drawing));
+  OpenedDocument opened = openedDocument(std::move(document), sketch_.drawing);
+  keepWhatIsLost({.reason = "Opened " + opened.name, .drawing = &opened.drawing});
+  adopt(std::move(opened));
 }
 
 void DocumentSession::adopt(OpenedDocument document) {
@@ -53,7 +57,9 @@ void DocumentSession::adopt(OpenedDocument document) {
 }
 
 void DocumentSession::adoptUnsaved(OpenedDocument document, SketchUndoStack undo,
-                                   std::optional<DocumentOnDisk> file, std::optional<Date> savedAt) {
+                                   std::optional<DocumentOnDisk> file, std::optional<Date> savedAt,
+                                   const std::string& reason) {
+  keepWhatIsLost({.reason = reason, .drawing = &document.drawing});
   const auto scope = change();
   adopt(std::move(document));
   sketch_.setUndoStack(std::move(undo));
@@ -91,24 +97,32 @@ void DocumentSession::putInPlace(DocumentSave& save) {
 }
 
 void DocumentSession::finishSave(DocumentSave& save) {
+  const Drawing saved = save.drawing(sketch_.drawing->activeWallSystemSpecID);
+  keepWhatIsLost({.reason = "Saved over " + documentNameFor(save.url()),
+                  .drawing = &saved,
+                  .replacesDrawing = false,
+                  .writtenFile = save.url()});
   putInPlace(save);
   const auto scope = change();
   fileURL = save.url();
   name = documentNameFor(save.url());
   sketch_.setDirty(!save.holdsStateOf(sketch_));
-  setBasis(save.drawing(sketch_.drawing->activeWallSystemSpecID));
+  setBasis(saved);
   lastSavedAt = host_.scheduler.now();
 }
 
-void DocumentSession::open(const FilePath& url) {
+void DocumentSession::open(const FilePath& url, const std::string& reason) {
   DocumentReading reading(url);
   reading.read(host_.files);
-  finishOpening(reading);
+  finishOpening(reading, reason);
 }
 
-void DocumentSession::finishOpening(DocumentReading& reading) {
+void DocumentSession::finishOpening(DocumentReading& reading, const std::string& reason) {
+  OpenedDocument opened = openedDocument(reading.document(), sketch_.drawing);
+  keepWhatIsLost({.reason = reason.empty() ? "Opened " + opened.name : reason, .drawing = &opened.drawing});
   const auto scope = change();
-  adopt(reading.take());
+  reading.release();
+  adopt(std::move(opened));
   onDisk_ = reading.onDisk();
   fileURL = reading.onDisk().path;
   sketch_.setDirty(false);

@@ -20,6 +20,7 @@
 #include "documents/document_history_state.h"
 #include "documents/document_on_disk.h"
 #include "documents/document_paths.h"
+#include "documents/kept_drawings.h"
 #include "platform/date.h"
 #include "platform/host.h"
 
@@ -27,6 +28,7 @@ namespace ostrelon {
 
 class DocumentReading;        // documents/document_reading.h
 class DocumentSave;           // documents/document_save.h
+struct Replacement;           // documents/drawing_loss.h
 struct LoadedSketchDocument;  // documents/sketch_document.h
 struct OpenedDocument;        // documents/opened_document.h
 struct SketchDocumentV2;      // documents/sketch_document.h
@@ -41,6 +43,12 @@ class DocumentStage {
   virtual void documentOpened(const SketchViewport& viewport) = 0;
   /// A new, empty document has been begun.
   virtual void documentBegun() = 0;
+};
+
+/// What an operation would destroy cannot be kept, and so it has done nothing.
+class DrawingNotKeptError : public UserError {
+ public:
+  using UserError::UserError;
 };
 
 class DocumentSession {
@@ -82,27 +90,49 @@ class DocumentSession {
 
   // --- The document as a whole (document_session.cpp)
 
+  // Each keeps what it replaces and what is nowhere else, and throws `DrawingNotKeptError` where that fails.
+
   /// An empty drawing with the present wall systems. Reports "New document."
   void begin();
   SketchDocumentV2 makeDocument(bool includeUndo) const;
   /// Puts a document that was read in the place of the open one. The file stays as it is.
   void adopt(LoadedSketchDocument document);
   /// Puts a document in the place of the open one that its file does not hold yet: it has unsaved changes.
-  /// `file`: its file as it lies on the disk; without one it is a new document.
+  /// `file`: its file as it lies on the disk; without one it is a new document. `reason`: "Recovered Plan"
   void adoptUnsaved(OpenedDocument document, SketchUndoStack undo, std::optional<DocumentOnDisk> file,
-                    std::optional<Date> savedAt);
+                    std::optional<Date> savedAt, const std::string& reason);
   void setSaveDialogActive(bool active) { isSaveDialogActive = active; }
 
-  // --- The file (document_session.cpp)
+  // --- The file (document_session.cpp). What is replaced is kept, as above.
 
   /// The file becomes the one of the document.
   void save(const FilePath& url);
-  void open(const FilePath& url);
+  /// `reason`: what the opening is, done; "Opened Plan" where none is given.
+  void open(const FilePath& url, const std::string& reason = {});
   /// The second half of a save whose file has been written: moves it into its place. The document is
   /// clean then, unless it has changed since the save was begun.
   void finishSave(DocumentSave& save);
-  /// The second half of an opening whose file has been read: the document takes the place of this one.
-  void finishOpening(DocumentReading& reading);
+  /// The second half of an opening whose file has been read: the document takes the place of this one. Where
+  /// it throws, it can be called again.
+  void finishOpening(DocumentReading& reading, const std::string& reason = {});
+
+  // --- Kept drawings (kept_operations.cpp)
+
+  /// From now on, what would be replaced and is nowhere else is kept there. `kept` is called when it is.
+  void keepDrawingsIn(KeptDrawings store, std::function<void()> kept);
+  /// Keeps what the operation is about to destroy.
+  void keepWhatIsLost(const Replacement& replacement);
+  /// Runs the work with nothing being kept, since the user has agreed to that.
+  void withoutKeeping(const std::function<void()>& work);
+  /// The newest first; none where nothing is kept.
+  std::vector<KeptDrawing> keptDrawings() const;
+  /// Its drawing takes the place of the open one as one undo step; of wall systems there is no undo.
+  void restoreKeptDrawing(const std::string& id);
+  /// As a new document that is not saved yet, in the place of the open one.
+  void openKeptDrawing(const std::string& id);
+  void deleteKeptDrawing(const std::string& id);
+  /// Of one of them, to be looked at.
+  Drawing keptDrawing(const std::string& id) const;
 
   // --- History (history_operations.cpp)
 
@@ -139,6 +169,7 @@ class DocumentSession {
   };
 
   void adopt(OpenedDocument document);
+  const KeptDrawings& keptStore() const;
   /// Writes the head of a branch as the document, and the branch as the current one, or neither.
   void writeSwitched(const FilePath& url, const OpenedDocument& next, const DocumentHistoryMetadata& before,
                      const std::string& branchID);
@@ -156,6 +187,9 @@ class DocumentSession {
   Drawing basis_;
   std::uint64_t basisNumber_ = 0;
   std::function<void(const DocumentSave&)> aboutToSave_;
+  std::optional<KeptDrawings> kept_;
+  std::function<void()> hasKept_;
+  bool mayLose_ = false;
 };
 
 }  // namespace ostrelon

@@ -5,6 +5,7 @@
 
 #include "documents/document_paths.h"
 #include "documents/document_reading.h"
+#include "documents/kept_question.h"
 #include "documents/overwrite_question.h"
 #include "platform/dialogs.h"
 #include "platform/unicode.h"
@@ -22,18 +23,38 @@ SaveOutcome outcomeOf(const std::optional<std::string>& failure) {
   return failure ? SaveOutcome::failed : SaveOutcome::saved;
 }
 
+// Saves over what may have to be kept first.
+void saveOver(DocumentSession& document, AppSettings& settings, const FilePath& url, bool announce,
+              const SaveDone& done) {
+  runKeepingOrAsking(
+      document,
+      [&document, &settings, url, announce, done] {
+        document.save(url);
+        reportSaved(document, settings, announce);
+        finish(done, SaveOutcome::saved);
+      },
+      [&document, announce, done](const std::string& refusal) {
+        reportSaveFailed(document, refusal, announce);
+        finish(done, SaveOutcome::failed);
+      });
+}
+
 void saveAsIsOrAsk(DocumentSession& document, AppSettings& settings, bool announce, const SaveDone& done) {
   if (document.fileURL->has_value()) {
-    askBeforeOverwriting(document, [&document, &settings, announce,
-                                    done](std::optional<std::string> refusal) {
-      if (refusal) {
-        reportSaveFailed(document, *refusal, announce);
-        finish(done, SaveOutcome::cancelled);
-        return;
-      }
-      const std::optional<FilePath> url = document.fileURL;
-      finish(done, url ? outcomeOf(saveToURL(document, settings, *url, announce)) : SaveOutcome::cancelled);
-    });
+    askBeforeOverwriting(document,
+                         [&document, &settings, announce, done](std::optional<std::string> refusal) {
+                           if (refusal) {
+                             reportSaveFailed(document, *refusal, announce);
+                             finish(done, SaveOutcome::cancelled);
+                             return;
+                           }
+                           const std::optional<FilePath> url = document.fileURL;
+                           if (url) {
+                             saveOver(document, settings, *url, announce, done);
+                           } else {
+                             finish(done, SaveOutcome::cancelled);
+                           }
+                         });
     return;
   }
   if (!settings.isProjectsFolderConfigured()) {
@@ -93,7 +114,7 @@ void saveDocumentAs(DocumentSession& document, AppSettings& settings, bool annou
         return;
       }
       const auto save = [&document, &settings, announce, done, url] {
-        finish(done, outcomeOf(saveToURL(document, settings, url, announce)));
+        saveOver(document, settings, url, announce, done);
       };
       if (announce) {
         announceSaving(document, save);
@@ -150,20 +171,27 @@ std::string reportSaveFailed(DocumentSession& document, const std::string& descr
 std::optional<std::string> openDocument(DocumentSession& document, AppSettings& settings,
                                         const FilePath& url) {
   try {
-    DocumentReading reading(url);
-    reading.read(document.host().files);
-    finishOpening(document, settings, reading);
-    return std::nullopt;
+    const auto reading = std::make_shared<DocumentReading>(url);
+    reading->read(document.host().files);
+    return finishOpening(document, settings, reading);
   } catch (const UserError& error) {
     return reportOpenFailed(document, error.what());
   }
 }
 
-void finishOpening(DocumentSession& document, AppSettings& settings, DocumentReading& reading) {
-  document.finishOpening(reading);
-  settings.rememberDocumentBookmark(document.fileURL->value());
-  document.refreshHistory();
-  document.messages().append("Opened " + document.name.get() + ".", false, true);
+std::optional<std::string> finishOpening(DocumentSession& document, AppSettings& settings,
+                                         const std::shared_ptr<DocumentReading>& reading) {
+  const auto failure = std::make_shared<std::optional<std::string>>();
+  runKeepingOrAsking(
+      document,
+      [&document, &settings, reading] {
+        document.finishOpening(*reading);
+        settings.rememberDocumentBookmark(document.fileURL->value());
+        document.refreshHistory();
+        document.messages().append("Opened " + document.name.get() + ".", false, true);
+      },
+      [&document, failure](const std::string& refusal) { *failure = reportOpenFailed(document, refusal); });
+  return *failure;
 }
 
 std::string reportOpenFailed(DocumentSession& document, const std::string& description) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -28,12 +29,14 @@ std::optional<std::string> saveToURL(DocumentSession& document, AppSettings& set
 /// Saves a new document under the first free name of the projects folder, which must be set; a name that
 /// another window takes meanwhile is passed over. Else as `saveToURL`.
 std::optional<std::string> saveToFreeName(DocumentSession& document, AppSettings& settings, bool announce);
-/// Opens and reports it. Gives the failure text, prefix included; absent when the document was opened.
+/// Opens and reports it. Gives the failure text, prefix included; absent when the document was opened, or
+/// will be once the user has answered that it may replace what could not be kept.
 std::optional<std::string> openDocument(DocumentSession& document, AppSettings& settings,
                                         const FilePath& url);
 
-/// The end of an opening whose file was read elsewhere: takes the document over and reports it.
-void finishOpening(DocumentSession& document, AppSettings& settings, DocumentReading& reading);
+/// The end of an opening whose file was read elsewhere: takes the document over and reports it, as above.
+std::optional<std::string> finishOpening(DocumentSession& document, AppSettings& settings,
+                                         const std::shared_ptr<DocumentReading>& reading);
 /// Reports an opening that failed. Gives the whole text.
 std::string reportOpenFailed(DocumentSession& document, const std::string& description);
 

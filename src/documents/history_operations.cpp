@@ -6,6 +6,7 @@
 #include "documents/document_paths.h"
 #include "documents/document_save.h"
 #include "documents/document_session.h"
+#include "documents/drawing_loss.h"
 #include "documents/opened_document.h"
 #include "documents/sketch_document.h"
 #include "documents/sketch_document_io.h"
@@ -92,6 +93,8 @@ DocumentHistoryBranch DocumentSession::switchBranch(const std::string& nameOrID)
       sketch_.drawing);
   next.name = documentNameFor(*url);
   next.undo.clear();
+  keepWhatIsLost(
+      {.reason = "Switched to branch " + branch.name, .drawing = &next.drawing, .writtenFile = *url});
   writeSwitched(*url, next, state.metadata, branch.id);
 
   const auto scope = change();

@@ -1,5 +1,6 @@
 #include "documents/history_prompts.h"
 
+#include "documents/kept_question.h"
 #include "documents/overwrite_question.h"
 #include "platform/dialogs.h"
 #include "platform/unicode.h"
@@ -32,12 +33,13 @@ void saveCheckpointWithReport(DocumentSession& document, const std::string& mess
       reportFailure(document, "Checkpoint failed: " + *refusal);
       return;
     }
-    try {
-      const DocumentCheckpoint checkpoint = document.saveCheckpoint(message);
-      report(document, "Checkpoint saved on " + currentBranchName(document) + ": " + checkpoint.message);
-    } catch (const UserError& error) {
-      reportFailure(document, std::string("Checkpoint failed: ") + error.what());
-    }
+    runKeepingOrAsking(
+        document,
+        [&document, message] {
+          const DocumentCheckpoint checkpoint = document.saveCheckpoint(message);
+          report(document, "Checkpoint saved on " + currentBranchName(document) + ": " + checkpoint.message);
+        },
+        [&document](const std::string& why) { reportFailure(document, "Checkpoint failed: " + why); });
   });
 }
 
@@ -83,11 +85,12 @@ void switchBranchFromMenu(DocumentSession& document, const std::string& nameOrID
       reportFailure(document, "Switch branch failed: " + *refusal);
       return;
     }
-    try {
-      report(document, "Switched to branch " + document.switchBranch(nameOrID).name + ".");
-    } catch (const UserError& error) {
-      reportFailure(document, std::string("Switch branch failed: ") + error.what());
-    }
+    runKeepingOrAsking(
+        document,
+        [&document, nameOrID] {
+          report(document, "Switched to branch " + document.switchBranch(nameOrID).name + ".");
+        },
+        [&document](const std::string& why) { reportFailure(document, "Switch branch failed: " + why); });
   });
 }
 

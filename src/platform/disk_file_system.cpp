@@ -261,7 +261,8 @@ std::string DiskFileSystem::readFile(const FilePath& path) {
   return bytes;
 }
 
-std::unique_ptr<PendingFile> DiskFileSystem::prepareFile(const FilePath& path, const Producer& produce) {
+std::unique_ptr<PendingFile> DiskFileSystem::prepareFile(const FilePath& path, const Producer& produce,
+                                                         mode_t newMode) {
   const FilePath target = followLinks(standardizedPath(path));
   struct stat old {};
   const bool replaces = ::stat(target.c_str(), &old) == 0;
@@ -277,7 +278,7 @@ std::unique_ptr<PendingFile> DiskFileSystem::prepareFile(const FilePath& path, c
   }
 
   // A file that will take over the permissions of an old one is closed to others until it has them.
-  const mode_t firstMode = replaces ? 0600 : 0666;
+  const mode_t firstMode = replaces ? 0600 : newMode;
   FilePath temporary;
   int created = -1;
   do {

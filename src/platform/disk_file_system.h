@@ -35,7 +35,12 @@ class DiskFileSystem final : public FileSystem {
   explicit DiskFileSystem(FileSystemCalls calls = FileSystemCalls::ofTheSystem());
 
   std::string readFile(const FilePath& path) override;
-  std::unique_ptr<PendingFile> prepareFile(const FilePath& path, const Producer& produce) override;
+  std::unique_ptr<PendingFile> prepareFile(const FilePath& path, const Producer& produce) override {
+    return prepareFile(path, produce, 0666);
+  }
+  std::unique_ptr<PendingFile> preparePrivateFile(const FilePath& path, const Producer& produce) override {
+    return prepareFile(path, produce, 0600);
+  }
   std::optional<FileInfo> info(const FilePath& path) override;
   bool isLink(const FilePath& path) override;
   std::vector<std::string> list(const FilePath& folder) override;
@@ -49,6 +54,7 @@ class DiskFileSystem final : public FileSystem {
   std::unique_ptr<FileLock> tryLockFile(const FilePath& path) override;
 
  private:
+  std::unique_ptr<PendingFile> prepareFile(const FilePath& path, const Producer& produce, mode_t newMode);
   void createFolders(const FilePath& folder, mode_t mode);
 
   FileSystemCalls calls_;

@@ -104,6 +104,10 @@ class FileSystem {
   /// an old file are kept; a symbolic link is followed to its target. Missing folders are not made. If
   /// `produce` throws, the temporary file is removed and the exception passes on.
   virtual std::unique_ptr<PendingFile> prepareFile(const FilePath& path, const Producer& produce) = 0;
+  /// The same, with mode 0600 where no file is there yet.
+  virtual std::unique_ptr<PendingFile> preparePrivateFile(const FilePath& path, const Producer& produce) {
+    return prepareFile(path, produce);
+  }
   /// Absent when nothing is there or it cannot be looked at. Links are followed.
   virtual std::optional<FileInfo> info(const FilePath& path) = 0;
   /// Whether the path itself is a symbolic link, wherever it leads.
