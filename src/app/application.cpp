@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "documents/document_store.h"
+#include "documents/drawing_loss.h"
+#include "documents/history_prompts.h"
 #include "documents/kept_question.h"
 #include "documents/sketch_document_io.h"
 #include "platform/dialogs.h"
@@ -11,6 +13,8 @@
 
 namespace ostrelon {
 namespace {
+
+constexpr Seconds kKeptNoticeTime(4);
 
 /// The folder from which a document was opened last.
 constexpr const char* kLastFolder = "ostrel.lastFolder";
@@ -30,13 +34,14 @@ Application::Application(ApplicationServices services, ApplicationOptions option
                        saveCurrentDocument(workspace_.document, settings_, true,
                                            [ended](SaveOutcome) { ended(); });
                      }),
-      opener_(workspace_, settings_, closeQuestion_, options.opensInBackground) {
+      opener_(workspace_, settings_, closeQuestion_, options.opensInBackground),
+      asksInWindow_(options.asksInWindow) {
   workspace_.document.setDocumentsFolder(std::move(options.documentsFolder));
   if (!options.stateFolder.empty()) {
     journal_.emplace(workspace_, options.stateFolder / "journals");
     workspace_.document.keepDrawingsIn(
         KeptDrawings(host_.files, options.stateFolder / "kept", KeptLimits::ofSettings(defaults_)),
-        [this] { drawingsKept = drawingsKept + 1; });
+        [this] { showKeptNotice(); });
   }
   selectionSubscription_ = workspace_.observe(fieldsOf(workspace_.sketch.selection), [this](FieldMask) {
     const Selection& selection = workspace_.sketch.selection;
@@ -71,17 +76,38 @@ void Application::willTerminate() {
   defaults_.set(SettingsKey::lastSessionEndedCleanly, true);
 }
 
-bool Application::endBySystem() {
-  if (!workspace_.document.isDirty()) {
-    willTerminate();
-    return true;
+void Application::sessionShouldEnd(bool mayAsk, std::function<void(bool mayEnd)> answered) {
+  opener_.giveUp();
+  if (mayAsk) {
+    closeQuestion_.sessionShouldEnd(std::move(answered));
+    return;
   }
+  if (workspace_.document.isDirty() && !isJournalOnDisk()) {
+    try {
+      workspace_.document.keepWhatIsLost({.reason = "Closed without saving"});
+    } catch (const UserError&) {
+      // Nobody can be asked, and the session ends anyway.
+    }
+  }
+  answered(true);
+}
+
+bool Application::isJournalOnDisk() {
   if (!journal_ || !journal_->isOpen()) return false;
   try {
     journal_->sync();
   } catch (const FileError&) {
     return false;
   }
+  return true;
+}
+
+bool Application::endBySystem() {
+  if (!workspace_.document.isDirty()) {
+    willTerminate();
+    return true;
+  }
+  if (!isJournalOnDisk()) return false;
   defaults_.set(SettingsKey::lastSessionEndedCleanly, true);
   return true;
 }
@@ -157,12 +183,50 @@ void Application::rescheduleAutoSave() {
 void Application::revertToLastAutosave() {
   opener_.giveUp();
   using Style = DocumentToastState::Style;
-  if (!settings_.lastAutoSave->has_value()) {
+  const std::optional<AutoSaveRecoveryCandidate>& last = settings_.lastAutoSave;
+  if (!last) {
     revertToLastAutoSave(workspace_.document, settings_);
     workspace_.messages.showToast("No last autosave is available.", Style::error);
-  } else if (revertToLastAutoSave(workspace_.document, settings_)) {
-    workspace_.messages.showToast("Reverted to last autosave.", Style::success);
+    return;
   }
+  const DocumentSession& document = workspace_.document;
+  const bool isOther = document.fileURL.get() != standardizedPath(last->url);
+  Alert question;
+  question.message =
+      isOther ? "The last autosave is of another document: " + last->displayName + ". Do you want to open it?"
+              : "Do you want to revert " + *document.name + " to its last autosave?";
+  question.informativeText = document.isDirty() ? "Unsaved changes are dropped and kept in File, History."
+                                                : *document.name + " stays as it was saved.";
+  question.buttons = {isOther ? "Open" : "Revert", "Cancel"};
+  question.cancelButton = 1;
+  askInWindow(isOther || document.isDirty(), std::move(question), [this] {
+    if (revertToLastAutoSave(workspace_.document, settings_)) {
+      workspace_.messages.showToast("Reverted to last autosave.", Style::success);
+    }
+  });
+}
+
+void Application::switchBranch(const std::string& nameOrID) {
+  DocumentSession& document = workspace_.document;
+  const auto other = document.otherDocumentAtHead(nameOrID);
+  const Alert question{"The last checkpoint of this branch is of another document: " + other.value_or("") +
+                           ". Do you want to switch all the same?",
+                       "Its drawing takes the place of that of " + *document.name + ", also in the file.",
+                       {"Switch", "Cancel"},
+                       1};
+  askInWindow(!document.isDirty() && other.has_value(), question,
+              [this, nameOrID] { switchBranchFromMenu(workspace_.document, nameOrID); });
+}
+
+void Application::askInWindow(bool isNeeded, Alert question, std::function<void()> proceed) {
+  if (!asksInWindow_ || !isNeeded) {
+    proceed();
+    return;
+  }
+  const std::string yes = question.buttons.front();
+  host_.dialogs.ask(std::move(question), [yes, proceed = std::move(proceed)](const DialogAnswer& answer) {
+    if (answer == yes) proceed();
+  });
 }
 
 void Application::windowShouldClose(const std::function<void(CloseQuestion::Reply)>& reply,
@@ -220,6 +284,11 @@ void Application::openKeptDrawing(const std::string& id) {
 }
 
 void Application::deleteKeptDrawing(const std::string& id) { workspace_.document.deleteKeptDrawing(id); }
+
+void Application::showKeptNotice() {
+  keptNotice = true;
+  keptNoticeTask_ = host_.scheduler.after(kKeptNoticeTime, [this] { keptNotice = false; });
+}
 
 // A refusal that comes later, by the user's own answer, needs no report.
 void Application::orThrow(std::function<void()> replace) {

@@ -22,6 +22,7 @@
 #include "core/observable.h"
 #include "documents/app_settings.h"
 #include "documents/auto_save.h"
+#include "platform/dialogs.h"
 #include "platform/host.h"
 #include "platform/user_defaults.h"
 #include "updates/app_update_client.h"
@@ -46,6 +47,9 @@ struct ApplicationOptions {
   /// Resets the projects folder at the start and shows neither the first-run sheet nor the recovery
   /// offer.
   bool isUITesting = false;
+  /// Whether commands that the user gives in a window ask where those of a script do not: before a branch of
+  /// another document is switched to, and before a revert takes more than it says.
+  bool asksInWindow = false;
   /// Whether large documents are read away from the main thread. Else every command has had its whole
   /// effect when it returns.
   bool opensInBackground = false;
@@ -89,6 +93,9 @@ class Application {
   /// The system ends the program, and nobody can be asked: unsaved changes stay in the journal, which the
   /// next start offers. Gives whether they do, or there are none.
   bool endBySystem();
+  /// The desktop's session is about to end: asks about unsaved changes where `mayAsk`, else brings them to
+  /// the disk. `answered` receives whether the session may end, before or after this returns.
+  void sessionShouldEnd(bool mayAsk, std::function<void(bool mayEnd)> answered);
 
   void setWindowActions(WindowActions actions) { windowActions_ = std::move(actions); }
   const WindowActions& windowActions() const { return windowActions_; }
@@ -105,8 +112,12 @@ class Application {
   void rescheduleAutoSave();
   /// The sample plan as a document of its own, not saved anywhere.
   void openSamplePlan();
-  /// Back to the last auto-save; unsaved changes are dropped.
+  /// Back to the last auto-save; unsaved changes are dropped. In a window it asks first where there are any,
+  /// and where the last auto-save is that of another document.
   void revertToLastAutosave();
+  /// To a branch by its name or identifier. In a window it asks first where what it holds last is a drawing
+  /// of another document.
+  void switchBranch(const std::string& nameOrID);
   /// The main window is asked to close: `reply` receives whether it may, `closeNow` runs later when the user
   /// chose to save first and the document is clean.
   void windowShouldClose(const std::function<void(CloseQuestion::Reply)>& reply,
@@ -147,15 +158,18 @@ class Application {
   /// As a new document that is not saved yet. Unsaved changes are not asked about, but kept.
   void openKeptDrawing(const std::string& id);
   void deleteKeptDrawing(const std::string& id);
-  /// How many times something has been kept in this run.
-  Observable<int, Application> drawingsKept{tracker_};
+  /// A drawing has just been kept, which the window tells for a few seconds.
+  Observable<bool, Application> keptNotice{tracker_};
 
  private:
+  bool isJournalOnDisk();
   void journalDealtWith(const std::string& id);
   void openAndRemember(const FilePath& url);
   void beforeReplacing(std::function<void()> proceed);
+  void askInWindow(bool isNeeded, Alert question, std::function<void()> proceed);
   void replaceOrReport(std::function<void()> replace);
   void orThrow(std::function<void()> replace);
+  void showKeptNotice();
 
   Host host_;
   UserDefaults& defaults_;
@@ -165,12 +179,14 @@ class Application {
   PictureMaker makePicture_;
   CloseQuestion closeQuestion_;
   DocumentOpener opener_;
+  bool asksInWindow_ = false;
   std::optional<AutoSaveController> autoSaveController_;
   std::optional<EditJournal> journal_;
   WindowActions windowActions_;
   Subscription selectionSubscription_;
   bool hadSelection_ = false;
   ScheduledTask inspectorTask_;
+  ScheduledTask keptNoticeTask_;
 };
 
 }  // namespace ostrelon

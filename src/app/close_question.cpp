@@ -25,19 +25,48 @@ void CloseQuestion::windowShouldClose(const std::function<void(Reply)>& reply,
   }
   ask([this, reply, closeNow = std::move(closeNow)](Answer answer) mutable {
     if (answer == Answer::dontSave) {
-      DocumentSession& document = workspace_.document;
-      runKeepingOrAsking(
-          document,
-          [&document, reply] {
-            document.keepWhatIsLost({.reason = "Closed without saving"});
-            reply(Reply::allowed);
-          },
-          [reply](const std::string&) { reply(Reply::refused); });
+      keepThen([reply](bool mayLose) { reply(mayLose ? Reply::allowed : Reply::refused); });
       return;
     }
-    if (answer == Answer::save) saveThen(std::move(closeNow));
+    if (answer == Answer::save) {
+      saveThen([closeNow = std::move(closeNow)](bool isClean) {
+        if (isClean) closeNow();
+      });
+    }
     reply(Reply::refused);
   });
+}
+
+void CloseQuestion::sessionShouldEnd(std::function<void(bool mayEnd)> answered) {
+  if (!workspace_.document.isDirty() || isAsking_) {
+    answered(!isAsking_);
+    return;
+  }
+  ask([this, answered = std::move(answered)](Answer answer) mutable {
+    switch (answer) {
+      case Answer::dontSave:
+        keepThen(std::move(answered));
+        break;
+      case Answer::save:
+        saveThen(std::move(answered));
+        break;
+      case Answer::cancel:
+        answered(false);
+        break;
+    }
+  });
+}
+
+// What closing would destroy is kept, or the user agrees once more.
+void CloseQuestion::keepThen(std::function<void(bool mayLose)> answered) {
+  DocumentSession& document = workspace_.document;
+  runKeepingOrAsking(
+      document,
+      [&document, answered] {
+        document.keepWhatIsLost({.reason = "Closed without saving"});
+        answered(true);
+      },
+      [answered](const std::string& /*refusal*/) { answered(false); });
 }
 
 void CloseQuestion::beforeReplacing(std::function<void()> proceed) {
@@ -52,7 +81,9 @@ void CloseQuestion::beforeReplacing(std::function<void()> proceed) {
         proceed();
         break;
       case Answer::save:
-        saveThen(std::move(proceed));
+        saveThen([proceed = std::move(proceed)](bool isClean) {
+          if (isClean) proceed();
+        });
         break;
       case Answer::cancel:
         break;
@@ -80,17 +111,20 @@ void CloseQuestion::ask(std::function<void(Answer)> answered) {
       });
 }
 
-void CloseQuestion::saveThen(std::function<void()> whenClean) {
-  if (isClosingAfterSave_) return;
+void CloseQuestion::saveThen(std::function<void(bool isClean)> ended) {
+  if (isClosingAfterSave_) {
+    ended(false);
+    return;
+  }
   isClosingAfterSave_ = true;
-  workspace_.host().scheduler.soon([weak = std::weak_ptr(self_), whenClean = std::move(whenClean)]() mutable {
+  workspace_.host().scheduler.soon([weak = std::weak_ptr(self_), ended = std::move(ended)]() mutable {
     const auto self = weak.lock();
     if (!self) return;
-    (*self)->save_([weak, whenClean = std::move(whenClean)] {
+    (*self)->save_([weak, ended = std::move(ended)] {
       const auto stillThere = weak.lock();
       if (!stillThere) return;
       (*stillThere)->isClosingAfterSave_ = false;
-      if (!(*stillThere)->workspace_.document.isDirty()) whenClean();
+      ended(!(*stillThere)->workspace_.document.isDirty());
     });
   });
 }

@@ -29,12 +29,17 @@ class CloseQuestion {
   /// the user has agreed to lose them.
   void beforeReplacing(std::function<void()> proceed);
 
+  /// The desktop's session is about to end, and waits: `answered` receives whether it may, once unsaved
+  /// changes are saved or the user has agreed to lose them.
+  void sessionShouldEnd(std::function<void(bool mayEnd)> answered);
+
   bool isClosingAfterSave() const { return isClosingAfterSave_; }
 
  private:
   enum class Answer { save, cancel, dontSave };
   void ask(std::function<void(Answer)> answered);
-  void saveThen(std::function<void()> whenClean);
+  void saveThen(std::function<void(bool isClean)> ended);
+  void keepThen(std::function<void(bool mayLose)> answered);
 
   Workspace& workspace_;
   Save save_;

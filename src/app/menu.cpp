@@ -70,9 +70,8 @@ std::vector<MenuChoice> branchChoices(Application& app) {
   std::vector<MenuChoice> choices;
   for (const DocumentHistoryBranch& branch : history.metadata.branches) {
     const bool isCurrent = branch.id == history.metadata.currentBranchID;
-    choices.push_back({branch.name, !isCurrent, isCurrent, [id = branch.id](Application& to) {
-                         switchBranchFromMenu(to.workspace().document, id);
-                       }});
+    choices.push_back(
+        {branch.name, !isCurrent, isCurrent, [id = branch.id](Application& to) { to.switchBranch(id); }});
   }
   return choices;
 }

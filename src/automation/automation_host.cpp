@@ -274,7 +274,7 @@ class AutomationHost::Program {
                       options.makePicture},
                      {options.paths.documentsFolder,
                       updateConfiguration(kBuildVersion, kBuildNumber, options.updateFeed, options.updateKey),
-                      options.isUITesting, false, options.paths.stateFolder}),
+                      options.isUITesting, false, false, options.paths.stateFolder}),
         gestures_(application_.workspace().board),
         session_{application_, scheduler_, dialogs_, gestures_, updateClient_} {
     application_.mainViewAppeared();

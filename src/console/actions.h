@@ -2,6 +2,7 @@
 // Sketch units; whether entity numbers count from 0 or 1 is stated at each.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -156,6 +157,13 @@ struct SwitchBranch {
   std::string nameOrID;
 };
 
+// --- Kept drawings (kept_commands.h)
+
+struct ListKept {};
+struct RestoreKept {
+  std::size_t index = 0;  ///< 0 is the newest
+};
+
 // --- Other drawings (compare_commands.h). A name is that of a branch, a checkpoint or a document.
 
 struct CompareDrawing {
@@ -171,12 +179,13 @@ struct MergeDrawing {
 struct ShowHelp {};
 struct ShowMore {};
 
-using Action = std::variant<DrawLine, DrawWall, DrawCircle, DrawRectangle, DrawPolygon, DrawRun, ClearDrawing,
-                            ActivateTool, SelectEntities, CopySelection, PasteClipboard, AssignWallSystem,
-                            MoveSelectedLine, SetSelectedLength, NudgeSelection, AlignSelection,
-                            ConvertSelection, TrimEntity, ExtendToBoundary, AddOpening, ListOpenings,
-                            UseWallSystem, ShowWallSystem, ListWallSystems, AddWallSystem, ChangeWallSystem,
-                            DeleteWallSystem, ConvertWallSystems, ZoomView, SaveCheckpoint, ShowHistory,
-                            CreateBranch, SwitchBranch, CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;
+using Action =
+    std::variant<DrawLine, DrawWall, DrawCircle, DrawRectangle, DrawPolygon, DrawRun, ClearDrawing,
+                 ActivateTool, SelectEntities, CopySelection, PasteClipboard, AssignWallSystem,
+                 MoveSelectedLine, SetSelectedLength, NudgeSelection, AlignSelection, ConvertSelection,
+                 TrimEntity, ExtendToBoundary, AddOpening, ListOpenings, UseWallSystem, ShowWallSystem,
+                 ListWallSystems, AddWallSystem, ChangeWallSystem, DeleteWallSystem, ConvertWallSystems,
+                 ZoomView, SaveCheckpoint, ShowHistory, CreateBranch, SwitchBranch, ListKept, RestoreKept,
+                 CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;
 
 }  // namespace ostrelon::CommandInterpreter

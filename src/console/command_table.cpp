@@ -7,6 +7,7 @@
 #include "console/edit_commands.h"
 #include "console/help_commands.h"
 #include "console/history_commands.h"
+#include "console/kept_commands.h"
 #include "console/opening_commands.h"
 #include "console/run_command.h"
 #include "console/selection_commands.h"
@@ -225,6 +226,12 @@ std::vector<Command> makeTable() {
        .example = "merge option-a ours",
        .completions = {{.names = Names::drawings}, {.position = 2, .words = {"both", "ours", "theirs"}}},
        .parse = parseMerge},
+      {.word = "kept",
+       .usage = "kept [restore <n>]",
+       .summary = "list drawings kept before they were replaced, or bring one back as an edit",
+       .example = "kept restore 1",
+       .completions = {{.words = {"restore"}}},
+       .parse = parseKept},
       {.word = "more",
        .usage = "more",
        .summary = "list the commands that help does not tell",

@@ -148,6 +148,8 @@ class DocumentSession {
   /// The head of the branch becomes the document, and its file is written. Throws for unsaved changes, an
   /// unknown branch, and one without a checkpoint; nothing happens for the current one.
   DocumentHistoryBranch switchBranch(const std::string& nameOrID);
+  /// The name of the document whose snapshot the branch holds last, where that is another one than this.
+  std::optional<std::string> otherDocumentAtHead(const std::string& nameOrID) const;
   /// Branches and checkpoints as the console lists them, or the sentence that says why there are none.
   std::string historyText() const;
 

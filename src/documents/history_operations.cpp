@@ -106,6 +106,27 @@ DocumentHistoryBranch DocumentSession::switchBranch(const std::string& nameOrID)
   return branch;
 }
 
+std::optional<std::string> DocumentSession::otherDocumentAtHead(const std::string& nameOrID) const {
+  const std::optional<FilePath>& url = fileURL;
+  if (!url) return std::nullopt;
+  try {
+    const DocumentHistoryState state = loadDocumentHistory(host_.files, *url);
+    const DocumentHistoryBranch* branch = state.findBranch(nameOrID);
+    if (branch == nullptr || !branch->headCheckpointID) return std::nullopt;
+    const DocumentCheckpoint* head = findCheckpointOf(state, *branch, *branch->headCheckpointID);
+    if (head == nullptr) return std::nullopt;
+    std::string other =
+        openedDocument(
+            SketchDocumentIO::decodeDocument(readCheckpoint(host_.files, *url, branch->id, head->fileName)),
+            Drawing())
+            .name;
+    if (other == *name) return std::nullopt;
+    return other;
+  } catch (const UserError&) {
+    return std::nullopt;  // the switch itself says what is wrong
+  }
+}
+
 void DocumentSession::writeSwitched(const FilePath& url, const OpenedDocument& next,
                                     const DocumentHistoryMetadata& before, const std::string& branchID) {
   // Both are complete and synchronized by fsync before either takes its place.

@@ -58,6 +58,19 @@ std::optional<NamedDrawing> checkpointDrawing(const DocumentSession& document, c
   return drawingOf(document, found.front().checkpoint.id, found.front());
 }
 
+// "kept 2", by its number among the kept drawings, the newest first, or by its identifier.
+std::optional<NamedDrawing> keptDrawing(const DocumentSession& document, const std::string& name) {
+  constexpr std::string_view kPrefix = "kept ";
+  if (!lowerCased(name).starts_with(kPrefix)) return std::nullopt;
+  const std::string wanted(trimmed(name.substr(kPrefix.size())));
+  const std::vector<KeptDrawing> all = document.keptDrawings();
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    if (wanted != std::to_string(i + 1) && wanted != all[i].id) continue;
+    return NamedDrawing{"kept drawing " + all[i].name, document.keptDrawing(all[i].id), std::nullopt};
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 Drawing drawingOfFile(FileSystem& files, const FilePath& path) { return drawingOf(files.readFile(path)); }
@@ -65,6 +78,7 @@ Drawing drawingOfFile(FileSystem& files, const FilePath& path) { return drawingO
 NamedDrawing namedDrawing(const DocumentSession& document, std::string_view name) {
   const std::string wanted(trimmed(name));
   if (auto found = checkpointDrawing(document, wanted)) return *std::move(found);
+  if (auto found = keptDrawing(document, wanted)) return *std::move(found);
   FileSystem& files = document.host().files;
   FilePath path = standardizedPath(document.documentsFolder() / wanted);
   if (!hasDocumentExtension(path)) path += kDocumentExtension;

@@ -1,8 +1,8 @@
 // Other drawings that a document can be compared with, by a name that a user gives, and merging one of them
 // into the open document.
 //
-// A name is that of a branch, then the beginning of a checkpoint's identifier, then the path of a document
-// from the Documents folder, with or without its extension.
+// A name is that of a branch, then the beginning of a checkpoint's identifier, then "kept" and the number of
+// a kept drawing, then the path of a document from the Documents folder, with or without its extension.
 #pragma once
 
 #include <optional>

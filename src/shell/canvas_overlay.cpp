@@ -8,6 +8,7 @@
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QTimer>
 #include <algorithm>
 #include <cmath>
 
@@ -23,6 +24,8 @@ namespace {
 constexpr int kEdge = 16;
 constexpr int kStackGap = 8;
 constexpr int kToastHeight = 40;
+constexpr int kNoteHeight = 16;
+constexpr const char* kKeptNote = "Kept: File, History";
 constexpr int kToastWidest = 480;
 constexpr int kToastRaisedBelow = 720;
 constexpr int kToastRaise = 60;
@@ -80,10 +83,13 @@ ToastView::ToastView(Theme& theme, QWidget* parent) : QLabel(parent), theme_(the
   connect(&theme, &Theme::changed, this, [this] { update(); });
 }
 
-void ToastView::setToast(const std::optional<DocumentToastState>& toast) {
-  if (toast == toast_) return;
+void ToastView::setToast(std::optional<DocumentToastState> toast, bool isKept) {
+  const bool hasNote = isKept && toast.has_value();
+  if (isKept && !toast) toast = DocumentToastState{kKeptNote, DocumentToastState::Style::success};
+  if (toast == toast_ && hasNote == hasNote_) return;
   const bool slidesIn = !toast_ && toast;
   toast_ = toast;
+  hasNote_ = hasNote;
   if (spinnerTimer_ != 0) killTimer(std::exchange(spinnerTimer_, 0));
   if (!toast) {
     slide_.stop();
@@ -91,7 +97,7 @@ void ToastView::setToast(const std::optional<DocumentToastState>& toast) {
     return;
   }
   setText(qtText(toast->message));
-  setAccessibleName(text());
+  setAccessibleName(hasNote_ ? text() + QStringLiteral(" ") + QLatin1String(kKeptNote) : text());
   if (toast->style == DocumentToastState::Style::saving && animationMilliseconds(1) > 0) {
     spinnerTimer_ = startTimer(40);
   }
@@ -118,9 +124,15 @@ int ToastView::wantedWidth(int canvasWidth) const {
   if (!toast_) return 0;
   const int room = std::min(kToastWidest, canvasWidth - 2 * kEdge);
   // Painted words may be a fraction wider than measured ones; what fits is never cut short.
-  const int words = QFontMetrics(fontOf(TextStyle::control)).horizontalAdvance(qtText(toast_->message)) + 2;
+  int words = QFontMetrics(fontOf(TextStyle::control)).horizontalAdvance(qtText(toast_->message)) + 2;
+  if (hasNote_) {
+    const QFontMetrics note(fontOf(TextStyle::caption));
+    words = std::max(words, note.horizontalAdvance(QLatin1String(kKeptNote)) + 2);
+  }
   return std::clamp(words + 16 + 12 + 2 * 14, 120, std::max(120, room));
 }
+
+int ToastView::cardHeight() const { return hasNote_ ? kToastHeight + kNoteHeight : kToastHeight; }
 
 QRect ToastView::card() const {
   const int reach = shadowReach(2);
@@ -133,8 +145,8 @@ void ToastView::place() {
   const int reach = shadowReach(2);
   const double shown = slide_.state() == QAbstractAnimation::Running ? slide_.currentValue().toDouble() : 1.0;
   const int rise = static_cast<int>(std::lround((1 - shown) * 12));
-  setGeometry(anchor_.x() - width / 2 - reach, anchor_.y() - kToastHeight - reach + rise, width + 2 * reach,
-              kToastHeight + 2 * reach);
+  setGeometry(anchor_.x() - width / 2 - reach, anchor_.y() - cardHeight() - reach + rise, width + 2 * reach,
+              cardHeight() + 2 * reach);
 }
 
 void ToastView::paintEvent(QPaintEvent* /*event*/) {
@@ -146,7 +158,8 @@ void ToastView::paintEvent(QPaintEvent* /*event*/) {
   const QRectF box = QRectF(rect()).adjusted(reach, reach, -reach, -reach);
   paintShadow(painter, box, theme_, 2, 10);
   paintBox(painter, box, 10, theme_.card(), theme_.border());
-  const QRectF iconBox(box.left() + 14, box.top(), 16, box.height());
+  const QRectF message = box.adjusted(0, 0, 0, hasNote_ ? -kNoteHeight : 0);
+  const QRectF iconBox(box.left() + 14, box.top(), 16, message.height());
   switch (toast_->style) {
     case DocumentToastState::Style::saving:
       painter.save();
@@ -163,12 +176,17 @@ void ToastView::paintEvent(QPaintEvent* /*event*/) {
       paintIcon(painter, Icon::alert, iconBox, 16, theme_.destructive());
       break;
   }
-  const QRectF words = box.adjusted(14 + 16 + 12, 0, -14, 0);
+  const QRectF words = message.adjusted(14 + 16 + 12, 0, -14, 0);
   painter.setFont(fontOf(TextStyle::control));
   painter.setPen(theme_.foreground());
   painter.drawText(words, Qt::AlignVCenter | Qt::AlignLeft,
                    painter.fontMetrics().elidedText(qtText(toast_->message), Qt::ElideRight,
                                                     static_cast<int>(words.width())));
+  if (!hasNote_) return;
+  painter.setFont(fontOf(TextStyle::caption));
+  painter.setPen(theme_.mutedForeground());
+  // Right below the words, whose line is lower than their box.
+  painter.drawText(words.translated(0, 20), Qt::AlignVCenter | Qt::AlignLeft, QLatin1String(kKeptNote));
 }
 
 void ToastView::timerEvent(QTimerEvent* event) {
@@ -225,7 +243,9 @@ CanvasOverlay::CanvasOverlay(Application& application, Theme& theme, QWidget& ca
       lengthEditor_(new Field(theme, true, &canvas)),
       lengthError_(new Badge(theme, QStringLiteral("canvas.segmentLengthError"), &canvas)),
       toast_(new ToastView(theme, &canvas)),
-      update_(workspace_, shownFields(workspace_), this, [this] { refresh(); }) {
+      update_(workspace_, shownFields(workspace_), this, [this] { refresh(); }),
+      keptNotice_(
+          application.observe([this](FieldMask) { QTimer::singleShot(0, this, [this] { refresh(); }); })) {
   coordinates_->setMinimumBadgeWidth(132);
 
   // The align bar.
@@ -353,7 +373,7 @@ void CanvasOverlay::refresh() {
   refreshPointerBadges();
   refreshViewport();
   refreshSegmentLabel();
-  toast_->setToast(workspace_.messages.toast);
+  toast_->setToast(workspace_.messages.toast, application_.keptNotice);
   place();
 }
 

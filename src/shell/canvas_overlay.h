@@ -22,7 +22,8 @@ class EntityHoverLabel final : public Badge {
 class ToastView final : public QLabel {
  public:
   ToastView(Theme& theme, QWidget* parent);
-  void setToast(const std::optional<DocumentToastState>& toast);
+  /// `isKept`: a drawing has just been kept, which is told below the message, or alone.
+  void setToast(std::optional<DocumentToastState> toast, bool isKept = false);
   /// Where the toast rests: the middle of its bottom edge, in the parent.
   void setAnchor(QPoint bottomMiddle, int canvasWidth);
   bool isShown() const { return toast_.has_value(); }
@@ -37,9 +38,11 @@ class ToastView final : public QLabel {
 
  private:
   void place();
+  int cardHeight() const;
 
   Theme& theme_;
   std::optional<DocumentToastState> toast_;
+  bool hasNote_ = false;
   QPoint anchor_;
   int canvasWidth_ = 720;
   QVariantAnimation slide_;
@@ -98,6 +101,7 @@ class CanvasOverlay final : public QObject {
   Badge* lengthError_;
   ToastView* toast_;
   ScheduledUpdate update_;
+  Subscription keptNotice_;
 };
 
 }  // namespace ostrelon

@@ -24,6 +24,7 @@
 #include "shell/print_window.h"
 #include "shell/qt_scheduler.h"
 #include "shell/qt_text.h"
+#include "shell/session_end.h"
 
 namespace ostrelon {
 
@@ -139,6 +140,7 @@ int runWithWindows(int& argc, char** argv, const WindowStart& start) {
                            .updates = updateConfiguration(kBuildVersion, kBuildNumber, kOstrelonUpdateFeedURL,
                                                           kOstrelonUpdateSigningPublicKey),
                            .isUITesting = start.isUITesting,
+                           .asksInWindow = true,
                            .opensInBackground = true,
                            .stateFolder = paths.stateFolder});
   // The desktop's scheme is read before the program sets its own colours.
@@ -162,8 +164,9 @@ int runWithWindows(int& argc, char** argv, const WindowStart& start) {
       program.mainWindow().close();
     }
   });
+  const SessionEnd sessionEnd(application);
   const int status = QApplication::exec();
-  if (!endsBySystem) application.willTerminate();
+  if (!endsBySystem && !sessionEnd.hasEnded()) application.willTerminate();
   return status;
 }
 

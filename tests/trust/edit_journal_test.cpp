@@ -1,7 +1,5 @@
 // What a program that dies between two saves leaves: cut at any byte, damaged at any byte, with any step of
 // the disk failing, and with other programs about.
-#include "app/edit_journal.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -9,15 +7,9 @@
 #include <fstream>
 #include <mutex>
 
-#include "core/adding.h"
 #include "documents/document_save.h"
-#include "documents/sketch_document_io.h"
-#include "geometry/edit_operations.h"
-#include "platform/dialogs.h"
-#include "platform/disk_file_system.h"
-#include "platform/scheduler.h"
-#include "support/random_drawing.h"
 #include "support/temporary_folder.h"
+#include "trust/journaled_program.h"
 
 namespace ostrelon {
 namespace {
@@ -27,32 +19,8 @@ using ::testing::Eq;
 using ::testing::Field;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
+using Program = testing::JournaledProgram;
 using testing::TemporaryFolder;
-
-struct Program {
-  explicit Program(const FilePath& state, FileSystemCalls calls = FileSystemCalls::ofTheSystem())
-      : files(std::move(calls)), journal(workspace, state) {
-    journal.holdMarker();
-  }
-  VirtualScheduler scheduler{dateFromSeconds(1'767'225'600)};
-  QueuedDialogs dialogs;
-  DiskFileSystem files;
-  Workspace workspace{Host{scheduler, dialogs, files}};
-  EditJournal journal;
-
-  // Everything that a file would hold, undo steps included.
-  std::string text() const { return SketchDocumentIO::encodeDocument(workspace.document.makeDocument(true)); }
-  bool hears(const std::string& part) {
-    scheduler.advance(Seconds(0));
-    return std::any_of(workspace.messages.lines->begin(), workspace.messages.lines->end(),
-                       [&](const ConsoleLine& line) { return line.text.find(part) != std::string::npos; });
-  }
-  void draw(double x) { submit("line " + std::to_string(x) + " 0 5 5"); }
-  void submit(const std::string& line) {
-    workspace.console.setInput(line);
-    workspace.console.submit();
-  }
-};
 
 std::vector<FilePath> journalsIn(const FilePath& folder) {
   std::vector<FilePath> found;
@@ -74,71 +42,6 @@ void leave(const FilePath& folder, std::string_view bytes) {
   std::filesystem::remove_all(folder);
   std::filesystem::create_directories(folder);
   std::ofstream(folder / (UUID::random().text() + "-1.journal"), std::ios::binary) << bytes;
-}
-
-void edit(Program& on, testing::RandomDrawing& random) {
-  Sketch& sketch = on.workspace.sketch;
-  const int count = static_cast<int>(sketch.entities().size());
-  const auto someEntity = [&] { return static_cast<std::size_t>(random.below(std::max(count, 1))); };
-  switch (random.below(12)) {
-    case 10:
-      sketch.edit([&](Drawing& drawing) { drawing.plan = random.plan(drawing.entities); },
-                  random.chance(4) ? UndoStep::none : UndoStep::own);
-      break;
-    case 11:
-      sketch.edit(
-          [&](Drawing& drawing) {
-            drawing.wallSystemSpecs.front().thickness = random.below(9);
-            if (random.chance(2))
-              drawing.wallSystemSpecs.insert(drawing.wallSystemSpecs.begin(), {UUID::random()});
-          },
-          UndoStep::withWallSystems);
-      break;
-    case 0:
-      sketch.undo();
-      break;
-    case 1:
-      sketch.redo();
-      break;
-    case 2:
-      sketch.edit([](Drawing& drawing) { drawing.showGrid = !drawing.showGrid; }, UndoStep::none);
-      break;
-    case 3:
-      sketch.edit(
-          [&](Drawing& drawing) {
-            drawing.wallSystemSpecs.push_back({UUID::random(), "W" + std::to_string(count), 5, 96, "“n”"});
-          },
-          UndoStep::none);
-      break;
-    case 4:
-      if (count == 0) break;
-      sketch.edit([&](Drawing& drawing) { drawing.entities.remove(someEntity()); });
-      break;
-    case 5: {  // a drag, with a step of another in its middle now and then
-      if (count == 0) break;
-      sketch.beginDragStep();
-      for (int move = 0; move < 3; ++move) {
-        const auto at = someEntity();
-        sketch.edit(
-            [&](Drawing& drawing) {
-              drawing.entities.replace(
-                  at, random.entity(drawing.wallSystemSpecs, entityID(drawing.entities[at])));
-            },
-            random.chance(8) ? UndoStep::own : UndoStep::none);
-      }
-      sketch.endDragStep();
-      on.workspace.messages.appendSystem("as when the gesture ends");
-      break;
-    }
-    case 6:
-      sketch.edit([&](Drawing& drawing) { drawing.entities.append(random.entities(40)); });
-      break;
-    case 7:
-      on.submit("line 0 0 1 1; line 1 1 2 2");
-      break;
-    default:
-      sketch.edit([&](Drawing& drawing) { drawing.entities.append(random.entity(drawing.wallSystemSpecs)); });
-  }
 }
 
 TEST(EditJournal, ADeathAtAnyByteLeavesAPrefixOfTheEdits) {

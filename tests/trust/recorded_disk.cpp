@@ -13,8 +13,10 @@ FileSystemCalls RecordedDisk::calls() {
   const FileSystemCalls real = FileSystemCalls::ofTheSystem();
   FileSystemCalls calls = real;
   calls.open = [this, real](const char* path, int flags, mode_t mode) {
+    const std::lock_guard lock(mutex_);
     const int file = real.open(path, flags, mode);
     if (file < 0) return file;
+    openFiles_.erase(file);
     if ((flags & O_DIRECTORY) != 0) {
       openFolders_[file] = belowRoot(path);
     } else if ((flags & O_CREAT) != 0) {
@@ -24,6 +26,7 @@ FileSystemCalls RecordedDisk::calls() {
     return file;
   };
   calls.write = [this, real](int file, const void* bytes, std::size_t count) {
+    const std::lock_guard lock(mutex_);
     const ssize_t written = real.write(file, bytes, count);
     if (written > 0) {
       note({Kind::write, "", std::string(static_cast<const char*>(bytes), static_cast<std::size_t>(written)),
@@ -33,6 +36,7 @@ FileSystemCalls RecordedDisk::calls() {
   };
   // Noting it is all that syncing does: the real disk need not be waited for.
   calls.fsync = [this](int file) {
+    const std::lock_guard lock(mutex_);
     // Descriptors come again; a folder is closed without a call that is noted.
     if (const auto open = openFiles_.find(file); open != openFiles_.end()) {
       note({Kind::syncFile, "", "", open->second});
@@ -42,11 +46,13 @@ FileSystemCalls RecordedDisk::calls() {
     return 0;
   };
   calls.close = [this, real](int file) {
+    const std::lock_guard lock(mutex_);
     openFiles_.erase(file);
     return real.close(file);
   };
   const auto noted = [this](auto rename) {
     return [this, rename](const char* from, const char* to) {
+      const std::lock_guard lock(mutex_);
       const int result = rename(from, to);
       if (result == 0) note({Kind::rename, belowRoot(from), belowRoot(to), -1});
       return result;
@@ -55,11 +61,13 @@ FileSystemCalls RecordedDisk::calls() {
   calls.rename = noted(real.rename);
   calls.renameNew = noted(real.renameNew);
   calls.unlink = [this, real](const char* path) {
+    const std::lock_guard lock(mutex_);
     const int result = real.unlink(path);
     if (result == 0) note({Kind::remove, belowRoot(path), "", -1});
     return result;
   };
   calls.mkdir = [this, real](const char* path, mode_t mode) {
+    const std::lock_guard lock(mutex_);
     const int result = real.mkdir(path, mode);
     if (result == 0) note({Kind::makeFolder, belowRoot(path), "", -1});
     return result;

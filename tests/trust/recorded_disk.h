@@ -4,6 +4,7 @@
 
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -26,7 +27,10 @@ class RecordedDisk {
   /// The system's steps, done and noted. The object must outlive them.
   FileSystemCalls calls();
   /// How many steps have been noted.
-  std::size_t steps() const { return events_.size(); }
+  std::size_t steps() const {
+    const std::lock_guard lock(mutex_);
+    return events_.size();
+  }
   /// Puts into the empty folder `into` what is there after a crash that follows the first `steps`.
   void survivors(std::size_t steps, Survival survival, const FilePath& into) const;
 
@@ -55,6 +59,7 @@ class RecordedDisk {
   static void write(const Node& folder, Survival survival, const FilePath& into);
 
   FilePath root_;
+  mutable std::mutex mutex_;  // a journal is synced by a thread
   std::vector<Event> events_;
   std::map<int, int> openFiles_;            // by descriptor: the file's number
   std::map<int, std::string> openFolders_;  // by descriptor

@@ -169,5 +169,18 @@ TEST_F(WholeSession, FromTheFirstStartToRecoveryAfterACrash) {
   ASSERT_NO_FATAL_FAILURE(quit());
 }
 
+TEST(WithoutAWindow, NeitherJournalNorKeptDrawingIsLeft) {
+  testing::TemporaryFolder folder;
+  testing::writeBytes(folder / "script", "line 0 0 1 1\n");
+  const std::string program = std::string(kProgram) + " --home '" + folder.path().string() + "' --console '" +
+                              (folder / "script").string() + "' --save '" + (folder / "A.ostrel").string() +
+                              "'";
+  ASSERT_EQ(std::system((program + " >/dev/null").c_str()), 0);
+  testing::writeBytes(folder / "script", "line 0 0 2 2\nline 0 0 3 3\n");
+  ASSERT_EQ(std::system((program + " >/dev/null").c_str()), 0) << "the file is replaced";
+  EXPECT_THAT(testing::readBytes(folder / "A.ostrel"), ::testing::HasSubstr("0,0,3,3"));
+  EXPECT_FALSE(fs::exists(folder / "state"));
+}
+
 }  // namespace
 }  // namespace ostrelon
