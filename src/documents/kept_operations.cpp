@@ -98,6 +98,7 @@ Drawing DocumentSession::keptDrawing(const std::string& id) const {
 
 void DocumentSession::restoreKeptDrawing(const std::string& id) {
   Drawing kept = keptDrawing(id);
+  if (isSameDrawing(kept, sketch_.drawing)) return;
   const auto scope = change();
   sketch_.edit([&](Drawing& drawing) {
     drawing.entities = std::move(kept.entities);

@@ -175,5 +175,46 @@ TEST(KeptDrawings, WhatCannotBeKeptIsAskedAbout) {
   EXPECT_EQ(t.sketch.entities().size(), 0U);
 }
 
+TEST(KeptDrawings, EveryStepOfTheDiskMayFailAndNothingIsReplacedThen) {
+  int failures = 0;
+  bool reachesEnd = false;
+  for (int step = 0; !reachesEnd; ++step) {
+    SCOPED_TRACE(step);
+    const auto countdown = std::make_shared<int>(-1);
+    FileSystemCalls calls = FileSystemCalls::ofTheSystem();
+    const auto mayFail = [&]<class... Arguments, class Result>(std::function<Result(Arguments...)>& call) {
+      call = [countdown, real = call](Arguments... arguments) -> Result {
+        if (*countdown < 0 || (*countdown)-- > 0) return real(arguments...);
+        errno = ENOSPC;
+        return -1;
+      };
+    };
+    mayFail(calls.open);
+    mayFail(calls.write);
+    mayFail(calls.fsync);
+    mayFail(calls.close);
+    mayFail(calls.renameNew);
+    mayFail(calls.mkdir);
+    KeepingWorkspace t(calls);
+    t.draw("line 0 0 1 1");
+    *countdown = step;
+    bool hasFailed = false;
+    try {
+      t.document.begin();
+    } catch (const DrawingNotKeptError&) {
+      hasFailed = true;
+    }
+    reachesEnd = *countdown >= 0;
+    *countdown = -1;
+    EXPECT_EQ(t.sketch.entities().size(), hasFailed ? 1U : 0U);
+    EXPECT_EQ(t.kept().size(), hasFailed ? 0U : 1U);
+    failures += hasFailed ? 1 : 0;
+    if (hasFailed) t.document.begin();
+    ASSERT_THAT(t.kept(), SizeIs(1));
+    EXPECT_EQ(t.document.keptDrawing(t.document.keptDrawings()[0].id).entities.size(), 1U);
+  }
+  EXPECT_GT(failures, 10);
+}
+
 }  // namespace
 }  // namespace ostrelon

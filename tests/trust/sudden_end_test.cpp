@@ -111,6 +111,27 @@ TEST(SuddenEnd, AKilledProgramLosesAtMostTheEditInProgress) {
   ::munmap(shared, sizeof(Diary));
 }
 
+TEST(SuddenEnd, OfThreeWindowsTheDeadOneAloneIsOfferedAndToOneOfTheOthers) {
+  const TemporaryFolder home;
+  JournaledProgram first(stateFolder(home.path()));
+  JournaledProgram second(stateFolder(home.path()));
+  first.draw(1);
+  auto third = std::make_unique<JournaledProgram>(stateFolder(home.path()));
+  third->draw(2);
+  third->draw(3);
+  EXPECT_TRUE(first.journal.recoverable().empty());
+  third.reset();  // as a killed one, it leaves its journal
+  const auto offers = first.journal.recoverable();
+  ASSERT_EQ(offers.size(), 1U);
+  EXPECT_EQ(second.journal.recoverable(), offers);
+  second.journal.recover(offers[0].id);
+  EXPECT_EQ(second.workspace.sketch.entities().size(), 2U);
+  EXPECT_TRUE(first.journal.recoverable().empty());
+  EXPECT_THROW(first.journal.recover(offers[0].id), UserError);
+  second.journal.remove();  // a clean end takes nothing from the others
+  EXPECT_TRUE(first.journal.isOpen());
+}
+
 TEST(SuddenEnd, APowerLossTakesNothingThatHasReachedTheDisk) {
   const auto seed = testing::seed();
   SCOPED_TRACE(seed);
