@@ -73,7 +73,10 @@ void EditJournal::changed() {
   const Sketch& sketch = workspace_.sketch;
   if (workspace_.document.basisNumber() != basisNumber_) followBasis();
   // A drag is recorded when it ends, unless something else takes a step meanwhile.
-  if (sketch.dragStart() != nullptr && sketch.undoStack.writes() == undoWrites_) return;
+  // Its end says nothing then, so that what is dragged on is recorded at once.
+  const bool isDragging = sketch.dragStart() != nullptr;
+  hasDragStep_ = isDragging && (hasDragStep_ || sketch.undoStack.writes() != undoWrites_);
+  if (isDragging && !hasDragStep_) return;
   const auto record = recordOfChanges();
   if (record && record->empty()) {
     remember();

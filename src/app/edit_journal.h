@@ -77,6 +77,7 @@ class EditJournal {
   std::size_t limit_ = 0;      // the size at which the journal folds itself
   bool isIncomplete_ = false;  // a record could not be written: the next one begins with a snapshot
   bool hasTold_ = false;
+  bool hasDragStep_ = false;  // something has taken a step while a drag is under way
 
   // What has been recorded of the workspace.
   std::string name_;
