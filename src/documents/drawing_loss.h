@@ -22,9 +22,9 @@ class DocumentSession;  // documents/document_session.h
 
 /// What an operation is about to do.
 struct Replacement {
-  std::string reason;                   ///< what it is, done: "Opened Plan"
-  const Drawing* drawing = nullptr;     ///< what takes the place; null: an empty drawing
-  bool replacesDrawing = true;          ///< the open drawing goes
+  std::string reason;                        ///< what it is, done: "Opened Plan"
+  const Drawing* drawing = nullptr;          ///< what takes the place; null: an empty drawing
+  bool replacesDrawing = true;               ///< the open drawing goes
   std::optional<FilePath> writtenFile = {};  ///< the file that is written over
 };
 
