@@ -229,7 +229,7 @@ std::vector<Command> makeTable() {
       {.word = "kept",
        .usage = "kept [restore <n>]",
        .summary = "list drawings kept before they were replaced, or bring one back as an edit",
-       .example = "kept restore 1",
+       .example = "kept",
        .completions = {{.words = {"restore"}}},
        .parse = parseKept},
       {.word = "more",
