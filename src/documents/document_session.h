@@ -126,7 +126,7 @@ class DocumentSession {
   void withoutKeeping(const std::function<void()>& work);
   /// The newest first; none where nothing is kept.
   std::vector<KeptDrawing> keptDrawings() const;
-  /// Its drawing takes the place of the open one as one undo step. Wall systems stay, and missing ones come.
+  /// Its drawing takes the place of the open one as one undo step, wall systems included.
   void restoreKeptDrawing(const std::string& id);
   /// As a new document that is not saved yet, in the place of the open one.
   void openKeptDrawing(const std::string& id);

@@ -20,7 +20,7 @@ namespace {
 
 // Nothing is drawn, and there are no wall systems but those that would be there anyway.
 bool isEmpty(const Drawing& drawing, const std::vector<WallSystemSpec>& usualSystems) {
-  return drawing.entities.empty() &&
+  return drawing.entities.empty() && drawing.plan.empty() &&
          (drawing.wallSystemSpecs.empty() || drawing.wallSystemSpecs == usualSystems);
 }
 

@@ -25,7 +25,7 @@ std::optional<std::string> earlierCopy(const KeptDrawings& store, const LostDraw
       }
       const auto& document = std::get<SketchDocumentV2>(lost.content);
       const Drawing drawing = readKept(store, kept.id, Drawing()).drawing;
-      const Drawing ours{document.e, document.ws.items, UUID(), document.grid};
+      const Drawing ours{document.e, document.ws.items, UUID(), document.grid, document.plan};
       return isSameDrawing(drawing, ours) ? std::optional(kept.id) : std::nullopt;
     } catch (const UserError&) {
       return std::nullopt;
@@ -100,13 +100,13 @@ void DocumentSession::restoreKeptDrawing(const std::string& id) {
   Drawing kept = keptDrawing(id);
   if (isSameDrawing(kept, sketch_.drawing)) return;
   const auto scope = change();
-  sketch_.edit([&](Drawing& drawing) {
-    drawing.entities = std::move(kept.entities);
-    // Undo does not bring wall systems back, so those that there are stay as they are.
-    for (WallSystemSpec& system : kept.wallSystemSpecs) {
-      if (drawing.wallSystem(system.id) == nullptr) drawing.wallSystemSpecs.push_back(std::move(system));
-    }
-  });
+  sketch_.edit(
+      [&](Drawing& drawing) {
+        drawing.entities = std::move(kept.entities);
+        drawing.plan = std::move(kept.plan);
+        drawing.wallSystemSpecs = std::move(kept.wallSystemSpecs);
+      },
+      UndoStep::withWallSystems);
   sketch_.keepSelectionOfEntities();
 }
 
