@@ -151,9 +151,26 @@ void Application::openSamplePlan() {
     replaceOrReport([this] {
       workspace_.document.begin();
       workspace_.document.adopt(SketchDocumentIO::decodeDocument(kSamplePlan));
-      // Laid out now, or the window would centre the origin over the fitted view.
-      workspace_.board.resizeCanvas(workspace_.board.view->canvasSize);
-      workspace_.board.zoomToFit(workspace_.board.view->canvasSize);
+      showWholeDrawing();
+    });
+  });
+}
+
+void Application::showWholeDrawing() {
+  const SketchSize canvas = workspace_.board.view->canvasSize;
+  // Laid out now, or the window would centre the origin over the fitted view.
+  workspace_.board.resizeCanvas(canvas);
+  workspace_.board.zoomToFit(canvas);
+}
+
+void Application::openAsNewDocument(OpenedDocument document, const std::string& report) {
+  beforeReplacing([this, document = std::move(document), report] {
+    replaceOrReport([this, document, report] {
+      const ChangeScope scope = workspace_.change();
+      workspace_.document.adoptUnsaved(document, SketchUndoStack(), std::nullopt, std::nullopt,
+                                       "Opened " + document.name);
+      showWholeDrawing();
+      workspace_.messages.appendSystem(report);
     });
   });
 }
@@ -302,6 +319,11 @@ void Application::discardJournal(const std::string& id) {
   if (!journal_) throw UserError("There are no journals here.");
   journal_->discard(id);
   journalDealtWith(id);
+}
+
+std::function<Drawing()> Application::drawingOfJournal(const std::string& id) const {
+  if (!journal_) throw UserError("There are no journals here.");
+  return journal_->looking(id);
 }
 
 void Application::journalDealtWith(const std::string& id) {

@@ -22,6 +22,7 @@
 #include "core/observable.h"
 #include "documents/app_settings.h"
 #include "documents/auto_save.h"
+#include "documents/opened_document.h"
 #include "platform/dialogs.h"
 #include "platform/host.h"
 #include "platform/user_defaults.h"
@@ -64,6 +65,7 @@ struct WindowActions {
   std::function<void()> showPrint;
   std::function<void()> showManual;
   std::function<void()> showShortcuts;
+  std::function<void()> showHistory;
   std::function<void()> close;  ///< asks the main window to close
 };
 
@@ -106,6 +108,8 @@ class Application {
   /// Asks which document, starting in the folder used last, and opens it.
   void openDocumentWithPanel();
   void openDocumentAt(const FilePath& url);
+  /// What was drawn at another time becomes a new document that is not saved anywhere; `report` is said then.
+  void openAsNewDocument(OpenedDocument document, const std::string& report);
   void save();
   void saveAs();
   /// Starts the auto-save timer afresh.
@@ -146,6 +150,8 @@ class Application {
   /// Throw `UserError`.
   void recoverJournal(const std::string& id);
   void discardJournal(const std::string& id);
+  /// Reads the drawing that recovering would bring back, on any thread; it throws `UserError`.
+  std::function<Drawing()> drawingOfJournal(const std::string& id) const;
   /// They are offered again by the next start.
   void keepJournalsForLater();
 
@@ -170,6 +176,7 @@ class Application {
   void replaceOrReport(std::function<void()> replace);
   void orThrow(std::function<void()> replace);
   void showKeptNotice();
+  void showWholeDrawing();
 
   Host host_;
   UserDefaults& defaults_;

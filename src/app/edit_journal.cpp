@@ -31,6 +31,36 @@ std::string changesText(std::uint64_t changes) {
   return changes == 1 ? "1 change" : std::to_string(changes) + " changes";
 }
 
+// What a journal brings back.
+struct Recovered {
+  JournalReplay replay;
+  std::optional<DocumentOnDisk> file;      // the one that it goes out from, as it is there
+  std::optional<SketchViewport> viewport;  // of that file
+  bool hasBase = false;                    // else only what the journal itself holds
+};
+
+Recovered recovered(FileSystem& files, const LeftJournal& journal, const Drawing& before) {
+  Recovered result;
+  const JournalBase& base = journal.content.base;
+  std::optional<JournalState> start = snapshotState(base);
+  if (journal.isOnFile) {
+    DocumentReading reading(base.file->path);
+    reading.read(files);
+    result.file = reading.onDisk();
+    OpenedDocument opened = openedDocument(reading.document(), before);
+    result.viewport = opened.viewport;
+    if (!start) {
+      start.emplace(JournalState{opened.name, std::move(opened.drawing), SketchUndoStack()});
+      start->undo.replaceUndoSnapshots(std::move(opened.undo));
+    }
+  }
+  result.hasBase = start.has_value();
+  result.replay =
+      replayJournal(journal.content.entries, result.hasBase ? std::move(*start) : placeholderState(base));
+  if (!result.hasBase) dropPlaceholders(result.replay.state);
+  return result;
+}
+
 }  // namespace
 
 EditJournal::EditJournal(Workspace& workspace, FilePath folder)
@@ -257,33 +287,15 @@ void EditJournal::recover(const std::string& id) {
   FileSystem& files = workspace_.host().files;
   LeftJournal journal = left(id);
   const JournalBase& base = journal.content.base;
-
-  // What the records go out from.
-  std::optional<DocumentOnDisk> file;
-  std::optional<JournalState> before = snapshotState(base);
-  SketchViewport viewport = workspace_.board.viewport();
-  std::string name = base.name;
-  if (journal.isOnFile) {
-    DocumentReading reading(base.file->path);
-    reading.read(files);
-    file = reading.onDisk();
-    OpenedDocument opened = openedDocument(reading.document(), workspace_.sketch.drawing);
-    viewport = opened.viewport;
-    if (!before) {
-      before.emplace(JournalState{opened.name, std::move(opened.drawing), SketchUndoStack()});
-      before->undo.replaceUndoSnapshots(std::move(opened.undo));
-    }
-  }
-  const bool hasBase = before.has_value();
-  JournalReplay replayed =
-      replayJournal(journal.content.entries, hasBase ? std::move(*before) : placeholderState(base));
-  if (!hasBase) dropPlaceholders(replayed.state);
+  const Recovered result = recovered(files, journal, workspace_.sketch.drawing);
+  const auto& [replayed, file, viewport, hasBase] = result;
 
   // From here on it is our own journal that holds it.
   const ChangeScope scope = workspace_.change();
   const JournalState& state = replayed.state;
-  workspace_.document.adoptUnsaved({state.name, state.drawing, viewport, {}}, state.undo, file,
-                                   file ? base.file->savedAt : std::nullopt, "Recovered " + state.name);
+  workspace_.document.adoptUnsaved(
+      {state.name, state.drawing, viewport.value_or(workspace_.board.viewport()), {}}, state.undo, file,
+      file ? base.file->savedAt : std::nullopt, "Recovered " + state.name);
   followBasis();
   changes_ = journal.content.changes();
   base_.changedAt = journal.content.changedAt();
@@ -318,6 +330,12 @@ void EditJournal::recover(const std::string& id) {
   } catch (const FileError& error) {
     messages.append(error.what(), true, false);
   }
+}
+
+std::function<Drawing()> EditJournal::looking(const std::string& id) const {
+  return [&files = workspace_.host().files, folder = folder_, id] {
+    return recovered(files, journalToLookAt(files, folder, id), Drawing()).replay.state.drawing;
+  };
 }
 
 void EditJournal::discard(const std::string& id) {

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -52,6 +53,9 @@ class EditJournal {
   void recover(const std::string& id);
   /// Gone for good. Throws `UserError`.
   void discard(const std::string& id);
+  /// Gives the drawing that recovering would bring back, and leaves the journal as it is. To be called from
+  /// any thread, also after this object's end. Throws `UserError`.
+  std::function<Drawing()> looking(const std::string& id) const;
 
  private:
   void changed();

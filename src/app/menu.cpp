@@ -131,6 +131,7 @@ constexpr std::array kMenuCommands{
         [](Application& app) { promptForCheckpoint(app.workspace().document); }),
     row("File", "Create Branch…", "", [](Application& app) { promptForBranch(app.workspace().document); }),
     submenu("File", "Switch Branch", branchChoices),
+    row("File", "History…", "", [](Application& app) { runIfThere(app.windowActions().showHistory); }),
     separator("File"),
     row("File", "Revert to Last Autosave", "", [](Application& app) { app.revertToLastAutosave(); }),
     separator("File"),

@@ -2,9 +2,11 @@
 
 #include <utility>
 
+#include "documents/document_name.h"
 #include "documents/document_paths.h"
 #include "documents/history_files.h"
 #include "documents/sketch_document_io.h"
+#include "platform/file_beginning.h"
 #include "platform/unicode.h"
 #include "platform/uuid.h"
 
@@ -221,6 +223,17 @@ FilePath checkpointURL(const FilePath& url, const std::string& branchID, const s
 std::string readCheckpoint(FileSystem& files, const FilePath& url, const std::string& branchID,
                            const std::string& fileName) {
   return files.readFile(checkedForLinks(files, url, checkpointURL(url, branchID, fileName)));
+}
+
+std::optional<std::string> checkpointDocumentName(FileSystem& files, const FilePath& url,
+                                                  const std::string& branchID, const std::string& fileName) {
+  try {
+    const FilePath snapshot = checkedForLinks(files, url, checkpointURL(url, branchID, fileName));
+    if (auto name = documentNameIn(readBeginning(files, snapshot, kDocumentNameReach))) return name;
+    return documentNameIn(files.readFile(snapshot));
+  } catch (const UserError&) {
+    return std::nullopt;
+  }
 }
 
 void writeHistoryMetadata(FileSystem& files, const FilePath& url, const DocumentHistoryMetadata& metadata) {

@@ -71,6 +71,10 @@ FilePath checkpointURL(const FilePath& url, const std::string& branchID, const s
 /// The snapshot's bytes.
 std::string readCheckpoint(FileSystem& files, const FilePath& url, const std::string& branchID,
                            const std::string& fileName);
+/// The name of the document that a checkpoint is one of: all documents of a folder share its history. Absent
+/// where the snapshot cannot be read.
+std::optional<std::string> checkpointDocumentName(FileSystem& files, const FilePath& url,
+                                                  const std::string& branchID, const std::string& fileName);
 /// Writes `meta.json`.
 void writeHistoryMetadata(FileSystem& files, const FilePath& url, const DocumentHistoryMetadata& metadata);
 /// The same, up to where it takes the place of the old one.

@@ -43,6 +43,23 @@ void saveCheckpointWithReport(DocumentSession& document, const std::string& mess
   });
 }
 
+void askForBranch(DocumentSession& document, const std::string& text,
+                  const std::optional<std::string>& sourceCheckpointID) {
+  TextPrompt prompt;
+  prompt.title = "Create Branch";
+  prompt.informativeText = text;
+  prompt.initialText = "option-" + std::to_string(document.history->metadata.branches.size());
+  prompt.confirmButton = "Create Branch";
+  document.host().dialogs.ask(prompt, [&document, sourceCheckpointID](const DialogAnswer& answer) {
+    if (!answer) return;
+    try {
+      report(document, "Branch created: " + document.createBranch(*answer, sourceCheckpointID).name);
+    } catch (const UserError& error) {
+      reportFailure(document, std::string("Branch failed: ") + error.what());
+    }
+  });
+}
+
 }  // namespace
 
 void promptForCheckpoint(DocumentSession& document) {
@@ -64,19 +81,13 @@ void promptForBranch(DocumentSession& document) {
     reportFailure(document, "Create a checkpoint before branching.");
     return;
   }
-  TextPrompt prompt;
-  prompt.title = "Create Branch";
-  prompt.informativeText = "Create a branch from the current branch head.";
-  prompt.initialText = "option-" + std::to_string(document.history->metadata.branches.size());
-  prompt.confirmButton = "Create Branch";
-  document.host().dialogs.ask(prompt, [&document](const DialogAnswer& answer) {
-    if (!answer) return;
-    try {
-      report(document, "Branch created: " + document.createBranch(*answer).name);
-    } catch (const UserError& error) {
-      reportFailure(document, std::string("Branch failed: ") + error.what());
-    }
-  });
+  askForBranch(document, "Create a branch from the current branch head.", std::nullopt);
+}
+
+void promptForBranchFrom(DocumentSession& document, const std::string& checkpointID,
+                         const std::string& message) {
+  document.refreshHistory();
+  askForBranch(document, "Create a branch from “" + message + "”.", checkpointID);
 }
 
 void switchBranchFromMenu(DocumentSession& document, const std::string& nameOrID) {

@@ -194,52 +194,69 @@ std::optional<std::string> JournalFile::takeFailure() {
 
 // --- Those of others
 
-std::vector<LeftJournal> leftJournals(FileSystem& files, const FilePath& folder,
-                                      const std::string& ownSession) {
-  std::vector<LeftJournal> left;
-  if (!files.exists(folder)) return left;
-  struct Session {
-    std::map<int, FilePath> journals;
-  };
-  std::map<std::string, Session> sessions;
+namespace {
+
+// The journals of each session by their numbers.
+std::map<std::string, std::map<int, FilePath>> sessionsIn(FileSystem& files, const FilePath& folder) {
+  std::map<std::string, std::map<int, FilePath>> sessions;
+  if (!files.exists(folder)) return sessions;
   for (const std::string& name : files.list(folder)) {
     const std::string session = name.substr(0, std::min(name.size(), kIDLength));
-    if (!UUID::parse(session) || session == ownSession) continue;
+    if (!UUID::parse(session)) continue;
     if (name == session + std::string(kMarkerEnd)) {
       sessions[session];
     } else if (const auto number = numberOf(name)) {
-      sessions[session].journals.emplace(*number, folder / name);
+      sessions[session].emplace(*number, folder / name);
     }
   }
-  for (auto& [session, found] : sessions) {
+  return sessions;
+}
+
+struct NewestJournal {
+  std::optional<JournalContent> content;  // of the highest number that can be read, settled on its file
+  bool isForeign = false;                 // there is one of another version
+  bool isOnFile = false;
+};
+
+NewestJournal readNewest(FileSystem& files, const std::map<int, FilePath>& journals) {
+  NewestJournal newest;
+  for (auto one = journals.rbegin(); one != journals.rend() && !newest.content; ++one) {
+    const std::string bytes = files.readFile(one->second);
+    newest.content = readJournal(bytes);
+    newest.isForeign = newest.isForeign || (!newest.content && isJournalOfAnotherVersion(bytes));
+  }
+  if (!newest.content) return newest;
+  const auto hashOfFile = [&](const FilePath& path) -> std::optional<std::uint64_t> {
+    const auto info = files.info(path);
+    if (!info || !info->isRegularFile) return std::nullopt;
+    return contentHash(files.readFile(path));
+  };
+  newest.isOnFile = settleOnFile(*newest.content, hashOfFile);
+  return newest;
+}
+
+}  // namespace
+
+std::vector<LeftJournal> leftJournals(FileSystem& files, const FilePath& folder,
+                                      const std::string& ownSession) {
+  std::vector<LeftJournal> left;
+  for (const auto& [session, journals] : sessionsIn(files, folder)) {
+    if (session == ownSession) continue;
     LeftJournal journal;
     journal.session = session;
     try {
       journal.marker = files.tryLockFile(markerPath(folder, session));
       if (!journal.marker) continue;  // its process lives
-      std::optional<JournalContent> content;
-      bool isForeign = false;
-      for (auto one = found.journals.rbegin(); one != found.journals.rend(); ++one) {
-        journal.paths.push_back(one->second);
-        if (content) continue;
-        const std::string bytes = files.readFile(one->second);
-        content = readJournal(bytes);
-        isForeign = isForeign || (!content && isJournalOfAnotherVersion(bytes));
+      for (auto one = journals.rbegin(); one != journals.rend(); ++one) journal.paths.push_back(one->second);
+      NewestJournal newest = readNewest(files, journals);
+      if (newest.isForeign) continue;  // what another version can read is not for us to remove
+      if (newest.content && newest.content->changes() > 0) {
+        journal.isOnFile = newest.isOnFile;
+        journal.content = *std::move(newest.content);
+        left.push_back(std::move(journal));
+      } else {
+        removeLeftJournal(files, folder, journal);
       }
-      if (isForeign) continue;  // what another version can read is not for us to remove
-      if (content) {
-        journal.isOnFile = settleOnFile(*content, [&](const FilePath& path) -> std::optional<std::uint64_t> {
-          const auto info = files.info(path);
-          if (!info || !info->isRegularFile) return std::nullopt;
-          return contentHash(files.readFile(path));
-        });
-        if (content->changes() > 0) {
-          journal.content = std::move(*content);
-          left.push_back(std::move(journal));
-          continue;
-        }
-      }
-      removeLeftJournal(files, folder, journal);
     } catch (const FileError&) {
       // What cannot be read now may be read by another start.
     }
@@ -248,6 +265,16 @@ std::vector<LeftJournal> leftJournals(FileSystem& files, const FilePath& folder,
     return a.content.changedAt() > b.content.changedAt();
   });
   return left;
+}
+
+LeftJournal journalToLookAt(FileSystem& files, const FilePath& folder, const std::string& session) {
+  LeftJournal journal;
+  journal.session = session;
+  NewestJournal newest = readNewest(files, sessionsIn(files, folder)[session]);
+  if (!newest.content) throw FileError("There is no journal " + session + " to recover.");
+  journal.isOnFile = newest.isOnFile;
+  journal.content = *std::move(newest.content);
+  return journal;
 }
 
 void removeLeftJournal(FileSystem& files, const FilePath& folder, const LeftJournal& journal) {

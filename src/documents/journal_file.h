@@ -70,6 +70,9 @@ struct LeftJournal {
 /// Those that hold more than their files do, the one changed last first. What holds no more is removed.
 std::vector<LeftJournal> leftJournals(FileSystem& files, const FilePath& folder,
                                       const std::string& ownSession);
+/// One of them, to be looked at: without its marker, so that it can be dealt with meanwhile. Throws
+/// `FileError` where it is gone.
+LeftJournal journalToLookAt(FileSystem& files, const FilePath& folder, const std::string& session);
 /// Removes the journals of a process that is gone, and its marker.
 void removeLeftJournal(FileSystem& files, const FilePath& folder, const LeftJournal& journal);
 

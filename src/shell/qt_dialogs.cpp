@@ -90,6 +90,9 @@ void layOutColumns(QFileDialog& panel) {
 
 void QtDialogs::ask(const DialogRequest& request, std::function<void(DialogAnswer)> answered) {
   QWidget* window = window_;
+  for (const QPointer<QWidget>& other : otherWindows_) {
+    if (other != nullptr && other->isActiveWindow()) window = other;
+  }
   if (window == nullptr) {
     answered(std::nullopt);
     return;

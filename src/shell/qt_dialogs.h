@@ -4,6 +4,7 @@
 
 #include <QPointer>
 #include <QWidget>
+#include <vector>
 
 #include "platform/dialogs.h"
 #include "shell/theme.h"
@@ -16,6 +17,8 @@ class QtDialogs final : public Dialogs {
   explicit QtDialogs(Theme& theme, QString folder = {}) : theme_(theme), lastFolder_(std::move(folder)) {}
   /// The window over which questions are asked. Without one they are cancelled.
   void setWindow(QWidget* window) { window_ = window; }
+  /// Another one, over which they are asked while it is the active one.
+  void addWindow(QWidget* window) { otherWindows_.emplace_back(window); }
 
   void ask(const DialogRequest& request, std::function<void(DialogAnswer)> answered) override;
   bool confirmsReplacing() const override { return true; }
@@ -28,6 +31,7 @@ class QtDialogs final : public Dialogs {
   Theme& theme_;
   QString lastFolder_;
   QPointer<QWidget> window_;
+  std::vector<QPointer<QWidget>> otherWindows_;
 };
 
 }  // namespace ostrelon

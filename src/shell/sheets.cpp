@@ -8,7 +8,9 @@
 
 #include "platform/dialogs.h"
 #include "platform/user_error.h"
+#include "shell/accessibility.h"
 #include "shell/date_text.h"
+#include "shell/picture_shelf.h"
 #include "shell/qt_text.h"
 
 namespace ostrelon {
@@ -56,6 +58,43 @@ class CandidateBox final : public QWidget {
 };
 
 constexpr std::size_t kMostJournalRows = 4;
+constexpr int kJournalSheetWidth = 560;
+constexpr QSize kJournalPictureSize(76, 56);
+
+// What recovering a journal would bring back, drawn once it has been read.
+class JournalPicture final : public QWidget {
+ public:
+  JournalPicture(Application& application, Theme& theme, PictureShelf& shelf, const RecoverableJournal& offer)
+      : theme_(theme), shelf_(shelf), key_(qtText(offer.id)), read_(application.drawingOfJournal(offer.id)) {
+    setFixedSize(shelf.size());
+    setAccessibleRole(*this, QAccessible::Graphic);
+    setAccessibleName(QStringLiteral("Picture of %1").arg(qtText(offer.documentName)));
+    connect(&shelf, &PictureShelf::arrived, this, [this] {
+      setAccessibleDescription(shelf_.content(key_));
+      setToolTip(shelf_.content(key_));
+      update();
+    });
+  }
+
+ protected:
+  void paintEvent(QPaintEvent* /*event*/) override {
+    QPainter painter(this);
+    const SmallPicture* picture = shelf_.find(key_, read_, devicePixelRatioF());
+    if (picture != nullptr && !picture->image.isNull()) {
+      painter.drawImage(QPoint(0, 0), picture->image);
+    } else {
+      painter.fillRect(rect(), theme_.background());
+    }
+    paintBox(painter, rect(), 2, QColor(), theme_.border());
+  }
+
+ private:
+  Theme& theme_;
+  PictureShelf& shelf_;
+  QString key_;
+  PictureShelf::Read read_;
+};
+
 constexpr const char* kDiscard = "Discard";
 
 QString journalText(const RecoverableJournal& offer) {
@@ -179,7 +218,7 @@ AutoSaveRecoverySheet::AutoSaveRecoverySheet(Application& application, Theme& th
 }
 
 JournalRecoverySheet::JournalRecoverySheet(Application& application, Theme& theme, QWidget& window)
-    : DialogSheet(theme, window, kSheetWidth, kSheetPadding) {
+    : DialogSheet(theme, window, kJournalSheetWidth, kSheetPadding) {
   setObjectName(QStringLiteral("journalRecovery"));
   setAccessibleName(QStringLiteral("Recover unsaved changes?"));
   addText(*this, theme, TextStyle::display, QStringLiteral("Recover unsaved changes?"));
@@ -189,6 +228,7 @@ JournalRecoverySheet::JournalRecoverySheet(Application& application, Theme& them
       QStringLiteral("Ostrelon ended before these changes were saved. Recovering leaves the files as they "
                      "are until you save."));
   const std::vector<RecoverableJournal>& offers = *application.journalOffers;
+  auto* shelf = new PictureShelf(application.host().scheduler, theme, kJournalPictureSize, this);
   const auto addRowButton = [&](QHBoxLayout& row, const char* title, const QString& name, auto clicked) {
     auto* button = new Button(theme, Button::Kind::outlined, QString::fromUtf8(title));
     button->setObjectName(name);
@@ -203,8 +243,13 @@ JournalRecoverySheet::JournalRecoverySheet(Application& application, Theme& them
     content().addSpacing(16);
     auto* row = new QHBoxLayout;
     row->setSpacing(8);
+    auto* picture = new JournalPicture(application, theme, *shelf, offer);
+    picture->setObjectName(name + QStringLiteral(".picture"));
+    row->addWidget(picture);
+    row->addSpacing(4);
     auto* texts = new QVBoxLayout;
     texts->setSpacing(0);
+    texts->addStretch();
     auto* title =
         new TextLabel(theme, TextStyle::bodyStrong, TextLabel::Rank::primary, qtText(offer.documentName));
     title->setObjectName(name + QStringLiteral(".name"));
@@ -214,6 +259,7 @@ JournalRecoverySheet::JournalRecoverySheet(Application& application, Theme& them
     auto* story = new TextLabel(theme, TextStyle::small, TextLabel::Rank::primary, journalText(offer));
     story->setElision(Qt::ElideRight);
     texts->addWidget(story);
+    texts->addStretch();
     row->addLayout(texts, 1);
     addRowButton(*row, kDiscard, name + QStringLiteral(".discard"),
                  [&application, offer] { askAndDiscard(application, offer); });

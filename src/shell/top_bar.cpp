@@ -15,6 +15,7 @@ constexpr int kGap = 8;
 constexpr int kDot = 7;
 constexpr int kBranchIcon = 14;
 constexpr int kBranchGap = 6;
+constexpr int kBranchPadding = 6;
 // The least that is left of a cut word, and what is readable of it without effort.
 constexpr int kLeastName = 64;
 constexpr int kLeastBranch = 36;
@@ -41,10 +42,52 @@ FieldMask shownFields(const Workspace& workspace) {
 
 }  // namespace
 
-DocumentTitle::DocumentTitle(Theme& theme, QWidget* parent) : QLabel(parent), theme_(theme) {
+// The branch of the title: its icon and as much of its name as there is room for.
+class DocumentTitle::BranchButton final : public QPushButton {
+ public:
+  BranchButton(Theme& theme, QWidget* parent) : QPushButton(parent), theme_(theme) {
+    setObjectName(QStringLiteral("topMenuBar.branch"));
+    setFocusPolicy(Qt::TabFocus);
+    setAttribute(Qt::WA_Hover);
+  }
+
+ protected:
+  void paintEvent(QPaintEvent* /*event*/) override {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (isDown() || underMouse()) {
+      paintBox(painter, QRectF(rect()), 6, isDown() ? theme_.border() : theme_.muted(), QColor());
+    }
+    const QColor ink = isDown() || underMouse() ? theme_.foreground() : theme_.secondaryOnCard();
+    paintIcon(painter, Icon::branch, QRectF(kBranchPadding, 0, kBranchIcon, height()), kBranchIcon, ink);
+    const int left = kBranchPadding + kBranchIcon + kBranchGap;
+    const QFont font = fontOf(TextStyle::body);
+    painter.setFont(font);
+    painter.setPen(ink);
+    const int room = width() - left - kBranchPadding;
+    if (room <= 0) return;
+    painter.drawText(QRect(left, 0, room + 2, height()), Qt::AlignVCenter | Qt::AlignLeft,
+                     elided(text(), font, Qt::ElideRight, room));
+  }
+  void keyPressEvent(QKeyEvent* event) override {
+    if (isPressingKey(*event)) {
+      click();
+    } else {
+      QPushButton::keyPressEvent(event);
+    }
+  }
+
+ private:
+  Theme& theme_;
+};
+
+DocumentTitle::DocumentTitle(Theme& theme, QWidget* parent)
+    : QLabel(parent), theme_(theme), branchButton_(new BranchButton(theme, this)) {
   setObjectName(QStringLiteral("topMenuBar.document"));
   connect(&theme, &Theme::changed, this, [this] { update(); });
 }
+
+QPushButton& DocumentTitle::branchButton() { return *branchButton_; }
 
 void DocumentTitle::setDocument(const QString& name, bool isEdited, const QString& branch) {
   name_ = name;
@@ -52,7 +95,26 @@ void DocumentTitle::setDocument(const QString& name, bool isEdited, const QStrin
   branch_ = branch;
   setAccessibleName(QStringLiteral("%1%2, branch %3").arg(name, isEdited ? ", edited" : "", branch));
   setToolTip(QStringLiteral("%1%2\nBranch %3").arg(name, isEdited ? " — edited" : "", branch));
+  branchButton_->setText(branch);
+  branchButton_->setAccessibleName(QStringLiteral("Branch %1, show the history").arg(branch));
+  branchButton_->setToolTip(QStringLiteral("Branch %1: show the history").arg(branch));
+  placeBranch();
   update();
+}
+
+void DocumentTitle::placeBranch() {
+  const Room room = roomForWords(width());
+  const int nameWidth =
+      QFontMetrics(fontOf(TextStyle::bodyStrong))
+          .horizontalAdvance(elided(name_, fontOf(TextStyle::bodyStrong), Qt::ElideMiddle, room.name));
+  const int words = room.branch > 0 ? kBranchGap + room.branch : 0;
+  branchButton_->setGeometry(nameWidth + marksWidth() - kBranchIcon - kBranchPadding, 2,
+                             kBranchIcon + words + 2 * kBranchPadding, height() - 4);
+}
+
+void DocumentTitle::resizeEvent(QResizeEvent* event) {
+  QLabel::resizeEvent(event);
+  placeBranch();
 }
 
 int DocumentTitle::marksWidth() const {
@@ -67,7 +129,7 @@ DocumentTitle::Room DocumentTitle::wholeWords() const {
 
 DocumentTitle::Room DocumentTitle::roomForWords(int width) const {
   const Room whole = wholeWords();
-  const int room = std::max(0, width - marksWidth());
+  const int room = std::max(0, width - marksWidth() - kBranchPadding);
   const int leastBranch = std::min(whole.branch, kLeastBranch);
   const int forBoth = room - kBranchGap;
   if (forBoth < std::min(whole.name, kLeastName) + leastBranch) return {.name = std::min(whole.name, room)};
@@ -77,13 +139,13 @@ DocumentTitle::Room DocumentTitle::roomForWords(int width) const {
 
 QSize DocumentTitle::sizeHint() const {
   const Room whole = wholeWords();
-  return {marksWidth() + whole.name + kBranchGap + whole.branch, 28};
+  return {marksWidth() + whole.name + kBranchGap + whole.branch + kBranchPadding, 28};
 }
 
 int DocumentTitle::readableWidth() const {
   const Room whole = wholeWords();
   return marksWidth() + std::min(whole.name, kReadableName) + kBranchGap +
-         std::min(whole.branch, kReadableBranch);
+         std::min(whole.branch, kReadableBranch) + kBranchPadding;
 }
 
 void DocumentTitle::paintEvent(QPaintEvent* /*event*/) {
@@ -91,7 +153,6 @@ void DocumentTitle::paintEvent(QPaintEvent* /*event*/) {
   painter.setRenderHint(QPainter::Antialiasing);
   const Room room = roomForWords(width());
   const QFont strong = fontOf(TextStyle::bodyStrong);
-  const QFont plain = fontOf(TextStyle::body);
   int x = 0;
   const auto drawWords = [&](const QString& words, const QColor& color) {
     painter.setPen(color);
@@ -108,15 +169,8 @@ void DocumentTitle::paintEvent(QPaintEvent* /*event*/) {
     x += kGap + kDot;
   }
   x += kGap;
-  painter.setFont(plain);
+  painter.setFont(fontOf(TextStyle::body));
   drawWords(QStringLiteral("·"), theme_.secondaryOnCard());
-  x += kGap;
-  paintIcon(painter, Icon::branch, QRectF(x, 0, kBranchIcon, height()), kBranchIcon,
-            theme_.secondaryOnCard());
-  x += kBranchIcon + kBranchGap;
-  if (room.branch > 0) {
-    drawWords(elided(branch_, plain, Qt::ElideRight, room.branch), theme_.secondaryOnCard());
-  }
 }
 
 TopMenuBarView::TopMenuBarView(Application& application, Theme& theme, QWidget* parent)
@@ -146,6 +200,8 @@ TopMenuBarView::TopMenuBarView(Application& application, Theme& theme, QWidget* 
   gridSwitch_->setToolTip(toolTipWithKey(QStringLiteral("Show the grid"), "⌘G"));
   connect(gridSwitch_, &QCheckBox::clicked, this,
           [this](bool checked) { setShowGrid(application_.workspace().sketch, checked); });
+  connect(&title_->branchButton(), &QPushButton::clicked, this,
+          [this] { runMenuCommand(application_, "File/History…"); });
   setTabOrder(actions_.back(), gridSwitch_);
   refresh();
 }

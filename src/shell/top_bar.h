@@ -10,19 +10,23 @@ namespace ostrelon {
 
 /// The document's name, a dot while it has unsaved changes, and the branch. Where not both fit, the branch is
 /// cut first, at its end, and then the name, in its middle; last the branch is shown by its icon alone. The
-/// tooltip holds both as they are.
+/// tooltip holds both as they are. The branch is a button.
 class DocumentTitle final : public QLabel {
  public:
   explicit DocumentTitle(Theme& theme, QWidget* parent = nullptr);
   void setDocument(const QString& name, bool isEdited, const QString& branch);
+  /// The branch, which can be pressed.
+  QPushButton& branchButton();
   QSize sizeHint() const override;
   /// Below this width, px, the name or the branch is hard to read.
   int readableWidth() const;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
+  class BranchButton;
   struct Room {
     int name = 0;
     int branch = 0;  ///< none where no word fits
@@ -31,8 +35,10 @@ class DocumentTitle final : public QLabel {
   Room wholeWords() const;
   /// What the marks take, and their gaps.
   int marksWidth() const;
+  void placeBranch();
 
   Theme& theme_;
+  BranchButton* branchButton_;
   QString name_;
   QString branch_;
   bool isEdited_ = false;

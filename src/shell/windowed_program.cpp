@@ -66,7 +66,7 @@ class EndSignals {
 }  // namespace
 
 WindowedProgram::WindowedProgram(Application& application, Theme& theme, QtDialogs& dialogs)
-    : application_(application), theme_(theme) {
+    : application_(application), theme_(theme), dialogs_(dialogs) {
   theme.setPalette(application.settings().activePalette);
   mainWindow_ = std::make_unique<MainWindow>(application, theme);
   inspector_ = new InspectorWindow(application.workspace(), theme, mainWindow_.get());
@@ -82,6 +82,7 @@ WindowedProgram::WindowedProgram(Application& application, Theme& theme, QtDialo
        .showPrint = [this] { (new PrintWindow(application_, theme_, mainWindow_.get()))->open(); },
        .showManual = [this] { manual().open(); },
        .showShortcuts = [this] { shortcuts().open(); },
+       .showHistory = [this] { history().open(); },
        .close = [this] { mainWindow_->close(); }});
 }
 
@@ -102,6 +103,14 @@ HelpWindow& WindowedProgram::shortcuts() {
     shortcuts_->page().showMarkdown(qtText(shortcutPage()));
   }
   return *shortcuts_;
+}
+
+HistoryWindow& WindowedProgram::history() {
+  if (history_ == nullptr) {
+    history_ = new HistoryWindow(application_, theme_, mainWindow_.get());
+    dialogs_.addWindow(history_);
+  }
+  return *history_;
 }
 
 SettingsWindow& WindowedProgram::settings() {

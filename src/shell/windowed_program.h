@@ -7,6 +7,7 @@
 #include "app/application.h"
 #include "shell/color_scheme_watcher.h"
 #include "shell/help_window.h"
+#include "shell/history_window.h"
 #include "shell/inspector_window.h"
 #include "shell/main_window.h"
 #include "shell/qt_dialogs.h"
@@ -28,17 +29,21 @@ class WindowedProgram {
   /// The windows of help, made when they are first asked for.
   HelpWindow& manual();
   HelpWindow& shortcuts();
+  /// Made when it is first asked for.
+  HistoryWindow& history();
   /// Shows the main window as the last run left it.
   void show();
 
  private:
   Application& application_;
   Theme& theme_;
+  QtDialogs& dialogs_;
   std::unique_ptr<MainWindow> mainWindow_;
   InspectorWindow* inspector_;          // owned by the main window
   SettingsWindow* settings_ = nullptr;  // owned by the main window
   HelpWindow* manual_ = nullptr;        // owned by the main window
   HelpWindow* shortcuts_ = nullptr;     // owned by the main window
+  HistoryWindow* history_ = nullptr;    // owned by the main window
   Subscription paletteSubscription_;
 };
 
