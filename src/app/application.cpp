@@ -39,8 +39,9 @@ Application::Application(ApplicationServices services, ApplicationOptions option
   workspace_.document.setDocumentsFolder(std::move(options.documentsFolder));
   if (!options.stateFolder.empty()) {
     journal_.emplace(workspace_, options.stateFolder / "journals");
+    keptFolder_ = options.stateFolder / "kept";
     workspace_.document.keepDrawingsIn(
-        KeptDrawings(host_.files, options.stateFolder / "kept", KeptLimits::ofSettings(defaults_)),
+        KeptDrawings(host_.files, keptFolder_, KeptLimits::ofSettings(defaults_)),
         [this] { showKeptNotice(); });
   }
   selectionSubscription_ = workspace_.observe(fieldsOf(workspace_.sketch.selection), [this](FieldMask) {

@@ -157,6 +157,8 @@ class Application {
 
   // --- Drawings that were kept before they were replaced
 
+  /// Where they lie; empty where none are kept.
+  const FilePath& keptFolder() const { return keptFolder_; }
   /// The newest first.
   std::vector<KeptDrawing> keptDrawings() const;
   /// Its drawing takes the place of the open one as one undo step. This and those below throw `UserError`.
@@ -187,6 +189,7 @@ class Application {
   CloseQuestion closeQuestion_;
   DocumentOpener opener_;
   bool asksInWindow_ = false;
+  FilePath keptFolder_;
   std::optional<AutoSaveController> autoSaveController_;
   std::optional<EditJournal> journal_;
   WindowActions windowActions_;

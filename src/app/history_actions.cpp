@@ -1,13 +1,16 @@
 #include "app/history_actions.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "app/application.h"
 #include "documents/history_prompts.h"
+#include "documents/restore_drawing.h"
+#include "platform/dialogs.h"
 
 namespace ostrelon {
 namespace {
+
+constexpr const char* kDelete = "Delete";
 
 std::string nameOf(const HistoryRow& row) { return "“" + row.title + "”"; }
 
@@ -17,31 +20,11 @@ void report(Application& application, const std::string& text) {
   messages.showToast(text, DocumentToastState::Style::success);
 }
 
-// Undo knows entities alone: systems are added where they are missing, and stay as they are where not.
-// Gives whether walls look different now.
-bool addMissingSystems(const Drawing& then, Drawing& now) {
-  bool differs = false;
-  for (const WallSystemSpec& system : then.wallSystemSpecs) {
-    const bool isUsed =
-        std::any_of(then.entities.begin(), then.entities.end(), [&](const SketchEntity& entity) {
-          const auto* wall = std::get_if<WallEntity>(&entity);
-          return wall != nullptr && wall->systemSpecID == system.id;
-        });
-    if (!isUsed) continue;
-    const WallSystemSpec* present = now.wallSystem(system.id);
-    if (present == nullptr) {
-      now.wallSystemSpecs.push_back(system);
-    } else if (*present != system) {
-      differs = true;
-    }
-  }
-  return differs;
-}
-
 }  // namespace
 
 HistoryActions historyActions(const HistoryGroup& group, const HistoryRow& row) {
-  return {row.checkpoint() != nullptr, group.branchID.has_value() && !group.isCurrentBranch};
+  return {row.checkpoint() != nullptr, group.branchID.has_value() && !group.isCurrentBranch,
+          row.kept() != nullptr};
 }
 
 void restoreFromHistory(Application& application, const HistoryRow& row, const Drawing& drawing) {
@@ -50,18 +33,8 @@ void restoreFromHistory(Application& application, const HistoryRow& row, const D
     report(application, "The drawing is already that of " + nameOf(row) + ".");
     return;
   }
-  const auto scope = application.workspace().change();
-  bool systemsDiffer = false;
-  sketch.edit([&](Drawing& open) {
-    systemsDiffer = addMissingSystems(drawing, open);
-    open.entities = drawing.entities;
-  });
-  sketch.keepSelectionOfEntities();
+  restoreDrawing(sketch, drawing);
   report(application, "Restored " + nameOf(row) + ".");
-  if (systemsDiffer) {
-    application.workspace().messages.appendSystem(
-        "Wall systems have changed since; the walls take their present sizes.");
-  }
 }
 
 void openFromHistory(Application& application, const HistoryRow& row, OpenedDocument document) {
@@ -76,8 +49,28 @@ void branchFromHistory(Application& application, const HistoryRow& row) {
 
 void switchFromHistory(Application& application, const HistoryRow& row) {
   if (const HistoryCheckpoint* checkpoint = row.checkpoint()) {
-    switchBranchFromMenu(application.workspace().document, checkpoint->branchID);
+    application.switchBranch(checkpoint->branchID);
   }
+}
+
+void deleteFromHistory(Application& application, const HistoryRow& row, std::function<void()> deleted) {
+  const HistoryKept* kept = row.kept();
+  if (kept == nullptr) return;
+  const Alert question{"Do you want to delete the kept drawing " + nameOf(row) + "?",
+                       "It cannot be brought back.",
+                       {"Cancel", kDelete},
+                       0,
+                       1};
+  application.host().dialogs.ask(
+      question, [&application, id = kept->id, deleted = std::move(deleted)](const DialogAnswer& answer) {
+        if (answer != kDelete) return;
+        try {
+          application.deleteKeptDrawing(id);
+        } catch (const UserError& error) {
+          application.workspace().messages.showToast(error.what(), DocumentToastState::Style::error);
+        }
+        deleted();
+      });
 }
 
 }  // namespace ostrelon

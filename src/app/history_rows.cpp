@@ -9,8 +9,7 @@
 
 #include "app/application.h"
 #include "documents/document_history.h"
-#include "documents/document_paths.h"
-#include "documents/named_drawing.h"
+#include "documents/kept_drawings.h"
 #include "documents/sketch_document_io.h"
 
 namespace ostrelon {
@@ -85,9 +84,30 @@ void addBranch(FileSystem& files, const HistoryQuery& query, const DocumentHisto
   }
 }
 
+// Of a document that was never saved all those count that were never saved either.
+void addKept(FileSystem& files, const HistoryQuery& query, std::vector<HistoryGroup>& groups) {
+  if (query.keptFolder.empty()) return;
+  HistoryGroup own{"Kept drawings", "kept before they were replaced", std::nullopt, false, false, {}};
+  HistoryGroup others{"Kept drawings of other documents", {}, std::nullopt, false, true, {}};
+  for (const KeptDrawing& kept : KeptDrawings(files, query.keptFolder).list()) {
+    const bool isOwn = kept.path == query.file;
+    HistoryRow row{kept.reason, {}, kept.keptAt, kept.name, HistoryKept{query.keptFolder, kept.id}};
+    if (!isOwn) {
+      row.title = kept.name;
+      row.note = kept.reason;
+    }
+    (isOwn ? own : others).rows.push_back(std::move(row));
+  }
+  for (HistoryGroup* group : {&own, &others}) {
+    if (!group->rows.empty()) groups.push_back(std::move(*group));
+  }
+}
+
 // How groups are ordered, before it goes by time.
 int rankOf(const HistoryGroup& group) {
-  if (group.isOfOtherDocument) return 3;
+  const bool isKept = group.rows.front().kept() != nullptr;
+  if (group.isOfOtherDocument) return isKept ? 5 : 4;
+  if (isKept) return 3;
   if (!group.branchID) return 0;
   return group.isCurrentBranch ? 1 : 2;
 }
@@ -96,7 +116,7 @@ int rankOf(const HistoryGroup& group) {
 
 HistoryQuery historyQuery(const Application& application) {
   const DocumentSession& document = application.workspace().document;
-  return {document.name, document.fileURL, application.settings().lastAutoSave};
+  return {document.name, document.fileURL, application.settings().lastAutoSave, application.keptFolder()};
 }
 
 HistoryGroups historyGroups(FileSystem& files, const HistoryQuery& query) {
@@ -116,6 +136,11 @@ HistoryGroups historyGroups(FileSystem& files, const HistoryQuery& query) {
     }
   }
   if (auto group = otherAutoSave(files, query)) groups.push_back(*std::move(group));
+  try {
+    addKept(files, query, groups);
+  } catch (const UserError& error) {
+    all.failure += (all.failure.empty() ? "" : " ") + std::string(error.what());
+  }
   std::stable_sort(groups.begin(), groups.end(), [](const HistoryGroup& a, const HistoryGroup& b) {
     if (rankOf(a) != rankOf(b)) return rankOf(a) < rankOf(b);
     return newest(a) > newest(b);
@@ -124,14 +149,15 @@ HistoryGroups historyGroups(FileSystem& files, const HistoryQuery& query) {
 }
 
 OpenedDocument readHistoryDrawing(FileSystem& files, const HistorySource& source) {
-  std::string bytes = std::visit(Overloaded{
-                                     [&](const HistoryFile& file) { return files.readFile(file.path); },
-                                     [&](const HistoryCheckpoint& checkpoint) {
-                                       return readCheckpoint(files, checkpoint.document, checkpoint.branchID,
-                                                             checkpoint.fileName);
-                                     },
-                                 },
-                                 source);
+  std::string bytes = std::visit(
+      Overloaded{
+          [&](const HistoryFile& file) { return files.readFile(file.path); },
+          [&](const HistoryCheckpoint& checkpoint) {
+            return readCheckpoint(files, checkpoint.document, checkpoint.branchID, checkpoint.fileName);
+          },
+          [&](const HistoryKept& kept) { return KeptDrawings(files, kept.folder).read(kept.id); },
+      },
+      source);
   OpenedDocument document = openedDocument(SketchDocumentIO::decodeDocument(std::move(bytes)), Drawing());
   document.undo.clear();
   return document;

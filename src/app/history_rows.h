@@ -25,6 +25,7 @@ struct HistoryQuery {
   std::string documentName;
   std::optional<FilePath> file;  ///< absent for a document that was never saved
   std::optional<AutoSaveRecoveryCandidate> lastAutoSave;
+  FilePath keptFolder;  ///< empty where no drawings are kept
   friend bool operator==(const HistoryQuery&, const HistoryQuery&) = default;
 };
 
@@ -43,8 +44,15 @@ struct HistoryCheckpoint {
   friend auto operator<=>(const HistoryCheckpoint&, const HistoryCheckpoint&) = default;
 };
 
+/// A drawing that was kept before it was replaced.
+struct HistoryKept {
+  FilePath folder;  ///< of all kept drawings
+  std::string id;
+  friend auto operator<=>(const HistoryKept&, const HistoryKept&) = default;
+};
+
 /// Where a row's drawing is read from. What a source names never changes, but for a file.
-using HistorySource = std::variant<HistoryFile, HistoryCheckpoint>;
+using HistorySource = std::variant<HistoryFile, HistoryCheckpoint, HistoryKept>;
 
 /// One state of a drawing.
 struct HistoryRow {
@@ -56,6 +64,7 @@ struct HistoryRow {
   friend bool operator==(const HistoryRow&, const HistoryRow&) = default;
 
   const HistoryCheckpoint* checkpoint() const { return std::get_if<HistoryCheckpoint>(&source); }
+  const HistoryKept* kept() const { return std::get_if<HistoryKept>(&source); }
 };
 
 /// Rows that belong together, newest first; never empty.
@@ -70,8 +79,8 @@ struct HistoryGroup {
 };
 
 struct HistoryGroups {
-  /// The file, the current branch, the others from the one that changed last, and in the end those of other
-  /// documents in the same order.
+  /// The file, the current branch, the others from the one that changed last, kept drawings, and in the end
+  /// those of other documents in the same order.
   std::vector<HistoryGroup> groups;
   /// Why there may be more than these; empty where nothing went wrong.
   std::string failure;

@@ -115,11 +115,7 @@ std::optional<std::string> DocumentSession::otherDocumentAtHead(const std::strin
     if (branch == nullptr || !branch->headCheckpointID) return std::nullopt;
     const DocumentCheckpoint* head = findCheckpointOf(state, *branch, *branch->headCheckpointID);
     if (head == nullptr) return std::nullopt;
-    std::string other =
-        openedDocument(
-            SketchDocumentIO::decodeDocument(readCheckpoint(host_.files, *url, branch->id, head->fileName)),
-            Drawing())
-            .name;
+    auto other = checkpointDocumentName(host_.files, *url, branch->id, head->fileName);
     if (other == *name) return std::nullopt;
     return other;
   } catch (const UserError&) {

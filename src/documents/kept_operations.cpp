@@ -5,6 +5,7 @@
 #include "documents/document_session.h"
 #include "documents/drawing_loss.h"
 #include "documents/opened_document.h"
+#include "documents/restore_drawing.h"
 #include "documents/sketch_document_io.h"
 
 namespace ostrelon {
@@ -97,17 +98,8 @@ Drawing DocumentSession::keptDrawing(const std::string& id) const {
 }
 
 void DocumentSession::restoreKeptDrawing(const std::string& id) {
-  Drawing kept = keptDrawing(id);
-  if (isSameDrawing(kept, sketch_.drawing)) return;
-  const auto scope = change();
-  sketch_.edit(
-      [&](Drawing& drawing) {
-        drawing.entities = std::move(kept.entities);
-        drawing.plan = std::move(kept.plan);
-        drawing.wallSystemSpecs = std::move(kept.wallSystemSpecs);
-      },
-      UndoStep::withWallSystems);
-  sketch_.keepSelectionOfEntities();
+  const Drawing kept = keptDrawing(id);
+  if (!isSameDrawing(kept, sketch_.drawing)) restoreDrawing(sketch_, kept);
 }
 
 void DocumentSession::openKeptDrawing(const std::string& id) {

@@ -5,9 +5,8 @@
 
 namespace ostrelon {
 
-/// The entities of another drawing take the place of those of the open one, as one undo step, and nothing
-/// else changes. Undo does not bring wall systems back: those that there are stay as they are, and missing
-/// ones are added.
+/// The entities, the plan and the wall systems of another drawing take the place of those of the open one, as
+/// one undo step. The grid, the view and the system that new walls take stay.
 void restoreDrawing(Sketch& sketch, const Drawing& then);
 
 }  // namespace ostrelon

@@ -46,6 +46,7 @@ QString pictureKey(const HistoryRow& row) {
                           return qtText((checkpoint.document.parent_path() / checkpoint.branchID).string() +
                                         "\n" + checkpoint.fileName);
                         },
+                        [](const HistoryKept& kept) { return QStringLiteral("kept ") + qtText(kept.id); },
                     },
                     row.source);
 }
@@ -203,7 +204,9 @@ void HistoryList::paintRow(QPainter& painter, const QRect& box, int line, bool i
   const QColor secondary = isSelected || isHovered ? theme().foreground() : theme().secondaryOnCard();
   drawLine(0, TextStyle::smallStrong, theme().foreground(), qtText(row->title));
   drawLine(19, TextStyle::small, theme().foreground(), model_.timeText(*row));
-  drawLine(38, TextStyle::small, secondary, shelf_.content(pictureKey(*row)));
+  QStringList facts{shelf_.content(pictureKey(*row)), qtText(row->note)};
+  facts.removeAll(QString());
+  drawLine(38, TextStyle::small, secondary, facts.join(QStringLiteral("  ·  ")));
 }
 
 QString HistoryList::toolTipText(int line, const QRect& /*box*/) const {

@@ -2,6 +2,7 @@
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QPointer>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
@@ -120,6 +121,7 @@ HistoryWindow::HistoryWindow(Application& application, Theme& theme, QWidget* ma
 
   connect(list_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { loadDrawing(); });
   connect(list_, &HistoryList::chosen, this, &HistoryWindow::restore);
+  connect(list_, &HistoryList::deletionAsked, this, &HistoryWindow::deleteKept);
   refreshDetails();
 }
 
@@ -166,6 +168,9 @@ QWidget* HistoryWindow::makeDetails() {
   status_->setFixedHeight(lineHeightOf(TextStyle::small));
   column->addSpacing(8);
   buttons_ = new Buttons(panel);
+  deleteButton_ = addButton(Button::Kind::dangerous, QStringLiteral("Delete"), "history.delete",
+                            QStringLiteral("Delete this kept drawing"), &HistoryWindow::deleteKept);
+  deleteButton_->setIconDrawing(Icon::bin, 16);
   branchButton_ =
       addButton(Button::Kind::outlined, QStringLiteral("New Branch from Here"), "history.branch",
                 QStringLiteral("Begin a branch with this checkpoint"), &HistoryWindow::branchFromHere);
@@ -314,6 +319,7 @@ void HistoryWindow::refreshDetails() {
   view_->setAccessibleDescription(facts_->text());
   branchButton_->setVisible(actions.newBranch);
   switchButton_->setVisible(actions.switchBranch);
+  deleteButton_->setVisible(actions.deletion);
   for (Button* button : {openButton_, restoreButton_}) {
     button->setVisible(row != nullptr);
     button->setEnabled(drawing != nullptr);
@@ -346,6 +352,14 @@ void HistoryWindow::branchFromHere() {
 
 void HistoryWindow::switchBranch() {
   if (const HistoryRow* row = chosenRow()) switchFromHistory(application_, *row);
+}
+
+void HistoryWindow::deleteKept() {
+  const HistoryRow* row = chosenRow();
+  if (row == nullptr) return;
+  deleteFromHistory(application_, *row, [self = QPointer<HistoryWindow>(this)] {
+    if (self != nullptr) self->reload();
+  });
 }
 
 // --- The window

@@ -59,6 +59,7 @@ class HistoryWindow final : public QWidget {
   void openAsNew();
   void branchFromHere();
   void switchBranch();
+  void deleteKept();
 
   Application& application_;
   Theme& theme_;
@@ -77,6 +78,7 @@ class HistoryWindow final : public QWidget {
   Button* openButton_ = nullptr;
   Button* branchButton_ = nullptr;
   Button* switchButton_ = nullptr;
+  Button* deleteButton_ = nullptr;
 
   HistoryGroups shown_;
   std::shared_ptr<Reading> reading_;  // under way
