@@ -129,6 +129,7 @@ TEST_F(HistoryRowsTest, RestoringIsOneStepAndTouchesNothingElse) {
   EXPECT_EQ(sketch.undoStack->undoSnapshots().size(), steps) << "it is that drawing already";
   board.undo();
   EXPECT_EQ(sketch.entities(), now.entities);
+  EXPECT_EQ(sketch.drawing->wallSystemSpecs, now.wallSystemSpecs);
 }
 
 TEST_F(HistoryRowsTest, OpeningAsNewAsksAboutUnsavedChangesAndLeavesTheFile) {
