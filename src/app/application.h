@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "app/close_question.h"
+#include "app/comparison.h"
 #include "app/document_opener.h"
 #include "app/drawing_exchange.h"
 #include "app/edit_journal.h"
@@ -63,6 +64,7 @@ struct WindowActions {
   std::function<void()> showSettings;
   std::function<void()> showExport;  ///< asks how to export, and exports
   std::function<void()> showPrint;
+  std::function<void()> showCompare;  ///< asks what to compare the drawing with, and begins
   std::function<void()> showManual;
   std::function<void()> showShortcuts;
   std::function<void()> showHistory;
@@ -79,6 +81,8 @@ class Application {
   const Workspace& workspace() const { return workspace_; }
   AppSettings& settings() { return settings_; }
   const AppSettings& settings() const { return settings_; }
+  Comparison& comparison() { return comparison_; }
+  const Comparison& comparison() const { return comparison_; }
   AppUpdateManager& updates() { return updates_; }
   const AppUpdateManager& updates() const { return updates_; }
   UserDefaults& defaults() { return defaults_; }
@@ -190,6 +194,7 @@ class Application {
   DocumentOpener opener_;
   bool asksInWindow_ = false;
   FilePath keptFolder_;
+  Comparison comparison_;
   std::optional<AutoSaveController> autoSaveController_;
   std::optional<EditJournal> journal_;
   WindowActions windowActions_;

@@ -210,10 +210,14 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments, const En
   if (onFiles) {
     const bool isMerge = *onFiles == CommandLine::Mode::merge;
     if (isMerge && !line.saveAs) throw CommandLineError("The option --merge needs --save.");
+    const bool mayExport = *onFiles == CommandLine::Mode::compare;
     if (isAutomation || !line.consoleFiles.empty() || !line.imports.empty() || opened || line.document ||
-        !line.exports.empty() || (line.saveAs && !isMerge)) {
+        (!line.exports.empty() && !mayExport) || (line.saveAs && !isMerge)) {
       throw CommandLineError(
           fmt::format("The option {} reads its own files and goes with no other work.", fileOption));
+    }
+    if (line.exports.empty() && !exportOption.empty()) {
+      throw CommandLineError(fmt::format("The option {} needs --export.", exportOption));
     }
     line.mode = *onFiles;
     return line;
@@ -262,7 +266,8 @@ Without a window, done in this order:
                                  file; may be repeated
 
 Files of drawings, for version control; their names may end in anything:
-  --compare OLD NEW              prints what differs
+  --compare OLD NEW              prints what differs; with --export FILE it is drawn
+                                 as well, in DXF on layers of its own
   --merge BASE OURS THEIRS       merges both into the file of --save
   --prefer ours|theirs|both      settles what both have changed differently
   --describe FILE                prints a drawing as text, an entity a line

@@ -77,10 +77,15 @@ std::string shapeText(const SketchEntity& entity, const Drawing& drawing) {
 
 }  // namespace
 
-int compareFiles(const CommandLine& line, FileSystem& files, const PrintLine& print) {
+int compareFiles(const CommandLine& line, FileSystem& files, const PrintLine& print,
+                 const PagePictureMaker& makePicture) {
   const Drawing before = readDrawing(files, line.files.at(0));
   const Drawing after = readDrawing(files, line.files.at(1));
   const DrawingDifference difference = compareDrawings(before, after, NumberPrecision::asInFiles);
+  for (const FilePath& path : line.exports) {
+    exportDifference(difference, before, after, files, standardizedPath(path), line.exportOptions,
+                     makePicture);
+  }
   print(differenceCounts(difference));
   for (const std::string& text : differenceLines(difference, before, after)) print(text);
   return difference.empty() ? 0 : 1;

@@ -2,7 +2,7 @@
 // are those of the shell: relative to the current folder, and with any extension, since git hands out copies
 // of files under names of its own.
 //
-//   ostrelon --compare OLD NEW        ostrelon --describe FILE
+//   ostrelon --compare OLD NEW [--export FILE]        ostrelon --describe FILE
 //   ostrelon --merge BASE OURS THEIRS --save OUT [--prefer ours|theirs|both]
 #pragma once
 
@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "app/command_line.h"
+#include "app/difference_export.h"
 #include "core/drawing.h"
 #include "platform/file_system.h"
 
@@ -20,7 +21,9 @@ using PrintLine = std::function<void(std::string_view line)>;
 
 /// Prints every difference, the counts first. The exit status: 0 for equal drawings, 1 for different ones.
 /// Throws `UserError`. "/dev/null" is an empty drawing.
-int compareFiles(const CommandLine& line, FileSystem& files, const PrintLine& print);
+/// Each file of `--export` is written as well, before anything is printed.
+int compareFiles(const CommandLine& line, FileSystem& files, const PrintLine& print,
+                 const PagePictureMaker& makePicture = {});
 
 /// Writes what comes of ours and theirs: our document with the merged drawing, and ours as its last undo
 /// step. An empty file or "/dev/null" as the base stands for none. The exit status: 0 where it is written, 1

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "app/application.h"
+#include "app/comparison_choices.h"
 #include "app/inspector.h"
 #include "console/command_interpreter.h"
 #include "core/adding.h"
@@ -109,6 +110,15 @@ void exportDrawingFromMenu(Application& app) {
   }
 }
 
+// Without a window, with a document that is asked for.
+void compareFromMenu(Application& app) {
+  if (app.windowActions().showCompare) {
+    app.windowActions().showCompare();
+  } else {
+    compareWithPanel(app);
+  }
+}
+
 constexpr MenuCommand row(std::string_view menu, std::string_view title, std::string_view shortcut,
                           void (*run)(Application&), bool (*enabled)(const Application&) = nullptr) {
   return {menu, title, shortcut, run, enabled, nullptr};
@@ -132,6 +142,7 @@ constexpr std::array kMenuCommands{
     row("File", "Create Branch…", "", [](Application& app) { promptForBranch(app.workspace().document); }),
     submenu("File", "Switch Branch", branchChoices),
     row("File", "History…", "", [](Application& app) { runIfThere(app.windowActions().showHistory); }),
+    row("File", "Compare with…", "", compareFromMenu),
     separator("File"),
     row("File", "Revert to Last Autosave", "", [](Application& app) { app.revertToLastAutosave(); }),
     separator("File"),

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "app/key_handling.h"
 #include "app/menu.h"
 #include "app/shortcut_text.h"
 #include "interaction/key_routing.h"
@@ -13,6 +14,10 @@ std::vector<ShortcutGroup> shortcutGroups() {
   for (const KeyBinding& binding : keyBindings()) {
     groups.front().rows.push_back(
         {desktopNotation(binding.keys), std::string(binding.title), std::string(binding.when)});
+  }
+  groups.push_back({"While Comparing", {}});
+  for (const ComparisonKey& key : comparisonKeys()) {
+    groups.back().rows.push_back({desktopNotation(key.keys), std::string(key.title), {}});
   }
   for (const std::string_view menu : menuTitles()) {
     ShortcutGroup group{std::string(menu), {}};

@@ -9,6 +9,7 @@
 // They share one tracker: an operation that changes several of them notifies its observers once.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 
 #include "console/console.h"
@@ -44,14 +45,24 @@ class Workspace final : private DocumentStage {
   [[nodiscard]] Subscription observe(FieldMask fields, std::function<void(FieldMask changed)> changed) {
     return tracker_.observe(fields, std::move(changed));
   }
+  /// How often another document has taken the place of the open one.
+  std::uint64_t documentsOpened() const { return documentsOpened_; }
   /// The number of operations that have changed something.
   std::uint64_t revision() const { return tracker_.revision(); }
   [[nodiscard]] ChangeScope change() { return ChangeScope(tracker_); }
 
  private:
   SketchViewport viewport() const override { return board.viewport(); }
-  void documentOpened(const SketchViewport& viewport) override { board.documentOpened(viewport); }
-  void documentBegun() override { board.documentBegun(); }
+  void documentOpened(const SketchViewport& viewport) override {
+    ++documentsOpened_;
+    board.documentOpened(viewport);
+  }
+  void documentBegun() override {
+    ++documentsOpened_;
+    board.documentBegun();
+  }
+
+  std::uint64_t documentsOpened_ = 0;
 };
 
 }  // namespace ostrelon

@@ -190,7 +190,9 @@ const std::map<std::string, Operation, std::less<>>& operations() {
        }},
       {"key",
        [](AutomationSession& session, const Json& request) -> Json {
-         const KeyOutcome outcome = handleKey(keyEventOf(session, request), session.workspace());
+         const KeyEvent event = keyEventOf(session, request);
+         const KeyOutcome outcome = handleKey(event, session.application);
+         handleKeyReleased(event, session.application);
          return outcome == KeyOutcome::consumed ? "consumed" : "passed";
        }},
       {"answer",

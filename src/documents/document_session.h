@@ -124,6 +124,8 @@ class DocumentSession {
   void keepWhatIsLost(const Replacement& replacement);
   /// Runs the work with nothing being kept, since the user has agreed to that.
   void withoutKeeping(const std::function<void()>& work);
+  /// Where they are kept; absent where nothing is.
+  const std::optional<KeptDrawings>& keptIn() const { return kept_; }
   /// The newest first; none where nothing is kept.
   std::vector<KeptDrawing> keptDrawings() const;
   /// Its drawing takes the place of the open one as one undo step, wall systems included.

@@ -5,6 +5,7 @@
 // a kept drawing, then the path of a document from the Documents folder, with or without its extension.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,6 +17,14 @@
 
 namespace ostrelon {
 
+/// A drawing that is known where it is, and still to be read.
+struct DrawingSource {
+  std::string name;                         ///< as of a `NamedDrawing`
+  std::optional<std::string> checkpointID;  ///< of a branch: its head
+  bool isLarge = false;                     ///< reading it takes long enough to be noticed
+  std::function<Drawing()> read;            ///< on any thread. Throws `UserError`
+};
+
 struct NamedDrawing {
   std::string name;  ///< as messages call it: "branch main", "cp-1f…", "Plan.ostrel"
   Drawing drawing;
@@ -24,6 +33,13 @@ struct NamedDrawing {
 
 /// Reads it. Throws `UserError`, also when a name fits several checkpoints or nothing.
 NamedDrawing namedDrawing(const DocumentSession& document, std::string_view name);
+
+/// The same, to be read later. Throws `UserError` where the name fits several checkpoints or nothing.
+DrawingSource drawingSource(const DocumentSession& document, std::string_view name);
+/// A document file by its path.
+DrawingSource fileDrawingSource(FileSystem& files, const FilePath& path);
+/// A kept drawing.
+DrawingSource keptDrawingSource(const KeptDrawings& store, const KeptDrawing& kept);
 
 /// The content of a document file, read whatever its name ends in. Throws `UserError`.
 Drawing drawingOfFile(FileSystem& files, const FilePath& path);

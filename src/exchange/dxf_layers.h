@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "core/wall_system.h"
@@ -29,6 +30,8 @@ std::string dxfLayerName(std::string_view systemName, DxfVersion version);
 class DxfLayers {
  public:
   DxfLayers(std::span<const WallSystemSpec> systems, DxfVersion version, bool hasOpenings = false);
+  /// Layers of these names, which are layer names as they are.
+  explicit DxfLayers(std::vector<std::string> names) : names_(std::move(names)) {}
 
   /// The layer of the walls of this system. Systems of one name, case aside, share a layer; names
   /// that become alike only on their way into the file are distinguished by a number.

@@ -30,22 +30,28 @@ class EntityWriter {
         openings_(openings),
         next_(firstEntityHandle(layers)) {}
 
+  /// Everything goes on this layer from now on; its walls are of these systems. Both must outlive their use.
+  void setLayer(const std::string& layer, std::span<const WallSystemSpec> systems) {
+    baseLayer_ = layer;
+    wallLayer_ = &layer;
+    systems_ = systems;
+  }
+
   /// False where there is nothing to write.
   bool write(const SketchEntity& entity) {
-    return std::visit(Overloaded{
-                          [this](const LineEntity& line) { return writeLine(line); },
-                          [this](const WallEntity& wall) { return writeWall(wall); },
-                          [this](const CircleEntity& circle) { return writeCircle(circle); },
-                          [this](const ArcEntity& arc) { return writeArc(arc); },
-                          [this](const RectangleEntity& rectangle) {
-                            const auto corners = rectangleCorners(rectangle.origin, rectangle.size);
-                            return writeClosed(corners, kDxfBaseLayer);
-                          },
-                          [this](const PolygonEntity& polygon) {
-                            return writeClosed(polygon.vertices.list(), kDxfBaseLayer);
-                          },
-                      },
-                      entity);
+    return std::visit(
+        Overloaded{
+            [this](const LineEntity& line) { return writeLine(line); },
+            [this](const WallEntity& wall) { return writeWall(wall); },
+            [this](const CircleEntity& circle) { return writeCircle(circle); },
+            [this](const ArcEntity& arc) { return writeArc(arc); },
+            [this](const RectangleEntity& rectangle) {
+              const auto corners = rectangleCorners(rectangle.origin, rectangle.size);
+              return writeClosed(corners, baseLayer_);
+            },
+            [this](const PolygonEntity& polygon) { return writeClosed(polygon.vertices.list(), baseLayer_); },
+        },
+        entity);
   }
 
  private:
@@ -67,9 +73,9 @@ class EntityWriter {
     if (is2000()) out_.text(100, className_);
   }
 
-  bool writeLine(const LineEntity& line, std::string_view layer = kDxfBaseLayer) {
+  bool writeLine(const LineEntity& line, std::string_view layer = {}) {
     if (!isFinite(line.from) || !isFinite(line.to)) return false;
-    begin("LINE", layer, "AcDbLine");
+    begin("LINE", layer.empty() ? baseLayer_ : layer, "AcDbLine");
     beginOwn();
     out_.flatPoint(10, line.from);
     out_.flatPoint(11, line.to);
@@ -77,7 +83,7 @@ class EntityWriter {
   }
 
   bool writeWall(const WallEntity& wall) {
-    const std::string& layer = layers_.layerOf(wall.systemSpecID);
+    const std::string& layer = wallLayer_ != nullptr ? *wallLayer_ : layers_.layerOf(wall.systemSpecID);
     const double thickness = paintedWallThickness(wall, systems_);
     const auto& openings = openings_.ofWall(wall.id);
     if (openings.empty()) {
@@ -111,21 +117,21 @@ class EntityWriter {
   bool writeCircle(const CircleEntity& circle) {
     const double radius = std::abs(circle.radius);
     if (!isFinite(circle.center) || !std::isfinite(radius) || radius == 0) return false;
-    begin("CIRCLE", kDxfBaseLayer, "AcDbCircle");
+    begin("CIRCLE", baseLayer_, "AcDbCircle");
     beginOwn();
     out_.flatPoint(10, circle.center);
     out_.real(40, radius);
     return true;
   }
 
-  bool writeArc(const ArcEntity& arc, std::string_view layer = kDxfBaseLayer) {
+  bool writeArc(const ArcEntity& arc, std::string_view layer = {}) {
     const double sweep = arcSpan(arc.startAngle, arc.endAngle);
     const double radius = std::abs(arc.radius);
     if (!isFinite(arc.center) || !std::isfinite(radius) || radius == 0) return false;
     if (!(sweep > kSmallestArcSweep)) return false;
     // A negative radius puts every point on the other side of the centre.
     const double turned = arc.radius < 0 ? std::numbers::pi : 0;
-    begin("ARC", layer, "AcDbCircle");
+    begin("ARC", layer.empty() ? baseLayer_ : layer, "AcDbCircle");
     beginOwn();
     out_.flatPoint(10, arc.center);
     out_.real(40, radius);
@@ -162,7 +168,23 @@ class EntityWriter {
   const OpeningLayout& openings_;
   DxfHandle next_;
   std::string_view className_;
+  std::string_view baseLayer_ = kDxfBaseLayer;
+  const std::string* wallLayer_ = nullptr;  // null: that of the wall's system
 };
+
+}  // namespace
+
+namespace {
+
+void writeEntities(EntityWriter& writer, const EntityList& entities, DxfWritten& written) {
+  for (const SketchEntity& entity : entities) {
+    if (writer.write(entity)) {
+      ++written.entities;
+    } else {
+      ++written.leftOut;
+    }
+  }
+}
 
 }  // namespace
 
@@ -178,12 +200,33 @@ DxfWritten writeDxf(const EntityList& entities, std::span<const WallSystemSpec> 
   DxfWritten written;
   writeDxfHead(out, frame);
   EntityWriter writer(out, layers, systems, version, openings);
-  for (const SketchEntity& entity : entities) {
-    if (writer.write(entity)) {
-      ++written.entities;
-    } else {
-      ++written.leftOut;
-    }
+  writeEntities(writer, entities, written);
+  writeDxfTail(out, frame);
+  out.flush();
+  return written;
+}
+
+DxfWritten writeDxfByLayer(std::span<const DxfLayerContent> contents, DxfVersion version,
+                           const FileSystem::Writer& write) {
+  std::vector<std::string> names;
+  std::optional<SketchBox> bounds;
+  std::size_t count = 0;
+  for (const DxfLayerContent& content : contents) {
+    names.push_back(content.layer);
+    count += content.entities.size();
+    if (const auto box = drawingBounds(content.entities)) bounds = bounds ? bounds->united(*box) : *box;
+  }
+  const DxfLayers layers(std::move(names));
+  DxfOutput out(write);
+  const DxfHandle firstFree{firstEntityHandle(layers).value + 2 * count};
+  const DxfFrame frame{version, bounds.value_or(SketchBox{}), layers, firstFree};
+  DxfWritten written;
+  writeDxfHead(out, frame);
+  const OpeningLayout noOpenings;
+  EntityWriter writer(out, layers, {}, version, noOpenings);
+  for (const DxfLayerContent& content : contents) {
+    writer.setLayer(content.layer, content.systems);
+    writeEntities(writer, content.entities, written);
   }
   writeDxfTail(out, frame);
   out.flush();

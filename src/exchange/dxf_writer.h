@@ -23,6 +23,8 @@
 
 #include <cstddef>
 #include <span>
+#include <string>
+#include <vector>
 
 #include "core/entity_list.h"
 #include "core/wall_system.h"
@@ -41,5 +43,16 @@ struct DxfWritten {
 /// Hands the file to `write` piece by piece, in the order of the list. Holds no copy of the drawing.
 DxfWritten writeDxf(const EntityList& entities, std::span<const WallSystemSpec> systems, DxfVersion version,
                     const FileSystem::Writer& write, const OpeningLayout& openings = {});
+
+/// Entities that all go on one layer, walls included.
+struct DxfLayerContent {
+  std::string layer;
+  EntityList entities;
+  std::vector<WallSystemSpec> systems;  ///< those of the walls
+};
+
+/// The same of several lists, each on a layer of its own, in their order.
+DxfWritten writeDxfByLayer(std::span<const DxfLayerContent> contents, DxfVersion version,
+                           const FileSystem::Writer& write);
 
 }  // namespace ostrelon

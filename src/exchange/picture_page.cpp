@@ -49,12 +49,20 @@ void paintDrawing(CanvasPainter& painter, const PicturePage& page, const EntityL
 void writePdf(std::span<const PicturePage> pages, const EntityList& entities,
               std::span<const WallSystemSpec> systems, const ExportOptions& options,
               const std::function<void(std::string_view bytes)>& write) {
+  const auto paint = [&](CanvasPainter& painter, const PicturePage& page) {
+    paintDrawing(painter, page, entities, systems, options);
+  };
+  writePdf(pages, options, paint, write);
+}
+
+void writePdf(std::span<const PicturePage> pages, const ExportOptions& options, const PagePaint& paint,
+              const std::function<void(std::string_view bytes)>& write) {
   PdfWriter pdf(write);
   for (const PicturePage& page : pages) {
     CanvasPainter& painter = pdf.beginPage(page.size);
     if (hasBackground(options)) paintBackground(painter, pictureFrame(page, options));
     pdf.clip(paintedPart(page));
-    paintDrawing(painter, page, entities, systems, options);
+    paint(painter, page);
   }
   pdf.finish();
 }

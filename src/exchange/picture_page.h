@@ -32,6 +32,11 @@ SketchBox paintedPart(const PicturePage& page);
 void paintDrawing(CanvasPainter& painter, const PicturePage& page, const EntityList& entities,
                   std::span<const WallSystemSpec> systems, const ExportOptions& options);
 
+/// Paints what a page shows within its painted part.
+using PagePaint = std::function<void(CanvasPainter& painter, const PicturePage& page)>;
+void writePdf(std::span<const PicturePage> pages, const ExportOptions& options, const PagePaint& paint,
+              const std::function<void(std::string_view bytes)>& write);
+
 /// Writes a PDF of the pages, at most a piece of it in memory at a time.
 void writePdf(std::span<const PicturePage> pages, const EntityList& entities,
               std::span<const WallSystemSpec> systems, const ExportOptions& options,

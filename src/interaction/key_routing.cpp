@@ -158,6 +158,11 @@ KeyOutcome handleKey(const KeyEvent& event, Board& board) {
   return actOnRows(KeyTest::gatedLetter, held, event, board);
 }
 
+bool isEscapeAwaited(const Board& board) {
+  return isAnythingInProgress(board) || board.tracking->pending || board.tracking->locked ||
+         board.marquee() != nullptr || !board.sketch().selection->empty();
+}
+
 bool textControlClaimsKey(const KeyEvent& event) {
   return hasTextFocus(event) && !(event.consoleFocus && !event.consoleHasText);
 }

@@ -75,6 +75,9 @@ std::span<const KeyBinding> keyBindings();
 /// Routes one key-down event.
 KeyOutcome handleKey(const KeyEvent& event, Board& board);
 
+/// True while Escape has something to do on the board: to end what is under way, the tool or the selection.
+bool isEscapeAwaited(const Board& board);
+
 /// True when the focused control takes the key as text: a text control has the focus, and it is not
 /// the console field while that is empty.
 bool textControlClaimsKey(const KeyEvent& event);

@@ -30,6 +30,15 @@ class DisplaylessApplication {
 
 }  // namespace
 
+PagePictureMaker pagePicturesWithoutDisplay() {
+  auto qt = std::make_shared<std::optional<DisplaylessApplication>>();
+  return [qt](ExportFormat format, const PicturePage& page, const ExportOptions& options,
+              const PagePaint& paint) {
+    if (!qt->has_value()) qt->emplace();
+    return pagePicture(format, page, options, paint).toStdString();
+  };
+}
+
 PictureMaker picturesWithoutDisplay() {
   auto qt = std::make_shared<std::optional<DisplaylessApplication>>();
   return [qt](ExportFormat format, const EntityList& entities, std::span<const WallSystemSpec> systems,

@@ -24,8 +24,7 @@ QRectF paintedRect(const PicturePage& page) {
   return {part.minX, part.minY, part.width(), part.height()};
 }
 
-QByteArray pngPicture(const PicturePage& page, const EntityList& entities,
-                      std::span<const WallSystemSpec> systems, const ExportOptions& options) {
+QByteArray pngPicture(const PicturePage& page, const ExportOptions& options, const PagePaint& paint) {
   const double ratio = pixelsPerPoint(options);
   const QSize pixels = (pageRect(page).size() * ratio).toSize().expandedTo({1, 1});
   QImage image(pixels, QImage::Format_RGB32);
@@ -40,7 +39,7 @@ QByteArray pngPicture(const PicturePage& page, const EntityList& entities,
     const QRectF painted = paintedRect(page);
     const QRect part(QPointF(painted.topLeft() * ratio).toPoint(), (painted.size() * ratio).toSize());
     PixelCanvasPainter canvas(image, ratio, part.intersected(image.rect()));
-    paintDrawing(canvas, page, entities, systems, options);
+    paint(canvas, page);
   }
   if (options.isOnPaper()) {
     // Programs that print it then know how large it is meant.
@@ -70,8 +69,19 @@ QByteArray withOwnSize(QByteArray svg, const PicturePage& page, bool isOnPaper) 
   return svg.replace(0, kHead, head.toUtf8());
 }
 
-QByteArray svgPicture(const PicturePage& page, const EntityList& entities,
-                      std::span<const WallSystemSpec> systems, const ExportOptions& options) {
+void paintPage(QPainter& painter, const PicturePage& page, const ExportOptions& options,
+               const PagePaint& paint) {
+  painter.save();
+  {
+    QtCanvasPainter canvas(painter);
+    if (hasBackground(options)) paintBackground(canvas, pictureFrame(page, options));
+    if (page.margin > 0) painter.setClipRect(paintedRect(page));
+    paint(canvas, page);
+  }
+  painter.restore();
+}
+
+QByteArray svgPicture(const PicturePage& page, const ExportOptions& options, const PagePaint& paint) {
   QByteArray bytes;
   QBuffer buffer(&bytes);
   QSvgGenerator generator;
@@ -81,7 +91,7 @@ QByteArray svgPicture(const PicturePage& page, const EntityList& entities,
   generator.setTitle(QStringLiteral("Ostrelon drawing"));
   generator.setDescription(QString());
   QPainter painter(&generator);
-  paintPicturePage(painter, page, entities, systems, options);
+  paintPage(painter, page, options, paint);
   painter.end();
   return withOwnSize(std::move(bytes), page, options.isOnPaper());
 }
@@ -90,30 +100,31 @@ QByteArray svgPicture(const PicturePage& page, const EntityList& entities,
 
 void paintPicturePage(QPainter& painter, const PicturePage& page, const EntityList& entities,
                       std::span<const WallSystemSpec> systems, const ExportOptions& options) {
-  const CanvasFrame frame = pictureFrame(page, options);
-  painter.save();
-  {
-    QtCanvasPainter canvas(painter);
-    if (hasBackground(options)) paintBackground(canvas, frame);
-    if (page.margin > 0) painter.setClipRect(paintedRect(page));
-    paintDrawing(canvas, page, entities, systems, options);
-  }
-  painter.restore();
+  paintPage(painter, page, options, [&](CanvasPainter& canvas, const PicturePage& shown) {
+    paintDrawing(canvas, shown, entities, systems, options);
+  });
 }
 
-QByteArray drawingPicture(ExportFormat format, const EntityList& entities,
-                          std::span<const WallSystemSpec> systems, const ExportOptions& options) {
-  const std::vector<PicturePage> pages = picturePages(format, entities, systems, options);
+QByteArray pagePicture(ExportFormat format, const PicturePage& page, const ExportOptions& options,
+                       const PagePaint& paint) {
   switch (format) {
     case ExportFormat::png:
-      return pngPicture(pages.front(), entities, systems, options);
+      return pngPicture(page, options, paint);
     case ExportFormat::svg:
-      return svgPicture(pages.front(), entities, systems, options);
+      return svgPicture(page, options, paint);
     case ExportFormat::pdf:
     case ExportFormat::dxf:
       break;  // written without Qt
   }
   return {};
+}
+
+QByteArray drawingPicture(ExportFormat format, const EntityList& entities,
+                          std::span<const WallSystemSpec> systems, const ExportOptions& options) {
+  const std::vector<PicturePage> pages = picturePages(format, entities, systems, options);
+  return pagePicture(format, pages.front(), options, [&](CanvasPainter& canvas, const PicturePage& page) {
+    paintDrawing(canvas, page, entities, systems, options);
+  });
 }
 
 std::string drawingPictureBytes(ExportFormat format, const EntityList& entities,

@@ -9,6 +9,7 @@
 #include "core/entity_list.h"
 #include "core/wall_system.h"
 #include "exchange/export_options.h"
+#include "exchange/picture_page.h"
 
 namespace ostrelon {
 
@@ -22,6 +23,10 @@ void paintPicturePage(QPainter& painter, const PicturePage& page, const EntityLi
 /// not enough memory for the pixels.
 QByteArray drawingPicture(ExportFormat format, const EntityList& entities,
                           std::span<const WallSystemSpec> systems, const ExportOptions& options);
+
+/// The bytes of a PNG or SVG of one page. Throws as above.
+QByteArray pagePicture(ExportFormat format, const PicturePage& page, const ExportOptions& options,
+                       const PagePaint& paint);
 
 /// The same in the form in which the logic takes it.
 std::string drawingPictureBytes(ExportFormat format, const EntityList& entities,

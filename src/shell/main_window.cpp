@@ -325,6 +325,15 @@ bool MainWindow::eventFilter(QObject* object, QEvent* event) {
   switch (event->type()) {
     case QEvent::KeyPress:
       return routeKey(*static_cast<QKeyEvent*>(event), widget);
+    case QEvent::KeyRelease:
+      if (!static_cast<QKeyEvent*>(event)->isAutoRepeat()) {
+        handleKeyReleased(keyEventOf(*static_cast<QKeyEvent*>(event)), application_);
+      }
+      return false;
+    case QEvent::WindowDeactivate:
+      // The key may be let go over another window.
+      application_.comparison().setBeforeHeld(false);
+      return false;
     case QEvent::Wheel:
       swallowedLetters_.forget();
       return false;
@@ -371,7 +380,7 @@ bool MainWindow::routeKey(QKeyEvent& event, QWidget* receiver) {
   } else if (event.key() != Qt::Key_Shift) {
     swallowedLetters_.forget();
   }
-  if (handleKey(key, application_.workspace()) == KeyOutcome::consumed) {
+  if (handleKey(key, application_) == KeyOutcome::consumed) {
     if (before) swallowedLetters_.swallowed(plainText(event.text()), now, std::move(*before));
     return true;
   }

@@ -95,7 +95,7 @@ int runOnFiles(const CommandLine& line) {
   try {
     switch (line.mode) {
       case CommandLine::Mode::compare:
-        return compareFiles(line, files, print);
+        return compareFiles(line, files, print, pagePicturesWithoutDisplay());
       case CommandLine::Mode::merge:
         return mergeFiles(line, files, print);
       default:

@@ -17,6 +17,8 @@
 #include "platform/json_user_defaults.h"
 #include "platform/user_paths.h"
 #include "shell/app_update_network_client.h"
+#include "shell/compare_sheet.h"
+#include "shell/comparison_panel.h"
 #include "shell/drawing_export.h"
 #include "shell/export_sheet.h"
 #include "shell/icons.h"
@@ -71,6 +73,7 @@ WindowedProgram::WindowedProgram(Application& application, Theme& theme, QtDialo
   mainWindow_ = std::make_unique<MainWindow>(application, theme);
   inspector_ = new InspectorWindow(application.workspace(), theme, mainWindow_.get());
   new SheetPresenter(application, theme, *mainWindow_);
+  new ComparisonPresenter(application, theme, *mainWindow_);
   dialogs.setWindow(mainWindow_.get());
   paletteSubscription_ =
       application.settings().observe(fieldsOf(application.settings().activePalette), [this](FieldMask) {
@@ -80,6 +83,7 @@ WindowedProgram::WindowedProgram(Application& application, Theme& theme, QtDialo
       {.showSettings = [this] { settings().open(); },
        .showExport = [this] { (new ExportSheet(application_, theme_, *mainWindow_))->open(); },
        .showPrint = [this] { (new PrintWindow(application_, theme_, mainWindow_.get()))->open(); },
+       .showCompare = [this] { (new CompareSheet(application_, theme_, *mainWindow_))->open(); },
        .showManual = [this] { manual().open(); },
        .showShortcuts = [this] { shortcuts().open(); },
        .showHistory = [this] { history().open(); },

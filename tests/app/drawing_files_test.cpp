@@ -6,6 +6,7 @@
 
 #include "documents/opened_document.h"
 #include "documents/sketch_document_io.h"
+#include "exchange/dxf_reader.h"
 #include "platform/disk_file_system.h"
 #include "support/temporary_folder.h"
 
@@ -15,6 +16,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using testing::readBytes;
 using testing::TemporaryFolder;
 using testing::writeBytes;
@@ -122,6 +124,27 @@ TEST_F(DrawingFilesTest, AMergeWritesOurDocumentOrNothing) {
   EXPECT_EQ(run({"--merge", b, o, t, "--save", (folder / "no" / "out").string(), "--prefer", "ours"}), -1);
 }
 
+TEST_F(DrawingFilesTest, ADifferenceIsDrawnAsWell) {
+  Drawing other = base;
+  other.entities = {WallEntity{wall, {0, 1}, {9.6, 1}, system}, CircleEntity{UUID::random(), {30, 0}, 2}};
+  const std::string o = file("old", base);
+  const std::string n = file("new", other);
+  const std::string dxf = (folder / "out.dxf").string();
+  const std::string pdf = (folder / "out.pdf").string();
+  EXPECT_EQ(run({"--compare", o, n, "--export", dxf, "--export", pdf, "--paper", "Letter"}), 1);
+  EXPECT_EQ(printed.front(), "1 added, 1 removed, 1 changed.");
+  EXPECT_TRUE(readBytes(pdf).starts_with("%PDF"));
+  const std::string bytes = readBytes(dxf);
+  const std::string text = bytes.substr(bytes.find("ENTITIES"));
+  for (const char* layer : {"CHANGED-BEFORE", "REMOVED", "CHANGED-AFTER", "ADDED", "CLOUDS"}) {
+    EXPECT_THAT(text, HasSubstr(layer));
+  }
+  EXPECT_THAT(text, Not(HasSubstr("UNCHANGED")));
+  EXPECT_EQ(readDxf(bytes).entities.size(), 8U) << "two walls of two parts, a line, a circle and two clouds";
+  EXPECT_EQ(run({"--compare", o, n, "--export", (folder / "out.png").string()}), -1)
+      << "nothing to draw it with";
+}
+
 TEST_F(DrawingFilesTest, OptionsThatDoNotGoTogetherAreRefused) {
   const auto refusal = [&](const std::vector<std::string>& arguments) {
     EXPECT_EQ(run(arguments), -1);
@@ -136,6 +159,8 @@ TEST_F(DrawingFilesTest, OptionsThatDoNotGoTogetherAreRefused) {
   EXPECT_THAT(refusal({"--describe", "a", "--compare", "a", "b"}), HasSubstr("do not go together"));
   EXPECT_THAT(refusal({"--compare", "a", "b", "--console", "c"}), HasSubstr("no other work"));
   EXPECT_THAT(refusal({"--compare", "a", "b", "--save", "c.ostrel"}), HasSubstr("no other work"));
+  EXPECT_THAT(refusal({"--compare", "a", "b", "--grid"}), HasSubstr("--grid needs --export"));
+  EXPECT_THAT(refusal({"--describe", "a", "--export", "b.pdf"}), HasSubstr("no other work"));
 }
 
 }  // namespace
