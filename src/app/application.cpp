@@ -36,7 +36,8 @@ Application::Application(ApplicationServices services, ApplicationOptions option
                      }),
       opener_(workspace_, settings_, closeQuestion_, options.opensInBackground),
       asksInWindow_(options.asksInWindow),
-      comparison_(workspace_, options.opensInBackground) {
+      comparison_(workspace_, options.opensInBackground),
+      mergeReview_(workspace_, options.opensInBackground) {
   workspace_.document.setDocumentsFolder(std::move(options.documentsFolder));
   if (!options.stateFolder.empty()) {
     journal_.emplace(workspace_, options.stateFolder / "journals");

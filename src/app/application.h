@@ -19,6 +19,7 @@
 #include "app/document_opener.h"
 #include "app/drawing_exchange.h"
 #include "app/edit_journal.h"
+#include "app/merge_review.h"
 #include "app/workspace.h"
 #include "core/observable.h"
 #include "documents/app_settings.h"
@@ -65,6 +66,7 @@ struct WindowActions {
   std::function<void()> showExport;  ///< asks how to export, and exports
   std::function<void()> showPrint;
   std::function<void()> showCompare;  ///< asks what to compare the drawing with, and begins
+  std::function<void()> showMerge;    ///< asks what to merge, and shows it
   std::function<void()> showManual;
   std::function<void()> showShortcuts;
   std::function<void()> showHistory;
@@ -83,6 +85,8 @@ class Application {
   const AppSettings& settings() const { return settings_; }
   Comparison& comparison() { return comparison_; }
   const Comparison& comparison() const { return comparison_; }
+  MergeReview& mergeReview() { return mergeReview_; }
+  const MergeReview& mergeReview() const { return mergeReview_; }
   AppUpdateManager& updates() { return updates_; }
   const AppUpdateManager& updates() const { return updates_; }
   UserDefaults& defaults() { return defaults_; }
@@ -195,6 +199,7 @@ class Application {
   bool asksInWindow_ = false;
   FilePath keptFolder_;
   Comparison comparison_;
+  MergeReview mergeReview_;
   std::optional<AutoSaveController> autoSaveController_;
   std::optional<EditJournal> journal_;
   WindowActions windowActions_;

@@ -3,10 +3,23 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <functional>
+#include <utility>
 
 #include "platform/dialogs.h"
 
 namespace ostrelon {
+namespace {
+
+void askForDocument(Application& application, std::function<void(const FilePath&)> chosen) {
+  OpenPanel panel;
+  if (const auto& url = *application.workspace().document.fileURL) panel.startingFolder = url->parent_path();
+  application.host().dialogs.ask(panel, [chosen = std::move(chosen)](const DialogAnswer& answer) {
+    if (answer) chosen(standardizedPath(*answer));
+  });
+}
+
+}  // namespace
 
 std::vector<ComparisonChoice> comparisonChoices(Application& application) {
   using Kind = ComparisonChoice::Kind;
@@ -37,7 +50,19 @@ std::vector<ComparisonChoice> comparisonChoices(Application& application) {
   return choices;
 }
 
+std::vector<ComparisonChoice> mergeChoices(Application& application) {
+  std::vector<ComparisonChoice> choices = comparisonChoices(application);
+  const DocumentHistoryBranch* current = application.workspace().document.history->currentBranch();
+  std::erase_if(choices, [&](const ComparisonChoice& choice) {
+    return choice.kind == ComparisonChoice::Kind::lastSave ||
+           (choice.kind == ComparisonChoice::Kind::branch && current != nullptr &&
+            choice.name == current->name);
+  });
+  return choices;
+}
+
 void compareWith(Application& application, const ComparisonChoice& choice) {
+  application.mergeReview().cancel();
   if (choice.kind == ComparisonChoice::Kind::lastSave) {
     application.comparison().beginWithLastSave();
   } else {
@@ -45,11 +70,27 @@ void compareWith(Application& application, const ComparisonChoice& choice) {
   }
 }
 
+void compareWith(Application& application, DrawingSource other) {
+  application.mergeReview().cancel();
+  application.comparison().begin(std::move(other));
+}
+
 void compareWithPanel(Application& application) {
-  OpenPanel panel;
-  if (const auto& url = *application.workspace().document.fileURL) panel.startingFolder = url->parent_path();
-  application.host().dialogs.ask(panel, [&application](const DialogAnswer& answer) {
-    if (answer) application.comparison().beginWithFile(standardizedPath(*answer));
+  askForDocument(application, [&application](const FilePath& path) {
+    application.mergeReview().cancel();
+    application.comparison().beginWithFile(path);
+  });
+}
+
+void mergeWith(Application& application, const std::string& name) {
+  application.comparison().end();
+  application.mergeReview().begin(name);
+}
+
+void mergeWithPanel(Application& application) {
+  askForDocument(application, [&application](const FilePath& path) {
+    application.comparison().end();
+    application.mergeReview().begin(fileDrawingSource(application.host().files, path));
   });
 }
 

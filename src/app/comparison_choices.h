@@ -1,4 +1,4 @@
-// What the open drawing can be compared with, as a list to choose from.
+// What the open drawing can be compared with or have merged into it, as a list to choose from.
 #pragma once
 
 #include <optional>
@@ -21,8 +21,18 @@ struct ComparisonChoice {
 
 /// The last save, the branches that have a checkpoint, and the checkpoints, newest first. Reads the history.
 std::vector<ComparisonChoice> comparisonChoices(Application& application);
+/// The same without the last save, and without the current branch, of which there is nothing to merge.
+std::vector<ComparisonChoice> mergeChoices(Application& application);
+
+// --- One of the two is under way at a time: beginning a comparison gives up a merge, and the other way
+// round.
+
 void compareWith(Application& application, const ComparisonChoice& choice);
+void compareWith(Application& application, DrawingSource other);
 /// Asks for a document, starting in the folder of the open one, and compares with it.
 void compareWithPanel(Application& application);
+void mergeWith(Application& application, const std::string& name);
+/// Asks for a document in the same way, and merges it.
+void mergeWithPanel(Application& application);
 
 }  // namespace ostrelon

@@ -3,6 +3,8 @@
 #include <utility>
 
 #include "app/application.h"
+#include "app/comparison_choices.h"
+#include "documents/drawing_loss.h"
 #include "documents/history_prompts.h"
 #include "documents/restore_drawing.h"
 #include "platform/dialogs.h"
@@ -29,12 +31,16 @@ HistoryActions historyActions(const HistoryGroup& group, const HistoryRow& row) 
 
 void restoreFromHistory(Application& application, const HistoryRow& row, const Drawing& drawing) {
   Sketch& sketch = application.workspace().sketch;
-  if (sketch.entities() == drawing.entities) {
+  if (isSameDrawing(drawing, sketch.drawing)) {
     report(application, "The drawing is already that of " + nameOf(row) + ".");
     return;
   }
   restoreDrawing(sketch, drawing);
   report(application, "Restored " + nameOf(row) + ".");
+}
+
+void compareFromHistory(Application& application, const HistoryRow& row, const Drawing& drawing) {
+  compareWith(application, {nameOf(row), std::nullopt, false, [drawing] { return drawing; }});
 }
 
 void openFromHistory(Application& application, const HistoryRow& row, OpenedDocument document) {

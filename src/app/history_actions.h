@@ -23,6 +23,8 @@ HistoryActions historyActions(const HistoryGroup& group, const HistoryRow& row);
 /// What was drawn then takes the place of what is drawn now, as one undo step; see `restoreDrawing`. Nothing
 /// happens where the drawing is like that already.
 void restoreFromHistory(Application& application, const HistoryRow& row, const Drawing& drawing);
+/// Shows what differs from it in the open drawing.
+void compareFromHistory(Application& application, const HistoryRow& row, const Drawing& drawing);
 /// What was drawn then becomes a new document, once unsaved changes of the open one have been asked about.
 void openFromHistory(Application& application, const HistoryRow& row, OpenedDocument document);
 /// Asks for a name, and begins a branch with the row's checkpoint.

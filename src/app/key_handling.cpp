@@ -15,20 +15,27 @@ constexpr std::array<ComparisonKey, 4> kComparisonKeys{{{"N", "The next differen
 constexpr std::string_view kNextKey = "n";
 constexpr std::string_view kBeforeKey = "b";
 
+// An Escape of the main window that neither the board nor the console's line has a use for.
+bool isFreeEscape(const KeyEvent& event, const Application& application) {
+  const KeyModifiers& held = event.modifiers;
+  if (event.key != KeyName::escape || !event.documentWindow) return false;
+  if (held.shift || held.control || held.option || held.command) return false;
+  const bool clearsLine = (event.textFocus || event.consoleFocus) && event.consoleHasText;
+  return !clearsLine && !isEscapeAwaited(application.workspace().board);
+}
+
 // Of a key that is the comparison's own.
 bool handleComparisonKey(const KeyEvent& event, Application& application) {
   Comparison& comparison = application.comparison();
-  const Workspace& workspace = application.workspace();
-  const KeyModifiers& held = event.modifiers;
-  if (!comparison.isOn() || held.control || held.option || held.command || !event.documentWindow)
-    return false;
-  if (event.key == KeyName::escape) {
-    const bool clearsLine = (event.textFocus || event.consoleFocus) && event.consoleHasText;
-    if (held.shift || clearsLine || isEscapeAwaited(workspace.board)) return false;
+  if (!comparison.isOn()) return false;
+  if (isFreeEscape(event, application)) {
     comparison.end();
     return true;
   }
-  if (event.key != KeyName::character || workspace.board.lengthEditor->isOpen || !shortcutGateIsOpen(event)) {
+  const KeyModifiers& held = event.modifiers;
+  if (event.key != KeyName::character || held.control || held.option || held.command ||
+      !event.documentWindow || application.workspace().board.lengthEditor->isOpen ||
+      !shortcutGateIsOpen(event)) {
     return false;
   }
   const std::string letter = lowerCased(event.characters);
@@ -57,6 +64,10 @@ KeyOutcome handleKey(KeyEvent event, Workspace& workspace) {
 KeyOutcome handleKey(KeyEvent event, Application& application) {
   event.consoleHasText = !application.workspace().console.input->empty();
   if (handleComparisonKey(event, application)) return KeyOutcome::consumed;
+  if (application.mergeReview().isOpen() && isFreeEscape(event, application)) {
+    application.mergeReview().cancel();
+    return KeyOutcome::consumed;
+  }
   return handleKey(std::move(event), application.workspace());
 }
 

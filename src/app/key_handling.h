@@ -1,5 +1,5 @@
 // Keys over the whole program: the board's keys, with what the console's input line has to do with them, and
-// those of a comparison that is under way.
+// those of a comparison that is under way, and Escape where it gives up a merge.
 #pragma once
 
 #include <span>
@@ -16,7 +16,8 @@ class Application;
 KeyOutcome handleKey(KeyEvent event, Workspace& workspace);
 
 /// The same, and while drawings are compared the letters of `comparisonKeys`, by the gate of the board's
-/// letters, and Escape once it has nothing else to do.
+/// letters, and Escape once it has nothing else to do: it ends the comparison, and cancels a merge under
+/// review.
 KeyOutcome handleKey(KeyEvent event, Application& application);
 /// A key has been let go.
 void handleKeyReleased(const KeyEvent& event, Application& application);

@@ -11,6 +11,7 @@
 #include "documents/history_prompts.h"
 #include "geometry/edit_operations.h"
 #include "interaction/canvas_transform.h"
+#include "platform/dialogs.h"
 
 namespace ostrelon {
 namespace {
@@ -118,6 +119,16 @@ void compareFromMenu(Application& app) {
     compareWithPanel(app);
   }
 }
+void mergeFromMenu(Application& app) {
+  if (app.windowActions().showMerge) {
+    app.windowActions().showMerge();
+    return;
+  }
+  const TextPrompt prompt{"Merge", "Name a branch, a checkpoint or a document.", "", "Merge"};
+  app.host().dialogs.ask(prompt, [&app](const DialogAnswer& answer) {
+    if (answer) mergeWith(app, *answer);
+  });
+}
 
 constexpr MenuCommand row(std::string_view menu, std::string_view title, std::string_view shortcut,
                           void (*run)(Application&), bool (*enabled)(const Application&) = nullptr) {
@@ -143,6 +154,7 @@ constexpr std::array kMenuCommands{
     submenu("File", "Switch Branch", branchChoices),
     row("File", "History…", "", [](Application& app) { runIfThere(app.windowActions().showHistory); }),
     row("File", "Compare with…", "", compareFromMenu),
+    row("File", "Merge…", "", mergeFromMenu),
     separator("File"),
     row("File", "Revert to Last Autosave", "", [](Application& app) { app.revertToLastAutosave(); }),
     separator("File"),

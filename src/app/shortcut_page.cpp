@@ -19,6 +19,11 @@ std::vector<ShortcutGroup> shortcutGroups() {
   for (const ComparisonKey& key : comparisonKeys()) {
     groups.back().rows.push_back({desktopNotation(key.keys), std::string(key.title), {}});
   }
+  groups.push_back({"While Merging",
+                    {{"Up, Down", "The next or the previous row of the list", ""},
+                     {"Left, Right", "Choose ours, theirs or both for the conflict", ""},
+                     {"Return", "Show the row in the drawing", ""},
+                     {"Escape", "Cancel the merge, last of all", ""}}});
   for (const std::string_view menu : menuTitles()) {
     ShortcutGroup group{std::string(menu), {}};
     for (const MenuCommand& command : menuCommands()) {

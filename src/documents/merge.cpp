@@ -446,12 +446,12 @@ std::string sideWords(const std::optional<Opening>& base, const std::optional<Op
   return words.empty() ? "changed" : words;
 }
 
-// "here moved 2' right, there removed"; without an ancestor, "here only", "there only" or both as they are.
+// Without an ancestor there are no words for a side that has it not.
 template <class T>
-std::string sides(const Conflict<T>& conflict, const std::string& here, const std::string& there) {
-  if (!conflict.base && !conflict.theirs) return "here only, " + here;
-  if (!conflict.base && !conflict.ours) return "there only, " + there;
-  return "here " + here + ", there " + there;
+ConflictWords wordsOf(std::string subject, const Conflict<T>& conflict, std::string here, std::string there) {
+  if (!conflict.base && !conflict.theirs) there.clear();
+  if (!conflict.base && !conflict.ours) here.clear();
+  return {std::move(subject), std::move(here), std::move(there)};
 }
 
 }  // namespace
@@ -483,27 +483,33 @@ Drawing mergedDrawing(const Merge& merge, const Drawing& ours,
   return settlement.result();
 }
 
-std::string conflictText(const MergeConflict& conflict, const Drawing& ours, const Drawing& theirs) {
+ConflictWords conflictWords(const MergeConflict& conflict, const Drawing& ours, const Drawing& theirs) {
   return std::visit(
       Overloaded{[&](const WallSystemConflict& systems) {
                    const WallSystemSpec& named = systems.ours ? *systems.ours : *systems.theirs;
-                   return fmt::format("Wall system {}: {}", named.name,
-                                      sides(systems, sideWords(systems.base, systems.ours),
-                                            sideWords(systems.base, systems.theirs)));
+                   return wordsOf("Wall system " + named.name, systems, sideWords(systems.base, systems.ours),
+                                  sideWords(systems.base, systems.theirs));
                  },
                  [&](const EntityConflict& entities) {
                    const SketchEntity& named = entities.ours ? *entities.ours : *entities.theirs;
-                   return fmt::format("{} {}: {}", entityTypeLabel(named), entities.number,
-                                      sides(entities, sideWords(entities.base, entities.ours, ours, ours),
-                                            sideWords(entities.base, entities.theirs, ours, theirs)));
+                   return wordsOf(fmt::format("{} {}", entityTypeLabel(named), entities.number), entities,
+                                  sideWords(entities.base, entities.ours, ours, ours),
+                                  sideWords(entities.base, entities.theirs, ours, theirs));
                  },
                  [](const OpeningConflict& openings) {
                    const Opening& named = openings.ours ? *openings.ours : *openings.theirs;
-                   return fmt::format("{} in Wall {}: {}", openingTypeLabel(named.kind), openings.number,
-                                      sides(openings, sideWords(openings.base, openings.ours),
-                                            sideWords(openings.base, openings.theirs)));
+                   return wordsOf(fmt::format("{} in Wall {}", openingTypeLabel(named.kind), openings.number),
+                                  openings, sideWords(openings.base, openings.ours),
+                                  sideWords(openings.base, openings.theirs));
                  }},
       conflict);
+}
+
+std::string conflictText(const MergeConflict& conflict, const Drawing& ours, const Drawing& theirs) {
+  const ConflictWords words = conflictWords(conflict, ours, theirs);
+  if (words.there.empty()) return words.subject + ": here only, " + words.here;
+  if (words.here.empty()) return words.subject + ": there only, " + words.there;
+  return words.subject + ": here " + words.here + ", there " + words.there;
 }
 
 const UUID& conflictID(const MergeConflict& conflict) {

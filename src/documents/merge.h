@@ -77,6 +77,13 @@ Merge mergeDrawings(const Drawing* base, const Drawing& ours, const Drawing& the
 Drawing mergedDrawing(const Merge& merge, const Drawing& ours,
                       const std::function<MergeChoice(const MergeConflict&)>& choose);
 
+/// What either side has made of it.
+struct ConflictWords {
+  std::string subject;  ///< "Wall 18"
+  std::string here;     ///< "moved 2' right"; empty where, without an ancestor, it is there only
+  std::string there;    ///< "removed"; empty where, without an ancestor, it is here only
+};
+ConflictWords conflictWords(const MergeConflict& conflict, const Drawing& ours, const Drawing& theirs);
 /// "Wall 18: here moved 2' right, there removed"
 std::string conflictText(const MergeConflict& conflict, const Drawing& ours, const Drawing& theirs);
 /// The identifier under which a conflict is known to ours, or to theirs where ours has it not.

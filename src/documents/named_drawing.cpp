@@ -14,6 +14,7 @@ namespace ostrelon {
 namespace {
 
 constexpr std::string_view kCheckpointPrefix = "cp-";
+constexpr std::string_view kKeptPrefix = "kept ";
 constexpr std::uint64_t kLargeFile = 2 << 20;  // bytes
 constexpr std::uint64_t kManyEntities = 20'000;
 
@@ -26,10 +27,10 @@ Drawing drawingOf(std::string bytes) {
   return openedDocument(SketchDocumentIO::decodeDocument(std::move(bytes)), Drawing()).drawing;
 }
 
-DrawingSource sourceOf(const DocumentSession& document, std::string name,
+DrawingSource sourceOf(const NamedPlaces& places, std::string name,
                        const DocumentHistoryState::FoundCheckpoint& found) {
-  FileSystem& files = document.host().files;
-  const FilePath url = **document.fileURL;
+  FileSystem& files = *places.files;
+  const FilePath url = *places.document;
   const std::string branch = found.branch.id;
   const std::string file = found.checkpoint.fileName;
   return {std::move(name), found.checkpoint.id, isLargeFile(files, checkpointURL(url, branch, file)),
@@ -44,17 +45,17 @@ bool hasComeFrom(const Drawing& drawing, const Drawing& ancestor) {
   return difference.removed.size() < ancestor.entities.size();
 }
 
-std::optional<DrawingSource> checkpointSource(const DocumentSession& document, const std::string& name) {
-  if (!document.fileURL->has_value()) return std::nullopt;
+std::optional<DrawingSource> checkpointSource(const NamedPlaces& places, const std::string& name) {
+  if (!places.document) return std::nullopt;
   using Error = DocumentHistoryStoreError;
-  const DocumentHistoryState state = loadDocumentHistory(document.host().files, **document.fileURL);
+  const DocumentHistoryState state = loadDocumentHistory(*places.files, *places.document);
   if (const DocumentHistoryBranch* branch = state.findBranch(name)) {
     if (!branch->headCheckpointID) {
       throw UserError("Branch " + branch->name + " does not have a checkpoint yet.");
     }
     const auto head = state.findCheckpoint(*branch->headCheckpointID);
     if (!head) throw Error(Error::Case::checkpointNotFound, *branch->headCheckpointID);
-    return sourceOf(document, "branch " + branch->name, *head);
+    return sourceOf(places, "branch " + branch->name, *head);
   }
   const std::string beginning = lowerCased(name);
   if (!beginning.starts_with(kCheckpointPrefix) || beginning.size() == kCheckpointPrefix.size()) {
@@ -65,19 +66,18 @@ std::optional<DrawingSource> checkpointSource(const DocumentSession& document, c
     throw UserError(fmt::format("{} checkpoints begin with {}; give more of it.", found.size(), name));
   }
   if (found.empty()) return std::nullopt;
-  return sourceOf(document, found.front().checkpoint.id, found.front());
+  return sourceOf(places, found.front().checkpoint.id, found.front());
 }
 
 // "kept 2", by its number among the kept drawings, the newest first, or by its identifier.
-std::optional<DrawingSource> keptSource(const DocumentSession& document, const std::string& name) {
-  constexpr std::string_view kPrefix = "kept ";
-  const std::optional<KeptDrawings>& store = document.keptIn();
-  if (!store || !lowerCased(name).starts_with(kPrefix)) return std::nullopt;
-  const std::string wanted(trimmed(name.substr(kPrefix.size())));
-  const std::vector<KeptDrawing> all = store->list();
+std::optional<DrawingSource> keptSource(const NamedPlaces& places, const std::string& name) {
+  if (!places.kept || !lowerCased(name).starts_with(kKeptPrefix)) return std::nullopt;
+  const std::string wanted(trimmed(name.substr(kKeptPrefix.size())));
+  const std::vector<KeptDrawing> all = places.kept->list();
   for (std::size_t i = 0; i < all.size(); ++i) {
-    if (wanted != std::to_string(i + 1) && wanted != all[i].id) continue;
-    return keptDrawingSource(*store, all[i]);
+    if (wanted == std::to_string(i + 1) || wanted == all[i].id) {
+      return keptDrawingSource(*places.kept, all[i]);
+    }
   }
   return std::nullopt;
 }
@@ -96,37 +96,51 @@ DrawingSource keptDrawingSource(const KeptDrawings& store, const KeptDrawing& ke
           [store, id = kept.id] { return drawingOf(store.read(id)); }};
 }
 
-DrawingSource drawingSource(const DocumentSession& document, std::string_view name) {
+NamedPlaces namedPlaces(const DocumentSession& document) {
+  return {&document.host().files, document.fileURL, document.documentsFolder(), document.keptIn()};
+}
+
+DrawingSource drawingSource(const NamedPlaces& places, std::string_view name) {
   const std::string wanted(trimmed(name));
-  if (auto found = checkpointSource(document, wanted)) return *std::move(found);
-  if (auto found = keptSource(document, wanted)) return *std::move(found);
-  FileSystem& files = document.host().files;
-  FilePath path = standardizedPath(document.documentsFolder() / wanted);
+  if (auto found = checkpointSource(places, wanted)) return *std::move(found);
+  if (auto found = keptSource(places, wanted)) return *std::move(found);
+  FilePath path = standardizedPath(places.documentsFolder / wanted);
   if (!hasDocumentExtension(path)) path += kDocumentExtension;
-  if (wanted.empty() || !files.exists(path)) {
+  if (wanted.empty() || !places.files->exists(path)) {
     throw UserError(fmt::format("There is no branch, checkpoint or document named \"{}\".", wanted));
   }
-  return fileDrawingSource(files, path);
+  return fileDrawingSource(*places.files, path);
+}
+
+DrawingSource drawingSource(const DocumentSession& document, std::string_view name) {
+  return drawingSource(namedPlaces(document), name);
+}
+
+NamedDrawing namedDrawing(const DrawingSource& source) {
+  return {source.name, source.read(), source.checkpointID};
 }
 
 NamedDrawing namedDrawing(const DocumentSession& document, std::string_view name) {
-  const DrawingSource source = drawingSource(document, name);
-  return {source.name, source.read(), source.checkpointID};
+  return namedDrawing(drawingSource(document, name));
+}
+
+std::optional<Drawing> commonAncestor(const NamedPlaces& places, const Drawing& ours,
+                                      std::vector<std::string> merged, const NamedDrawing& theirs) {
+  if (!theirs.checkpointID || !places.document) return std::nullopt;
+  const DocumentHistoryState state = loadDocumentHistory(*places.files, *places.document);
+  const DocumentHistoryBranch* current = state.currentBranch();
+  if (current != nullptr && current->headCheckpointID) merged.push_back(*current->headCheckpointID);
+  const auto ancestor = state.nearestCommonAncestor(merged, *theirs.checkpointID);
+  if (!ancestor) return std::nullopt;
+  Drawing base = sourceOf(places, *ancestor, *state.findCheckpoint(*ancestor)).read();
+  if (!hasComeFrom(ours, base)) return std::nullopt;
+  return base;
 }
 
 MergeOutcome mergeIntoDocument(DocumentSession& document, const NamedDrawing& theirs,
                                std::optional<MergeChoice> choice) {
-  std::optional<Drawing> base;
-  if (theirs.checkpointID) {
-    const DocumentHistoryState state = loadDocumentHistory(document.host().files, **document.fileURL);
-    std::vector<std::string> ours = document.mergedCheckpoints();
-    const DocumentHistoryBranch* current = state.currentBranch();
-    if (current != nullptr && current->headCheckpointID) ours.push_back(*current->headCheckpointID);
-    const auto ancestor = state.nearestCommonAncestor(ours, *theirs.checkpointID);
-    if (ancestor) base = sourceOf(document, *ancestor, *state.findCheckpoint(*ancestor)).read();
-    if (base && !hasComeFrom(document.sketch().drawing, *base)) base.reset();
-  }
   const Drawing ours = document.sketch().drawing;
+  const auto base = commonAncestor(namedPlaces(document), ours, document.mergedCheckpoints(), theirs);
   const Merge merge =
       mergeDrawings(base ? &*base : nullptr, ours, theirs.drawing, NumberPrecision::asInFiles);
   const Drawing merged =

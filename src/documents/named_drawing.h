@@ -31,18 +31,34 @@ struct NamedDrawing {
   std::optional<std::string> checkpointID;  ///< of a branch: its head
 };
 
-/// Reads it. Throws `UserError`, also when a name fits several checkpoints or nothing.
-NamedDrawing namedDrawing(const DocumentSession& document, std::string_view name);
+/// Where names lead to from a document. Values, so that drawings can be read away from the main thread.
+struct NamedPlaces {
+  FileSystem* files = nullptr;
+  std::optional<FilePath> document;  ///< its file
+  FilePath documentsFolder;
+  std::optional<KeptDrawings> kept;
+};
+NamedPlaces namedPlaces(const DocumentSession& document);
 
-/// The same, to be read later. Throws `UserError` where the name fits several checkpoints or nothing.
+/// Finds it, to be read later. Throws `UserError` where the name fits several checkpoints or nothing.
+DrawingSource drawingSource(const NamedPlaces& places, std::string_view name);
 DrawingSource drawingSource(const DocumentSession& document, std::string_view name);
 /// A document file by its path.
 DrawingSource fileDrawingSource(FileSystem& files, const FilePath& path);
 /// A kept drawing.
 DrawingSource keptDrawingSource(const KeptDrawings& store, const KeptDrawing& kept);
 
+/// Reads it. Throws `UserError`.
+NamedDrawing namedDrawing(const DrawingSource& source);
+NamedDrawing namedDrawing(const DocumentSession& document, std::string_view name);
+
 /// The content of a document file, read whatever its name ends in. Throws `UserError`.
 Drawing drawingOfFile(FileSystem& files, const FilePath& path);
+
+/// The nearest drawing that ours and theirs have both come from, if the document's history has one.
+/// `merged`: the checkpoints that were merged into ours and are not recorded yet. Throws `UserError`.
+std::optional<Drawing> commonAncestor(const NamedPlaces& places, const Drawing& ours,
+                                      std::vector<std::string> merged, const NamedDrawing& theirs);
 
 struct MergeOutcome {
   /// From our drawing before to the merged one; where conflicts are unsettled, what would be taken.

@@ -102,47 +102,69 @@ class ChoiceRowsView final : public RowsView {
 
 }  // namespace
 
-CompareSheet::CompareSheet(Application& application, Theme& theme, QWidget& window)
-    : DialogSheet(theme, window, kSheetWidth, kSheetPadding),
-      application_(application),
-      choices_(comparisonChoices(application)) {
-  setObjectName(QStringLiteral("compare"));
-  setAccessibleName(QStringLiteral("Compare with"));
+CompareSheet::Purpose CompareSheet::comparing(Application& application) {
+  return {
+      QStringLiteral("compare"),
+      QStringLiteral("Compare with"),
+      QStringLiteral("Compare"),
+      QStringLiteral("Shows what this drawing has that the other one has not, and the other way round. You "
+                     "can draw on meanwhile."),
+      QStringLiteral("A drawing that has been saved can be compared with its last save, its branches and "
+                     "its checkpoints. Any drawing can be compared with a file."),
+      comparisonChoices(application),
+      [&application](const ComparisonChoice& choice) { compareWith(application, choice); },
+      [&application] { compareWithPanel(application); }};
+}
+
+CompareSheet::Purpose CompareSheet::merging(Application& application) {
+  return {
+      QStringLiteral("merge"),
+      QStringLiteral("Merge"),
+      QStringLiteral("Show Merge"),
+      QStringLiteral("Shows what would come into this drawing, and what both sides have changed "
+                     "differently. Nothing is merged before you say so."),
+      QStringLiteral("There is no other branch or checkpoint of this drawing yet. Any file can be merged."),
+      mergeChoices(application),
+      [&application](const ComparisonChoice& choice) { mergeWith(application, choice.name); },
+      [&application] { mergeWithPanel(application); }};
+}
+
+CompareSheet::CompareSheet(Application& application, Theme& theme, QWidget& window, Purpose purpose)
+    : DialogSheet(theme, window, kSheetWidth, kSheetPadding), purpose_(std::move(purpose)) {
+  const auto named = [this](const char* part) {
+    return purpose_.identifier + u'.' + QString::fromLatin1(part);
+  };
+  setObjectName(purpose_.identifier);
+  setAccessibleName(purpose_.title);
   const auto addText = [&](TextStyle style, const QString& text) {
     auto* label = new TextLabel(theme, style, TextLabel::Rank::primary, text);
     label->setWordWrap(true);
     content().addWidget(label);
   };
-  addText(TextStyle::display, QStringLiteral("Compare with"));
+  addText(TextStyle::display, purpose_.title);
   content().addSpacing(8);
-  if (choices_.empty()) {
-    addText(TextStyle::body,
-            QStringLiteral("A drawing that has been saved can be compared with its last save, "
-                           "its branches and its checkpoints. Any drawing can be compared with "
-                           "a file."));
+  if (purpose_.choices.empty()) {
+    addText(TextStyle::body, purpose_.nothing);
   } else {
-    addText(TextStyle::body, QStringLiteral("Shows what this drawing has that the other one has not, and the "
-                                            "other way round. You can draw on meanwhile."));
+    addText(TextStyle::body, purpose_.explanation);
     content().addSpacing(12);
-    auto* model = new ChoiceModel(choices_, application.host().scheduler.now(), this);
+    auto* model = new ChoiceModel(purpose_.choices, application.host().scheduler.now(), this);
     list_ = new ChoiceRowsView(theme, *model, nullptr);
-    list_->setObjectName(QStringLiteral("compare.list"));
+    list_->setObjectName(named("list"));
     list_->setAccessibleName(QStringLiteral("Drawings"));
     list_->setFixedHeight(std::min(kMostShownRows, model->rowCount()) * kRowHeight);
     list_->setCurrentIndex(model->index(0, 0));
     content().addWidget(list_);
     addToTabOrder(list_);
-    connect(list_, &QAbstractItemView::doubleClicked, this, [this] { compare(); });
+    connect(list_, &QAbstractItemView::doubleClicked, this, [this] { take(); });
   }
-  Button* file =
-      addLeftButton(QStringLiteral("File…"), Button::Kind::outlined, QStringLiteral("compare.file"));
+  Button* file = addLeftButton(QStringLiteral("File…"), Button::Kind::outlined, named("file"));
   connect(file, &QPushButton::clicked, this, [this] {
     hide();
     deleteLater();
-    compareWithPanel(application_);
+    purpose_.chooseFile();
   });
-  Button* cancel =
-      addButton(QStringLiteral("Cancel"), Button::Kind::outlined, QStringLiteral("compare.cancel"));
+  Button* cancel = addButton(QStringLiteral("Cancel"), Button::Kind::outlined, named("cancel"));
   connect(cancel, &QPushButton::clicked, this, [this] {
     hide();
     deleteLater();
@@ -152,21 +174,20 @@ CompareSheet::CompareSheet(Application& application, Theme& theme, QWidget& wind
     setDefaultButton(file);
     setFirstFocus(file);
   } else {
-    Button* compareButton =
-        addButton(QStringLiteral("Compare"), Button::Kind::primary, QStringLiteral("compare.compare"));
-    connect(compareButton, &QPushButton::clicked, this, [this] { compare(); });
-    setDefaultButton(compareButton);
+    Button* action = addButton(purpose_.action, Button::Kind::primary, named("take"));
+    connect(action, &QPushButton::clicked, this, [this] { take(); });
+    setDefaultButton(action);
     setFirstFocus(list_);
   }
 }
 
-void CompareSheet::compare() {
+void CompareSheet::take() {
   const int row = list_->currentIndex().row();
   if (row < 0) return;
-  const ComparisonChoice choice = choices_.at(static_cast<std::size_t>(row));
+  const ComparisonChoice choice = purpose_.choices.at(static_cast<std::size_t>(row));
   hide();
   deleteLater();
-  compareWith(application_, choice);
+  purpose_.choose(choice);
 }
 
 }  // namespace ostrelon

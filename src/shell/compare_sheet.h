@@ -1,8 +1,9 @@
-// What to compare the drawing with, asked over the main window: the last save, a branch, a checkpoint or a
-// file.
+// Another drawing, asked for over the main window: the last save, a branch, a checkpoint or a file. For
+// comparing the open drawing with it, and for merging it.
 #pragma once
 
 #include <QAbstractListModel>
+#include <functional>
 #include <vector>
 
 #include "app/comparison_choices.h"
@@ -15,13 +16,26 @@ class CompareSheet final : public DialogSheet {
   Q_OBJECT
 
  public:
-  CompareSheet(Application& application, Theme& theme, QWidget& window);
+  /// What the sheet is for.
+  struct Purpose {
+    QString identifier;   ///< "compare"
+    QString title;        ///< "Compare with"
+    QString action;       ///< of the button: "Compare"
+    QString explanation;  ///< shown above the list
+    QString nothing;      ///< shown in the place of an empty list
+    std::vector<ComparisonChoice> choices;
+    std::function<void(const ComparisonChoice& choice)> choose;
+    std::function<void()> chooseFile;
+  };
+  static Purpose comparing(Application& application);
+  static Purpose merging(Application& application);
+
+  CompareSheet(Application& application, Theme& theme, QWidget& window, Purpose purpose);
 
  private:
-  void compare();
+  void take();
 
-  Application& application_;
-  std::vector<ComparisonChoice> choices_;
+  Purpose purpose_;
   RowsView* list_ = nullptr;  // null where there is nothing but files
 };
 

@@ -413,8 +413,11 @@ void ComparisonPresenter::refresh() {
   if (!state) {
     blending_.stop();
     if (panel_ == nullptr) return;
-    window_.canvas().setDifference(std::nullopt);
-    if (window_.reviewPanel() == panel_) window_.setReviewPanel(nullptr);
+    // A merge may have taken its place.
+    if (window_.reviewPanel() == panel_) {
+      window_.canvas().setDifference(std::nullopt);
+      window_.setReviewPanel(nullptr);
+    }
     panel_ = nullptr;
     return;
   }

@@ -176,6 +176,9 @@ QWidget* HistoryWindow::makeDetails() {
                 QStringLiteral("Begin a branch with this checkpoint"), &HistoryWindow::branchFromHere);
   switchButton_ = addButton(Button::Kind::outlined, QStringLiteral("Switch"), "history.switch", {},
                             &HistoryWindow::switchBranch);
+  compareButton_ = addButton(Button::Kind::outlined, QStringLiteral("Compare"), "history.compare",
+                             QStringLiteral("Show in the main window what differs from the open drawing"),
+                             &HistoryWindow::compare);
   openButton_ =
       addButton(Button::Kind::outlined, QStringLiteral("Open as New Document"), "history.open",
                 QStringLiteral("Open this drawing without changing the document"), &HistoryWindow::openAsNew);
@@ -320,7 +323,7 @@ void HistoryWindow::refreshDetails() {
   branchButton_->setVisible(actions.newBranch);
   switchButton_->setVisible(actions.switchBranch);
   deleteButton_->setVisible(actions.deletion);
-  for (Button* button : {openButton_, restoreButton_}) {
+  for (Button* button : {compareButton_, openButton_, restoreButton_}) {
     button->setVisible(row != nullptr);
     button->setEnabled(drawing != nullptr);
   }
@@ -337,6 +340,13 @@ void HistoryWindow::refreshStatus() {
 void HistoryWindow::restore() {
   const OpenedDocument* drawing = chosenDrawing();
   if (drawing != nullptr) restoreFromHistory(application_, *chosenRow(), drawing->drawing);
+}
+
+void HistoryWindow::compare() {
+  const OpenedDocument* drawing = chosenDrawing();
+  if (drawing == nullptr) return;
+  compareFromHistory(application_, *chosenRow(), drawing->drawing);
+  hide();
 }
 
 void HistoryWindow::openAsNew() {

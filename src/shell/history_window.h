@@ -57,6 +57,7 @@ class HistoryWindow final : public QWidget {
 
   void restore();
   void openAsNew();
+  void compare();
   void branchFromHere();
   void switchBranch();
   void deleteKept();
@@ -76,6 +77,7 @@ class HistoryWindow final : public QWidget {
   Buttons* buttons_ = nullptr;
   Button* restoreButton_ = nullptr;
   Button* openButton_ = nullptr;
+  Button* compareButton_ = nullptr;
   Button* branchButton_ = nullptr;
   Button* switchButton_ = nullptr;
   Button* deleteButton_ = nullptr;

@@ -23,6 +23,7 @@
 #include "shell/export_sheet.h"
 #include "shell/icons.h"
 #include "shell/installer_opener.h"
+#include "shell/merge_panel.h"
 #include "shell/print_window.h"
 #include "shell/qt_scheduler.h"
 #include "shell/qt_text.h"
@@ -74,6 +75,7 @@ WindowedProgram::WindowedProgram(Application& application, Theme& theme, QtDialo
   inspector_ = new InspectorWindow(application.workspace(), theme, mainWindow_.get());
   new SheetPresenter(application, theme, *mainWindow_);
   new ComparisonPresenter(application, theme, *mainWindow_);
+  new MergePresenter(application, theme, *mainWindow_);
   dialogs.setWindow(mainWindow_.get());
   paletteSubscription_ =
       application.settings().observe(fieldsOf(application.settings().activePalette), [this](FieldMask) {
@@ -83,7 +85,16 @@ WindowedProgram::WindowedProgram(Application& application, Theme& theme, QtDialo
       {.showSettings = [this] { settings().open(); },
        .showExport = [this] { (new ExportSheet(application_, theme_, *mainWindow_))->open(); },
        .showPrint = [this] { (new PrintWindow(application_, theme_, mainWindow_.get()))->open(); },
-       .showCompare = [this] { (new CompareSheet(application_, theme_, *mainWindow_))->open(); },
+       .showCompare =
+           [this] {
+             (new CompareSheet(application_, theme_, *mainWindow_, CompareSheet::comparing(application_)))
+                 ->open();
+           },
+       .showMerge =
+           [this] {
+             (new CompareSheet(application_, theme_, *mainWindow_, CompareSheet::merging(application_)))
+                 ->open();
+           },
        .showManual = [this] { manual().open(); },
        .showShortcuts = [this] { shortcuts().open(); },
        .showHistory = [this] { history().open(); },

@@ -154,6 +154,14 @@ TEST(Merge, EditsOfOtherEntitiesNeverMeet) {
     const Drawing theirs = randomlyEdited(random, base, 40, [](const UUID& id) { return id.low % 2 == 1; });
     ASSERT_THAT(mergeDrawings(&base, ours, theirs).conflicts, IsEmpty());
     const Drawing result = merged(base, ours, theirs, MergeChoice::ours);
+    auto both = setOf(ours.entities);
+    for (const auto& [id, entity] : setOf(base.entities)) {
+      if (id.low % 2 == 1) both.erase(id);
+    }
+    for (const auto& [id, entity] : setOf(theirs.entities)) {
+      if (base.entities.find(id) == nullptr || id.low % 2 == 1) both.emplace(id, entity);
+    }
+    ASSERT_EQ(setOf(result.entities), both);
 
     TestWorkspace t;
     t.sketch.replace(ours);

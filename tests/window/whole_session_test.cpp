@@ -1,93 +1,17 @@
 // The program as a person meets it, in a real window: the first start, drawing, saving, closing with
-// the question, the next start, and recovery after a crash. Pictures of the stages stay in the build
-// folder, under window-pictures.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
+// the question, the next start, and recovery after a crash.
 #include <cstdlib>
 
-#include "support/disk_workspace.h"
-#include "window/virtual_screen.h"
+#include "window/window_session.h"
 
 namespace ostrelon {
 namespace {
 
 namespace fs = std::filesystem;
 using testing::eventually;
-using testing::Process;
+using testing::kProgram;
 
-constexpr const char* kProgram = OSTRELON_BINARY_DIR "/ostrelon";
-constexpr int kWidth = 1200;
-constexpr int kHeight = 840;
-
-struct WholeSession : ::testing::Test {
-  testing::TemporaryFolder folder;
-  std::unique_ptr<testing::VirtualScreen> screen;
-  std::unique_ptr<Process> program;
-  fs::path home = folder / "home";
-  fs::path document = home / "Documents" / "Ostrelon" / "Untitled Project.ostrel";
-  fs::path pictures = fs::path(OSTRELON_BINARY_DIR) / "window-pictures";
-
-  void SetUp() override {
-    for (const char* needed : {"Xvfb", "xdotool", "import"}) {
-      if (!testing::isInstalled(needed)) GTEST_SKIP() << needed << " is not installed";
-    }
-    screen = std::make_unique<testing::VirtualScreen>(kWidth, kHeight, folder.path());
-    ASSERT_TRUE(screen->isReady()) << testing::readBytes(folder / "server.log");
-    fs::create_directories(pictures);
-  }
-
-  /// Starts the program and waits for its window, which must have one of the two looks.
-  void start(std::vector<std::string> arguments, bool withSheet) {
-    std::vector<std::string> line{kProgram, "--home", home.string()};
-    line.insert(line.end(), arguments.begin(), arguments.end());
-    program = std::make_unique<Process>(
-        line,
-        std::vector<std::string>{"DISPLAY=" + screen->display(), "QT_QPA_PLATFORM=xcb", "QT_SCALE_FACTOR=1",
-                                 "LC_ALL=C.UTF-8", "XDG_RUNTIME_DIR=" + folder.path().string(),
-                                 "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent"},
-        folder / "program.log");
-    ASSERT_TRUE(eventually([&] { return !screen->titleOfWindow("Untitled Project").empty(); })) << log();
-    ASSERT_TRUE(eventually([&] { return withSheet ? hasSheet() : isClear(); })) << log();
-    screen->focus("Untitled Project");
-  }
-  std::string log() const { return testing::readBytes(folder / "program.log"); }
-  std::string title() const { return screen->titleOfWindow("Untitled Project"); }
-  void shoot(const char* name) const { screen->shoot(pictures / (std::string(name) + ".png")); }
-
-  /// The lightness of the navigation where nothing stands. A sheet's scrim dims it.
-  int paperLightness() const { return screen->pixel(4, 600).lightness(); }
-  bool hasSheet() const { return paperLightness() > 120 && paperLightness() < 235; }
-  bool isClear() const { return paperLightness() >= 250; }
-
-  /// Presses Return until what it leads to has come: the key is lost while a sheet is still opening,
-  /// and an empty console line takes it without a trace.
-  void pressReturnUntil(const std::function<bool()>& done) {
-    ASSERT_TRUE(eventually([&] {
-      screen->key("Return");
-      return eventually(done, std::chrono::seconds(1));
-    })) << log();
-  }
-  void console(const std::string& line) {
-    screen->type(line);
-    screen->key("Return");
-  }
-  std::string setting(const std::string& name) const {
-    const std::string settings = testing::readBytes(home / "settings.json");
-    return settings.find('"' + name + '"') == std::string::npos ? std::string() : settings;
-  }
-  std::size_t savedEntities() const {
-    testing::DiskWorkspace reader;
-    reader.document.open(document);
-    return reader.sketch.entities().size();
-  }
-  /// Ends the program by its own menu command, with nothing to ask about.
-  void quit() {
-    screen->key("ctrl+q");
-    ASSERT_TRUE(eventually([&] { return program->hasEnded(); })) << log();
-    EXPECT_EQ(program->status(), 0) << log();
-  }
-};
+struct WholeSession : testing::WindowSession {};
 
 TEST_F(WholeSession, FromTheFirstStartToRecoveryAfterACrash) {
   // The first start asks for a folder.
