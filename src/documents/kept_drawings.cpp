@@ -81,7 +81,7 @@ FilePath KeptDrawings::recordPath(const std::string& id) const {
 }
 
 KeptDrawing KeptDrawings::keep(KeptDrawing about, const FileSystem::Producer& document) const {
-  files_.createPrivateFolder(folder_);
+  files_->createPrivateFolder(folder_);
   const std::vector<KeptDrawing> before = records();
   about.id = UUID::random().text();
   const Date now = about.keptAt;
@@ -91,13 +91,13 @@ KeptDrawing KeptDrawings::keep(KeptDrawing about, const FileSystem::Producer& do
   }
   const FilePath path = documentPath(about.id);
   try {
-    files_.preparePrivateFile(path, document)->commit();
+    files_->preparePrivateFile(path, document)->commit();
     const std::string text = recordText(about);
-    files_.preparePrivateFile(recordPath(about.id), [&](const auto& write) { write(text); })->commit();
+    files_->preparePrivateFile(recordPath(about.id), [&](const auto& write) { write(text); })->commit();
   } catch (...) {
     try {
-      files_.removeFile(recordPath(about.id));
-      files_.removeFile(path);
+      files_->removeFile(recordPath(about.id));
+      files_->removeFile(path);
     } catch (const FileError&) {
       // A drawing without a record goes when it has been there for a day.
     }
@@ -113,12 +113,12 @@ KeptDrawing KeptDrawings::keep(KeptDrawing about, const FileSystem::Producer& do
 
 std::vector<KeptDrawing> KeptDrawings::records() const {
   std::vector<KeptDrawing> found;
-  if (!files_.exists(folder_)) return found;
-  for (const std::string& name : files_.list(folder_)) {
+  if (!files_->exists(folder_)) return found;
+  for (const std::string& name : files_->list(folder_)) {
     const auto id = idOf(name, kRecordExtension);
     if (!id) continue;
     try {
-      if (auto kept = recordOf(*id, files_.readFile(folder_ / name))) found.push_back(*std::move(kept));
+      if (auto kept = recordOf(*id, files_->readFile(folder_ / name))) found.push_back(*std::move(kept));
     } catch (const FileError&) {
       // One that cannot be read does not hide the others.
     }
@@ -131,27 +131,27 @@ std::vector<KeptDrawing> KeptDrawings::records() const {
 
 std::vector<KeptDrawing> KeptDrawings::list() const {
   std::vector<KeptDrawing> found = records();
-  std::erase_if(found, [&](const KeptDrawing& kept) { return !files_.exists(documentPath(kept.id)); });
+  std::erase_if(found, [&](const KeptDrawing& kept) { return !files_->exists(documentPath(kept.id)); });
   return found;
 }
 
 KeptDrawing KeptDrawings::find(const std::string& id) const {
   // Only what is an identifier becomes part of a path.
-  if (UUID::parse(id) && files_.exists(recordPath(id)) && files_.exists(documentPath(id))) {
-    if (auto kept = recordOf(id, files_.readFile(recordPath(id)))) return *std::move(kept);
+  if (UUID::parse(id) && files_->exists(recordPath(id)) && files_->exists(documentPath(id))) {
+    if (auto kept = recordOf(id, files_->readFile(recordPath(id)))) return *std::move(kept);
   }
   throw UserError("There is no kept drawing " + id + ".");
 }
 
 std::string KeptDrawings::read(const std::string& id) const {
-  return files_.readFile(documentPath(find(id).id));
+  return files_->readFile(documentPath(find(id).id));
 }
 
 void KeptDrawings::remove(const std::string& id) const {
   const KeptDrawing kept = find(id);
-  files_.removeFile(recordPath(kept.id));
-  files_.removeFile(documentPath(kept.id));
-  files_.syncFolder(folder_);
+  files_->removeFile(recordPath(kept.id));
+  files_->removeFile(documentPath(kept.id));
+  files_->syncFolder(folder_);
 }
 
 void KeptDrawings::dropOld(Date now) const {
@@ -159,20 +159,20 @@ void KeptDrawings::dropOld(Date now) const {
   std::size_t number = 0;
   const std::vector<KeptDrawing> all = records();
   for (const KeptDrawing& kept : all) {
-    const auto info = files_.info(documentPath(kept.id));
+    const auto info = files_->info(documentPath(kept.id));
     if (info) bytes += info->size;
     const bool isYoung = secondsBetween(kept.keptAt, now) <= limits_.age.count();
     if (number++ < limits_.count || (isYoung && bytes <= limits_.bytes)) continue;
-    files_.removeFile(recordPath(kept.id));
-    files_.removeFile(documentPath(kept.id));
+    files_->removeFile(recordPath(kept.id));
+    files_->removeFile(documentPath(kept.id));
   }
-  for (const std::string& name : files_.list(folder_)) {
+  for (const std::string& name : files_->list(folder_)) {
     const auto id = idOf(name, kDocumentExtension);
-    const auto info = id ? files_.info(folder_ / name) : std::nullopt;
-    if (!info || files_.exists(recordPath(*id)) || !info->modifiedAt) continue;
+    const auto info = id ? files_->info(folder_ / name) : std::nullopt;
+    if (!info || files_->exists(recordPath(*id)) || !info->modifiedAt) continue;
     // Files have the time of the machine, which the program's own clock need not follow.
     const Date clock = std::chrono::time_point_cast<Date::duration>(std::chrono::system_clock::now());
-    if (secondsBetween(*info->modifiedAt, clock) > kAbandonedAfter.count()) files_.removeFile(folder_ / name);
+    if (secondsBetween(*info->modifiedAt, clock) > kAbandonedAfter.count()) files_->removeFile(folder_ / name);
   }
 }
 

@@ -50,7 +50,7 @@ class KeptDrawings {
  public:
   /// Reads and writes nothing. `files` must outlive the object.
   KeptDrawings(FileSystem& files, FilePath folder, KeptLimits limits = {})
-      : files_(files), folder_(std::move(folder)), limits_(limits) {}
+      : files_(&files), folder_(std::move(folder)), limits_(limits) {}
 
   /// Writes a drawing and drops what is beyond the limits. `about` has no identifier yet; its time may be
   /// moved behind that of the newest one there is. Where it throws, nothing has been kept.
@@ -68,7 +68,7 @@ class KeptDrawings {
   std::vector<KeptDrawing> records() const;
   void dropOld(Date now) const;
 
-  FileSystem& files_;
+  FileSystem* files_;
   FilePath folder_;
   KeptLimits limits_;
 };

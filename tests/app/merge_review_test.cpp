@@ -165,7 +165,7 @@ TEST_F(MergeReviews, AreReadAndMadeAwayFromTheMainThread) {
   workspace.console.setInput("line 7 7 8 8");
   workspace.console.submit();
   scheduler.clock.advance(Seconds(0.5));
-  EXPECT_EQ((*workspace.messages.toast)->message, "Reading option…");
+  EXPECT_EQ((*workspace.messages.toast)->message, "Reading branch option…");
   scheduler.finishBackground();
   ASSERT_TRUE(far.isOpen());
   EXPECT_EQ((*far.proposal)->ours, workspace.sketch.drawing.get()) << "what was drawn meanwhile is in it";
