@@ -172,7 +172,8 @@ void KeptDrawings::dropOld(Date now) const {
     if (!info || files_->exists(recordPath(*id)) || !info->modifiedAt) continue;
     // Files have the time of the machine, which the program's own clock need not follow.
     const Date clock = std::chrono::time_point_cast<Date::duration>(std::chrono::system_clock::now());
-    if (secondsBetween(*info->modifiedAt, clock) > kAbandonedAfter.count()) files_->removeFile(folder_ / name);
+    if (secondsBetween(*info->modifiedAt, clock) > kAbandonedAfter.count())
+      files_->removeFile(folder_ / name);
   }
 }
 
