@@ -283,6 +283,9 @@ How exported files look:
   --portrait, --landscape        how the sheet lies
   --theme light|dark|tansy       the colors of pictures, light unless told
   --grid                         draws the grid in pictures
+  --look PARTS                   the look of the plan, of clean, fill and weights:
+                                 --look clean,fill; or none; that of the document
+                                 unless told
   --dxf r12|2000                 the version of DXF, 2000 unless told
   --schedule openings            what a .csv file of --export holds
 

@@ -117,6 +117,7 @@ std::string exportDrawing(const Workspace& workspace, const FilePath& path, cons
                           const PictureMaker& makePicture) {
   FileSystem& files = workspace.host().files;
   ExportOptions options = given;
+  if (!options.look) options.look = workspace.sketch.drawing->plan.look;
   options.openings = std::make_shared<const OpeningLayout>(openingLayout(workspace.sketch));
   const std::string leftOut = leftOutText(*options.openings);
   if (isTableFile(path)) {
@@ -130,7 +131,7 @@ std::string exportDrawing(const Workspace& workspace, const FilePath& path, cons
   if (format == ExportFormat::dxf) {
     files.writeFile(path, [&](const FileSystem::Writer& write) {
       writeDxf(workspace.sketch.entities(), workspace.sketch.drawing->wallSystemSpecs, options.dxfVersion,
-               write, *options.openings);
+               write, *options.openings, *options.look);
     });
     return leftOut;
   }

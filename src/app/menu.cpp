@@ -7,6 +7,7 @@
 #include "app/inspector.h"
 #include "console/command_interpreter.h"
 #include "core/adding.h"
+#include "core/plan_look.h"
 #include "documents/document_store.h"
 #include "documents/history_prompts.h"
 #include "geometry/edit_operations.h"
@@ -95,6 +96,21 @@ std::vector<MenuChoice> justificationChoices(Application& app) {
     choices.push_back(
         {title, true, app.workspace().board.wallJustification == justification,
          [chosen = justification](Application& to) { to.workspace().board.setWallJustification(chosen); }});
+  }
+  return choices;
+}
+
+// Each row switches one part of the look and leaves the others.
+std::vector<MenuChoice> planLookChoices(Application& app) {
+  std::vector<MenuChoice> choices;
+  for (const auto& [title, part] :
+       {std::pair("Clean Walls", &PlanLook::cleanWalls), std::pair("Filled Walls", &PlanLook::filledWalls),
+        std::pair("Line Weights", &PlanLook::lineWeights)}) {
+    choices.push_back({title, true, app.workspace().sketch.drawing->plan.look.*part, [part](Application& to) {
+                         PlanLook look = to.workspace().sketch.drawing->plan.look;
+                         look.*part = !(look.*part);
+                         setPlanLook(to.workspace().sketch, look);
+                       }});
   }
   return choices;
 }
@@ -201,6 +217,8 @@ constexpr std::array kMenuCommands{
         [](Application& app) {
           app.workspace().board.resetViewport(app.workspace().board.view->canvasSize);
         }),
+    separator("View"),
+    submenu("View", "Plan Look", planLookChoices),
     row("Help", "Manual", "", [](Application& app) { runIfThere(app.windowActions().showManual); }),
     row("Help", "Keyboard Shortcuts", "",
         [](Application& app) { runIfThere(app.windowActions().showShortcuts); }),

@@ -143,6 +143,13 @@ struct ZoomView {
   To to = To::in;
 };
 
+// --- The look of the plan (look_command.h)
+
+struct ChangeLook {
+  /// What is switched, by its word, in the order typed; nothing: the look is told.
+  std::vector<std::pair<std::string, bool>> parts;
+};
+
 // --- Documents (history_commands.h)
 
 struct SaveCheckpoint {
@@ -185,7 +192,7 @@ using Action =
                  MoveSelectedLine, SetSelectedLength, NudgeSelection, AlignSelection, ConvertSelection,
                  TrimEntity, ExtendToBoundary, AddOpening, ListOpenings, UseWallSystem, ShowWallSystem,
                  ListWallSystems, AddWallSystem, ChangeWallSystem, DeleteWallSystem, ConvertWallSystems,
-                 ZoomView, SaveCheckpoint, ShowHistory, CreateBranch, SwitchBranch, ListKept, RestoreKept,
-                 CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;
+                 ZoomView, ChangeLook, SaveCheckpoint, ShowHistory, CreateBranch, SwitchBranch, ListKept,
+                 RestoreKept, CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;
 
 }  // namespace ostrelon::CommandInterpreter

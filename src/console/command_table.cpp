@@ -8,6 +8,7 @@
 #include "console/help_commands.h"
 #include "console/history_commands.h"
 #include "console/kept_commands.h"
+#include "console/look_command.h"
 #include "console/opening_commands.h"
 #include "console/run_command.h"
 #include "console/selection_commands.h"
@@ -214,6 +215,14 @@ std::vector<Command> makeTable() {
                        {.position = 2, .words = {"yes"}, .onlyAfter = "inches"},
                        {.position = 4, .names = Names::wallSystems, .onlyAfter = "to"}},
        .parse = parseSystem},
+      {.word = "look",
+       .usage = "look [clean|fill|weights on|off]…",
+       .summary = "how the plan looks: clean walls, filled walls, line weights",
+       .example = "look clean on fill on",
+       .completions = {{.words = {"clean", "fill", "weights"}}, {.position = 2, .words = {"off", "on"}}},
+       .isKnownInChains = true,
+       .chainRefusal = "look cannot be used in a chain.",
+       .parse = parseLook},
       {.word = "compare",
        .usage = "compare <name>",
        .summary = "what differs from a branch, a checkpoint or a document",

@@ -154,7 +154,9 @@ void writeLayers(DxfOutput& out, const DxfFrame& frame) {
   beginTable(out, frame, "LAYER", kLayerTable, static_cast<int>(names.size()) + 1);
   layer(kDxfBaseLayer, kBaseLayer, kForeground);
   for (std::size_t i = 0; i < names.size(); ++i) {
-    layer(names[i], DxfHandle{kFirstFree.value + i}, kWallColors[i % kWallColors.size()]);
+    // A negative colour turns a layer off.
+    const int color = kWallColors[i % kWallColors.size()];
+    layer(names[i], DxfHandle{kFirstFree.value + i}, names[i] == kDxfCenterLineLayer ? -color : color);
   }
   endTable(out);
 }

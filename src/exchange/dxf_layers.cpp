@@ -58,10 +58,12 @@ std::string dxfLayerName(std::string_view systemName, DxfVersion version) {
   return name.empty() ? "WALL" : name;
 }
 
-DxfLayers::DxfLayers(std::span<const WallSystemSpec> systems, DxfVersion version, bool hasOpenings) {
+DxfLayers::DxfLayers(std::span<const WallSystemSpec> systems, DxfVersion version, bool hasOpenings,
+                     bool withCenterLines) {
   std::unordered_map<std::string, std::string> layerOfName;  // by the system's name in lower case
   std::unordered_set<std::string> taken{std::string(kDxfBaseLayer), lowerCased(kDxfUnknownWallLayer)};
   if (hasOpenings) taken.insert({lowerCased(kDxfDoorLayer), lowerCased(kDxfGlazingLayer)});
+  if (withCenterLines) taken.insert(lowerCased(kDxfCenterLineLayer));
   for (const WallSystemSpec& system : systems) {
     std::string& layer = layerOfName[lowerCased(trimmed(system.name))];
     if (layer.empty()) {
@@ -78,6 +80,7 @@ DxfLayers::DxfLayers(std::span<const WallSystemSpec> systems, DxfVersion version
   }
   names_.push_back(unknown_);
   if (hasOpenings) names_.insert(names_.end(), {std::string(kDxfDoorLayer), std::string(kDxfGlazingLayer)});
+  if (withCenterLines) names_.emplace_back(kDxfCenterLineLayer);
 }
 
 const std::string& DxfLayers::layerOf(const UUID& systemID) const {

@@ -19,6 +19,8 @@ inline constexpr std::string_view kDxfBaseLayer = "0";
 /// The layers of doors and of windows; a drawing with openings has them.
 inline constexpr std::string_view kDxfDoorLayer = "A-DOOR";
 inline constexpr std::string_view kDxfGlazingLayer = "A-GLAZ";
+/// The layer of the centre lines of walls whose outlines are joined. It is off.
+inline constexpr std::string_view kDxfCenterLineLayer = "WALL-CENTER";
 /// The layer of walls whose system is not in the document.
 inline constexpr std::string_view kDxfUnknownWallLayer = "WALL-UNKNOWN";
 
@@ -29,7 +31,8 @@ std::string dxfLayerName(std::string_view systemName, DxfVersion version);
 
 class DxfLayers {
  public:
-  DxfLayers(std::span<const WallSystemSpec> systems, DxfVersion version, bool hasOpenings = false);
+  DxfLayers(std::span<const WallSystemSpec> systems, DxfVersion version, bool hasOpenings = false,
+            bool withCenterLines = false);
   /// Layers of these names, which are layer names as they are.
   explicit DxfLayers(std::vector<std::string> names) : names_(std::move(names)) {}
 
@@ -37,7 +40,7 @@ class DxfLayers {
   /// that become alike only on their way into the file are distinguished by a number.
   const std::string& layerOf(const UUID& systemID) const;
   /// All layers but the base layer, each once, in the order of the systems; the one of unknown
-  /// systems behind them, and those of openings last.
+  /// systems behind them, then those of openings, and that of the centre lines last.
   const std::vector<std::string>& names() const { return names_; }
 
  private:

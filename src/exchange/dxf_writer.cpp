@@ -12,8 +12,10 @@
 #include "exchange/dxf_layers.h"
 #include "exchange/dxf_output.h"
 #include "geometry/entity_geometry.h"
+#include "geometry/wall_loops.h"
 #include "interaction/canvas_frame.h"
 #include "interaction/drawing_bounds.h"
+#include "interaction/drawing_look.h"
 #include "interaction/entity_shape.h"
 
 namespace ostrelon {
@@ -22,12 +24,13 @@ namespace {
 class EntityWriter {
  public:
   EntityWriter(DxfOutput& out, const DxfLayers& layers, std::span<const WallSystemSpec> systems,
-               DxfVersion version, const OpeningLayout& openings)
+               DxfVersion version, const OpeningLayout& openings, const DrawingLook& look)
       : out_(out),
         layers_(layers),
         systems_(systems),
         version_(version),
         openings_(openings),
+        look_(look),
         next_(firstEntityHandle(layers)) {}
 
   /// Everything goes on this layer from now on; its walls are of these systems. Both must outlive their use.
@@ -37,8 +40,14 @@ class EntityWriter {
     systems_ = systems;
   }
 
+  void writeLoop(const WallLoop& loop) {
+    pen_ = penMillimetres(WallEntity{});
+    writeClosed(loop.points, layers_.layerOf(loop.systems.front()));
+  }
+
   /// False where there is nothing to write.
   bool write(const SketchEntity& entity) {
+    pen_ = penMillimetres(entity);
     return std::visit(
         Overloaded{
             [this](const LineEntity& line) { return writeLine(line); },
@@ -66,6 +75,8 @@ class EntityWriter {
       out_.text(100, "AcDbEntity");
     }
     out_.text(8, layer);
+    // In hundredths of a millimetre.
+    if (look_.plan.lineWeights && is2000()) out_.integer(370, std::lround(pen_ * 100));
     className_ = className;
   }
   // Ends what all entities have in common.
@@ -83,15 +94,18 @@ class EntityWriter {
   }
 
   bool writeWall(const WallEntity& wall) {
-    const std::string& layer = wallLayer_ != nullptr ? *wallLayer_ : layers_.layerOf(wall.systemSpecID);
+    const bool isJoined = look_.joinedWall(wall) != nullptr;
+    const std::string_view layer = isJoined                ? kDxfCenterLineLayer
+                                   : wallLayer_ != nullptr ? std::string_view(*wallLayer_)
+                                                           : layers_.layerOf(wall.systemSpecID);
     const double thickness = paintedWallThickness(wall, systems_);
     const auto& openings = openings_.ofWall(wall.id);
     if (openings.empty()) {
-      if (!writeClosed(wallCorners(wall.from, wall.to, thickness), layer)) return false;
+      if (!isJoined && !writeClosed(wallCorners(wall.from, wall.to, thickness), layer)) return false;
     } else {
       const OpeningWall& host = openings_.all()[openings.front()].wall;
       for (const auto& [from, to] : wallBesideOpenings(host, openings_)) {
-        writeClosed(wallCorners(host.at(from), host.at(to), thickness), layer);
+        if (!isJoined) writeClosed(wallCorners(host.at(from), host.at(to), thickness), layer);
       }
       for (const std::size_t place : openings) writeOpening(openings_.all()[place]);
     }
@@ -166,6 +180,8 @@ class EntityWriter {
   std::span<const WallSystemSpec> systems_;
   DxfVersion version_;
   const OpeningLayout& openings_;
+  const DrawingLook& look_;
+  double pen_ = 0;  // of the entity that is being written, millimetres
   DxfHandle next_;
   std::string_view className_;
   std::string_view baseLayer_ = kDxfBaseLayer;
@@ -189,17 +205,20 @@ void writeEntities(EntityWriter& writer, const EntityList& entities, DxfWritten&
 }  // namespace
 
 DxfWritten writeDxf(const EntityList& entities, std::span<const WallSystemSpec> systems, DxfVersion version,
-                    const FileSystem::Writer& write, const OpeningLayout& openings) {
+                    const FileSystem::Writer& write, const OpeningLayout& openings, const PlanLook& plan) {
   constexpr std::uint64_t kHandlesOfOpening = 4;  // another piece of its wall, and three lines at most
-  const DxfLayers layers(systems, version, !openings.empty());
+  const DrawingLook look = drawingLook(plan, entities, systems);
+  const std::vector<WallLoop> loops = wallLoops(look.joined);
+  const DxfLayers layers(systems, version, !openings.empty(), plan.cleanWalls);
   DxfOutput out(write);
-  // A wall takes two handles and everything else one.
-  const DxfHandle firstFree{firstEntityHandle(layers).value + 2 * entities.size() +
+  // A wall takes two handles at most and everything else one.
+  const DxfHandle firstFree{firstEntityHandle(layers).value + loops.size() + 2 * entities.size() +
                             kHandlesOfOpening * openings.all().size()};
   const DxfFrame frame{version, drawingBounds(entities).value_or(SketchBox{}), layers, firstFree};
   DxfWritten written;
   writeDxfHead(out, frame);
-  EntityWriter writer(out, layers, systems, version, openings);
+  EntityWriter writer(out, layers, systems, version, openings, look);
+  for (const WallLoop& loop : loops) writer.writeLoop(loop);
   writeEntities(writer, entities, written);
   writeDxfTail(out, frame);
   out.flush();
@@ -223,7 +242,8 @@ DxfWritten writeDxfByLayer(std::span<const DxfLayerContent> contents, DxfVersion
   DxfWritten written;
   writeDxfHead(out, frame);
   const OpeningLayout noOpenings;
-  EntityWriter writer(out, layers, {}, version, noOpenings);
+  const DrawingLook plain;
+  EntityWriter writer(out, layers, {}, version, noOpenings, plain);
   for (const DxfLayerContent& content : contents) {
     writer.setLayer(content.layer, content.systems);
     writeEntities(writer, content.entities, written);

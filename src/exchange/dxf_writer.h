@@ -18,6 +18,10 @@
 // its tip runs along an ARC on the layer "A-DOOR"; a window's faces and glass are LINEs on "A-GLAZ". Openings
 // that do not fit their walls are left out.
 //
+// In a look with clean walls, these are closed polylines around and within walls that are joined, each on the
+// layer of the system that has most of it, and their centre lines lie on a layer of their own, which is off.
+// In one with line weights every entity has its pen, in 2000 alone.
+//
 // A closed polyline is a POLYLINE in R12 and an LWPOLYLINE in 2000. All but walls lies on layer "0".
 #pragma once
 
@@ -27,6 +31,7 @@
 #include <vector>
 
 #include "core/entity_list.h"
+#include "core/plan.h"
 #include "core/wall_system.h"
 #include "exchange/dxf_version.h"
 #include "geometry/openings.h"
@@ -42,7 +47,8 @@ struct DxfWritten {
 
 /// Hands the file to `write` piece by piece, in the order of the list. Holds no copy of the drawing.
 DxfWritten writeDxf(const EntityList& entities, std::span<const WallSystemSpec> systems, DxfVersion version,
-                    const FileSystem::Writer& write, const OpeningLayout& openings = {});
+                    const FileSystem::Writer& write, const OpeningLayout& openings = {},
+                    const PlanLook& look = {});
 
 /// Entities that all go on one layer, walls included.
 struct DxfLayerContent {

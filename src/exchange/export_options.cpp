@@ -5,7 +5,9 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <sstream>
 
+#include "core/plan_look.h"
 #include "interaction/canvas_transform.h"
 #include "interaction/drawing_bounds.h"
 #include "platform/unicode.h"
@@ -96,6 +98,21 @@ constexpr std::array kDxfVersions{Word<DxfVersion>{"r12", DxfVersion::r12},
 constexpr std::array kSchedules{Word<ExportSchedule>{"openings", ExportSchedule::openings}};
 constexpr std::array kSwitches{Word<bool>{"on", true}, Word<bool>{"off", false}};
 
+// "clean,fill,weights", any of them in any order, or "none".
+PlanLook lookOf(const std::string& text) {
+  PlanLook look;
+  if (text == "none") return look;
+  std::istringstream words(text);
+  for (std::string word; std::getline(words, word, ',');) {
+    bool* part = planLookPart(look, word);
+    if (part == nullptr) {
+      refuse(fmt::format("\"{}\" is not a look; there are clean, fill and weights, or none.", word));
+    }
+    *part = true;
+  }
+  return look;
+}
+
 struct Option {
   std::string_view name;
   void (*set)(ExportOptions& options, const std::string& value);
@@ -117,6 +134,7 @@ constexpr std::array kOptions{
            }},
     Option{"grid", [](ExportOptions& o,
                       const std::string& v) { o.showGrid = wordOf(v, kSwitches, "is neither on nor off"); }},
+    Option{"look", [](ExportOptions& o, const std::string& v) { o.look = lookOf(v); }},
     Option{"dxf",
            [](ExportOptions& o, const std::string& v) {
              o.dxfVersion = wordOf(v, kDxfVersions, "is not a version of DXF; there are r12 and 2000");

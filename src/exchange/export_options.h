@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/plan.h"
 #include "core/sketch_viewport.h"
 #include "exchange/dxf_version.h"
 #include "exchange/page_layout.h"
@@ -51,6 +52,8 @@ struct ExportOptions {
 
   ExportTheme theme = ExportTheme::light;
   bool showGrid = false;
+  /// The look of the plan. Absent: where a document is exported its own, else everything as it is drawn.
+  std::optional<PlanLook> look;
   DxfVersion dxfVersion = DxfVersion::r2000;
   /// What a .csv file holds.
   std::optional<ExportSchedule> schedule;
@@ -69,11 +72,11 @@ ExportFormat exportFormatOf(const std::filesystem::path& path);
 /// Whether the file is a table, ".csv", which holds a schedule.
 bool isTableFile(const std::filesystem::path& path);
 
-/// "size", "pixel-ratio", "paper", "scale", "orientation", "theme", "grid", "dxf", "schedule".
+/// "size", "pixel-ratio", "paper", "scale", "orientation", "theme", "grid", "look", "dxf", "schedule".
 std::span<const std::string_view> exportOptionNames();
 /// Reads one option: size 1200x800, pixel-ratio 2, paper "ARCH D", scale 1/4in=1ft, orientation
-/// portrait or landscape, theme light, dark or tansy, grid on or off, dxf r12 or 2000, schedule openings.
-/// Throws `ExportOptionError`.
+/// portrait or landscape, theme light, dark or tansy, grid on or off, look clean,fill,weights or none, dxf
+/// r12 or 2000, schedule openings. Throws `ExportOptionError`.
 void setExportOption(ExportOptions& options, std::string_view name, const std::string& value);
 
 /// One page of a picture.

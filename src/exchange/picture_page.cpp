@@ -25,7 +25,9 @@ bool hasBackground(const ExportOptions& options) {
 }
 
 CanvasFrame pictureFrame(const PicturePage& page, const ExportOptions& options) {
-  return {{page.viewport, page.size}, exportPalette(options.theme)};
+  CanvasFrame frame{{page.viewport, page.size}, exportPalette(options.theme)};
+  if (options.isOnPaper()) frame.pointsPerMillimetre = kPointsPerInch / 25.4;
+  return frame;
 }
 
 SketchBox paintedPart(const PicturePage& page) {
@@ -39,7 +41,8 @@ void paintDrawing(CanvasPainter& painter, const PicturePage& page, const EntityL
   CanvasFrame frame = pictureFrame(page, options);
   frame.part = paintedPart(page);
   if (options.showGrid) paintGrid(painter, frame);
-  paintEntities(painter, frame, entities, systems);
+  paintEntities(painter, frame, entities, systems, {},
+                drawingLook(options.look.value_or(PlanLook()), entities, systems));
   if (options.openings == nullptr) return;
   if (!hasBackground(options)) frame.palette.background = {1, 1, 1};
   paintOpeningGaps(painter, frame, *options.openings);

@@ -27,7 +27,8 @@ CanvasFrame pictureFrame(const PicturePage& page, const ExportOptions& options);
 /// the width of a line at the very edge of the drawing may reach out.
 SketchBox paintedPart(const PicturePage& page);
 
-/// The grid, where it is asked for, and the entities that show within the painted part. What reaches
+/// The grid, where it is asked for, and the entities that show within the painted part, in the look that the
+/// options name, or as they are drawn where they name none. What reaches
 /// beyond it is left to the painter's clip.
 void paintDrawing(CanvasPainter& painter, const PicturePage& page, const EntityList& entities,
                   std::span<const WallSystemSpec> systems, const ExportOptions& options);

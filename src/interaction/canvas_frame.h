@@ -19,6 +19,8 @@ struct CanvasFrame {
   std::optional<SketchBox> part = std::nullopt;
   /// Device pixels a view point, to put grid lines on pixel centres; 0 leaves them where they are.
   double gridPixelRatio = 0;
+  /// View points a millimetre, for pens of a true width: 96 view points to the inch of a screen.
+  double pointsPerMillimetre = 96 / 25.4;
 
   SketchPoint toView(SketchPoint point) const { return sketchPointToView(point, transform.viewport); }
   double scale() const { return transform.viewport.scale; }

@@ -19,6 +19,7 @@ namespace ostrelon {
 namespace {
 
 constexpr double kWallFillOpacity = 0.55;
+constexpr double kFilledWallOpacity = 0.4;
 constexpr double kCenterLineWidth = 0.75;
 constexpr LineDash kCenterLineDash{4, 3};
 constexpr double kGuideReach = 40;  // sketch units beyond the visible part
@@ -310,12 +311,20 @@ Stroke entityStroke(Color color) {
   return {.color = color, .width = 1.5, .cap = LineCap::round, .join = LineJoin::round};
 }
 
+Stroke weightedStroke(const CanvasFrame& frame, const SketchEntity& entity) {
+  Stroke stroke = entityStroke(frame.palette.foreground);
+  stroke.width = penMillimetres(entity) * frame.pointsPerMillimetre;
+  return stroke;
+}
+
 void strokeWallCenterLine(CanvasPainter& painter, const CanvasFrame& frame, SketchPoint from, SketchPoint to,
                           Color color) {
   strokeSegment(painter, frame, {frame.toView(from), frame.toView(to)},
                 {.color = color, .width = kCenterLineWidth, .dash = kCenterLineDash});
 }
 
-Fill wallFill(const ThemePalette& palette) { return {palette.muted, kWallFillOpacity}; }
+Fill wallFill(const ThemePalette& palette, bool isFilled) {
+  return isFilled ? Fill{palette.foreground, kFilledWallOpacity} : Fill{palette.muted, kWallFillOpacity};
+}
 
 }  // namespace ostrelon

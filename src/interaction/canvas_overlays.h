@@ -40,7 +40,11 @@ void paintSelectedEntity(CanvasPainter& painter, const CanvasFrame& frame, const
 
 /// The stroke of every entity: width 1.5, round caps and joins.
 Stroke entityStroke(Color color);
-Fill wallFill(const ThemePalette& palette);
+/// The same with the width that the kind of entity has on paper: walls 0.50 mm, circles and arcs 0.18 mm,
+/// everything else 0.25 mm.
+Stroke weightedStroke(const CanvasFrame& frame, const SketchEntity& entity);
+/// A tint; or, where walls are to be told apart from rooms at a glance, a tone.
+Fill wallFill(const ThemePalette& palette, bool isFilled = false);
 /// The dashed middle of a wall; sketch units.
 void strokeWallCenterLine(CanvasPainter& painter, const CanvasFrame& frame, SketchPoint from, SketchPoint to,
                           Color color);

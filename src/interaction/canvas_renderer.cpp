@@ -104,34 +104,55 @@ void paintGrid(CanvasPainter& painter, const CanvasFrame& frame) {
   path.stroke(painter, palette.foreground, kAxisOpacity, kAxisWidth);
 }
 
-EntityLayerPainter::EntityLayerPainter(CanvasFrame frame, std::span<const WallSystemSpec> systems)
-    : frame_(std::move(frame)), systems_(systems), visible_(frame_.paintedRect().grown(kStrokeReach)) {}
+EntityLayerPainter::EntityLayerPainter(CanvasFrame frame, std::span<const WallSystemSpec> systems,
+                                       const DrawingLook& look)
+    : frame_(std::move(frame)),
+      systems_(systems),
+      look_(look),
+      walls_(frame_, wallFill(frame_.palette, look.plan.filledWalls), strokeOf(WallEntity{})),
+      visible_(frame_.paintedRect().grown(kStrokeReach)) {}
+
+Stroke EntityLayerPainter::strokeOf(const SketchEntity& entity) const {
+  return look_.plan.lineWeights ? weightedStroke(frame_, entity) : entityStroke(frame_.palette.foreground);
+}
+
+void EntityLayerPainter::takeIn(CanvasPainter& painter, const SketchEntity& entity) {
+  if (const JoinedWall* joined = look_.joinedWall(entity)) walls_.add(painter, *joined);
+}
 
 void EntityLayerPainter::paint(CanvasPainter& painter, const SketchEntity& entity) {
+  if (look_.joinedWall(entity) != nullptr) return;
   const auto* wall = std::get_if<WallEntity>(&entity);
   const double thickness = wall != nullptr ? paintedWallThickness(*wall, systems_) : 0;
   const SketchBox bounds = entityViewBounds(entity, thickness, frame_.transform.viewport);
   if (!bounds.overlaps(visible_)) return;
 
-  const Color color = frame_.palette.foreground;
+  const Stroke stroke = strokeOf(entity);
   if (bounds.width() < kDotExtent && bounds.height() < kDotExtent) {
     const CanvasSegment dot{bounds.center(), bounds.center()};
-    painter.strokeSegments({&dot, 1}, entityStroke(color));
+    painter.strokeSegments({&dot, 1}, stroke);
     return;
   }
   outlineEntity(entity, thickness, frame_, shape_);
-  if (wall != nullptr) fillShape(painter, frame_, shape_, wallFill(frame_.palette));
-  strokeShape(painter, frame_, shape_, entityStroke(color));
-  if (wall != nullptr) strokeWallCenterLine(painter, frame_, wall->from, wall->to, color);
+  if (wall != nullptr) fillShape(painter, frame_, shape_, wallFill(frame_.palette, look_.plan.filledWalls));
+  strokeShape(painter, frame_, shape_, stroke);
+  if (wall != nullptr) strokeWallCenterLine(painter, frame_, wall->from, wall->to, stroke.color);
 }
 
 void paintEntities(CanvasPainter& painter, const CanvasFrame& frame, const EntityList& entities,
-                   std::span<const WallSystemSpec> systems, const std::unordered_set<UUID>& leftOut) {
-  EntityLayerPainter layer(frame, systems);
-  for (const SketchEntity& entity : entities) {
-    if (!leftOut.empty() && leftOut.contains(entityID(entity))) continue;
-    layer.paint(painter, entity);
+                   std::span<const WallSystemSpec> systems, const std::unordered_set<UUID>& leftOut,
+                   const DrawingLook& look) {
+  EntityLayerPainter layer(frame, systems, look);
+  const auto visit = [&](const auto& paint) {
+    for (const SketchEntity& entity : entities) {
+      if (leftOut.empty() || !leftOut.contains(entityID(entity))) paint(entity);
+    }
+  };
+  if (layer.hasJoinedWalls()) {
+    visit([&](const SketchEntity& entity) { layer.takeIn(painter, entity); });
+    layer.paintJoinedWalls(painter);
   }
+  visit([&](const SketchEntity& entity) { layer.paint(painter, entity); });
 }
 
 void paintLayer(CanvasPainter& painter, CanvasLayer layer, const Board& board, const CanvasFrame& frame) {
@@ -142,9 +163,12 @@ void paintLayer(CanvasPainter& painter, CanvasLayer layer, const Board& board, c
     case CanvasLayer::snapGuides:
       paintSnapGuides(painter, board, frame);
       return;
-    case CanvasLayer::entities:
-      paintEntities(painter, frame, board.sketch().entities(), board.sketch().drawing->wallSystemSpecs);
+    case CanvasLayer::entities: {
+      const Drawing& drawing = board.sketch().drawing;
+      paintEntities(painter, frame, drawing.entities, drawing.wallSystemSpecs, {},
+                    drawingLook(drawing.plan.look, drawing.entities, drawing.wallSystemSpecs));
       return;
+    }
     case CanvasLayer::openings: {
       const OpeningLayout layout = openingLayout(board.sketch());
       paintOpeningGaps(painter, frame, layout);

@@ -10,7 +10,9 @@
 #include <unordered_set>
 
 #include "interaction/canvas_frame.h"
+#include "interaction/drawing_look.h"
 #include "interaction/entity_shape.h"
+#include "interaction/wall_layer.h"
 
 namespace ostrelon {
 
@@ -54,25 +56,39 @@ void paintCanvas(CanvasPainter& painter, const Board& board, const CanvasFrame& 
 /// no longer be distinguished has none.
 void paintGrid(CanvasPainter& painter, const CanvasFrame& frame);
 
-/// Paints entities one by one, in the order of the calls, so that a caller can stop in between.
+/// Paints entities one by one, in the order of the calls, so that a caller can stop in between. Walls that
+/// are joined lie beneath all others: where there are any, they are taken in first, painted, and then passed
+/// over.
 class EntityLayerPainter {
  public:
-  /// `systems` must outlive the painter.
-  EntityLayerPainter(CanvasFrame frame, std::span<const WallSystemSpec> systems);
+  /// `systems` and `look` must outlive the painter.
+  EntityLayerPainter(CanvasFrame frame, std::span<const WallSystemSpec> systems, const DrawingLook& look);
+  EntityLayerPainter(const EntityLayerPainter&) = delete;
+  EntityLayerPainter& operator=(const EntityLayerPainter&) = delete;
 
-  /// Nothing, where the entity does not touch the painted part. What would be smaller than a view
-  /// point is painted as a dot.
+  bool hasJoinedWalls() const { return look_.joined.size() > 0; }
+  /// Takes the wall in, if it is a joined one.
+  void takeIn(CanvasPainter& painter, const SketchEntity& entity);
+  void paintJoinedWalls(CanvasPainter& painter) { walls_.paint(painter); }
+
+  /// Nothing, where the entity is a joined wall or does not touch the painted part. What would be smaller
+  /// than a view point is painted as a dot.
   void paint(CanvasPainter& painter, const SketchEntity& entity);
 
  private:
+  Stroke strokeOf(const SketchEntity& entity) const;
+
   CanvasFrame frame_;
   std::span<const WallSystemSpec> systems_;
+  const DrawingLook& look_;
+  WallLayerPainter walls_;
   SketchBox visible_;
   EntityShape shape_;
 };
 
 /// All entities but those left out.
 void paintEntities(CanvasPainter& painter, const CanvasFrame& frame, const EntityList& entities,
-                   std::span<const WallSystemSpec> systems, const std::unordered_set<UUID>& leftOut = {});
+                   std::span<const WallSystemSpec> systems, const std::unordered_set<UUID>& leftOut = {},
+                   const DrawingLook& look = {});
 
 }  // namespace ostrelon

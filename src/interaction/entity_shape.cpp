@@ -54,6 +54,21 @@ void strokeCutDashes(CanvasPainter& painter, std::span<const SketchPoint> points
 
 }  // namespace
 
+double penMillimetres(const SketchEntity& entity) {
+  constexpr double kWall = 0.5;
+  constexpr double kLine = 0.25;
+  constexpr double kCurve = 0.18;
+  return std::visit(Overloaded{
+                        [](const LineEntity&) { return kLine; },
+                        [](const WallEntity&) { return kWall; },
+                        [](const CircleEntity&) { return kCurve; },
+                        [](const ArcEntity&) { return kCurve; },
+                        [](const RectangleEntity&) { return kLine; },
+                        [](const PolygonEntity&) { return kLine; },
+                    },
+                    entity);
+}
+
 void outlineEntity(const SketchEntity& entity, double wallThickness, const CanvasFrame& frame,
                    EntityShape& shape) {
   using Kind = EntityShape::Kind;

@@ -21,6 +21,9 @@ struct EntityShape {
 /// A sweep of at most this, radians, paints nothing.
 inline constexpr double kSmallestArcSweep = 1e-6;
 
+/// The width of the entity's pen on paper, where each kind has its own: 0.50, 0.25 or 0.18 mm.
+double penMillimetres(const SketchEntity& entity);
+
 /// The outline of the entity; a wall's with this thickness, sketch units. A wall of no length has no
 /// outline, nor has a polygon without vertices or anything that is not finite.
 void outlineEntity(const SketchEntity& entity, double wallThickness, const CanvasFrame& frame,

@@ -71,6 +71,11 @@ CanvasWidget::CanvasWidget(Board& board, QWidget* parent)
       board_(board),
       gestures_(board),
       palette_(lightPalette()),
+      look_(board.sketch(), board.scheduler(),
+            [this] {
+              isExact_ = false;
+              update();
+            }),
       entities_(EntityPicture::Kind::entitiesWithout, repaintLater()),
       dragged_(EntityPicture::Kind::entitiesNamed, repaintLater()),
       selection_(EntityPicture::Kind::selection, repaintLater()),
@@ -295,21 +300,23 @@ void CanvasWidget::updatePictures(EntityPicture::Deadline deadline) {
   const EntityIndex& index = board_.sketch().index();
   PictureView ofEntities = now;
   if (difference_) ofEntities.palette = fadedPalette(palette_);
+  const DrawingLook& look = look_.now();
   bool isDone =
-      entities_.update(ofEntities, {board_.sketch().entities(), systems, leftOutIDs_}, index, deadline);
+      entities_.update(ofEntities, {board_.sketch().entities(), systems, leftOutIDs_, look}, index, deadline);
   isDone &= updateDifference(now, deadline);
 
   // A group that is dragged keeps its looks: what is shown of it is painted once, from the start of
-  // the drag, and moved.
+  // the drag, and moved. Its walls are joined again once they are put down.
+  const DrawingLook apart{look.plan, {}};
   const EntityList* start = board_.sketch().dragStart();
   const EntityList& atRest = draggedIDs_ && start != nullptr ? *start : board_.sketch().entities();
   if (draggedIDs_ && draggedIDs_->size() > kMostLiveEntities) {
-    isDone &= dragged_.update(now, {atRest, systems, draggedIDs_}, index, deadline);
+    isDone &= dragged_.update(now, {atRest, systems, draggedIDs_, apart}, index, deadline);
   } else {
     dragged_.clear();
   }
   if (selectedIDs_) {
-    isDone &= selection_.update(now, {atRest, systems, selectedIDs_}, index, deadline);
+    isDone &= selection_.update(now, {atRest, systems, selectedIDs_, {}}, index, deadline);
   } else {
     selection_.clear();
   }
@@ -422,10 +429,17 @@ void CanvasWidget::paintLive(QPainter& painter, const PictureView& now) {
     if (draggedIDs_->size() > kMostLiveEntities) {
       dragged_.paint(painter, moved);
     } else {
-      EntityLayerPainter layer(frame, board_.sketch().drawing->wallSystemSpecs);
-      for (const UUID& id : *draggedIDs_) {
-        if (const SketchEntity* entity = board_.sketch().entity(id)) layer.paint(canvas, *entity);
+      EntityLayerPainter layer(frame, board_.sketch().drawing->wallSystemSpecs, look_.now());
+      const auto visit = [this](const auto& paint) {
+        for (const UUID& id : *draggedIDs_) {
+          if (const SketchEntity* entity = board_.sketch().entity(id)) paint(*entity);
+        }
+      };
+      if (layer.hasJoinedWalls()) {
+        visit([&](const SketchEntity& entity) { layer.takeIn(canvas, entity); });
+        layer.paintJoinedWalls(canvas);
       }
+      visit([&](const SketchEntity& entity) { layer.paint(canvas, entity); });
     }
   }
   paintOpeningsOver(painter, frame);

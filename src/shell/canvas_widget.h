@@ -113,6 +113,7 @@ class CanvasWidget : public QWidget {
   std::optional<PictureView> gridView_;
   bool gridShown_ = false;
 
+  SketchLook look_;
   EntityPicture entities_;
   EntityPicture dragged_;
   EntityPicture selection_;

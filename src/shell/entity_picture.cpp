@@ -93,12 +93,13 @@ bool isShown(EntityPicture::Kind kind, const PictureContent& content, const UUID
 }
 
 /// A box that holds whatever could leave a stroke in this part of the view, sketch units. Walls are
-/// known by their centre lines, so the widest wall counts.
-SketchBox sketchBoxAround(const SketchBox& part, const PictureView& view,
-                          const std::vector<WallSystemSpec>& systems) {
+/// known by their centre lines, so the widest wall and the longest mitre count.
+SketchBox sketchBoxAround(const SketchBox& part, const PictureView& view, const PictureContent& content) {
   double thickness = kUnknownWallThickness;
-  for (const WallSystemSpec& spec : systems) thickness = std::max(thickness, std::abs(spec.thickness));
-  const SketchBox reached = part.grown(kWidestReach + thickness / 2 * view.transform.viewport.scale);
+  for (const WallSystemSpec& spec : content.systems)
+    thickness = std::max(thickness, std::abs(spec.thickness));
+  const double reach = std::max(thickness / 2, content.look.joined.reach());
+  const SketchBox reached = part.grown(kWidestReach + reach * view.transform.viewport.scale);
   return SketchBox::spanning(viewPointToSketch({reached.minX, reached.maxY}, view.transform.viewport),
                              viewPointToSketch({reached.maxX, reached.minY}, view.transform.viewport));
 }
@@ -113,9 +114,20 @@ class Brush {
  public:
   Brush(EntityPicture::Kind kind, const CanvasFrame& frame, const PictureContent& content,
         CanvasPainter& painter)
-      : kind_(kind), frame_(frame), content_(content), layer_(frame, content.systems), painter_(painter) {
+      : kind_(kind),
+        frame_(frame),
+        content_(content),
+        layer_(frame, content.systems, content.look),
+        painter_(painter) {
     if (const auto layer = layerOf(kind)) difference_.emplace(frame, content.systems, *layer);
   }
+
+  /// The joined walls come first, all of them: where there are any, whatever is painted is taken in before.
+  bool hasJoinedWalls() const { return layer_.hasJoinedWalls(); }
+  void takeIn(const SketchEntity& entity) {
+    if (isShown(kind_, content_, entityID(entity))) layer_.takeIn(painter_, entity);
+  }
+  void paintJoinedWalls() { layer_.paintJoinedWalls(painter_); }
 
   void paint(const SketchEntity& entity) {
     if (!isShown(kind_, content_, entityID(entity))) return;
@@ -146,18 +158,30 @@ CanvasFrame frameOf(const PictureView& view, const QRect& deviceRect) {
   return frame;
 }
 
-/// What an entity covers of the picture, device pixels; empty beside it.
-QRect deviceBounds(const SketchEntity& entity, const std::vector<WallSystemSpec>& systems,
-                   const PictureView& view) {
-  const auto* wall = std::get_if<WallEntity>(&entity);
-  const double thickness = wall != nullptr ? paintedWallThickness(*wall, systems) : 0;
-  SketchBox bounds = entityViewBounds(entity, thickness, view.transform.viewport).grown(kWidestReach);
+/// What bounds in the view cover of the picture, device pixels; empty beside it.
+QRect deviceBounds(SketchBox bounds, const PictureView& view) {
+  bounds = bounds.grown(kWidestReach);
   const SketchBox canvas{0, 0, view.transform.canvasSize.width, view.transform.canvasSize.height};
   if (!bounds.overlaps(canvas)) return {};
   bounds = bounds.intersected(canvas);
   const QRectF device(QPointF(bounds.minX, bounds.minY) * view.pixelRatio,
                       QPointF(bounds.maxX, bounds.maxY) * view.pixelRatio);
   return device.toAlignedRect();
+}
+
+QRect deviceBounds(const SketchEntity& entity, const std::vector<WallSystemSpec>& systems,
+                   const PictureView& view) {
+  const auto* wall = std::get_if<WallEntity>(&entity);
+  const double thickness = wall != nullptr ? paintedWallThickness(*wall, systems) : 0;
+  return deviceBounds(entityViewBounds(entity, thickness, view.transform.viewport), view);
+}
+
+QRect deviceBounds(const JoinedWall& wall, const PictureView& view) {
+  const auto toView = [&view](double x, double y) {
+    return sketchPointToView({x, y}, view.transform.viewport);
+  };
+  const SketchBox& box = wall.body.box;
+  return deviceBounds(SketchBox::spanning(toView(box.minX, box.minY), toView(box.maxX, box.maxY)), view);
 }
 
 /// The rectangle's tiles, row by row.
@@ -242,7 +266,7 @@ class EntityPicture::Job {
           painter(image, picture.view.pixelRatio, rect),
           frame(frameOf(picture.view, rect)),
           brush(kind, frame, picture.content, painter),
-          reach(sketchBoxAround(*frame.part, picture.view, picture.content.systems)) {
+          reach(sketchBoxAround(*frame.part, picture.view, picture.content)) {
       clearPixels(image, rect);
     }
     QImage image;
@@ -256,6 +280,18 @@ class EntityPicture::Job {
   void paintParts(uchar* pixels, const std::vector<QRect>& rects) {
     std::deque<Part> parts;
     for (const QRect& rect : rects) parts.emplace_back(kind_, pixels, picture_, rect);
+    if (parts.empty()) return;
+    if (parts.front().brush.hasJoinedWalls()) {
+      visitParts(parts, [](Part& part, const SketchEntity& entity) { part.brush.takeIn(entity); });
+      for (Part& part : parts) {
+        if (!isCancelled_) part.brush.paintJoinedWalls();
+      }
+    }
+    visitParts(parts, [](Part& part, const SketchEntity& entity) { part.brush.paint(entity); });
+  }
+
+  template <class Visit>
+  void visitParts(std::deque<Part>& parts, const Visit& visit) {
     int untilLook = kEntitiesPerLook;
     for (const SketchEntity& entity : picture_.content.entities) {
       if (--untilLook == 0) {
@@ -264,7 +300,7 @@ class EntityPicture::Job {
       }
       const SketchBox bounds = entityBounds(entity);
       for (Part& part : parts) {
-        if (mayTouch(bounds, part.reach)) part.brush.paint(entity);
+        if (mayTouch(bounds, part.reach)) visit(part, entity);
       }
     }
   }
@@ -332,7 +368,8 @@ bool EntityPicture::leadsTo(const Picture& picture, const PictureView& view,
   return from.transform.canvasSize == view.transform.canvasSize && from.palette == view.palette &&
          from.pixelRatio == view.pixelRatio &&
          from.transform.viewport.scale == view.transform.viewport.scale &&
-         picture.content.systems == content.systems &&
+         picture.content.systems == content.systems && picture.content.look.plan == content.look.plan &&
+         (picture.content.look.joined.size() == 0) == (content.look.joined.size() == 0) &&
          (kind_ == Kind::entitiesWithout || picture.content.ids == content.ids) &&
          pixelsMoved(from, view).has_value();
 }
@@ -390,6 +427,14 @@ void EntityPicture::markEdits(const PictureContent& content, const EntityIndex& 
     touchNamed(content, picture.content);
   }
   QRegion changed;
+  JoinedWalls::visitChanges(picture.content.look.joined, content.look.joined,
+                            [&](const JoinedWall* before, const JoinedWall* after) {
+                              for (const JoinedWall* wall : {before, after}) {
+                                if (wall != nullptr && !isEverything)
+                                  changed += deviceBounds(*wall, picture.view);
+                              }
+                              isEverything |= changed.rectCount() > static_cast<int>(kMostEditsInPlace);
+                            });
   if (isEverything) {
     changed = picture.image.rect();
   } else {
@@ -415,18 +460,27 @@ bool EntityPicture::paintLittle(Picture& picture, const EntityIndex& index, Dead
       if (std::chrono::steady_clock::now() >= deadline) return false;
       const CanvasFrame frame = frameOf(picture.view, tile);
       candidates.clear();
-      if (!isShort && !index.candidatesIn(sketchBoxAround(*frame.part, picture.view, picture.content.systems),
+      if (!isShort && !index.candidatesIn(sketchBoxAround(*frame.part, picture.view, picture.content),
                                           candidates, kLittle)) {
         return false;
       }
       clearPixels(picture.image, tile);
       PixelCanvasPainter painter(picture.image, picture.view.pixelRatio, tile);
       Brush brush(kind_, frame, picture.content, painter);
-      if (isShort) {
-        for (const SketchEntity& entity : entities) brush.paint(entity);
-      } else {
-        for (const auto& [position, entity] : index.inListOrder(candidates)) brush.paint(*entity);
+      const auto ordered =
+          isShort ? decltype(index.inListOrder(candidates))() : index.inListOrder(candidates);
+      const auto visit = [&](const auto& paint) {
+        if (isShort) {
+          for (const SketchEntity& entity : entities) paint(entity);
+        } else {
+          for (const auto& [position, entity] : ordered) paint(*entity);
+        }
+      };
+      if (brush.hasJoinedWalls()) {
+        visit([&brush](const SketchEntity& entity) { brush.takeIn(entity); });
+        brush.paintJoinedWalls();
       }
+      visit([&brush](const SketchEntity& entity) { brush.paint(entity); });
       picture.stale -= tile;
     }
   }

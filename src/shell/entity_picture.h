@@ -22,6 +22,7 @@
 #include "core/entity_list.h"
 #include "core/wall_system.h"
 #include "interaction/canvas_frame.h"
+#include "interaction/drawing_look.h"
 
 namespace ostrelon {
 
@@ -39,6 +40,7 @@ struct PictureContent {
   EntityList entities;
   std::vector<WallSystemSpec> systems;
   std::shared_ptr<const std::unordered_set<UUID>> ids;
+  DrawingLook look;  ///< of the selection's picture: none
 };
 
 class EntityPicture {

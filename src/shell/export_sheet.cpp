@@ -60,6 +60,10 @@ ExportSheet::ExportSheet(Application& application, Theme& theme, QWidget& window
   dxfVersion_ = makePicker(theme, "export.dxf", {{"2000", "2000"}, {"R12", "r12"}});
   dxfVersionLabel_ = addFormRow(form, theme, QStringLiteral("Version"), *dxfVersion_);
   content().addWidget(below);
+  content().addSpacing(8);
+  look_ =
+      new LookSwitches(theme, QStringLiteral("export"), application_.workspace().sketch.drawing->plan.look);
+  content().addWidget(look_);
 
   error_ = new TextLabel(theme, TextStyle::small, TextLabel::Rank::primary);
   error_->setObjectName(QStringLiteral("export.error"));
@@ -79,6 +83,7 @@ ExportSheet::ExportSheet(Application& application, Theme& theme, QWidget& window
   for (QWidget* widget : std::initializer_list<QWidget*>{size_, pixelRatio_, colors_, grid_, dxfVersion_}) {
     addToTabOrder(widget);
   }
+  for (QWidget* widget : look_->inTabOrder()) addToTabOrder(widget);
   restoreChoices();
   connect(kind_, &QComboBox::currentIndexChanged, this, [this] { showRows(); });
   connect(page_, &PageControls::changed, this, [this] { showRows(); });
@@ -96,6 +101,7 @@ ExportFormat ExportSheet::format() const {
 
 ExportOptions ExportSheet::options() const {
   ExportOptions options;
+  options.look = look_->look();
   if (format() == ExportFormat::dxf) {
     setExportOption(options, "dxf", plainText(dxfVersion_->currentData().toString()));
     return options;

@@ -4,6 +4,7 @@
 
 #include "app/application.h"
 #include "shell/dialog_sheet.h"
+#include "shell/look_switches.h"
 #include "shell/page_controls.h"
 
 namespace ostrelon {
@@ -33,6 +34,7 @@ class ExportSheet final : public DialogSheet {
   Picker* colors_;
   TextLabel* colorsLabel_;
   Switch* grid_;
+  LookSwitches* look_;
   TextLabel* gridLabel_;
   Picker* dxfVersion_;
   TextLabel* dxfVersionLabel_;

@@ -69,6 +69,8 @@ PrintWindow::PrintWindow(Application& application, Theme& theme, QWidget* parent
       printer_(QPrinter::HighResolution),
       page_(new PageControls(theme, QStringLiteral("print"), QString())),
       grid_(new Switch(theme, {})),
+      look_(new LookSwitches(theme, QStringLiteral("print"),
+                             application.workspace().sketch.drawing->plan.look)),
       status_(new TextLabel(theme, TextStyle::body, TextLabel::Rank::primary)),
       printButton_(new Button(theme, Button::Kind::primary, QStringLiteral("Print…"))),
       preview_(new QPrintPreviewWidget(&printer_)) {
@@ -94,6 +96,7 @@ PrintWindow::PrintWindow(Application& application, Theme& theme, QWidget* parent
   grid_->setObjectName(QStringLiteral("print.grid"));
   addFormRow(*makeForm(more), theme, QStringLiteral("Grid"), *grid_);
   column->addWidget(more);
+  column->addWidget(look_);
   status_->setObjectName(QStringLiteral("print.status"));
   status_->setWordWrap(true);
   column->addSpacing(8);
@@ -119,6 +122,7 @@ PrintWindow::PrintWindow(Application& application, Theme& theme, QWidget* parent
   page_->chooseFitToSheet();
   connect(page_, &PageControls::changed, this, [this] { refresh(); });
   connect(grid_, &QCheckBox::toggled, this, [this] { refresh(); });
+  connect(look_, &LookSwitches::changed, this, [this] { refresh(); });
   connect(close, &QPushButton::clicked, this, &QDialog::close);
   connect(printButton_, &QPushButton::clicked, this, [this] { print(); });
   connect(preview_, &QPrintPreviewWidget::paintRequested, this, [this](QPrinter* printer) {
@@ -143,6 +147,7 @@ ExportOptions PrintWindow::options() const {
   ExportOptions chosen;
   page_->apply(chosen);
   chosen.showGrid = grid_->isChecked();
+  chosen.look = look_->look();
   return chosen;
 }
 

@@ -6,6 +6,7 @@
 #include <QPrinter>
 
 #include "app/application.h"
+#include "shell/look_switches.h"
 #include "shell/page_controls.h"
 
 class QPrintPreviewWidget;
@@ -38,6 +39,7 @@ class PrintWindow final : public QDialog {
   QPrinter printer_;
   PageControls* page_;
   Switch* grid_;
+  LookSwitches* look_;
   TextLabel* status_;
   Button* printButton_;
   QPrintPreviewWidget* preview_;
