@@ -334,7 +334,7 @@ bool CanvasWidget::updateDifference(const PictureView& now, EntityPicture::Deadl
   const EntityIndex none;  // a layer has none of its own
   for (const DifferenceLayer layer : kDifferenceLayers) {
     const DifferenceLayers& layers = *difference_->layers;
-    const PictureContent content{layers.of(layer), layers.systemsOf(layer), nullptr};
+    const PictureContent content{layers.of(layer), layers.systemsOf(layer), nullptr, {}};
     isDone &= layers_[static_cast<std::size_t>(layer)].update(now, content, none, deadline);
   }
   updateClouds(now);
