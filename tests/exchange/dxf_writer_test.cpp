@@ -135,6 +135,27 @@ TEST_P(DxfVersions, CutWallsOpenForWhatIsInThemAndPutThatOnItsLayers) {
   EXPECT_NE(text.find("A-GLAZ"), std::string::npos);
 }
 
+TEST_P(DxfVersions, CleanWallsAreJoinedOutlinesThatOpenForDoors) {
+  Drawing drawing;
+  drawing.wallSystemSpecs = {system("W1")};
+  const WallEntity wall{UUID::random(), {0, 0}, {20, 0}, drawing.wallSystemSpecs[0].id};
+  drawing.entities = {wall, WallEntity{UUID::random(), {20, 0}, {20, 10}, wall.systemSpecID}};
+  drawing.plan.openings = {{UUID::random(), wall.id, OpeningKind::door, 2, 3}};
+  std::string text;
+  writeDxf(
+      drawing.entities, drawing.wallSystemSpecs, GetParam(), [&](std::string_view piece) { text += piece; },
+      OpeningLayout(drawing, drawing.entities), PlanLook{true, false, true});
+  const DxfDrawing back = readDxf(text);
+  ASSERT_EQ(back.entities.size(), 6U) << "two outlines, a leaf, an arc, two centre lines";
+  std::vector<std::size_t> corners;
+  for (std::size_t i : {0U, 1U}) corners.push_back(std::get<PolygonEntity>(back.entities[i]).vertices.size());
+  std::sort(corners.begin(), corners.end());
+  EXPECT_EQ(corners, (std::vector<std::size_t>{4, 6})) << "one before the door, one around the corner";
+  EXPECT_NE(text.find("WALL-CENTER"), std::string::npos);
+  EXPECT_EQ(dxfText(drawing.entities, drawing.wallSystemSpecs, GetParam()).find("WALL-CENTER"),
+            std::string::npos);
+}
+
 TEST_P(DxfVersions, PassThroughInPiecesOfABoundedSize) {
   std::vector<SketchEntity> lines;
   for (int i = 0; i < 20000; ++i) lines.emplace_back(LineEntity{UUID::random(), {0, 0}, {1.0 * i, 0}});

@@ -112,6 +112,18 @@ TEST_F(CanvasRenderer, CopesWithNumbersThatNoPainterCounts) {
   }
 }
 
+TEST_F(CanvasRenderer, PaintsCleanWallsAsOneOutline) {
+  const auto& systems = sketch.drawing->wallSystemSpecs;
+  const EntityList corner{WallEntity{UUID::random(), {0, 0}, {30, 0}, systems[0].id},
+                          WallEntity{UUID::random(), {0, 0}, {0, 30}, systems[0].id}};
+  RecordingPainter painter;
+  paintEntities(painter, frame(), corner, systems, {}, drawingLook({true, true, true}, corner, systems));
+  ASSERT_EQ(painter.calls.size(), 2u) << "one area, and no line down the middle";
+  EXPECT_EQ(painter.calls[0].pieces.size(), 2u);
+  EXPECT_EQ(painter.calls[1].pieces.size(), 6u) << "two faces each, a cap each, nothing in the corner";
+  EXPECT_NEAR(painter.calls[1].stroke.width, 0.5 * 96 / 25.4, 1e-9);
+}
+
 TEST_F(CanvasRenderer, PaintsTheSeenPartOfAGiantCircle) {
   // Its edge runs through the origin of the sketch.
   const double radius = 1e9;
