@@ -70,6 +70,7 @@ DrawingView::~DrawingView() = default;
 void DrawingView::setDrawing(Drawing drawing) {
   drawing_ = std::move(drawing);
   bounds_ = shownBounds(*drawing_);
+  look_ = drawingLook(drawing_->plan.look, drawing_->entities, drawing_->wallSystemSpecs);
   notice_.clear();
   if (isFitted_ || !showsAnything()) fit();
   update();
@@ -126,7 +127,7 @@ void DrawingView::paintEvent(QPaintEvent* /*event*/) {
     frame.gridPixelRatio = view.pixelRatio;
     paintGrid(canvas, frame);
   }
-  picture_.update(view, {drawing_->entities, drawing_->wallSystemSpecs, nullptr}, index_,
+  picture_.update(view, {drawing_->entities, drawing_->wallSystemSpecs, nullptr, look_}, index_,
                   std::chrono::steady_clock::now() + kSlice);
   picture_.paint(painter, view);
 }

@@ -47,6 +47,7 @@ class DrawingView final : public QWidget {
 
   Theme& theme_;
   std::optional<Drawing> drawing_;
+  DrawingLook look_;
   std::optional<SketchBox> bounds_;  // of the drawing
   QString notice_;
   SketchViewport view_;
