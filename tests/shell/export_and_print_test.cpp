@@ -162,7 +162,7 @@ TEST_F(ExportAndPrint, TheSheetIsWalkedByTabAndOffersTheLastChoicesAgain) {
     }
     return seen.join(' ').remove("export.").toStdString();
   };
-  EXPECT_EQ(walk(), "kind paper size theme grid cancel confirm");
+  EXPECT_EQ(walk(), "kind paper size theme grid cleanWalls filledWalls lineWeights cancel confirm");
   auto* paper = find<QComboBox>(window, "export.paper");
   const auto* colors = find<QWidget>(window, "export.theme");
   const QRect before = colors->geometry();
@@ -172,7 +172,8 @@ TEST_F(ExportAndPrint, TheSheetIsWalkedByTabAndOffersTheLastChoicesAgain) {
   EXPECT_EQ(colors->x(), before.x()) << "columns keep their widths";
   EXPECT_EQ(colors->width(), before.width());
   EXPECT_TRUE(paper->hasFocus()) << "a choice leaves it where it is";
-  EXPECT_EQ(walk(), "paper scale orientation theme grid cancel confirm kind");
+  EXPECT_EQ(walk(),
+            "paper scale orientation theme grid cleanWalls filledWalls lineWeights cancel confirm kind");
   find(window, "export.grid")->click();
   auto* scale = find<QComboBox>(window, "export.scale");
   scale->setCurrentIndex(scale->findData("1/8\" = 1'-0\""));
