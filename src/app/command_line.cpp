@@ -167,7 +167,7 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments, const En
   }
   option("--import", [&](const std::string& value) { line.imports.emplace_back(value); });
   option("--export", [&](const std::string& value) { line.exports.push_back(exportPath(value)); });
-  for (const char* setting : {"size", "pixel-ratio", "paper", "scale", "theme", "dxf", "schedule"})
+  for (const char* setting : {"size", "pixel-ratio", "paper", "scale", "theme", "dxf", "look", "schedule"})
     exportSetting(setting);
   automationSetting("--clock", line.clock);
   automationSetting("--update-feed", line.updateFeed);
