@@ -155,6 +155,9 @@ TEST(SuddenEnd, APowerLossTakesNothingThatHasReachedTheDisk) {
   {
     JournaledProgram program(stateFolder(home), disk.calls());
     states.push_back(shown(program));
+    // An edit may be several operations, as a drag is, and the journal holds each of them.
+    const Subscription each =
+        program.workspace.observe(kAllFields, [&](FieldMask) { states.push_back(shown(program)); });
     for (int i = 0; i < 40; ++i) {
       edit(program, random);
       // Large enough for the journal to fold itself with the next edit.
