@@ -157,11 +157,7 @@ class EntityRowsView final : public RowsView {
   }
 
   void keyPressEvent(QKeyEvent* event) override {
-    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && currentIndex().isValid()) {
-      Q_EMIT clicked(currentIndex());
-      return;
-    }
-    RowsView::keyPressEvent(event);
+    if (!clickByReturn(*event)) RowsView::keyPressEvent(event);
   }
 
  private:

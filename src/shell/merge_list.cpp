@@ -354,11 +354,10 @@ void MergeRowsView::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void MergeRowsView::keyPressEvent(QKeyEvent* event) {
+  if (clickByReturn(*event)) return;
   const QModelIndex current = currentIndex();
   const bool isConflict = current.isValid() && model_.row(current.row()).kind == MergeListRow::Kind::conflict;
-  if (current.isValid() && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
-    Q_EMIT clicked(current);
-  } else if (isConflict && (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right)) {
+  if (isConflict && (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right)) {
     const MergeListRow& row = model_.row(current.row());
     const int step = event->key() == Qt::Key_Right ? 1 : -1;
     const int next = row.choice ? std::clamp(positionOf(*row.choice) + step, 0, 2) : step > 0 ? 0 : 2;

@@ -2,6 +2,7 @@
 
 #include <QAccessible>
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -39,6 +40,13 @@ void RowsView::setModel(QAbstractItemModel* newModel) {
 
 bool RowsView::isRowSelected(int row) const {
   return selectionModel() != nullptr && selectionModel()->isRowSelected(row);
+}
+
+bool RowsView::clickByReturn(const QKeyEvent& event) {
+  const bool isReturn = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+  if (!isReturn || !currentIndex().isValid()) return false;
+  Q_EMIT clicked(currentIndex());
+  return true;
 }
 
 int RowsView::rowCount() const { return model() != nullptr ? model()->rowCount(rootIndex()) : 0; }

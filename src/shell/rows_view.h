@@ -31,6 +31,9 @@ class RowsView : public QAbstractItemView {
   virtual QString toolTipText(int row, const QRect& box) const;
   virtual void paintRow(QPainter& painter, const QRect& box, int row, bool isHovered) = 0;
 
+  /// For lists in which Return does what a click does: clicks the current row, if it is that key.
+  bool clickByReturn(const QKeyEvent& event);
+
   int rowCount() const;
   Theme& theme() const { return theme_; }
   /// Takes the scroll bar's range anew from the heights.
