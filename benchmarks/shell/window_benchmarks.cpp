@@ -14,7 +14,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <ctime>
 #include <thread>
 #include <vector>
 
@@ -28,24 +27,11 @@
 #include "platform/user_defaults.h"
 #include "shell/main_window.h"
 #include "shell/pixel_canvas_painter.h"
-#include "shell/theme.h"
 #include "updates/served_update_client.h"
+#include "window_on_plan.h"
 
 namespace ostrelon {
 namespace {
-
-using Clock = std::chrono::steady_clock;
-
-double millisecondsSince(Clock::time_point start) {
-  return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-}
-
-/// Milliseconds for which this thread has been at work.
-double threadTime() {
-  timespec time{};
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-  return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
 
 struct FrameTime {
   double elapsed = 0;  // milliseconds
@@ -77,26 +63,6 @@ class FrameTimes {
   std::vector<double> elapsed_;
   std::vector<double> atWork_;
 };
-
-void startWithoutDisplay() {
-  static int count = 1;
-  static char name[] = "benchmark";
-  static char* arguments[] = {name, nullptr};
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  // Never taken down: the benchmarks end with the process.
-  static const auto* application = new QApplication(count, arguments);
-  benchmark::DoNotOptimize(application);
-}
-
-Theme& theme() {
-  static Theme* made = [] {
-    auto* theme = new Theme(QCoreApplication::instance());
-    installBaseStyle(*theme);
-    theme->setPalette(lightPalette());
-    return theme;
-  }();
-  return *made;
-}
 
 /// The main window, 1920 by 1080, on no display, with a plan zoomed to fit.
 class WindowOnPlan {
