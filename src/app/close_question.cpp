@@ -45,7 +45,7 @@ void CloseQuestion::sessionShouldEnd(std::function<void(bool mayEnd)> answered) 
   ask([this, answered = std::move(answered)](Answer answer) mutable {
     switch (answer) {
       case Answer::dontSave:
-        keepThen(std::move(answered));
+        keepThen(answered);
         break;
       case Answer::save:
         saveThen(std::move(answered));
@@ -58,7 +58,7 @@ void CloseQuestion::sessionShouldEnd(std::function<void(bool mayEnd)> answered) 
 }
 
 // What closing would destroy is kept, or the user agrees once more.
-void CloseQuestion::keepThen(std::function<void(bool mayLose)> answered) {
+void CloseQuestion::keepThen(const std::function<void(bool mayLose)>& answered) {
   DocumentSession& document = workspace_.document;
   runKeepingOrAsking(
       document,

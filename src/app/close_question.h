@@ -39,7 +39,7 @@ class CloseQuestion {
   enum class Answer { save, cancel, dontSave };
   void ask(std::function<void(Answer)> answered);
   void saveThen(std::function<void(bool isClean)> ended);
-  void keepThen(std::function<void(bool mayLose)> answered);
+  void keepThen(const std::function<void(bool mayLose)>& answered);
 
   Workspace& workspace_;
   Save save_;

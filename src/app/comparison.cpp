@@ -124,12 +124,12 @@ void Comparison::begin(DrawingSource other, bool isLastSave) {
   job->source = std::move(other);
   job->isLastSave = isLastSave;
   job->basisNumber = workspace_.document.basisNumber();
-  start(std::move(job));
+  start(job);
 }
 
 void Comparison::beginWithLastSave() {
-  const Drawing basis = workspace_.document.basis();
-  begin({"the last save", std::nullopt, false, [basis] { return basis; }}, true);
+  begin({"the last save", std::nullopt, false, [basis = workspace_.document.basis()] { return basis; }},
+        true);
 }
 
 void Comparison::beginWith(const std::string& name) {
@@ -203,10 +203,10 @@ void Comparison::refresh() {
   job->other = other_;
   if (!isSaved) job->rebased = now.compared->rebased;
   job->filter = now.filter;
-  start(std::move(job));
+  start(job);
 }
 
-void Comparison::start(std::shared_ptr<Job> job) {
+void Comparison::start(const std::shared_ptr<Job>& job) {
   job_.cancel();
   isStale_ = false;
   job->open = workspace_.sketch.drawing;

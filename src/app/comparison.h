@@ -92,7 +92,7 @@ class Comparison {
 
   void begin(DrawingSource other, bool isLastSave);
   void refreshSoon();
-  void start(std::shared_ptr<Job> job);
+  void start(const std::shared_ptr<Job>& job);
   void finish(Job& job);
   void refresh();
   void placeCurrent(const ComparedDrawings& compared, ComparisonState& next) const;

@@ -119,7 +119,7 @@ std::string exportDrawing(const Workspace& workspace, const FilePath& path, cons
   ExportOptions options = given;
   if (!options.look) options.look = workspace.sketch.drawing->plan.look;
   options.openings = std::make_shared<const OpeningLayout>(openingLayout(workspace.sketch));
-  const std::string leftOut = leftOutText(*options.openings);
+  std::string leftOut = leftOutText(*options.openings);
   if (isTableFile(path)) {
     if (!options.schedule) {
       throw ExportOptionError("A .csv file holds a schedule: say which one, as --schedule openings.");

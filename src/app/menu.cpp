@@ -106,11 +106,12 @@ std::vector<MenuChoice> planLookChoices(Application& app) {
   for (const auto& [title, part] :
        {std::pair("Clean Walls", &PlanLook::cleanWalls), std::pair("Filled Walls", &PlanLook::filledWalls),
         std::pair("Line Weights", &PlanLook::lineWeights)}) {
-    choices.push_back({title, true, app.workspace().sketch.drawing->plan.look.*part, [part](Application& to) {
-                         PlanLook look = to.workspace().sketch.drawing->plan.look;
-                         look.*part = !(look.*part);
-                         setPlanLook(to.workspace().sketch, look);
-                       }});
+    choices.push_back(
+        {title, true, app.workspace().sketch.drawing->plan.look.*part, [part = part](Application& to) {
+           PlanLook look = to.workspace().sketch.drawing->plan.look;
+           look.*part = !(look.*part);
+           setPlanLook(to.workspace().sketch, look);
+         }});
   }
   return choices;
 }

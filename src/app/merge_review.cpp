@@ -45,12 +45,12 @@ struct MergeReview::Work {
   void run() {
     try {
       propose();
-      const Choices choices = choicesFor(proposal->merge, decisions);
+      const Choices settled = choicesFor(proposal->merge, decisions);
       MergePreview made;
-      made.merged = mergedAs(proposal->merge, ours, choices);
+      made.merged = mergedAs(proposal->merge, ours, settled);
       made.difference = compareDrawings(ours, made.merged);
       made.layers = std::make_shared<DifferenceLayers>(
-          mergeLayers(proposal->merge, ours, proposal->theirs.drawing, made.merged, choices));
+          mergeLayers(proposal->merge, ours, proposal->theirs.drawing, made.merged, settled));
       preview = std::make_shared<MergePreview>(std::move(made));
     } catch (const std::exception& error) {
       failure = error.what();

@@ -226,7 +226,7 @@ Reply run(const DrawRun& walls, const CommandContext& context) {
   Selection selected{{}, std::nullopt, sketch.selection->isInspected};
   for (const auto& [from, to] : walls.axes) {
     const UUID id = UUID::random();
-    added.push_back(WallEntity{id, from, to, walls.systemSpecID});
+    added.emplace_back(WallEntity{id, from, to, walls.systemSpecID});
     selected.ids.insert(id);
     selected.primary = id;
   }
