@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <sstream>
 #include <string_view>
 
 #include "documents/app_settings.h"
@@ -62,6 +63,22 @@ MergeChoice mergeChoice(const std::string& text) {
   throw CommandLineError(fmt::format("--prefer takes ours, theirs or both, not \"{}\".", text));
 }
 
+DxfUnit importUnit(const std::string& text) {
+  if (const auto unit = dxfUnitNamed(text)) return *unit;
+  throw CommandLineError(fmt::format("--unit takes mm, cm, m, in or ft, not \"{}\".", text));
+}
+
+// "A,B"; a layer's name holds no comma.
+std::vector<std::string> layerNames(const std::string& text) {
+  std::vector<std::string> names;
+  std::istringstream parts(text);
+  for (std::string part; std::getline(parts, part, ',');) {
+    if (const std::string_view name = trimmed(part); !name.empty()) names.emplace_back(name);
+  }
+  if (names.empty()) throw CommandLineError("--layers takes the names of layers, as A-WALL,A-DOOR.");
+  return names;
+}
+
 [[noreturn]] void refuseMissingValue(std::string_view option) {
   throw CommandLineError(fmt::format("The option {} needs a value.", option));
 }
@@ -100,6 +117,7 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments, const En
   if (environment) line.isUITesting = isUITestingStart({}, environment("UI_TESTING_RESET_PROJECTS"));
   bool isAutomation = false;
   std::string exportOption;      // the last option that says how to export
+  std::string importOption;      // the last option that says how to import
   std::string automationOption;  // the last option that only automation knows
   std::optional<std::filesystem::path> opened;
   std::optional<CommandLine::Mode> asked;
@@ -141,7 +159,23 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments, const En
   flag("--help,-h", [&] { asked = CommandLine::Mode::help; });
   flag("--version", [&] { asked = CommandLine::Mode::version; });
   flag("--automation", [&] { isAutomation = true; });
-  flag("--to-feet", [&] { line.convertImports = true; });
+  const auto importFlag = [&](const std::string& name, const std::function<void()>& apply) {
+    flag(name, [&importOption, name, apply] {
+      importOption = name;
+      apply();
+    });
+  };
+  importFlag("--to-feet", [] {});  // what is done anyway
+  importFlag("--to-origin", [&] { line.importOptions.toOrigin = true; });
+  importFlag("--salvage", [&] { line.importOptions.damage = DxfDamage::salvage; });
+  option("--unit", [&](const std::string& value) {
+    importOption = "--unit";
+    line.importOptions.unit = importUnit(value);
+  });
+  option("--layers", [&](const std::string& value) {
+    importOption = "--layers";
+    line.importOptions.layers = layerNames(value);
+  });
   exportFlag("--grid", "grid", "on");
   exportFlag("--portrait", "orientation", "portrait");
   exportFlag("--landscape", "orientation", "landscape");
@@ -233,8 +267,8 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments, const En
   if (line.exports.empty() && !exportOption.empty()) {
     throw CommandLineError(fmt::format("The option {} needs --export.", exportOption));
   }
-  if (line.imports.empty() && line.convertImports) {
-    throw CommandLineError("The option --to-feet needs --import.");
+  if (line.imports.empty() && !importOption.empty()) {
+    throw CommandLineError(fmt::format("The option {} needs --import.", importOption));
   }
   if (opened && line.document) {
     throw CommandLineError("Only one document can be opened, by --open or by its name alone.");
@@ -258,7 +292,13 @@ std::string commandLineHelp() {
 Without a window, done in this order:
   --open FILE.ostrel             opens a document
   --import FILE.dxf              adds a drawing of another program; may be repeated
-  --to-feet                      converts imported drawings that tell their unit
+  --unit mm|cm|m|in|ft           the unit of imported drawings, that of the file or
+                                 the likely one unless told
+  --layers A,B                   the layers that are imported, all that are neither
+                                 off nor frozen unless told
+  --to-origin                    moves imported drawings to the origin
+  --salvage                      takes what can be read of damaged drawings
+  --to-feet                      converts to feet by the unit, as is done anyway
   --console FILE                 runs the lines of a file in the console and prints
                                  the transcript; - is standard input; may be repeated
   --save FILE.ostrel             saves the document

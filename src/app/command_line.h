@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "documents/merge.h"
+#include "exchange/dxf_import.h"
 #include "exchange/export_options.h"
 #include "platform/user_error.h"
 
@@ -42,8 +43,8 @@ struct CommandLine {
 
   // Without a window
   std::vector<std::filesystem::path> imports;  ///< DXF files, in order
-  bool convertImports = false;                 ///< to feet, where a file states its unit
-  std::vector<std::string> consoleFiles;       ///< in order; "-" is standard input
+  DxfImportOptions importOptions;
+  std::vector<std::string> consoleFiles;  ///< in order; "-" is standard input
   std::optional<std::filesystem::path> saveAs;
   std::vector<std::filesystem::path> exports;  ///< each of the kind that its name ends in
   ExportOptions exportOptions;

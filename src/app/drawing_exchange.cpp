@@ -62,10 +62,12 @@ std::string tableText(const std::vector<std::vector<std::string>>& rows) {
   return text;
 }
 
-void addDrawing(Application& application, DxfDrawing drawing, const std::string& name, bool convertToFeet) {
+void addDrawing(Application& application, const DxfFile& file, const std::string& name,
+                const DxfImportOptions& options) {
   Workspace& workspace = application.workspace();
   try {
-    importDxf(workspace.board, std::move(drawing), name, convertToFeet);
+    PreparedDxf prepared = prepareDxf(file, options);
+    importDxf(workspace.board, prepared, name);
     workspace.messages.showToast("Imported " + name, Style::success);
   } catch (const UserError& error) {
     tellFailure(workspace, "Import", error);
@@ -74,26 +76,29 @@ void addDrawing(Application& application, DxfDrawing drawing, const std::string&
 
 void importFrom(Application& application, const FilePath& path) {
   const std::string name = path.filename().string();
-  auto drawing = std::make_shared<DxfDrawing>();
+  auto file = std::make_shared<DxfFile>();
   try {
-    *drawing = readDxf(application.host().files.readFile(path));
+    *file = parseDxf(application.host().files.readFile(path));
   } catch (const UserError& error) {
     tellFailure(application.workspace(), "Import", error);
     return;
   }
-  if (drawing->entities.empty() || !drawing->unit || drawing->unit->feet == 1) {
-    addDrawing(application, std::move(*drawing), name, false);
+  const auto unit = declaredDxfUnit(*file);
+  if (file->items.empty() || !unit || unit->feet == 1) {
+    addDrawing(application, *file, name, {});
     return;
   }
-  const Alert question{fmt::format("\"{}\" is drawn in {}.", name, drawing->unit->name),
+  const Alert question{fmt::format("\"{}\" is drawn in {}.", name, unit->name),
                        fmt::format("Ostrelon draws in feet. Converting multiplies every length by {:.6g}; "
                                    "otherwise the numbers are taken as they are.",
-                                   drawing->unit->feet),
+                                   unit->feet),
                        {std::string(kConvertButton), std::string(kKeepButton), "Cancel"},
                        2};
-  application.host().dialogs.ask(question, [&application, drawing, name](const DialogAnswer& answer) {
+  application.host().dialogs.ask(question, [&application, file, name](const DialogAnswer& answer) {
     if (answer != kConvertButton && answer != kKeepButton) return;
-    addDrawing(application, std::move(*drawing), name, answer == kConvertButton);
+    DxfImportOptions options;
+    if (answer == kKeepButton) options.unit = kDxfFeet;
+    addDrawing(application, *file, name, options);
   });
 }
 
@@ -150,9 +155,11 @@ std::string exportDrawing(const Workspace& workspace, const FilePath& path, cons
   return leftOut;
 }
 
-void importDrawing(Workspace& workspace, const FilePath& path, bool convertToFeet) {
-  importDxf(workspace.board, readDxf(workspace.host().files.readFile(path)), path.filename().string(),
-            convertToFeet);
+PreparedDxf importDrawing(Workspace& workspace, const FilePath& path, const DxfImportOptions& options) {
+  const DxfFile file = parseDxf(workspace.host().files.readFile(path), options.damage);
+  PreparedDxf prepared = prepareDxf(file, options);
+  importDxf(workspace.board, prepared, path.filename().string());
+  return prepared;
 }
 
 void exportWithPanel(Application& application, const ExportOptions& options, ExportFormat suggested) {

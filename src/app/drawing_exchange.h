@@ -8,6 +8,7 @@
 
 #include "core/entity_list.h"
 #include "core/wall_system.h"
+#include "exchange/dxf_import.h"
 #include "exchange/export_options.h"
 #include "platform/file_system.h"
 
@@ -27,8 +28,9 @@ using PictureMaker =
 std::string exportDrawing(const Workspace& workspace, const FilePath& path, const ExportOptions& options,
                           const PictureMaker& makePicture);
 
-/// Reads a DXF file and adds what it draws. Throws `UserError`, and has changed nothing then.
-void importDrawing(Workspace& workspace, const FilePath& path, bool convertToFeet);
+/// Reads a DXF file and adds what it draws, which the result tells without the entities. Throws `UserError`,
+/// and has changed nothing then.
+PreparedDxf importDrawing(Workspace& workspace, const FilePath& path, const DxfImportOptions& options);
 
 // --- From the menus. The result is reported in the console and in a toast.
 

@@ -7,6 +7,7 @@
 #include "app/menu.h"
 #include "app/settings_notes.h"
 #include "automation/automation_session.h"
+#include "automation/import_request.h"
 #include "build_information.h"
 #include "documents/document_store.h"
 #include "platform/disk_file_system.h"
@@ -218,13 +219,7 @@ const std::map<std::string, Operation, std::less<>>& operations() {
          if (!leftOut.empty()) session.workspace().messages.appendSystem(leftOut);
          return nullptr;
        }},
-      {"import",
-       [](AutomationSession& session, const Json& request) -> Json {
-         importDrawing(session.workspace(),
-                       standardizedPath(requestMember<std::string>(session, request, "path")),
-                       flag(session, request, "toFeet"));
-         return nullptr;
-       }},
+      {"import", importRequest},
       {"menu",
        [](AutomationSession& session, const Json& request) -> Json {
          const auto refusal =

@@ -11,6 +11,7 @@
 #include "core/plan.h"
 #include "documents/app_settings.h"
 #include "documents/merge.h"
+#include "exchange/dxf_import.h"
 #include "geometry/trim.h"
 #include "interaction/select_drag_state.h"
 #include "interaction/sketch_tool.h"
@@ -52,6 +53,20 @@ struct CaseNames<EntityEditResult> {
   static constexpr auto names() {
     return std::to_array<std::string_view>(
         {"applied", "unchanged", "noSelection", "invalidValue", "unsupported"});
+  }
+};
+
+template <>
+struct CaseNames<DxfUnitSource> {
+  static constexpr auto names() { return std::to_array<std::string_view>({"given", "declared", "likely"}); }
+};
+
+template <>
+struct CaseNames<DxfReason> {
+  static constexpr auto names() {
+    return std::to_array<std::string_view>({"drawn", "unknownKind", "tilted", "noSize", "noBlock", "ownBlock",
+                                            "tooFar", "onPaper", "invisible", "layerOff", "layerFrozen",
+                                            "layerNotTaken"});
   }
 };
 

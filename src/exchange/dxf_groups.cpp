@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <system_error>
@@ -55,20 +56,24 @@ int DxfGroup::integer() const {
   return *value_;
 }
 
+bool isDxfKind(std::string_view name) {
+  constexpr std::size_t kLongestKind = 32;
+  return !name.empty() && name.size() <= kLongestKind && std::all_of(name.begin(), name.end(), [](char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+  });
+}
+
 DxfGroupReader::DxfGroupReader(std::string_view text) : rest_(text) {
-  if (rest_.starts_with("\xEF\xBB\xBF")) rest_.remove_prefix(3);
-  if (rest_.substr(0, 64).find("Binary DXF") != std::string_view::npos) {
-    throw DxfError("This is a binary DXF file. Save it as a text (ASCII) DXF file and import that.");
-  }
   if (withoutBlanksInFront(rest_).empty()) throw DxfError("The file is empty.");
   if (rest_.substr(0, 4096).find('\0') != std::string_view::npos) {
     throw DxfError("This is not a DXF file.");
   }
+  if (rest_.find('\n') == std::string_view::npos) lineEnd_ = '\r';
 }
 
 std::optional<std::string_view> DxfGroupReader::nextLine() {
   if (rest_.empty()) return std::nullopt;
-  const std::size_t end = rest_.find('\n');
+  const std::size_t end = rest_.find(lineEnd_);
   const std::string_view line = rest_.substr(0, end);
   rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end + 1);
   ++line_;
@@ -88,6 +93,25 @@ std::optional<DxfGroup> DxfGroupReader::next() {
   const auto value = nextLine();
   if (!value) throw DxfError(fmt::format("The file ends in the middle, at line {}.", line_));
   return DxfGroup{*number, *value, line_};
+}
+
+bool DxfGroupReader::skipToObject() {
+  std::string_view before;
+  std::string_view beforeRest = rest_;
+  while (true) {
+    const std::string_view here = rest_;
+    const auto line = nextLine();
+    if (!line) return false;
+    // A coordinate of 0 in front of a code is no object.
+    const bool hasLetter = line->find_first_not_of("0123456789") != std::string_view::npos;
+    if (withoutBlanksInFront(before) == "0" && isDxfKind(*line) && hasLetter) {
+      rest_ = beforeRest;
+      line_ -= 2;
+      return true;
+    }
+    before = *line;
+    beforeRest = here;
+  }
 }
 
 }  // namespace ostrelon

@@ -33,18 +33,30 @@ struct DxfGroup {
 
 class DxfGroupReader {
  public:
-  /// `text` must outlive the object. Throws `DxfError` for a file of another kind.
+  /// Lines end in "\n", "\r\n", or, where there is no "\n" at all, "\r". `text` must outlive the object.
+  /// Throws `DxfError` for a file of another kind.
   explicit DxfGroupReader(std::string_view text);
 
   /// The next group; absent at the end of the text. Throws `DxfError` for a line that is no code and
   /// for a code without a value.
   std::optional<DxfGroup> next();
 
+  /// Goes on to the next lines that look like the beginning of an object, after what `next` has refused.
+  /// False where there are none.
+  bool skipToObject();
+
+  /// How many lines have been read.
+  std::size_t line() const { return line_; }
+
  private:
   std::optional<std::string_view> nextLine();
 
   std::string_view rest_;
   std::size_t line_ = 0;
+  char lineEnd_ = '\n';
 };
+
+/// Whether it may be the name of a kind of object: upper-case letters, digits and "_", at most 32.
+bool isDxfKind(std::string_view name);
 
 }  // namespace ostrelon

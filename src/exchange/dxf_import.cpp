@@ -2,87 +2,215 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "core/adding.h"
-#include "core/entity_bounds.h"
 #include "interaction/board.h"
+#include "platform/unicode.h"
 
 namespace ostrelon {
 namespace {
 
-SketchEntity scaled(const SketchEntity& entity, double factor) {
-  return std::visit(
-      Overloaded{
-          [&](const LineEntity& line) -> SketchEntity {
-            return LineEntity{line.id, line.from * factor, line.to * factor};
-          },
-          [&](const WallEntity& wall) -> SketchEntity {
-            return WallEntity{wall.id, wall.from * factor, wall.to * factor, wall.systemSpecID};
-          },
-          [&](const CircleEntity& circle) -> SketchEntity {
-            return CircleEntity{circle.id, circle.center * factor, circle.radius * factor};
-          },
-          [&](const ArcEntity& arc) -> SketchEntity {
-            return ArcEntity{arc.id, arc.center * factor, arc.radius * factor, arc.startAngle, arc.endAngle};
-          },
-          [&](const RectangleEntity& rectangle) -> SketchEntity {
-            return RectangleEntity{rectangle.id,
-                                   rectangle.origin * factor,
-                                   {rectangle.size.width * factor, rectangle.size.height * factor}};
-          },
-          [&](const PolygonEntity& polygon) -> SketchEntity {
-            std::vector<SketchPoint> vertices;
-            vertices.reserve(polygon.vertices.size());
-            for (const SketchPoint vertex : polygon.vertices) vertices.push_back(vertex * factor);
-            return PolygonEntity{polygon.id, PolygonVertices(std::move(vertices))};
-          },
-      },
-      entity);
+// From here on the numbers of 32 bits are more than a 64th of an inch apart, 1/768 of a foot: below 2^14
+// they are 2^(13 - 23) apart, which is 1/1024, and from there on 1/512.
+constexpr double kFarFromOrigin = 16384;
+
+SketchEntity moved(const SketchEntity& entity, SketchPoint by) {
+  return std::visit(Overloaded{
+                        [&](LineEntity line) -> SketchEntity {
+                          line.from = line.from + by;
+                          line.to = line.to + by;
+                          return line;
+                        },
+                        [&](WallEntity wall) -> SketchEntity {
+                          wall.from = wall.from + by;
+                          wall.to = wall.to + by;
+                          return wall;
+                        },
+                        [&](CircleEntity circle) -> SketchEntity {
+                          circle.center = circle.center + by;
+                          return circle;
+                        },
+                        [&](ArcEntity arc) -> SketchEntity {
+                          arc.center = arc.center + by;
+                          return arc;
+                        },
+                        [&](RectangleEntity rectangle) -> SketchEntity {
+                          rectangle.origin = rectangle.origin + by;
+                          return rectangle;
+                        },
+                        [&](const PolygonEntity& polygon) -> SketchEntity {
+                          std::vector<SketchPoint> vertices;
+                          vertices.reserve(polygon.vertices.size());
+                          for (const SketchPoint vertex : polygon.vertices) vertices.push_back(vertex + by);
+                          return PolygonEntity{polygon.id, PolygonVertices(std::move(vertices))};
+                        },
+                    },
+                    entity);
+}
+
+std::optional<SketchBox> boundsOf(const std::vector<SketchEntity>& entities) {
+  std::optional<SketchBox> bounds;
+  for (const SketchEntity& entity : entities) {
+    const SketchBox box = entityBounds(entity);
+    bounds = bounds ? bounds->united(box) : box;
+  }
+  return bounds;
 }
 
 std::string counted(std::size_t count, std::string_view one, std::string_view many) {
   return fmt::format("{} {}", count, count == 1 ? one : many);
 }
 
-std::string leftOutText(const DxfDrawing& drawing) {
-  std::string kinds;
-  for (const auto& [kind, count] : drawing.leftOut) {
-    kinds += fmt::format("{}{} {}", kinds.empty() ? "" : ", ", kind, count);
+std::string_view reasonText(DxfReason reason) {
+  switch (reason) {
+    case DxfReason::drawn:
+    case DxfReason::unknownKind:
+      return "that cannot be drawn here";
+    case DxfReason::tilted:
+      return "in a tilted plane";
+    case DxfReason::noSize:
+      return "of no size";
+    case DxfReason::noBlock:
+      return "of blocks that are not in the file";
+    case DxfReason::ownBlock:
+      return "of blocks that hold themselves";
+    case DxfReason::tooFar:
+      return "too far away to be saved";
+    case DxfReason::onPaper:
+      return "on paper sheets";
+    case DxfReason::invisible:
+      return "made invisible";
+    case DxfReason::layerOff:
+      return "on layers that are off";
+    case DxfReason::layerFrozen:
+      return "on frozen layers";
+    case DxfReason::layerNotTaken:
+      return "on layers not taken";
   }
-  return counted(drawing.leftOutCount(), "object", "objects") + " that cannot be drawn here: " + kinds;
+  return {};
+}
+
+std::string joined(const std::vector<std::string>& texts) {
+  std::string result;
+  for (const std::string& text : texts) result += (result.empty() ? "" : "; ") + text;
+  return result;
+}
+
+std::vector<PreparedDxf::Layer> layersOf(const DxfFile& file, const DxfDrawing& drawing,
+                                         const DxfImportOptions& options) {
+  std::vector<PreparedDxf::Layer> layers;
+  for (std::size_t i = 0; i < file.layers.size(); ++i) {
+    if (drawing.objectsOnLayer[i] == 0) continue;
+    const DxfLayer& layer = file.layers[i];
+    const bool isHidden = layer.isOff || layer.isFrozen;
+    const auto isNamed = [&](const std::string& name) { return lowerCased(name) == lowerCased(layer.name); };
+    const bool isTaken =
+        options.layers ? std::any_of(options.layers->begin(), options.layers->end(), isNamed) : !isHidden;
+    layers.push_back({layer.name, drawing.objectsOnLayer[i], isHidden, isTaken});
+  }
+  return layers;
 }
 
 }  // namespace
 
-std::vector<SketchEntity> scaledEntities(std::vector<SketchEntity> entities, double factor) {
-  for (SketchEntity& entity : entities) {
-    entity = scaled(entity, factor);
-    if (!isFinite(entityBounds(entity))) throw DxfError("The drawing is too large to convert.");
+PreparedDxf prepareDxf(const DxfFile& file, const DxfImportOptions& options) {
+  PreparedDxf prepared;
+  DxfChoices choices;
+  choices.layers = options.layers;
+  const auto draw = [&] {
+    choices.feetPerUnit = prepared.unit.feet;
+    prepared.drawing = drawDxf(file, choices);
+    prepared.bounds = boundsOf(prepared.drawing.entities);
+  };
+  const auto declared = declaredDxfUnit(file);
+  prepared.unit = options.unit.value_or(declared.value_or(kDxfFeet));
+  prepared.unitSource = options.unit ? DxfUnitSource::given
+                        : declared   ? DxfUnitSource::declared
+                                     : DxfUnitSource::likely;
+  draw();
+  if (prepared.unitSource == DxfUnitSource::likely && prepared.bounds) {
+    const SketchSize extent{prepared.bounds->width(), prepared.bounds->height()};
+    prepared.unit = likelyDxfUnit(extent, file.isMetric);
+    if (prepared.unit != kDxfFeet) draw();
   }
-  return entities;
+  for (const SketchEntity& entity : prepared.drawing.entities) ++prepared.counts[entityKindName(entity)];
+  prepared.layers = layersOf(file, prepared.drawing, options);
+  prepared.lostPlaces = file.lostPlaces;
+  prepared.losses = file.losses;
+  if (options.toOrigin && prepared.bounds) {
+    const SketchBox box = *prepared.bounds;
+    prepared.moved = {-std::floor(box.minX), -std::floor(box.minY)};
+    for (SketchEntity& entity : prepared.drawing.entities) entity = moved(entity, prepared.moved);
+    prepared.bounds = boundsOf(prepared.drawing.entities);
+  }
+  return prepared;
 }
 
-std::string dxfImportSentence(const DxfDrawing& drawing, const std::string& fileName) {
-  std::string sentence = fmt::format("Imported {} from \"{}\"",
-                                     counted(drawing.entities.size(), "entity", "entities"), fileName);
-  if (drawing.leftOutCount() > 0) sentence += "; left out " + leftOutText(drawing);
+bool liesFarFromOrigin(const SketchBox& box) {
+  return std::max({std::abs(box.minX), std::abs(box.maxX), std::abs(box.minY), std::abs(box.maxY)}) >=
+         kFarFromOrigin;
+}
+
+std::string farFromOriginText(const SketchBox& box) {
+  const double farthest =
+      std::max({std::abs(box.minX), std::abs(box.maxX), std::abs(box.minY), std::abs(box.maxY)});
+  const double spacing = std::exp2(std::floor(std::log2(farthest)) - 23) * 12;
+  return fmt::format(
+      "The drawing lies up to {:.0f} feet from the origin, where a saved file keeps places {:.2g} inches "
+      "apart",
+      farthest, spacing);
+}
+
+std::vector<std::string> leftOutTexts(const DxfDrawing& drawing) {
+  std::vector<std::string> texts;
+  for (auto at = drawing.leftOut.begin(); at != drawing.leftOut.end();) {
+    const DxfReason reason = at->first.first;
+    std::string kinds;
+    std::size_t sum = 0;
+    for (; at != drawing.leftOut.end() && at->first.first == reason; ++at) {
+      kinds += fmt::format("{}{} {}", kinds.empty() ? "" : ", ", at->first.second, at->second);
+      sum += at->second;
+    }
+    texts.push_back(fmt::format("{} {}: {}", counted(sum, "object", "objects"), reasonText(reason), kinds));
+  }
+  return texts;
+}
+
+std::string dxfImportSentence(const PreparedDxf& prepared, const std::string& fileName) {
+  std::string sentence = fmt::format(
+      "Imported {} from \"{}\"", counted(prepared.drawing.entities.size(), "entity", "entities"), fileName);
+  sentence += prepared.unitSource == DxfUnitSource::likely
+                  ? fmt::format(", which names no unit and was taken to be in {}", prepared.unit.name)
+                  : fmt::format(" in {}", prepared.unit.name);
+  const auto leftOut = leftOutTexts(prepared.drawing);
+  if (!leftOut.empty()) sentence += "; left out " + joined(leftOut);
   return sentence + ".";
 }
 
-void importDxf(Board& board, DxfDrawing drawing, const std::string& fileName, bool convertToFeet) {
-  if (drawing.entities.empty()) {
-    throw DxfError(drawing.leftOutCount() == 0
-                       ? "There is nothing in the file."
-                       : "There is nothing in the file but " + leftOutText(drawing) + ".");
+void importDxf(Board& board, PreparedDxf& prepared, const std::string& fileName) {
+  if (prepared.drawing.entities.empty()) {
+    const auto leftOut = leftOutTexts(prepared.drawing);
+    throw DxfError(leftOut.empty() ? "There is nothing in the file."
+                                   : "There is nothing in the file but " + joined(leftOut) + ".");
   }
-  std::string sentence = dxfImportSentence(drawing, fileName);
-  const double factor = convertToFeet && drawing.unit ? drawing.unit->feet : 1;
-  std::vector<SketchEntity> entities =
-      factor == 1 ? std::move(drawing.entities) : scaledEntities(std::move(drawing.entities), factor);
+  std::vector<std::string> lines{dxfImportSentence(prepared, fileName)};
+  if (prepared.moved != SketchPoint{}) {
+    lines.push_back(
+        fmt::format("Moved by ({:g}, {:g}) feet to the origin.", prepared.moved.x, prepared.moved.y));
+  } else if (liesFarFromOrigin(*prepared.bounds)) {
+    lines.push_back(farFromOriginText(*prepared.bounds) + "; import it moved to the origin.");
+  }
+  if (prepared.lostPlaces > 0) {
+    lines.push_back(fmt::format("{} could not be read:",
+                                counted(prepared.lostPlaces, "damaged place", "damaged places")));
+    lines.insert(lines.end(), prepared.losses.begin(), prepared.losses.end());
+  }
   const bool wasEmpty = board.sketch().entities().empty();
-  addEntities(board.sketch(), std::move(entities));
-  board.messages().append(std::move(sentence), false, true);
+  addEntities(board.sketch(), std::exchange(prepared.drawing.entities, {}));
+  for (std::string& line : lines) board.messages().append(std::move(line), false, true);
   if (wasEmpty) board.zoomToFit(board.view->canvasSize);
 }
 

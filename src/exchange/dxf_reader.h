@@ -7,11 +7,16 @@
 // | ARC                                          | arc                                             |
 // | closed LWPOLYLINE or POLYLINE, straight      | polygon                                         |
 // | other polylines                              | a line for each straight piece, an arc for each |
-// |                                              | bulged one                                      |
+// |                                              | bulged one; the outline of what has a width     |
+// | ELLIPSE, SPLINE                              | chords, within `kDxfChordTolerance` of the curve |
+// | SOLID, TRACE, 3DFACE                         | polygon                                         |
+// | meshes and faces of a POLYLINE               | a line for each edge                            |
+// | HATCH                                        | its outlines                                    |
+// | LEADER                                       | lines                                           |
+// | INSERT, DIMENSION                            | what their blocks hold                          |
 //
 // A polyline that ends where it began counts as closed. Height is dropped; what is mirrored by its extrusion
-// direction is mirrored back. Everything else, and what lies on a paper sheet, is counted by kind and left
-// out. Coordinates are taken unchanged; `DxfDrawing::unit` says what they mean.
+// direction is mirrored back. Everything else is counted by kind and reason, and left out.
 #pragma once
 
 #include <cstddef>
@@ -19,32 +24,39 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/sketch_entity.h"
+#include "exchange/dxf_file.h"
 #include "exchange/dxf_groups.h"
 
 namespace ostrelon {
 
-/// The unit in which a file says that it is drawn.
-struct DxfUnit {
-  std::string_view name;  ///< in the plural: "millimeters"
-  double feet = 1;        ///< feet in one
-  friend bool operator==(const DxfUnit&, const DxfUnit&) = default;
+/// How far chords may lie from their curve: a 64th of an inch, in feet.
+inline constexpr double kDxfChordTolerance = 1.0 / 768;
+/// How many entities a drawing may have once its blocks are drawn out.
+inline constexpr std::size_t kMostDxfEntities = 10'000'000;
+
+struct DxfChoices {
+  double feetPerUnit = 1;
+  /// Names of layers, without regard to case. Absent: all that are neither off nor frozen.
+  std::optional<std::vector<std::string>> layers;
+  std::size_t mostEntities = kMostDxfEntities;
 };
 
 struct DxfDrawing {
   std::vector<SketchEntity> entities;
-  /// Absent where the file names none.
-  std::optional<DxfUnit> unit;
-  /// How many objects of each kind were left out, by the format's name for it.
-  std::map<std::string, std::size_t> leftOut;
+  /// How many objects of each kind were left out, by the reason and the format's name for the kind.
+  std::map<std::pair<DxfReason, std::string>, std::size_t> leftOut;
+  /// How many objects would be drawn on each layer, whether it was taken or not; by `DxfFile::layers`.
+  std::vector<std::size_t> objectsOnLayer;
 
   std::size_t leftOutCount() const;
 };
 
-/// Throws `DxfError` for what is not a DXF text, is cut off, or holds an unreadable value in what
-/// would be drawn. Nothing else is refused.
-DxfDrawing readDxf(std::string_view text);
+/// What of the file is drawn, in feet. Throws `DxfError` where that would be more than may be, or where the
+/// file has no layer of a name that was asked for.
+DxfDrawing drawDxf(const DxfFile& file, const DxfChoices& choices = {});
 
 }  // namespace ostrelon

@@ -62,7 +62,7 @@ int runWithoutWindow(const CommandLine& line) {
     const auto scripts = readScripts(line, files);
     if (line.document) workspace.document.open(standardizedPath(*line.document));
     for (const FilePath& path : line.imports) {
-      importDrawing(workspace, standardizedPath(path), line.convertImports);
+      importDrawing(workspace, standardizedPath(path), line.importOptions);
       afterLine();
     }
     for (const std::string& file : line.consoleFiles) {

@@ -61,11 +61,15 @@ TEST(CommandLineTest, ReadsWhatToDoWithoutAWindow) {
 
 TEST(CommandLineTest, ReadsHowToExportAndWhatToImport) {
   const CommandLine line =
-      parseCommandLine({"--import", "a.dxf", "--to-feet", "--export", "b.pdf", "--paper", "ARCH D", "--scale",
+      parseCommandLine({"--import", "a.dxf", "--to-feet", "--unit", "mm", "--layers", "A-WALL, A-DOOR",
+                        "--to-origin", "--salvage", "--export", "b.pdf", "--paper", "ARCH D", "--scale",
                         "1/4in=1ft", "--landscape", "--dxf", "r12"});
   EXPECT_EQ(line.mode, Mode::withoutWindow);
   EXPECT_THAT(line.imports, ElementsAre("a.dxf"));
-  EXPECT_TRUE(line.convertImports);
+  EXPECT_EQ(line.importOptions.unit->name, "millimeters");
+  EXPECT_THAT(*line.importOptions.layers, ElementsAre("A-WALL", "A-DOOR"));
+  EXPECT_TRUE(line.importOptions.toOrigin);
+  EXPECT_EQ(line.importOptions.damage, DxfDamage::salvage);
   EXPECT_EQ(line.exportOptions.paper->name, "ARCH D");
   EXPECT_EQ(line.exportOptions.scale->ratio, 48);
   EXPECT_EQ(line.exportOptions.orientation, PageOrientation::landscape);
@@ -73,6 +77,7 @@ TEST(CommandLineTest, ReadsHowToExportAndWhatToImport) {
   EXPECT_THAT(refusal({"--export", "a.png", "--scale", "48"}), HasSubstr("not a scale"));
   EXPECT_THAT(refusal({"--paper", "A4"}), HasSubstr("--paper needs --export"));
   EXPECT_THAT(refusal({"--to-feet"}), HasSubstr("needs --import"));
+  EXPECT_THAT(refusal({"--import", "a.dxf", "--unit", "yd"}), HasSubstr("takes mm, cm, m, in or ft"));
 }
 
 TEST(CommandLineTest, RefusesWhatItDoesNotUnderstandInOneSentence) {

@@ -100,7 +100,7 @@ TEST_F(DrawingExchange, AFailedExportSaysSoAndLeavesNothing) {
 
 TEST_F(DrawingExchange, ImportAsksAboutUnitsOnlyWhereTheyDiffer) {
   dialogs.queue(writeDxfFile("feet.dxf", "2"));
-  EXPECT_THAT(menu("File/Import DXF…"), HasSubstr("Imported 1 entity from \"feet.dxf\"."));
+  EXPECT_THAT(menu("File/Import DXF…"), HasSubstr("Imported 1 entity from \"feet.dxf\" in feet."));
   EXPECT_EQ(dialogs.asked().size(), 1U);
 
   dialogs.queue(writeDxfFile("metric.dxf", "4"));

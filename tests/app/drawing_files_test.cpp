@@ -6,8 +6,8 @@
 
 #include "documents/opened_document.h"
 #include "documents/sketch_document_io.h"
-#include "exchange/dxf_reader.h"
 #include "platform/disk_file_system.h"
+#include "support/dxf.h"
 #include "support/temporary_folder.h"
 
 namespace ostrelon {
@@ -140,7 +140,8 @@ TEST_F(DrawingFilesTest, ADifferenceIsDrawnAsWell) {
     EXPECT_THAT(text, HasSubstr(layer));
   }
   EXPECT_THAT(text, Not(HasSubstr("UNCHANGED")));
-  EXPECT_EQ(readDxf(bytes).entities.size(), 8U) << "two walls of two parts, a line, a circle and two clouds";
+  EXPECT_EQ(testing::readDxf(bytes).entities.size(), 8U)
+      << "two walls of two parts, a line, a circle and two clouds";
   EXPECT_EQ(run({"--compare", o, n, "--export", (folder / "out.png").string()}), -1)
       << "nothing to draw it with";
 }

@@ -13,7 +13,7 @@
 #include <sstream>
 
 #include "exchange/dxf_layers.h"
-#include "exchange/dxf_reader.h"
+#include "support/dxf.h"
 #include "support/temporary_folder.h"
 #include "support/test_workspace.h"
 
@@ -94,7 +94,7 @@ TEST_P(DxfVersions, ComeBackAsTheGeometryThatWentOut) {
   EXPECT_EQ(written.entities, 8U);
   EXPECT_EQ(written.leftOut, 4U);
 
-  const DxfDrawing back = readDxf(text);
+  const DxfDrawing back = testing::readDxf(text);
   ASSERT_EQ(back.entities.size(), 11U) << "a wall is an outline and a line";
   EXPECT_EQ(back.leftOutCount(), 0U);
   EXPECT_EQ(std::get<LineEntity>(back.entities[0]).to, (SketchPoint{-3.25, 4}));
@@ -124,7 +124,7 @@ TEST_P(DxfVersions, CutWallsOpenForWhatIsInThemAndPutThatOnItsLayers) {
   writeDxf(
       drawing.entities, drawing.wallSystemSpecs, GetParam(), [&](std::string_view piece) { text += piece; },
       OpeningLayout(drawing, drawing.entities));
-  const DxfDrawing back = readDxf(text);
+  const DxfDrawing back = testing::readDxf(text);
   ASSERT_EQ(back.entities.size(), 9U)
       << "three outlines, a leaf, an arc, three lines of glass, a centre line";
   EXPECT_EQ(std::get<PolygonEntity>(back.entities[1]).vertices,
@@ -145,7 +145,7 @@ TEST_P(DxfVersions, CleanWallsAreJoinedOutlinesThatOpenForDoors) {
   writeDxf(
       drawing.entities, drawing.wallSystemSpecs, GetParam(), [&](std::string_view piece) { text += piece; },
       OpeningLayout(drawing, drawing.entities), PlanLook{true, false, true});
-  const DxfDrawing back = readDxf(text);
+  const DxfDrawing back = testing::readDxf(text);
   ASSERT_EQ(back.entities.size(), 6U) << "two outlines, a leaf, an arc, two centre lines";
   std::vector<std::size_t> corners;
   for (std::size_t i : {0U, 1U}) corners.push_back(std::get<PolygonEntity>(back.entities[i]).vertices.size());
@@ -169,16 +169,8 @@ TEST_P(DxfVersions, PassThroughInPiecesOfABoundedSize) {
   EXPECT_LT(largest, 70000U);
 }
 
-// The first interpreter that has the reader; empty where none has.
-std::string pythonWithReader() {
-  for (const char* python : {"/usr/bin/python3", "python3"}) {
-    if (std::system((std::string(python) + " -c 'import ezdxf' >/dev/null 2>&1").c_str()) == 0) return python;
-  }
-  return {};
-}
-
 TEST_P(DxfVersions, AnIndependentReaderFindsNoFaultAndTheSameGeometry) {
-  const std::string python = pythonWithReader();
+  const std::string python = testing::pythonWithReader();
   if (python.empty()) GTEST_SKIP() << "python3-ezdxf is not installed";
   const SampleDrawing sample;
   const TemporaryFolder folder;

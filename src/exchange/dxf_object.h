@@ -1,27 +1,13 @@
-// One object of a DXF file at a time becomes entities.
+// One object of a DXF file: its kind and the groups that say everything about it.
 #pragma once
 
-#include <span>
 #include <string_view>
 #include <vector>
 
-#include "core/sketch_entity.h"
+#include "core/sketch_point.h"
 #include "exchange/dxf_groups.h"
 
 namespace ostrelon {
-
-/// A vertex of a polyline. `bulge` is the tangent of a quarter of the angle of the arc to the next
-/// vertex, positive counter-clockwise; 0 for a straight piece.
-struct DxfVertex {
-  SketchPoint point;
-  double bulge = 0;
-};
-
-struct DxfPolyline {
-  std::vector<DxfVertex> vertices;
-  bool isClosed = false;
-  bool isMirrored = false;  ///< drawn on a plane seen from below
-};
 
 /// The groups of one object, after the one that names its kind.
 class DxfObject {
@@ -37,11 +23,17 @@ class DxfObject {
   /// The last group of this code; null where there is none.
   const DxfGroup* find(int code) const;
   int integer(int code, int otherwise) const;
+  /// The bits of a whole number; 0 where there is none.
+  unsigned flags(int code) const { return static_cast<unsigned>(integer(code, 0)); }
   double number(int code, double otherwise) const;
+  /// Empty where there is none.
+  std::string_view text(int code) const;
   /// x at this code, y at 10 more. Throws `DxfError` where one is missing, naming `what`.
   SketchPoint point(int code, std::string_view what) const;
   /// Throws `DxfError` where it is missing, naming `what`.
   double requiredNumber(int code, std::string_view what) const;
+  /// Refuses the object: "The HATCH at line 12 " and the complaint.
+  [[noreturn]] void refuse(std::string_view complaint) const;
 
   bool isOnPaper() const { return integer(67, 0) == 1; }
   /// The plane in which it is drawn.
@@ -55,10 +47,5 @@ class DxfObject {
   std::size_t line_;
   std::vector<DxfGroup> groups_;
 };
-
-/// Adds what the object draws. False where it is of a kind, in a plane or of a size that is left out.
-bool addDxfObject(const DxfObject& object, std::vector<SketchEntity>& entities);
-/// False for a polyline without two different vertices.
-bool addDxfPolyline(DxfPolyline polyline, std::vector<SketchEntity>& entities);
 
 }  // namespace ostrelon
