@@ -37,8 +37,11 @@ void DocumentSession::begin() {
 
 SketchDocumentV2 DocumentSession::makeDocument(bool includeUndo) const {
   const std::vector<SketchUndoSnapshot> none;
-  return documentOf(name, sketch_.drawing, stage_.viewport(),
-                    includeUndo ? sketch_.undoStack->undoSnapshots() : none);
+  SketchDocumentV2 document = documentOf(name, sketch_.drawing, stage_.viewport(),
+                                         includeUndo ? sketch_.undoStack->undoSnapshots() : none);
+  // A drawing alone has no past.
+  if (includeUndo) document.mergedCheckpointIDs = mergedCheckpoints();
+  return document;
 }
 
 void DocumentSession::adopt(LoadedSketchDocument document) {
@@ -51,6 +54,9 @@ void DocumentSession::adopt(OpenedDocument document) {
   const auto scope = change();
   name = std::move(document.name);
   unrecordedMerges_.clear();
+  EntityList& entities = document.drawing.entities;
+  if (!document.mergedCheckpointIDs.empty()) entities = EntityList::fromChunks(entities.chunks());
+  for (std::string& id : document.mergedCheckpointIDs) unrecordedMerges_.push_back({std::move(id), entities});
   sketch_.replace(std::move(document.drawing), std::move(document.undo));
   setBasis(sketch_.drawing);
   stage_.documentOpened(document.viewport);

@@ -161,8 +161,16 @@ std::vector<std::string> DocumentSession::mergedCheckpoints() const {
       return merged.sharesAllStorage(step.entities);
     });
   };
+  // A file that was saved before its checkpoint still tells what that has recorded.
+  const DocumentHistoryBranch* current = history->currentBranch();
+  const auto isRecorded = [&](const std::string& id) {
+    return current != nullptr && current->headCheckpointID &&
+           history->nearestCommonAncestor({*current->headCheckpointID}, id) == id;
+  };
   for (const UnrecordedMerge& merge : unrecordedMerges_) {
-    if (!merge.merged.empty() && isIn(merge.merged)) ids.push_back(merge.checkpointID);
+    if (!merge.merged.empty() && isIn(merge.merged) && !isRecorded(merge.checkpointID)) {
+      ids.push_back(merge.checkpointID);
+    }
   }
   return ids;
 }

@@ -28,6 +28,7 @@ OpenedDocument opened(SketchDocumentV2 document, const UUID& activeBefore) {
   result.drawing = {std::move(document.e), std::move(document.ws.items), activeID, document.grid,
                     std::move(document.plan)};
   result.viewport = viewportOf(document.vp);
+  result.mergedCheckpointIDs = std::move(document.mergedCheckpointIDs);
   if (document.undo) {
     for (EntityList& snapshot : *document.undo) result.undo.push_back({std::move(snapshot)});
     for (std::size_t i = 0; i < document.undoTwins.size(); ++i) {

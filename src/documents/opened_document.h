@@ -17,6 +17,7 @@ struct OpenedDocument {
   Drawing drawing;
   SketchViewport viewport;
   std::vector<SketchUndoSnapshot> undo;  ///< oldest first
+  std::vector<std::string> mergedCheckpointIDs = {};
 };
 
 /// `before`: the drawing whose place it takes; its active wall system stays where the file holds none.

@@ -40,6 +40,9 @@ struct SketchDocumentV2 {
   Plan plan = {};
   /// What the snapshots of `undo` take back beside the entities: as many as these, or none.
   std::vector<UndoTwin> undoTwins = {};
+  /// What was merged into the drawing and is recorded by no checkpoint yet; left out of a file where there is
+  /// none.
+  std::vector<std::string> mergedCheckpointIDs = {};
   friend bool operator==(const SketchDocumentV2&, const SketchDocumentV2&) = default;
 };
 

@@ -154,6 +154,15 @@ SketchDocumentV2 readCompactDocument(JsonReading& reading, const VersionPeek& sh
       ReadPlan read = readPlan(reading, value, here);
       document.plan = std::move(read.plan);
       twins = std::move(read.twins);
+    } else if (key == "mergedCheckpointIDs") {
+      document.mergedCheckpointIDs.clear();
+      if (reading.isNull(value)) return;
+      JsonReading::Elements ids(reading, reading.array(value, here));
+      Value id;
+      while (ids.next(id)) {
+        document.mergedCheckpointIDs.push_back(
+            reading.text(id, here.at(document.mergedCheckpointIDs.size())));
+      }
     } else {
       reading.pass(value, here);
     }

@@ -177,6 +177,7 @@ class DocumentWriter {
       append("]");
     }
     writePlan(firstSnapshot);
+    writeMergedCheckpoints();
     append("}");
     flush();
   }
@@ -291,6 +292,15 @@ class DocumentWriter {
     const std::string text =
         planText(document_.plan, {all.begin() + static_cast<std::ptrdiff_t>(first), all.end()});
     if (!text.empty()) append(",\"plan\":" + text);
+  }
+
+  void writeMergedCheckpoints() {
+    if (document_.mergedCheckpointIDs.empty()) return;
+    std::string text;
+    for (const std::string& id : document_.mergedCheckpointIDs) {
+      text += (text.empty() ? "" : ",") + quotedText(id);
+    }
+    append(",\"mergedCheckpointIDs\":[" + text + "]");
   }
 
   // Snapshots share most of their chunks with the entities and with each other; what such a chunk

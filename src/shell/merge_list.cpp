@@ -183,6 +183,8 @@ class ChoiceGroup final : public QWidget {
   }
 
   void setChosen(std::function<void(MergeChoice)> choose) { choose_ = std::move(choose); }
+  /// `reached`: one of them has got the focus.
+  void setReached(std::function<void()> reached) { reached_ = std::move(reached); }
   void showRow(const MergeListRow& row) {
     isShowing_ = true;
     setAccessibleName(QStringLiteral("Choice for conflict %1, %2").arg(row.number + 1).arg(row.title));
@@ -201,6 +203,11 @@ class ChoiceGroup final : public QWidget {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     paintSegments(painter, theme_, rect(), choice_);
+    for (const Segment* segment : segments_) {
+      if (!segment->hasFocus()) continue;
+      paintBox(painter, QRectF(segment->geometry()).adjusted(0.5, 0.5, -0.5, -0.5), 6, QColor(),
+               theme_.foreground());
+    }
   }
   void resizeEvent(QResizeEvent* /*event*/) override {
     for (int i = 0; i < 3; ++i) segments_[static_cast<std::size_t>(i)]->setGeometry(segmentBox(rect(), i));
@@ -215,20 +222,54 @@ class ChoiceGroup final : public QWidget {
    protected:
     void paintEvent(QPaintEvent* /*event*/) override {}
     bool hitButton(const QPoint& position) const override { return rect().contains(position); }
+    // Qt's own arrow keys choose nothing while nothing is chosen yet. Space belongs to the tools.
     void keyPressEvent(QKeyEvent* event) override {
-      if (isPressingKey(*event)) {
-        click();
-      } else {
-        QRadioButton::keyPressEvent(event);
+      switch (event->key()) {
+        case Qt::Key_Left:
+        case Qt::Key_Up:
+          group().press(*this, -1);
+          return;
+        case Qt::Key_Right:
+        case Qt::Key_Down:
+          group().press(*this, 1);
+          return;
+        default:
+          if (isPressingKey(*event)) {
+            click();
+          } else {
+            QRadioButton::keyPressEvent(event);
+          }
       }
     }
+    void focusInEvent(QFocusEvent* event) override {
+      QRadioButton::focusInEvent(event);
+      group().update();
+      if (group().reached_) group().reached_();
+    }
+    void focusOutEvent(QFocusEvent* event) override {
+      QRadioButton::focusOutEvent(event);
+      group().update();
+    }
+
+   private:
+    ChoiceGroup& group() { return static_cast<ChoiceGroup&>(*parentWidget()); }
   };
+
+  // Chooses the one beside it, and from the end the first.
+  void press(Segment& from, int step) {
+    const auto at = std::find(segments_.begin(), segments_.end(), &from) - segments_.begin();
+    const auto count = static_cast<std::ptrdiff_t>(segments_.size());
+    Segment& next = *segments_[static_cast<std::size_t>((at + step + count) % count)];
+    next.setFocus(Qt::TabFocusReason);
+    next.click();
+  }
 
   Theme& theme_;
   std::array<Segment*, 3> segments_{};
   std::optional<MergeChoice> choice_;
   bool isShowing_ = false;
   std::function<void(MergeChoice)> choose_;
+  std::function<void()> reached_;
 };
 
 // --- The list
@@ -239,6 +280,7 @@ MergeRowsView::MergeRowsView(Theme& theme, MergeListModel& model, QWidget* paren
   setModel(&model);
   setSelectionMode(SingleSelection);
   connect(&model, &QAbstractItemModel::dataChanged, this, [this] { placeGroup(); });
+  group_->setReached([this] { scrollTo(currentIndex()); });
   group_->setChosen([this](MergeChoice choice) {
     if (currentIndex().isValid()) Q_EMIT chosen(model_.row(currentIndex().row()).number, choice);
   });

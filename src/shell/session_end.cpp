@@ -16,8 +16,12 @@ SessionEnd::SessionEnd(Application& application) : application_(application) {
       [this](QSessionManager& session) {
         const bool mayAsk = application_.workspace().document.isDirty() && session.allowsInteraction();
         const bool may = mayEnd(mayAsk);
-        if (mayAsk) session.release();
-        if (!may) session.cancel();
+        // The session is called off within the question that it allowed.
+        if (!may) {
+          session.cancel();
+        } else if (mayAsk) {
+          session.release();
+        }
       },
       Qt::DirectConnection);
   qApp->installEventFilter(this);

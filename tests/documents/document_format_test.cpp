@@ -369,6 +369,7 @@ TEST(DocumentFormat, HoldsTwentyUndoStepsInLittleMoreThanTheEntitiesThemselves) 
   for (int count = 0; count < 10'000; ++count) list.append(fresh());
   const auto any = [&] { return static_cast<std::size_t>(random.below(static_cast<int>(list.size()))); };
   document.undo.emplace();
+  document.undoTwins.clear();
   for (int step = 0; step < 20; ++step) {
     document.undo->push_back(list);
     switch (step % 4) {

@@ -69,9 +69,13 @@ TEST_F(MergePanelTest, ConflictsAreSettledByKeysAndByThePointer) {
   EXPECT_THAT(*review.choices, ElementsAre(MergeChoice::theirs, std::nullopt, std::nullopt));
   EXPECT_TRUE(find<QRadioButton>(window, "merge.choice.theirs")->isChecked());
   key(Qt::Key_Down);
-  find<QRadioButton>(window, "merge.choice.theirs")->click();
-  settle();
+  key(Qt::Key_Tab);  // to the group, where arrows and Return choose and Space belongs to the tools
+  EXPECT_EQ(QApplication::focusWidget()->objectName(), "merge.choice.ours");
+  key(Qt::Key_Left);
+  EXPECT_THAT(*review.choices, ElementsAre(MergeChoice::theirs, MergeChoice::both, std::nullopt));
+  key(Qt::Key_Up);
   EXPECT_THAT(*review.choices, ElementsAre(MergeChoice::theirs, MergeChoice::theirs, std::nullopt));
+  EXPECT_EQ(QApplication::focusWidget()->objectName(), "merge.choice.theirs");
 
   // By the pointer: the last third of the segments.
   const QRect row = panel().list().visualRect(panel().list().model()->index(3, 0));

@@ -124,6 +124,7 @@ SketchDocumentV2 RandomDrawing::document(int mostEntities) {
     }
     document.undoTwins.front().plan = Plan();  // a list of empty twins is none
   }
+  if (chance(8)) document.mergedCheckpointIDs = {oneOf(texts), "cp-1"};
   return document;
 }
 

@@ -62,14 +62,24 @@ TEST(EditJournal, ADeathAtAnyByteLeavesAPrefixOfTheEdits) {
     };
     std::vector<Moment> moments;
     std::string journal;
-    while (moments.size() < 25) {
-      edit(program, random);
+    const auto note = [&] {
       const auto paths = journalsIn(folder / "a");
-      if (paths.empty()) continue;
+      if (paths.empty()) return;
       const std::string bytes = bytesOf(paths.back());
       if (!bytes.starts_with(journal)) moments.clear();  // it has folded itself
+      if (bytes == journal && !moments.empty()) return;
       journal = bytes;
       moments.push_back({bytes.size(), program.text()});
+    };
+    {
+      // An edit may be several operations, as a drag with a step of another is, and is recorded in as many.
+      const Subscription each = program.workspace.observe(kAllFields, [&](FieldMask) { note(); });
+      while (moments.size() < 25) {
+        edit(program, random);
+        note();
+        if (moments.empty()) continue;
+        ASSERT_EQ(moments.back().text, program.text()) << "all is recorded when it ends";
+      }
     }
     for (int round = 0; round < testing::rounds(15); ++round) {
       const auto& last = moments[static_cast<std::size_t>(random.below(static_cast<int>(moments.size())))];
