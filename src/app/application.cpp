@@ -49,11 +49,11 @@ Application::Application(ApplicationServices services, ApplicationOptions option
   selectionSubscription_ = workspace_.observe(fieldsOf(workspace_.sketch.selection), [this](FieldMask) {
     const Selection& selection = workspace_.sketch.selection;
     // It goes with a selection that was there; what a script opens without one stays.
-    const bool hasGone = std::exchange(hadSelection_, !selection.empty()) && selection.empty();
+    const bool hasGone = std::exchange(hadSelection_, !selection.isNothing()) && selection.isNothing();
     if (!hasGone || !selection.isInspected) return;
     // Observers do not change what they observe: the window goes once the operation has ended.
     inspectorTask_ = host_.scheduler.after(Seconds(0), [this] {
-      if (workspace_.sketch.selection->ids.empty()) workspace_.sketch.setInspected(false);
+      if (workspace_.sketch.selection->isNothing()) workspace_.sketch.setInspected(false);
     });
   });
 }

@@ -121,11 +121,11 @@ std::string inspectorConvertTitle(const Workspace& workspace, const SketchEntity
 // --- Showing it
 
 void showEntityInspector(Sketch& sketch) {
-  if (!sketch.selection->empty()) sketch.setInspected(true);
+  if (!sketch.selection->isNothing()) sketch.setInspected(true);
 }
 
 void toggleEntityInspector(Sketch& sketch) {
-  sketch.setInspected(!sketch.selection->empty() && !sketch.selection->isInspected);
+  sketch.setInspected(!sketch.selection->isNothing() && !sketch.selection->isInspected);
 }
 
 // --- Reports

@@ -20,6 +20,7 @@ namespace {
 constexpr std::array<std::string_view, 6> kMenuTitles{"File", "Edit", "Sketch", "Console", "View", "Help"};
 
 bool hasSelection(const Application& app) { return !app.workspace().sketch.selection->ids.empty(); }
+bool hasAnySelection(const Application& app) { return !app.workspace().sketch.selection->isNothing(); }
 bool hasClipboard(const Application& app) { return !app.workspace().sketch.clipboard->empty(); }
 bool hasEntities(const Application& app) { return !app.workspace().sketch.entities().empty(); }
 bool canUndo(const Application& app) { return !app.workspace().sketch.undoStack->undoSnapshots().empty(); }
@@ -193,7 +194,7 @@ constexpr std::array kMenuCommands{
         "Edit", "Select All", "⌘A", [](Application& app) { selectAll(app.workspace().sketch); }, hasEntities),
     row(
         "Sketch", "Inspect", "⌘I", [](Application& app) { showEntityInspector(app.workspace().sketch); },
-        hasSelection),
+        hasAnySelection),
     row("Sketch", "Duplicate", "⌘D", duplicate, hasSelection),
     separator("Sketch"),
     row("Sketch", "Clear Sketch", "⇧⌘K", [](Application& app) { app.workspace().board.clearSketch(); }),

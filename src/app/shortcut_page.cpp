@@ -15,6 +15,10 @@ std::vector<ShortcutGroup> shortcutGroups() {
     groups.front().rows.push_back(
         {desktopNotation(binding.keys), std::string(binding.title), std::string(binding.when)});
   }
+  groups.push_back({"Doors, Windows and Openings", {}});
+  for (const PlanItemKey& key : planItemKeys()) {
+    groups.back().rows.push_back({desktopNotation(key.keys), std::string(key.title), {}});
+  }
   groups.push_back({"While Comparing", {}});
   for (const ComparisonKey& key : comparisonKeys()) {
     groups.back().rows.push_back({desktopNotation(key.keys), std::string(key.title), {}});

@@ -4,6 +4,7 @@
 #include "automation/call_binding.h"
 #include "core/adding.h"
 #include "geometry/edit_operations.h"
+#include "geometry/plan_item_operations.h"
 
 namespace ostrelon {
 namespace {
@@ -43,6 +44,16 @@ Json editMessage(AutomationSession& /*session*/, const std::string& kind, Entity
     return toJson(entityEditMessage(ConvertEdit{target}, result));
   }
   throw ArgumentError("Argument 1: expected one of length, nudge, convert.");
+}
+
+std::optional<std::string> orNull(std::string refusal) {
+  return refusal.empty() ? std::nullopt : std::optional(std::move(refusal));
+}
+
+Opening knownOpening(const Sketch& sketch, const UUID& id) {
+  const Opening* opening = sketch.drawing->plan.opening(id);
+  if (opening == nullptr) throw ArgumentError("Argument 1: no opening has this identifier.");
+  return *opening;
 }
 
 }  // namespace
@@ -88,6 +99,21 @@ void addEditCalls(CallTable& table) {
               const std::optional<Json>& first, const std::optional<Json>& second) {
         return editMessage(session, kind, result, first.value_or(Json()), second.value_or(Json()));
       });
+
+  // --- Doors, windows and openings. What changes one gives why it was refused, or null.
+  table["selectOpening"] = call(&Sketch::selectPlanItem);
+  table["changeOpening"] =
+      call([](Sketch& sketch, const Opening& opening) { return orNull(changePlanItem(sketch, opening)); });
+  table["moveOpening"] = call([](Sketch& sketch, const UUID& id, double distance) {
+    Opening moved = knownOpening(sketch, id);
+    moved.distance = distance;
+    return orNull(changePlanItem(sketch, moved));
+  });
+  table["flipOpening"] = call([](Sketch& sketch, const UUID& id) {
+    const auto flipped = flippedPlanItem(knownOpening(sketch, id));
+    return flipped ? orNull(changePlanItem(sketch, *flipped)) : std::nullopt;
+  });
+  table["deleteOpening"] = call(deletePlanItem);
 
   // --- Trim and extend
   table["applyTrim"] = call(applyTrim);

@@ -125,6 +125,12 @@ Json toJson(const SelectDragState& value) {
                                       {"leadEntityID", toJson(drag.leadEntityID)},
                                       {"startSketchPoint", toJson(drag.startSketchPoint)}};
                         },
+                        [](const PlanItemDrag& drag) {
+                          return Json{{"case", "planItem"},
+                                      {"id", toJson(planItemID(drag.anchor))},
+                                      {"anchor", toJson(drag.anchor)},
+                                      {"startSketchPoint", toJson(drag.startSketchPoint)}};
+                        },
                     },
                     value);
 }
@@ -140,6 +146,10 @@ Json toJson(const Opening& value) {
     json["swing"] = toJson(value.swing);
   }
   return json;
+}
+
+Json toJson(const PlanItem& value) {
+  return std::visit([](const auto& item) { return toJson(item); }, value);
 }
 
 Json toJson(const Plan& value) {

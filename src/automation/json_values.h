@@ -74,6 +74,7 @@ Json toJson(const SelectMarqueeState& value);
 Json toJson(const SelectionHandle& value);
 Json toJson(const SelectDragState& value);
 Json toJson(const Opening& value);
+Json toJson(const PlanItem& value);
 Json toJson(const Plan& value);
 /// With "plan" where the snapshot holds one that is not empty.
 Json toJson(const SketchUndoSnapshot& value);

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "automation/automation_session.h"
+#include "geometry/plan_item_operations.h"
 
 namespace ostrelon {
 namespace {
@@ -100,10 +101,12 @@ constexpr std::array kStateFields{
     StateField{"isSaveDialogActive",
                [](const Workspace& w) { return toJson(w.document.isSaveDialogActive.get()); }},
     StateField{"plan", [](const Workspace& w) { return toJson(w.sketch.drawing->plan); }},
+    StateField{"selectedOpening",
+               [](const Workspace& w) { return toJson(selectedPlanItem<Opening>(w.sketch)); }},
 };
 
 // Shown only where they are asked for.
-constexpr std::array<std::string_view, 2> kFieldsOnDemand{"consoleLines", "plan"};
+constexpr std::array<std::string_view, 3> kFieldsOnDemand{"consoleLines", "plan", "selectedOpening"};
 
 }  // namespace
 

@@ -223,7 +223,7 @@ Reply run(const DrawRun& walls, const CommandContext& context) {
   Sketch& sketch = context.sketch;
   const auto change = sketch.change();
   std::vector<SketchEntity> added;
-  Selection selected{{}, std::nullopt, sketch.selection->isInspected};
+  Selection selected{{}, std::nullopt, sketch.selection->isInspected, {}};
   for (const auto& [from, to] : walls.axes) {
     const UUID id = UUID::random();
     added.emplace_back(WallEntity{id, from, to, walls.systemSpecID});

@@ -32,16 +32,21 @@ struct Drawing {
   friend bool operator==(const Drawing&, const Drawing&) = default;
 };
 
-/// The selected entities, by identifier.
+/// The selected entities, by identifier, or in their place one item of the plan.
 struct Selection {
   std::unordered_set<UUID> ids;
   /// The one that commands for a single entity mean. A marquee that takes nothing leaves it as it was.
   std::optional<UUID> primary;
   /// The inspector is open on the selection.
   bool isInspected = false;
+  /// The door, window, … that is selected; no entity is meanwhile.
+  std::optional<UUID> planItem;
 
-  static Selection of(const UUID& id) { return {{id}, id, false}; }
+  static Selection of(const UUID& id) { return {{id}, id, false, {}}; }
+  /// No entity is selected.
   bool empty() const { return ids.empty(); }
+  /// Neither an entity nor an item of the plan is.
+  bool isNothing() const { return ids.empty() && !planItem; }
   bool contains(const UUID& id) const { return ids.contains(id); }
   friend bool operator==(const Selection&, const Selection&) = default;
 };

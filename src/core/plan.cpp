@@ -29,6 +29,16 @@ const Opening* Plan::opening(const UUID& id) const {
   return found == openings.end() ? nullptr : &*found;
 }
 
+DoorHanging flipped(DoorHanging hanging) {
+  const bool isNextHinge = (hanging.hinge == DoorHinge::left) == (hanging.swing == DoorSwing::in);
+  if (isNextHinge) {
+    hanging.hinge = hanging.hinge == DoorHinge::left ? DoorHinge::right : DoorHinge::left;
+  } else {
+    hanging.swing = hanging.swing == DoorSwing::in ? DoorSwing::out : DoorSwing::in;
+  }
+  return hanging;
+}
+
 // --- Following the walls
 
 double followedDistance(double distance, const SketchEntity& before, const SketchEntity& after) {

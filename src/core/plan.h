@@ -3,7 +3,8 @@
 // their storage: an undo step or a snapshot of it costs nothing that grows with it.
 //
 // A kind of item that is added here is a record with an identifier, a list of it in `Plan` and `PlanChange`,
-// and its rows in documents/plan_rows.h; undo, files, the journal and snapshots then have it.
+// and its rows in documents/plan_rows.h; undo, files, the journal and snapshots then have it. As a member of
+// `PlanItem` in core/plan_items.h it can be selected, moved and deleted.
 #pragma once
 
 #include <cstdint>
@@ -31,6 +32,15 @@ enum class OpeningKind : std::uint8_t { door, window, opening };
 enum class DoorHinge : std::uint8_t { left, right };
 /// To which side of the wall a door opens, as seen from its start to its end: `in` is to the left.
 enum class DoorSwing : std::uint8_t { in, out };
+
+/// The four ways in which a door hangs and swings, one after the other: left and in, right and in, right and
+/// out, left and out.
+struct DoorHanging {
+  DoorHinge hinge = DoorHinge::left;
+  DoorSwing swing = DoorSwing::in;
+  friend bool operator==(const DoorHanging&, const DoorHanging&) = default;
+};
+DoorHanging flipped(DoorHanging hanging);
 
 /// A gap in a wall, which stays whole beneath it. The wall may have become a line meanwhile: the opening
 /// then waits, unseen, until it is a wall again.

@@ -4,6 +4,8 @@
 #include <cassert>
 #include <utility>
 
+#include "core/plan_items.h"
+
 namespace ostrelon {
 namespace {
 
@@ -33,6 +35,10 @@ const SketchEntity* Sketch::selectedEntity() const {
 }
 
 std::string Sketch::selectionSummary() const {
+  if (selection->planItem) {
+    const auto item = findPlanItem(drawing->plan, *selection->planItem);
+    return item ? planItemLabel(*this, *item) : "none";
+  }
   if (selection->empty()) return "none";
   if (selection->ids.size() > 1) return std::to_string(selection->ids.size()) + " selected";
   return (selection->primary ? labelOf(*selection->primary) : std::nullopt).value_or("one");
@@ -70,6 +76,7 @@ void Sketch::edit(const std::function<void(Drawing&)>& change, UndoStep step) {
   countAsEdit(step);
   change(drawing.edit());
   followWalls(entitiesBefore, planBefore.openings, isDragged);
+  if (selection->planItem) settleSelection();
   if (step == UndoStep::none) return;
 
   UndoTwin twin;
@@ -179,7 +186,7 @@ void Sketch::setState(const SketchState& state) {
   const ChangeScope scope(tracker_);
   drawing = state.drawing;
   dragStep_.reset();
-  selection = state.selection;
+  select(state.selection);
   isDirty = state.isDirty;
 }
 
@@ -187,7 +194,7 @@ void Sketch::replace(Drawing replacement, std::vector<SketchUndoSnapshot> undoSt
   const ChangeScope scope(tracker_);
   drawing = std::move(replacement);
   dragStep_.reset();
-  selection = Selection{{}, std::nullopt, selection->isInspected};
+  selection = Selection{{}, std::nullopt, selection->isInspected, {}};
   setClipboard({});
   undoStack.edit().replaceUndoSnapshots(std::move(undoSteps));
 }
@@ -238,10 +245,11 @@ SketchUndoSnapshot Sketch::restore(const SketchUndoSnapshot& step) {
 
 void Sketch::settleSelection() {
   Selection remaining = selection;
+  if (remaining.planItem && !findPlanItem(drawing->plan, *remaining.planItem)) remaining.planItem.reset();
   std::erase_if(remaining.ids, [&](const UUID& id) { return entity(id) == nullptr; });
-  if (remaining.empty()) {
+  if (remaining.isNothing()) {
     remaining = {};
-  } else if (remaining.primary && !remaining.contains(*remaining.primary)) {
+  } else if (!remaining.empty() && remaining.primary && !remaining.contains(*remaining.primary)) {
     remaining.primary = *remaining.ids.begin();
   }
   selection = std::move(remaining);
@@ -254,13 +262,23 @@ void Sketch::setUndoStack(SketchUndoStack stack) {
 
 // --- The selection and the clipboard
 
-void Sketch::selectOnly(const UUID& id) { selection = Selection{{id}, id, selection->isInspected}; }
+void Sketch::select(Selection selected) {
+  if (!selected.empty()) selected.planItem.reset();
+  selection = std::move(selected);
+}
+
+void Sketch::selectOnly(const UUID& id) { selection = Selection{{id}, id, selection->isInspected, {}}; }
+
+void Sketch::selectPlanItem(const UUID& id) {
+  if (findPlanItem(drawing->plan, id)) selection = Selection{{}, {}, selection->isInspected, id};
+}
 
 void Sketch::addToSelection(const UUID& id) {
   const ChangeScope scope(tracker_);
   Selection& selected = selection.edit();
   selected.ids.insert(id);
   selected.primary = id;
+  selected.planItem.reset();
 }
 
 void Sketch::deselect(const UUID& id) {

@@ -82,7 +82,7 @@ class Sketch {
   std::optional<std::string> labelOf(const UUID& id) const;
   /// The entity of a selection of one, else null.
   const SketchEntity* selectedEntity() const;
-  /// "none", the label of the one selected entity, or "3 selected".
+  /// "none", the label of the one selected entity or item of the plan, or "3 selected".
   std::string selectionSummary() const;
   /// The positions of the selected entities, ascending.
   std::vector<std::size_t> selectedPositions() const;
@@ -139,9 +139,12 @@ class Sketch {
 
   // --- The selection and the clipboard
 
-  void select(Selection selected) { selection = std::move(selected); }
+  /// Entities leave no item of the plan selected.
+  void select(Selection selected);
   /// This one alone. The inspector stays as it is.
   void selectOnly(const UUID& id);
+  /// This item of the plan alone; nothing for an unknown one. The inspector stays as it is.
+  void selectPlanItem(const UUID& id);
   /// Adds it and makes it the primary one.
   void addToSelection(const UUID& id);
   /// Takes it out of the selection, and as the primary one also where it is not selected; some member
@@ -151,7 +154,7 @@ class Sketch {
   void clearSelection() { selection = Selection(); }
   /// The inspector opens on a selection alone.
   void setInspected(bool inspected);
-  /// Leaves out of the selection what is no entity any more, after an edit that may have removed some.
+  /// Leaves out of the selection what is not there any more, after an edit that may have removed some.
   void keepSelectionOfEntities() { settleSelection(); }
   /// `openings`: those of the walls among the entities.
   void setClipboard(std::vector<SketchEntity> entities, std::vector<Opening> openings = {}) {

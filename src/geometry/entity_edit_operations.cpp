@@ -62,7 +62,7 @@ std::vector<Opening> openingsOf(const Plan& plan, const std::vector<SketchEntity
 // selection, the first one primary.
 void appendCopies(Sketch& sketch, std::vector<SketchEntity> copies, const std::vector<Opening>& openings,
                   double dx, double dy) {
-  Selection selection{{}, std::nullopt, sketch.selection->isInspected};
+  Selection selection{{}, std::nullopt, sketch.selection->isInspected, {}};
   selection.ids.reserve(copies.size());
   std::unordered_map<UUID, UUID> copyIDs;
   for (SketchEntity& copy : copies) {
@@ -172,7 +172,7 @@ void deleteEntity(Sketch& sketch, Messages& messages, const UUID& id) {
     }
   });
   sketch.deselect(gone);
-  if (sketch.selection->empty()) sketch.setInspected(false);
+  if (sketch.selection->isNothing()) sketch.setInspected(false);
   messages.appendSystem(countedReport(1, "deleted"));
 }
 

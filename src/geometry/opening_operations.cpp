@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <utility>
 
 #include "core/typed_length.h"
@@ -37,36 +36,6 @@ std::optional<PlacedOpening> addOpening(Sketch& sketch, const Opening& opening) 
     drawing.plan.openings = std::move(openings);
   });
   return placed;
-}
-
-std::optional<PlacedOpening> changeOpening(Sketch& sketch, const Opening& opening, UndoStep step) {
-  auto placed = placedOpening(sketch, opening);
-  const Opening* before = sketch.drawing->plan.opening(opening.id);
-  if (!placed || placed->fit != OpeningFit::fits || before == nullptr || *before == opening) return placed;
-  sketch.edit(
-      [&](Drawing& drawing) {
-        std::vector<Opening> openings = drawing.plan.openings.list();
-        std::replace_if(
-            openings.begin(), openings.end(), [&](const Opening& one) { return one.id == opening.id; },
-            opening);
-        drawing.plan.openings = std::move(openings);
-      },
-      step);
-  return placed;
-}
-
-void deleteOpening(Sketch& sketch, Messages& messages, const UUID& id) {
-  const Opening* found = sketch.drawing->plan.opening(id);
-  if (found == nullptr) return;
-  const auto change = sketch.change();
-  const std::string kind(openingTypeLabel(found->kind));
-  const UUID gone = id;
-  sketch.edit([&](Drawing& drawing) {
-    std::vector<Opening> openings = drawing.plan.openings.list();
-    std::erase_if(openings, [&](const Opening& one) { return one.id == gone; });
-    drawing.plan.openings = std::move(openings);
-  });
-  messages.appendSystem(kind + " deleted.");
 }
 
 std::string openingMisfitText(const PlacedOpening& placed, const Plan& plan) {

@@ -1,11 +1,10 @@
-// Adding, changing and removing the openings of a sketch. Each checks first: what does not fit is refused and
-// changes nothing. Each edit is one undo step unless it is part of another.
+// Adding openings to a sketch, and where each of them is in its wall. What does not fit is refused and
+// changes nothing. Changing and deleting them is in geometry/plan_item_operations.h.
 #pragma once
 
 #include <optional>
 #include <string>
 
-#include "core/messages.h"
 #include "core/sketch.h"
 #include "geometry/openings.h"
 
@@ -23,11 +22,6 @@ double centeredDistance(const OpeningWall& wall, double width);
 /// Adds the opening, whose identifier must be new. Absent, with nothing changed, where its wall is no wall;
 /// nothing is changed either where the answer does not fit.
 std::optional<PlacedOpening> addOpening(Sketch& sketch, const Opening& opening);
-/// Puts another in the place of the one of its identifier; likewise. An equal one is no edit.
-std::optional<PlacedOpening> changeOpening(Sketch& sketch, const Opening& opening,
-                                           UndoStep step = UndoStep::own);
-/// Removes it and reports that in the console; an unknown one does nothing.
-void deleteOpening(Sketch& sketch, Messages& messages, const UUID& id);
 
 /// Why it does not fit: "Does not fit Wall 3 (8'-5 1/2\").", "Overlaps the door at 4'-0\" in Wall 3.",
 /// "Wall 5 crosses Wall 3 there."; empty where it fits.

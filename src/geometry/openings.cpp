@@ -5,9 +5,12 @@
 #include <limits>
 
 #include "core/circle.h"
+#include "geometry/entity_geometry.h"
 
 namespace ostrelon {
 namespace {
+
+constexpr double kInchesInFoot = 12;
 
 double paintedThickness(const WallEntity& wall, const std::vector<WallSystemSpec>& systems) {
   const auto found = std::find_if(systems.begin(), systems.end(), [&](const WallSystemSpec& system) {
@@ -199,6 +202,14 @@ OpeningRoom openingRoom(const OpeningWall& wall, double at, const SharedList<Ope
   return room;
 }
 
+double roundedDistance(const OpeningWall& wall, double middle, double width,
+                       const SharedList<Opening>& openings, const std::optional<UUID>& without) {
+  const double distance = std::round((middle - width / 2) * kInchesInFoot) / kInchesInFoot;
+  const OpeningRoom room = openingRoom(wall, middle, openings, without);
+  if (room.to - room.from < width) return distance;
+  return std::clamp(distance, room.from, room.to - width);
+}
+
 // --- What is drawn
 
 OpeningShape openingShape(const Opening& opening, const OpeningWall& wall) {
@@ -242,6 +253,26 @@ SketchBox openingBounds(const OpeningShape& shape) {
     box = box.united(pointOnCircle(shape.arc->center, shape.arc->radius * std::sqrt(2), middle));
   }
   return box;
+}
+
+double distanceToOpening(const OpeningShape& shape, SketchPoint point) {
+  const SketchPoint near = middleOf(shape.gap[0], shape.gap[1]);
+  const SketchPoint along = middleOf(shape.gap[2], shape.gap[3]) - near;
+  const double width = lengthOf(along);
+  double least = std::numeric_limits<double>::infinity();
+  if (width > 0) {
+    const double place = dot(point - near, along) / width;
+    const double beside = std::abs(dot(point - near, perpendicular(along))) / width;
+    const double reach = distanceBetween(shape.gap[0], shape.gap[1]) / 2;
+    if (place >= 0 && place <= width) least = std::max(0.0, beside - reach);
+  }
+  if (shape.leaf) least = std::min(least, distanceToSegment(point, shape.leaf->first, shape.leaf->second));
+  if (shape.arc) {
+    const OpeningArc& arc = *shape.arc;
+    const ArcEntity swing{{}, arc.center, arc.radius, arc.startAngle, arc.endAngle};
+    least = std::min(least, distanceToEntity(swing, point));
+  }
+  return least;
 }
 
 }  // namespace ostrelon

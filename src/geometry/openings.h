@@ -100,6 +100,12 @@ struct OpeningRoom {
 OpeningRoom openingRoom(const OpeningWall& wall, double at, const SharedList<Opening>& openings,
                         const std::optional<UUID>& without = std::nullopt);
 
+/// Where an opening of this width goes that is wanted around `middle`, a distance from the wall's start: its
+/// near jamb to the inch, and within the free stretch there where that is wide enough.
+double roundedDistance(const OpeningWall& wall, double middle, double width,
+                       const SharedList<Opening>& openings,
+                       const std::optional<UUID>& without = std::nullopt);
+
 // --- What is drawn
 
 struct OpeningArc {
@@ -122,5 +128,8 @@ struct OpeningShape {
 OpeningShape openingShape(const Opening& opening, const OpeningWall& wall);
 /// The box around all that is drawn of it.
 SketchBox openingBounds(const OpeningShape& shape);
+/// How far a point is from it: 0 in its gap, else the distance to the gap, the leaf or what the leaf's tip
+/// runs along. The gap counts between the jambs alone, so that the wall beside it stays the wall.
+double distanceToOpening(const OpeningShape& shape, SketchPoint point);
 
 }  // namespace ostrelon

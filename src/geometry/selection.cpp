@@ -20,7 +20,7 @@ void selectSingleEntity(Sketch& sketch, std::optional<UUID> id) {
 }
 
 void selectEntities(Sketch& sketch, const std::vector<std::int64_t>& positions) {
-  Selection selection{{}, std::nullopt, sketch.selection->isInspected};
+  Selection selection{{}, std::nullopt, sketch.selection->isInspected, {}};
   for (const std::int64_t position : positions) {
     if (position < 0 || static_cast<std::uint64_t>(position) >= sketch.entities().size()) continue;
     const UUID& id = entityID(sketch.entities()[static_cast<std::size_t>(position)]);
@@ -36,7 +36,7 @@ void selectAll(Sketch& sketch) {
     sketch.clearSelection();
     return;
   }
-  Selection selection{{}, sketch.selection->primary, sketch.selection->isInspected};
+  Selection selection{{}, sketch.selection->primary, sketch.selection->isInspected, {}};
   selection.ids.reserve(entities.size());
   for (const SketchEntity& entity : entities) selection.ids.insert(entityID(entity));
   if (!selection.primary || !selection.contains(*selection.primary)) {

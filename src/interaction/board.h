@@ -130,8 +130,8 @@ class Board {
 
   // --- Selecting (selecting.cpp)
 
-  /// A click: selects the entity there alone, or nothing. With `additive` the entity is added to the
-  /// selection or taken out of it, and a click beside all entities changes nothing.
+  /// A click: selects the item of the plan or the entity there alone, or nothing. With `additive` the entity
+  /// is added to the selection or taken out of it, and a click beside all entities changes nothing.
   void selectAtPoint(SketchPoint point, bool additive);
   void setMarquee(std::optional<SelectMarqueeState> marquee);
   void beginMarquee(SketchPoint pressViewPoint, SketchPoint currentViewPoint);
@@ -142,12 +142,16 @@ class Board {
 
   // --- The select tool's drags (select_drag.cpp)
 
-  /// Starts the drag of a handle of the one selected entity, else of the entity at the press with all of the
-  /// selection that it belongs to; an unselected one is selected first. False when nothing is there.
+  /// Starts the drag of a handle of the one selected entity, else of the item of the plan at the press, else
+  /// of the entity there with all of the selection that it belongs to; an unselected one is selected first.
+  /// False when nothing is there.
   bool beginSelectDrag(SketchPoint press);
   void updateSelectDrag(SketchPoint point);
-  /// The drag becomes one undo step, if it has moved anything.
+  /// The drag becomes one undo step, if it has moved anything. An item of the plan that does not fit where it
+  /// has been put goes back, and the console says why.
   void finishSelectDrag();
+  /// The next way in which the selected item of the plan stands; one that is dragged goes on with the drag.
+  void flipSelectedItem();
   /// Puts the dragged entities back, and ends a marquee too.
   void cancelSelectDrag();
 
@@ -269,17 +273,21 @@ class Board {
   void pollTrackingDwell();
   /// What hovering shows for a tool whose first point is not placed yet: entity points alone.
   void showEntityPointFeedback(SketchPoint point);
-  void showHovered(std::optional<UUID> id, std::optional<SketchPoint> viewPoint);
+  void showHovered(std::optional<UUID> id, std::optional<SketchPoint> viewPoint,
+                   std::optional<UUID> planItem = std::nullopt);
   /// Clears the snap state unless a draft or a drag shows it.
   void clearIdleSnap();
   void addDraft(bool whateverItsSize);
-  /// Ends a drag and a marquee before the tool changes.
+  /// Ends a drag, a marquee and what is selected of the plan before the tool changes.
   void endSelectGestures();
   /// What undo and redo end: anything but a polygon in progress.
   void endAllButPolygon();
   void updateHandleDrag(const SelectDrag& drag, const HandleDrag& handle, SketchPoint point);
   void updateBodyDrag(const BodyDrag& drag, SketchPoint point);
   void updateGroupDrag(const MultiBodyDrag& drag, SketchPoint point);
+  void updatePlanItemDrag(const PlanItemDrag& drag, SketchPoint point);
+  /// Why the item that is dragged cannot stay where it is; empty where it can.
+  std::string draggedItemMisfit() const;
   /// Finds the members of the group, unless nothing but this drag has written since it found them.
   GroupMove& groupMove(const MultiBodyDrag& drag);
 

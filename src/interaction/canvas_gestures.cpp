@@ -3,8 +3,10 @@
 #include <cmath>
 
 #include "geometry/hit_testing.h"
+#include "geometry/plan_item_operations.h"
 #include "interaction/board.h"
 #include "interaction/canvas_transform.h"
+#include "interaction/opening_painting.h"
 
 namespace ostrelon {
 // --- The end from elsewhere
@@ -38,6 +40,7 @@ void CanvasGestures::followWork() {
 
 void CanvasGestures::press(SketchPoint viewPoint) {
   if (!isFinite(viewPoint)) return;
+  hasPickedItem_ = false;
   press_ = viewPoint;
   changed(viewPoint);
 }
@@ -103,6 +106,7 @@ void CanvasGestures::release(SketchPoint viewPoint, bool shift) {
 
 void CanvasGestures::doubleClick() {
   if (board_.tool == SketchTool::polygon) board_.closePolygon();
+  if (hasPickedItem_ && board_.sketch().selection->planItem) board_.sketch().setInspected(true);
 }
 
 // --- The select tool: a click picks, a drag from an entity or handle moves it, any other drag draws
@@ -125,9 +129,20 @@ void CanvasGestures::selectEnded(SketchPoint press, bool isClick, bool additive)
     board_.finishSelectDrag();
   } else if (board_.marquee() != nullptr) {
     board_.finishMarquee(additive);
+  } else if (isClick && isOnFlipArrow(press)) {
+    board_.flipSelectedItem();
   } else if (isClick) {
     board_.selectAtPoint(toSketch(press), additive);
+    hasPickedItem_ = !additive && board_.sketch().selection->planItem.has_value();
   }
+}
+
+bool CanvasGestures::isOnFlipArrow(SketchPoint viewPoint) const {
+  const auto opening = selectedPlanItem<Opening>(board_.sketch());
+  const auto arrow =
+      opening ? flipArrowPoint(board_.sketch(), *opening, board_.scale()) : std::optional<SketchPoint>();
+  return arrow &&
+         distanceBetween(sketchPointToView(*arrow, board_.viewport()), viewPoint) <= kFlipArrowRadius;
 }
 
 // --- The drawing tools
@@ -175,7 +190,7 @@ void CanvasGestures::magnify(SketchPoint viewPoint, double magnification) {
 std::optional<ContextMenu> CanvasGestures::contextMenu(SketchPoint viewPoint) {
   if (!hasCanvas() || !isFinite(viewPoint) || board_.selectDrag() != nullptr) return std::nullopt;
   board_.selectAtPoint(toSketch(viewPoint), false);
-  return entityContextMenu(board_.sketch());
+  return selectionContextMenu(board_.sketch());
 }
 
 SketchPoint CanvasGestures::toSketch(SketchPoint viewPoint) const {

@@ -48,7 +48,8 @@ class CanvasGestures {
   void drag(SketchPoint viewPoint);
   /// `shift` is the state of the Shift key now, at the release.
   void release(SketchPoint viewPoint, bool shift = false);
-  /// What the platform delivers after the second release of a double click.
+  /// What the platform delivers after the second release of a double click. It closes a polygon, and opens
+  /// the inspector on an item of the plan.
   void doubleClick();
   /// True from the press to the release, or to an earlier end of the gesture.
   bool isPressed() const { return press_.has_value(); }
@@ -98,7 +99,10 @@ class CanvasGestures {
   bool hasCanvas() const;
 
   Board& board_;
+  bool isOnFlipArrow(SketchPoint viewPoint) const;
+
   std::optional<SketchPoint> press_;  // view points
+  bool hasPickedItem_ = false;        // the last click has selected an item of the plan, and not flipped it
   Work work_;
   Subscription subscription_;
 };

@@ -6,6 +6,7 @@
 #include <set>
 #include <utility>
 
+#include "geometry/plan_item_operations.h"
 #include "geometry/selection_handles.h"
 #include "interaction/board.h"
 #include "interaction/canvas_clipping.h"
@@ -99,6 +100,17 @@ void paintSquare(CanvasPainter& painter, const CanvasFrame& frame, SketchPoint p
   if (outline) painter.strokeRoundedRect(square, 0, *outline);
 }
 
+/// An unknown identifier paints nothing.
+void paintEmphasizedItem(CanvasPainter& painter, const CanvasFrame& frame, const Sketch& sketch,
+                         const UUID& id, OpeningEmphasis emphasis) {
+  const auto item = findPlanItem(sketch.drawing->plan, id);
+  if (!item) return;
+  std::visit(Overloaded{[&](const Opening& opening) {
+               paintEmphasizedOpening(painter, frame, sketch, opening, emphasis);
+             }},
+             *item);
+}
+
 Stroke draftStroke(const CanvasFrame& frame) {
   return {
       .color = frame.palette.active, .width = kDraftWidth, .cap = LineCap::round, .join = LineJoin::round};
@@ -153,8 +165,12 @@ void paintSnapGuides(CanvasPainter& painter, const Board& board, const CanvasFra
 }
 
 void paintHover(CanvasPainter& painter, const Board& board, const CanvasFrame& frame) {
+  if (board.tool.get() != SketchTool::select) return;
+  if (const auto& id = board.hover->planItem; id && id != board.sketch().selection->planItem) {
+    paintEmphasizedItem(painter, frame, board.sketch(), *id, OpeningEmphasis::hovered);
+  }
   const auto& hovered = board.hover->entityID;
-  if (board.tool.get() != SketchTool::select || !hovered) return;
+  if (!hovered) return;
   if (board.sketch().selection->contains(*hovered)) return;
   paintHighlight(painter, board, frame, hovered, kHoverWidth, kHoverDash);
 }
@@ -181,6 +197,11 @@ void paintSelectedEntity(CanvasPainter& painter, const CanvasFrame& frame, const
 }
 
 void paintSelection(CanvasPainter& painter, const Board& board, const CanvasFrame& frame) {
+  if (const auto& item = board.sketch().selection->planItem) {
+    paintEmphasizedItem(painter, frame, board.sketch(), *item,
+                        board.selectDrag() != nullptr ? OpeningEmphasis::dragged : OpeningEmphasis::selected);
+    return;
+  }
   const std::unordered_set<UUID>& selected = board.sketch().selection->ids;
   if (selected.empty()) return;
   if (selected.size() > 1) {

@@ -1,6 +1,7 @@
 #include "interaction/context_menu.h"
 
 #include "geometry/edit_operations.h"
+#include "geometry/plan_item_operations.h"
 
 namespace ostrelon {
 namespace {
@@ -23,9 +24,19 @@ void assignToSelectedWalls(const UUID& wallSystemID, Sketch& sketch, Messages& m
   if (isAssigned) messages.appendSystem(reply);
 }
 
+ContextMenu planItemMenu(const PlanItem& item) {
+  ContextMenu menu;
+  menu.push_back({"Inspect", "⌘I", ContextMenuCommand::inspect});
+  menu.push_back({{}, {}, ContextMenuSeparator{}});
+  if (flippedPlanItem(item)) menu.push_back({"Flip", {}, ContextMenuCommand::flipPlanItem});
+  menu.push_back({"Delete", {}, ContextMenuCommand::deletePlanItem});
+  return menu;
+}
+
 }  // namespace
 
-std::optional<ContextMenu> entityContextMenu(const Sketch& sketch) {
+std::optional<ContextMenu> selectionContextMenu(const Sketch& sketch) {
+  if (const auto item = selectedPlanItem(sketch)) return planItemMenu(*item);
   const auto& primary = sketch.selection->primary;
   const SketchEntity* entity = primary ? sketch.entity(*primary) : nullptr;
   if (entity == nullptr) return std::nullopt;
@@ -57,6 +68,12 @@ void runContextMenuItem(const ContextMenuItem& item, Sketch& sketch, Messages& m
                        break;
                      case ContextMenuCommand::deleteSelection:
                        deleteSelection(sketch, messages);
+                       break;
+                     case ContextMenuCommand::flipPlanItem:
+                       flipSelectedPlanItem(sketch, messages);
+                       break;
+                     case ContextMenuCommand::deletePlanItem:
+                       deleteSelectedPlanItem(sketch, messages);
                        break;
                    }
                  },

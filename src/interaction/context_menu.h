@@ -1,5 +1,5 @@
-// The menu of a secondary click on an entity, as values: the window shows it, the automation
-// interface lists its titles.
+// The menu of a secondary click on an entity or an item of the plan, as values: the window shows it, the
+// automation interface lists its titles.
 #pragma once
 
 #include <optional>
@@ -16,7 +16,7 @@ namespace ostrelon {
 struct ContextMenuItem;
 
 /// What choosing an item does.
-enum class ContextMenuCommand { inspect, duplicateSelection, deleteSelection };
+enum class ContextMenuCommand { inspect, duplicateSelection, deleteSelection, flipPlanItem, deletePlanItem };
 /// Gives this wall system to every selected wall, and reports it in the console.
 struct AssignWallSystemChoice {
   UUID wallSystemID;
@@ -35,8 +35,9 @@ struct ContextMenuItem {
 
 using ContextMenu = std::vector<ContextMenuItem>;
 
-/// The menu for the primary selected entity; absent when there is none.
-std::optional<ContextMenu> entityContextMenu(const Sketch& sketch);
+/// The menu for the selected item of the plan, else for the primary selected entity; absent when there is
+/// none.
+std::optional<ContextMenu> selectionContextMenu(const Sketch& sketch);
 
 /// Does what the item stands for. A separator and a submenu do nothing.
 void runContextMenuItem(const ContextMenuItem& item, Sketch& sketch, Messages& messages);

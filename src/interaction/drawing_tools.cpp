@@ -196,6 +196,7 @@ void Board::endSelectGestures() {
   const auto scope = change();
   if (selectDrag() != nullptr) finishSelectDrag();
   if (marquee() != nullptr || openingPlacing() != nullptr) gesture = Gesture();
+  if (sketch_.selection->planItem) sketch_.clearSelection();
 }
 
 // Typed commands disturb less than the tool buttons. The trim tool starts with nothing selected, since its
@@ -231,7 +232,7 @@ void Board::handleEscape() {
   } else if (marquee() != nullptr || openingPlacing() != nullptr) {
     gesture = Gesture();
   } else if (tool == SketchTool::select && !isDrawing()) {
-    if (!sketch_.selection->empty()) {
+    if (!sketch_.selection->isNothing()) {
       sketch_.clearSelection();
       hover = Hover();
     }

@@ -17,7 +17,7 @@
 
 namespace ostrelon {
 
-/// The drag of a handle, of an entity or of a group.
+/// The drag of a handle, of an entity, of a group or of an item of the plan.
 struct SelectDrag {
   SelectDragState state;
   /// The direction of a handle from the point that stays, when the drag began. Degrees, 0 up to but not
@@ -62,10 +62,11 @@ struct Tracking {
   friend bool operator==(const Tracking&, const Tracking&) = default;
 };
 
-/// The entity under the pointer, and where the pointer is.
+/// The entity or the item of the plan under the pointer, and where the pointer is.
 struct Hover {
   std::optional<UUID> entityID;
   std::optional<SketchPoint> viewPoint;  ///< view points
+  std::optional<UUID> planItem = {};
   friend bool operator==(const Hover&, const Hover&) = default;
 };
 

@@ -1,6 +1,7 @@
 // What the pointer shows while no button is held: the coordinates, the entity under it, and the snap
 // that a press would take.
 #include "geometry/hit_testing.h"
+#include "geometry/plan_item_operations.h"
 #include "geometry/trim.h"
 #include "interaction/board.h"
 #include "interaction/canvas_transform.h"
@@ -39,6 +40,12 @@ void Board::hoverMoved(std::optional<SketchPoint> viewPoint) {
     case SketchTool::select:
     case SketchTool::trim: {
       releaseTracking();
+      const auto item = tool == SketchTool::select ? pickPlanItem(sketch_, point, scale()) : std::nullopt;
+      if (item) {
+        showHovered(std::nullopt, viewPoint, item);
+        clearIdleSnap();
+        break;
+      }
       const auto pick = pickEntityAtPoint(sketch_.index(), point, scale());
       const bool counts = pick && (tool == SketchTool::select || isTrimmable(pick->entity));
       showHovered(counts ? std::optional(entityID(pick->entity)) : std::nullopt, viewPoint);
@@ -79,8 +86,9 @@ void Board::hoverMoved(std::optional<SketchPoint> viewPoint) {
   }
 }
 
-void Board::showHovered(std::optional<UUID> id, std::optional<SketchPoint> viewPoint) {
-  hover = Hover{id, id ? viewPoint : std::nullopt};
+void Board::showHovered(std::optional<UUID> id, std::optional<SketchPoint> viewPoint,
+                        std::optional<UUID> planItem) {
+  hover = Hover{id, id || planItem ? viewPoint : std::nullopt, planItem};
 }
 
 void Board::clearIdleSnap() {

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "geometry/edit_operations.h"
+#include "geometry/plan_item_operations.h"
 #include "interaction/board.h"
 #include "interaction/canvas_transform.h"
 #include "platform/unicode.h"
@@ -54,11 +55,7 @@ KeyOutcome escape(const KeyEvent& event, Board& board) {
 
 KeyOutcome selectToolBySpace(const KeyEvent& event, Board& board) {
   if (textControlClaimsKey(event)) return KeyOutcome::passed;
-  if (board.openingPlacing() != nullptr) {
-    board.flipOpeningPlacing();
-  } else {
-    board.activateSelectTool();
-  }
+  board.activateSelectTool();
   return KeyOutcome::consumed;
 }
 
@@ -141,11 +138,43 @@ KeyOutcome actOnRows(KeyTest test, const KeyModifiers& modifiers, const KeyEvent
   return KeyOutcome::passed;
 }
 
+constexpr std::array kPlanItemKeys{
+    PlanItemKey{KeyName::space, "Space", "Flip the door: the next of four ways to hang and swing"},
+    PlanItemKey{KeyName::deleteBackward, "Backspace", "Delete the selected opening"},
+    PlanItemKey{KeyName::forwardDelete, "Delete", "Delete the selected opening"},
+    PlanItemKey{KeyName::escape, "Escape", "Stop adding, or select nothing"},
+};
+
+// Of a key that belongs to the selected item, or to the mode that adds openings. Escape needs no more than
+// its row of the table, which steps back from both.
+bool handlePlanItemKey(const KeyEvent& event, Board& board) {
+  const bool isSelected = board.sketch().selection->planItem && board.tool == SketchTool::select;
+  if (!isSelected && board.openingPlacing() == nullptr) return false;
+  if (event.modifiers != kNoModifiers || board.lengthEditor->isOpen || !event.documentWindow ||
+      textControlClaimsKey(event)) {
+    return false;
+  }
+  if (event.key == KeyName::space) {
+    board.flipOpeningPlacing();
+    board.flipSelectedItem();
+    return true;
+  }
+  if (event.key == KeyName::deleteBackward || event.key == KeyName::forwardDelete) {
+    board.cancelSelectDrag();
+    deleteSelectedPlanItem(board.sketch(), board.messages());
+    return true;
+  }
+  return false;
+}
+
 }  // namespace
+
+std::span<const PlanItemKey> planItemKeys() { return kPlanItemKeys; }
 
 std::span<const KeyBinding> keyBindings() { return kKeyBindings; }
 
 KeyOutcome handleKey(const KeyEvent& event, Board& board) {
+  if (handlePlanItemKey(event, board)) return KeyOutcome::consumed;
   const KeyModifiers& held = event.modifiers;
   if (held.control || held.option || held.command) {
     return actOnRows(KeyTest::commandLetter, held, event, board);
@@ -160,7 +189,7 @@ KeyOutcome handleKey(const KeyEvent& event, Board& board) {
 
 bool isEscapeAwaited(const Board& board) {
   return isAnythingInProgress(board) || board.tracking->pending || board.tracking->locked ||
-         board.marquee() != nullptr || !board.sketch().selection->empty();
+         board.marquee() != nullptr || !board.sketch().selection->isNothing();
 }
 
 bool textControlClaimsKey(const KeyEvent& event) {

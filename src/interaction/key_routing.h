@@ -2,6 +2,7 @@
 // sees it; the event is either consumed or passed on.
 //
 // The order of the tests:
+//   0. Space, Delete and Forward Delete, while an item of the plan is selected or openings are being added.
 //   1. Command alone with D.
 //   2. With Control, Option or Command held, everything else passes on.
 //   3. While a segment's length is being edited only Escape counts: it closes the editor.
@@ -12,7 +13,7 @@
 // command line edits the text and Return runs the command. The console field claims nothing while it
 // is empty, so that the keys work right after a command.
 //
-// The table below is complete: `handleKey` walks it, and the page of keyboard help prints it.
+// The tables below are complete: `handleKey` walks them, and the page of keyboard help prints them.
 #pragma once
 
 #include <optional>
@@ -71,6 +72,15 @@ struct KeyBinding {
 
 /// All keys, in the order of the tests.
 std::span<const KeyBinding> keyBindings();
+
+/// What an item of the plan, or the mode that adds openings, takes before all of these, for the page of
+/// keyboard help.
+struct PlanItemKey {
+  KeyName key;
+  std::string_view keys;
+  std::string_view title;
+};
+std::span<const PlanItemKey> planItemKeys();
 
 /// Routes one key-down event.
 KeyOutcome handleKey(const KeyEvent& event, Board& board);

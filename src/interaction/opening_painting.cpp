@@ -18,6 +18,16 @@ constexpr double kPreviewWidth = 2.0;
 constexpr double kLabelDistance = 16;  // from a wall's face to the middle of a distance, view points
 constexpr double kLabelCharacterWidth = 7;
 constexpr double kLabelPadding = 14;
+constexpr double kHoverWidth = 1.75;
+constexpr LineDash kHoverDash{5, 4};
+constexpr double kGlowWidth = 7;
+constexpr double kGlowOpacity = 0.24;
+constexpr double kSelectedWidth = 2.25;
+constexpr double kSelectedFillOpacity = 0.14;
+constexpr double kArrowDistance = 18;  // from a wall's face to the middle of the arrow, view points
+constexpr double kArrowWidth = 1.5;
+constexpr double kArrowReach = 5.5;
+constexpr double kArrowHead = 2.5;
 constexpr double kLabelGap = 3;  // between a label and the middle of the opening, view points
 
 // What of the layout touches the painted part, with its shape.
@@ -33,8 +43,8 @@ void visitVisible(const CanvasFrame& frame, const OpeningLayout& layout, Visit v
   }
 }
 
-void strokeOpening(CanvasPainter& painter, const CanvasFrame& frame, const OpeningShape& shape,
-                   Stroke stroke) {
+void strokeOpening(CanvasPainter& painter, const CanvasFrame& frame, const OpeningShape& shape, Stroke stroke,
+                   double swingWidth = kSwingWidth) {
   const auto line = [&](const OpeningShape::Line& one) {
     strokeSegment(painter, frame, {frame.toView(one.first), frame.toView(one.second)}, stroke);
   };
@@ -46,8 +56,68 @@ void strokeOpening(CanvasPainter& painter, const CanvasFrame& frame, const Openi
   outlineEntity(
       ArcEntity{{}, shape.arc->center, shape.arc->radius, shape.arc->startAngle, shape.arc->endAngle}, 0,
       frame, arc);
-  stroke.width = kSwingWidth;
+  stroke.width = swingWidth;
   strokeShape(painter, frame, arc, stroke);
+}
+
+// Of length 1.
+SketchPoint sideWithoutLeaf(const Opening& opening, const OpeningWall& wall) {
+  return perpendicular(wall.at(1) - wall.at(0)) * (opening.swing == DoorSwing::in ? -1 : 1);
+}
+
+// The distances to both neighbours stand beside the wall, on the side to which no leaf swings.
+void paintDistances(CanvasPainter& painter, const CanvasFrame& frame, const Sketch& sketch,
+                    const PlacedOpening& placed, Color color) {
+  const Opening& opening = placed.opening;
+  const OpeningWall& wall = placed.wall;
+  const double end = opening.distance + opening.width;
+  const OpeningRoom room =
+      openingRoom(wall, opening.distance + opening.width / 2, sketch.drawing->plan.openings, opening.id);
+  const SketchPoint across = sideWithoutLeaf(opening, wall);
+  const auto label = [&](double from, double to) {
+    if (!(to - from > kOpeningTolerance)) return;
+    const std::string text = formatLength(to - from);
+    const double offset = std::abs(wall.thickness) / 2 + kLabelDistance / frame.scale();
+    const double width = kLabelCharacterWidth * static_cast<double>(text.size()) + kLabelPadding;
+    SketchPoint center = frame.toView(wall.at((from + to) / 2) + across * offset);
+    // Seen from afar the two labels would lie over each other: they keep to their sides of the opening.
+    const SketchPoint middle = frame.toView(wall.at(opening.distance + opening.width / 2) + across * offset);
+    const SketchPoint away = center - middle;
+    const double apart = lengthOf(away);
+    const double wanted =
+        kLabelGap + (std::abs(away.x) * width + std::abs(away.y) * kSegmentLabelHeight) / (2 * apart);
+    if (apart < wanted) center = middle + away * (wanted / apart);
+    const SketchBox pill{center.x - width / 2, center.y - kSegmentLabelHeight / 2, center.x + width / 2,
+                         center.y + kSegmentLabelHeight / 2};
+    if (!isFinite(pill)) return;
+    painter.fillRoundedRect(pill, kSegmentLabelCornerRadius, {frame.palette.card});
+    painter.strokeRoundedRect(pill, kSegmentLabelCornerRadius, {.color = color});
+    painter.drawText(text, center, kSegmentLabelTextHeight, {frame.palette.foreground});
+  };
+  label(room.from, opening.distance);
+  label(end, room.to);
+}
+
+// Two points that face away from each other, across the wall.
+void paintFlipArrow(CanvasPainter& painter, const CanvasFrame& frame, SketchPoint at, SketchPoint across) {
+  const SketchPoint center = frame.toView(at);
+  if (!isFinite(center) || !frame.clipBox().contains(center)) return;
+  const Color active = frame.palette.active;
+  const CanvasEllipse button{center, kFlipArrowRadius - 1};
+  painter.fillEllipse(button, {frame.palette.card});
+  painter.strokeEllipse(button, {.color = active, .width = kArrowWidth});
+  const SketchPoint along{across.x, -across.y};  // in the view y goes down
+  const SketchPoint beside = perpendicular(along);
+  std::vector<CanvasSegment> lines;
+  for (const double side : {-1.0, 1.0}) {
+    const SketchPoint tip = center + along * (kArrowReach * side);
+    const SketchPoint back = center + along * ((kArrowReach - kArrowHead) * side);
+    lines.push_back({center, tip});
+    lines.push_back({tip, back + beside * kArrowHead});
+    lines.push_back({tip, back - beside * kArrowHead});
+  }
+  painter.strokeSegments(
+      lines, {.color = active, .width = kArrowWidth, .cap = LineCap::round, .join = LineJoin::round});
 }
 
 }  // namespace
@@ -90,6 +160,49 @@ void paintOpenings(CanvasPainter& painter, const CanvasFrame& frame, const Openi
   });
 }
 
+void paintEmphasizedOpening(CanvasPainter& painter, const CanvasFrame& frame, const Sketch& sketch,
+                            const Opening& opening, OpeningEmphasis emphasis) {
+  const auto placed = placedOpening(sketch, opening);
+  if (!placed) return;
+  const bool fits = placed->fit == OpeningFit::fits;
+  const Color color = fits ? frame.palette.active : frame.palette.destructive;
+  const OpeningShape shape = openingShape(opening, placed->wall);
+  // A plain opening has no lines of its own between its jambs.
+  EntityShape gap;
+  gap.kind = EntityShape::Kind::closedPath;
+  std::array<SketchPoint, 4> corners{};
+  for (std::size_t i = 0; i < corners.size(); ++i) corners[i] = frame.toView(shape.gap[i]);
+  gap.path.addPiece(corners, true);
+  Stroke stroke = entityStroke(color);
+  if (emphasis == OpeningEmphasis::hovered) {
+    stroke.width = kHoverWidth;
+    stroke.dash = kHoverDash;
+    strokeShape(painter, frame, gap, stroke);
+    strokeOpening(painter, frame, shape, stroke);
+    return;
+  }
+  fillShape(painter, frame, gap, {color, kSelectedFillOpacity});
+  stroke.width = kGlowWidth;
+  stroke.opacity = kGlowOpacity;
+  strokeShape(painter, frame, gap, stroke);
+  stroke.width = kSelectedWidth;
+  stroke.opacity = 1;
+  strokeShape(painter, frame, gap, stroke);
+  strokeOpening(painter, frame, shape, stroke, kSelectedWidth);
+  if (emphasis == OpeningEmphasis::dragged) {
+    paintDistances(painter, frame, sketch, *placed, color);
+  } else if (const auto arrow = flipArrowPoint(sketch, opening, frame.scale())) {
+    paintFlipArrow(painter, frame, *arrow, sideWithoutLeaf(opening, placed->wall));
+  }
+}
+
+std::optional<SketchPoint> flipArrowPoint(const Sketch& sketch, const Opening& opening, double scale) {
+  const auto wall = openingWall(sketch, opening.wallID);
+  if (!wall || opening.kind != OpeningKind::door) return std::nullopt;
+  const double offset = std::abs(wall->thickness) / 2 + kArrowDistance / scale;
+  return wall->at(opening.distance + opening.width / 2) + sideWithoutLeaf(opening, *wall) * offset;
+}
+
 void paintOpeningPreview(CanvasPainter& painter, const CanvasFrame& frame, const Sketch& sketch,
                          const Opening& opening) {
   const auto placed = placedOpening(sketch, opening);
@@ -99,36 +212,7 @@ void paintOpeningPreview(CanvasPainter& painter, const CanvasFrame& frame, const
   Stroke stroke = entityStroke(color);
   stroke.width = kPreviewWidth;
   strokeOpening(painter, frame, openingShape(opening, placed->wall), stroke);
-
-  // The distances stand beside the wall, on the side to which no leaf swings.
-  const OpeningWall& wall = placed->wall;
-  const double end = opening.distance + opening.width;
-  const OpeningRoom room =
-      openingRoom(wall, opening.distance + opening.width / 2, sketch.drawing->plan.openings);
-  const SketchPoint across =
-      perpendicular(wall.at(1) - wall.at(0)) * (opening.swing == DoorSwing::in ? -1 : 1);
-  const auto label = [&](double from, double to) {
-    if (!(to - from > kOpeningTolerance)) return;
-    const std::string text = formatLength(to - from);
-    const double offset = std::abs(wall.thickness) / 2 + kLabelDistance / frame.scale();
-    const double width = kLabelCharacterWidth * static_cast<double>(text.size()) + kLabelPadding;
-    SketchPoint center = frame.toView(wall.at((from + to) / 2) + across * offset);
-    // Seen from afar the two labels would lie over each other: they keep to their sides of the opening.
-    const SketchPoint middle = frame.toView(wall.at(opening.distance + opening.width / 2) + across * offset);
-    const SketchPoint away = center - middle;
-    const double apart = lengthOf(away);
-    const double wanted =
-        kLabelGap + (std::abs(away.x) * width + std::abs(away.y) * kSegmentLabelHeight) / (2 * apart);
-    if (apart < wanted) center = middle + away * (wanted / apart);
-    const SketchBox pill{center.x - width / 2, center.y - kSegmentLabelHeight / 2, center.x + width / 2,
-                         center.y + kSegmentLabelHeight / 2};
-    if (!isFinite(pill)) return;
-    painter.fillRoundedRect(pill, kSegmentLabelCornerRadius, {frame.palette.card});
-    painter.strokeRoundedRect(pill, kSegmentLabelCornerRadius, {.color = color});
-    painter.drawText(text, center, kSegmentLabelTextHeight, {frame.palette.foreground});
-  };
-  label(room.from, opening.distance);
-  label(end, room.to);
+  paintDistances(painter, frame, sketch, *placed, color);
 }
 
 }  // namespace ostrelon

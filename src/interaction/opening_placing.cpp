@@ -13,7 +13,6 @@ namespace {
 
 // How far beside a wall's faces the pointer still means the wall, view points.
 constexpr double kReach = 8;
-constexpr double kInchesInFoot = 12;
 
 double usualWidth(OpeningKind kind) { return kind == OpeningKind::window ? 4 : 3; }
 
@@ -58,15 +57,9 @@ void Board::updateOpeningPlacing(std::optional<SketchPoint> point) {
   const auto wall = point ? wallAt(sketch_, *point, kReach / scale()) : std::nullopt;
   if (wall) {
     const double at = wall->along(*point);
-    double distance = placing.distance.value_or(at - placing.width / 2);
-    if (!placing.distance) {
-      // To the inch, and within the free stretch around the pointer, where that is wide enough.
-      distance = std::round(distance * kInchesInFoot) / kInchesInFoot;
-      const OpeningRoom room = openingRoom(*wall, at, sketch_.drawing->plan.openings);
-      if (room.to - room.from >= placing.width) {
-        distance = std::clamp(distance, room.from, room.to - placing.width);
-      }
-    }
+    const double distance = placing.distance
+                                ? *placing.distance
+                                : roundedDistance(*wall, at, placing.width, sketch_.drawing->plan.openings);
     placing.preview =
         Opening{{}, wall->id, placing.kind, distance, placing.width, placing.hinge, placing.swing};
   }
@@ -77,13 +70,9 @@ void Board::flipOpeningPlacing() {
   if (openingPlacing() == nullptr) return;
   const auto scope = change();
   OpeningPlacing placing = *openingPlacing();
-  // Left and in, right and in, right and out, left and out.
-  const bool isNextHinge = (placing.hinge == DoorHinge::left) == (placing.swing == DoorSwing::in);
-  if (isNextHinge) {
-    placing.hinge = placing.hinge == DoorHinge::left ? DoorHinge::right : DoorHinge::left;
-  } else {
-    placing.swing = placing.swing == DoorSwing::in ? DoorSwing::out : DoorSwing::in;
-  }
+  const DoorHanging next = flipped({placing.hinge, placing.swing});
+  placing.hinge = next.hinge;
+  placing.swing = next.swing;
   if (placing.preview) {
     placing.preview->hinge = placing.hinge;
     placing.preview->swing = placing.swing;

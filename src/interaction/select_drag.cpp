@@ -1,6 +1,6 @@
-// The select tool's drags: of a handle, of one entity, of a group. A drag always computes from the
-// entities as they were at its start, so that rounding and snapping do not add up over the moves; its
-// whole course is one undo step.
+// The select tool's drags: of a handle, of one entity, of a group, of an item of the plan. A drag always
+// computes from the entities as they were at its start, so that rounding and snapping do not add up over the
+// moves; its whole course is one undo step.
 #include <algorithm>
 #include <cmath>
 #include <unordered_set>
@@ -11,6 +11,7 @@
 #include "core/circle.h"
 #include "geometry/entity_geometry.h"
 #include "geometry/hit_testing.h"
+#include "geometry/plan_item_operations.h"
 #include "geometry/selection_handles.h"
 #include "interaction/board.h"
 #include "interaction/sketch_snapping.h"
@@ -68,6 +69,13 @@ bool Board::beginSelectDrag(SketchPoint press) {
     }
   }
 
+  if (const auto item = pickPlanItem(sketch_, press, scale())) {
+    sketch_.selectPlanItem(*item);
+    sketch_.beginDragStep();
+    gesture = SelectDrag{PlanItemDrag{*selectedPlanItem(sketch_), press}, std::nullopt};
+    return true;
+  }
+
   const auto pick = pickEntityAtPoint(sketch_.index(), press, scale());
   if (!pick) return false;
   const UUID hitID = entityID(pick->entity);
@@ -93,6 +101,7 @@ void Board::updateSelectDrag(SketchPoint point) {
                  [&](const HandleDrag& handle) { updateHandleDrag(*drag, handle, point); },
                  [&](const BodyDrag& body) { updateBodyDrag(body, point); },
                  [&](const MultiBodyDrag& group) { updateGroupDrag(group, point); },
+                 [&](const PlanItemDrag& item) { updatePlanItemDrag(item, point); },
              },
              drag->state);
 }
@@ -160,8 +169,42 @@ void Board::updateGroupDrag(const MultiBodyDrag& drag, SketchPoint point) {
   publishSnap(move);
 }
 
+void Board::updatePlanItemDrag(const PlanItemDrag& drag, SketchPoint point) {
+  const auto now = findPlanItem(sketch_.drawing->plan, planItemID(drag.anchor));
+  if (!now) return;
+  const PlanItem moved = draggedPlanItem(sketch_, drag.anchor, drag.startSketchPoint, point);
+  if (moved == *now) return;
+  sketch_.edit([&](Drawing& drawing) { putPlanItem(drawing.plan, moved); }, UndoStep::none);
+}
+
+void Board::flipSelectedItem() {
+  const auto scope = change();
+  const auto* drag = selectDrag() != nullptr ? std::get_if<PlanItemDrag>(&selectDrag()->state) : nullptr;
+  if (drag == nullptr) {
+    flipSelectedPlanItem(sketch_, messages_);
+    return;
+  }
+  const auto now = selectedPlanItem(sketch_);
+  const auto next = now ? flippedPlanItem(*now) : std::nullopt;
+  if (!next) return;
+  sketch_.edit([&](Drawing& drawing) { putPlanItem(drawing.plan, *next); }, UndoStep::none);
+  gesture = SelectDrag{PlanItemDrag{*flippedPlanItem(drag->anchor), drag->startSketchPoint}, std::nullopt};
+}
+
+std::string Board::draggedItemMisfit() const {
+  const auto* drag = selectDrag() != nullptr ? std::get_if<PlanItemDrag>(&selectDrag()->state) : nullptr;
+  const auto now =
+      drag != nullptr ? findPlanItem(sketch_.drawing->plan, planItemID(drag->anchor)) : std::nullopt;
+  return now && *now != drag->anchor ? planItemMisfit(sketch_, *now) : std::string();
+}
+
 void Board::finishSelectDrag() {
   const auto scope = change();
+  if (const std::string misfit = draggedItemMisfit(); !misfit.empty()) {
+    cancelSelectDrag();
+    messages_.append(misfit, false, false);
+    return;
+  }
   sketch_.endDragStep();
   if (selectDrag() != nullptr) gesture = Gesture();
   groupMove_.reset();

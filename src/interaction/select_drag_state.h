@@ -1,4 +1,5 @@
-// Gestures of the select tool in progress: the marquee, and the drag of a handle or of entities.
+// Gestures of the select tool in progress: the marquee, and the drag of a handle, of
+// entities or of an item of the plan.
 #pragma once
 
 #include <unordered_map>
@@ -6,6 +7,7 @@
 #include <variant>
 
 #include "core/entity_list.h"
+#include "core/plan_items.h"
 #include "core/sketch_entity.h"
 #include "core/sketch_point.h"
 #include "geometry/selection_handles.h"
@@ -42,6 +44,14 @@ struct MultiBodyDrag {
   friend bool operator==(const MultiBodyDrag&, const MultiBodyDrag&) = default;
 };
 
-using SelectDragState = std::variant<HandleDrag, BodyDrag, MultiBodyDrag>;
+/// The drag of an item of the plan. It is written as it goes, whether it fits or not; the end of the drag
+/// puts back what does not.
+struct PlanItemDrag {
+  PlanItem anchor;  ///< as it was at the start
+  SketchPoint startSketchPoint;
+  friend bool operator==(const PlanItemDrag&, const PlanItemDrag&) = default;
+};
+
+using SelectDragState = std::variant<HandleDrag, BodyDrag, MultiBodyDrag, PlanItemDrag>;
 
 }  // namespace ostrelon

@@ -2,6 +2,7 @@
 #include "geometry/edit_operations.h"
 #include "geometry/hit_testing.h"
 #include "geometry/marquee.h"
+#include "geometry/plan_item_operations.h"
 #include "interaction/board.h"
 #include "interaction/canvas_transform.h"
 
@@ -10,8 +11,12 @@ namespace ostrelon {
 void Board::selectAtPoint(SketchPoint point, bool additive) {
   const auto scope = change();
   closeLengthEditor();
-  const auto pick = pickEntityAtPoint(sketch_.index(), point, scale());
-  if (!pick) {
+  // Items of the plan lie over the entities. One is selected alone: what is added is an entity.
+  const auto item = additive ? std::nullopt : pickPlanItem(sketch_, point, scale());
+  const auto pick = item ? std::nullopt : pickEntityAtPoint(sketch_.index(), point, scale());
+  if (item) {
+    sketch_.selectPlanItem(*item);
+  } else if (!pick) {
     if (!additive) sketch_.clearSelection();
   } else if (additive) {
     toggleEntitySelection(sketch_, entityID(pick->entity));
@@ -50,11 +55,12 @@ void Board::finishMarquee(bool additive) {
   const SketchBox box = SketchBox::spanning(drawn.startSketchPoint, drawn.currentSketchPoint);
   const bool isCrossing = drawn.currentViewX < drawn.startViewX;
   std::unordered_set<UUID> hits = entitiesInMarquee(sketch_.index(), box, isCrossing);
-  Selection selected = additive ? sketch_.selection.get()
-                                : Selection{{}, sketch_.selection->primary, sketch_.selection->isInspected};
+  Selection selected = additive
+                           ? sketch_.selection.get()
+                           : Selection{{}, sketch_.selection->primary, sketch_.selection->isInspected, {}};
   if (!hits.empty()) selected.primary = *hits.begin();
   selected.ids.merge(hits);
-  if (selected.empty()) selected.isInspected = false;
+  if (selected.isNothing()) selected.isInspected = false;
   sketch_.select(std::move(selected));
   gesture = Gesture();
 }

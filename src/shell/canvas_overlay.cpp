@@ -38,6 +38,17 @@ FieldMask shownFields(const Workspace& workspace) {
                   board.cursor, board.trimCuttingEdge);
 }
 
+// The name of what is under the pointer.
+std::optional<std::string> hoverLabelText(const Workspace& workspace) {
+  const Hover& hover = workspace.board.hover;
+  if (!hover.viewPoint) return std::nullopt;
+  if (hover.planItem) {
+    const auto item = findPlanItem(workspace.sketch.drawing->plan, *hover.planItem);
+    return item ? std::optional(planItemLabel(workspace.sketch, *item)) : std::nullopt;
+  }
+  return hover.entityID ? workspace.sketch.labelOf(*hover.entityID) : std::nullopt;
+}
+
 QString entityCount(std::size_t count) {
   return QStringLiteral("%1 %2").arg(count).arg(count == 1 ? "entity" : "entities");
 }
@@ -416,9 +427,7 @@ void CanvasOverlay::refreshPointerBadges() {
   showBadge(*snapFeedback_, workspace_.board.snap->feedback, Icon::scope, TextStyle::badge);
   showBadge(*measurement_, workspace_.board.draftMeasurementText(), Icon::ruler, TextStyle::measurement);
 
-  const auto& hovered = workspace_.board.hover->entityID;
-  const auto label =
-      hovered && workspace_.board.hover->viewPoint ? workspace_.sketch.labelOf(*hovered) : std::nullopt;
+  const auto label = hoverLabelText(workspace_);
   if (label) {
     hoverLabel_->show(qtText(*label), workspace_.board.tool == SketchTool::trim);
   } else {

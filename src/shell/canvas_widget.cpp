@@ -49,6 +49,7 @@ std::unordered_set<UUID> draggedIDs(const SelectDragState& drag) {
                         [](const HandleDrag& handle) { return std::unordered_set<UUID>{handle.entityID}; },
                         [](const BodyDrag& body) { return std::unordered_set<UUID>{body.entityID}; },
                         [](const MultiBodyDrag& multi) { return multi.entityIDs; },
+                        [](const PlanItemDrag&) { return std::unordered_set<UUID>(); },
                     },
                     drag);
 }
@@ -112,6 +113,7 @@ bool CanvasWidget::takeDragged() {
   const SelectDrag* drag = board_.selectDrag();
   if (drag == nullptr) return std::exchange(draggedIDs_, nullptr) != nullptr;
   std::unordered_set<UUID> ids = draggedIDs(drag->state);
+  if (ids.empty()) return std::exchange(draggedIDs_, nullptr) != nullptr;
   if (draggedIDs_ && *draggedIDs_ == ids) return false;
   draggedIDs_ = std::make_shared<const std::unordered_set<UUID>>(std::move(ids));
   return true;
@@ -421,7 +423,7 @@ void CanvasWidget::paintLive(QPainter& painter, const PictureView& now) {
   if (difference_) paintDifference(painter, now);
 
   PictureView moved = now;
-  if (const SelectDrag* drag = board_.selectDrag()) {
+  if (const SelectDrag* drag = board_.selectDrag(); drag != nullptr && draggedIDs_) {
     if (const auto* multi = std::get_if<MultiBodyDrag>(&drag->state)) {
       const SketchPoint movement = dragMovement(*multi, board_) * now.transform.viewport.scale;
       moved.transform.viewport.pan = moved.transform.viewport.pan + SketchPoint{movement.x, -movement.y};

@@ -7,23 +7,34 @@
 namespace ostrelon {
 
 EntityListModel::EntityListModel(const Sketch& sketch, QObject* parent)
-    : QAbstractListModel(parent), sketch_(sketch), entities_(sketch.entities()) {}
+    : QAbstractListModel(parent),
+      sketch_(sketch),
+      rows_(sketch, {}),
+      openings_(sketch.drawing->plan.openings) {}
 
 int EntityListModel::rowCount(const QModelIndex& parent) const {
-  return parent.isValid() ? 0 : static_cast<int>(entities_.size());
+  return parent.isValid() ? 0 : rows_.count() - hidden_;
 }
 
 QVariant EntityListModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid() || index.row() >= rowCount()) return {};
   const int row = index.row();
+  const ListedRows::Row place = placeOf(row);
   switch (role) {
     case Qt::DisplayRole:
     case Qt::AccessibleTextRole: {
-      const SketchEntity& entity = entities_[static_cast<std::size_t>(row)];
-      return qtText(entityLabel(entity, row + 1, sketch_.drawing->wallSystemName(entity)));
+      if (place.item != nullptr) return qtText(planItemLabel(sketch_, *place.item));
+      const SketchEntity& entity = rows_.entities()[place.position];
+      QString words = qtText(
+          entityLabel(entity, static_cast<int>(place.position) + 1, sketch_.drawing->wallSystemName(entity)));
+      if (role == Qt::AccessibleTextRole && place.hasItems) {
+        words += place.isFolded ? QStringLiteral(", folded") : QStringLiteral(", unfolded");
+      }
+      return words;
     }
     case kIdentifierRole:
-      return QStringLiteral("leftNav.entity.%1").arg(row + 1);
+      return place.item != nullptr ? QStringLiteral("leftNav.item.") + qtText(planItemID(*place.item).text())
+                                   : QStringLiteral("leftNav.entity.%1").arg(place.position + 1);
     case kSelectedRole:
       return isSelected(row);
     default:
@@ -31,58 +42,73 @@ QVariant EntityListModel::data(const QModelIndex& index, int role) const {
   }
 }
 
-Icon EntityListModel::icon(int row) const { return iconOf(entities_[static_cast<std::size_t>(row)]); }
-
-const UUID& EntityListModel::entityAt(int row) const {
-  return entityID(entities_[static_cast<std::size_t>(row)]);
+Icon EntityListModel::icon(int row) const {
+  const ListedRows::Row place = placeOf(row);
+  return place.item != nullptr ? iconOf(*place.item) : iconOf(rows_.entities()[place.position]);
 }
 
-bool EntityListModel::isSelected(int row) const { return sketch_.selection->contains(entityAt(row)); }
+const UUID& EntityListModel::entityAt(int row) const {
+  return entityID(rows_.entities()[placeOf(row).position]);
+}
+
+bool EntityListModel::isSelected(int row) const {
+  const ListedRows::Row place = placeOf(row);
+  if (place.item != nullptr) return sketch_.selection->planItem == planItemID(*place.item);
+  return sketch_.selection->contains(entityID(rows_.entities()[place.position]));
+}
+
+int EntityListModel::selectedRow() const {
+  const Selection& selection = sketch_.selection;
+  if (selection.planItem) return rows_.rowOfItem(*selection.planItem);
+  const auto position = selection.primary ? sketch_.positionOf(*selection.primary) : std::nullopt;
+  return position ? rows_.rowOf(*position) : -1;
+}
 
 void EntityListModel::update() {
-  const EntityList& current = sketch_.entities();
-  if (entities_.sharesAllStorage(current)) return;
-  const std::size_t shared = entities_.commonStart(current);
-  const std::size_t most = std::min(entities_.size(), current.size()) - shared;
-  const int start = static_cast<int>(shared);
-  const int end = static_cast<int>(std::min(entities_.commonEnd(current), most));
-  const int removed = static_cast<int>(entities_.size()) - start - end;
-  const int added = static_cast<int>(current.size()) - start - end;
-  // Rows that are still the same entities have only changed.
-  bool onlyChanged = removed == added;
-  for (int i = 0; onlyChanged && i < removed; ++i) {
-    const auto position = static_cast<std::size_t>(start + i);
-    onlyChanged = entityID(entities_[position]) == entityID(current[position]);
-  }
-  if (onlyChanged) {
-    entities_ = current;
-    if (added > 0) Q_EMIT dataChanged(index(start), index(start + added - 1));
-    return;
-  }
-  if (start == 0 && end == 0 && removed > 0 && added > 0) {  // another document
+  const SharedList<Opening>& openings = sketch_.drawing->plan.openings;
+  if (rows_.entities().sharesAllStorage(sketch_.entities()) && openings_ == openings) return;
+  openings_ = openings;
+  take(ListedRows(sketch_, folded_));
+}
+
+void EntityListModel::toggleFold(int row) {
+  if (row < 0 || row >= rowCount() || !placeOf(row).hasItems) return;
+  const UUID wall = entityAt(row);
+  if (folded_.erase(wall) == 0) folded_.insert(wall);
+  take(ListedRows(sketch_, folded_));
+}
+
+void EntityListModel::tellChanged(int from, int end) {
+  if (from < end) Q_EMIT dataChanged(index(from), index(end - 1));
+}
+
+void EntityListModel::take(ListedRows rows) {
+  const ListedRows::Difference difference = rows_.differenceTo(rows);
+  const auto [from, removed, added, changedFrom, changedEnd] = difference;
+  if (removed > 0 && added > 0 && removed == rowCount() && added == rows.count()) {  // another document
     beginResetModel();
-    entities_ = current;
+    rows_ = std::move(rows);
     endResetModel();
     return;
   }
+  if (removed > 0) beginRemoveRows({}, from, from + removed - 1);
+  if (removed == 0 && added > 0) beginInsertRows({}, from, from + added - 1);
+  rows_ = std::move(rows);
   if (removed > 0) {
-    beginRemoveRows({}, start, start + removed - 1);
-    if (added == 0) {
-      entities_ = current;
-    } else {
-      std::vector<std::size_t> gone;
-      for (int i = 0; i < removed; ++i) gone.push_back(static_cast<std::size_t>(start + i));
-      entities_.removeAll(gone);
-    }
+    hiddenFrom_ = from;
+    hidden_ = added;
     endRemoveRows();
+    if (added > 0) beginInsertRows({}, from, from + added - 1);
+    hidden_ = 0;
   }
-  if (added > 0) {
-    beginInsertRows({}, start, start + added - 1);
-    entities_ = current;
-    endInsertRows();
+  if (added > 0) endInsertRows();
+  if (removed == 0 && added == 0) {
+    tellChanged(changedFrom, changedEnd);
+    return;
   }
-  // The numbers after an edit in the middle are new.
-  if (removed != added && end > 0) Q_EMIT dataChanged(index(start + added), index(rowCount() - 1));
+  tellChanged(changedFrom, from);
+  // The numbers behind what has come or gone are new.
+  tellChanged(from + added, rowCount());
 }
 
 }  // namespace ostrelon

@@ -69,6 +69,12 @@ const char* drawingOf(Icon icon) {
       return R"(<path d="M4.5 7h15M9.25 7V4.25h5.5V7M6.5 7l.85 12.75h9.3L17.5 7M10 10.75v5.5M14 10.75v5.5"/>)";
     case Icon::spinner:
       return R"(<path stroke-width="2" d="M12 4a8 8 0 1 1-8 8"/>)";
+    case Icon::door:
+      return R"(<path d="M3 19.5h3.5M18 19.5h3M6.5 19.5V8M6.5 8A11.5 11.5 0 0 1 18 19.5"/>)";
+    case Icon::window:
+      return R"(<path d="M2.5 12h19M6 8.5h12v7H6ZM2.5 8.5H6M2.5 15.5H6M18 8.5h3.5M18 15.5h3.5"/>)";
+    case Icon::opening:
+      return R"(<path d="M2.5 8.5H7v7H2.5M21.5 8.5H17v7h4.5"/>)";
     case Icon::none:
     case Icon::count_:
       break;
@@ -113,6 +119,21 @@ Icon iconOf(SketchTool tool) {
       return Icon::trim;
   }
   return Icon::none;
+}
+
+Icon iconOf(const PlanItem& item) {
+  return std::visit(Overloaded{[](const Opening& opening) {
+                      switch (opening.kind) {
+                        case OpeningKind::door:
+                          return Icon::door;
+                        case OpeningKind::window:
+                          return Icon::window;
+                        case OpeningKind::opening:
+                          return Icon::opening;
+                      }
+                      return Icon::none;
+                    }},
+                    item);
 }
 
 Icon iconOf(const SketchEntity& entity) {

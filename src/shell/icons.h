@@ -7,6 +7,7 @@
 #include <QPixmap>
 #include <QRectF>
 
+#include "core/plan_items.h"
 #include "core/sketch_entity.h"
 #include "interaction/sketch_tool.h"
 
@@ -46,12 +47,17 @@ enum class Icon {
   folder,
   bin,
   spinner,
+  door,
+  window,
+  opening,
   count_,
 };
 
 Icon iconOf(SketchTool tool);
 /// The icon of an entity's kind.
 Icon iconOf(const SketchEntity& entity);
+/// The icon of what is placed in the plan.
+Icon iconOf(const PlanItem& item);
 
 /// `size`: width and height, px at 1x.
 QPixmap iconPixmap(Icon icon, int size, const QColor& color, qreal devicePixelRatio);

@@ -57,7 +57,11 @@ EntityInspectorView::EntityInspectorView(Workspace& workspace, Theme& theme, QWi
   emptyPage_ = makeEmptyPage();
   manyPage_ = makeManyPage();
   onePage_ = makeOnePage();
-  for (QWidget* page : {emptyPage_, manyPage_, onePage_}) pages_->addWidget(page);
+  openingPage_ = new OpeningPage(workspace, theme, pages_);
+  for (QWidget* page : {emptyPage_, manyPage_, onePage_, static_cast<QWidget*>(openingPage_)}) {
+    pages_->addWidget(page);
+  }
+  connect(openingPage_, &OpeningPage::heightChanged, this, [this] { fitPage(); });
   connect(&theme, &Theme::changed, this, [this] {
     shownIcon_ = Icon::none;
     refresh();
@@ -247,7 +251,9 @@ QWidget* EntityInspectorView::makeOnePage() {
 void EntityInspectorView::refresh() {
   const std::size_t count = workspace_.sketch.selection->ids.size();
   const SketchEntity* entity = workspace_.sketch.selectedEntity();
-  QWidget* page = count > 1 ? manyPage_ : entity != nullptr ? onePage_ : emptyPage_;
+  const auto opening = inspectedOpening(workspace_);
+  QWidget* page = opening ? openingPage_ : count > 1 ? manyPage_ : entity != nullptr ? onePage_ : emptyPage_;
+  if (opening) openingPage_->showOpening(*opening);
   if (page == manyPage_) manyHeading_->setText(qtText(inspectorSelectionHeading(workspace_)));
   if (page == onePage_) {
     showEntity(*entity);
@@ -255,6 +261,11 @@ void EntityInspectorView::refresh() {
     shown_.reset();
   }
   pages_->setCurrentWidget(page);
+  fitPage();
+}
+
+void EntityInspectorView::fitPage() {
+  QWidget* page = pages_->currentWidget();
   // The stack is as high as the page in front, not as the highest one.
   page->layout()->activate();
   const int wanted = page->layout()->hasHeightForWidth() ? page->layout()->heightForWidth(kWidth)
@@ -277,8 +288,12 @@ void EntityInspectorView::showEntity(const SketchEntity& entity) {
   const auto* wall = std::get_if<WallEntity>(&entity);
   const WallSystemSpec* system =
       wall != nullptr ? workspace_.sketch.drawing->wallSystem(wall->systemSpecID) : nullptr;
-  showMetricRows(
-      inspectorMetricRows(entity, system != nullptr ? std::optional(system->thickness) : std::nullopt));
+  auto rows =
+      inspectorMetricRows(entity, system != nullptr ? std::optional(system->thickness) : std::nullopt);
+  if (const std::string openings = wallOpeningsText(workspace_, entityID(entity)); !openings.empty()) {
+    rows.push_back({"Openings", openings});
+  }
+  showMetricRows(rows);
 
   systemLabel_->setVisible(wall != nullptr);
   systemPicker_->setVisible(wall != nullptr);

@@ -7,6 +7,7 @@
 #include "app/inspector.h"
 #include "shell/controls.h"
 #include "shell/observation.h"
+#include "shell/opening_page.h"
 #include "shell/picker.h"
 
 class QGridLayout;
@@ -31,6 +32,7 @@ class EntityInspectorView final : public QWidget {
   QWidget* makeOnePage();
   void refresh();
   void showEntity(const SketchEntity& entity);
+  void fitPage();
   void showMetricRows(const std::vector<InspectorMetricRow>& rows);
   Button* addAction(QWidget& page, Button::Kind kind, const QString& title, const char* identifier);
 
@@ -41,6 +43,7 @@ class EntityInspectorView final : public QWidget {
   QWidget* emptyPage_ = nullptr;
   QWidget* manyPage_ = nullptr;
   QWidget* onePage_ = nullptr;
+  OpeningPage* openingPage_ = nullptr;
 
   TextLabel* manyHeading_ = nullptr;
 

@@ -3,6 +3,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <algorithm>
+#include <utility>
 
 #include "app/shortcut_text.h"
 #include "geometry/edit_operations.h"
@@ -20,6 +21,8 @@ constexpr int kToolHeight = 30;
 constexpr int kToolGap = 2;
 constexpr int kHeadingHeight = 16;
 constexpr int kEntityHeight = 26;
+constexpr int kItemIndent = 16;  // of what is in a wall, beneath it
+constexpr int kFoldColumn = 28;  // at the right of a wall that has something beneath it
 constexpr int kCoordinatesHeight = 92;
 
 FieldMask shownFields(const Workspace& workspace) {
@@ -145,11 +148,17 @@ class EntityRowsView final : public RowsView {
     if (hasFocus() && currentIndex().row() == row) {
       paintBox(painter, inner, 4, QColor(), theme().foreground());
     }
-    paintIcon(painter, model_.icon(row), QRectF(kEdge, box.top(), 14, box.height()), 14,
-              isSelected || isHovered ? theme().foreground() : theme().mutedForeground());
+    const QColor drawing = isSelected || isHovered ? theme().foreground() : theme().mutedForeground();
+    const ListedRows::Row place = model_.place(row);
+    const int left = kEdge + (place.item != nullptr ? kItemIndent : 0);
+    paintIcon(painter, model_.icon(row), QRectF(left, box.top(), 14, box.height()), 14, drawing);
+    if (place.hasItems) {
+      paintIcon(painter, place.isFolded ? Icon::chevronRight : Icon::chevronDown,
+                QRectF(width() - kFoldColumn, box.top(), 14, box.height()), 14, drawing);
+    }
     painter.setFont(rowFont(row));
     painter.setPen(theme().foreground());
-    painter.drawText(wordsBox(box), Qt::AlignVCenter | Qt::AlignLeft, shownLabel(row, box));
+    painter.drawText(wordsBox(row, box), Qt::AlignVCenter | Qt::AlignLeft, shownLabel(row, box));
   }
 
   QString toolTipText(int row, const QRect& box) const override {
@@ -157,20 +166,56 @@ class EntityRowsView final : public RowsView {
   }
 
   void keyPressEvent(QKeyEvent* event) override {
-    if (!clickByReturn(*event)) RowsView::keyPressEvent(event);
+    if (!foldByKey(*event) && !clickByReturn(*event)) RowsView::keyPressEvent(event);
   }
+  void mousePressEvent(QMouseEvent* event) override {
+    const int row = indexAt(event->position().toPoint()).row();
+    const bool isOnFold = event->button() == Qt::LeftButton && row >= 0 && model_.place(row).hasItems &&
+                          event->position().x() >= width() - kFoldColumn;
+    isFolding_ = isOnFold;
+    if (isOnFold) {
+      model_.toggleFold(row);
+    } else {
+      RowsView::mousePressEvent(event);
+    }
+  }
+  void mouseReleaseEvent(QMouseEvent* event) override {
+    if (!std::exchange(isFolding_, false)) RowsView::mouseReleaseEvent(event);
+  }
+  void mouseDoubleClickEvent(QMouseEvent* event) override { mousePressEvent(event); }
 
  private:
-  static QRect wordsBox(const QRect& box) { return box.adjusted(kEdge + 24, 0, -8, 0); }
+  // Left folds a wall, or goes from what is in it to the wall; Right unfolds it.
+  bool foldByKey(const QKeyEvent& event) {
+    if (!currentIndex().isValid() || (event.key() != Qt::Key_Left && event.key() != Qt::Key_Right)) {
+      return false;
+    }
+    const int row = currentIndex().row();
+    const ListedRows::Row place = model_.place(row);
+    if (place.item != nullptr && event.key() == Qt::Key_Left) {
+      int above = row;
+      while (model_.place(above).item != nullptr) --above;
+      setCurrentIndex(model_.index(above));
+    } else if (place.hasItems && place.isFolded == (event.key() == Qt::Key_Right)) {
+      model_.toggleFold(row);
+    }
+    return place.item != nullptr || place.hasItems;
+  }
+  QRect wordsBox(int row, const QRect& box) const {
+    const ListedRows::Row place = model_.place(row);
+    return box.adjusted(kEdge + 24 + (place.item != nullptr ? kItemIndent : 0), 0,
+                        place.hasItems ? -kFoldColumn - 2 : -8, 0);
+  }
   QFont rowFont(int row) const {
     return fontOf(model_.isSelected(row) ? TextStyle::smallStrong : TextStyle::small);
   }
   QString label(int row) const { return model_.data(model_.index(row), Qt::DisplayRole).toString(); }
   QString shownLabel(int row, const QRect& box) const {
-    return elided(label(row), rowFont(row), Qt::ElideRight, wordsBox(box).width());
+    return elided(label(row), rowFont(row), Qt::ElideRight, wordsBox(row, box).width());
   }
 
   EntityListModel& model_;
+  bool isFolding_ = false;  // the press in progress was on the mark that folds
 };
 
 // --- The panel
@@ -210,7 +255,7 @@ LeftNavView::LeftNavView(Workspace& workspace, Theme& theme, QWidget* parent)
   list_->setObjectName(QStringLiteral("leftNav.entities"));
   list_->setAccessibleName(QStringLiteral("Entities"));
   connect(list_, &QAbstractItemView::clicked, this,
-          [this](const QModelIndex& index) { chooseEntity(index.row()); });
+          [this](const QModelIndex& index) { chooseRow(index.row()); });
   originText_->setObjectName(QStringLiteral("leftNav.coordinates.centerOrigin"));
   gesturesText_->setObjectName(QStringLiteral("leftNav.coordinates.gestures"));
   unfoldButton_->setObjectName(QStringLiteral("leftNav.unfold"));
@@ -278,13 +323,20 @@ void LeftNavView::place() {
   unfoldButton_->setGeometry(kInset, height() - kToolHeight - kInset, inner - 2 * kInset, kToolHeight);
 }
 
-void LeftNavView::chooseEntity(int row) {
+void LeftNavView::chooseRow(int row) {
+  if (const PlanItem* item = model_->place(row).item) {
+    const UUID id = planItemID(*item);
+    shownSelection_ = id;
+    workspace_.board.activateSelectTool();
+    workspace_.sketch.selectPlanItem(id);
+    return;
+  }
   const UUID id = model_->entityAt(row);
   const SketchEntity* entity = workspace_.sketch.entity(id);
   if (entity == nullptr) return;
   const bool isWall = std::holds_alternative<WallEntity>(*entity);
   if (isWall && workspace_.board.tool != SketchTool::select) workspace_.board.activateSelectTool();
-  shownPrimary_ = id;  // the row is in sight: it was clicked
+  shownSelection_ = id;  // the row is in sight: it was clicked
   selectSingleEntity(workspace_.sketch, id);
 }
 
@@ -295,11 +347,12 @@ void LeftNavView::refresh() {
   emptyText_->setVisible(!rail_ && isEmpty);
   list_->setVisible(!rail_ && !isEmpty);
   list_->viewport()->update();
-  if (workspace_.sketch.selection->primary == shownPrimary_) return;
-  shownPrimary_ = workspace_.sketch.selection->primary;
-  if (!shownPrimary_) return;
-  if (const auto position = workspace_.sketch.positionOf(*shownPrimary_)) {
-    const QModelIndex index = model_->index(static_cast<int>(*position));
+  const Selection& selection = workspace_.sketch.selection;
+  const auto& selected = selection.planItem ? selection.planItem : selection.primary;
+  if (selected == shownSelection_) return;
+  shownSelection_ = selected;
+  if (const int row = model_->selectedRow(); row >= 0) {
+    const QModelIndex index = model_->index(row);
     list_->setCurrentIndex(index);
     list_->scrollTo(index);
   }

@@ -70,7 +70,7 @@ class LeftNavView final : public Panel {
  private:
   void refresh();
   void place();
-  void chooseEntity(int row);
+  void chooseRow(int row);
 
   Workspace& workspace_;
   bool rail_ = false;
@@ -87,7 +87,7 @@ class LeftNavView final : public Panel {
   TextLabel* originText_;
   TextLabel* gesturesText_;
   Button* unfoldButton_ = nullptr;
-  std::optional<UUID> shownPrimary_;
+  std::optional<UUID> shownSelection_;  // what the list has scrolled to last
   ScheduledUpdate update_;
 };
 

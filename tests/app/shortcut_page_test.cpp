@@ -1,4 +1,4 @@
-// The page of keys tells every key of the two tables.
+// The page of keys tells every key of the tables.
 #include "app/shortcut_page.h"
 
 #include <gmock/gmock.h>
@@ -19,7 +19,7 @@ TEST(ShortcutPage, HasEveryKeyOfTheDrawingBoardAndOfTheMenus) {
   for (const MenuCommand& command : menuCommands()) expected += command.shortcut.empty() ? 0U : 1U;
   std::size_t told = 0;
   for (const ShortcutGroup& group : shortcutGroups()) told += group.rows.size();
-  EXPECT_EQ(told, expected + comparisonKeys().size());
+  EXPECT_EQ(told, expected + planItemKeys().size() + comparisonKeys().size());
   const std::string page = shortcutPage();
   EXPECT_THAT(page, HasSubstr("## File"));
   EXPECT_THAT(page, HasSubstr("Close the polygon, while a polygon is drawn"));
