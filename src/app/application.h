@@ -10,6 +10,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -18,6 +19,7 @@
 #include "app/comparison.h"
 #include "app/document_opener.h"
 #include "app/drawing_exchange.h"
+#include "app/drawing_import.h"
 #include "app/edit_journal.h"
 #include "app/merge_review.h"
 #include "app/workspace.h"
@@ -63,7 +65,8 @@ struct ApplicationOptions {
 /// What a window does for the program. Without one nothing happens.
 struct WindowActions {
   std::function<void()> showSettings;
-  std::function<void()> showExport;  ///< asks how to export, and exports
+  std::function<void()> showExport;                                      ///< asks how to export, and exports
+  std::function<void(std::shared_ptr<const DrawingImport>)> showImport;  ///< asks how to add it, and adds it
   std::function<void()> showPrint;
   std::function<void()> showCompare;  ///< asks what to compare the drawing with, and begins
   std::function<void()> showMerge;    ///< asks what to merge, and shows it

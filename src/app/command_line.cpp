@@ -16,6 +16,7 @@ namespace ostrelon {
 namespace {
 
 constexpr std::string_view kDocumentExtension = ".ostrel";
+constexpr std::string_view kDrawingExtension = ".dxf";
 constexpr std::string_view kUITestingOption = "-uiTestingResetProjectsFolder";
 
 // The options whose work is done on files of drawings.
@@ -120,6 +121,7 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments, const En
   std::string importOption;      // the last option that says how to import
   std::string automationOption;  // the last option that only automation knows
   std::optional<std::filesystem::path> opened;
+  std::optional<std::filesystem::path> drawing;  // named by itself, to be imported in the window
   std::optional<CommandLine::Mode> asked;
 
   CLI::App parser;
@@ -158,6 +160,7 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments, const En
 
   flag("--help,-h", [&] { asked = CommandLine::Mode::help; });
   flag("--version", [&] { asked = CommandLine::Mode::version; });
+  flag("--strict", [&] { line.isStrict = true; });
   flag("--automation", [&] { isAutomation = true; });
   const auto importFlag = [&](const std::string& name, const std::function<void()>& apply) {
     flag(name, [&importOption, name, apply] {
@@ -226,6 +229,12 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments, const En
     if (line.document) {
       throw CommandLineError(fmt::format("Only one document can be opened, not also \"{}\".", argument));
     }
+    if (lowerCased(std::filesystem::path(argument).extension().string()) == kDrawingExtension) {
+      if (drawing)
+        throw CommandLineError(fmt::format("Only one drawing can be opened, not also \"{}\".", argument));
+      drawing = argument;
+      continue;
+    }
     line.document = documentPath("The program", argument);
   }
 
@@ -267,8 +276,16 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments, const En
   if (line.exports.empty() && !exportOption.empty()) {
     throw CommandLineError(fmt::format("The option {} needs --export.", exportOption));
   }
+  if (drawing && (isAutomation || isWithoutWindow)) {
+    throw CommandLineError(
+        fmt::format("A drawing is imported without a window by --import {}.", drawing->string()));
+  }
+  if (drawing) line.imports.push_back(*drawing);
   if (line.imports.empty() && !importOption.empty()) {
     throw CommandLineError(fmt::format("The option {} needs --import.", importOption));
+  }
+  if (line.consoleFiles.empty() && line.isStrict) {
+    throw CommandLineError("The option --strict needs --console.");
   }
   if (opened && line.document) {
     throw CommandLineError("Only one document can be opened, by --open or by its name alone.");
@@ -286,6 +303,7 @@ std::string commandLineHelp() {
   return R"(Ostrelon draws building plans in two dimensions.
 
   ostrelon [FILE.ostrel]         opens the window, with a document
+  ostrelon FILE.dxf              opens it and imports a drawing of another program
   ostrelon OPTIONS               does its work without a window and ends
   ostrelon --automation          is driven by requests on standard input
 
@@ -300,7 +318,10 @@ Without a window, done in this order:
   --salvage                      takes what can be read of damaged drawings
   --to-feet                      converts to feet by the unit, as is done anyway
   --console FILE                 runs the lines of a file in the console and prints
-                                 the transcript; - is standard input; may be repeated
+                                 the transcript; - is standard input; may be repeated;
+                                 lines that begin with # are left out
+  --strict                       stops at the first line of --console that is refused,
+                                 and neither saves nor exports
   --save FILE.ostrel             saves the document
   --export FILE                  writes all entities to a .png, .svg, .pdf or .dxf
                                  file; may be repeated
@@ -340,9 +361,11 @@ Automation:
   --update-feed URL, --update-key BASE64
                                  stand for the build's feed address and signing key
 
-The exit status is 0, or 1 when a console line was answered with an error, when compared
+The exit status is 0, or 1 when a console line was refused, when compared
 drawings differ, or when a merge has conflicts and writes nothing, or 2 for a bad option
 or a file that cannot be read or written.
+
+The manual is in the window under Help, and "help" in the console lists the commands.
 )";
 }
 

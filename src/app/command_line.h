@@ -42,9 +42,10 @@ struct CommandLine {
   std::optional<std::filesystem::path> document;
 
   // Without a window
-  std::vector<std::filesystem::path> imports;  ///< DXF files, in order
+  std::vector<std::filesystem::path> imports;  ///< DXF files, in order; one may come to a window
   DxfImportOptions importOptions;
   std::vector<std::string> consoleFiles;  ///< in order; "-" is standard input
+  bool isStrict = false;                  ///< the first refused line of them ends everything
   std::optional<std::filesystem::path> saveAs;
   std::vector<std::filesystem::path> exports;  ///< each of the kind that its name ends in
   ExportOptions exportOptions;

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <functional>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace ostrelon {
@@ -28,8 +30,37 @@ class TranscriptPrinter {
   bool hasSeenError_ = false;
 };
 
-/// Submits every line of the script as if it had been typed; `afterLine` runs after each, for the work that
-/// the line has started. Lines end in "\n" or "\r\n"; the last one need not.
-void runConsoleScript(Workspace& workspace, std::string_view script, const std::function<void()>& afterLine);
+/// A script that is run line by line, each as if it had been typed. Lines end in "\n" or "\r\n"; the last one
+/// need not. A byte order mark at the start and lines that begin with "#" are left out.
+class ConsoleScript {
+ public:
+  /// A strict script ends at the first line that is refused in any way, and refuses numbers that cannot be
+  /// written into a file.
+  enum class Rigor { lenient, strict };
+
+  /// `name` is told with the line that ends a script; `afterLine` runs after each, for the work that the line
+  /// has started.
+  ConsoleScript(Workspace& workspace, std::string name, Rigor rigor, std::function<void()> afterLine)
+      : workspace_(workspace), name_(std::move(name)), rigor_(rigor), afterLine_(std::move(afterLine)) {}
+
+  /// Runs these lines, behind those that were run before. False where the script has ended.
+  bool run(std::string_view lines);
+  /// Some line was refused, as an error or in a plain reply.
+  bool hasRefusal() const { return hasRefusal_; }
+  /// "plan.txt:12: No entity at index 7.": what ended a strict script.
+  const std::optional<std::string>& ending() const { return ending_; }
+
+ private:
+  /// What refused the line; absent where nothing did.
+  std::optional<std::string> refusalOf(std::string_view line);
+
+  Workspace& workspace_;
+  std::string name_;
+  Rigor rigor_;
+  std::function<void()> afterLine_;
+  std::size_t line_ = 0;
+  bool hasRefusal_ = false;
+  std::optional<std::string> ending_;
+};
 
 }  // namespace ostrelon

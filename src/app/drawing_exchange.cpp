@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "app/application.h"
+#include "app/drawing_import.h"
 #include "documents/overwrite_question.h"
 #include "exchange/dxf_import.h"
 #include "exchange/dxf_writer.h"
@@ -60,46 +61,6 @@ std::string tableText(const std::vector<std::vector<std::string>>& rows) {
     text += "\r\n";
   }
   return text;
-}
-
-void addDrawing(Application& application, const DxfFile& file, const std::string& name,
-                const DxfImportOptions& options) {
-  Workspace& workspace = application.workspace();
-  try {
-    PreparedDxf prepared = prepareDxf(file, options);
-    importDxf(workspace.board, prepared, name);
-    workspace.messages.showToast("Imported " + name, Style::success);
-  } catch (const UserError& error) {
-    tellFailure(workspace, "Import", error);
-  }
-}
-
-void importFrom(Application& application, const FilePath& path) {
-  const std::string name = path.filename().string();
-  auto file = std::make_shared<DxfFile>();
-  try {
-    *file = parseDxf(application.host().files.readFile(path));
-  } catch (const UserError& error) {
-    tellFailure(application.workspace(), "Import", error);
-    return;
-  }
-  const auto unit = declaredDxfUnit(*file);
-  if (file->items.empty() || !unit || unit->feet == 1) {
-    addDrawing(application, *file, name, {});
-    return;
-  }
-  const Alert question{fmt::format("\"{}\" is drawn in {}.", name, unit->name),
-                       fmt::format("Ostrelon draws in feet. Converting multiplies every length by {:.6g}; "
-                                   "otherwise the numbers are taken as they are.",
-                                   unit->feet),
-                       {std::string(kConvertButton), std::string(kKeepButton), "Cancel"},
-                       2};
-  application.host().dialogs.ask(question, [&application, file, name](const DialogAnswer& answer) {
-    if (answer != kConvertButton && answer != kKeepButton) return;
-    DxfImportOptions options;
-    if (answer == kKeepButton) options.unit = kDxfFeet;
-    addDrawing(application, *file, name, options);
-  });
 }
 
 void exportTo(Application& application, const FilePath& path, const ExportOptions& options) {
@@ -173,6 +134,38 @@ void exportWithPanel(Application& application, const ExportOptions& options, Exp
     askBeforeReplacing(application.host(), given, path, [&application, options, path](bool may) {
       if (may) exportTo(application, path, options);
     });
+  });
+}
+
+void importFrom(Application& application, const FilePath& path) {
+  std::shared_ptr<const DrawingImport> import;
+  try {
+    import = std::make_shared<const DrawingImport>(application.host().files, path);
+    if (import->damage() && !application.windowActions().showImport) throw DxfError(*import->damage());
+  } catch (const UserError& error) {
+    tellFailure(application.workspace(), "Import", error);
+    return;
+  }
+  if (application.windowActions().showImport) {
+    application.windowActions().showImport(import);
+    return;
+  }
+  const auto unit = declaredDxfUnit(import->file());
+  if (import->file().items.empty() || !unit || unit->feet == 1) {
+    addImport(application, *import, {});
+    return;
+  }
+  const Alert question{fmt::format("\"{}\" is drawn in {}.", import->name(), unit->name),
+                       fmt::format("Ostrelon draws in feet. Converting multiplies every length by {:.6g}; "
+                                   "otherwise the numbers are taken as they are.",
+                                   unit->feet),
+                       {std::string(kConvertButton), std::string(kKeepButton), "Cancel"},
+                       2};
+  application.host().dialogs.ask(question, [&application, import](const DialogAnswer& answer) {
+    if (answer != kConvertButton && answer != kKeepButton) return;
+    DxfImportOptions options;
+    if (answer == kKeepButton) options.unit = kDxfFeet;
+    addImport(application, *import, options);
   });
 }
 

@@ -38,7 +38,10 @@ PreparedDxf importDrawing(Workspace& workspace, const FilePath& path, const DxfI
 /// `suggested`: the kind of file that the name offered ends in; a name without an ending gets it too.
 void exportWithPanel(Application& application, const ExportOptions& options,
                      ExportFormat suggested = ExportFormat::pdf);
-/// Asks for a DXF file, asks whether a file in another unit should be converted to feet, and adds it.
+/// Asks for a DXF file, and goes on as `importFrom` does.
 void importWithPanel(Application& application);
+/// Reads a DXF file and asks how to add it: a window in its sheet, else whether one in another unit should
+/// be converted to feet.
+void importFrom(Application& application, const FilePath& path);
 
 }  // namespace ostrelon

@@ -8,10 +8,10 @@ namespace ostrelon {
 
 Console::Console(ChangeTracker& tracker, CommandContext context) : tracker_(tracker), context_(context) {}
 
-void Console::submit() {
+CommandInterpreter::ReplyKind Console::submit() {
   const std::string text = input;
   input = std::string();
-  if (trimmed(text).empty()) return;
+  if (trimmed(text).empty()) return CommandInterpreter::ReplyKind::done;
   context_.messages.appendReply("> " + text);
   auto reply = CommandInterpreter::applyNumericDraftInput(text, context_.board);
   if (!reply) reply = CommandInterpreter::executeCommandLine(text, context_);
@@ -19,6 +19,7 @@ void Console::submit() {
     const bool isError = reply->kind == CommandInterpreter::ReplyKind::error;
     context_.messages.append(*std::move(reply->text), isError, false);
   }
+  return reply->kind;
 }
 
 }  // namespace ostrelon

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "console/command.h"
 #include "console/command_context.h"
 
 namespace ostrelon {
@@ -27,8 +28,9 @@ class Console {
   const CommandContext& context() const { return context_; }
   void setInput(std::string text) { input = std::move(text); }
   void setFocused(bool focused) { isFocused = focused; }
-  /// Runs the input line and empties it. A line of white space leaves no trace.
-  void submit();
+  /// Runs the input line and empties it. A line of white space leaves no trace. What came of a question that
+  /// is answered later is not known yet, and counts as done.
+  CommandInterpreter::ReplyKind submit();
 
  private:
   CommandContext context_;

@@ -20,6 +20,7 @@ void DocumentSave::write(FileSystem& files) {
     });
   });
   onDisk_ = {url_, pending_->info(), hash.value()};
+  precision_ = savedPrecision(document_.e);
 }
 
 bool DocumentSave::holdsStateOf(const Sketch& sketch) const {

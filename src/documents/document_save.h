@@ -11,6 +11,7 @@
 
 #include "documents/document_on_disk.h"
 #include "documents/document_session.h"
+#include "documents/saved_precision.h"
 #include "documents/sketch_document.h"
 #include "platform/file_system.h"
 
@@ -24,6 +25,8 @@ class DocumentSave {
   const FilePath& url() const { return url_; }
   /// Encodes and writes. Throws the file system's error or the format's.
   void write(FileSystem& files);
+  /// How the drawing loses by being written.
+  const SavedPrecision& precision() const { return precision_; }
   /// Moves what was written into its place.
   void commit() { pending_->commit(); }
   /// What is on disk after `commit`.
@@ -41,6 +44,7 @@ class DocumentSave {
   SketchDocumentV2 document_;
   std::unique_ptr<PendingFile> pending_;
   DocumentOnDisk onDisk_;
+  SavedPrecision precision_;
 };
 
 /// Whether the file of the document is there and no longer holds what was last read from it or

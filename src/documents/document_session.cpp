@@ -1,5 +1,7 @@
 #include "documents/document_session.h"
 
+#include <fmt/format.h>
+
 #include <utility>
 
 #include "documents/document_paths.h"
@@ -20,6 +22,8 @@ void DocumentSession::begin() {
   keepWhatIsLost({.reason = "New document"});
   const auto scope = change();
   unrecordedMerges_.clear();
+  hasToldDistance_ = false;
+  toldMerged_ = 0;
   Drawing empty = sketch_.drawing;
   empty.entities.clear();
   empty.plan = {};
@@ -57,6 +61,8 @@ void DocumentSession::adopt(OpenedDocument document) {
   EntityList& entities = document.drawing.entities;
   if (!document.mergedCheckpointIDs.empty()) entities = EntityList::fromChunks(entities.chunks());
   for (std::string& id : document.mergedCheckpointIDs) unrecordedMerges_.push_back({std::move(id), entities});
+  hasToldDistance_ = false;
+  toldMerged_ = 0;
   sketch_.replace(std::move(document.drawing), std::move(document.undo));
   setBasis(sketch_.drawing);
   stage_.documentOpened(document.viewport);
@@ -115,6 +121,19 @@ void DocumentSession::finishSave(DocumentSave& save) {
   sketch_.setDirty(!save.holdsStateOf(sketch_));
   setBasis(saved);
   lastSavedAt = host_.scheduler.now();
+  tellPrecision(save);
+}
+
+void DocumentSession::tellPrecision(const DocumentSave& save) {
+  const auto& [farText, merged] = save.precision();
+  if (!farText.empty() && !hasToldDistance_) messages_.appendSystem(farText + "; move it nearer.");
+  if (merged > toldMerged_) {
+    messages_.appendSystem(merged == 1
+                               ? std::string("The ends of 1 entity fall together in the file.")
+                               : fmt::format("The ends of {} entities fall together in the file.", merged));
+  }
+  hasToldDistance_ = !farText.empty();
+  toldMerged_ = merged;
 }
 
 void DocumentSession::open(const FilePath& url, const std::string& reason) {

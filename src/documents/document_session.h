@@ -180,6 +180,8 @@ class DocumentSession {
   void setBasis(Drawing drawing);
   /// Moves what was written into its place, and records it as written by this session.
   void putInPlace(DocumentSave& save);
+  /// Says, once for a document, what its file cannot tell apart.
+  void tellPrecision(const DocumentSave& save);
 
   Sketch& sketch_;
   Messages& messages_;
@@ -194,6 +196,8 @@ class DocumentSession {
   std::optional<KeptDrawings> kept_;
   std::function<void()> hasKept_;
   bool mayLose_ = false;
+  bool hasToldDistance_ = false;  // that the open document lies too far away
+  std::size_t toldMerged_ = 0;    // of how many of its entities it was said that their ends fall together
 };
 
 }  // namespace ostrelon

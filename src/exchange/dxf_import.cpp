@@ -13,10 +13,6 @@
 namespace ostrelon {
 namespace {
 
-// From here on the numbers of 32 bits are more than a 64th of an inch apart, 1/768 of a foot: below 2^14
-// they are 2^(13 - 23) apart, which is 1/1024, and from there on 1/512.
-constexpr double kFarFromOrigin = 16384;
-
 SketchEntity moved(const SketchEntity& entity, SketchPoint by) {
   return std::visit(Overloaded{
                         [&](LineEntity line) -> SketchEntity {
@@ -147,21 +143,6 @@ PreparedDxf prepareDxf(const DxfFile& file, const DxfImportOptions& options) {
     prepared.bounds = boundsOf(prepared.drawing.entities);
   }
   return prepared;
-}
-
-bool liesFarFromOrigin(const SketchBox& box) {
-  return std::max({std::abs(box.minX), std::abs(box.maxX), std::abs(box.minY), std::abs(box.maxY)}) >=
-         kFarFromOrigin;
-}
-
-std::string farFromOriginText(const SketchBox& box) {
-  const double farthest =
-      std::max({std::abs(box.minX), std::abs(box.maxX), std::abs(box.minY), std::abs(box.maxY)});
-  const double spacing = std::exp2(std::floor(std::log2(farthest)) - 23) * 12;
-  return fmt::format(
-      "The drawing lies up to {:.0f} feet from the origin, where a saved file keeps places {:.2g} inches "
-      "apart",
-      farthest, spacing);
 }
 
 std::vector<std::string> leftOutTexts(const DxfDrawing& drawing) {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/entity_bounds.h"
+#include "documents/saved_precision.h"
 #include "exchange/dxf_reader.h"
 #include "exchange/dxf_units.h"
 
@@ -56,12 +57,6 @@ struct PreparedDxf {
 
 /// Throws `DxfError` as `drawDxf` does.
 PreparedDxf prepareDxf(const DxfFile& file, const DxfImportOptions& options = {});
-
-/// Whether a drawing lies so far from the origin that the numbers of a document's file, of 32 bits, are more
-/// than a 64th of an inch apart there.
-bool liesFarFromOrigin(const SketchBox& box);
-/// "… lies up to 2000000 feet from the origin, where …": why such a drawing is better moved.
-std::string farFromOriginText(const SketchBox& box);
 
 /// How many objects were left out for a reason, and of which kinds: "2 objects on paper sheets: LINE 2".
 std::vector<std::string> leftOutTexts(const DxfDrawing& drawing);

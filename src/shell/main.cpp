@@ -55,7 +55,11 @@ int run(int argc, char** argv) {
         return 2;
       }
       return ostrelon::runWithWindows(
-          argc, argv, {.home = line.home, .document = line.document, .isUITesting = line.isUITesting});
+          argc, argv,
+          {.home = line.home,
+           .document = line.document,
+           .drawing = line.imports.empty() ? std::nullopt : std::optional(line.imports.front()),
+           .isUITesting = line.isUITesting});
   }
   return 2;
 }

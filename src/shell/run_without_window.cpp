@@ -21,6 +21,8 @@ namespace ostrelon {
 namespace {
 
 constexpr const char* kStandardInput = "-";
+/// The exit status after a line of the console that was refused.
+constexpr int kRefused = 1;
 
 /// The scripts that are files, read before anything is done, so that a missing one stops everything.
 std::map<std::string, std::string> readScripts(const CommandLine& line, FileSystem& files) {
@@ -58,6 +60,7 @@ int runWithoutWindow(const CommandLine& line) {
     transcript.printNewLines();
     std::fflush(stdout);
   };
+  bool hasRefusal = false;
   try {
     const auto scripts = readScripts(line, files);
     if (line.document) workspace.document.open(standardizedPath(*line.document));
@@ -65,12 +68,21 @@ int runWithoutWindow(const CommandLine& line) {
       importDrawing(workspace, standardizedPath(path), line.importOptions);
       afterLine();
     }
+    const auto rigor = line.isStrict ? ConsoleScript::Rigor::strict : ConsoleScript::Rigor::lenient;
     for (const std::string& file : line.consoleFiles) {
-      if (file != kStandardInput) {
-        runConsoleScript(workspace, scripts.at(file), afterLine);
-        continue;
+      const bool isInput = file == kStandardInput;
+      ConsoleScript script(workspace, isInput ? "standard input" : file, rigor, afterLine);
+      if (isInput) {
+        for (std::string text; std::getline(std::cin, text) && script.run(text + '\n');) {
+        }
+      } else {
+        script.run(scripts.at(file));
       }
-      for (std::string text; std::getline(std::cin, text);) runConsoleScript(workspace, text, afterLine);
+      hasRefusal |= script.hasRefusal();
+      if (script.ending()) {
+        std::fprintf(stderr, "%s\n", script.ending()->c_str());
+        return kRefused;
+      }
     }
     if (line.saveAs) workspace.document.save(standardizedPath(*line.saveAs));
     const PictureMaker makePicture = picturesWithoutDisplay();
@@ -83,7 +95,7 @@ int runWithoutWindow(const CommandLine& line) {
     std::fprintf(stderr, "%s\n", error.what());
     return 2;
   }
-  return transcript.hasSeenError() ? 1 : 0;
+  return hasRefusal || transcript.hasSeenError() ? kRefused : 0;
 }
 
 int runOnFiles(const CommandLine& line) {

@@ -22,6 +22,7 @@
 #include "shell/drawing_export.h"
 #include "shell/export_sheet.h"
 #include "shell/icons.h"
+#include "shell/import_sheet.h"
 #include "shell/installer_opener.h"
 #include "shell/merge_panel.h"
 #include "shell/print_window.h"
@@ -84,6 +85,10 @@ WindowedProgram::WindowedProgram(Application& application, Theme& theme, QtDialo
   application.setWindowActions(
       {.showSettings = [this] { settings().open(); },
        .showExport = [this] { (new ExportSheet(application_, theme_, *mainWindow_))->open(); },
+       .showImport =
+           [this](std::shared_ptr<const DrawingImport> import) {
+             (new ImportSheet(application_, theme_, *mainWindow_, std::move(import)))->open();
+           },
        .showPrint = [this] { (new PrintWindow(application_, theme_, mainWindow_.get()))->open(); },
        .showCompare =
            [this] {
@@ -177,6 +182,11 @@ int runWithWindows(int& argc, char** argv, const WindowStart& start) {
   if (start.document) {
     QTimer::singleShot(0, &theme,
                        [&application, document = *start.document] { application.openDocumentAt(document); });
+  }
+  if (start.drawing) {
+    QTimer::singleShot(0, &theme, [&application, drawing = *start.drawing] {
+      importFrom(application, standardizedPath(drawing));
+    });
   }
   bool endsBySystem = false;
   const EndSignals endSignals([&] {

@@ -51,6 +51,7 @@ class WindowedProgram {
 struct WindowStart {
   std::optional<FilePath> home;      ///< a private home
   std::optional<FilePath> document;  ///< to be opened once the window is there
+  std::optional<FilePath> drawing;   ///< of another program, to be imported then
   bool isUITesting = false;
 };
 

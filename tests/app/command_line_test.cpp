@@ -100,19 +100,48 @@ TEST(CommandLineTest, RefusesWhatItDoesNotUnderstandInOneSentence) {
   EXPECT_NE(refusal({"a.ostrel", "b.ostrel"}), "");
   EXPECT_NE(refusal({"a.ostrel", "--open", "b.ostrel"}), "");
   EXPECT_NE(refusal({"a.txt"}), "");
+  EXPECT_EQ(parseCommandLine({"a.DXF"}).mode, Mode::window);
+  EXPECT_THAT(parseCommandLine({"a.DXF"}).imports, ElementsAre("a.DXF"));
+  EXPECT_THAT(refusal({"a.dxf", "--save", "a.ostrel"}), HasSubstr("by --import a.dxf"));
+  EXPECT_THAT(refusal({"--strict"}), HasSubstr("needs --console"));
 }
 
 TEST(ConsoleRun, PrintsTheTranscriptOnceAndNoticesErrors) {
   testing::TestWorkspace test;
   std::vector<std::string> printed;
   TranscriptPrinter transcript(test.workspace, [&](std::string_view text) { printed.emplace_back(text); });
-  runConsoleScript(test.workspace, "line 0 0 1 1\r\n\nclear\n", [&] { transcript.printNewLines(); });
-  EXPECT_FALSE(transcript.hasSeenError());
+  ConsoleScript script(test.workspace, "plan.txt", ConsoleScript::Rigor::lenient,
+                       [&] { transcript.printNewLines(); });
+  EXPECT_TRUE(script.run("\xEF\xBB\xBFline 0 0 1 1\r\n\n# a note\nclear\n"));
+  EXPECT_FALSE(transcript.hasSeenError() || script.hasRefusal());
   EXPECT_THAT(printed, ::testing::Contains("> line 0 0 1 1"));
+  EXPECT_THAT(printed, ::testing::Not(::testing::Contains(HasSubstr("a note"))));
   const auto count = printed.size();
-  runConsoleScript(test.workspace, "line 1", [&] { transcript.printNewLines(); });
-  EXPECT_TRUE(transcript.hasSeenError());
+  EXPECT_TRUE(script.run("line 1"));
+  EXPECT_TRUE(transcript.hasSeenError() && script.hasRefusal());
   EXPECT_EQ(printed.size(), count + 2) << "the echo and the reply";
+}
+
+TEST(ConsoleRun, AStrictScriptEndsAtTheFirstRefusalOfAnyKind) {
+  const auto ending = [](const char* lines) {
+    testing::TestWorkspace test;
+    ConsoleScript script(test.workspace, "plan.txt", ConsoleScript::Rigor::strict, [] {});
+    EXPECT_EQ(script.run(lines), !script.ending().has_value());
+    EXPECT_EQ(test.sketch.entities().size(), 1U) << lines << ": what comes behind it is not run";
+    return script.ending().value_or("");
+  };
+  EXPECT_EQ(ending("line 0 0 1 1\n# no line\nmove 1 1\nline 0 0 2 2\n"),
+            "plan.txt:3: Select a line before moving.");
+  EXPECT_EQ(ending("line 0 0 1 1\nfrobnicate\nline 0 0 2 2\n"), "plan.txt:2: Unknown command: frobnicate");
+  EXPECT_EQ(ending("line 0 0 1 1\nline 0 0 1e39 2\n"), "plan.txt:2: 1e39 cannot be written into a file.");
+  EXPECT_EQ(ending("line 0 0 1 1\nline 0 0 inf 2\n"), "plan.txt:2: inf cannot be written into a file.");
+  EXPECT_EQ(ending("line 0 0 1 1\nhistory\nbranch list\n"), "") << "nothing to list is no refusal";
+  // Without it the script goes on, and knows of a plain refusal too.
+  testing::TestWorkspace test;
+  ConsoleScript lenient(test.workspace, "plan.txt", ConsoleScript::Rigor::lenient, [] {});
+  EXPECT_TRUE(lenient.run("move 1 1\nline 0 0 1 1\n"));
+  EXPECT_TRUE(lenient.hasRefusal());
+  EXPECT_EQ(test.sketch.entities().size(), 1U);
 }
 
 }  // namespace
