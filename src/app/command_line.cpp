@@ -204,7 +204,8 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments, const En
   }
   option("--import", [&](const std::string& value) { line.imports.emplace_back(value); });
   option("--export", [&](const std::string& value) { line.exports.push_back(exportPath(value)); });
-  for (const char* setting : {"size", "pixel-ratio", "paper", "scale", "theme", "dxf", "look", "schedule"})
+  for (const char* setting : {"size", "pixel-ratio", "paper", "scale", "theme", "dxf", "dxf-layers",
+                              "dxf-units", "look", "schedule"})
     exportSetting(setting);
   automationSetting("--clock", line.clock);
   automationSetting("--update-feed", line.updateFeed);
@@ -348,6 +349,9 @@ How exported files look:
                                  --look clean,fill; or none; that of the document
                                  unless told
   --dxf r12|2000                 the version of DXF, 2000 unless told
+  --dxf-layers system|kind       names the layers of DXF after wall systems, or by kind,
+                                 as A-WALL-W2, A-DOOR and A-LINE
+  --dxf-units ft|in|mm           the unit of DXF files, feet unless told
   --schedule openings            what a .csv file of --export holds
 
 Anywhere:

@@ -56,7 +56,7 @@ std::optional<std::string> ConsoleScript::refusalOf(std::string_view line) {
   const auto& lines = *workspace_.messages.lines;
   const std::size_t before = lines.size();
   workspace_.console.setInput(std::string(line));
-  const auto kind = workspace_.console.submit();
+  const auto kind = workspace_.console.runInput();
   const auto begin = lines.begin() + static_cast<std::ptrdiff_t>(before <= lines.size() ? before : 0);
   const auto error = std::find_if(begin, lines.end(), [](const ConsoleLine& shown) { return shown.isError; });
   if (error != lines.end()) return error->text;

@@ -52,7 +52,7 @@ EntityList cloudsOf(const EntityList& unchanged, const DifferenceLayers& layers)
   return EntityList(std::move(clouds));
 }
 
-void writeDifferenceDxf(const EntityList& unchanged, const DifferenceLayers& layers, DxfVersion version,
+void writeDifferenceDxf(const EntityList& unchanged, const DifferenceLayers& layers, DxfForm form,
                         const FileSystem::Writer& write) {
   std::vector<DxfLayerContent> contents{{"UNCHANGED", unchanged, layers.systemsAfter}};
   constexpr std::array<const char*, kDifferenceLayers.size()> names{"CHANGED-BEFORE", "REMOVED",
@@ -61,7 +61,7 @@ void writeDifferenceDxf(const EntityList& unchanged, const DifferenceLayers& lay
     contents.push_back({names[static_cast<std::size_t>(layer)], layers.of(layer), layers.systemsOf(layer)});
   }
   contents.push_back({"CLOUDS", cloudsOf(unchanged, layers), {}});
-  writeDxfByLayer(contents, version, write);
+  writeDxfByLayer(contents, form, write);
 }
 
 }  // namespace
@@ -74,7 +74,7 @@ void exportDifference(const DrawingDifference& difference, const Drawing& before
   const EntityList unchanged = unchangedOf(after, layers);
   if (format == ExportFormat::dxf) {
     files.writeFile(path, [&](const FileSystem::Writer& write) {
-      writeDifferenceDxf(unchanged, layers, options.dxfVersion, write);
+      writeDifferenceDxf(unchanged, layers, options.dxf, write);
     });
     return;
   }

@@ -44,6 +44,17 @@ std::string leftOutText(const OpeningLayout& openings) {
                      count == 1 ? "it" : "them");
 }
 
+// What a DXF file cannot hold; empty where that is nothing.
+std::string noSizeText(std::size_t count) {
+  if (count == 0) return {};
+  return count == 1 ? std::string("1 entity of no size was left out.")
+                    : fmt::format("{} entities of no size were left out.", count);
+}
+
+std::string joinedSentences(const std::string& a, const std::string& b) {
+  return a.empty() || b.empty() ? a + b : a + ' ' + b;
+}
+
 // Comma-separated values (RFC 4180).
 std::string tableText(const std::vector<std::vector<std::string>>& rows) {
   std::string text;
@@ -95,11 +106,12 @@ std::string exportDrawing(const Workspace& workspace, const FilePath& path, cons
   }
   const ExportFormat format = exportFormatOf(path);
   if (format == ExportFormat::dxf) {
+    DxfWritten written;
     files.writeFile(path, [&](const FileSystem::Writer& write) {
-      writeDxf(workspace.sketch.entities(), workspace.sketch.drawing->wallSystemSpecs, options.dxfVersion,
-               write, *options.openings, *options.look);
+      written = writeDxf(workspace.sketch.entities(), workspace.sketch.drawing->wallSystemSpecs, options.dxf,
+                         write, *options.openings, *options.look);
     });
-    return leftOut;
+    return joinedSentences(noSizeText(written.leftOut), leftOut);
   }
   if (format == ExportFormat::pdf) {
     const auto pages =

@@ -8,7 +8,7 @@ namespace ostrelon {
 
 Console::Console(ChangeTracker& tracker, CommandContext context) : tracker_(tracker), context_(context) {}
 
-CommandInterpreter::ReplyKind Console::submit() {
+CommandInterpreter::ReplyKind Console::runInput() {
   const std::string text = input;
   input = std::string();
   if (trimmed(text).empty()) return CommandInterpreter::ReplyKind::done;

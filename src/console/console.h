@@ -28,9 +28,10 @@ class Console {
   const CommandContext& context() const { return context_; }
   void setInput(std::string text) { input = std::move(text); }
   void setFocused(bool focused) { isFocused = focused; }
-  /// Runs the input line and empties it. A line of white space leaves no trace. What came of a question that
-  /// is answered later is not known yet, and counts as done.
-  CommandInterpreter::ReplyKind submit();
+  /// Runs the input line and empties it. A line of white space leaves no trace.
+  void submit() { runInput(); }
+  /// Likewise; gives what came of it. What a question that is answered later comes before counts as done.
+  CommandInterpreter::ReplyKind runInput();
 
  private:
   CommandContext context_;

@@ -91,7 +91,9 @@ class Drawer {
       return;
     }
     const std::size_t first = drawing_.entities.size();
+    const std::size_t firstOpening = drawing_.openings.size();
     std::visit(Overloaded{[](const DxfNothing&) {}, [](const std::shared_ptr<const DxfInsert>&) {},
+                          [&](const DxfWall& wall) { addWall(wall, map); },
                           [&](const DxfLine& line) { addLine(map.point(line.from), map.point(line.to)); },
                           [&](const DxfCurve& curve) { addCurve(curve, map); },
                           [&](const DxfPath& path) {
@@ -115,6 +117,7 @@ class Drawer {
     const auto begin = drawing_.entities.begin() + static_cast<std::ptrdiff_t>(first);
     if (std::any_of(begin, drawing_.entities.end(), isTooFar)) {
       drawing_.entities.resize(first);
+      drawing_.openings.resize(firstOpening);
       leaveOut(item, DxfReason::tooFar);
     }
   }
@@ -170,6 +173,41 @@ class Drawer {
 
   void addLine(SketchPoint from, SketchPoint to) {
     if (from != to) add(LineEntity{UUID::random(), from, to});
+  }
+
+  // A wall that was turned over with its block has its doors open to the other side.
+  void addWall(const DxfWall& wall, const AffineMap& map) {
+    const SketchPoint from = map.point(wall.from);
+    const SketchPoint to = map.point(wall.to);
+    if (from == to) return;
+    const UUID id = UUID::random();
+    add(WallEntity{id, from, to, systemOf(wall.content->system)});
+    const double before = distanceBetween(wall.from, wall.to);
+    const double scale = before > 0 ? distanceBetween(from, to) / before : 1;
+    const bool isMirrored = cross(map.x, map.y) < 0;
+    for (Opening opening : wall.content->openings) {
+      opening.id = UUID::random();
+      opening.wallID = id;
+      opening.distance *= scale;
+      opening.width *= scale;
+      if (!std::isfinite(opening.distance) || !std::isfinite(opening.width)) continue;
+      if (isMirrored) opening.swing = opening.swing == DoorSwing::in ? DoorSwing::out : DoorSwing::in;
+      drawing_.openings.push_back(opening);
+    }
+  }
+
+  // The system by its name and measures; a walls' own system each, where it is unknown.
+  UUID systemOf(const std::optional<WallSystemSpec>& wanted) {
+    if (!wanted) return UUID::random();
+    for (const WallSystemSpec& known : drawing_.systems) {
+      if (known.name == wanted->name && known.thickness == wanted->thickness &&
+          known.height == wanted->height) {
+        return known.id;
+      }
+    }
+    drawing_.systems.push_back(*wanted);
+    drawing_.systems.back().id = UUID::random();
+    return drawing_.systems.back().id;
   }
 
   void addPath(std::vector<SketchPoint> points, bool isClosed) {

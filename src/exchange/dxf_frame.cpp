@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
+
+#include "exchange/dxf_own_data.h"
 
 namespace ostrelon {
 namespace {
@@ -24,6 +27,7 @@ constexpr DxfHandle kNormalPlotStyle{0xF};
 constexpr DxfHandle kBaseLayer{0x10};
 constexpr DxfHandle kStandardStyle{0x11};
 constexpr DxfHandle kApplication{0x12};
+constexpr DxfHandle kOwnApplication{0x13};
 constexpr DxfHandle kByBlock{0x14};
 constexpr DxfHandle kByLayer{0x15};
 constexpr DxfHandle kContinuous{0x16};
@@ -40,26 +44,45 @@ constexpr DxfHandle kActiveViewport{0x29};
 constexpr DxfHandle kStandardDimensionStyle{0x27};
 constexpr DxfHandle kFirstFree{0x30};
 
-constexpr int kFeet = 2;
+// The units of the file, by the numbers of $INSUNITS.
+struct FileUnit {
+  DxfExportUnit unit;
+  int number;
+  double perFoot;
+  bool isMetric;
+  std::string_view comment;
+};
+constexpr std::array kUnits{FileUnit{DxfExportUnit::feet, 2, 1, false, "Units: feet"},
+                            FileUnit{DxfExportUnit::inches, 1, 12, false, "Units: inches"},
+                            FileUnit{DxfExportUnit::millimeters, 4, 304.8, true, "Units: millimeters"}};
+
+const FileUnit& unitOf(DxfExportUnit unit) {
+  return *std::find_if(kUnits.begin(), kUnits.end(),
+                       [unit](const FileUnit& known) { return known.unit == unit; });
+}
+
 constexpr int kForeground = 7;
 constexpr std::array kWallColors{5, 1, 3, 6, 4, 30};  // of the format's numbered colours
 
-bool is2000(const DxfFrame& frame) { return frame.version == DxfVersion::r2000; }
+bool is2000(const DxfFrame& frame) { return frame.form.version == DxfVersion::r2000; }
 
 void beginSection(DxfOutput& out, std::string_view name) { out.groups({{0, "SECTION"}, {2, name}}); }
 void endSection(DxfOutput& out) { out.text(0, "ENDSEC"); }
 
 void writeHeader(DxfOutput& out, const DxfFrame& frame) {
+  const FileUnit& unit = unitOf(frame.form.unit);
+  // R12 has no variable for it.
+  if (!is2000(frame)) out.text(999, unit.comment);
   beginSection(out, "HEADER");
   out.groups({{9, "$ACADVER"}, {1, is2000(frame) ? "AC1015" : "AC1009"}});
   if (is2000(frame)) {
     out.groups({{9, "$DWGCODEPAGE"}, {3, "ANSI_1252"}, {9, "$HANDSEED"}, {5, frame.firstFree}});
-    out.groups({{9, "$INSUNITS"}, {70, kFeet}, {9, "$MEASUREMENT"}, {70, 0}});
+    out.groups({{9, "$INSUNITS"}, {70, unit.number}, {9, "$MEASUREMENT"}, {70, unit.isMetric ? 1 : 0}});
     // Programs that print a file as it is take their sheet from here, in the unit of the drawing.
     out.text(9, "$PLIMMIN");
     out.point(10, {0, 0});
     out.text(9, "$PLIMMAX");
-    out.point(10, {11.0 / 12, 8.5 / 12});
+    out.point(10, SketchPoint{11.0 / 12, 8.5 / 12} * unit.perFoot);
   }
   out.text(9, "$INSBASE");
   out.flatPoint(10, {0, 0});
@@ -67,7 +90,7 @@ void writeHeader(DxfOutput& out, const DxfFrame& frame) {
   out.flatPoint(10, {frame.bounds.minX, frame.bounds.minY});
   out.text(9, "$EXTMAX");
   out.flatPoint(10, {frame.bounds.maxX, frame.bounds.maxY});
-  out.groups({{9, "$LTSCALE"}, {40, 1.0}});
+  out.groups({{9, "$LTSCALE"}, {40, unit.perFoot}});
   endSection(out);
 }
 
@@ -175,9 +198,11 @@ void writeEmptyTable(DxfOutput& out, const DxfFrame& frame, std::string_view nam
 }
 
 void writeApplications(DxfOutput& out, const DxfFrame& frame) {
-  beginTable(out, frame, "APPID", kApplicationTable, 1);
+  beginTable(out, frame, "APPID", kApplicationTable, 2);
   beginRow(out, frame, "APPID", kApplication, kApplicationTable, "AcDbRegAppTableRecord");
   out.groups({{2, "ACAD"}, {70, 0}});
+  beginRow(out, frame, "APPID", kOwnApplication, kApplicationTable, "AcDbRegAppTableRecord");
+  out.groups({{2, kDxfOwnApplication}, {70, 0}});
   endTable(out);
 }
 
@@ -280,6 +305,8 @@ void writeObjects(DxfOutput& out, const DxfFrame& frame) {
 }
 
 }  // namespace
+
+double dxfUnitsPerFoot(DxfExportUnit unit) { return unitOf(unit).perFoot; }
 
 DxfHandle firstEntityHandle(const DxfLayers& layers) { return {kFirstFree.value + layers.names().size()}; }
 

@@ -12,8 +12,8 @@ namespace ostrelon {
 inline constexpr std::string_view kDxfCenterLineType = "CENTER";
 
 struct DxfFrame {
-  DxfVersion version = DxfVersion::r2000;
-  SketchBox bounds;  ///< of the whole drawing, sketch units
+  DxfForm form;
+  SketchBox bounds;  ///< of the whole drawing, in the unit of the file
   const DxfLayers& layers;
   DxfHandle firstFree;  ///< above every handle of the entities
 };
@@ -22,6 +22,9 @@ struct DxfFrame {
 inline constexpr DxfHandle kDxfModelSpace{0x1F};
 /// The first handle that the entities may take.
 DxfHandle firstEntityHandle(const DxfLayers& layers);
+
+/// How many of the file's units are a foot.
+double dxfUnitsPerFoot(DxfExportUnit unit);
 
 /// Everything up to the first entity.
 void writeDxfHead(DxfOutput& out, const DxfFrame& frame);

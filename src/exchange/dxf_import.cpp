@@ -4,9 +4,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <unordered_map>
 #include <utility>
 
-#include "core/adding.h"
 #include "interaction/board.h"
 #include "platform/unicode.h"
 
@@ -110,6 +110,54 @@ std::vector<PreparedDxf::Layer> layersOf(const DxfFile& file, const DxfDrawing& 
   return layers;
 }
 
+// A name that no system has: "W2-EXT 2".
+std::string freeName(const std::string& wished, const std::vector<WallSystemSpec>& systems) {
+  const auto isTaken = [&](const std::string& name) {
+    return std::any_of(systems.begin(), systems.end(), [&](const WallSystemSpec& system) {
+      return lowerCased(system.name) == lowerCased(name);
+    });
+  };
+  std::string name = wished;
+  for (int number = 2; isTaken(name); ++number) name = fmt::format("{} {}", wished, number);
+  return name;
+}
+
+// The walls take the document's systems of the same name and measures, and bring the others with them.
+void addWithSystems(Sketch& sketch, DxfDrawing& drawing) {
+  std::vector<WallSystemSpec> systems = sketch.drawing->wallSystemSpecs;
+  std::unordered_map<UUID, UUID> settled;
+  for (WallSystemSpec& system : drawing.systems) {
+    const auto same = std::find_if(systems.begin(), systems.end(), [&](const WallSystemSpec& known) {
+      return lowerCased(known.name) == lowerCased(system.name) && known.thickness == system.thickness &&
+             known.height == system.height;
+    });
+    if (same != systems.end()) {
+      settled.emplace(system.id, same->id);
+    } else {
+      system.name = freeName(system.name, systems);
+      systems.push_back(system);
+    }
+  }
+  for (SketchEntity& entity : drawing.entities) {
+    auto* wall = std::get_if<WallEntity>(&entity);
+    if (wall == nullptr) continue;
+    if (const auto other = settled.find(wall->systemSpecID); other != settled.end()) {
+      wall->systemSpecID = other->second;
+    }
+  }
+  const bool addsSystems = systems.size() > sketch.drawing->wallSystemSpecs.size();
+  sketch.edit(
+      [&](Drawing& edited) {
+        edited.entities.append(std::exchange(drawing.entities, {}));
+        if (addsSystems) edited.wallSystemSpecs = std::move(systems);
+        if (drawing.openings.empty()) return;
+        std::vector<Opening> openings = edited.plan.openings.list();
+        openings.insert(openings.end(), drawing.openings.begin(), drawing.openings.end());
+        edited.plan.openings = std::move(openings);
+      },
+      addsSystems ? UndoStep::withWallSystems : UndoStep::own);
+}
+
 }  // namespace
 
 PreparedDxf prepareDxf(const DxfFile& file, const DxfImportOptions& options) {
@@ -190,7 +238,7 @@ void importDxf(Board& board, PreparedDxf& prepared, const std::string& fileName)
     lines.insert(lines.end(), prepared.losses.begin(), prepared.losses.end());
   }
   const bool wasEmpty = board.sketch().entities().empty();
-  addEntities(board.sketch(), std::exchange(prepared.drawing.entities, {}));
+  addWithSystems(board.sketch(), prepared.drawing);
   for (std::string& line : lines) board.messages().append(std::move(line), false, true);
   if (wasEmpty) board.zoomToFit(board.view->canvasSize);
 }

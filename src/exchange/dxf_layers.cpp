@@ -1,9 +1,12 @@
 #include "exchange/dxf_layers.h"
 
 #include <fmt/format.h>
+#include <unicode/translit.h>
 #include <unicode/utf8.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <unordered_set>
 
 #include "platform/unicode.h"
@@ -38,6 +41,23 @@ std::string written(UChar32 c, DxfVersion version) {
   return fmt::format("\\U+{:04X}", static_cast<std::uint32_t>(c));
 }
 
+// "Étage" and "Стены" in the letters of ASCII, as far as there are such.
+std::string inAscii(std::string_view text) {
+  const bool isAscii =
+      std::all_of(text.begin(), text.end(), [](char c) { return static_cast<signed char>(c) >= 0; });
+  if (isAscii) return std::string(text);
+  UErrorCode status = U_ZERO_ERROR;
+  const std::unique_ptr<icu::Transliterator> toAscii(
+      icu::Transliterator::createInstance("Any-Latin; Latin-ASCII", UTRANS_FORWARD, status));
+  if (U_FAILURE(status) != 0 || !toAscii) return std::string(text);
+  auto unicode =
+      icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
+  toAscii->transliterate(unicode);
+  std::string result;
+  unicode.toUTF8String(result);
+  return result;
+}
+
 std::size_t longestName(DxfVersion version) {
   return version == DxfVersion::r12 ? kLongestR12Name : kLongestR2000Name;
 }
@@ -45,7 +65,8 @@ std::size_t longestName(DxfVersion version) {
 }  // namespace
 
 std::string dxfLayerName(std::string_view systemName, DxfVersion version) {
-  const std::string_view text = trimmed(systemName);
+  const std::string text =
+      version == DxfVersion::r12 ? inAscii(trimmed(systemName)) : std::string(trimmed(systemName));
   const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
   std::string name;
   for (std::size_t at = 0; at < text.size();) {
@@ -58,16 +79,36 @@ std::string dxfLayerName(std::string_view systemName, DxfVersion version) {
   return name.empty() ? "WALL" : name;
 }
 
-DxfLayers::DxfLayers(std::span<const WallSystemSpec> systems, DxfVersion version, bool hasOpenings,
+std::string_view dxfKindLayer(DxfKind kind) {
+  switch (kind) {
+    case DxfKind::line:
+      break;
+    case DxfKind::circle:
+      return "A-LINE-CIRC";
+    case DxfKind::arc:
+      return "A-LINE-ARC";
+    case DxfKind::rectangle:
+      return "A-LINE-RECT";
+    case DxfKind::polygon:
+      return "A-LINE-POLY";
+  }
+  return "A-LINE";
+}
+
+DxfLayers::DxfLayers(std::span<const WallSystemSpec> systems, DxfForm form, bool hasOpenings,
                      bool withCenterLines) {
+  const DxfVersion version = form.version;
+  const bool isByKind = form.layering == DxfLayering::byKind;
+  if (isByKind) unknown_ = "A-WALL-UNKNOWN";
   std::unordered_map<std::string, std::string> layerOfName;  // by the system's name in lower case
-  std::unordered_set<std::string> taken{std::string(kDxfBaseLayer), lowerCased(kDxfUnknownWallLayer)};
+  std::unordered_set<std::string> taken{std::string(kDxfBaseLayer), lowerCased(unknown_)};
   if (hasOpenings) taken.insert({lowerCased(kDxfDoorLayer), lowerCased(kDxfGlazingLayer)});
   if (withCenterLines) taken.insert(lowerCased(kDxfCenterLineLayer));
   for (const WallSystemSpec& system : systems) {
     std::string& layer = layerOfName[lowerCased(trimmed(system.name))];
     if (layer.empty()) {
-      const std::string wished = dxfLayerName(system.name, version);
+      const std::string own = dxfLayerName(system.name, version);
+      const std::string wished = isByKind ? ("A-WALL-" + own).substr(0, longestName(version)) : own;
       layer = wished;
       for (int number = 2; !taken.insert(lowerCased(layer)).second; ++number) {
         const std::string suffix = fmt::format("_{}", number);
@@ -80,6 +121,12 @@ DxfLayers::DxfLayers(std::span<const WallSystemSpec> systems, DxfVersion version
   }
   names_.push_back(unknown_);
   if (hasOpenings) names_.insert(names_.end(), {std::string(kDxfDoorLayer), std::string(kDxfGlazingLayer)});
+  if (isByKind) {
+    for (const DxfKind kind :
+         {DxfKind::line, DxfKind::circle, DxfKind::arc, DxfKind::rectangle, DxfKind::polygon}) {
+      names_.emplace_back(dxfKindLayer(kind));
+    }
+  }
   if (withCenterLines) names_.emplace_back(kDxfCenterLineLayer);
 }
 

@@ -25,13 +25,19 @@ inline constexpr std::string_view kDxfCenterLineLayer = "WALL-CENTER";
 inline constexpr std::string_view kDxfUnknownWallLayer = "WALL-UNKNOWN";
 
 /// The name as a layer name, in the bytes of the file: characters that the format keeps for itself
-/// become "_". R12 takes the letters, digits, "$", "_" and "-" of ASCII, at most 31; 2000 takes nearly
-/// all, at most 255, in the code page Windows-1252 or in the form \U+2713. Never empty.
+/// become "_". R12 takes the letters, digits, "$", "_" and "-" of ASCII, at most 31, and letters of other
+/// scripts in Latin ones; 2000 takes nearly all, at most 255, in the code page Windows-1252 or in the form
+/// \U+2713. Never empty.
 std::string dxfLayerName(std::string_view systemName, DxfVersion version);
+
+/// The kinds that have layers of their own where layers are named by kind.
+enum class DxfKind { line, circle, arc, rectangle, polygon };
+/// "A-LINE" for lines; the others lie on layers beside it, as "A-LINE-CIRC".
+std::string_view dxfKindLayer(DxfKind kind);
 
 class DxfLayers {
  public:
-  DxfLayers(std::span<const WallSystemSpec> systems, DxfVersion version, bool hasOpenings = false,
+  DxfLayers(std::span<const WallSystemSpec> systems, DxfForm form, bool hasOpenings = false,
             bool withCenterLines = false);
   /// Layers of these names, which are layer names as they are.
   explicit DxfLayers(std::vector<std::string> names) : names_(std::move(names)) {}

@@ -8,6 +8,7 @@
 
 #include "exchange/dxf_file.h"
 #include "exchange/dxf_objects.h"
+#include "exchange/dxf_own_data.h"
 #include "exchange/dxf_polyline.h"
 #include "exchange/dxf_text.h"
 #include "platform/unicode.h"
@@ -39,6 +40,7 @@ class Reader {
       if (!group->is(0, "SECTION")) {
         // Comments may come between the sections.
         if (group->code != 999 && !sawSection) throw DxfError("This is not a DXF file.");
+        if (group->code == 999) readComment(group->value);
         continue;
       }
       sawSection = true;
@@ -104,6 +106,13 @@ class Reader {
       while (!required().is(0, "ENDSEC")) {
       }
     }
+  }
+
+  // Files of the oldest form that Ostrelon writes have no other place for it.
+  void readComment(std::string_view comment) {
+    if (comment == "Units: inches") file_.unitNumber = 1;
+    if (comment == "Units: feet") file_.unitNumber = 2;
+    if (comment == "Units: millimeters") file_.unitNumber = 4;
   }
 
   void readHeader() {
@@ -241,10 +250,14 @@ class Reader {
     }
     finishPolyline();
     if (object.kind() == "SEQEND") return;
+    const DxfOwnRole role = dxfOwnRole(object);
+    if (role == DxfOwnRole::part && object.kind() != "POLYLINE") return;
+    if (role == DxfOwnRole::wall && addWall(object)) return;
     const DxfItem item{{}, layerNamed(object.text(8)), kindNamed(object.kind()), hiddenReason(object)};
     if (object.kind() == "POLYLINE") {
       polyline_.begin(object);
       polylineItem_ = item;
+      isPolylinePart_ = role == DxfOwnRole::part;
       return;
     }
     shapes_.clear();
@@ -259,6 +272,17 @@ class Reader {
       addDxfShapes(object, shapes_);
     }
     addItems(item);
+  }
+
+  // The wall whose centre line this is; false where what it carries does not read.
+  bool addWall(const DxfObject& object) {
+    const auto data = dxfWallData(object, decoder_);
+    if (!data) return false;
+    shapes_.clear();
+    shapes_.emplace_back(DxfWall{object.point(10, "start point"), object.point(11, "end point"),
+                                 std::make_shared<const DxfWallContent>(data->content)});
+    addItems({{}, layerNamed(data->layer), kindNamed("WALL"), hiddenReason(object)});
+    return true;
   }
 
   void addInsert(const DxfObject& object) {
@@ -286,6 +310,7 @@ class Reader {
     if (!polyline_.isOpen()) return;
     shapes_.clear();
     polyline_.finish(shapes_);
+    if (isPolylinePart_) shapes_.clear();
     addItems(polylineItem_);
   }
 
@@ -304,6 +329,7 @@ class Reader {
   std::optional<std::uint32_t> block_;  // the one that is being read
   DxfPolylineReader polyline_;
   DxfItem polylineItem_;
+  bool isPolylinePart_ = false;  // of a wall, which draws it
   std::vector<DxfShape> shapes_;
 };
 

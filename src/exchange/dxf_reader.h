@@ -14,6 +14,7 @@
 // | HATCH                                        | its outlines                                    |
 // | LEADER                                       | lines                                           |
 // | INSERT, DIMENSION                            | what their blocks hold                          |
+// | what Ostrelon has written of a wall          | the wall, with its openings                     |
 //
 // A polyline that ends where it began counts as closed. Height is dropped; what is mirrored by its extrusion
 // direction is mirrored back. Everything else is counted by kind and reason, and left out.
@@ -47,6 +48,9 @@ struct DxfChoices {
 
 struct DxfDrawing {
   std::vector<SketchEntity> entities;
+  /// Of Ostrelon's own walls: their systems, each once, and what is in them.
+  std::vector<WallSystemSpec> systems;
+  std::vector<Opening> openings;
   /// How many objects of each kind were left out, by the reason and the format's name for the kind.
   std::map<std::pair<DxfReason, std::string>, std::size_t> leftOut;
   /// How many objects would be drawn on each layer, whether it was taken or not; by `DxfFile::layers`.

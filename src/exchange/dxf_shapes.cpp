@@ -35,6 +35,9 @@ DxfShape mapped(const DxfShape& shape, const AffineMap& map) {
                                  result.points = points(spline->points);
                                  return std::make_shared<const DxfSpline>(std::move(result));
                                },
+                               [&](const DxfWall& wall) -> DxfShape {
+                                 return DxfWall{map.point(wall.from), map.point(wall.to), wall.content};
+                               },
                                [&](const std::shared_ptr<const DxfInsert>& insert) -> DxfShape {
                                  DxfInsert result = *insert;
                                  result.map = map.after(insert->map);

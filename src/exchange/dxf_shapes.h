@@ -5,12 +5,15 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
 #include "core/circle.h"
+#include "core/plan.h"
 #include "core/sketch_point.h"
+#include "core/wall_system.h"
 
 namespace ostrelon {
 
@@ -27,6 +30,13 @@ struct AffineMap {
     return {vector(inner.x), vector(inner.y), point(inner.origin)};
   }
   static AffineMap scale(double factor) { return {{factor, 0}, {0, factor}, {}}; }
+};
+
+/// What a wall of Ostrelon's own carries. Identifiers are not set; the distances and widths of openings are
+/// in the unit of the file, the measures of the system in sketch units.
+struct DxfWallContent {
+  std::optional<WallSystemSpec> system;  ///< absent for a wall of an unknown one
+  std::vector<Opening> openings;
 };
 
 struct DxfLine {
@@ -68,6 +78,13 @@ struct DxfInsert {
   SketchPoint rowStep;
 };
 
+/// A wall of Ostrelon's own, by its centre line.
+struct DxfWall {
+  SketchPoint from;
+  SketchPoint to;
+  std::shared_ptr<const DxfWallContent> content;
+};
+
 /// Why an object is not drawn. Reports name them in this order.
 enum class DxfReason : std::uint8_t {
   drawn,         ///< it is
@@ -90,7 +107,7 @@ struct DxfNothing {
 };
 
 using DxfShape = std::variant<DxfNothing, DxfLine, DxfCurve, DxfPath, std::shared_ptr<const DxfSpline>,
-                              std::shared_ptr<const DxfInsert>>;
+                              std::shared_ptr<const DxfInsert>, DxfWall>;
 
 /// The shape under a map.
 DxfShape mapped(const DxfShape& shape, const AffineMap& map);

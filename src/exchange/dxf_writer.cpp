@@ -11,6 +11,7 @@
 #include "exchange/dxf_frame.h"
 #include "exchange/dxf_layers.h"
 #include "exchange/dxf_output.h"
+#include "exchange/dxf_own_data.h"
 #include "geometry/entity_geometry.h"
 #include "geometry/wall_loops.h"
 #include "interaction/canvas_frame.h"
@@ -23,12 +24,13 @@ namespace {
 
 class EntityWriter {
  public:
-  EntityWriter(DxfOutput& out, const DxfLayers& layers, std::span<const WallSystemSpec> systems,
-               DxfVersion version, const OpeningLayout& openings, const DrawingLook& look)
+  EntityWriter(DxfOutput& out, const DxfLayers& layers, std::span<const WallSystemSpec> systems, DxfForm form,
+               const OpeningLayout& openings, const DrawingLook& look)
       : out_(out),
         layers_(layers),
         systems_(systems),
-        version_(version),
+        form_(form),
+        scale_(dxfUnitsPerFoot(form.unit)),
         openings_(openings),
         look_(look),
         next_(firstEntityHandle(layers)) {}
@@ -42,29 +44,32 @@ class EntityWriter {
 
   void writeLoop(const WallLoop& loop) {
     pen_ = penMillimetres(WallEntity{});
-    writeClosed(loop.points, layers_.layerOf(loop.systems.front()));
+    writeClosed(loop.points, layers_.layerOf(loop.systems.front()), true);
   }
 
   /// False where there is nothing to write.
   bool write(const SketchEntity& entity) {
     pen_ = penMillimetres(entity);
-    return std::visit(
-        Overloaded{
-            [this](const LineEntity& line) { return writeLine(line); },
-            [this](const WallEntity& wall) { return writeWall(wall); },
-            [this](const CircleEntity& circle) { return writeCircle(circle); },
-            [this](const ArcEntity& arc) { return writeArc(arc); },
-            [this](const RectangleEntity& rectangle) {
-              const auto corners = rectangleCorners(rectangle.origin, rectangle.size);
-              return writeClosed(corners, baseLayer_);
-            },
-            [this](const PolygonEntity& polygon) { return writeClosed(polygon.vertices.list(), baseLayer_); },
-        },
-        entity);
+    return std::visit(Overloaded{
+                          [this](const LineEntity& line) { return writeLine(line); },
+                          [this](const WallEntity& wall) { return writeWall(wall); },
+                          [this](const CircleEntity& circle) { return writeCircle(circle); },
+                          [this](const ArcEntity& arc) { return writeArc(arc); },
+                          [this](const RectangleEntity& rectangle) {
+                            const auto corners = rectangleCorners(rectangle.origin, rectangle.size);
+                            const bool isFlat = rectangle.size.width == 0 && rectangle.size.height == 0;
+                            return !isFlat && writeClosed(corners, layerOf(DxfKind::rectangle));
+                          },
+                          [this](const PolygonEntity& polygon) {
+                            return writeClosed(polygon.vertices.list(), layerOf(DxfKind::polygon));
+                          },
+                      },
+                      entity);
   }
 
  private:
-  bool is2000() const { return version_ == DxfVersion::r2000; }
+  bool is2000() const { return form_.version == DxfVersion::r2000; }
+  SketchPoint scaled(SketchPoint point) const { return point * scale_; }
 
   void begin(std::string_view kind, std::string_view layer, std::string_view className) {
     out_.text(0, kind);
@@ -84,37 +89,59 @@ class EntityWriter {
     if (is2000()) out_.text(100, className_);
   }
 
+  std::string_view layerOf(DxfKind kind) const {
+    return form_.layering == DxfLayering::byKind && wallLayer_ == nullptr ? dxfKindLayer(kind) : baseLayer_;
+  }
+
   bool writeLine(const LineEntity& line, std::string_view layer = {}) {
-    if (!isFinite(line.from) || !isFinite(line.to)) return false;
-    begin("LINE", layer.empty() ? baseLayer_ : layer, "AcDbLine");
+    if (!isFinite(line.from) || !isFinite(line.to) || line.from == line.to) return false;
+    begin("LINE", layer.empty() ? layerOf(DxfKind::line) : layer, "AcDbLine");
     beginOwn();
-    out_.flatPoint(10, line.from);
-    out_.flatPoint(11, line.to);
+    out_.flatPoint(10, scaled(line.from));
+    out_.flatPoint(11, scaled(line.to));
+    if (!layer.empty()) writeDxfPartMark(out_);
     return true;
   }
 
   bool writeWall(const WallEntity& wall) {
     const bool isJoined = look_.joinedWall(wall) != nullptr;
-    const std::string_view layer = isJoined                ? kDxfCenterLineLayer
-                                   : wallLayer_ != nullptr ? std::string_view(*wallLayer_)
-                                                           : layers_.layerOf(wall.systemSpecID);
+    const std::string_view ownLayer =
+        wallLayer_ != nullptr ? std::string_view(*wallLayer_) : layers_.layerOf(wall.systemSpecID);
+    const std::string_view layer = isJoined ? kDxfCenterLineLayer : ownLayer;
     const double thickness = paintedWallThickness(wall, systems_);
     const auto& openings = openings_.ofWall(wall.id);
     if (openings.empty()) {
-      if (!isJoined && !writeClosed(wallCorners(wall.from, wall.to, thickness), layer)) return false;
+      if (!isJoined && !writeOutline(wallCorners(wall.from, wall.to, thickness), layer)) return false;
     } else {
       const OpeningWall& host = openings_.all()[openings.front()].wall;
       for (const auto& [from, to] : wallBesideOpenings(host, openings_)) {
-        if (!isJoined) writeClosed(wallCorners(host.at(from), host.at(to), thickness), layer);
+        if (!isJoined) writeOutline(wallCorners(host.at(from), host.at(to), thickness), layer);
       }
       for (const std::size_t place : openings) writeOpening(openings_.all()[place]);
     }
     begin("LINE", layer, "AcDbLine");
     out_.text(6, kDxfCenterLineType);
     beginOwn();
-    out_.flatPoint(10, wall.from);
-    out_.flatPoint(11, wall.to);
+    out_.flatPoint(10, scaled(wall.from));
+    out_.flatPoint(11, scaled(wall.to));
+    if (wallLayer_ == nullptr) writeWallData(wall, ownLayer);
     return true;
+  }
+
+  void writeWallData(const WallEntity& wall, std::string_view layer) {
+    const auto system = std::find_if(systems_.begin(), systems_.end(), [&](const WallSystemSpec& spec) {
+      return spec.id == wall.systemSpecID;
+    });
+    std::vector<Opening> openings;
+    for (const std::size_t place : openings_.ofWall(wall.id)) {
+      const PlacedOpening& placed = openings_.all()[place];
+      if (placed.fit == OpeningFit::fits) openings.push_back(placed.opening);
+    }
+    writeDxfWallData(out_, layer, system == systems_.end() ? nullptr : &*system, openings, scale_);
+  }
+
+  bool writeOutline(std::span<const SketchPoint> corners, std::string_view layer) {
+    return writeClosed(corners, layer, wallLayer_ == nullptr);
   }
 
   void writeOpening(const PlacedOpening& placed) {
@@ -131,10 +158,10 @@ class EntityWriter {
   bool writeCircle(const CircleEntity& circle) {
     const double radius = std::abs(circle.radius);
     if (!isFinite(circle.center) || !std::isfinite(radius) || radius == 0) return false;
-    begin("CIRCLE", baseLayer_, "AcDbCircle");
+    begin("CIRCLE", layerOf(DxfKind::circle), "AcDbCircle");
     beginOwn();
-    out_.flatPoint(10, circle.center);
-    out_.real(40, radius);
+    out_.flatPoint(10, scaled(circle.center));
+    out_.real(40, radius * scale_);
     return true;
   }
 
@@ -145,25 +172,28 @@ class EntityWriter {
     if (!(sweep > kSmallestArcSweep)) return false;
     // A negative radius puts every point on the other side of the centre.
     const double turned = arc.radius < 0 ? std::numbers::pi : 0;
-    begin("ARC", layer.empty() ? baseLayer_ : layer, "AcDbCircle");
+    begin("ARC", layer.empty() ? layerOf(DxfKind::arc) : layer, "AcDbCircle");
     beginOwn();
-    out_.flatPoint(10, arc.center);
-    out_.real(40, radius);
+    out_.flatPoint(10, scaled(arc.center));
+    out_.real(40, radius * scale_);
     if (is2000()) out_.text(100, "AcDbArc");
     out_.real(50, degreesOf(normalizedAngle(arc.startAngle + turned)));
     out_.real(51, degreesOf(normalizedAngle(arc.endAngle + turned)));
+    if (!layer.empty()) writeDxfPartMark(out_);
     return true;
   }
 
-  bool writeClosed(std::span<const SketchPoint> corners, std::string_view layer) {
+  /// `isPart`: it is drawn again by its wall.
+  bool writeClosed(std::span<const SketchPoint> corners, std::string_view layer, bool isPart = false) {
     if (corners.size() < 2 || !areFinite(corners)) return false;
     if (!is2000()) {
       begin("POLYLINE", layer, {});
       out_.groups({{66, 1}, {70, 1}});
       out_.flatPoint(10, {0, 0});
+      if (isPart) writeDxfPartMark(out_);
       for (const SketchPoint corner : corners) {
         out_.groups({{0, "VERTEX"}, {8, layer}});
-        out_.flatPoint(10, corner);
+        out_.flatPoint(10, scaled(corner));
       }
       out_.groups({{0, "SEQEND"}, {8, layer}});
       return true;
@@ -171,14 +201,16 @@ class EntityWriter {
     begin("LWPOLYLINE", layer, "AcDbPolyline");
     beginOwn();
     out_.groups({{90, static_cast<int>(corners.size())}, {70, 1}});
-    for (const SketchPoint corner : corners) out_.point(10, corner);
+    for (const SketchPoint corner : corners) out_.point(10, scaled(corner));
+    if (isPart) writeDxfPartMark(out_);
     return true;
   }
 
   DxfOutput& out_;
   const DxfLayers& layers_;
   std::span<const WallSystemSpec> systems_;
-  DxfVersion version_;
+  DxfForm form_;
+  double scale_;  // units of the file in a foot
   const OpeningLayout& openings_;
   const DrawingLook& look_;
   double pen_ = 0;  // of the entity that is being written, millimetres
@@ -191,6 +223,12 @@ class EntityWriter {
 }  // namespace
 
 namespace {
+
+SketchBox scaledBox(const std::optional<SketchBox>& box, DxfForm form) {
+  if (!box) return {};
+  const double scale = dxfUnitsPerFoot(form.unit);
+  return {box->minX * scale, box->minY * scale, box->maxX * scale, box->maxY * scale};
+}
 
 void writeEntities(EntityWriter& writer, const EntityList& entities, DxfWritten& written) {
   for (const SketchEntity& entity : entities) {
@@ -228,21 +266,21 @@ EntityList cutOpen(const EntityList& entities, const OpeningLayout& openings) {
 
 }  // namespace
 
-DxfWritten writeDxf(const EntityList& entities, std::span<const WallSystemSpec> systems, DxfVersion version,
+DxfWritten writeDxf(const EntityList& entities, std::span<const WallSystemSpec> systems, DxfForm form,
                     const FileSystem::Writer& write, const OpeningLayout& openings, const PlanLook& plan) {
   constexpr std::uint64_t kHandlesOfOpening = 4;  // another piece of its wall, and three lines at most
   const DrawingLook look =
       drawingLook(plan, openings.empty() ? entities : cutOpen(entities, openings), systems);
   const std::vector<WallLoop> loops = wallLoops(look.joined);
-  const DxfLayers layers(systems, version, !openings.empty(), plan.cleanWalls);
+  const DxfLayers layers(systems, form, !openings.empty(), plan.cleanWalls);
   DxfOutput out(write);
   // A wall takes two handles at most and everything else one.
   const DxfHandle firstFree{firstEntityHandle(layers).value + loops.size() + 2 * entities.size() +
                             kHandlesOfOpening * openings.all().size()};
-  const DxfFrame frame{version, drawingBounds(entities).value_or(SketchBox{}), layers, firstFree};
+  const DxfFrame frame{form, scaledBox(drawingBounds(entities), form), layers, firstFree};
   DxfWritten written;
   writeDxfHead(out, frame);
-  EntityWriter writer(out, layers, systems, version, openings, look);
+  EntityWriter writer(out, layers, systems, form, openings, look);
   for (const WallLoop& loop : loops) writer.writeLoop(loop);
   writeEntities(writer, entities, written);
   writeDxfTail(out, frame);
@@ -250,7 +288,7 @@ DxfWritten writeDxf(const EntityList& entities, std::span<const WallSystemSpec> 
   return written;
 }
 
-DxfWritten writeDxfByLayer(std::span<const DxfLayerContent> contents, DxfVersion version,
+DxfWritten writeDxfByLayer(std::span<const DxfLayerContent> contents, DxfForm form,
                            const FileSystem::Writer& write) {
   std::vector<std::string> names;
   std::optional<SketchBox> bounds;
@@ -263,12 +301,12 @@ DxfWritten writeDxfByLayer(std::span<const DxfLayerContent> contents, DxfVersion
   const DxfLayers layers(std::move(names));
   DxfOutput out(write);
   const DxfHandle firstFree{firstEntityHandle(layers).value + 2 * count};
-  const DxfFrame frame{version, bounds.value_or(SketchBox{}), layers, firstFree};
+  const DxfFrame frame{form, scaledBox(bounds, form), layers, firstFree};
   DxfWritten written;
   writeDxfHead(out, frame);
   const OpeningLayout noOpenings;
   const DrawingLook plain;
-  EntityWriter writer(out, layers, {}, version, noOpenings, plain);
+  EntityWriter writer(out, layers, {}, form, noOpenings, plain);
   for (const DxfLayerContent& content : contents) {
     writer.setLayer(content.layer, content.systems);
     writeEntities(writer, content.entities, written);

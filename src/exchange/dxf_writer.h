@@ -1,4 +1,4 @@
-// Drawings out as DXF, for other programs of the field. One sketch unit is one unit of the file, a foot.
+// Drawings out as DXF, for other programs of the field. One sketch unit is a foot.
 //
 //   files.writeFile(path, [&](const FileSystem::Writer& write) {
 //     writeDxf(drawing.entities, drawing.wallSystemSpecs, DxfVersion::r2000, write);
@@ -22,7 +22,8 @@
 // layer of the system that has most of it, and their centre lines lie on a layer of their own, which is off.
 // In one with line weights every entity has its pen, in 2000 alone.
 //
-// A closed polyline is a POLYLINE in R12 and an LWPOLYLINE in 2000. All but walls lies on layer "0".
+// A closed polyline is a POLYLINE in R12 and an LWPOLYLINE in 2000. All but walls lies on layer "0", or, by
+// kind, on "A-LINE" and others beside it. Walls and their parts carry what dxf_own_data.h tells.
 #pragma once
 
 #include <cstddef>
@@ -46,7 +47,7 @@ struct DxfWritten {
 };
 
 /// Hands the file to `write` piece by piece, in the order of the list. Holds no copy of the drawing.
-DxfWritten writeDxf(const EntityList& entities, std::span<const WallSystemSpec> systems, DxfVersion version,
+DxfWritten writeDxf(const EntityList& entities, std::span<const WallSystemSpec> systems, DxfForm form,
                     const FileSystem::Writer& write, const OpeningLayout& openings = {},
                     const PlanLook& look = {});
 
@@ -58,7 +59,7 @@ struct DxfLayerContent {
 };
 
 /// The same of several lists, each on a layer of its own, in their order.
-DxfWritten writeDxfByLayer(std::span<const DxfLayerContent> contents, DxfVersion version,
+DxfWritten writeDxfByLayer(std::span<const DxfLayerContent> contents, DxfForm form,
                            const FileSystem::Writer& write);
 
 }  // namespace ostrelon

@@ -95,6 +95,11 @@ constexpr std::array kOrientations{Word<PageOrientation>{"automatic", PageOrient
 constexpr std::array kDxfVersions{Word<DxfVersion>{"r12", DxfVersion::r12},
                                   Word<DxfVersion>{"2000", DxfVersion::r2000},
                                   Word<DxfVersion>{"r2000", DxfVersion::r2000}};
+constexpr std::array kDxfLayerings{Word<DxfLayering>{"system", DxfLayering::bySystem},
+                                   Word<DxfLayering>{"kind", DxfLayering::byKind}};
+constexpr std::array kDxfUnits{Word<DxfExportUnit>{"ft", DxfExportUnit::feet},
+                               Word<DxfExportUnit>{"in", DxfExportUnit::inches},
+                               Word<DxfExportUnit>{"mm", DxfExportUnit::millimeters}};
 constexpr std::array kSchedules{Word<ExportSchedule>{"openings", ExportSchedule::openings}};
 constexpr std::array kSwitches{Word<bool>{"on", true}, Word<bool>{"off", false}};
 
@@ -137,7 +142,16 @@ constexpr std::array kOptions{
     Option{"look", [](ExportOptions& o, const std::string& v) { o.look = lookOf(v); }},
     Option{"dxf",
            [](ExportOptions& o, const std::string& v) {
-             o.dxfVersion = wordOf(v, kDxfVersions, "is not a version of DXF; there are r12 and 2000");
+             o.dxf.version = wordOf(v, kDxfVersions, "is not a version of DXF; there are r12 and 2000");
+           }},
+    Option{"dxf-layers",
+           [](ExportOptions& o, const std::string& v) {
+             o.dxf.layering =
+                 wordOf(v, kDxfLayerings, "is not a way to name layers; there are system and kind");
+           }},
+    Option{"dxf-units",
+           [](ExportOptions& o, const std::string& v) {
+             o.dxf.unit = wordOf(v, kDxfUnits, "is not a unit of DXF files; there are in, ft and mm");
            }},
     Option{"schedule",
            [](ExportOptions& o, const std::string& v) {

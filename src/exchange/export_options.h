@@ -54,7 +54,7 @@ struct ExportOptions {
   bool showGrid = false;
   /// The look of the plan. Absent: where a document is exported its own, else everything as it is drawn.
   std::optional<PlanLook> look;
-  DxfVersion dxfVersion = DxfVersion::r2000;
+  DxfForm dxf;
   /// What a .csv file holds.
   std::optional<ExportSchedule> schedule;
 
@@ -72,11 +72,13 @@ ExportFormat exportFormatOf(const std::filesystem::path& path);
 /// Whether the file is a table, ".csv", which holds a schedule.
 bool isTableFile(const std::filesystem::path& path);
 
-/// "size", "pixel-ratio", "paper", "scale", "orientation", "theme", "grid", "look", "dxf", "schedule".
+/// "size", "pixel-ratio", "paper", "scale", "orientation", "theme", "grid", "look", "dxf", "dxf-layers",
+/// "dxf-units", "schedule".
 std::span<const std::string_view> exportOptionNames();
 /// Reads one option: size 1200x800, pixel-ratio 2, paper "ARCH D", scale 1/4in=1ft, orientation
 /// portrait or landscape, theme light, dark or tansy, grid on or off, look clean,fill,weights or none, dxf
-/// r12 or 2000, schedule openings. Throws `ExportOptionError`.
+/// r12 or 2000, dxf-layers system or kind, dxf-units ft, in or mm, schedule openings. Throws
+/// `ExportOptionError`.
 void setExportOption(ExportOptions& options, std::string_view name, const std::string& value);
 
 /// One page of a picture.

@@ -59,6 +59,11 @@ ExportSheet::ExportSheet(Application& application, Theme& theme, QWidget& window
   gridLabel_ = addFormRow(form, theme, QStringLiteral("Grid"), *grid_);
   dxfVersion_ = makePicker(theme, "export.dxf", {{"2000", "2000"}, {"R12", "r12"}});
   dxfVersionLabel_ = addFormRow(form, theme, QStringLiteral("Version"), *dxfVersion_);
+  dxfUnits_ = makePicker(theme, "export.dxfUnits", {{"Feet", "ft"}, {"Inches", "in"}, {"Millimeters", "mm"}});
+  dxfUnitsLabel_ = addFormRow(form, theme, QStringLiteral("Unit"), *dxfUnits_);
+  dxfLayers_ = new Switch(theme, {});
+  dxfLayers_->setObjectName(QStringLiteral("export.dxfLayers"));
+  dxfLayersLabel_ = addFormRow(form, theme, QStringLiteral("Layers by Kind"), *dxfLayers_);
   content().addWidget(below);
   content().addSpacing(8);
   look_ =
@@ -80,7 +85,8 @@ ExportSheet::ExportSheet(Application& application, Theme& theme, QWidget& window
   setFirstFocus(kind_);
   addToTabOrder(kind_);
   for (auto* picker : page_->findChildren<QWidget*>(QRegularExpression("^export\\."))) addToTabOrder(picker);
-  for (QWidget* widget : std::initializer_list<QWidget*>{size_, pixelRatio_, colors_, grid_, dxfVersion_}) {
+  for (QWidget* widget : std::initializer_list<QWidget*>{size_, pixelRatio_, colors_, grid_, dxfVersion_,
+                                                         dxfUnits_, dxfLayers_}) {
     addToTabOrder(widget);
   }
   for (QWidget* widget : look_->inTabOrder()) addToTabOrder(widget);
@@ -104,6 +110,8 @@ ExportOptions ExportSheet::options() const {
   options.look = look_->look();
   if (format() == ExportFormat::dxf) {
     setExportOption(options, "dxf", plainText(dxfVersion_->currentData().toString()));
+    setExportOption(options, "dxf-units", plainText(dxfUnits_->currentData().toString()));
+    if (dxfLayers_->isChecked()) options.dxf.layering = DxfLayering::byKind;
     return options;
   }
   page_->apply(options);
@@ -125,7 +133,7 @@ void ExportSheet::showRows() {
   show({size_, sizeLabel_}, !isDxf && !page_->isOnPaper());
   show({pixelRatio_, pixelRatioLabel_}, format() == ExportFormat::png);
   show({colors_, colorsLabel_, grid_, gridLabel_}, !isDxf);
-  show({dxfVersion_, dxfVersionLabel_}, isDxf);
+  show({dxfVersion_, dxfVersionLabel_, dxfUnits_, dxfUnitsLabel_, dxfLayers_, dxfLayersLabel_}, isDxf);
   error_->hide();
   content().invalidate();
   place();

@@ -38,6 +38,10 @@ class ExportSheet final : public DialogSheet {
   TextLabel* gridLabel_;
   Picker* dxfVersion_;
   TextLabel* dxfVersionLabel_;
+  Switch* dxfLayers_;
+  TextLabel* dxfLayersLabel_;
+  Picker* dxfUnits_;
+  TextLabel* dxfUnitsLabel_;
   TextLabel* error_;
 };
 

@@ -32,10 +32,10 @@ std::string unitTitle(const DxfUnit& unit) {
   return title;
 }
 
-QString joinedLines(const std::vector<std::string>& texts) {
-  QStringList lines;
-  for (const std::string& text : texts) lines << qtText(text);
-  return lines.join(QStringLiteral(";\n"));
+QString joinedSentences(const std::vector<std::string>& texts) {
+  QStringList sentences;
+  for (const std::string& text : texts) sentences << qtText(text) + QLatin1Char('.');
+  return sentences.join(QLatin1Char(' '));
 }
 
 }  // namespace
@@ -255,7 +255,7 @@ void ImportSheet::showChoices() {
     picture_->show({});
   }
   confirm_->setEnabled(isAnything);
-  leftOut_->setText(joinedLines(notes));
+  leftOut_->setText(joinedSentences(notes));
   leftOut_->setVisible(!notes.empty());
   content().invalidate();
   place();

@@ -73,7 +73,7 @@ TEST(CommandLineTest, ReadsHowToExportAndWhatToImport) {
   EXPECT_EQ(line.exportOptions.paper->name, "ARCH D");
   EXPECT_EQ(line.exportOptions.scale->ratio, 48);
   EXPECT_EQ(line.exportOptions.orientation, PageOrientation::landscape);
-  EXPECT_EQ(line.exportOptions.dxfVersion, DxfVersion::r12);
+  EXPECT_EQ(line.exportOptions.dxf.version, DxfVersion::r12);
   EXPECT_THAT(refusal({"--export", "a.png", "--scale", "48"}), HasSubstr("not a scale"));
   EXPECT_THAT(refusal({"--paper", "A4"}), HasSubstr("--paper needs --export"));
   EXPECT_THAT(refusal({"--to-feet"}), HasSubstr("needs --import"));
@@ -126,13 +126,15 @@ TEST(ConsoleRun, AStrictScriptEndsAtTheFirstRefusalOfAnyKind) {
   const auto ending = [](const char* lines) {
     testing::TestWorkspace test;
     ConsoleScript script(test.workspace, "plan.txt", ConsoleScript::Rigor::strict, [] {});
-    EXPECT_EQ(script.run(lines), !script.ending().has_value());
+    const bool isAtEnd = script.run(lines);
+    EXPECT_EQ(isAtEnd, !script.ending().has_value());
     EXPECT_EQ(test.sketch.entities().size(), 1U) << lines << ": what comes behind it is not run";
     return script.ending().value_or("");
   };
   EXPECT_EQ(ending("line 0 0 1 1\n# no line\nmove 1 1\nline 0 0 2 2\n"),
             "plan.txt:3: Select a line before moving.");
-  EXPECT_EQ(ending("line 0 0 1 1\nfrobnicate\nline 0 0 2 2\n"), "plan.txt:2: Unknown command: frobnicate");
+  EXPECT_EQ(ending("line 0 0 1 1\nfrobnicate\nline 0 0 2 2\n"),
+            "plan.txt:2: Unknown command \"frobnicate\". Type help for commands.");
   EXPECT_EQ(ending("line 0 0 1 1\nline 0 0 1e39 2\n"), "plan.txt:2: 1e39 cannot be written into a file.");
   EXPECT_EQ(ending("line 0 0 1 1\nline 0 0 inf 2\n"), "plan.txt:2: inf cannot be written into a file.");
   EXPECT_EQ(ending("line 0 0 1 1\nhistory\nbranch list\n"), "") << "nothing to list is no refusal";

@@ -43,7 +43,9 @@ TEST(ExportOptions, AreToldByNameAndText) {
                                       {"orientation", "landscape"},
                                       {"theme", "tansy"},
                                       {"grid", "on"},
-                                      {"dxf", "r12"}});
+                                      {"dxf", "r12"},
+                                      {"dxf-layers", "kind"},
+                                      {"dxf-units", "mm"}});
   EXPECT_EQ(options.size, (SketchSize{640, 480}));
   EXPECT_EQ(options.pixelRatio, 3);
   EXPECT_EQ(options.paper->name, "ARCH D");
@@ -51,7 +53,9 @@ TEST(ExportOptions, AreToldByNameAndText) {
   EXPECT_EQ(options.orientation, PageOrientation::landscape);
   EXPECT_EQ(options.theme, ExportTheme::tansy);
   EXPECT_TRUE(options.showGrid);
-  EXPECT_EQ(options.dxfVersion, DxfVersion::r12);
+  EXPECT_EQ(options.dxf.version, DxfVersion::r12);
+  EXPECT_EQ(options.dxf.layering, DxfLayering::byKind);
+  EXPECT_EQ(options.dxf.unit, DxfExportUnit::millimeters);
   for (const std::string_view name : exportOptionNames()) {
     EXPECT_THAT(refusal({{std::string(name).c_str(), "?"}}), HasSubstr("\"?\"")) << name;
   }
