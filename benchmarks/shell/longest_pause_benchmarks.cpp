@@ -96,6 +96,10 @@ class HurriedScheduler final : public Scheduler {
     return scheduler_.inBackground(std::move(counted), std::move(finish));
   }
 
+  void run(const std::function<void()>& work) override { scheduler_.run(work); }
+
+  void run(const std::function<void()>& work) { scheduler_.run(work); }
+
   std::atomic<int> underWay = 0;
 
  private:
@@ -113,6 +117,7 @@ FilePath freshHome() {
 class LiveWindow {
  public:
   LiveWindow() {
+    workspace.sketch.setWorkRunner([this](const std::function<void()>& work) { scheduler.run(work); });
     application.settings().setCustomProjectsFolder(home / "Documents");
     application.settings().setAutoSaveEnabled(false);
     window.resize(1920, 1080);

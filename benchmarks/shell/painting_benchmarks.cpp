@@ -98,7 +98,7 @@ void BM_FollowPan(benchmark::State& state) {
   index.update(entities);
   EntityPicture picture(EntityPicture::Kind::entitiesWithout, [] {});
   PictureView view = wholeView();
-  const PictureContent content{entities, defaultWallSystems(), nullptr, {}};
+  const PictureContent content{entities, defaultWallSystems(), {}, {}};
   follow(picture, view, content, index);
   for (auto _ : state) {
     view.transform.viewport.pan.x += 3;
@@ -114,7 +114,7 @@ void BM_FollowEdit(benchmark::State& state) {
   index.update(entities);
   EntityPicture picture(EntityPicture::Kind::entitiesWithout, [] {});
   const PictureView view = wholeView();
-  follow(picture, view, {entities, defaultWallSystems(), nullptr, {}}, index);
+  follow(picture, view, {entities, defaultWallSystems(), {}, {}}, index);
   const auto middle = static_cast<std::size_t>(state.range(0) / 2);
   const SketchEntity before = entities[middle];
   const SketchEntity after = LineEntity{entityID(before), {0, 0}, {4, 4}};
@@ -123,7 +123,7 @@ void BM_FollowEdit(benchmark::State& state) {
     flip = !flip;
     entities.replace(middle, flip ? after : before);
     index.update(entities);
-    follow(picture, view, {entities, defaultWallSystems(), nullptr, {}}, index);
+    follow(picture, view, {entities, defaultWallSystems(), {}, {}}, index);
   }
 }
 BENCHMARK(BM_FollowEdit)->Arg(1000)->Arg(100'000)->Unit(benchmark::kMillisecond);

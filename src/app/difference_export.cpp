@@ -18,7 +18,7 @@ constexpr double kCloudMargin = 20;
 EntityList unchangedOf(const Drawing& after, const DifferenceLayers& layers) {
   std::vector<SketchEntity> unchanged;
   for (const SketchEntity& entity : after.entities) {
-    if (!layers.ids->contains(entityID(entity))) unchanged.push_back(entity);
+    if (!layers.ids.contains(entityID(entity))) unchanged.push_back(entity);
   }
   return EntityList(std::move(unchanged));
 }

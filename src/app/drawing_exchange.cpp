@@ -78,7 +78,9 @@ void exportTo(Application& application, const FilePath& path, const ExportOption
   Workspace& workspace = application.workspace();
   std::string leftOut;
   try {
-    leftOut = exportDrawing(workspace, path, options, application.makePicture());
+    workspace.sketch.work(workspace.sketch.entities().size(), [&] {
+      leftOut = exportDrawing(workspace, path, options, application.makePicture());
+    });
   } catch (const UserError& error) {
     tellFailure(workspace, "Export", error);
     return;

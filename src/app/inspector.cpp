@@ -75,13 +75,11 @@ std::string inspectorSelectionHeading(const Workspace& workspace) {
   std::array<std::size_t, std::variant_size_v<SketchEntity>> counts{};
   std::array<std::string_view, std::variant_size_v<SketchEntity>> kinds{};
   std::size_t total = 0;
-  for (const UUID& id : workspace.sketch.selection->ids) {
-    const SketchEntity* entity = workspace.sketch.entity(id);
-    if (entity == nullptr) continue;
+  workspace.sketch.visitSelected([&](const SketchEntity& entity) {
     ++total;
-    ++counts[entity->index()];
-    kinds[entity->index()] = entityKindName(*entity);
-  }
+    ++counts[entity.index()];
+    kinds[entity.index()] = entityKindName(entity);
+  });
   // Walls lead, since plans are about walls; the other kinds follow in the order of the variant.
   constexpr std::array<std::size_t, std::variant_size_v<SketchEntity>> order{1, 0, 2, 3, 4, 5};
   std::string list;

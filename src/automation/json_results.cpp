@@ -119,10 +119,14 @@ Json toJson(const SelectDragState& value) {
                                       {"startSketchPoint", toJson(drag.startSketchPoint)}};
                         },
                         [](const MultiBodyDrag& drag) {
+                          Json anchors = Json::object();
+                          for (const std::size_t place : drag.places) {
+                            anchors[entityID(drag.start[place]).text()] = toJson(drag.start[place]);
+                          }
                           return Json{{"case", "multiBody"},
                                       {"entityIDs", toJson(drag.entityIDs)},
-                                      {"anchors", toJson(drag.anchors)},
-                                      {"leadEntityID", toJson(drag.leadEntityID)},
+                                      {"anchors", std::move(anchors)},
+                                      {"leadEntityID", toJson(entityID(drag.lead))},
                                       {"startSketchPoint", toJson(drag.startSketchPoint)}};
                         },
                         [](const PlanItemDrag& drag) {
@@ -390,7 +394,7 @@ Json toJson(const AppUpdateChangeGroup& value) {
       {"version", value.version}, {"changes", toJson(value.changes)}, {"notesURL", toJson(value.notesURL)}};
 }
 
-Json toJson(const std::unordered_set<UUID>& values) {
+Json toJson(const EntitySet& values) {
   std::vector<UUID> sorted(values.begin(), values.end());
   std::sort(sorted.begin(), sorted.end());
   return toJson(sorted);

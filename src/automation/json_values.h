@@ -130,7 +130,7 @@ Json toJson(const std::vector<T>& values) {
   return list;
 }
 /// Sorted.
-Json toJson(const std::unordered_set<UUID>& values);
+Json toJson(const EntitySet& values);
 template <class T>
 Json toJson(const std::map<std::string, T>& values) {
   Json object = Json::object();

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <optional>
-#include <unordered_set>
 #include <vector>
 
 #include "core/sketch.h"
@@ -14,7 +13,7 @@ namespace ostrelon {
 /// All that a chain of commands may disturb, as it was before.
 struct SketchCommandMutationState {
   SketchUndoSnapshot undoSnapshot;
-  std::unordered_set<UUID> selectedEntityIDs;
+  EntitySet selectedEntityIDs;
   std::optional<UUID> primarySelectedEntityID;
   SketchTool selectedTool = SketchTool::select;
   std::optional<SketchDraft> draft;

@@ -11,7 +11,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -55,11 +54,11 @@ enum class Place { alone, chain };
 struct ParseState {
   const Sketch* sketch = nullptr;  ///< never null while parsing; its wall systems change in no chain
   EntityList entities;
-  std::optional<std::unordered_set<UUID>> selectedEntityIDs;  ///< absent: those of the sketch
+  std::optional<EntitySet> selectedEntityIDs;  ///< absent: those of the sketch
   UUID activeWallSystemSpecID;
 
   const Drawing& drawing() const { return sketch->drawing; }
-  const std::unordered_set<UUID>& selected() const {
+  const EntitySet& selected() const {
     return selectedEntityIDs ? *selectedEntityIDs : sketch->selection->ids;
   }
 };

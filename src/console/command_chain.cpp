@@ -38,7 +38,7 @@ void applyToValidationState(const Action& command, ParseState& state) {
                  [&](const DrawWall& wall) {
                    const UUID id = UUID::random();
                    state.entities.append(WallEntity{id, wall.from, wall.to, wall.systemSpecID});
-                   state.selectedEntityIDs = {id};
+                   state.selectedEntityIDs = EntitySet{id};
                  },
                  [&](const DrawCircle& circle) {
                    state.entities.append(CircleEntity{UUID::random(), circle.center, circle.radius});

@@ -60,7 +60,7 @@ std::optional<UUID> selectedWallID(const Sketch& sketch) {
   const SketchEntity* primary = primarySelection(sketch);
   if (!isWall(primary)) return std::nullopt;
   const UUID& id = entityID(*primary);
-  return sketch.selection->contains(id) ? std::optional(id) : std::nullopt;
+  return sketch.isSelected(id) ? std::optional(id) : std::nullopt;
 }
 
 ParseResult parseAssign(const Words& words, const ParseState& state, Place place) {

@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <unordered_set>
 #include <utility>
 
 #include "console/command_words.h"
@@ -223,15 +224,16 @@ Reply run(const DrawRun& walls, const CommandContext& context) {
   Sketch& sketch = context.sketch;
   const auto change = sketch.change();
   std::vector<SketchEntity> added;
-  Selection selected{{}, std::nullopt, sketch.selection->isInspected, {}};
+  std::unordered_set<UUID> ids;
+  std::optional<UUID> last;
   for (const auto& [from, to] : walls.axes) {
     const UUID id = UUID::random();
     added.emplace_back(WallEntity{id, from, to, walls.systemSpecID});
-    selected.ids.insert(id);
-    selected.primary = id;
+    ids.insert(id);
+    last = id;
   }
   addEntities(sketch, std::move(added));
-  sketch.select(std::move(selected));
+  sketch.select({std::move(ids), last, sketch.selection->isInspected, {}});
   const WallSystemSpec* spec = sketch.drawing->wallSystem(walls.systemSpecID);
   const std::size_t count = walls.axes.size();
   return Reply::done(fmt::format("Run added ({}): {} wall{}, {}.", spec != nullptr ? spec->name : "", count,

@@ -10,7 +10,11 @@ void addEntity(Sketch& sketch, SketchEntity entity) {
 
 void addEntities(Sketch& sketch, std::vector<SketchEntity> added) {
   if (added.empty()) return;
-  sketch.edit([&](Drawing& drawing) { drawing.entities.append(std::move(added)); });
+  const EntityList next = sketch.prepared(added.size(), [&, list = sketch.entities()]() mutable {
+    list.append(std::move(added));
+    return list;
+  });
+  sketch.edit([&](Drawing& drawing) { drawing.entities = next; });
 }
 
 void addLine(Sketch& sketch, SketchPoint from, SketchPoint to) {

@@ -4,10 +4,10 @@
 
 #include <optional>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 #include "core/entity_list.h"
+#include "core/entity_set.h"
 #include "core/plan.h"
 #include "core/wall_system.h"
 
@@ -34,7 +34,7 @@ struct Drawing {
 
 /// The selected entities, by identifier, or in their place one item of the plan.
 struct Selection {
-  std::unordered_set<UUID> ids;
+  EntitySet ids;
   /// The one that commands for a single entity mean. A marquee that takes nothing leaves it as it was.
   std::optional<UUID> primary;
   /// The inspector is open on the selection.
@@ -47,7 +47,6 @@ struct Selection {
   bool empty() const { return ids.empty(); }
   /// Neither an entity nor an item of the plan is.
   bool isNothing() const { return ids.empty() && !planItem; }
-  bool contains(const UUID& id) const { return ids.contains(id); }
   friend bool operator==(const Selection&, const Selection&) = default;
 };
 

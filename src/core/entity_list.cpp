@@ -399,6 +399,15 @@ void EntityList::recount(Root& root) {
   for (std::size_t i = 0; i < root.nodes.size(); ++i) root.ends[i] = end += root.nodes[i]->size();
 }
 
+EntityList::Iterator EntityList::iteratorAt(std::size_t index) const {
+  Iterator at(root_.get(), true);
+  if (index >= size()) return at;
+  const Location place = locate(index);
+  at.enter(place.node, place.chunk);
+  at.entity_ = at.chunkBegin_ + place.offset;
+  return at;
+}
+
 EntityList::Iterator::Iterator(const Root* root, bool atEnd) : root_(root) {
   if (!root_ || root_->nodes.empty()) return;
   if (atEnd) {

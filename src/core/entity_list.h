@@ -63,6 +63,9 @@ class EntityList {
   void removeAll(const std::unordered_set<UUID>& ids);
   void clear() { root_.reset(); }
 
+  /// About how many entities lie in storage that the other list does not share. Costs little for any list.
+  std::size_t unsharedSize(const EntityList& other) const;
+
   /// Exact equality entity by entity.
   friend bool operator==(const EntityList& a, const EntityList& b);
   /// True when both share all their storage (and so are equal).
@@ -71,6 +74,8 @@ class EntityList {
   class Iterator;
   Iterator begin() const;
   Iterator end() const;
+  /// From this position on; the end for the list's size.
+  Iterator iteratorAt(std::size_t index) const;
   auto rbegin() const;
   auto rend() const;
 
@@ -81,6 +86,9 @@ class EntityList {
   static EntityList fromChunks(std::vector<std::shared_ptr<const Chunk>> chunks);
   static EntityList fromChunks(std::vector<std::shared_ptr<const Chunk>> chunks, const EntityList& alike);
 
+  /// Whether the identifiers are the same, place by place. Costs what differs; false as well where the
+  /// storage is divided otherwise, which edits in place never do.
+  bool hasSameIDs(const EntityList& other) const;
   /// How many equal entities two lists begin with, and end with. What they share is skipped.
   std::size_t commonStart(const EntityList& other) const;
   std::size_t commonEnd(const EntityList& other) const;

@@ -62,6 +62,38 @@ bool operator==(const EntityList& a, const EntityList& b) {
   return true;
 }
 
+std::size_t EntityList::unsharedSize(const EntityList& other) const {
+  if (!root_ || root_ == other.root_) return 0;
+  std::unordered_set<const Node*> shared;
+  if (other.root_) {
+    for (const NodePointer& node : other.root_->nodes) shared.insert(node.get());
+  }
+  std::size_t size = 0;
+  for (const NodePointer& node : root_->nodes) size += shared.contains(node.get()) ? 0 : node->size();
+  return size;
+}
+
+bool EntityList::hasSameIDs(const EntityList& other) const {
+  if (root_ == other.root_) return true;
+  if (!root_ || !other.root_ || root_->ends != other.root_->ends) return false;
+  const auto haveSame = [](const Chunk& a, const Chunk& b) {
+    return std::equal(
+        a.begin(), a.end(), b.begin(), b.end(),
+        [](const SketchEntity& one, const SketchEntity& two) { return entityID(one) == entityID(two); });
+  };
+  for (std::size_t i = 0; i < root_->nodes.size(); ++i) {
+    const Node& node = *root_->nodes[i];
+    const Node& otherNode = *other.root_->nodes[i];
+    if (&node == &otherNode) continue;
+    if (node.ends != otherNode.ends) return false;
+    for (std::size_t k = 0; k < node.chunks.size(); ++k) {
+      if (node.chunks[k] != otherNode.chunks[k] && !haveSame(*node.chunks[k], *otherNode.chunks[k]))
+        return false;
+    }
+  }
+  return true;
+}
+
 std::size_t EntityList::commonStart(const EntityList& other) const {
   if (!root_ || !other.root_) return 0;
   const auto& nodes = root_->nodes;

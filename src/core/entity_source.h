@@ -23,6 +23,8 @@ class EntitySource {
       : list_(&index.list()), index_(&index) {}
 
   const EntityList& list() const { return *list_; }
+  /// Known of an index alone.
+  bool hasDistinctIDs() const { return index_ != nullptr && !index_->hasDuplicates(); }
   /// The first position of the identifier.
   std::optional<std::size_t> positionOf(const UUID& id) const {
     return index_ == nullptr ? list_->indexOf(id) : index_->positionOf(id);

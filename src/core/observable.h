@@ -77,6 +77,8 @@ class ChangeTracker {
     assert(fields_ < kMostFields);
     return fields_++;
   }
+  /// An operation is under way.
+  bool isOpen() const { return depth_ > 0; }
   void open() { ++depth_; }
   void close();
   void mark(unsigned field) { changed_ |= fieldBit(field); }
@@ -146,6 +148,9 @@ class Observable {
     tracker_.mark(field_);
     return value_;
   }
+
+  /// For another representation of the same value, which is no change.
+  T& represent() { return value_; }
 
   ChangeTracker& tracker_;
   unsigned field_;

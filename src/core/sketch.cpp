@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <unordered_set>
 #include <utility>
 
 #include "core/plan_items.h"
@@ -11,6 +12,8 @@ namespace {
 
 // A selection of more than this share of the drawing is looked up by walking through it.
 constexpr std::size_t kWalkShare = 16;
+// Work on so many entities takes a part of a frame.
+constexpr std::size_t kMuchWork = 20'000;
 
 }  // namespace
 
@@ -19,6 +22,9 @@ Sketch::Sketch(ChangeTracker& tracker) : tracker_(tracker) {}
 // --- Finding
 
 const EntityIndex& Sketch::index() const {
+  if (index_.list().sharesAllStorage(entities())) return index_;
+  if (offeredIndex_ && offeredIndex_->list().sharesAllStorage(entities())) index_ = std::move(*offeredIndex_);
+  offeredIndex_.reset();
   index_.update(entities());
   return index_;
 }
@@ -28,6 +34,14 @@ std::optional<std::string> Sketch::labelOf(const UUID& id) const {
   if (!position) return std::nullopt;
   const SketchEntity& found = entities()[*position];
   return entityLabel(found, static_cast<int>(*position) + 1, drawing->wallSystemName(found));
+}
+
+bool Sketch::isSelected(const UUID& id) const { return isIn(selection->ids, id); }
+
+bool Sketch::isIn(const EntitySet& ids, const UUID& id) const {
+  if (!ids.isOver(entities())) return ids.contains(id);
+  const auto position = positionOf(id);
+  return position && ids.containsAt(*position);
 }
 
 const SketchEntity* Sketch::selectedEntity() const {
@@ -45,13 +59,14 @@ std::string Sketch::selectionSummary() const {
 }
 
 std::vector<std::size_t> Sketch::selectedPositions() const {
+  if (selection->ids.isOver(entities())) return selection->ids.positions();
   std::vector<std::size_t> positions;
   positions.reserve(selection->ids.size());
   // One walk finds many faster than the index does, and finds what has its identifier in common.
   if (index().hasDuplicates() || selection->ids.size() > entities().size() / kWalkShare) {
     std::size_t position = 0;
     for (const SketchEntity& entity : entities()) {
-      if (selection->contains(entityID(entity))) positions.push_back(position);
+      if (selection->ids.contains(entityID(entity))) positions.push_back(position);
       ++position;
     }
     return positions;
@@ -61,6 +76,53 @@ std::vector<std::size_t> Sketch::selectedPositions() const {
   }
   std::sort(positions.begin(), positions.end());
   return positions;
+}
+
+EntitySet Sketch::setOfAll() const {
+  if (!index().hasDuplicates()) return EntitySet::allOf(entities());
+  std::unordered_set<UUID> ids;
+  for (const SketchEntity& entity : entities()) ids.insert(entityID(entity));
+  return ids;
+}
+
+// --- Work on much of the drawing
+
+void Sketch::work(std::size_t entities, const std::function<void()>& work) const {
+  if (runWork_ && entities >= kMuchWork && !tracker_.isOpen()) {
+    index();  // brought up to date here, so that asking for it is no more than reading meanwhile
+    runWork_(work);
+  } else {
+    work();
+  }
+}
+
+EntityList Sketch::prepared(std::size_t changed, const std::function<EntityList()>& make) {
+  if (!runWork_ || changed < kMuchWork || tracker_.isOpen()) return make();
+  EntityList next;
+  EntityIndex index;
+  EntitySet followed = selection->ids;
+  runWork_([&] {
+    next = make();
+    index.update(next);
+    followed.follow(next);
+  });
+  offerIndex(std::move(index));
+  offeredSelection_ = std::move(followed);
+  return next;
+}
+
+void Sketch::prepareUndo() {
+  const auto& steps = undoStack->undoSnapshots();
+  if (steps.empty()) return;
+  const EntityList next = steps.back().entities;
+  prepared(std::max(next.unsharedSize(entities()), entities().unsharedSize(next)), [&] { return next; });
+}
+
+void Sketch::prepareRedo() {
+  const auto& steps = undoStack->redoSnapshots();
+  if (steps.empty()) return;
+  const EntityList next = steps.back().entities;
+  prepared(std::max(next.unsharedSize(entities()), entities().unsharedSize(next)), [&] { return next; });
 }
 
 // --- The one way to edit
@@ -76,6 +138,7 @@ void Sketch::edit(const std::function<void(Drawing&)>& change, UndoStep step) {
   countAsEdit(step);
   change(drawing.edit());
   followWalls(entitiesBefore, planBefore.openings, isDragged);
+  followEntities();
   if (selection->planItem) settleSelection();
   if (step == UndoStep::none) return;
 
@@ -89,6 +152,20 @@ void Sketch::edit(const std::function<void(Drawing&)>& change, UndoStep step) {
   }
   if (planBefore != drawing->plan) twin.plan = planBefore;
   if (!twin.empty()) undoStack.edit().setUndoTwin(std::move(twin));
+}
+
+EntitySet Sketch::followedSelection() {
+  const std::optional<EntitySet> offered = std::exchange(offeredSelection_, std::nullopt);
+  if (offered && offered->isOver(entities())) return *offered;
+  EntitySet followed = selection->ids;
+  followed.follow(entities());
+  return followed;
+}
+
+// What is gone stays selected until the operation settles the selection.
+void Sketch::followEntities() {
+  EntitySet followed = followedSelection();
+  if (followed.size() == selection->ids.size()) selection.represent().ids = std::move(followed);
 }
 
 void Sketch::followWalls(const EntityList& entitiesBefore, const SharedList<Opening>& openingsBefore,
@@ -195,7 +272,7 @@ void Sketch::replace(Drawing replacement, std::vector<SketchUndoSnapshot> undoSt
   drawing = std::move(replacement);
   dragStep_.reset();
   selection = Selection{{}, std::nullopt, selection->isInspected, {}};
-  setClipboard({});
+  if (!clipboard->empty() || !clipboardOpenings_.empty()) setClipboard({});
   undoStack.edit().replaceUndoSnapshots(std::move(undoSteps));
 }
 
@@ -246,10 +323,17 @@ SketchUndoSnapshot Sketch::restore(const SketchUndoSnapshot& step) {
 void Sketch::settleSelection() {
   Selection remaining = selection;
   if (remaining.planItem && !findPlanItem(drawing->plan, *remaining.planItem)) remaining.planItem.reset();
-  std::erase_if(remaining.ids, [&](const UUID& id) { return entity(id) == nullptr; });
+  remaining.ids = followedSelection();
+  if (!remaining.ids.isOver(entities())) {
+    std::unordered_set<UUID> there;
+    for (const UUID& id : remaining.ids) {
+      if (entity(id) != nullptr) there.insert(id);
+    }
+    if (there.size() < remaining.ids.size()) remaining.ids = std::move(there);
+  }
   if (remaining.isNothing()) {
     remaining = {};
-  } else if (!remaining.empty() && remaining.primary && !remaining.contains(*remaining.primary)) {
+  } else if (!remaining.empty() && remaining.primary && !isIn(remaining.ids, *remaining.primary)) {
     remaining.primary = *remaining.ids.begin();
   }
   selection = std::move(remaining);
@@ -275,17 +359,30 @@ void Sketch::selectPlanItem(const UUID& id) {
 
 void Sketch::addToSelection(const UUID& id) {
   const ChangeScope scope(tracker_);
+  const bool isOver = selection->ids.isOver(entities());
+  const auto position = isOver ? positionOf(id) : std::nullopt;
   Selection& selected = selection.edit();
-  selected.ids.insert(id);
+  if (position) {
+    selected.ids.insertAt(*position);
+  } else {
+    selected.ids.insert(id);
+  }
   selected.primary = id;
   selected.planItem.reset();
 }
 
 void Sketch::deselect(const UUID& id) {
-  if (!selection->contains(id) && selection->primary != id) return;
+  const bool isMember = isSelected(id);
+  if (!isMember && selection->primary != id) return;
   const ChangeScope scope(tracker_);
+  const bool isOver = selection->ids.isOver(entities());
+  const auto position = isOver ? positionOf(id) : std::nullopt;
   Selection& selected = selection.edit();
-  selected.ids.erase(id);
+  if (position) {
+    selected.ids.eraseAt(*position);
+  } else if (isMember) {
+    selected.ids.erase(id);
+  }
   if (selected.primary == id) {
     selected.primary = selected.empty() ? std::optional<UUID>() : std::optional<UUID>(*selected.ids.begin());
   }

@@ -80,14 +80,51 @@ class Sketch {
   std::optional<std::size_t> positionOf(const UUID& id) const { return index().positionOf(id); }
   /// The label with number and wall system name; absent for an unknown identifier.
   std::optional<std::string> labelOf(const UUID& id) const;
+  /// Of an entity of the drawing; a large selection is not searched for it.
+  bool isSelected(const UUID& id) const;
+  /// The same of any set.
+  bool isIn(const EntitySet& ids, const UUID& id) const;
   /// The entity of a selection of one, else null.
   const SketchEntity* selectedEntity() const;
   /// "none", the label of the one selected entity or item of the plan, or "3 selected".
   std::string selectionSummary() const;
   /// The positions of the selected entities, ascending.
   std::vector<std::size_t> selectedPositions() const;
+  /// Calls `visit(entity)` for each selected entity, in the order of the list.
+  template <class Visit>
+  void visitSelected(Visit visit) const {
+    if (!selection->ids.isOver(entities())) {
+      for (const std::size_t position : selectedPositions()) visit(entities()[position]);
+      return;
+    }
+    std::size_t position = 0;
+    for (const SketchEntity& entity : entities()) {
+      if (selection->ids.containsAt(position++)) visit(entity);
+    }
+  }
+  /// All entities.
+  EntitySet setOfAll() const;
   /// How often the drawing has been written since the program began.
   std::uint64_t drawingWrites() const { return drawing.writes(); }
+
+  // --- Work on much of the drawing
+
+  /// Does work that would hold the program for long, and returns once it is done. The work reads values
+  /// alone.
+  using WorkRunner = std::function<void(const std::function<void()>& work)>;
+  /// Without one all work is done at once, and wherever an operation is under way already.
+  void setWorkRunner(WorkRunner runner) { runWork_ = std::move(runner); }
+  /// Does work on about so many entities, by the runner where they are many.
+  void work(std::size_t entities, const std::function<void()>& work) const;
+  /// What `make` gives, which an edit is going to put in the place of the entities. It is made by `work`, and
+  /// where they are many, what follows from the list as well: its index, and what is selected in it.
+  /// `changed`: about how many entities are others.
+  EntityList prepared(std::size_t changed, const std::function<EntityList()>& make);
+  /// Prepares the entities of the next undo or redo.
+  void prepareUndo();
+  void prepareRedo();
+  /// The index over a list that the drawing is about to have.
+  void offerIndex(EntityIndex index) { offeredIndex_ = std::move(index); }
 
   // --- The one way to edit
 
@@ -158,7 +195,8 @@ class Sketch {
   void keepSelectionOfEntities() { settleSelection(); }
   /// `openings`: those of the walls among the entities.
   void setClipboard(std::vector<SketchEntity> entities, std::vector<Opening> openings = {}) {
-    clipboard = std::move(entities);
+    const ChangeScope scope(tracker_);
+    clipboard.edit() = std::move(entities);
     clipboardOpenings_ = std::move(openings);
   }
   const std::vector<Opening>& clipboardOpenings() const { return clipboardOpenings_; }
@@ -176,6 +214,9 @@ class Sketch {
   /// The drawing as it is, with its plan.
   SketchUndoSnapshot snapshot() const { return {entities(), {drawing->plan, {}}}; }
   void pushStep(SketchUndoSnapshot before);
+  /// Has a large selection know its members by their positions in the entities as they are now.
+  void followEntities();
+  EntitySet followedSelection();
   void followWalls(const EntityList& entitiesBefore, const SharedList<Opening>& openingsBefore,
                    bool isDragged);
   /// Leaves out of the selection what is gone. Some member becomes the primary one when that is gone;
@@ -183,6 +224,9 @@ class Sketch {
   void settleSelection();
 
   mutable EntityIndex index_;                        // follows the entities, lazily
+  mutable std::optional<EntityIndex> offeredIndex_;  // over a list that they are about to be
+  std::optional<EntitySet> offeredSelection_;        // of the same list
+  WorkRunner runWork_;
   int openSteps_ = 0;                                // how many `asOneStep` are under way
   std::vector<WallSystemChange> openSystemChanges_;  // what these have changed of the wall systems
   std::vector<Opening> clipboardOpenings_;

@@ -91,7 +91,7 @@ void DocumentSession::setBasis(Drawing drawing) {
 
 void DocumentSession::save(const FilePath& url) {
   DocumentSave save(url, makeDocument(true));
-  save.write(host_.files);
+  sketch_.work(sketch_.entities().size(), [&] { save.write(host_.files); });
   finishSave(save);
 }
 

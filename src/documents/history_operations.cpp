@@ -46,9 +46,11 @@ DocumentCheckpoint DocumentSession::saveCheckpoint(const std::optional<std::stri
   const std::optional<FilePath> url = fileURL;
   if (!url) throw Error(Error::Case::documentMustBeSaved);
   save(*url);
-  DocumentCheckpoint checkpoint =
-      createCheckpoint(host_.files, *url, message.value_or(""), host_.scheduler.now(), makeDocument(false),
-                       mergedCheckpoints());
+  DocumentCheckpoint checkpoint;
+  sketch_.work(sketch_.entities().size(), [&, document = makeDocument(false), merged = mergedCheckpoints(),
+                                           now = host_.scheduler.now()] {
+    checkpoint = createCheckpoint(host_.files, *url, message.value_or(""), now, document, merged);
+  });
   unrecordedMerges_.clear();
   refreshHistory();
   return checkpoint;

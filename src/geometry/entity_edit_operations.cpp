@@ -58,30 +58,47 @@ std::vector<Opening> openingsOf(const Plan& plan, const std::vector<SketchEntity
   return found;
 }
 
-// Appends moved copies of these, walls with copies of their openings, as one step and makes them the
-// selection, the first one primary.
-void appendCopies(Sketch& sketch, std::vector<SketchEntity> copies, const std::vector<Opening>& openings,
-                  double dx, double dy) {
-  Selection selection{{}, std::nullopt, sketch.selection->isInspected, {}};
-  selection.ids.reserve(copies.size());
-  std::unordered_map<UUID, UUID> copyIDs;
-  for (SketchEntity& copy : copies) {
-    const UUID original = entityID(copy);
-    copy = duplicatedEntity(copy, dx, dy);
-    if (!openings.empty()) copyIDs.emplace(original, entityID(copy));
-    selection.ids.insert(entityID(copy));
-  }
-  selection.primary = entityID(copies.front());
+// What is copied: entities, and the openings of the walls among them.
+struct Copied {
+  std::vector<SketchEntity> entities;
+  std::vector<Opening> openings;
+};
+
+Copied copiedAt(const EntityList& entities, const Plan& plan, const std::vector<std::size_t>& positions) {
+  Copied copied{entitiesAt(entities, positions), {}};
+  copied.openings = openingsOf(plan, copied.entities);
+  return copied;
+}
+
+// Appends moved copies of `count` entities, walls with copies of their openings, as one step and makes them
+// the selection, the first one primary. `originals` may be called away from the main thread.
+void appendCopies(Sketch& sketch, std::size_t count, const std::function<Copied()>& originals, double dx,
+                  double dy) {
+  std::vector<Opening> openings;
+  const std::size_t place = sketch.entities().size();
+  const EntityList next = sketch.prepared(count, [&, list = sketch.entities()]() mutable {
+    Copied copies = originals();
+    std::unordered_map<UUID, UUID> copyIDs;
+    for (SketchEntity& copy : copies.entities) {
+      const UUID original = entityID(copy);
+      copy = duplicatedEntity(copy, dx, dy);
+      if (!copies.openings.empty()) copyIDs.emplace(original, entityID(copy));
+    }
+    if (!copies.openings.empty()) openings = copiedOpenings(copies.openings, copyIDs);
+    list.append(std::move(copies.entities));
+    return list;
+  });
+  const bool isInspected = sketch.selection->isInspected;
   const auto change = sketch.change();
-  sketch.select(std::move(selection));
+  sketch.clearSelection();
   sketch.edit([&](Drawing& drawing) {
-    drawing.entities.append(std::move(copies));
+    drawing.entities = next;
     if (openings.empty()) return;
     std::vector<Opening> all = drawing.plan.openings.list();
-    const std::vector<Opening> copied = copiedOpenings(openings, copyIDs);
-    all.insert(all.end(), copied.begin(), copied.end());
+    all.insert(all.end(), openings.begin(), openings.end());
     drawing.plan.openings = std::move(all);
   });
+  sketch.select({EntitySet::from(sketch.entities(), place), entityID(next[place]), isInspected, {}});
 }
 
 }  // namespace
@@ -138,23 +155,22 @@ bool assignWallSystem(Sketch& sketch, const UUID& wallSystemID, const UUID& id) 
 int alignSelection(Sketch& sketch, AlignmentAxis axis) {
   const std::vector<std::size_t> positions = sketch.selectedPositions();
   if (positions.size() < 2) return 0;
-  const std::vector<SketchEntity> selected = entitiesAt(sketch.entities(), positions);
-  const auto offsets = alignmentOffsets(selected, axis);
-  if (!offsets) return 0;
-  const auto moves = [&](const SketchEntity& entity) {
-    return offsets->at(entityID(entity)) != SketchPoint{};
-  };
-  if (std::none_of(selected.begin(), selected.end(), moves)) return 0;
-
   int count = 0;
-  sketch.edit([&](Drawing& drawing) {
+  const EntityList next = sketch.prepared(positions.size(), [&, list = sketch.entities()]() mutable {
+    const std::vector<SketchEntity> selected = entitiesAt(list, positions);
+    const std::vector<SketchPoint> offsets = alignmentMoves(selected, axis);
+    std::vector<std::size_t> movedPositions;
+    std::vector<SketchEntity> moved;
     for (std::size_t i = 0; i < selected.size(); ++i) {
-      if (!moves(selected[i])) continue;
-      const SketchPoint offset = offsets->at(entityID(selected[i]));
-      drawing.entities.replace(positions[i], translatedEntity(selected[i], offset.x, offset.y));
-      ++count;
+      if (offsets[i] == SketchPoint{}) continue;
+      movedPositions.push_back(positions[i]);
+      moved.push_back(translatedEntity(selected[i], offsets[i].x, offsets[i].y));
     }
+    count = static_cast<int>(moved.size());
+    list.replaceAll(movedPositions, moved);
+    return list;
   });
+  if (count > 0) sketch.edit([&](Drawing& drawing) { drawing.entities = next; });
   return count;
 }
 
@@ -178,45 +194,61 @@ void deleteEntity(Sketch& sketch, Messages& messages, const UUID& id) {
 
 void deleteSelection(Sketch& sketch, Messages& messages) {
   if (sketch.selection->empty()) return;
-  const auto change = sketch.change();
   const std::size_t count = sketch.selection->ids.size();
   const std::vector<std::size_t> positions = sketch.selectedPositions();
-  sketch.edit([&](Drawing& drawing) { drawing.entities.removeAll(positions); });
+  const EntityList next = sketch.prepared(count, [&, list = sketch.entities()]() mutable {
+    if (positions.size() == list.size()) return EntityList();
+    list.removeAll(positions);
+    return list;
+  });
+  const auto change = sketch.change();
   sketch.clearSelection();
+  sketch.edit([&](Drawing& drawing) { drawing.entities = next; });
   messages.appendSystem(countedReport(count, "deleted"));
 }
 
 void duplicateEntity(Sketch& sketch, Messages& messages, const UUID& id, double dx, double dy) {
-  const SketchEntity* found = sketch.entity(id);
-  if (found == nullptr) return;
+  const auto position = sketch.positionOf(id);
+  if (!position) return;
   const auto change = sketch.change();
-  const std::string label(entityTypeLabel(*found));
-  appendCopies(sketch, {*found}, openingsOf(sketch.drawing->plan, {*found}), dx, dy);
+  const Copied original = copiedAt(sketch.entities(), sketch.drawing->plan, {*position});
+  const std::string label(entityTypeLabel(original.entities.front()));
+  appendCopies(
+      sketch, 1, [&] { return original; }, dx, dy);
   messages.appendSystem(label + " duplicated.");
 }
 
 void duplicateSelection(Sketch& sketch, Messages& messages, double dx, double dy) {
   const std::vector<std::size_t> positions = sketch.selectedPositions();
   if (positions.empty()) return;
-  const auto change = sketch.change();
-  std::vector<SketchEntity> copies = entitiesAt(sketch.entities(), positions);
-  const std::vector<Opening> openings = openingsOf(sketch.drawing->plan, copies);
-  appendCopies(sketch, std::move(copies), openings, dx, dy);
+  const auto originals = [&positions, list = sketch.entities(), plan = sketch.drawing->plan] {
+    return copiedAt(list, plan, positions);
+  };
+  appendCopies(sketch, positions.size(), originals, dx, dy);
   messages.appendSystem(countedReport(positions.size(), "duplicated"));
 }
 
 int copySelection(Sketch& sketch) {
   const std::vector<std::size_t> positions = sketch.selectedPositions();
   if (positions.empty()) return 0;
-  std::vector<SketchEntity> copied = entitiesAt(sketch.entities(), positions);
-  std::vector<Opening> openings = openingsOf(sketch.drawing->plan, copied);
-  sketch.setClipboard(std::move(copied), std::move(openings));
+  Copied copied;
+  sketch.work(positions.size(),
+              [&] { copied = copiedAt(sketch.entities(), sketch.drawing->plan, positions); });
+  if (*sketch.clipboard != copied.entities || sketch.clipboardOpenings() != copied.openings) {
+    sketch.setClipboard(std::move(copied.entities), std::move(copied.openings));
+  }
   return static_cast<int>(positions.size());
 }
 
 int pasteClipboard(Sketch& sketch, SketchPoint offset) {
   const std::size_t count = sketch.clipboard->size();
-  if (count > 0) appendCopies(sketch, sketch.clipboard, sketch.clipboardOpenings(), offset.x, offset.y);
+  if (count == 0) return 0;
+  appendCopies(
+      sketch, count,
+      [&] {
+        return Copied{sketch.clipboard, sketch.clipboardOpenings()};
+      },
+      offset.x, offset.y);
   return static_cast<int>(count);
 }
 

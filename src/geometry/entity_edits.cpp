@@ -87,14 +87,22 @@ SketchEntity duplicatedEntity(const SketchEntity& entity, double dx, double dy) 
 std::optional<std::unordered_map<UUID, SketchPoint>> alignmentOffsets(
     const std::vector<SketchEntity>& entities, AlignmentAxis axis) {
   if (entities.size() < 2) return std::nullopt;
-  const SketchPoint center = selectionCentroid(entities).value_or(SketchPoint{});
+  const std::vector<SketchPoint> moves = alignmentMoves(entities, axis);
   std::unordered_map<UUID, SketchPoint> offsets;
+  for (std::size_t i = 0; i < entities.size(); ++i) offsets[entityID(entities[i])] = moves[i];
+  return offsets;
+}
+
+std::vector<SketchPoint> alignmentMoves(const std::vector<SketchEntity>& entities, AlignmentAxis axis) {
+  const SketchPoint center = selectionCentroid(entities).value_or(SketchPoint{});
+  std::vector<SketchPoint> moves;
+  moves.reserve(entities.size());
   for (const SketchEntity& entity : entities) {
     const SketchPoint own = entityCentroid(entity);
-    offsets[entityID(entity)] = axis == AlignmentAxis::horizontal ? SketchPoint{0, center.y - own.y}
-                                                                  : SketchPoint{center.x - own.x, 0};
+    moves.push_back(axis == AlignmentAxis::horizontal ? SketchPoint{0, center.y - own.y}
+                                                      : SketchPoint{center.x - own.x, 0});
   }
-  return offsets;
+  return moves;
 }
 
 std::optional<SegmentLengthIndicator> segmentLengthIndicator(const SketchEntity& entity) {

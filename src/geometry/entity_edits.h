@@ -29,6 +29,8 @@ SketchEntity duplicatedEntity(const SketchEntity& entity, double dx, double dy);
 /// line, through their mean. Absent for fewer than 2 entities.
 std::optional<std::unordered_map<UUID, SketchPoint>> alignmentOffsets(
     const std::vector<SketchEntity>& entities, AlignmentAxis axis);
+/// The same in the order of the entities, of which there must be one.
+std::vector<SketchPoint> alignmentMoves(const std::vector<SketchEntity>& entities, AlignmentAxis axis);
 
 /// The segment of a line or wall of some length; absent for all else.
 std::optional<SegmentLengthIndicator> segmentLengthIndicator(const SketchEntity& entity);

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <unordered_set>
+#include <utility>
+#include <vector>
 
 #include "core/circle.h"
 #include "geometry/entity_geometry.h"
@@ -128,20 +131,24 @@ bool entityContainedInRect(const SketchEntity& entity, const SketchBox& rect) {
       entity);
 }
 
-std::unordered_set<UUID> entitiesInMarquee(const EntitySource& entities, const SketchBox& rect,
-                                           bool isCrossing) {
-  std::unordered_set<UUID> hits;
-  if (!(rect.width() > 0) && !(rect.height() > 0)) return hits;
+EntitySet entitiesInMarquee(const EntitySource& entities, const SketchBox& rect, bool isCrossing) {
+  if (!(rect.width() > 0) && !(rect.height() > 0)) return {};
   // The tests reach a hair beyond the rectangle, as far as their tolerances along a segment do, so a
   // crossing test looks at every entity that touches a box wider by more than that.
   const double reach = 1e-3 * (1 + std::max(rect.width(), rect.height()));
   const SketchBox box = rect.grown(reach);
-  entities.visitNear(box, [&](const SketchEntity& entity, std::size_t) {
-    if (isCrossing ? entityIntersectsRect(entity, rect) : entityContainedInRect(entity, rect)) {
-      hits.insert(entityID(entity));
+  std::vector<std::size_t> hits;
+  std::unordered_set<UUID> ids;  // where the list may hold an identifier twice
+  const bool isByPosition = entities.hasDistinctIDs();
+  entities.visitNear(box, [&](const SketchEntity& entity, std::size_t position) {
+    if (!(isCrossing ? entityIntersectsRect(entity, rect) : entityContainedInRect(entity, rect))) return;
+    if (isByPosition) {
+      hits.push_back(position);
+    } else {
+      ids.insert(entityID(entity));
     }
   });
-  return hits;
+  return isByPosition ? EntitySet::at(entities.list(), hits) : EntitySet(std::move(ids));
 }
 
 }  // namespace ostrelon

@@ -1,9 +1,9 @@
 // Entities against a rectangle: what a marquee takes.
 #pragma once
 
-#include <unordered_set>
 #include <vector>
 
+#include "core/entity_set.h"
 #include "core/entity_source.h"
 #include "core/sketch_box.h"
 #include "core/sketch_entity.h"
@@ -26,8 +26,7 @@ bool entityIntersectsRect(const SketchEntity& entity, const SketchBox& rect);
 /// The window test: all of the outline.
 bool entityContainedInRect(const SketchEntity& entity, const SketchBox& rect);
 
-/// The identifiers of all entities that pass; none for a rectangle of neither width nor height.
-std::unordered_set<UUID> entitiesInMarquee(const EntitySource& entities, const SketchBox& rect,
-                                           bool isCrossing);
+/// All entities that pass; none for a rectangle of neither width nor height.
+EntitySet entitiesInMarquee(const EntitySource& entities, const SketchBox& rect, bool isCrossing);
 
 }  // namespace ostrelon

@@ -1,10 +1,13 @@
 // The operations on the selection that need no view.
+#include <unordered_set>
+#include <utility>
+
 #include "geometry/edit_operations.h"
 
 namespace ostrelon {
 
 void toggleEntitySelection(Sketch& sketch, const UUID& id) {
-  if (sketch.selection->contains(id)) {
+  if (sketch.isSelected(id)) {
     sketch.deselect(id);
   } else {
     sketch.addToSelection(id);
@@ -20,14 +23,17 @@ void selectSingleEntity(Sketch& sketch, std::optional<UUID> id) {
 }
 
 void selectEntities(Sketch& sketch, const std::vector<std::int64_t>& positions) {
-  Selection selection{{}, std::nullopt, sketch.selection->isInspected, {}};
+  const EntityList& entities = sketch.entities();
+  std::unordered_set<UUID> ids;
+  std::optional<UUID> primary;
   for (const std::int64_t position : positions) {
-    if (position < 0 || static_cast<std::uint64_t>(position) >= sketch.entities().size()) continue;
-    const UUID& id = entityID(sketch.entities()[static_cast<std::size_t>(position)]);
-    selection.ids.insert(id);
-    if (!selection.primary) selection.primary = id;
+    if (position < 0 || static_cast<std::uint64_t>(position) >= entities.size()) continue;
+    const UUID& id = entityID(entities[static_cast<std::size_t>(position)]);
+    ids.insert(id);
+    if (!primary) primary = id;
   }
-  sketch.select(selection.empty() ? Selection() : std::move(selection));
+  sketch.select(ids.empty() ? Selection()
+                            : Selection{std::move(ids), primary, sketch.selection->isInspected, {}});
 }
 
 void selectAll(Sketch& sketch) {
@@ -36,13 +42,11 @@ void selectAll(Sketch& sketch) {
     sketch.clearSelection();
     return;
   }
-  Selection selection{{}, sketch.selection->primary, sketch.selection->isInspected, {}};
-  selection.ids.reserve(entities.size());
-  for (const SketchEntity& entity : entities) selection.ids.insert(entityID(entity));
-  if (!selection.primary || !selection.contains(*selection.primary)) {
-    selection.primary = entityID(entities.front());
+  Selection selected{sketch.setOfAll(), sketch.selection->primary, sketch.selection->isInspected, {}};
+  if (!selected.primary || sketch.entity(*selected.primary) == nullptr) {
+    selected.primary = entityID(entities.front());
   }
-  sketch.select(std::move(selection));
+  sketch.select(std::move(selected));
 }
 
 void printEntityDescription(const Sketch& sketch, Messages& messages, const UUID& id) {

@@ -11,6 +11,7 @@ Board::Board(ChangeTracker& tracker, Sketch& sketch, Messages& messages, Schedul
 // --- Undo, and what takes the place of the drawing
 
 void Board::undo() {
+  sketch_.prepareUndo();
   const auto scope = change();
   if (!sketch_.undo()) return;
   endAllButPolygon();
@@ -18,6 +19,7 @@ void Board::undo() {
 }
 
 void Board::redo() {
+  sketch_.prepareRedo();
   const auto scope = change();
   if (!sketch_.redo()) return;
   endAllButPolygon();

@@ -171,7 +171,7 @@ void paintHover(CanvasPainter& painter, const Board& board, const CanvasFrame& f
   }
   const auto& hovered = board.hover->entityID;
   if (!hovered) return;
-  if (board.sketch().selection->contains(*hovered)) return;
+  if (board.sketch().isSelected(*hovered)) return;
   paintHighlight(painter, board, frame, hovered, kHoverWidth, kHoverDash);
 }
 
@@ -202,13 +202,12 @@ void paintSelection(CanvasPainter& painter, const Board& board, const CanvasFram
                         board.selectDrag() != nullptr ? OpeningEmphasis::dragged : OpeningEmphasis::selected);
     return;
   }
-  const std::unordered_set<UUID>& selected = board.sketch().selection->ids;
+  const EntitySet& selected = board.sketch().selection->ids;
   if (selected.empty()) return;
   if (selected.size() > 1) {
-    for (const SketchEntity& entity : board.sketch().entities()) {
-      if (!selected.contains(entityID(entity))) continue;
+    board.sketch().visitSelected([&](const SketchEntity& entity) {
       paintSelectedEntity(painter, frame, entity, board.sketch().drawing->wallSystemSpecs);
-    }
+    });
     return;
   }
   const SketchEntity* entity = board.sketch().entity(*selected.begin());

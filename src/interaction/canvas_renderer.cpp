@@ -140,7 +140,7 @@ void EntityLayerPainter::paint(CanvasPainter& painter, const SketchEntity& entit
 }
 
 void paintEntities(CanvasPainter& painter, const CanvasFrame& frame, const EntityList& entities,
-                   std::span<const WallSystemSpec> systems, const std::unordered_set<UUID>& leftOut,
+                   std::span<const WallSystemSpec> systems, const EntitySet& leftOut,
                    const DrawingLook& look) {
   EntityLayerPainter layer(frame, systems, look);
   const auto visit = [&](const auto& paint) {

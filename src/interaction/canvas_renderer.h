@@ -7,7 +7,6 @@
 #pragma once
 
 #include <array>
-#include <unordered_set>
 
 #include "interaction/canvas_frame.h"
 #include "interaction/drawing_look.h"
@@ -88,7 +87,7 @@ class EntityLayerPainter {
 
 /// All entities but those left out.
 void paintEntities(CanvasPainter& painter, const CanvasFrame& frame, const EntityList& entities,
-                   std::span<const WallSystemSpec> systems, const std::unordered_set<UUID>& leftOut = {},
+                   std::span<const WallSystemSpec> systems, const EntitySet& leftOut = {},
                    const DrawingLook& look = {});
 
 }  // namespace ostrelon

@@ -251,7 +251,7 @@ DifferenceLayers differenceLayers(const DrawingDifference& difference,
   list(DifferenceLayer::changedBefore) = EntityList(std::move(changedBefore));
   list(DifferenceLayer::changedAfter) = EntityList(std::move(changedAfter));
   list(DifferenceLayer::added) = EntityList(difference.added);
-  layers.ids = std::make_shared<const std::unordered_set<UUID>>(std::move(ids));
+  layers.ids = std::move(ids);
   group(layers);
   return layers;
 }

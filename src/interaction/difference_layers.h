@@ -19,7 +19,6 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <unordered_set>
 #include <vector>
 
 #include "core/entity_list.h"
@@ -55,7 +54,7 @@ struct DifferenceLayers {
   std::vector<WallSystemSpec> systemsBefore;
   std::vector<WallSystemSpec> systemsAfter;
   /// The entities that differ, of both sides: they are not shown as the same.
-  std::shared_ptr<const std::unordered_set<UUID>> ids;
+  EntitySet ids;
 
   const EntityList& of(DifferenceLayer layer) const { return entities[static_cast<std::size_t>(layer)]; }
   const std::vector<WallSystemSpec>& systemsOf(DifferenceLayer layer) const;

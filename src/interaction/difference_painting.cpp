@@ -238,7 +238,7 @@ void paintDifference(CanvasPainter& painter, const CanvasFrame& frame, const Dif
                      const EntityList& drawing, double blend) {
   CanvasFrame faded = frame;
   faded.palette = fadedPalette(frame.palette);
-  paintEntities(painter, faded, drawing, layers.systemsAfter, *layers.ids);
+  paintEntities(painter, faded, drawing, layers.systemsAfter, layers.ids);
   for (const DifferenceLayer layer : kDifferenceLayers) {
     paintDifferenceLayer(painter, frame, layers, layer, layerOpacity(layer, blend));
   }

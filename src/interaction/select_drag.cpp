@@ -3,7 +3,6 @@
 // moves; its whole course is one undo step.
 #include <algorithm>
 #include <cmath>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -79,17 +78,15 @@ bool Board::beginSelectDrag(SketchPoint press) {
   const auto pick = pickEntityAtPoint(sketch_.index(), press, scale());
   if (!pick) return false;
   const UUID hitID = entityID(pick->entity);
-  if (!sketch_.selection->contains(hitID)) sketch_.selectOnly(hitID);
+  if (!sketch_.isSelected(hitID)) sketch_.selectOnly(hitID);
   sketch_.beginDragStep();
   if (sketch_.selection->ids.size() == 1) {
     gesture = SelectDrag{BodyDrag{hitID, pick->entity, press}, std::nullopt};
     return true;
   }
-  MultiBodyDrag group{sketch_.selection->ids, {}, hitID, press};
-  for (const UUID& id : group.entityIDs) {
-    if (const SketchEntity* member = sketch_.entity(id)) group.anchors.emplace(id, *member);
-  }
-  gesture = SelectDrag{std::move(group), std::nullopt};
+  gesture = SelectDrag{MultiBodyDrag{sketch_.selection->ids, sketch_.entities(), sketch_.selectedPositions(),
+                                     pick->entity, press},
+                       std::nullopt};
   return true;
 }
 
@@ -128,16 +125,24 @@ void Board::updateBodyDrag(const BodyDrag& drag, SketchPoint point) {
 
 Board::GroupMove& Board::groupMove(const MultiBodyDrag& drag) {
   if (groupMove_ && groupMove_->writes == sketch_.drawingWrites()) return *groupMove_;
-  std::vector<std::pair<std::size_t, const SketchEntity*>> members;
-  members.reserve(drag.anchors.size());
-  for (const auto& [id, anchor] : drag.anchors) {
-    if (const auto place = sketch_.positionOf(id)) members.emplace_back(*place, &anchor);
-  }
-  std::sort(members.begin(), members.end());
   GroupMove found;
-  for (const auto& [place, anchor] : members) {
-    found.places.push_back(place);
-    found.anchors.push_back(*anchor);
+  if (sketch_.entities().sharesAllStorage(drag.start)) {
+    found.places = drag.places.list();
+  } else {
+    std::vector<std::pair<std::size_t, std::size_t>> members;  // where they are, and where they were
+    for (const std::size_t start : drag.places) {
+      if (const auto place = sketch_.positionOf(entityID(drag.start[start])))
+        members.emplace_back(*place, start);
+    }
+    std::sort(members.begin(), members.end());
+    for (const auto& [place, start] : members) {
+      found.places.push_back(place);
+      found.anchors.push_back(drag.start[start]);
+    }
+  }
+  if (found.anchors.empty()) {
+    found.anchors.reserve(found.places.size());
+    for (const std::size_t place : found.places) found.anchors.push_back(drag.start[place]);
   }
   found.moved = found.anchors;
   groupMove_ = std::move(found);
@@ -148,11 +153,9 @@ Board::GroupMove& Board::groupMove(const MultiBodyDrag& drag) {
 // the index as it is: while nothing but this drag has written, it is right about all but the members, which
 // do not count.
 void Board::updateGroupDrag(const MultiBodyDrag& drag, SketchPoint point) {
-  const auto lead = drag.anchors.find(drag.leadEntityID);
-  if (lead == drag.anchors.end()) return;
   GroupMove& group = groupMove(drag);
   if (group.places.empty()) return;
-  const SketchSnapResult move = snappedMove(drag.startSketchPoint, point, viewport(), lead->second,
+  const SketchSnapResult move = snappedMove(drag.startSketchPoint, point, viewport(), drag.lead,
                                             sketch_.staleIndex(), drag.entityIDs, false);
   const auto moved = [&](const SketchEntity& anchor) {
     return translatedEntity(anchor, move.point.x, move.point.y);

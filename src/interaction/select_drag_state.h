@@ -2,12 +2,13 @@
 // entities or of an item of the plan.
 #pragma once
 
-#include <unordered_map>
-#include <unordered_set>
+#include <cstddef>
 #include <variant>
 
 #include "core/entity_list.h"
+#include "core/entity_set.h"
 #include "core/plan_items.h"
+#include "core/shared_list.h"
 #include "core/sketch_entity.h"
 #include "core/sketch_point.h"
 #include "geometry/selection_handles.h"
@@ -37,9 +38,10 @@ struct BodyDrag {
 };
 
 struct MultiBodyDrag {
-  std::unordered_set<UUID> entityIDs;
-  std::unordered_map<UUID, SketchEntity> anchors;
-  UUID leadEntityID;  ///< the entity under the press
+  EntitySet entityIDs;
+  EntityList start;                ///< all entities as they were at the start
+  SharedList<std::size_t> places;  ///< those of the members in it, ascending
+  SketchEntity lead;               ///< the entity under the press, at the start
   SketchPoint startSketchPoint;
   friend bool operator==(const MultiBodyDrag&, const MultiBodyDrag&) = default;
 };

@@ -50,11 +50,13 @@ void Board::updateMarquee(SketchPoint currentViewPoint) {
 
 void Board::finishMarquee(bool additive) {
   if (marquee() == nullptr) return;
-  const auto scope = change();
   const SelectMarqueeState drawn = *marquee();
   const SketchBox box = SketchBox::spanning(drawn.startSketchPoint, drawn.currentSketchPoint);
   const bool isCrossing = drawn.currentViewX < drawn.startViewX;
-  std::unordered_set<UUID> hits = entitiesInMarquee(sketch_.index(), box, isCrossing);
+  EntitySet hits;
+  const EntityIndex& index = sketch_.index();
+  sketch_.work(index.list().size(), [&] { hits = entitiesInMarquee(index, box, isCrossing); });
+  const auto scope = change();
   Selection selected = additive
                            ? sketch_.selection.get()
                            : Selection{{}, sketch_.selection->primary, sketch_.selection->isInspected, {}};

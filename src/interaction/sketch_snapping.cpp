@@ -28,8 +28,9 @@ constexpr double kBoxMargin = 1.001;
 template <class Visit>
 void visitSnapPoints(const SketchBox& box, EntitySource entities, const EntityIDs& excluded,
                      std::optional<SketchPoint> fromPoint, Visit visit) {
+  const bool isOver = excluded.isOver(entities.list());
   entities.visitNear(box, [&](const SketchEntity& entity, std::size_t position) {
-    if (!excluded.empty() && excluded.contains(entityID(entity))) return;
+    if (isOver ? excluded.containsAt(position) : excluded.contains(entityID(entity))) return;
     forEachSnapPoint(entity, fromPoint, [&](SketchPoint point, EntitySnapKind kind) {
       visit(FoundPoint{&entity, position, point, kind});
     });

@@ -16,10 +16,10 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
+#include "core/entity_set.h"
 #include "core/entity_source.h"
 #include "core/sketch_entity.h"
 #include "core/sketch_point.h"
@@ -42,7 +42,7 @@ inline constexpr double kTrackingAlignTolerance = 0.001;
 /// How far a coordinate may be off a major grid line and still lie on it, sketch units.
 inline constexpr double kMajorLineTolerance = 0.0001;
 
-using EntityIDs = std::unordered_set<UUID>;
+using EntityIDs = EntitySet;
 
 // --- Points of entities
 

@@ -44,23 +44,22 @@ FieldMask paintedFields(const Board& board) {
                   board.tracking, board.hover, board.lengthEditor, board.trimCuttingEdge);
 }
 
-std::unordered_set<UUID> draggedIDs(const SelectDragState& drag) {
+EntitySet draggedIDs(const SelectDragState& drag) {
   return std::visit(Overloaded{
-                        [](const HandleDrag& handle) { return std::unordered_set<UUID>{handle.entityID}; },
-                        [](const BodyDrag& body) { return std::unordered_set<UUID>{body.entityID}; },
+                        [](const HandleDrag& handle) { return EntitySet{handle.entityID}; },
+                        [](const BodyDrag& body) { return EntitySet{body.entityID}; },
                         [](const MultiBodyDrag& multi) { return multi.entityIDs; },
-                        [](const PlanItemDrag&) { return std::unordered_set<UUID>(); },
+                        [](const PlanItemDrag&) { return EntitySet(); },
                     },
                     drag);
 }
 
 /// How far a group has been dragged, sketch units. All of its entities move alike.
 SketchPoint dragMovement(const MultiBodyDrag& drag, const Board& board) {
-  const auto anchor = drag.anchors.find(drag.leadEntityID);
-  const SketchEntity* now = board.sketch().entity(drag.leadEntityID);
-  if (anchor == drag.anchors.end() || now == nullptr) return {};
+  const SketchEntity* now = board.sketch().entity(entityID(drag.lead));
+  if (now == nullptr) return {};
   const SketchViewport unit{{0, 0}, 1};
-  const SketchBox before = entityViewBounds(anchor->second, 0, unit);
+  const SketchBox before = entityViewBounds(drag.lead, 0, unit);
   const SketchBox after = entityViewBounds(*now, 0, unit);
   return {after.minX - before.minX, before.minY - after.minY};
 }
@@ -111,31 +110,22 @@ void CanvasWidget::setThemePalette(const ThemePalette& palette) {
 // selected than before: a draft changes with each move of the pointer.
 bool CanvasWidget::takeDragged() {
   const SelectDrag* drag = board_.selectDrag();
-  if (drag == nullptr) return std::exchange(draggedIDs_, nullptr) != nullptr;
-  std::unordered_set<UUID> ids = draggedIDs(drag->state);
-  if (ids.empty()) return std::exchange(draggedIDs_, nullptr) != nullptr;
-  if (draggedIDs_ && *draggedIDs_ == ids) return false;
-  draggedIDs_ = std::make_shared<const std::unordered_set<UUID>>(std::move(ids));
+  EntitySet ids = drag != nullptr ? draggedIDs(drag->state) : EntitySet();
+  if (draggedIDs_ == ids) return false;
+  draggedIDs_ = std::move(ids);
   return true;
 }
 
 bool CanvasWidget::takeSelected() {
-  const std::unordered_set<UUID>& ids = board_.sketch().selection->ids;
-  if (*selected_ == ids) return false;
-  selected_ = std::make_shared<const std::unordered_set<UUID>>(ids);
-  selectedIDs_ = ids.size() > kMostLiveEntities ? selected_ : nullptr;
+  const EntitySet& ids = board_.sketch().selection->ids;
+  if (selected_ == ids) return false;
+  selected_ = ids;
   return true;
 }
 
 void CanvasWidget::leaveOut() {
-  const IDs differing = difference_ ? difference_->layers->ids : nullptr;
-  if (!differing || !draggedIDs_) {
-    leftOutIDs_ = differing ? differing : draggedIDs_;
-    return;
-  }
-  auto both = std::make_shared<std::unordered_set<UUID>>(*differing);
-  both->insert(draggedIDs_->begin(), draggedIDs_->end());
-  leftOutIDs_ = std::move(both);
+  leftOutIDs_ = draggedIDs_;
+  if (difference_) leftOutIDs_.merge(difference_->layers->ids);
 }
 
 void CanvasWidget::setDifference(std::optional<CanvasDifference> difference) {
@@ -303,6 +293,7 @@ void CanvasWidget::updatePictures(EntityPicture::Deadline deadline) {
   PictureView ofEntities = now;
   if (difference_) ofEntities.palette = fadedPalette(palette_);
   const DrawingLook& look = look_.now();
+  leftOutIDs_.follow(board_.sketch().entities());
   bool isDone =
       entities_.update(ofEntities, {board_.sketch().entities(), systems, leftOutIDs_, look}, index, deadline);
   isDone &= updateDifference(now, deadline);
@@ -311,14 +302,16 @@ void CanvasWidget::updatePictures(EntityPicture::Deadline deadline) {
   // the drag, and moved. Its walls are joined again once they are put down.
   const DrawingLook apart{look.plan, {}};
   const EntityList* start = board_.sketch().dragStart();
-  const EntityList& atRest = draggedIDs_ && start != nullptr ? *start : board_.sketch().entities();
-  if (draggedIDs_ && draggedIDs_->size() > kMostLiveEntities) {
+  const EntityList& atRest = !draggedIDs_.empty() && start != nullptr ? *start : board_.sketch().entities();
+  if (draggedIDs_.size() > kMostLiveEntities) {
     isDone &= dragged_.update(now, {atRest, systems, draggedIDs_, apart}, index, deadline);
   } else {
     dragged_.clear();
   }
-  if (selectedIDs_) {
-    isDone &= selection_.update(now, {atRest, systems, selectedIDs_, {}}, index, deadline);
+  if (isSelectionPicture()) {
+    // Of a group that is dragged the positions at rest are known.
+    const EntitySet& shown = draggedIDs_.empty() ? board_.sketch().selection->ids : draggedIDs_;
+    isDone &= selection_.update(now, {atRest, systems, shown, {}}, index, deadline);
   } else {
     selection_.clear();
   }
@@ -336,7 +329,7 @@ bool CanvasWidget::updateDifference(const PictureView& now, EntityPicture::Deadl
   const EntityIndex none;  // a layer has none of its own
   for (const DifferenceLayer layer : kDifferenceLayers) {
     const DifferenceLayers& layers = *difference_->layers;
-    const PictureContent content{layers.of(layer), layers.systemsOf(layer), nullptr, {}};
+    const PictureContent content{layers.of(layer), layers.systemsOf(layer), {}, {}};
     isDone &= layers_[static_cast<std::size_t>(layer)].update(now, content, none, deadline);
   }
   updateClouds(now);
@@ -376,6 +369,8 @@ void CanvasWidget::paintEvent(QPaintEvent* event) {
   paintLive(painter, view());
 }
 
+bool CanvasWidget::isSelectionPicture() const { return selected_.size() > kMostLiveEntities; }
+
 QRegion CanvasWidget::overlayRegion() const {
   const PictureView now = view();
   const CanvasFrame frame{now.transform, now.palette};
@@ -383,7 +378,7 @@ QRegion CanvasWidget::overlayRegion() const {
   for (const CanvasLayer layer : kAllCanvasLayers) {
     const bool isPicture = layer == CanvasLayer::grid || layer == CanvasLayer::entities ||
                            layer == CanvasLayer::openings ||
-                           (layer == CanvasLayer::selection && selectedIDs_);
+                           (layer == CanvasLayer::selection && isSelectionPicture());
     if (!isPicture) paintLayer(region, layer, board_, frame);
   }
   return region.within(rect());
@@ -423,17 +418,17 @@ void CanvasWidget::paintLive(QPainter& painter, const PictureView& now) {
   if (difference_) paintDifference(painter, now);
 
   PictureView moved = now;
-  if (const SelectDrag* drag = board_.selectDrag(); drag != nullptr && draggedIDs_) {
+  if (const SelectDrag* drag = board_.selectDrag(); drag != nullptr && !draggedIDs_.empty()) {
     if (const auto* multi = std::get_if<MultiBodyDrag>(&drag->state)) {
       const SketchPoint movement = dragMovement(*multi, board_) * now.transform.viewport.scale;
       moved.transform.viewport.pan = moved.transform.viewport.pan + SketchPoint{movement.x, -movement.y};
     }
-    if (draggedIDs_->size() > kMostLiveEntities) {
+    if (draggedIDs_.size() > kMostLiveEntities) {
       dragged_.paint(painter, moved);
     } else {
       EntityLayerPainter layer(frame, board_.sketch().drawing->wallSystemSpecs, look_.now());
       const auto visit = [this](const auto& paint) {
-        for (const UUID& id : *draggedIDs_) {
+        for (const UUID& id : draggedIDs_) {
           if (const SketchEntity* entity = board_.sketch().entity(id)) paint(*entity);
         }
       };
@@ -446,7 +441,7 @@ void CanvasWidget::paintLive(QPainter& painter, const PictureView& now) {
   }
   paintOpeningsOver(painter, frame);
   paintLayer(canvas, CanvasLayer::hover, board_, frame);
-  if (selectedIDs_) {
+  if (isSelectionPicture()) {
     selection_.paint(painter, moved);
   } else {
     paintLayer(canvas, CanvasLayer::selection, board_, frame);

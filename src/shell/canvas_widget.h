@@ -13,7 +13,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <unordered_set>
 #include <utility>
 
 #include "core/observable.h"
@@ -77,8 +76,6 @@ class CanvasWidget : public QWidget {
   void contextMenuEvent(QContextMenuEvent* event) override;
 
  private:
-  using IDs = std::shared_ptr<const std::unordered_set<UUID>>;
-
   PictureView view() const;
   /// To be called from any thread.
   std::function<void()> repaintLater();
@@ -86,6 +83,8 @@ class CanvasWidget : public QWidget {
   /// Follow the drag and the selection. True when other entities are dragged or selected than before.
   bool takeDragged();
   bool takeSelected();
+  /// The selection is too large to be painted live.
+  bool isSelectionPicture() const;
   void updateCursor();
 
   /// Brings the pictures up to the state, as far as that can be done within the time of a frame.
@@ -117,10 +116,9 @@ class CanvasWidget : public QWidget {
   EntityPicture entities_;
   EntityPicture dragged_;
   EntityPicture selection_;
-  IDs selected_ = std::make_shared<const std::unordered_set<UUID>>();
-  IDs draggedIDs_;   // null while nothing is dragged
-  IDs leftOutIDs_;   // null while the picture of the entities has them all
-  IDs selectedIDs_;  // null while the selection is small enough to be painted live
+  EntitySet selected_;
+  EntitySet draggedIDs_;
+  EntitySet leftOutIDs_;  // what the picture of the entities leaves out
   std::optional<CanvasDifference> difference_;
   std::array<EntityPicture, kDifferenceLayers.size()> layers_;
   QImage clouds_;

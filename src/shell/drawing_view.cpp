@@ -127,7 +127,7 @@ void DrawingView::paintEvent(QPaintEvent* /*event*/) {
     frame.gridPixelRatio = view.pixelRatio;
     paintGrid(canvas, frame);
   }
-  picture_.update(view, {drawing_->entities, drawing_->wallSystemSpecs, nullptr, look_}, index_,
+  picture_.update(view, {drawing_->entities, drawing_->wallSystemSpecs, {}, look_}, index_,
                   std::chrono::steady_clock::now() + kSlice);
   picture_.paint(painter, view);
 }

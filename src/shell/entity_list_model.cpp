@@ -54,7 +54,9 @@ const UUID& EntityListModel::entityAt(int row) const {
 bool EntityListModel::isSelected(int row) const {
   const ListedRows::Row place = placeOf(row);
   if (place.item != nullptr) return sketch_.selection->planItem == planItemID(*place.item);
-  return sketch_.selection->contains(entityID(rows_.entities()[place.position]));
+  const EntitySet& selected = sketch_.selection->ids;
+  return selected.isOver(rows_.entities()) ? selected.containsAt(place.position)
+                                           : selected.contains(entityID(rows_.entities()[place.position]));
 }
 
 int EntityListModel::selectedRow() const {

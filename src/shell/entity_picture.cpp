@@ -86,10 +86,15 @@ std::optional<DifferenceLayer> layerOf(EntityPicture::Kind kind) {
   return std::nullopt;
 }
 
-bool isShown(EntityPicture::Kind kind, const PictureContent& content, const UUID& id) {
-  if (layerOf(kind)) return true;
-  const bool named = content.ids && !content.ids->empty() && content.ids->contains(id);
-  return named == (kind != EntityPicture::Kind::entitiesWithout);
+bool isShown(EntityPicture::Kind kind, bool isNamed) {
+  return layerOf(kind) || isNamed == (kind != EntityPicture::Kind::entitiesWithout);
+}
+
+/// Whether the entity at this position of the content is one of those that it names.
+bool isNamed(const PictureContent& content, const SketchEntity& entity, std::size_t position) {
+  const EntitySet& ids = content.ids;
+  if (ids.empty()) return false;
+  return ids.isOver(content.entities) ? ids.containsAt(position) : ids.contains(entityID(entity));
 }
 
 /// A box that holds whatever could leave a stroke in this part of the view, sketch units. Walls are
@@ -124,13 +129,13 @@ class Brush {
 
   /// The joined walls come first, all of them: where there are any, whatever is painted is taken in before.
   bool hasJoinedWalls() const { return layer_.hasJoinedWalls(); }
-  void takeIn(const SketchEntity& entity) {
-    if (isShown(kind_, content_, entityID(entity))) layer_.takeIn(painter_, entity);
+  void takeIn(const SketchEntity& entity, std::size_t position) {
+    if (isShown(kind_, isNamed(content_, entity, position))) layer_.takeIn(painter_, entity);
   }
   void paintJoinedWalls() { layer_.paintJoinedWalls(painter_); }
 
-  void paint(const SketchEntity& entity) {
-    if (!isShown(kind_, content_, entityID(entity))) return;
+  void paint(const SketchEntity& entity, std::size_t position) {
+    if (!isShown(kind_, isNamed(content_, entity, position))) return;
     if (difference_) {
       difference_->paint(painter_, entity);
     } else if (kind_ == EntityPicture::Kind::selection) {
@@ -282,17 +287,21 @@ class EntityPicture::Job {
     for (const QRect& rect : rects) parts.emplace_back(kind_, pixels, picture_, rect);
     if (parts.empty()) return;
     if (parts.front().brush.hasJoinedWalls()) {
-      visitParts(parts, [](Part& part, const SketchEntity& entity) { part.brush.takeIn(entity); });
+      visitParts(parts, [](Part& part, const SketchEntity& entity, std::size_t at) {
+        part.brush.takeIn(entity, at);
+      });
       for (Part& part : parts) {
         if (!isCancelled_) part.brush.paintJoinedWalls();
       }
     }
-    visitParts(parts, [](Part& part, const SketchEntity& entity) { part.brush.paint(entity); });
+    visitParts(parts,
+               [](Part& part, const SketchEntity& entity, std::size_t at) { part.brush.paint(entity, at); });
   }
 
   template <class Visit>
   void visitParts(std::deque<Part>& parts, const Visit& visit) {
     int untilLook = kEntitiesPerLook;
+    std::size_t position = 0;
     for (const SketchEntity& entity : picture_.content.entities) {
       if (--untilLook == 0) {
         if (isCancelled_) return;
@@ -300,8 +309,9 @@ class EntityPicture::Job {
       }
       const SketchBox bounds = entityBounds(entity);
       for (Part& part : parts) {
-        if (mayTouch(bounds, part.reach)) visit(part, entity);
+        if (mayTouch(bounds, part.reach)) visit(part, entity, position);
       }
+      ++position;
     }
   }
 
@@ -389,19 +399,28 @@ void EntityPicture::markEdits(const PictureContent& content, const EntityIndex& 
   Picture& picture = *picture_;
   const bool sameIDs = picture.content.ids == content.ids;
   if (sameIDs && picture.content.entities.sharesAllStorage(content.entities)) return;
-  // Another document has come: there is no use in comparing entity by entity.
-  if (content.entities.size() > kLittle && picture.content.entities.commonStart(content.entities) == 0 &&
-      picture.content.entities.commonEnd(content.entities) == 0) {
+  // Another document has come, or another large group: there is no use in comparing entity by entity.
+  const bool isOther = content.entities.size() > kLittle &&
+                       picture.content.entities.commonStart(content.entities) == 0 &&
+                       picture.content.entities.commonEnd(content.entities) == 0;
+  if (isOther || (!sameIDs && std::max(picture.content.ids.size(), content.ids.size()) > kMostEditsInPlace)) {
     picture.stale = picture.image.rect();
     picture.content = content;
     return;
   }
 
   // What is dragged is shown neither before nor after, so its edits cost nothing here.
+  const auto isAmong = [&](const EntitySet& ids, const UUID& id) {
+    if (ids.empty()) return false;
+    if (!ids.isOver(index.list())) return ids.contains(id);
+    const auto position = index.positionOf(id);
+    return position && ids.containsAt(*position);
+  };
   std::vector<const SketchEntity*> touched;
   const auto touch = [&](const SketchEntity& entity) {
     const UUID& id = entityID(entity);
-    if (isShown(kind_, picture.content, id) || isShown(kind_, content, id)) touched.push_back(&entity);
+    const bool isNow = isShown(kind_, isAmong(content.ids, id));
+    if (isNow || (!sameIDs && isShown(kind_, isAmong(picture.content.ids, id)))) touched.push_back(&entity);
   };
   const auto edits = EntityList::difference(picture.content.entities, content.entities);
   for (const auto& entity : edits.removed) touch(entity);
@@ -414,11 +433,11 @@ void EntityPicture::markEdits(const PictureContent& content, const EntityIndex& 
   // not know the list, everything counts as changed.
   bool isEverything = touched.size() > kMostEditsInPlace;
   const auto touchNamed = [&](const PictureContent& named, const PictureContent& other) {
-    if (!named.ids || isEverything) return;
-    isEverything = named.ids->size() > kMostEditsInPlace || !index.list().sharesAllStorage(content.entities);
+    if (named.ids.empty() || isEverything) return;
+    isEverything = !index.list().sharesAllStorage(content.entities);
     if (isEverything) return;
-    for (const UUID& id : *named.ids) {
-      if (other.ids && other.ids->contains(id)) continue;
+    for (const UUID& id : named.ids) {
+      if (other.ids.contains(id)) continue;
       if (const SketchEntity* entity = index.find(id)) touched.push_back(entity);
     }
   };
@@ -471,16 +490,17 @@ bool EntityPicture::paintLittle(Picture& picture, const EntityIndex& index, Dead
           isShort ? decltype(index.inListOrder(candidates))() : index.inListOrder(candidates);
       const auto visit = [&](const auto& paint) {
         if (isShort) {
-          for (const SketchEntity& entity : entities) paint(entity);
+          std::size_t position = 0;
+          for (const SketchEntity& entity : entities) paint(entity, position++);
         } else {
-          for (const auto& [position, entity] : ordered) paint(*entity);
+          for (const auto& [position, entity] : ordered) paint(*entity, position);
         }
       };
       if (brush.hasJoinedWalls()) {
-        visit([&brush](const SketchEntity& entity) { brush.takeIn(entity); });
+        visit([&brush](const SketchEntity& entity, std::size_t at) { brush.takeIn(entity, at); });
         brush.paintJoinedWalls();
       }
-      visit([&brush](const SketchEntity& entity) { brush.paint(entity); });
+      visit([&brush](const SketchEntity& entity, std::size_t at) { brush.paint(entity, at); });
       picture.stale -= tile;
     }
   }

@@ -15,11 +15,11 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <unordered_set>
 #include <vector>
 
 #include "core/entity_index.h"
 #include "core/entity_list.h"
+#include "core/entity_set.h"
 #include "core/wall_system.h"
 #include "interaction/canvas_frame.h"
 #include "interaction/drawing_look.h"
@@ -34,12 +34,11 @@ struct PictureView {
   friend bool operator==(const PictureView&, const PictureView&) = default;
 };
 
-/// What a picture shows. Copies are cheap; a set of identifiers is the same only when it is the same
-/// object.
+/// What a picture shows. Copies are cheap.
 struct PictureContent {
   EntityList entities;
   std::vector<WallSystemSpec> systems;
-  std::shared_ptr<const std::unordered_set<UUID>> ids;
+  EntitySet ids;
   DrawingLook look;  ///< of the selection's picture: none
 };
 

@@ -409,10 +409,9 @@ void InspectorWindow::placeClear() {
     const SketchPoint low = inSketch(box.bottomLeft());
     const SketchPoint high = inSketch(box.topRight());
     std::size_t hidden = box.contains(QCursor::pos()) ? 1 : 0;
-    for (const UUID& id : workspace_.sketch.selection->ids) {
-      const SketchEntity* entity = workspace_.sketch.entity(id);
-      if (entity != nullptr && entityIntersectsRect(*entity, {low.x, low.y, high.x, high.y})) ++hidden;
-    }
+    workspace_.sketch.visitSelected([&](const SketchEntity& entity) {
+      if (entityIntersectsRect(entity, {low.x, low.y, high.x, high.y})) ++hidden;
+    });
     if (!best || hidden < leastHidden) {
       best = place;
       leastHidden = hidden;

@@ -1,8 +1,14 @@
 #include "shell/qt_scheduler.h"
 
+#include <QCoreApplication>
+#include <QEvent>
+#include <QEventLoop>
+#include <QPointer>
 #include <QTimer>
 #include <algorithm>
+#include <exception>
 #include <limits>
+#include <thread>
 #include <utility>
 
 namespace ostrelon {
@@ -15,6 +21,29 @@ int timerInterval(Seconds delay) {
   return static_cast<int>(
       std::clamp(milliseconds, 0.0, static_cast<double>(std::numeric_limits<int>::max())));
 }
+
+/// As long as it lives, windows that are asked to close are asked again afterwards.
+class ClosingWaits final : public QObject {
+ public:
+  ClosingWaits() { QCoreApplication::instance()->installEventFilter(this); }
+  ~ClosingWaits() override {
+    for (const QPointer<QObject>& window : asked_) {
+      if (window == nullptr) continue;
+      QMetaObject::invokeMethod(
+          window.data(), [window] { QMetaObject::invokeMethod(window.data(), "close"); },
+          Qt::QueuedConnection);
+    }
+  }
+  bool eventFilter(QObject* object, QEvent* event) override {
+    if (event->type() != QEvent::Close) return false;
+    event->ignore();
+    asked_.emplace_back(object);
+    return true;
+  }
+
+ private:
+  std::vector<QPointer<QObject>> asked_;
+};
 
 }  // namespace
 
@@ -31,9 +60,12 @@ Date QtScheduler::now() const {
 
 ScheduledTask QtScheduler::after(Seconds delay, std::function<void()> work) {
   auto cancelled = std::make_shared<bool>(false);
-  QTimer::singleShot(timerInterval(delay), Qt::PreciseTimer, &context_, [cancelled, work = std::move(work)] {
-    if (!*cancelled) work();
-  });
+  QTimer::singleShot(timerInterval(delay), Qt::PreciseTimer, &context_,
+                     [this, cancelled, work = std::move(work)] {
+                       callWhenFree([cancelled, work] {
+                         if (!*cancelled) work();
+                       });
+                     });
   return ScheduledTask(std::move(cancelled));
 }
 
@@ -41,7 +73,8 @@ ScheduledTask QtScheduler::every(Seconds period, std::function<void()> work) {
   auto cancelled = std::make_shared<bool>(false);
   auto* timer = new QTimer(&context_);
   timer->setTimerType(Qt::PreciseTimer);
-  QObject::connect(timer, &QTimer::timeout, timer, [timer, cancelled, work = std::move(work)] {
+  QObject::connect(timer, &QTimer::timeout, timer, [this, timer, cancelled, work = std::move(work)] {
+    if (isRunning_) return;  // its next turn comes soon enough
     if (!*cancelled) work();
     if (*cancelled) {
       timer->stop();
@@ -59,12 +92,50 @@ ScheduledTask QtScheduler::inBackground(std::function<void()> work, std::functio
     // The functions may hold what belongs to the main thread, so they are released there.
     QMetaObject::invokeMethod(
         &context_,
-        [cancelled = std::move(cancelled), work = std::move(work), finish = std::move(finish)] {
-          if (!*cancelled) finish();
+        [this, cancelled = std::move(cancelled), work = std::move(work),
+         finish = std::move(finish)]() mutable {
+          callWhenFree(
+              [cancelled = std::move(cancelled), work = std::move(work), finish = std::move(finish)] {
+                if (!*cancelled) finish();
+              });
         },
         Qt::QueuedConnection);
   });
   return ScheduledTask(std::move(cancelled));
+}
+
+void QtScheduler::callWhenFree(std::function<void()> call) {
+  if (isRunning_) {
+    waiting_.push_back(std::move(call));
+  } else {
+    call();
+  }
+}
+
+void QtScheduler::run(const std::function<void()>& work) {
+  if (isRunning_) {
+    work();
+    return;
+  }
+  isRunning_ = true;
+  ClosingWaits closing;
+  std::exception_ptr failure;
+  QEventLoop loop;
+  std::thread worker([&] {
+    try {
+      work();
+    } catch (...) {
+      failure = std::current_exception();
+    }
+    QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+  });
+  loop.exec(QEventLoop::ExcludeUserInputEvents | QEventLoop::ExcludeSocketNotifiers);
+  worker.join();
+  isRunning_ = false;
+  for (auto& call : std::exchange(waiting_, {})) {
+    QMetaObject::invokeMethod(&context_, std::move(call), Qt::QueuedConnection);
+  }
+  if (failure) std::rethrow_exception(failure);
 }
 
 }  // namespace ostrelon

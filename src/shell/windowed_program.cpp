@@ -172,6 +172,8 @@ int runWithWindows(int& argc, char** argv, const WindowStart& start) {
                            .asksInWindow = true,
                            .opensInBackground = true,
                            .stateFolder = paths.stateFolder});
+  application.workspace().sketch.setWorkRunner(
+      [&scheduler](const std::function<void()>& work) { scheduler.run(work); });
   // The desktop's scheme is read before the program sets its own colours.
   const ColorSchemeWatcher colorScheme(
       [&application](ColorScheme scheme) { application.settings().updateColorScheme(scheme); });
