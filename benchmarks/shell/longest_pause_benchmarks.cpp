@@ -8,7 +8,9 @@
 
 #include <QAbstractEventDispatcher>
 #include <QMouseEvent>
+#include <QScrollBar>
 #include <QTimer>
+#include <QWheelEvent>
 #include <algorithm>
 #include <atomic>
 #include <filesystem>
@@ -29,8 +31,12 @@
 #include "platform/dialogs.h"
 #include "platform/disk_file_system.h"
 #include "platform/user_defaults.h"
+#include "shell/comparison_panel.h"
 #include "shell/drawing_export.h"
+#include "shell/history_list.h"
+#include "shell/history_window.h"
 #include "shell/main_window.h"
+#include "shell/merge_panel.h"
 #include "shell/print_window.h"
 #include "shell/qt_scheduler.h"
 #include "updates/served_update_client.h"
@@ -189,6 +195,8 @@ class LiveWindow {
                            .stateFolder = home / "state"}};
   Workspace& workspace = application.workspace();
   MainWindow window{application, theme()};
+  ComparisonPresenter comparisons{application, theme(), window};
+  MergePresenter merges{application, theme(), window};
   std::function<bool()> isUnderWay = [] { return false; };
 
   Clock::time_point lastBusy() const { return lastBusy_; }
@@ -265,6 +273,29 @@ void undone(LiveWindow& on) {
 void copyEverything(LiveWindow& on) {
   selectEverything(on);
   copySelection(on.sketch());
+}
+
+/// The plan in a file, and a thousand of its entities made lines of another length since.
+void saveAndReshapeThousand(LiveWindow& on) {
+  on.saveAs("plan.ostrel");
+  std::vector<std::size_t> places;
+  std::vector<SketchEntity> lines;
+  const EntityList& all = on.sketch().entities();
+  for (std::size_t i = 0; i < 1000; ++i) {
+    const std::size_t at = i * (all.size() / 1000);
+    const SketchPoint from = planPlace(at, all.size());
+    places.push_back(at);
+    lines.emplace_back(LineEntity{entityID(all[at]), from, from + SketchPoint{3, 9}});
+  }
+  on.sketch().edit([&](Drawing& drawing) { drawing.entities.replaceAll(places, lines); });
+}
+void compareWithFile(LiveWindow& on) { on.application.comparison().beginWithFile(on.file("plan.ostrel")); }
+void comparing(LiveWindow& on) {
+  saveAndReshapeThousand(on);
+  on.run([&] { compareWithFile(on); });
+}
+void mergeFile(LiveWindow& on) {
+  on.application.mergeReview().begin(fileDrawingSource(on.files, on.file("plan.ostrel")));
 }
 
 void sizes(benchmark::internal::Benchmark* benchmark) {
@@ -349,12 +380,39 @@ const std::vector<Operation> kOperations{
        on.console("branch create other");
      },
      [](LiveWindow& on) { on.application.switchBranch("other"); }},
-    {"compare",
+    {"compare", saveAndReshapeThousand, compareWithFile},
+    {"compareNext", comparing, [](LiveWindow& on) { on.application.comparison().next(); }},
+    {"compareEdit", comparing,
      [](LiveWindow& on) {
-       on.saveAs("plan.ostrel");
-       for (int i = 0; i < 20; ++i) addLine(on.sketch(), {0, 0}, {5.0 * i, 5});
+       addLine(on.sketch(), {0, 0}, {5, 5});
+     }},
+    {"compareTake",
+     [](LiveWindow& on) {
+       comparing(on);
+       on.run([&] { on.application.comparison().next(); });
      },
-     [](LiveWindow& on) { on.application.comparison().beginWithFile(on.file("plan.ostrel")); }},
+     [](LiveWindow& on) { on.application.comparison().takeThis(); }},
+    {"compareFilter", comparing,
+     [](LiveWindow& on) {
+       ComparisonFilter filter;
+       filter.entityKind = 0;
+       on.application.comparison().setFilter(filter);
+     }},
+    {"compareEnd", comparing, [](LiveWindow& on) { on.application.comparison().end(); }},
+    {"merge", saveAndReshapeThousand, mergeFile},
+    {"mergeChooseAll",
+     [](LiveWindow& on) {
+       saveAndReshapeThousand(on);
+       on.run([&] { mergeFile(on); });
+     },
+     [](LiveWindow& on) { on.application.mergeReview().chooseAll(MergeChoice::theirs); }},
+    {"mergeTake",
+     [](LiveWindow& on) {
+       saveAndReshapeThousand(on);
+       on.run([&] { mergeFile(on); });
+       on.run([&] { on.application.mergeReview().chooseAll(MergeChoice::theirs); });
+     },
+     [](LiveWindow& on) { on.application.mergeReview().take(); }},
     {"exportPdf", nothing, exportAs<0>},
     {"exportDxf", nothing, exportAs<1>},
     {"exportPng", nothing, exportAs<2>},
@@ -385,6 +443,46 @@ const bool areRegistered = [] {
   }
   return true;
 }();
+
+// The list of the History window, a notch of the wheel a frame, through a thousand checkpoints of a small
+// drawing whose pictures are made meanwhile.
+void BM_HistoryScroll(benchmark::State& state) {
+  startWithoutDisplay();
+  LiveWindow on;
+  on.show(plan(100));
+  on.saveAs("plan.ostrel");
+  for (int i = 0; i < 1000; ++i) {
+    addLine(on.sketch(), {0, 0}, {5.0 * i, 5});
+    on.workspace.document.saveCheckpoint("number " + std::to_string(i));
+  }
+  HistoryWindow history(on.application, theme(), &on.window);
+  history.open();
+  on.settle();
+  auto* list = history.findChild<HistoryList*>("history.list");
+  const QPointF middle = QRectF(list->viewport()->rect()).center();
+  std::vector<double> elapsed;
+  std::vector<double> atWork;
+  on.pauses.forget();
+  for (auto _ : state) {
+    const auto start = Clock::now();
+    const double startWork = threadTime();
+    QWheelEvent event(middle, list->viewport()->mapToGlobal(middle), {}, {0, -120}, Qt::NoButton, {},
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(list->viewport(), &event);
+    QApplication::processEvents();
+    elapsed.push_back(millisecondsSince(start));
+    atWork.push_back(threadTime() - startWork);
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  on.settle();
+  for (auto* times : {&elapsed, &atWork}) std::sort(times->begin(), times->end());
+  state.counters["p95_ms"] = elapsed[elapsed.size() * 95 / 100];
+  state.counters["worst_ms"] = elapsed.back();
+  state.counters["cpu_p95_ms"] = atWork[atWork.size() * 95 / 100];
+  state.counters["cpu_worst_ms"] = atWork.back();
+  state.counters["scrolled_px"] = list->verticalScrollBar()->value();
+}
+BENCHMARK(BM_HistoryScroll)->Unit(benchmark::kMillisecond)->Iterations(900);
 
 }  // namespace
 }  // namespace ostrelon

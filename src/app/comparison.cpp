@@ -238,6 +238,7 @@ void Comparison::finish(Job& job) {
     documentNumber_ = workspace_.documentsOpened();
     ComparisonState begun;
     begun.name = job.source->name;
+    begun.title = job.source->title;
     begun.compared = job.result;
     state = std::move(begun);
   } else {

@@ -24,6 +24,7 @@ namespace ostrelon {
 
 struct ComparisonState {
   std::string name;                                  ///< of the other drawing: "branch main", "the last save"
+  std::string title;                                 ///< the same as windows call it
   std::shared_ptr<const ComparedDrawings> compared;  ///< as it was worked out last; never null
   ComparisonFilter filter;
   std::optional<std::size_t> current;  ///< the row that is looked at

@@ -59,7 +59,7 @@ void DocumentSession::adopt(OpenedDocument document) {
   name = std::move(document.name);
   unrecordedMerges_.clear();
   EntityList& entities = document.drawing.entities;
-  if (!document.mergedCheckpointIDs.empty()) entities = EntityList::fromChunks(entities.chunks());
+  if (!document.mergedCheckpointIDs.empty()) entities = EntityList::fromChunks(entities.chunks(), entities);
   for (std::string& id : document.mergedCheckpointIDs) unrecordedMerges_.push_back({std::move(id), entities});
   hasToldDistance_ = false;
   toldMerged_ = 0;

@@ -148,7 +148,7 @@ void DocumentSession::writeSwitched(const FilePath& url, const OpenedDocument& n
 void DocumentSession::takeMerged(const Drawing& merged, const std::optional<std::string>& checkpointID) {
   const auto scope = change();
   Drawing taken = merged;
-  taken.entities = EntityList::fromChunks(merged.entities.chunks());
+  taken.entities = EntityList::fromChunks(merged.entities.chunks(), merged.entities);
   if (checkpointID) unrecordedMerges_.push_back({*checkpointID, taken.entities});
   sketch_.edit([&](Drawing& drawing) { drawing = std::move(taken); });
   sketch_.keepSelectionOfEntities();

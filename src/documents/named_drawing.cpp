@@ -66,7 +66,9 @@ std::optional<DrawingSource> checkpointSource(const NamedPlaces& places, const s
     throw UserError(fmt::format("{} checkpoints begin with {}; give more of it.", found.size(), name));
   }
   if (found.empty()) return std::nullopt;
-  return sourceOf(places, found.front().checkpoint.id, found.front());
+  DrawingSource source = sourceOf(places, found.front().checkpoint.id, found.front());
+  source.title = "“" + found.front().checkpoint.message + "”";
+  return source;
 }
 
 // "kept 2", by its number among the kept drawings, the newest first, or by its identifier.
@@ -117,7 +119,7 @@ DrawingSource drawingSource(const DocumentSession& document, std::string_view na
 }
 
 NamedDrawing namedDrawing(const DrawingSource& source) {
-  return {source.name, source.read(), source.checkpointID};
+  return {source.name, source.read(), source.checkpointID, source.title};
 }
 
 NamedDrawing namedDrawing(const DocumentSession& document, std::string_view name) {

@@ -23,12 +23,14 @@ struct DrawingSource {
   std::optional<std::string> checkpointID;  ///< of a branch: its head
   bool isLarge = false;                     ///< reading it takes long enough to be noticed
   std::function<Drawing()> read;            ///< on any thread. Throws `UserError`
+  std::string title = name;                 ///< as windows call it: a checkpoint by its message
 };
 
 struct NamedDrawing {
   std::string name;  ///< as messages call it: "branch main", "cp-1f…", "Plan.ostrel"
   Drawing drawing;
   std::optional<std::string> checkpointID;  ///< of a branch: its head
+  std::string title = name;                 ///< as windows call it: a checkpoint by its message
 };
 
 /// Where names lead to from a document. Values, so that drawings can be read away from the main thread.

@@ -315,6 +315,8 @@ ComparisonPanel::ComparisonPanel(Comparison& comparison, Theme& theme, QWidget* 
   refresh();
 }
 
+QAbstractItemView& ComparisonPanel::list() { return *list_; }
+
 void ComparisonPanel::applyFilter() {
   ComparisonFilter filter;
   const int kind = kinds_->currentIndex();
@@ -335,7 +337,7 @@ void ComparisonPanel::refresh() {
     model_->setCurrent(std::nullopt);
     model_->show(*shown_);
     list_->verticalScrollBar()->setValue(scrolled);
-    title_->setText(QStringLiteral("With ") + qtText(state.name));
+    title_->setText(QStringLiteral("With ") + qtText(state.title));
     counts_->setText(qtText(differenceCounts(shown_->difference)));
     emptyText_->setText(shown_->difference.empty() ? QStringLiteral("The two drawings are the same.")
                                                    : QStringLiteral("The filter lets nothing through."));

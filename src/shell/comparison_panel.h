@@ -68,6 +68,7 @@ class ComparisonPanel final : public ReviewPanel {
 
  public:
   ComparisonPanel(Comparison& comparison, Theme& theme, QWidget* parent = nullptr);
+  QAbstractItemView& list() override;
 
  protected:
   void place() override;

@@ -186,11 +186,17 @@ void MainWindow::setReviewPanel(ReviewPanel* panel) {
   wallSystems_->setVisible(review_ == nullptr);
   if (review_ != nullptr) {
     review_->setParent(this);
-    connect(review_, &ReviewPanel::unfoldRequested, this, [this] { unfold(review_); });
+    connect(review_, &ReviewPanel::unfoldRequested, this, &MainWindow::unfoldReviewPanel);
     review_->show();
   }
   if (hadFocus) console_->input()->setFocus(Qt::OtherFocusReason);
   place();
+}
+
+void MainWindow::unfoldReviewPanel() {
+  if (review_ == nullptr) return;
+  unfold(review_);
+  review_->list().setFocus(Qt::OtherFocusReason);
 }
 
 void MainWindow::unfold(QWidget* panel) {

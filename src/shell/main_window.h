@@ -34,6 +34,8 @@ class MainWindow final : public QWidget {
   /// brings the wall systems back.
   void setReviewPanel(ReviewPanel* panel);
   ReviewPanel* reviewPanel() { return review_; }
+  /// Shows it whole where it has folded to its rail, and gives its list the focus.
+  void unfoldReviewPanel();
 
   /// The size and place of the window and its panels, as the last run left them.
   void restoreLayout();

@@ -14,7 +14,8 @@ constexpr int kEdge = 16;
 constexpr int kButtonGap = 8;
 
 QString counted(std::size_t count, const char* one, const char* many) {
-  return QStringLiteral("%1 %2").arg(count).arg(QString::fromUtf8(count == 1 ? one : many));
+  const QString number = count == 0 ? QStringLiteral("No") : QString::number(count);
+  return number + u' ' + QString::fromUtf8(count == 1 ? one : many);
 }
 
 struct AllText {
@@ -109,7 +110,7 @@ void MergePanel::refresh() {
   const MergeProposal& proposal = **review_.proposal;
   const std::size_t conflicts = proposal.merge.conflicts.size();
   const std::size_t undecided = review_.undecided();
-  name_->setText(qtText(proposal.theirs.name));
+  name_->setText(qtText(proposal.theirs.title));
   summary_->setText(counted(conflicts, "conflict", "conflicts") + QStringLiteral(" · ") +
                     counted(proposal.incoming.count(), "change comes in", "changes come in"));
   model_->show(review_);
@@ -156,7 +157,8 @@ void MergePresenter::refresh() {
     connect(panel_->list().selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this] { showOnCanvas(); });
     window_.setReviewPanel(panel_);
-    panel_->list().setFocus(Qt::OtherFocusReason);
+    // There is something to decide.
+    window_.unfoldReviewPanel();
   }
   showOnCanvas();
 }

@@ -19,7 +19,7 @@ class MergePanel final : public ReviewPanel {
 
  public:
   MergePanel(Application& application, Theme& theme, QWidget* parent = nullptr);
-  MergeRowsView& list() { return *list_; }
+  MergeRowsView& list() override { return *list_; }
   const MergeListRow* currentRow() const;
 
  Q_SIGNALS:

@@ -7,6 +7,8 @@
 //   mainWindow.setReviewPanel(nullptr);  // and deletes it; the wall systems are back
 #pragma once
 
+#include <QAbstractItemView>
+
 #include "shell/controls.h"
 
 namespace ostrelon {
@@ -24,6 +26,8 @@ class ReviewPanel : public Panel {
   /// Folds to the rail, or back.
   void setRail(bool rail);
   bool isRail() const { return rail_; }
+  /// What is looked through.
+  virtual QAbstractItemView& list() = 0;
 
  Q_SIGNALS:
   /// The rail's button has been pressed.

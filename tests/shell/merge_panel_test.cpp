@@ -108,9 +108,13 @@ TEST_F(MergePanelTest, CancelLeavesTheDrawingAndManyConflictsKeepTheirPlace) {
   EXPECT_TRUE(panel().isRail());
   press(window, "merge.unfold");
   EXPECT_FALSE(panel().isRail());
+  EXPECT_TRUE(panel().list().hasFocus());
   press(window, "merge.cancel");
   EXPECT_EQ(window.reviewPanel(), nullptr);
   EXPECT_EQ(sketch.drawing.get(), before);
+  review.begin("option");
+  settle();
+  EXPECT_FALSE(panel().isRail()) << "there is something to decide";
 }
 
 }  // namespace
