@@ -62,7 +62,7 @@ TEST_F(TwoBranches, AreComparedMergedAndSwitchedBetween) {
   for (const char* line : {"select 1", "nudge 0 -6", "rect -20 10 8 8", "rect -20 30 8 8"}) console(line);
   ASSERT_NO_FATAL_FAILURE(checkpoint("ours", "main"));
   EXPECT_EQ(savedEntities(), 4U);
-  ASSERT_EQ(title(), "Untitled Project");
+  ASSERT_TRUE(eventually([&] { return title() == "Untitled Project"; })) << title();
 
   // The branch stands below the last save and main. N goes to the first difference, the wall,
   // which Take This takes; undo brings ours back while the comparison goes on, and Escape ends it.
