@@ -21,9 +21,6 @@ std::vector<InspectorMetricRow> openingMetricRows(const Workspace& workspace, co
   if (const auto wall = openingWall(sketch, opening.wallID)) {
     rows.push_back({"To the end", formatLength(wall->length() - opening.distance - opening.width)});
   }
-  if (const std::string misfit = planItemMisfit(sketch, opening); !misfit.empty()) {
-    rows.push_back({"Left out", misfit});
-  }
   return rows;
 }
 

@@ -13,7 +13,7 @@ namespace ostrelon {
 
 /// The selected opening; absent while none is.
 std::optional<Opening> inspectedOpening(const Workspace& workspace);
-/// Its wall, what is left to the wall's end, and why it does not fit where it does not.
+/// Its wall, and what is left to the wall's end.
 std::vector<InspectorMetricRow> openingMetricRows(const Workspace& workspace, const Opening& opening);
 /// "2 doors, 1 window"; empty for a wall without openings.
 std::string wallOpeningsText(const Workspace& workspace, const UUID& wallID);

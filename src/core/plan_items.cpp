@@ -51,17 +51,22 @@ std::string_view planItemTypeLabel(const PlanItem& item) {
   return std::visit(Overloaded{[](const Opening& opening) { return openingTypeLabel(opening.kind); }}, item);
 }
 
+std::string planItemTitle(const PlanItem& item) {
+  return std::visit(Overloaded{[](const Opening& opening) {
+                      return fmt::format("{} {} wide", openingTypeLabel(opening.kind),
+                                         formatLength(opening.width));
+                    }},
+                    item);
+}
+
 std::string planItemLabel(const Sketch& sketch, const PlanItem& item) {
-  return std::visit(
-      Overloaded{[&](const Opening& opening) {
-        std::string label =
-            fmt::format("{} {} wide", openingTypeLabel(opening.kind), formatLength(opening.width));
-        if (const auto position = sketch.positionOf(opening.wallID)) {
-          label += fmt::format(" in {} {}", entityTypeLabel(sketch.entities()[*position]), *position + 1);
-        }
-        return label;
-      }},
-      item);
+  return std::visit(Overloaded{[&](const Opening& opening) {
+                      const auto position = sketch.positionOf(opening.wallID);
+                      if (!position) return planItemTitle(opening);
+                      return fmt::format("{} in {} {}", planItemTitle(opening),
+                                         entityTypeLabel(sketch.entities()[*position]), *position + 1);
+                    }},
+                    item);
 }
 
 }  // namespace ostrelon

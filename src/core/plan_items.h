@@ -25,7 +25,9 @@ bool removePlanItem(Plan& plan, const UUID& id);
 
 /// "Door", "Window".
 std::string_view planItemTypeLabel(const PlanItem& item);
-/// As lists, the status badge and screen readers name it: `Door 3'-0" wide in Wall 2`.
+/// As a row beneath its wall names it: `Door 3'-0" wide`.
+std::string planItemTitle(const PlanItem& item);
+/// As the status badge and screen readers name it: `Door 3'-0" wide in Wall 2`.
 std::string planItemLabel(const Sketch& sketch, const PlanItem& item);
 
 }  // namespace ostrelon

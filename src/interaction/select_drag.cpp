@@ -70,6 +70,7 @@ bool Board::beginSelectDrag(SketchPoint press) {
 
   if (const auto item = pickPlanItem(sketch_, press, scale())) {
     sketch_.selectPlanItem(*item);
+    hover = Hover();  // its label would lie over the distances
     sketch_.beginDragStep();
     gesture = SelectDrag{PlanItemDrag{*selectedPlanItem(sketch_), press}, std::nullopt};
     return true;

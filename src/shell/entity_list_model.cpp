@@ -23,7 +23,10 @@ QVariant EntityListModel::data(const QModelIndex& index, int role) const {
   switch (role) {
     case Qt::DisplayRole:
     case Qt::AccessibleTextRole: {
-      if (place.item != nullptr) return qtText(planItemLabel(sketch_, *place.item));
+      if (place.item != nullptr) {
+        return qtText(role == Qt::DisplayRole ? planItemTitle(*place.item)
+                                              : planItemLabel(sketch_, *place.item));
+      }
       const SketchEntity& entity = rows_.entities()[place.position];
       QString words = qtText(
           entityLabel(entity, static_cast<int>(place.position) + 1, sketch_.drawing->wallSystemName(entity)));

@@ -72,7 +72,7 @@ const char* drawingOf(Icon icon) {
     case Icon::door:
       return R"(<path d="M3 19.5h3.5M18 19.5h3M6.5 19.5V8M6.5 8A11.5 11.5 0 0 1 18 19.5"/>)";
     case Icon::window:
-      return R"(<path d="M2.5 12h19M6 8.5h12v7H6ZM2.5 8.5H6M2.5 15.5H6M18 8.5h3.5M18 15.5h3.5"/>)";
+      return R"(<path d="M3 8h18v8H3ZM3 12h18"/>)";
     case Icon::opening:
       return R"(<path d="M2.5 8.5H7v7H2.5M21.5 8.5H17v7h4.5"/>)";
     case Icon::none:

@@ -37,6 +37,11 @@ OpeningPage::OpeningPage(Workspace& workspace, Theme& theme, QWidget* parent)
   titleRow->addWidget(name_, 1);
   column->addLayout(titleRow);
 
+  misfit_ = new TextLabel(theme_, TextStyle::small, TextLabel::Rank::primary, {}, this);
+  misfit_->setObjectName(QStringLiteral("inspector.opening.misfit"));
+  misfit_->setWordWrap(true);
+  column->addWidget(misfit_);
+
   metrics_ = new QGridLayout;
   metrics_->setHorizontalSpacing(8);
   metrics_->setVerticalSpacing(0);
@@ -153,6 +158,9 @@ void OpeningPage::showOpening(const Opening& opening) {
   shown_ = opening;
   icon_->setPixmap(iconPixmap(iconOf(opening), 18, theme_.foreground(), devicePixelRatioF()));
   name_->setText(qtText(openingTypeLabel(opening.kind)));
+  const std::string misfit = planItemMisfit(workspace_.sketch, opening);
+  misfit_->setText(qtText(misfit));
+  misfit_->setVisible(!misfit.empty());
   showMetricRows(openingMetricRows(workspace_, opening));
   kind_->setCurrentIndex(static_cast<int>(opening.kind));
   for (const FieldRow& row : fields_) {
@@ -174,11 +182,10 @@ void OpeningPage::showMetricRows(const std::vector<InspectorMetricRow>& rows) {
   while (metricRows_.size() < rows.size()) {
     const int row = static_cast<int>(metricRows_.size());
     auto* label = new TextLabel(theme_, TextStyle::small, TextLabel::Rank::secondary, {}, this);
-    auto* value = new TextLabel(theme_, TextStyle::small, TextLabel::Rank::primary, {}, this);
+    auto* value = new TextLabel(theme_, TextStyle::mono, TextLabel::Rank::primary, {}, this);
     value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    value->setWordWrap(true);
-    label->setFixedHeight(kRowHeight);
-    value->setMinimumHeight(kRowHeight);
+    value->setElision(Qt::ElideRight);
+    for (TextLabel* text : {label, value}) text->setFixedHeight(kRowHeight);
     metrics_->addWidget(label, row, 0);
     metrics_->addWidget(value, row, 1);
     metricRows_.emplace_back(label, value);

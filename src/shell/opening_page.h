@@ -46,6 +46,7 @@ class OpeningPage final : public QWidget {
   Theme& theme_;
   QLabel* icon_;
   TextLabel* name_;
+  TextLabel* misfit_;  ///< why it is left out; hidden while it fits
   QGridLayout* metrics_;
   std::vector<std::pair<TextLabel*, TextLabel*>> metricRows_;
   Picker* kind_;

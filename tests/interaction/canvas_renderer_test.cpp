@@ -219,6 +219,28 @@ const std::vector<Scene>& scenes() {
                {UUID::random(), wall, Kind::door, 18, 3}};
          });
        }},
+      {"opening_selected",
+       [](Board& b) {
+         b.sketch().edit([](Drawing& drawing) {
+           const UUID wall = UUID::random();
+           drawing.wallSystemSpecs[0].thickness = 1;
+           drawing.entities = {WallEntity{wall, {0, 0}, {20, 0}, drawing.wallSystemSpecs[0].id}};
+           drawing.plan.openings = {{UUID::random(), wall, OpeningKind::door, 2, 3}};
+         });
+         b.selectAtPoint({3, 0}, false);
+       }},
+      {"opening_dragged",
+       [](Board& b) {
+         b.sketch().edit([](Drawing& drawing) {
+           const UUID wall = UUID::random();
+           drawing.wallSystemSpecs[0].thickness = 1;
+           drawing.entities = {WallEntity{wall, {0, 0}, {20, 0}, drawing.wallSystemSpecs[0].id}};
+           drawing.plan.openings = {{UUID::random(), wall, OpeningKind::window, 2, 3},
+                                    {UUID::random(), wall, OpeningKind::opening, 14, 3}};
+         });
+         b.beginSelectDrag({3, 0});
+         b.updateSelectDrag({8, 1});
+       }},
       {"guides",
        [](Board& b) {
          b.publishSnap({.point = {5, 5},
