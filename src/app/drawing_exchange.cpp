@@ -96,6 +96,8 @@ std::string exportDrawing(const Workspace& workspace, const FilePath& path, cons
                           const PictureMaker& makePicture) {
   FileSystem& files = workspace.host().files;
   ExportOptions options = given;
+  options.documentName = workspace.document.name;
+  options.date = workspace.host().scheduler.now();
   if (!options.look) options.look = workspace.sketch.drawing->plan.look;
   options.openings = std::make_shared<const OpeningLayout>(openingLayout(workspace.sketch));
   std::string leftOut = leftOutText(*options.openings);

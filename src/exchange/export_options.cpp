@@ -188,8 +188,14 @@ std::vector<PicturePage> paperPages(const EntityList& entities, std::span<const 
   const PageLayout layout =
       layOutPages(box, {.paper = *options.paper, .orientation = options.orientation, .scale = options.scale});
   std::vector<PicturePage> pages;
-  for (int i = 0; i < layout.pageCount(); ++i)
+  for (int i = 0; i < layout.pageCount(); ++i) {
     pages.push_back({layout.page, layout.viewport(i), layout.margin, layout.pageCount() > 1});
+    if (layout.pageCount() == 1 || options.documentName.empty()) continue;
+    const std::string scale = options.scale ? ", " + drawingScaleText(*options.scale) : "";
+    pages.back().label =
+        fmt::format("{}, page {} of {}, row {}, column {}{}", options.documentName, i + 1, layout.pageCount(),
+                    i / layout.columns + 1, i % layout.columns + 1, scale);
+  }
   return pages;
 }
 

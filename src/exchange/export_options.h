@@ -16,6 +16,7 @@
 #include "exchange/dxf_version.h"
 #include "exchange/page_layout.h"
 #include "geometry/openings.h"
+#include "platform/date.h"
 
 namespace ostrelon {
 
@@ -61,6 +62,10 @@ struct ExportOptions {
   /// The openings of the walls, for whoever exports a drawing to give; null: none.
   std::shared_ptr<const OpeningLayout> openings;
 
+  /// The document's name and the present time, for files and sheets that tell them; may be absent.
+  std::string documentName = {};
+  std::optional<Date> date = std::nullopt;
+
   bool isOnPaper() const { return paper.has_value() || scale.has_value(); }
 };
 
@@ -87,6 +92,7 @@ struct PicturePage {
   SketchViewport viewport;    ///< from sketch units to those points
   double margin = 0;          ///< around the part that is painted, in the same unit
   bool hasNeighbors = false;  ///< one of several sheets: what it shows ends at the margin
+  std::string label = {};     ///< of one of several: "House, page 2 of 6, row 1, column 2, 1/4" = 1'-0""
 };
 
 /// The pages that a picture of the drawing takes. Throws `PageLayoutError`, and `ExportOptionError`

@@ -1,6 +1,8 @@
 #include "exchange/pdf_writer.h"
 
 #include <fmt/format.h>
+#include <unicode/utf16.h>
+#include <unicode/utf8.h>
 #include <zlib.h>
 
 #include <algorithm>
@@ -59,12 +61,41 @@ int thousandthsOf(double opacity) {
   return static_cast<int>(std::lround(std::clamp(opacity, 0.0, 1.0) * 1000));
 }
 
+// A text of the file's information: UTF-16 in hexadecimal, which every character has.
+std::string textString(std::string_view text) {
+  const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+  std::string result = "<FEFF";
+  for (std::size_t at = 0; at < text.size();) {
+    UChar32 c = 0;
+    U8_NEXT(bytes, at, text.size(), c);
+    if (c < 0) c = 0xFFFD;
+    if (c > 0xFFFF) {
+      result += fmt::format("{:04X}{:04X}", static_cast<unsigned>(U16_LEAD(c)),
+                            static_cast<unsigned>(U16_TRAIL(c)));
+    } else {
+      result += fmt::format("{:04X}", static_cast<unsigned>(c));
+    }
+  }
+  return result + ">";
+}
+
+// " /CreationDate (D:20260301120000Z)"; empty for none.
+std::string dateEntry(const std::optional<Date>& date) {
+  if (!date) return {};
+  std::string digits;
+  for (const char c : iso8601Text(*date)) {
+    if (c >= '0' && c <= '9') digits += c;
+  }
+  return " /CreationDate (D:" + digits + "Z)";
+}
+
 }  // namespace
 
 // The objects of the file and where they lie.
 class PdfWriter::File {
  public:
-  explicit File(Write write) : write_(std::move(write)) {
+  File(Write write, PdfInformation information)
+      : write_(std::move(write)), information_(std::move(information)) {
     offsets_.resize(kInformation + 1);
     // Bytes beyond ASCII show programs that carry files that this one is binary.
     put("%PDF-1.4\n%\xE2\xE3\xCF\xD3\n");
@@ -110,7 +141,8 @@ class PdfWriter::File {
                     "/Encoding /WinAnsiEncoding >> >> >>\nendobj\n",
                     states));
     beginObject(kInformation);
-    put("<< /Title (Ostrelon drawing) /Creator (Ostrelon) >>\nendobj\n");
+    put(fmt::format("<< /Title {} /Creator (Ostrelon) /Producer (Ostrelon){} >>\nendobj\n",
+                    textString(information_.title), dateEntry(information_.date)));
     const std::uint64_t table = position_;
     put(fmt::format("xref\n0 {}\n0000000000 65535 f \n", offsets_.size()));
     for (std::size_t number = 1; number < offsets_.size(); ++number) {
@@ -122,6 +154,7 @@ class PdfWriter::File {
 
  private:
   Write write_;
+  PdfInformation information_;
   std::uint64_t position_ = 0;
   std::vector<std::uint64_t> offsets_;  // by number of the object; 0 is none
   std::vector<int> pages_;
@@ -225,15 +258,20 @@ class PdfWriter::Page final : public CanvasPainter {
 
   void drawText(std::string_view text, SketchPoint center, double height, const Fill& fill) override {
     beginFill(fill);
-    // One letter for each code point; those beyond ASCII, which the type need not know, as a question mark.
+    // One letter for each code point; those that the encoding of the type has not, as a question mark.
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
     std::string letters;
     int count = 0;
-    for (const char c : text) {
-      const auto byte = static_cast<unsigned char>(c);
-      if ((byte & 0xC0U) == 0x80U) continue;
+    for (std::size_t at = 0; at < text.size(); ++count) {
+      UChar32 c = 0;
+      U8_NEXT(bytes, at, text.size(), c);
       if (c == '(' || c == ')' || c == '\\') letters += '\\';
-      letters += byte >= 0x20 && byte < 0x7F ? c : '?';
-      ++count;
+      const bool isLatin = c >= 0xA0 && c <= 0xFF;
+      if (isLatin) {
+        letters += fmt::format("\\{:03o}", static_cast<unsigned>(c));
+      } else {
+        letters += c >= 0x20 && c < 0x7F ? static_cast<char>(c) : '?';
+      }
     }
     text_ += "BT /F1 ";
     number(height);
@@ -403,7 +441,8 @@ class PdfWriter::Page final : public CanvasPainter {
   int strokes_ = 0;     // in the path that is open
 };
 
-PdfWriter::PdfWriter(Write write) : file_(std::make_unique<File>(std::move(write))) {}
+PdfWriter::PdfWriter(Write write, PdfInformation information)
+    : file_(std::make_unique<File>(std::move(write), std::move(information))) {}
 
 PdfWriter::~PdfWriter() = default;
 

@@ -13,19 +13,28 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
 #include <string_view>
 
 #include "core/sketch_point.h"
 #include "interaction/canvas_painter.h"
+#include "platform/date.h"
 
 namespace ostrelon {
+
+/// What a file says of itself.
+struct PdfInformation {
+  std::string title = "Ostrelon drawing";  ///< UTF-8
+  std::optional<Date> date;                ///< absent: none is written
+};
 
 class PdfWriter {
  public:
   /// Takes the next piece of the file.
   using Write = std::function<void(std::string_view bytes)>;
 
-  explicit PdfWriter(Write write);
+  explicit PdfWriter(Write write, PdfInformation information = {});
   PdfWriter(const PdfWriter&) = delete;
   PdfWriter& operator=(const PdfWriter&) = delete;
   ~PdfWriter();

@@ -1,6 +1,8 @@
 #include "exchange/picture_page.h"
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 #include "exchange/pdf_writer.h"
 #include "interaction/canvas_renderer.h"
@@ -49,6 +51,27 @@ void paintDrawing(CanvasPainter& painter, const PicturePage& page, const EntityL
   paintOpenings(painter, frame, *options.openings, OpeningMisfits::leftOut);
 }
 
+void paintSheetMarks(CanvasPainter& painter, const PicturePage& page, const ThemePalette& palette) {
+  if (page.label.empty()) return;
+  constexpr double kMark = 10;    // points
+  constexpr double kGap = 2;      // between the drawing and a mark
+  constexpr double kLetters = 7;  // the height of the label
+  const Stroke pen{.color = palette.foreground, .width = 0.5};
+  const SketchBox part = paintedPart(page);
+  std::vector<CanvasSegment> marks;
+  for (const double x : {part.minX, part.maxX}) {
+    for (const double y : {part.minY, part.maxY}) {
+      const double outX = x == part.minX ? -1 : 1;
+      const double outY = y == part.minY ? -1 : 1;
+      marks.push_back({{x + outX * kGap, y}, {x + outX * kMark, y}});
+      marks.push_back({{x, y + outY * kGap}, {x, y + outY * kMark}});
+    }
+  }
+  painter.strokeSegments(marks, pen);
+  painter.drawText(page.label, {(part.minX + part.maxX) / 2, part.maxY + page.margin / 2}, kLetters,
+                   {.color = palette.foreground});
+}
+
 void writePdf(std::span<const PicturePage> pages, const EntityList& entities,
               std::span<const WallSystemSpec> systems, const ExportOptions& options,
               const std::function<void(std::string_view bytes)>& write) {
@@ -60,10 +83,14 @@ void writePdf(std::span<const PicturePage> pages, const EntityList& entities,
 
 void writePdf(std::span<const PicturePage> pages, const ExportOptions& options, const PagePaint& paint,
               const std::function<void(std::string_view bytes)>& write) {
-  PdfWriter pdf(write);
+  PdfInformation information;
+  if (!options.documentName.empty()) information.title = options.documentName;
+  information.date = options.date;
+  PdfWriter pdf(write, std::move(information));
   for (const PicturePage& page : pages) {
     CanvasPainter& painter = pdf.beginPage(page.size);
     if (hasBackground(options)) paintBackground(painter, pictureFrame(page, options));
+    paintSheetMarks(painter, page, exportPalette(options.theme));
     pdf.clip(paintedPart(page));
     paint(painter, page);
   }

@@ -33,6 +33,10 @@ SketchBox paintedPart(const PicturePage& page);
 void paintDrawing(CanvasPainter& painter, const PicturePage& page, const EntityList& entities,
                   std::span<const WallSystemSpec> systems, const ExportOptions& options);
 
+/// What stands outside of the painted part of one of several sheets: its label below, and marks at the
+/// corners along which the sheets are cut and put together. Nothing on a sheet alone.
+void paintSheetMarks(CanvasPainter& painter, const PicturePage& page, const ThemePalette& palette);
+
 /// Paints what a page shows within its painted part.
 using PagePaint = std::function<void(CanvasPainter& painter, const PicturePage& page)>;
 void writePdf(std::span<const PicturePage> pages, const ExportOptions& options, const PagePaint& paint,

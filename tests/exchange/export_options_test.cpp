@@ -75,6 +75,10 @@ TEST(ExportOptions, TheKindOfFileIsTheEndingOfItsName) {
 TEST(PicturePages, AreOfTheSizeOfTheSheetOrOfTheDrawing) {
   const auto bySize = picturePages(ExportFormat::png, kFortyFeet, {}, with({{"size", "300x200"}}));
   EXPECT_EQ(bySize.front().size, (SketchSize{300, 200}));
+  ExportOptions several = with({{"paper", "Letter"}, {"scale", "1/4in=1ft"}, {"orientation", "portrait"}});
+  several.documentName = "House";
+  EXPECT_THAT(picturePages(ExportFormat::pdf, kFortyFeet, {}, several).back().label,
+              HasSubstr("House, page 2 of 2, row 1, column 2, 1/4"));
   const auto onPaper =
       picturePages(ExportFormat::pdf, kFortyFeet, {}, with({{"paper", "Letter"}, {"scale", "1:24"}}));
   EXPECT_EQ(onPaper.size(), 3U) << "20 inches by 10, on upright sheets of 7.5 by 10";

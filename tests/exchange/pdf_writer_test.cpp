@@ -99,6 +99,16 @@ TEST_F(PdfWriterTest, NumbersThatNoReaderTakesAreNotWritten) {
   EXPECT_THAT(text, HasSubstr("-1000000 0 m 1000000 0 l\n"));
 }
 
+TEST_F(PdfWriterTest, SaysItsTitleAndWhenItWasMade) {
+  std::string bytes;
+  PdfWriter told([&](std::string_view piece) { bytes += piece; },
+                 {"Étage", parseISO8601("2026-03-01T12:00:00Z")});
+  told.beginPage({100, 100});
+  told.finish();
+  EXPECT_THAT(bytes, HasSubstr("/Title <FEFF00C90074006100670065> /Creator (Ostrelon) /Producer (Ostrelon) "
+                               "/CreationDate (D:20260301120000Z)"));
+}
+
 TEST_F(PdfWriterTest, TextIsEscapedAndADashIsTold) {
   CanvasPainter& page = pdf.beginPage({100, 100});
   page.drawText("a(b)\\ é", {50, 50}, 10, {{0, 0, 0}});
@@ -109,7 +119,7 @@ TEST_F(PdfWriterTest, TextIsEscapedAndADashIsTold) {
   path.addPiece(std::vector<SketchPoint>{{0, 0}, {5, 0}, {5, 5}}, true);
   page.strokePath(path, dashed);
   const std::string text = content();
-  EXPECT_THAT(text, HasSubstr("(a\\(b\\)\\\\ ?) Tj"));
+  EXPECT_THAT(text, HasSubstr("(a\\(b\\)\\\\ \\351) Tj"));
   EXPECT_THAT(text, HasSubstr("[4 2.5 ] 1 d\n"));
   EXPECT_THAT(text, HasSubstr("0 0 m 5 0 l\n5 5 l\nh\n"));
 }
