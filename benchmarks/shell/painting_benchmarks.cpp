@@ -12,12 +12,15 @@
 #include "core/adding.h"
 #include "geometry/edit_operations.h"
 #include "interaction/canvas_renderer.h"
+#include "interaction/drawing_bounds.h"
 #include "platform/dialogs.h"
 #include "platform/disk_file_system.h"
 #include "platform/scheduler.h"
+#include "shell/drawing_picture.h"
 #include "shell/entity_picture.h"
 #include "shell/pixel_canvas_painter.h"
 #include "shell/qt_canvas_painter.h"
+#include "wall_plan.h"
 
 namespace ostrelon {
 namespace {
@@ -91,6 +94,23 @@ BENCHMARK(BM_PaintKind)
     ->ArgNames({"kind", "count", "pixels"})
     ->ArgsProduct({{lines, walls, circles, rectangles, mixed}, {1000, 100'000}, {throughQt, intoPixels}})
     ->Unit(benchmark::kMillisecond);
+
+// The walls of a plan, joined and filled, as large as the canvas; pixels as above.
+void BM_PaintJoinedWalls(benchmark::State& state) {
+  const EntityList walls = wallPlan(static_cast<std::size_t>(state.range(0)));
+  const DrawingLook look = drawingLook({true, true, false}, walls, defaultWallSystems());
+  CanvasFrame frame{wholeView().transform, lightPalette()};
+  frame.transform.viewport = wholeDrawingView(drawingBounds(walls), kCanvas, 0);
+  QImage image(static_cast<int>(kCanvas.width), static_cast<int>(kCanvas.height),
+               QImage::Format_ARGB32_Premultiplied);
+  for (auto _ : state) {
+    image.fill(Qt::transparent);
+    PixelCanvasPainter canvas(image, 1);
+    paintEntities(canvas, frame, walls, defaultWallSystems(), {}, look);
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_PaintJoinedWalls)->Arg(1000)->Arg(100'000)->Unit(benchmark::kMillisecond);
 
 void BM_FollowPan(benchmark::State& state) {
   const EntityList entities = drawing(mixed, state.range(0));

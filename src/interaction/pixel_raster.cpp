@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <vector>
 
 namespace ostrelon {
@@ -19,6 +20,19 @@ std::uint32_t scaled(std::uint32_t pixel, std::uint32_t by) {
   return scaledPair(pixel & 0x00FF00FF, by) | (scaledPair((pixel >> 8) & 0x00FF00FF, by) << 8);
 }
 
+/// The same for two pixels, side by side in one number.
+std::uint64_t scaledTwo(std::uint64_t pixels, std::uint64_t by) {
+  constexpr std::uint64_t kPairs = 0x00FF00FF00FF00FF;
+  const auto scaledPairs = [by](std::uint64_t pairs) {
+    const std::uint64_t product = pairs * by + 0x0080008000800080;
+    return ((product + ((product >> 8) & kPairs)) >> 8) & kPairs;
+  };
+  return scaledPairs(pixels & kPairs) | (scaledPairs((pixels >> 8) & kPairs) << 8);
+}
+
+/// 0 to 255 for a coverage of 0 to 1.
+std::uint32_t shareOf(double coverage) { return static_cast<std::uint32_t>(coverage * 255 + 0.5); }
+
 /// Lays one colour over pixels by coverage.
 class Ink {
  public:
@@ -27,6 +41,20 @@ class Ink {
         isOpaque_(color.alpha == 255) {}
 
   void layFull(std::uint32_t& pixel) const { pixel = isOpaque_ ? full_ : over(full_, pixel); }
+  void layFull(std::uint32_t* from, std::uint32_t* to) const {
+    if (isOpaque_) {
+      std::fill(from, to, full_);
+      return;
+    }
+    const std::uint64_t left = 255 - (full_ >> 24);
+    for (; to - from >= 2; from += 2) {
+      std::uint64_t below = 0;
+      std::memcpy(&below, from, sizeof(below));
+      const std::uint64_t result = (std::uint64_t{full_} << 32 | full_) + scaledTwo(below, left);
+      std::memcpy(from, &result, sizeof(result));
+    }
+    if (from != to) layFull(*from);
+  }
   /// Laying more of the ink would change nothing.
   bool isSaturated(std::uint32_t pixel) const { return isOpaque_ && pixel == full_; }
   void lay(std::uint32_t& pixel, double coverage) const {
@@ -34,8 +62,12 @@ class Ink {
     if (coverage >= 1) {
       layFull(pixel);
     } else {
-      pixel = over(scaled(full_, static_cast<std::uint32_t>(coverage * 255 + 0.5)), pixel);
+      layShare(pixel, shareOf(coverage));
     }
+  }
+  /// `share`: 0 to 255.
+  void layShare(std::uint32_t& pixel, std::uint32_t share) const {
+    pixel = over(scaled(full_, share), pixel);
   }
 
  private:
@@ -46,6 +78,9 @@ class Ink {
   std::uint32_t full_;  // premultiplied
   bool isOpaque_;
 };
+
+/// Corners that turn by no more than this sine are taken as straight.
+constexpr double kStraightSine = 1e-9;
 
 struct IntRange {
   int begin = 0;
@@ -73,17 +108,18 @@ void rasterBand(const PixelBuffer& buffer, const CanvasSegment& line, SketchPoin
   const double minX = std::min(from.x, to.x) - reach;
   const double maxX = std::max(from.x, to.x) + reach;
   const SketchPoint normal = perpendicular(direction);
+  const bool isSlanted = std::abs(normal.x) > 1e-9;
+  // Where a row crosses the band: |(x - from.x) · normal.x + (y - from.y) · normal.y| ≤ reach.
+  const double slant = isSlanted ? normal.y / normal.x : 0;
+  const double halfSpan = isSlanted ? reach / std::abs(normal.x) : 0;
   for (int y = rows.begin; y < rows.end; ++y) {
     const double middleY = y + 0.5;
     double left = minX;
     double right = maxX;
-    if (std::abs(normal.x) > 1e-9) {
-      // Where the row crosses the band: |(x - from.x) · normal.x + (y - from.y) · normal.y| ≤ reach.
-      const double across = (middleY - from.y) * normal.y;
-      const double a = from.x + (-reach - across) / normal.x;
-      const double b = from.x + (reach - across) / normal.x;
-      left = std::max(left, std::min(a, b));
-      right = std::min(right, std::max(a, b));
+    if (isSlanted) {
+      const double middleX = from.x - (middleY - from.y) * slant;
+      left = std::max(left, middleX - halfSpan);
+      right = std::min(right, middleX + halfSpan);
     }
     if (!(left <= right)) continue;
     const IntRange columns = pixelsBetween(left, right, buffer.clipMinX, buffer.clipMaxX);
@@ -251,27 +287,42 @@ bool isSmallConvex(std::span<const SketchPoint> corners) {
   if (corners.size() < 3 || corners.size() > kMostConvexCorners) return false;
   double least = 0;
   double most = 0;
-  double turned = 0;
+  // A star turns one way as well, but more than once around: it goes back and forth more than once.
+  int turnsBack = 0;
+  double lastAcross = 0;
+  const auto goes = [&](double across) {
+    if (across * lastAcross < 0) ++turnsBack;
+    if (across != 0) lastAcross = across;
+  };
   for (std::size_t i = 0; i < corners.size(); ++i) {
     const SketchPoint a = corners[i];
     const SketchPoint b = corners[(i + 1) % corners.size()];
     const SketchPoint c = corners[(i + 2) % corners.size()];
     const double turn = cross(b - a, c - b);
-    least = std::min(least, turn);
-    most = std::max(most, turn);
-    // A star turns one way as well, but more than once around. It takes five corners.
-    if (corners.size() > 4) turned += std::atan2(turn, dot(b - a, c - b));
+    // Of three points on a line rounding leaves a turn of either sign.
+    if (turn * turn > kStraightSine * kStraightSine * squaredLength(b - a) * squaredLength(c - b)) {
+      least = std::min(least, turn);
+      most = std::max(most, turn);
+    }
+    goes(b.x - a.x);
   }
-  return least * most == 0 && least + most != 0 && std::abs(turned) < 7;
+  goes(corners[1].x - corners[0].x);
+  return least * most == 0 && least + most != 0 && turnsBack <= 2;
 }
 
-void rasterConvexArea(const PixelBuffer& buffer, std::span<const SketchPoint> corners, PixelColor color) {
-  struct Edge {
+namespace {
+
+/// Hands over what of a convex polygon lies within the clip, row by row: `solid(y, from, to)` for pixels that
+/// it fills, `edge(y, x, coverage)` for others that it may touch.
+template <class Solid, class Edge>
+void visitConvexArea(const PixelBuffer& clip, std::span<const SketchPoint> corners, const Solid& solid,
+                     const Edge& edge) {
+  struct Side {
     SketchPoint inward;  // unit normal
     double offset = 0;
-    double slant = 0;  // columns by which the edge moves for one pixel of distance; 0 along the rows
+    double slant = 0;  // columns by which the side moves for one pixel of distance; 0 along the rows
   };
-  std::array<Edge, kMostConvexCorners> edges;
+  std::array<Side, kMostConvexCorners> edges;
   const std::size_t count = std::min(corners.size(), kMostConvexCorners);
   double turn = 0;
   SketchBox box = SketchBox::centered(corners[0], 0);
@@ -290,8 +341,7 @@ void rasterConvexArea(const PixelBuffer& buffer, std::span<const SketchPoint> co
     const SketchPoint inward = perpendicular(d) * side;
     edges[used++] = {inward, dot(a, inward), std::abs(inward.x) < 1e-9 ? 0 : 1 / inward.x};
   }
-  const Ink ink(color);
-  const IntRange rows = pixelsBetween(box.minY - 0.5, box.maxY + 0.5, buffer.clipMinY, buffer.clipMaxY);
+  const IntRange rows = pixelsBetween(box.minY - 0.5, box.maxY + 0.5, clip.clipMinY, clip.clipMaxY);
   for (int y = rows.begin; y < rows.end; ++y) {
     const double middleY = y + 0.5;
     // Between these columns the row is touched, and between the solid ones it is full.
@@ -302,26 +352,25 @@ void rasterConvexArea(const PixelBuffer& buffer, std::span<const SketchPoint> co
       // The distance inwards is x · inward.x + rest.
       const double rest = middleY * inward.y - offset;
       const double touched = (-0.5 - rest) * slant;
-      const double full = (0.5 - rest) * slant;
+      const double filled = (0.5 - rest) * slant;
       if (slant > 0) {
         left = std::max(left, touched);
-        solidLeft = std::max(solidLeft, full);
+        solidLeft = std::max(solidLeft, filled);
       } else if (slant < 0) {
         right = std::min(right, touched);
-        solidRight = std::min(solidRight, full);
+        solidRight = std::min(solidRight, filled);
       } else {
         if (rest < -0.5) right = left - 1;
         if (rest < 0.5) solidRight = solidLeft - 1;
       }
     }
     if (!(left <= right)) continue;
-    const IntRange columns = pixelsBetween(left, right, buffer.clipMinX, buffer.clipMaxX);
-    IntRange solid{columns.end, columns.end};
+    const IntRange columns = pixelsBetween(left, right, clip.clipMinX, clip.clipMaxX);
+    IntRange full{columns.end, columns.end};
     if (solidLeft <= solidRight) {
-      solid.begin = std::clamp(static_cast<int>(std::ceil(solidLeft - 0.5)), columns.begin, columns.end);
-      solid.end = std::clamp(static_cast<int>(std::floor(solidRight - 0.5)) + 1, solid.begin, columns.end);
+      full.begin = std::clamp(static_cast<int>(std::ceil(solidLeft - 0.5)), columns.begin, columns.end);
+      full.end = std::clamp(static_cast<int>(std::floor(solidRight - 0.5)) + 1, full.begin, columns.end);
     }
-    std::uint32_t* row = rowOf(buffer, y);
     const auto coverEdge = [&](int from, int to) {
       for (int x = from; x < to; ++x) {
         double coverage = 1;
@@ -329,12 +378,72 @@ void rasterConvexArea(const PixelBuffer& buffer, std::span<const SketchPoint> co
           const auto& [inward, offset, slant] = edges[i];
           coverage = std::min(coverage, (x + 0.5) * inward.x + middleY * inward.y - offset + 0.5);
         }
-        ink.lay(row[x], coverage);
+        edge(y, x, coverage);
       }
     };
-    coverEdge(columns.begin, solid.begin);
-    for (int x = solid.begin; x < solid.end; ++x) ink.layFull(row[x]);
-    coverEdge(solid.end, columns.end);
+    coverEdge(columns.begin, full.begin);
+    if (full.begin < full.end) solid(y, full.begin, full.end);
+    coverEdge(full.end, columns.end);
+  }
+}
+
+}  // namespace
+
+void rasterConvexArea(const PixelBuffer& buffer, std::span<const SketchPoint> corners, PixelColor color) {
+  const Ink ink(color);
+  visitConvexArea(
+      buffer, corners,
+      [&](int y, int from, int to) { ink.layFull(rowOf(buffer, y) + from, rowOf(buffer, y) + to); },
+      [&](int y, int x, double coverage) { ink.lay(rowOf(buffer, y)[x], coverage); });
+}
+
+void rasterConvexAreas(const PixelBuffer& buffer, const CanvasPath& path, double pixelRatio,
+                       PixelColor color) {
+  // The shares of all areas add up in a mask: where two meet along an edge a pixel is covered by both in
+  // part, and together whole.
+  SketchBox box{1, 1, -1, -1};
+  for (const CanvasPath::Piece& piece : path.pieces()) {
+    for (const SketchPoint point : path.points(piece)) {
+      box = box.minX > box.maxX ? SketchBox::centered(point * pixelRatio, 0) : box.united(point * pixelRatio);
+    }
+  }
+  const IntRange rows = pixelsBetween(box.minY - 0.5, box.maxY + 0.5, buffer.clipMinY, buffer.clipMaxY);
+  const IntRange columns = pixelsBetween(box.minX - 0.5, box.maxX + 0.5, buffer.clipMinX, buffer.clipMaxX);
+  if (rows.begin >= rows.end || columns.begin >= columns.end) return;
+  const auto width = static_cast<std::size_t>(columns.end - columns.begin);
+  std::vector<std::uint8_t> mask(width * static_cast<std::size_t>(rows.end - rows.begin), 0);
+  const auto maskAt = [&](int y, int x) {
+    return mask.data() + static_cast<std::size_t>(y - rows.begin) * width + (x - columns.begin);
+  };
+  std::array<SketchPoint, kMostConvexCorners> corners;
+  for (const CanvasPath::Piece& piece : path.pieces()) {
+    const auto points = path.points(piece);
+    const std::size_t count = std::min(points.size(), kMostConvexCorners);
+    std::transform(points.begin(), points.begin() + static_cast<std::ptrdiff_t>(count), corners.begin(),
+                   [&](SketchPoint point) { return point * pixelRatio; });
+    visitConvexArea(
+        buffer, std::span(corners).first(count),
+        [&](int y, int from, int to) { std::fill(maskAt(y, from), maskAt(y, to), std::uint8_t{255}); },
+        [&](int y, int x, double coverage) {
+          if (!(coverage > 0)) return;
+          std::uint8_t& at = *maskAt(y, x);
+          at = static_cast<std::uint8_t>(std::min(at + shareOf(std::min(coverage, 1.0)), 255U));
+        });
+  }
+  const Ink ink(color);
+  for (int y = rows.begin; y < rows.end; ++y) {
+    std::uint32_t* row = rowOf(buffer, y) + columns.begin;
+    const std::uint8_t* shares = maskAt(y, columns.begin);
+    for (std::size_t x = 0; x < width;) {
+      std::size_t end = x + 1;
+      while (end < width && shares[end] == shares[x]) ++end;
+      if (shares[x] == 255) {
+        ink.layFull(row + x, row + end);
+      } else if (shares[x] != 0) {
+        for (std::size_t at = x; at < end; ++at) ink.layShare(row[at], shares[x]);
+      }
+      x = end;
+    }
   }
 }
 

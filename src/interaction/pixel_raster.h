@@ -49,10 +49,14 @@ void rasterLattice(const PixelBuffer& buffer, std::span<const double> columns, s
 /// The outline of a circle.
 void rasterCircle(const PixelBuffer& buffer, SketchPoint center, double radius, double width,
                   PixelColor color);
-/// The inside of a convex polygon of up to eight corners, in either direction of turning.
+/// The inside of a convex polygon of up to ten corners, in either direction of turning.
 void rasterConvexArea(const PixelBuffer& buffer, std::span<const SketchPoint> corners, PixelColor color);
-inline constexpr std::size_t kMostConvexCorners = 8;
-/// True for a convex polygon of 3 to 8 corners and some area.
+inline constexpr std::size_t kMostConvexCorners = 10;
+/// The inside of all pieces of the path, each of them convex, as one area: where they overlap or meet nothing
+/// is painted twice. `pixelRatio`: pixels for one unit of the path.
+void rasterConvexAreas(const PixelBuffer& buffer, const CanvasPath& path, double pixelRatio,
+                       PixelColor color);
+/// True for a convex polygon of 3 to 10 corners and some area.
 bool isSmallConvex(std::span<const SketchPoint> corners);
 
 }  // namespace ostrelon

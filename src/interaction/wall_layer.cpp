@@ -3,13 +3,14 @@
 #include <algorithm>
 
 #include "interaction/canvas_clipping.h"
+#include "interaction/pixel_raster.h"
 
 namespace ostrelon {
 
 namespace {
 
 /// So many walls are filled as one area. Of more, each is a few pixels, and no seam shows between two areas.
-constexpr std::size_t kMostFills = 4096;
+constexpr std::size_t kMostFills = 16384;
 /// Below this extent, view points, a wall is a dot.
 constexpr double kDotExtent = 1.0;
 
@@ -31,7 +32,13 @@ void WallLayerPainter::add(CanvasPainter& painter, const JoinedWall& wall) {
     edges_.push_back({bounds.center(), bounds.center()});
     return;
   }
-  addFill(wall.body.outline);
+  // Nearly all bodies are convex; painters are fast with these.
+  if (isSmallConvex(wall.body.outline)) {
+    addFill(wall.body.outline);
+  } else {
+    addFill(wall.body.leftHalf());
+    addFill(wall.body.rightHalf());
+  }
   for (const WallEdge& edge : wall.edges) addEdge(edge);
   if (fills_.pieces().size() >= kMostFills) {
     painter.fillPath(fills_, fill_);
@@ -40,13 +47,12 @@ void WallLayerPainter::add(CanvasPainter& painter, const JoinedWall& wall) {
 }
 
 void WallLayerPainter::addFill(std::span<const SketchPoint> outline) {
-  std::vector<SketchPoint> points;
-  points.reserve(outline.size());
-  for (const SketchPoint point : outline) points.push_back(frame_.toView(point));
-  if (!std::all_of(points.begin(), points.end(), [this](SketchPoint p) { return clip_.contains(p); })) {
-    points = clippedPolygon(points, clip_);
+  points_.clear();
+  for (const SketchPoint point : outline) points_.push_back(frame_.toView(point));
+  if (!std::all_of(points_.begin(), points_.end(), [this](SketchPoint p) { return clip_.contains(p); })) {
+    points_ = clippedPolygon(points_, clip_);
   }
-  if (points.size() > 2) fills_.addPiece(points, true);
+  if (points_.size() > 2) fills_.addPiece(points_, true);
 }
 
 void WallLayerPainter::addEdge(const WallEdge& edge) {

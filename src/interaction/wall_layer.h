@@ -29,6 +29,7 @@ class WallLayerPainter {
   Stroke stroke_;
   SketchBox visible_;  // what may leave a stroke in the painted part, view points
   SketchBox clip_;
+  std::vector<SketchPoint> points_;  // of one outline on its way; kept for its memory
   CanvasPath fills_;
   std::vector<CanvasSegment> edges_;
 };

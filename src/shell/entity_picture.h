@@ -39,7 +39,7 @@ struct PictureContent {
   EntityList entities;
   std::vector<WallSystemSpec> systems;
   EntitySet ids;
-  DrawingLook look;  ///< of the selection's picture: none
+  DrawingLook look = {};  ///< of the selection's picture: none
 };
 
 class EntityPicture {

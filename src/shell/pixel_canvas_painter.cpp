@@ -148,6 +148,10 @@ void PixelCanvasPainter::fillPath(const CanvasPath& path, const Fill& fill) {
                        PixelColor::of(fill.color, fill.opacity));
       return;
     }
+  } else if (std::all_of(path.pieces().begin(), path.pieces().end(),
+                         [&](const auto& piece) { return isSmallConvex(path.points(piece)); })) {
+    rasterConvexAreas(buffer_, path, ratio_, PixelColor::of(fill.color, fill.opacity));
+    return;
   }
   canvas_.fillPath(path, fill);
 }
