@@ -352,7 +352,8 @@ How exported files look:
   --dxf-layers system|kind       names the layers of DXF after wall systems, or by kind,
                                  as A-WALL-W2, A-DOOR and A-LINE
   --dxf-units ft|in|mm           the unit of DXF files, feet unless told
-  --schedule openings            what a .csv file of --export holds
+  --schedule openings|rooms|takeoff
+                                 what a .csv file of --export holds
 
 Anywhere:
   --home DIR                     keeps settings and documents in a folder of their own

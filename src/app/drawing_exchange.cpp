@@ -6,12 +6,15 @@
 
 #include "app/application.h"
 #include "app/drawing_import.h"
+#include "core/text_table.h"
 #include "documents/overwrite_question.h"
 #include "exchange/dxf_import.h"
 #include "exchange/dxf_writer.h"
 #include "exchange/picture_page.h"
 #include "geometry/opening_operations.h"
 #include "geometry/opening_schedule.h"
+#include "geometry/rooms.h"
+#include "geometry/takeoff.h"
 #include "platform/dialogs.h"
 
 namespace ostrelon {
@@ -34,16 +37,6 @@ void tellFailure(Workspace& workspace, std::string_view what, const UserError& e
   workspace.messages.showToast(std::move(text), Style::error);
 }
 
-// What of a drawing's openings an export leaves out; empty where that is nothing.
-std::string leftOutText(const OpeningLayout& openings) {
-  const std::size_t count = openings.misfits();
-  if (count == 0) return {};
-  return fmt::format("{} left out, as {}; the command openings lists {}.",
-                     count == 1 ? "1 opening was" : fmt::format("{} openings were", count),
-                     count == 1 ? "it does not fit its wall" : "they do not fit their walls",
-                     count == 1 ? "it" : "them");
-}
-
 // What a DXF file cannot hold; empty where that is nothing.
 std::string noSizeText(std::size_t count) {
   if (count == 0) return {};
@@ -55,23 +48,17 @@ std::string joinedSentences(const std::string& a, const std::string& b) {
   return a.empty() || b.empty() ? a + b : a + ' ' + b;
 }
 
-// Comma-separated values (RFC 4180).
-std::string tableText(const std::vector<std::vector<std::string>>& rows) {
-  std::string text;
-  for (const auto& row : rows) {
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      if (i > 0) text += ',';
-      if (row[i].find_first_of(",\"\r\n") == std::string::npos) {
-        text += row[i];
-        continue;
-      }
-      text += '"';
-      for (const char c : row[i]) text += c == '"' ? std::string("\"\"") : std::string(1, c);
-      text += '"';
-    }
-    text += "\r\n";
+TextTable scheduleTable(ExportSchedule schedule, const Sketch& sketch, const OpeningLayout& openings) {
+  const auto& systems = sketch.drawing->wallSystemSpecs;
+  switch (schedule) {
+    case ExportSchedule::openings:
+      return openingScheduleTable(openings);
+    case ExportSchedule::rooms:
+      return roomScheduleTable(roomPlan(sketch.entities(), systems));
+    case ExportSchedule::takeoff:
+      return takeoffTable(takeoff(sketch.entities(), systems, openings), openings);
   }
-  return text;
+  return {};
 }
 
 void exportTo(Application& application, const FilePath& path, const ExportOptions& options) {
@@ -92,6 +79,15 @@ void exportTo(Application& application, const FilePath& path, const ExportOption
 
 }  // namespace
 
+std::string leftOutText(const OpeningLayout& openings) {
+  const std::size_t count = openings.misfits();
+  if (count == 0) return {};
+  return fmt::format("{} left out, as {}; the command openings lists {}.",
+                     count == 1 ? "1 opening was" : fmt::format("{} openings were", count),
+                     count == 1 ? "it does not fit its wall" : "they do not fit their walls",
+                     count == 1 ? "it" : "them");
+}
+
 std::string exportDrawing(const Workspace& workspace, const FilePath& path, const ExportOptions& given,
                           const PictureMaker& makePicture) {
   FileSystem& files = workspace.host().files;
@@ -105,7 +101,8 @@ std::string exportDrawing(const Workspace& workspace, const FilePath& path, cons
     if (!options.schedule) {
       throw ExportOptionError("A .csv file holds a schedule: say which one, as --schedule openings.");
     }
-    files.writeFile(path, tableText(openingScheduleTable(*options.openings)));
+    files.writeFile(path,
+                    commaSeparated(scheduleTable(*options.schedule, workspace.sketch, *options.openings)));
     return leftOut;
   }
   const ExportFormat format = exportFormatOf(path);

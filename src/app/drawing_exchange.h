@@ -28,6 +28,9 @@ using PictureMaker =
 std::string exportDrawing(const Workspace& workspace, const FilePath& path, const ExportOptions& options,
                           const PictureMaker& makePicture);
 
+/// What of a drawing's openings an export or a print leaves out, as a sentence; empty where that is nothing.
+std::string leftOutText(const OpeningLayout& openings);
+
 /// Reads a DXF file and adds what it draws, which the result tells without the entities. Throws `UserError`,
 /// and has changed nothing then.
 PreparedDxf importDrawing(Workspace& workspace, const FilePath& path, const DxfImportOptions& options);

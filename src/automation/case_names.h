@@ -38,8 +38,8 @@ struct CaseNames<AxisSnap> {
 template <>
 struct CaseNames<EntitySnapKind> {
   static constexpr auto names() {
-    return std::to_array<std::string_view>(
-        {"endpoint", "midpoint", "center", "quadrant", "tangent", "corner", "edgeMidpoint"});
+    return std::to_array<std::string_view>({"endpoint", "midpoint", "center", "quadrant", "tangent", "corner",
+                                            "edgeMidpoint", "faceCorner", "face"});
   }
 };
 

@@ -4,6 +4,7 @@
 #include "core/adding.h"
 #include "core/length_text.h"
 #include "geometry/edit_operations.h"
+#include "geometry/opening_operations.h"
 #include "geometry/wall_loops.h"
 
 namespace ostrelon {
@@ -74,8 +75,8 @@ void addSketchCalls(CallTable& table) {
   table["setShowGrid"] = call(setShowGrid);
   table["planLoops"] = call([](const Sketch& sketch) {
     Json loops = Json::array();
-    for (const WallLoop& loop :
-         wallLoops(JoinedWalls::of(sketch.entities(), sketch.drawing->wallSystemSpecs))) {
+    for (const WallLoop& loop : wallLoops(JoinedWalls::of(cutOpen(sketch.entities(), openingLayout(sketch)),
+                                                          sketch.drawing->wallSystemSpecs))) {
       loops.push_back({{"points", toJson(loop.points)}, {"systems", toJson(loop.systems)}});
     }
     return loops;

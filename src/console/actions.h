@@ -110,6 +110,11 @@ struct AddOpening {
 };
 struct ListOpenings {};
 
+// --- Other schedules (schedule_commands.h)
+
+struct ListRooms {};
+struct ShowTakeoff {};
+
 // --- Wall systems (wall_system_commands.h)
 
 struct UseWallSystem {
@@ -186,13 +191,12 @@ struct MergeDrawing {
 struct ShowHelp {};
 struct ShowMore {};
 
-using Action =
-    std::variant<DrawLine, DrawWall, DrawCircle, DrawRectangle, DrawPolygon, DrawRun, ClearDrawing,
-                 ActivateTool, SelectEntities, CopySelection, PasteClipboard, AssignWallSystem,
-                 MoveSelectedLine, SetSelectedLength, NudgeSelection, AlignSelection, ConvertSelection,
-                 TrimEntity, ExtendToBoundary, AddOpening, ListOpenings, UseWallSystem, ShowWallSystem,
-                 ListWallSystems, AddWallSystem, ChangeWallSystem, DeleteWallSystem, ConvertWallSystems,
-                 ZoomView, ChangeLook, SaveCheckpoint, ShowHistory, CreateBranch, SwitchBranch, ListKept,
-                 RestoreKept, CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;
+using Action = std::variant<
+    DrawLine, DrawWall, DrawCircle, DrawRectangle, DrawPolygon, DrawRun, ClearDrawing, ActivateTool,
+    SelectEntities, CopySelection, PasteClipboard, AssignWallSystem, MoveSelectedLine, SetSelectedLength,
+    NudgeSelection, AlignSelection, ConvertSelection, TrimEntity, ExtendToBoundary, AddOpening, ListOpenings,
+    ListRooms, ShowTakeoff, UseWallSystem, ShowWallSystem, ListWallSystems, AddWallSystem, ChangeWallSystem,
+    DeleteWallSystem, ConvertWallSystems, ZoomView, ChangeLook, SaveCheckpoint, ShowHistory, CreateBranch,
+    SwitchBranch, ListKept, RestoreKept, CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;
 
 }  // namespace ostrelon::CommandInterpreter

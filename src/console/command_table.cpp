@@ -11,6 +11,7 @@
 #include "console/look_command.h"
 #include "console/opening_commands.h"
 #include "console/run_command.h"
+#include "console/schedule_commands.h"
 #include "console/selection_commands.h"
 #include "console/system_commands.h"
 #include "console/trim_commands.h"
@@ -203,6 +204,16 @@ std::vector<Command> makeTable() {
        .summary = "the schedule of doors, windows and openings",
        .example = "openings",
        .parse = parseOpenings},
+      {.word = "rooms",
+       .usage = "rooms",
+       .summary = "the rooms between the walls: size, area, perimeter, total and gross area",
+       .example = "rooms",
+       .parse = parseRooms},
+      {.word = "takeoff",
+       .usage = "takeoff",
+       .summary = "what the plan is made of: walls by system, openings by width, shapes by kind",
+       .example = "takeoff",
+       .parse = parseTakeoff},
       {.word = "system",
        .usage = "system <name> <thickness> [<height>] | system add|rename|delete|inches …",
        .summary =

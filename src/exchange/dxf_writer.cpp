@@ -240,37 +240,12 @@ void writeEntities(EntityWriter& writer, const EntityList& entities, DxfWritten&
   }
 }
 
-// What the openings leave of the walls: every stretch is a wall by itself, so that joined outlines end at the
-// jambs.
-EntityList cutOpen(const EntityList& entities, const OpeningLayout& openings) {
-  std::vector<SketchEntity> left;
-  for (const SketchEntity& entity : entities) {
-    const auto& ofWall = openings.ofWall(entityID(entity));
-    const auto* wall = std::get_if<WallEntity>(&entity);
-    if (wall == nullptr || ofWall.empty()) {
-      left.push_back(entity);
-      continue;
-    }
-    const OpeningWall& host = openings.all()[ofWall.front()].wall;
-    WallEntity stretch = *wall;
-    for (const auto& [from, to] : wallBesideOpenings(host, openings)) {
-      stretch.from = host.at(from);
-      stretch.to = host.at(to);
-      left.emplace_back(stretch);
-      // Not a random one: the same drawing gives the same file.
-      stretch.id.low += 0x9E3779B97F4A7C15ULL;
-    }
-  }
-  return EntityList(std::move(left));
-}
-
 }  // namespace
 
 DxfWritten writeDxf(const EntityList& entities, std::span<const WallSystemSpec> systems, DxfForm form,
                     const FileSystem::Writer& write, const OpeningLayout& openings, const PlanLook& plan) {
   constexpr std::uint64_t kHandlesOfOpening = 4;  // another piece of its wall, and three lines at most
-  const DrawingLook look =
-      drawingLook(plan, openings.empty() ? entities : cutOpen(entities, openings), systems);
+  const DrawingLook look = drawingLook(plan, cutOpen(entities, openings), systems);
   const std::vector<WallLoop> loops = wallLoops(look.joined);
   const DxfLayers layers(systems, form, !openings.empty(), plan.cleanWalls);
   DxfOutput out(write);

@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "core/plan_look.h"
+#include "geometry/joined_walls.h"
 #include "interaction/canvas_transform.h"
 #include "interaction/drawing_bounds.h"
 #include "platform/unicode.h"
@@ -100,7 +101,9 @@ constexpr std::array kDxfLayerings{Word<DxfLayering>{"system", DxfLayering::bySy
 constexpr std::array kDxfUnits{Word<DxfExportUnit>{"ft", DxfExportUnit::feet},
                                Word<DxfExportUnit>{"in", DxfExportUnit::inches},
                                Word<DxfExportUnit>{"mm", DxfExportUnit::millimeters}};
-constexpr std::array kSchedules{Word<ExportSchedule>{"openings", ExportSchedule::openings}};
+constexpr std::array kSchedules{Word<ExportSchedule>{"openings", ExportSchedule::openings},
+                                Word<ExportSchedule>{"rooms", ExportSchedule::rooms},
+                                Word<ExportSchedule>{"takeoff", ExportSchedule::takeoff}};
 constexpr std::array kSwitches{Word<bool>{"on", true}, Word<bool>{"off", false}};
 
 // "clean,fill,weights", any of them in any order, or "none".
@@ -155,7 +158,7 @@ constexpr std::array kOptions{
            }},
     Option{"schedule",
            [](ExportOptions& o, const std::string& v) {
-             o.schedule = wordOf(v, kSchedules, "is not a schedule; there is openings");
+             o.schedule = wordOf(v, kSchedules, "is not a schedule; there are openings, rooms and takeoff");
            }},
 };
 
@@ -164,6 +167,27 @@ constexpr auto kOptionNames = [] {
   for (std::size_t i = 0; i < names.size(); ++i) names[i] = kOptions[i].name;
   return names;
 }();
+
+// With what the look of the plan and its openings paint beyond the entities: mitred corners, the leaves of
+// doors.
+std::optional<SketchBox> withPlan(std::optional<SketchBox> box, const EntityList& entities,
+                                  std::span<const WallSystemSpec> systems, const ExportOptions& options) {
+  const auto add = [&box](const SketchBox& part) {
+    if (isFinite(part)) box = box ? box->united(part) : part;
+  };
+  if (options.look && options.look->cleanWalls) {
+    JoinedWalls::of(entities, systems).visitAll([&](const JoinedWall& wall) {
+      for (const SketchPoint corner : wall.body.outline) add(SketchBox::centered(corner, 0));
+    });
+  }
+  if (options.openings != nullptr) {
+    for (const PlacedOpening& placed : options.openings->all()) {
+      if (placed.fit != OpeningFit::fits) continue;
+      add(openingBounds(openingShape(placed.opening, placed.wall)));
+    }
+  }
+  return box;
+}
 
 // The drawing on a sheet that is just as large as it needs to be.
 PicturePage ownSheet(const SketchBox& box, DrawingScale scale) {
@@ -183,7 +207,7 @@ PicturePage ownSheet(const SketchBox& box, DrawingScale scale) {
 
 std::vector<PicturePage> paperPages(const EntityList& entities, std::span<const WallSystemSpec> systems,
                                     const ExportOptions& options) {
-  const auto box = paintedBounds(entities, systems);
+  const auto box = withPlan(paintedBounds(entities, systems), entities, systems, options);
   if (!options.paper) return {ownSheet(box.value_or(SketchBox{}), *options.scale)};
   const PageLayout layout =
       layOutPages(box, {.paper = *options.paper, .orientation = options.orientation, .scale = options.scale});
@@ -233,8 +257,12 @@ std::vector<PicturePage> picturePages(ExportFormat format, const EntityList& ent
     refuse("How a sheet lies can be told only with a sheet.");
   }
   std::vector<PicturePage> pages =
-      options.isOnPaper() ? paperPages(entities, systems, options)
-                          : std::vector{PicturePage{options.size, fittedViewport(entities, options.size), 0}};
+      options.isOnPaper()
+          ? paperPages(entities, systems, options)
+          : std::vector{PicturePage{
+                options.size,
+                fittedViewport(withPlan(drawingBounds(entities), entities, systems, options), options.size),
+                0}};
   if (format != ExportFormat::pdf && pages.size() > 1) {
     refuse(fmt::format(
         "At {} the drawing takes {} sheets of {}, and only a PDF has pages. Choose a smaller scale, "

@@ -28,7 +28,7 @@ class ExportOptionError : public UserError {
 };
 
 enum class ExportFormat { png, svg, pdf, dxf };
-enum class ExportSchedule { openings };
+enum class ExportSchedule { openings, rooms, takeoff };
 enum class ExportTheme { light, dark, tansy };
 
 /// The size of an exported picture where none is given, view points.
@@ -82,8 +82,8 @@ bool isTableFile(const std::filesystem::path& path);
 std::span<const std::string_view> exportOptionNames();
 /// Reads one option: size 1200x800, pixel-ratio 2, paper "ARCH D", scale 1/4in=1ft, orientation
 /// portrait or landscape, theme light, dark or tansy, grid on or off, look clean,fill,weights or none, dxf
-/// r12 or 2000, dxf-layers system or kind, dxf-units ft, in or mm, schedule openings. Throws
-/// `ExportOptionError`.
+/// r12 or 2000, dxf-layers system or kind, dxf-units ft, in or mm, schedule openings, rooms or takeoff.
+/// Throws `ExportOptionError`.
 void setExportOption(ExportOptions& options, std::string_view name, const std::string& value);
 
 /// One page of a picture.

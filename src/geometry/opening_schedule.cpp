@@ -8,9 +8,9 @@
 #include <set>
 #include <utility>
 
+#include "core/text_table.h"
 #include "core/typed_length.h"
 #include "geometry/opening_operations.h"
-#include "platform/unicode.h"
 
 namespace ostrelon {
 namespace {
@@ -60,17 +60,7 @@ std::string openingScheduleText(const OpeningLayout& layout, const Plan& plan) {
   const auto add = [&](const std::string& line) { text += (text.empty() ? "" : "\n") + line; };
   const std::vector<std::vector<std::string>> table = openingScheduleTable(layout);
   if (table.size() > 1) {
-    std::vector<std::size_t> widths(table.front().size());
-    for (const auto& row : table) {
-      for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], characterCount(row[i]));
-    }
-    for (const auto& row : table) {
-      std::string line;
-      for (std::size_t i = 0; i + 1 < row.size(); ++i) {
-        line += row[i] + std::string(widths[i] - characterCount(row[i]) + 2, ' ');
-      }
-      add(line + row.back());
-    }
+    add(columnsText(table));
   } else if (layout.empty()) {
     add("No doors, windows or openings.");
   }

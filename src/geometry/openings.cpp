@@ -185,6 +185,29 @@ std::vector<std::pair<double, double>> wallBesideOpenings(const OpeningWall& wal
   return pieces;
 }
 
+EntityList cutOpen(const EntityList& entities, const OpeningLayout& openings) {
+  if (openings.empty()) return entities;
+  std::vector<SketchEntity> left;
+  for (const SketchEntity& entity : entities) {
+    const auto& ofWall = openings.ofWall(entityID(entity));
+    const auto* wall = std::get_if<WallEntity>(&entity);
+    if (wall == nullptr || ofWall.empty()) {
+      left.push_back(entity);
+      continue;
+    }
+    const OpeningWall& host = openings.all()[ofWall.front()].wall;
+    WallEntity stretch = *wall;
+    for (const auto& [from, to] : wallBesideOpenings(host, openings)) {
+      stretch.from = host.at(from);
+      stretch.to = host.at(to);
+      left.emplace_back(stretch);
+      // Not a random one: the same drawing gives the same file.
+      stretch.id.low += 0x9E3779B97F4A7C15ULL;
+    }
+  }
+  return EntityList(std::move(left));
+}
+
 // --- Neighbours
 
 OpeningRoom openingRoom(const OpeningWall& wall, double at, const SharedList<Opening>& openings,

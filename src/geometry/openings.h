@@ -89,6 +89,10 @@ class OpeningLayout {
 std::vector<std::pair<double, double>> wallBesideOpenings(const OpeningWall& wall,
                                                           const OpeningLayout& layout);
 
+/// The entities with walls cut open: each stretch beside the openings that fit is a wall by itself, so that
+/// joined outlines end at the jambs. The first keeps the wall's identifier.
+EntityList cutOpen(const EntityList& entities, const OpeningLayout& openings);
+
 // --- Neighbours
 
 /// The free stretch of a wall around a place.

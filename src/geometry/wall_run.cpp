@@ -63,6 +63,21 @@ WallAxis justifiedAxis(const WallAxis& drawn, double thickness, WallJustificatio
   return {drawn.from + offset, drawn.to + offset};
 }
 
+SketchPoint drawnEnd(const WallAxis& axis, int which, double thickness, WallJustification justification) {
+  const SketchPoint offset = justifiedAxis(axis, thickness, justification).from - axis.from;
+  return (which == 0 ? axis.from : axis.to) - offset;
+}
+
+std::optional<SketchPoint> justifiedCorner(const WallAxis& before, const WallAxis& after) {
+  const SketchPoint a = before.to - before.from;
+  const SketchPoint b = after.to - after.from;
+  const double turn = cross(a, b);
+  if (!(std::fabs(turn) > kParallelSine * lengthOf(a) * lengthOf(b))) return std::nullopt;
+  const SketchPoint corner = before.from + a * (cross(after.from - before.from, b) / turn);
+  if (!(dot(corner - before.from, a) > 0) || !(dot(after.to - corner, b) > 0)) return std::nullopt;
+  return corner;
+}
+
 std::variant<std::vector<WallAxis>, RunRefusal> runAxes(const RunPath& path, double thickness, RunFace face) {
   const auto justification = justificationOf(path, face);
   if (!justification) return RunRefusal{RunProblem::noArea, 0};

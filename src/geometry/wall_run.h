@@ -26,6 +26,13 @@ struct WallAxis {
 /// a thickness that is not finite and above 0, leave the line as it is.
 WallAxis justifiedAxis(const WallAxis& drawn, double thickness, WallJustification justification);
 
+/// The point of the drawn line that belongs to an end of the centre line: to its start (0) or its end (1).
+SketchPoint drawnEnd(const WallAxis& axis, int which, double thickness, WallJustification justification);
+
+/// Where two walls meet that are drawn one behind the other by a face: at the point where their centre lines
+/// cross. Absent where these are parallel, or nothing would be left of one of the walls.
+std::optional<SketchPoint> justifiedCorner(const WallAxis& before, const WallAxis& after);
+
 /// Which face of a run the path is: for a closed one by the area that it encloses, for an open one `outer` is
 /// the left face.
 enum class RunFace { middle, outer, inner };

@@ -21,6 +21,8 @@
 
 namespace ostrelon {
 
+class NearWallFaces;
+
 /// What the console reports of a click of the trim tool.
 struct TrimClick {
   std::string message;
@@ -278,6 +280,10 @@ class Board {
   /// Clears the snap state unless a draft or a drag shows it.
   void clearIdleSnap();
   void addDraft(bool whateverItsSize);
+  /// The faces of the walls near a point, while the plan has clean walls; else none.
+  NearWallFaces wallFacesNear(SketchPoint point, const std::unordered_set<UUID>& excluded = {}) const;
+  /// A snap result, or where a corner of a face is nearer, or nothing else is near, one on the faces.
+  static SketchSnapResult onWallFaces(const SketchSnapResult& plain, const NearWallFaces& faces);
   /// Ends a drag, a marquee and what is selected of the plan before the tool changes.
   void endSelectGestures();
   /// What undo and redo end: anything but a polygon in progress.

@@ -30,7 +30,10 @@ SketchViewport centredViewport(SketchSize canvas) {
 }
 
 SketchViewport fittedViewport(const EntityList& entities, SketchSize canvas) {
-  const auto bounds = drawingBounds(entities);
+  return fittedViewport(drawingBounds(entities), canvas);
+}
+
+SketchViewport fittedViewport(const std::optional<SketchBox>& bounds, SketchSize canvas) {
   if (!bounds) return centredViewport(canvas);
   const double width = bounds->width() + 2 * kFitMargin;
   const double height = bounds->height() + 2 * kFitMargin;

@@ -18,5 +18,7 @@ SketchViewport centredViewport(SketchSize canvas);
 /// The view that shows all entities in the middle of the canvas, with a margin around them; a fresh
 /// view where there is nothing to show.
 SketchViewport fittedViewport(const EntityList& entities, SketchSize canvas);
+/// The same for what lies in a box, sketch units.
+SketchViewport fittedViewport(const std::optional<SketchBox>& bounds, SketchSize canvas);
 
 }  // namespace ostrelon

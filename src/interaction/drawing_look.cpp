@@ -2,13 +2,6 @@
 
 namespace ostrelon {
 
-namespace {
-
-/// So few entities are joined at once.
-constexpr std::size_t kLittle = 3000;
-
-}  // namespace
-
 DrawingLook drawingLook(const PlanLook& plan, const EntityList& entities,
                         std::span<const WallSystemSpec> systems) {
   return {plan, plan.cleanWalls ? JoinedWalls::of(entities, systems) : JoinedWalls()};
@@ -31,7 +24,7 @@ const DrawingLook& SketchLook::now() {
       look_.joined.follow(drawing.entities, drawing.wallSystemSpecs, sketch_.index())) {
     return look_;
   }
-  if (drawing.entities.size() <= kLittle) {
+  if (drawing.entities.size() <= kJoinedAtOnce) {
     cancel();
     look_.joined = JoinedWalls::of(drawing.entities, drawing.wallSystemSpecs);
   } else {

@@ -26,6 +26,9 @@ struct DrawingLook {
   }
 };
 
+/// So few entities are joined at once, without being noticed.
+inline constexpr std::size_t kJoinedAtOnce = 3000;
+
 /// The look of these entities, worked out at once.
 DrawingLook drawingLook(const PlanLook& plan, const EntityList& entities,
                         std::span<const WallSystemSpec> systems);

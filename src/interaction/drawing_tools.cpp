@@ -10,6 +10,7 @@
 #include "interaction/canvas_frame.h"
 #include "interaction/sketch_snapping.h"
 #include "interaction/tracking.h"
+#include "interaction/wall_chain.h"
 
 namespace ostrelon {
 
@@ -36,7 +37,7 @@ std::optional<SketchEntity> draftedEntity(SketchTool tool, const SketchDraft& dr
   return std::nullopt;
 }
 
-std::optional<SketchEntity> draftedEntity(const Board& board) {
+std::optional<SketchEntity> draftedEntity(const Board& board, std::vector<WallEntity>* changed) {
   if (board.draft() == nullptr) return std::nullopt;
   const Drawing& drawing = board.sketch().drawing;
   auto entity = draftedEntity(board.tool, *board.draft(), drawing.activeWallSystemSpecID);
@@ -45,6 +46,9 @@ std::optional<SketchEntity> draftedEntity(const Board& board) {
     const auto [from, to] = justifiedAxis({wall->from, wall->to}, thickness, board.wallJustification);
     wall->from = from;
     wall->to = to;
+    auto others =
+        joinToChain(*wall, board.wallJustification, board.sketch().index(), drawing.wallSystemSpecs);
+    if (changed != nullptr) *changed = std::move(others);
   }
   return entity;
 }
@@ -115,9 +119,19 @@ void Board::commitTypedDraft() { addDraft(true); }
 void Board::addDraft(bool whateverItsSize) {
   if (draft() == nullptr) return;
   const auto scope = change();
-  auto entity = draftedEntity(*this);
+  std::vector<WallEntity> changed;
+  auto entity = draftedEntity(*this, &changed);
   if (entity && (whateverItsSize || isDraftLargeEnough(tool, *draft()))) {
-    addEntity(sketch_, withEntityID(std::move(*entity), UUID::random()));
+    *entity = withEntityID(std::move(*entity), UUID::random());
+    if (changed.empty()) {
+      addEntity(sketch_, std::move(*entity));
+    } else {
+      sketch_.asOneStep([&] {
+        for (const WallEntity& wall : changed) replaceEntity(sketch_, wall.id, wall, UndoStep::own);
+        addEntity(sketch_, *entity);
+        return true;
+      });
+    }
   }
   clearDraft();
 }

@@ -23,8 +23,8 @@ inline constexpr std::size_t kMinimumPolygonVertices = 3;
 std::optional<SketchEntity> draftedEntity(SketchTool tool, const SketchDraft& draft,
                                           const UUID& wallSystemID);
 /// What the draft in progress becomes, with a null identifier: a wall lies beside the drawn line where that
-/// is one of its faces. Absent without one.
-std::optional<SketchEntity> draftedEntity(const Board& board);
+/// is one of its faces, and `changed` are the walls that give way at its corners. Absent without one.
+std::optional<SketchEntity> draftedEntity(const Board& board, std::vector<WallEntity>* changed = nullptr);
 /// True when a draft is large enough for the tool to make an entity of it.
 bool isDraftLargeEnough(SketchTool tool, const SketchDraft& draft);
 

@@ -13,6 +13,7 @@
 #include "geometry/plan_item_operations.h"
 #include "geometry/selection_handles.h"
 #include "interaction/board.h"
+#include "interaction/face_snapping.h"
 #include "interaction/sketch_snapping.h"
 
 namespace ostrelon {
@@ -108,8 +109,9 @@ void Board::updateHandleDrag(const SelectDrag& drag, const HandleDrag& handle, S
   const SketchEntity* current = sketch_.entity(handle.entityID);
   if (current == nullptr) return;
   const SketchSnapResult snapped =
-      SketchSnapping::snapHandleDrag(handle.handle, handle.anchor, sketch_.index(), point, viewport(),
-                                     sketch_.drawing->showGrid, drag.referenceAngle);
+      onWallFaces(SketchSnapping::snapHandleDrag(handle.handle, handle.anchor, sketch_.index(), point,
+                                                 viewport(), sketch_.drawing->showGrid, drag.referenceAngle),
+                  wallFacesNear(point, {handle.entityID}));
   auto moved = applyHandleDrag(handle.handle, *current, handle.anchor, snapped.point);
   if (!moved) return;
   replaceEntity(sketch_, handle.entityID, std::move(*moved));

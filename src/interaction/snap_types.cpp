@@ -16,7 +16,10 @@ std::string_view entitySnapKindWord(EntitySnapKind kind) {
     case EntitySnapKind::tangent:
       return "Tangent";
     case EntitySnapKind::corner:
+    case EntitySnapKind::faceCorner:
       return "Corner";
+    case EntitySnapKind::face:
+      return "Face";
   }
   return {};
 }

@@ -14,7 +14,17 @@ namespace ostrelon {
 /// A locked direction: along x, along y, or one of the two diagonals.
 enum class AxisSnap { horizontal, vertical, diagonalUp, diagonalDown };
 
-enum class EntitySnapKind { endpoint, midpoint, center, quadrant, tangent, corner, edgeMidpoint };
+enum class EntitySnapKind {
+  endpoint,
+  midpoint,
+  center,
+  quadrant,
+  tangent,
+  corner,
+  edgeMidpoint,
+  faceCorner,  ///< of a clean wall
+  face,        ///< anywhere along a face of a clean wall
+};
 
 /// A point of an entity that the pointer can snap to.
 struct EntitySnapTarget {

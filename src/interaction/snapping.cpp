@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "interaction/board.h"
+#include "interaction/face_snapping.h"
 #include "interaction/sketch_snapping.h"
 #include "interaction/tracking.h"
 
@@ -10,7 +11,9 @@ namespace ostrelon {
 SketchSnapResult Board::snapDraftEnd(SketchPoint anchor, SketchPoint pointer) const {
   const double scale = view->viewport.scale;
   SketchSnapResult result;
-  if (auto target = SketchSnapping::nearestEntityTarget(sketch_.index(), {}, pointer, scale, anchor)) {
+  const NearWallFaces faces = wallFacesNear(pointer);
+  if (auto target =
+          faces.orCorner(SketchSnapping::nearestEntityTarget(sketch_.index(), {}, pointer, scale, anchor))) {
     result.point = target->point;
     result.entitySnap = std::move(target);
     return result;
@@ -30,6 +33,13 @@ SketchSnapResult Board::snapDraftEnd(SketchPoint anchor, SketchPoint pointer) co
     }
   }
 
+  if (auto face =
+          faces.place(axis.axes.empty() ? std::nullopt : std::optional(std::pair(anchor, axis.point)))) {
+    result.point = face->point;
+    result.entitySnap = std::move(face);
+    return result;
+  }
+
   if (sketch_.drawing->showGrid) {
     if (auto grid = SketchSnapping::gridSnap(pointer, scale)) {
       result.point = grid->point;
@@ -41,7 +51,23 @@ SketchSnapResult Board::snapDraftEnd(SketchPoint anchor, SketchPoint pointer) co
 }
 
 SketchSnapResult Board::snapPointer(SketchPoint point, bool useGrid) const {
-  return SketchSnapping::snapPoint(point, viewport(), sketch_.index(), {}, useGrid);
+  const SketchSnapResult plain = SketchSnapping::snapPoint(point, viewport(), sketch_.index(), {}, useGrid);
+  return onWallFaces(plain, wallFacesNear(point));
+}
+
+NearWallFaces Board::wallFacesNear(SketchPoint point, const SketchSnapping::EntityIDs& excluded) const {
+  if (!sketch_.drawing->plan.look.cleanWalls) return {};
+  return {sketch_.index(), sketch_.drawing->wallSystemSpecs, excluded, point, view->viewport.scale};
+}
+
+SketchSnapResult Board::onWallFaces(const SketchSnapResult& plain, const NearWallFaces& faces) {
+  auto target = faces.orCorner(plain.entitySnap);
+  if (!target && plain.axes.empty()) target = faces.place();
+  if (!target || target == plain.entitySnap) return plain;
+  SketchSnapResult result;
+  result.point = target->point;
+  result.entitySnap = std::move(target);
+  return result;
 }
 
 void Board::publishSnap(const SketchSnapResult& result, std::optional<SketchPoint> guideAnchor) {

@@ -7,7 +7,9 @@
 #include <QPainter>
 #include <QWheelEvent>
 #include <algorithm>
+#include <atomic>
 #include <cmath>
+#include <future>
 #include <utility>
 
 #include "interaction/canvas_renderer.h"
@@ -28,6 +30,32 @@ constexpr std::chrono::milliseconds kSlice{3};
 constexpr int kFromEdge = 16;
 
 }  // namespace
+
+// Joins the walls of a drawing on a thread of its own.
+class DrawingView::Joining {
+ public:
+  Joining(const Drawing& drawing, const std::function<void()>& joined)
+      : thread_(std::async(std::launch::async,
+                           [this, entities = drawing.entities, systems = drawing.wallSystemSpecs, joined] {
+                             joined_ = JoinedWalls::of(entities, systems, 2, &isCancelled_);
+                             if (!isCancelled_) joined();
+                           })) {}
+  Joining(const Joining&) = delete;
+  Joining& operator=(const Joining&) = delete;
+  ~Joining() {
+    isCancelled_ = true;
+    thread_.wait();
+  }
+  JoinedWalls take() {
+    thread_.wait();
+    return std::move(joined_);
+  }
+
+ private:
+  std::atomic<bool> isCancelled_ = false;
+  JoinedWalls joined_;
+  std::future<void> thread_;
+};
 
 DrawingView::DrawingView(Theme& theme, QWidget* parent)
     : QWidget(parent),
@@ -70,13 +98,34 @@ DrawingView::~DrawingView() = default;
 void DrawingView::setDrawing(Drawing drawing) {
   drawing_ = std::move(drawing);
   bounds_ = shownBounds(*drawing_);
-  look_ = drawingLook(drawing_->plan.look, drawing_->entities, drawing_->wallSystemSpecs);
+  joinWalls();
   notice_.clear();
   if (isFitted_ || !showsAnything()) fit();
   update();
 }
 
+void DrawingView::joinWalls() {
+  joining_.reset();
+  if (!drawing_->plan.look.cleanWalls || drawing_->entities.size() <= kJoinedAtOnce) {
+    look_ = drawingLook(drawing_->plan.look, drawing_->entities, drawing_->wallSystemSpecs);
+    return;
+  }
+  look_ = {drawing_->plan.look, {}};
+  joining_ = std::make_unique<Joining>(*drawing_, [this] {
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+          if (!joining_) return;
+          look_.joined = joining_->take();
+          joining_.reset();
+          update();
+        },
+        Qt::QueuedConnection);
+  });
+}
+
 void DrawingView::setNotice(const QString& sentence) {
+  joining_.reset();
   drawing_.reset();
   picture_.clear();
   notice_ = sentence;

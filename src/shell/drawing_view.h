@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QWidget>
+#include <memory>
 #include <optional>
 
 #include "core/drawing.h"
@@ -41,6 +42,8 @@ class DrawingView final : public QWidget {
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
+  class Joining;
+  void joinWalls();
   SketchSize canvasSize() const { return {static_cast<double>(width()), static_cast<double>(height())}; }
   void moveBy(QPointF points);
   bool showsAnything() const;
@@ -48,7 +51,8 @@ class DrawingView final : public QWidget {
   Theme& theme_;
   std::optional<Drawing> drawing_;
   DrawingLook look_;
-  std::optional<SketchBox> bounds_;  // of the drawing
+  std::unique_ptr<Joining> joining_;  // while the walls of a large drawing are being joined
+  std::optional<SketchBox> bounds_;   // of the drawing
   QString notice_;
   SketchViewport view_;
   bool isFitted_ = true;  // follows the size of the window

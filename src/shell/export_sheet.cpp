@@ -4,6 +4,7 @@
 #include <QRegularExpression>
 #include <QVBoxLayout>
 
+#include "geometry/opening_operations.h"
 #include "shell/qt_text.h"
 
 namespace ostrelon {
@@ -175,7 +176,10 @@ void ExportSheet::chooseFile() {
     chosen = options();
     // What cannot be laid out is reported here, where it can be corrected.
     if (format() != ExportFormat::dxf) {
-      picturePages(format(), workspace.sketch.entities(), workspace.sketch.drawing->wallSystemSpecs, chosen);
+      ExportOptions complete = chosen;
+      complete.openings = std::make_shared<const OpeningLayout>(openingLayout(workspace.sketch));
+      picturePages(format(), workspace.sketch.entities(), workspace.sketch.drawing->wallSystemSpecs,
+                   complete);
     }
   } catch (const UserError& error) {
     error_->setText(QString::fromUtf8(error.what()));

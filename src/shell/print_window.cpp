@@ -33,6 +33,12 @@ void setSheet(QPrinter& printer, SketchSize page) {
   printer.setFullPage(true);
 }
 
+// The options with the openings of the drawing.
+ExportOptions complete(ExportOptions options, const Workspace& workspace) {
+  options.openings = std::make_shared<const OpeningLayout>(openingLayout(workspace.sketch));
+  return options;
+}
+
 std::vector<PicturePage> printPages(const Workspace& workspace, const ExportOptions& options) {
   return picturePages(ExportFormat::pdf, workspace.sketch.entities(),
                       workspace.sketch.drawing->wallSystemSpecs, options);
@@ -41,21 +47,20 @@ std::vector<PicturePage> printPages(const Workspace& workspace, const ExportOpti
 void paintPages(QPrinter& printer, const std::vector<PicturePage>& pages, const Workspace& workspace,
                 const ExportOptions& options) {
   QPainter painter;
-  ExportOptions withOpenings = options;
-  withOpenings.openings = std::make_shared<const OpeningLayout>(openingLayout(workspace.sketch));
   if (!painter.begin(&printer)) throw UserError("The printer does not take the job.");
   const double dotsPerPoint = printer.resolution() / kPointsPerInch;
   painter.scale(dotsPerPoint, dotsPerPoint);
   for (std::size_t i = 0; i < pages.size(); ++i) {
     if (i > 0 && !printer.newPage()) throw UserError("The printer does not take another page.");
     paintPicturePage(painter, pages[i], workspace.sketch.entities(),
-                     workspace.sketch.drawing->wallSystemSpecs, withOpenings);
+                     workspace.sketch.drawing->wallSystemSpecs, options);
   }
 }
 
 }  // namespace
 
-int printDrawing(QPrinter& printer, const Workspace& workspace, const ExportOptions& options) {
+int printDrawing(QPrinter& printer, const Workspace& workspace, const ExportOptions& given) {
+  const ExportOptions options = complete(given, workspace);
   const std::vector<PicturePage> pages = printPages(workspace, options);
   setSheet(printer, pages.front().size);
   paintPages(printer, pages, workspace, options);
@@ -127,7 +132,7 @@ PrintWindow::PrintWindow(Application& application, Theme& theme, QWidget* parent
   connect(printButton_, &QPushButton::clicked, this, [this] { print(); });
   connect(preview_, &QPrintPreviewWidget::paintRequested, this, [this](QPrinter* printer) {
     try {
-      const ExportOptions chosen = options();
+      const ExportOptions chosen = complete(options(), application_.workspace());
       paintPages(*printer, printPages(application_.workspace(), chosen), application_.workspace(), chosen);
     } catch (const UserError&) {
       // `refresh` has said why there is nothing to see.
@@ -153,13 +158,17 @@ ExportOptions PrintWindow::options() const {
 
 void PrintWindow::refresh() {
   try {
-    const std::vector<PicturePage> pages = printPages(application_.workspace(), options());
+    const ExportOptions chosen = complete(options(), application_.workspace());
+    const std::vector<PicturePage> pages = printPages(application_.workspace(), chosen);
     setSheet(printer_, pages.front().size);
     const DrawingScale scale{kInchesPerFoot * kPointsPerInch / pages.front().viewport.scale};
-    status_->setText(QStringLiteral("%1 at %2")
-                         .arg(pages.size() == 1 ? QStringLiteral("1 sheet")
-                                                : QStringLiteral("%1 sheets").arg(pages.size()),
-                              qtText(drawingScaleText(scale))));
+    QString text = QStringLiteral("%1 at %2")
+                       .arg(pages.size() == 1 ? QStringLiteral("1 sheet")
+                                              : QStringLiteral("%1 sheets").arg(pages.size()),
+                            qtText(drawingScaleText(scale)));
+    const std::string leftOut = leftOutText(*chosen.openings);
+    if (!leftOut.empty()) text += u'\n' + qtText(leftOut);
+    status_->setText(text);
     printButton_->setEnabled(true);
   } catch (const UserError& error) {
     status_->setText(QString::fromUtf8(error.what()));

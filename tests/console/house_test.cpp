@@ -1,12 +1,15 @@
 // The sample house, whose measures are worked out by hand: 42' by 28' outside, walls of 6 1/2" and 4 1/2".
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 
 #include "core/typed_length.h"
 #include "geometry/opening_operations.h"
 #include "geometry/opening_schedule.h"
+#include "geometry/rooms.h"
+#include "geometry/takeoff.h"
 #include "support/test_workspace.h"
 
 namespace ostrelon {
@@ -61,6 +64,55 @@ TEST_F(HouseTest, HasItsDoorsAndWindowsInTheirPlaces) {
   EXPECT_EQ(schedule,
             "D1 2'-4\" 1\nD2 2'-8\" 5\nD3 3'-0\" 1\n"
             "W1 2'-0\" 1\nW2 3'-0\" 1\nW3 4'-0\" 5\nW4 5'-0\" 3\nW5 6'-0\" 2\nO1 3'-0\" 1\n");
+}
+
+TEST_F(HouseTest, ItsRoomsAndWallsMakeUpTheHouse) {
+  const RoomPlan plan = roomPlan(sketch.entities(), sketch.drawing->wallSystemSpecs);
+  ASSERT_EQ(plan.rooms.size(), 7u);
+  // Square inches: the living room is an L around the study and its walls.
+  std::vector<double> areas{255.25 * 323 - 110.25 * 139.75,
+                            105.75 * 135.25,
+                            115.5 * 135.25,
+                            231.25 * 37.5,
+                            79.5 * 141.25,
+                            147.25 * 141.25,
+                            111.25 * 135.25};
+  std::vector<double> found;
+  for (const Room& room : plan.rooms) found.push_back(room.area * 144);
+  std::sort(areas.begin(), areas.end());
+  std::sort(found.begin(), found.end());
+  for (std::size_t i = 0; i < areas.size(); ++i) EXPECT_NEAR(found[i], areas[i], 0.01);
+  EXPECT_NEAR(plan.grossArea, 42 * 28, 1e-6);
+  const double walls = (504.0 * 336 - 491 * 323 + 5883.75) / 144;
+  EXPECT_NEAR(plan.wallArea, walls, 1e-6);
+  EXPECT_EQ(reply("rooms"), R"table(Room   Size                     Area     Perimeter
+1                               466 SF   96'-4 1/2"
+2      8'-9 3/4" × 11'-3 1/4"   99 SF    40'-2"
+3      9'-7 1/2" × 11'-3 1/4"   108 SF   41'-9 1/2"
+4      19'-3 1/4" × 3'-1 1/2"   60 SF    44'-9 1/2"
+5      6'-7 1/2" × 11'-9 1/4"   78 SF    36'-9 1/2"
+6      12'-3 1/4" × 11'-9 1/4"  144 SF   48'-1"
+7      9'-3 1/4" × 11'-3 1/4"   104 SF   41'-1"
+Rooms                           1060 SF
+Walls                           116 SF
+Gross                           1176 SF)table");
+  ;
+}
+
+TEST_F(HouseTest, ItsTakeoffCountsEachPlaceOnce) {
+  const OpeningLayout openings = openingLayout(sketch);
+  const Takeoff all = takeoff(sketch.entities(), sketch.drawing->wallSystemSpecs, openings);
+  ASSERT_EQ(all.walls.size(), 2u);
+  const auto& inside = all.walls[all.walls[0].system == "W2-INT" ? 0 : 1];
+  const auto& outside = all.walls[all.walls[0].system == "W2-INT" ? 1 : 0];
+  EXPECT_EQ(outside.walls, 4u);
+  EXPECT_NEAR(outside.length * 12, 2 * (497.5 + 329.5), 1e-3);
+  EXPECT_NEAR(outside.faceArea, 8 * (2 * (497.5 + 329.5) - 692) / 12, 1e-3);
+  EXPECT_NEAR(outside.volume, 8 * (504 * 336 - 491 * 323 - 692 * 6.5) / 144, 1e-3);
+  EXPECT_EQ(inside.walls, 7u);
+  EXPECT_NEAR(inside.length * 12, 1316.5, 1e-3);
+  EXPECT_NEAR(inside.faceArea, 8 * (1316.5 - 192) / 12, 1e-3);
+  EXPECT_NEAR(inside.volume, 8 * (5883.75 - 192 * 4.5) / 144, 1e-3);
 }
 
 }  // namespace

@@ -152,5 +152,31 @@ TEST(PixelRaster, TouchesNothingOutsideTheClipWhateverTheNumbers) {
   EXPECT_EQ(sheet.coverage(15, 15), 1);
 }
 
+TEST(PixelRaster, AreasThatMeetOrOverlapAreOneArea) {
+  const std::vector<SketchPoint> left{{10, 8}, {30, 20}, {26, 50}, {6, 44}};
+  const std::vector<SketchPoint> right{{30, 20}, {52, 31}, {47, 58}, {26, 50}};
+  const std::vector<SketchPoint> over{{20, 25}, {40, 34}, {37, 46}, {18, 40}};
+  CanvasPath path;
+  for (const auto& piece : {left, right, over}) path.addPiece(piece, true);
+  Sheet sheet;
+  rasterConvexAreas(sheet.buffer(), path, 1, {0, 0, 0, 128});
+  for (int y = 22; y < 48; ++y) {
+    // Along the edge that both share, and across what lies over both.
+    const int x = static_cast<int>(30 - 4 * (y - 20) / 30.0);
+    EXPECT_EQ(sheet.pixel(x, y), 0xFF7F7F7FU) << y;
+    EXPECT_EQ(sheet.pixel(x - 1, y), 0xFF7F7F7FU) << y;
+  }
+  EXPECT_EQ(sheet.pixel(2, 2), 0xFFFFFFFFU);
+  Sheet one;
+  rasterConvexAreas(one.buffer(), path, 1, kBlack);
+  const auto within = [&](const std::vector<SketchPoint>& piece, SketchPoint p) {
+    for (std::size_t i = 0; i < piece.size(); ++i) {
+      if (cross(piece[(i + 1) % piece.size()] - piece[i], p - piece[i]) < 0) return false;
+    }
+    return true;
+  };
+  EXPECT_LT(one.worstAgainst([&](SketchPoint p) { return within(left, p) || within(right, p); }), 0.3);
+}
+
 }  // namespace
 }  // namespace ostrelon

@@ -6,9 +6,11 @@
 #include <QPrinter>
 #include <QTimer>
 #include <cstdlib>
+#include <fstream>
 
 #include "core/adding.h"
 #include "exchange/picture_page.h"
+#include "geometry/opening_operations.h"
 #include "shell/drawing_export.h"
 #include "shell/export_sheet.h"
 #include "shell/help_window.h"
@@ -261,6 +263,34 @@ TEST_F(ExportAndPrint, TheManualGoesWithTheProgram) {
   const QString text = manual.page().toPlainText();
   EXPECT_TRUE(text.contains("The first room"));
   EXPECT_GT(text.size(), 4000);
+}
+
+struct HousePictures : testing::WindowFixture {
+  ExportOptions options;
+  HousePictures() {
+    std::ifstream file(OSTRELON_SOURCE_DIR "/examples/house");
+    for (std::string line; std::getline(file, line);) {
+      workspace.console.setInput(line);
+      workspace.console.submit();
+    }
+    options.look = sketch.drawing->plan.look;
+    options.openings = std::make_shared<const OpeningLayout>(openingLayout(sketch));
+  }
+};
+
+TEST_F(HousePictures, PagesHaveRoomForTheLeavesOfDoors) {
+  const auto& systems = sketch.drawing->wallSystemSpecs;
+  setExportOption(options, "scale", "1/4in=1ft");
+  const auto sizeNow = [&] {
+    return picturePages(ExportFormat::pdf, sketch.entities(), systems, options).front().size;
+  };
+  const SketchSize before = sizeNow();
+  // Outwards through the lower wall, three feet: the leaf stands 3' from the wall's middle, and the wall
+  // itself 3 1/4" from it.
+  workspace.console.setInput("door 1 21' 3' out");
+  workspace.console.submit();
+  options.openings = std::make_shared<const OpeningLayout>(openingLayout(sketch));
+  EXPECT_NEAR(sizeNow().height - before.height, (3 - 3.25 / 12) * 18, 1.5 * 18 / 12);
 }
 
 }  // namespace

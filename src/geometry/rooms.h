@@ -1,0 +1,47 @@
+// The rooms of a plan: the holes of all its walls taken together, whatever their systems, with doors and
+// windows closed. Sketch units, which are feet.
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "core/entity_list.h"
+#include "core/sketch_box.h"
+#include "core/sketch_point.h"
+#include "core/text_table.h"
+#include "core/wall_system.h"
+
+namespace ostrelon {
+
+struct Room {
+  std::vector<SketchPoint> outline;               ///< along the faces of its walls, clockwise
+  std::vector<std::vector<SketchPoint>> islands;  ///< around walls that stand free in it, counter-clockwise
+  double area = 0;                                ///< square units, without what stands in it
+  double perimeter = 0;                           ///< of the outline and the islands
+  SketchBox box;                                  ///< around the outline
+
+  bool contains(SketchPoint point) const;
+  /// Nearly as large as its box, so that width and height say what it measures.
+  bool isRectangular() const;
+};
+
+struct RoomPlan {
+  std::vector<Room> rooms;  ///< from the left, at the same place from below
+  double wallArea = 0;      ///< what the walls cover, each place once
+  double grossArea = 0;     ///< within the outer faces of the outermost walls
+};
+
+/// Worked out from all walls that can be joined.
+RoomPlan roomPlan(const EntityList& entities, std::span<const WallSystemSpec> systems);
+
+/// `13'-3" × 9'-9"`; empty for a room that is not rectangular.
+std::string roomSizeText(const Room& room);
+/// `149 SF`, in whole square feet.
+std::string areaText(double squareFeet);
+
+/// The schedule as rows of texts with their headings first: Room, Size, Area, Perimeter; then the total of
+/// the rooms, the walls and the gross area. No rooms: the headings alone.
+TextTable roomScheduleTable(const RoomPlan& plan);
+
+}  // namespace ostrelon
