@@ -42,10 +42,6 @@ std::optional<SketchEntity> draftedEntity(const Board& board, std::vector<WallEn
   const Drawing& drawing = board.sketch().drawing;
   auto entity = draftedEntity(board.tool, *board.draft(), drawing.activeWallSystemSpecID);
   if (auto* wall = entity ? std::get_if<WallEntity>(&*entity) : nullptr) {
-    const double thickness = paintedWallThickness(*wall, drawing.wallSystemSpecs);
-    const auto [from, to] = justifiedAxis({wall->from, wall->to}, thickness, board.wallJustification);
-    wall->from = from;
-    wall->to = to;
     auto others =
         joinToChain(*wall, board.wallJustification, board.sketch().index(), drawing.wallSystemSpecs);
     if (changed != nullptr) *changed = std::move(others);

@@ -11,9 +11,9 @@
 
 namespace ostrelon {
 
-/// Lets a new wall, the centre line of a line drawn by this part of it, begin where the wall ends whose drawn
-/// line it goes on from, and end where the wall begins that it closes the chain with. Only ends that meet no
-/// other wall are moved. Gives the walls that become others.
+/// Lays a new wall, given by its drawn line, beside this line, so that the line is this part of it. It begins
+/// where the wall ends that it goes on from, and ends where the wall begins that it closes the chain with;
+/// only ends that meet no third wall are moved. Gives the walls that become others.
 std::vector<WallEntity> joinToChain(WallEntity& wall, WallJustification justification,
                                     const EntitySource& entities, const std::vector<WallSystemSpec>& systems);
 
