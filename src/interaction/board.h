@@ -281,7 +281,7 @@ class Board {
   void clearIdleSnap();
   void addDraft(bool whateverItsSize);
   /// The faces of the walls near a point, while the plan has clean walls; else none.
-  NearWallFaces wallFacesNear(SketchPoint point, const std::unordered_set<UUID>& excluded = {}) const;
+  NearWallFaces wallFacesNear(SketchPoint point, const EntitySet& excluded = {}) const;
   /// A snap result, or where a corner of a face is nearer, or nothing else is near, one on the faces.
   static SketchSnapResult onWallFaces(const SketchSnapResult& plain, const NearWallFaces& faces);
   /// Ends a drag, a marquee and what is selected of the plan before the tool changes.
