@@ -102,8 +102,6 @@ class HurriedScheduler final : public Scheduler {
     return scheduler_.inBackground(std::move(counted), std::move(finish));
   }
 
-  void run(const std::function<void()>& work) override { scheduler_.run(work); }
-
   void run(const std::function<void()>& work) { scheduler_.run(work); }
 
   std::atomic<int> underWay = 0;
