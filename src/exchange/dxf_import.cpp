@@ -7,45 +7,13 @@
 #include <unordered_map>
 #include <utility>
 
+#include "geometry/entity_geometry.h"
+#include "geometry/wall_system_edits.h"
 #include "interaction/board.h"
 #include "platform/unicode.h"
 
 namespace ostrelon {
 namespace {
-
-SketchEntity moved(const SketchEntity& entity, SketchPoint by) {
-  return std::visit(Overloaded{
-                        [&](LineEntity line) -> SketchEntity {
-                          line.from = line.from + by;
-                          line.to = line.to + by;
-                          return line;
-                        },
-                        [&](WallEntity wall) -> SketchEntity {
-                          wall.from = wall.from + by;
-                          wall.to = wall.to + by;
-                          return wall;
-                        },
-                        [&](CircleEntity circle) -> SketchEntity {
-                          circle.center = circle.center + by;
-                          return circle;
-                        },
-                        [&](ArcEntity arc) -> SketchEntity {
-                          arc.center = arc.center + by;
-                          return arc;
-                        },
-                        [&](RectangleEntity rectangle) -> SketchEntity {
-                          rectangle.origin = rectangle.origin + by;
-                          return rectangle;
-                        },
-                        [&](const PolygonEntity& polygon) -> SketchEntity {
-                          std::vector<SketchPoint> vertices;
-                          vertices.reserve(polygon.vertices.size());
-                          for (const SketchPoint vertex : polygon.vertices) vertices.push_back(vertex + by);
-                          return PolygonEntity{polygon.id, PolygonVertices(std::move(vertices))};
-                        },
-                    },
-                    entity);
-}
 
 std::optional<SketchBox> boundsOf(const std::vector<SketchEntity>& entities) {
   std::optional<SketchBox> bounds;
@@ -110,31 +78,20 @@ std::vector<PreparedDxf::Layer> layersOf(const DxfFile& file, const DxfDrawing& 
   return layers;
 }
 
-// A name that no system has: "W2-EXT 2".
-std::string freeName(const std::string& wished, const std::vector<WallSystemSpec>& systems) {
-  const auto isTaken = [&](const std::string& name) {
-    return std::any_of(systems.begin(), systems.end(), [&](const WallSystemSpec& system) {
-      return lowerCased(system.name) == lowerCased(name);
-    });
-  };
-  std::string name = wished;
-  for (int number = 2; isTaken(name); ++number) name = fmt::format("{} {}", wished, number);
-  return name;
-}
-
 // The walls take the document's systems of the same name and measures, and bring the others with them.
 void addWithSystems(Sketch& sketch, DxfDrawing& drawing) {
-  std::vector<WallSystemSpec> systems = sketch.drawing->wallSystemSpecs;
+  Drawing known = sketch.drawing;
+  std::vector<WallSystemSpec>& systems = known.wallSystemSpecs;
   std::unordered_map<UUID, UUID> settled;
   for (WallSystemSpec& system : drawing.systems) {
-    const auto same = std::find_if(systems.begin(), systems.end(), [&](const WallSystemSpec& known) {
-      return lowerCased(known.name) == lowerCased(system.name) && known.thickness == system.thickness &&
-             known.height == system.height;
+    const auto same = std::find_if(systems.begin(), systems.end(), [&](const WallSystemSpec& one) {
+      return lowerCased(one.name) == lowerCased(system.name) && one.thickness == system.thickness &&
+             one.height == system.height;
     });
     if (same != systems.end()) {
       settled.emplace(system.id, same->id);
     } else {
-      system.name = freeName(system.name, systems);
+      system.name = freeWallSystemName(known, system.name);
       systems.push_back(system);
     }
   }
@@ -187,7 +144,8 @@ PreparedDxf prepareDxf(const DxfFile& file, const DxfImportOptions& options) {
   if (options.toOrigin && prepared.bounds) {
     const SketchBox box = *prepared.bounds;
     prepared.moved = {-std::floor(box.minX), -std::floor(box.minY)};
-    for (SketchEntity& entity : prepared.drawing.entities) entity = moved(entity, prepared.moved);
+    for (SketchEntity& entity : prepared.drawing.entities)
+      entity = translatedEntity(entity, prepared.moved.x, prepared.moved.y);
     prepared.bounds = boundsOf(prepared.drawing.entities);
   }
   return prepared;

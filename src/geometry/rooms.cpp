@@ -7,6 +7,7 @@
 #include <unordered_set>
 
 #include "core/typed_length.h"
+#include "geometry/outline.h"
 #include "geometry/wall_grid.h"
 #include "geometry/wall_loops.h"
 
@@ -17,41 +18,6 @@ namespace {
 constexpr double kRectangularShare = 0.95;
 /// Faces so near, sketch units, are in line where rooms are put in order.
 constexpr double kSamePlace = 1.0 / 192;
-
-double signedArea(std::span<const SketchPoint> points) {
-  double twice = 0;
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    // From the first point, so that a small room far from the origin keeps its digits.
-    twice += cross(points[i] - points[0], points[(i + 1) % points.size()] - points[0]);
-  }
-  return twice / 2;
-}
-
-double lengthAround(std::span<const SketchPoint> points) {
-  double length = 0;
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    length += distanceBetween(points[i], points[(i + 1) % points.size()]);
-  }
-  return length;
-}
-
-SketchBox boxAround(std::span<const SketchPoint> points) {
-  SketchBox box = SketchBox::centered(points[0], 0);
-  for (const SketchPoint point : points) box = box.united(point);
-  return box;
-}
-
-// By the crossings of a ray to the right.
-bool isWithin(std::span<const SketchPoint> points, SketchPoint at) {
-  bool isInside = false;
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    const SketchPoint a = points[i];
-    const SketchPoint b = points[(i + 1) % points.size()];
-    if ((a.y > at.y) == (b.y > at.y)) continue;
-    if (at.x < a.x + (b.x - a.x) * ((at.y - a.y) / (b.y - a.y))) isInside = !isInside;
-  }
-  return isInside;
-}
 
 // The systems as one family, with those that walls name and the drawing does not have.
 std::vector<WallSystemSpec> asOneFamily(const EntityList& entities, std::span<const WallSystemSpec> systems) {
@@ -76,9 +42,9 @@ std::vector<WallSystemSpec> asOneFamily(const EntityList& entities, std::span<co
 }  // namespace
 
 bool Room::contains(SketchPoint point) const {
-  return box.contains(point) && isWithin(outline, point) &&
+  return box.contains(point) && isWithinOutline(outline, point) &&
          std::none_of(islands.begin(), islands.end(),
-                      [&](const auto& island) { return isWithin(island, point); });
+                      [&](const auto& island) { return isWithinOutline(island, point); });
 }
 
 bool Room::isRectangular() const {
@@ -98,8 +64,8 @@ RoomPlan roomPlan(const EntityList& entities, std::span<const WallSystemSpec> sy
     }
     Room room;
     room.area = -area;
-    room.perimeter = lengthAround(loop.points);
-    room.box = boxAround(loop.points);
+    room.perimeter = polygonPerimeter(loop.points);
+    room.box = outlineBox(loop.points);
     room.outline = std::move(loop.points);
     plan.rooms.push_back(std::move(room));
   }
@@ -127,7 +93,7 @@ RoomPlan roomPlan(const EntityList& entities, std::span<const WallSystemSpec> sy
     grid.visitNear(SketchBox::centered(body[0], 0), [&](std::uint32_t number) {
       Room& room = plan.rooms[number];
       const double size = std::abs(signedArea(room.outline));
-      if (!room.box.contains(body[0]) || !isWithin(room.outline, body[0])) return;
+      if (!room.box.contains(body[0]) || !isWithinOutline(room.outline, body[0])) return;
       if (around == nullptr || size < std::abs(signedArea(around->outline))) around = &room;
     });
     const double area = signedArea(body);
@@ -136,7 +102,7 @@ RoomPlan roomPlan(const EntityList& entities, std::span<const WallSystemSpec> sy
       continue;
     }
     around->area -= area;
-    around->perimeter += lengthAround(body);
+    around->perimeter += polygonPerimeter(body);
     around->islands.push_back(std::move(body));
   }
   return plan;

@@ -11,6 +11,7 @@
 #include "core/typed_length.h"
 #include "geometry/joined_walls.h"
 #include "geometry/opening_schedule.h"
+#include "geometry/outline.h"
 #include "geometry/rooms.h"
 #include "geometry/wall_grid.h"
 
@@ -18,14 +19,6 @@ namespace ostrelon {
 namespace {
 
 constexpr std::string_view kUnknownSystem = "Unknown system";
-
-double areaOf(std::span<const SketchPoint> points) {
-  double twice = 0;
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    twice += cross(points[i] - points[0], points[(i + 1) % points.size()] - points[0]);
-  }
-  return twice / 2;
-}
 
 // What two convex polygons share, both counter-clockwise.
 double sharedArea(std::span<const SketchPoint> a, std::span<const SketchPoint> b) {
@@ -38,7 +31,7 @@ double sharedArea(std::span<const SketchPoint> a, std::span<const SketchPoint> b
         rest, [&](SketchPoint p) { return side(p) >= 0; },
         [&](SketchPoint p, SketchPoint q) { return p + (q - p) * (side(p) / (side(p) - side(q))); });
   }
-  return rest.size() > 2 ? std::abs(areaOf(rest)) : 0;
+  return rest.size() > 2 ? std::abs(signedArea(rest)) : 0;
 }
 
 double sharedArea(const WallBody& a, const WallBody& b) {
@@ -66,7 +59,7 @@ std::unordered_map<UUID, double> groundOfWalls(const EntityList& entities,
   const WallGrid grid(boxes, extents / static_cast<double>(boxes.size()));
   for (std::size_t i = 0; i < walls.size(); ++i) {
     const JoinedWall& wall = *walls[i];
-    double area = areaOf(wall.body.outline);
+    double area = signedArea(wall.body.outline);
     std::vector<std::uint32_t> near;
     grid.visitNear(boxes[i], [&](std::uint32_t other) {
       if (other != i && boxes[other].overlaps(boxes[i])) near.push_back(other);

@@ -3,23 +3,14 @@
 #include <algorithm>
 #include <cmath>
 
+#include "geometry/outline.h"
+
 namespace ostrelon {
 
 namespace {
 
 /// Edges that turn from each other by more than this sine only cross.
 constexpr double kNearlyParallelSine = 0.01;
-
-SketchBox boxOf(std::span<const SketchPoint> points) {
-  SketchBox box{points[0].x, points[0].y, points[0].x, points[0].y};
-  for (const SketchPoint point : points) {
-    box.minX = std::min(box.minX, point.x);
-    box.minY = std::min(box.minY, point.y);
-    box.maxX = std::max(box.maxX, point.x);
-    box.maxY = std::max(box.maxY, point.y);
-  }
-  return box;
-}
 
 }  // namespace
 
@@ -35,7 +26,7 @@ WallBody::WallBody(const JoinAxis& wall, const std::array<JoinEnd, 2>& ends) {
   outline[rightEnd] = corner(ends[1].left, wall.to - toLeft);
   outline[endNode] = ends[1].node;
   outline[leftEnd] = corner(ends[1].right, wall.to + toLeft);
-  box = boxOf(outline).grown(2 * kCoincidence * wall.half);
+  box = outlineBox(outline).grown(2 * kCoincidence * wall.half);
 }
 
 WallCutter::WallCutter(const JoinAxis& wall, const WallBody& body) : wall_(&wall), box_(body.box) {

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "geometry/outline.h"
+
 namespace ostrelon {
 namespace {
 
@@ -22,16 +24,6 @@ double leftOffset(double thickness, WallJustification justification) {
   return 0;
 }
 
-// Twice the enclosed area, above 0 for a path that runs counter-clockwise.
-double signedArea(std::span<const SketchPoint> points) {
-  double sum = 0;
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    // From the first point, so that a small path far from the origin keeps its digits.
-    sum += cross(points[i] - points.front(), points[(i + 1) % points.size()] - points.front());
-  }
-  return sum;
-}
-
 double pathLength(const RunPath& path) {
   double length = 0;
   for (std::size_t i = 0; i < path.wallCount(); ++i) {
@@ -47,7 +39,7 @@ std::optional<WallJustification> justificationOf(const RunPath& path, RunFace fa
   if (path.isClosed) {
     const double area = signedArea(path.points);
     const double length = pathLength(path);
-    if (!(std::fabs(area) > 1e-9 * length * length)) return std::nullopt;
+    if (!(2 * std::fabs(area) > 1e-9 * length * length)) return std::nullopt;
     outerIsLeft = area < 0;
   }
   return (face == RunFace::outer) == outerIsLeft ? WallJustification::leftFace : WallJustification::rightFace;
