@@ -82,6 +82,8 @@ void EditJournal::holdMarker() {
 }
 
 void EditJournal::remove() {
+  later_.cancel();
+  isDue_ = false;
   try {
     file_.remove();
   } catch (const FileError& error) {
@@ -107,30 +109,53 @@ void EditJournal::changed() {
   const bool isDragging = sketch.dragStart() != nullptr;
   hasDragStep_ = isDragging && (hasDragStep_ || sketch.undoStack.writes() != undoWrites_);
   if (isDragging && !hasDragStep_) return;
-  const auto record = recordOfChanges();
-  if (record && record->empty()) {
-    remember();
-    return;
+  if (sketch.worksAside(sizeOfNext())) {
+    isDue_ = true;
+    later_ = workspace_.host().scheduler.after(Seconds(0), [this] { recordChanges(); });
+  } else {
+    recordChanges();
   }
-  const bool isChange = !record || record->isChange();
-  const Date now = workspace_.host().scheduler.now();
+}
+
+std::size_t EditJournal::sizeOfNext() const {
+  const EntityList& entities = workspace_.sketch.entities();
+  const EntityList& before = drawing_.entities;
+  const bool isSnapshot = file_.isOpen() ? isIncomplete_ || file_.size() > limit_ : !base_.file;
+  return isSnapshot ? std::max(entities.size(), before.size())
+                    : std::max(entities.unsharedSize(before), before.unsharedSize(entities));
+}
+
+void EditJournal::recordChanges() {
+  later_.cancel();
+  isDue_ = false;
   try {
     if (const auto failure = file_.takeFailure()) throw FileError(*failure);
-    if (isChange) ++changes_;
-    if (!record || isIncomplete_ || file_.size() > limit_) {
-      if (isChange) base_.changedAt = now;
-      beginAnew();
-    } else {
-      write(*record);
-      if (isChange) base_.changedAt = now;
-    }
-    hasTold_ = false;
+    workspace_.sketch.work(sizeOfNext(), [this] {
+      const auto record = recordOfChanges();
+      if (record && record->empty()) return;
+      const bool isChange = !record || record->isChange();
+      const Date now = workspace_.host().scheduler.now();
+      if (isChange) ++changes_;
+      if (!record || isIncomplete_ || file_.size() > limit_) {
+        if (isChange) base_.changedAt = now;
+        beginAnew();
+      } else {
+        write(*record);
+        if (isChange) base_.changedAt = now;
+      }
+      hasTold_ = false;
+    });
   } catch (const FileError& error) {
     isIncomplete_ = true;
     remove();
     told(error.what());
   }
   remember();
+}
+
+void EditJournal::sync() {
+  if (isDue_) recordChanges();
+  file_.sync();
 }
 
 // The document has been begun, opened or saved: there is nothing to bring back of what was before.

@@ -3,6 +3,9 @@
 //
 // What goes wrong with the journal never stands in the way of an edit: it is told once, and the journal is
 // begun anew with the next edit.
+//
+// What changes much of a large drawing is recorded in the turn of the event loop behind the operation, while
+// the window paints and all else waits; everything else before the operation ends.
 #pragma once
 
 #include <cstdint>
@@ -40,9 +43,9 @@ class EditJournal {
   /// Nothing is to be brought back: the program ends by the user's wish.
   void remove();
   /// Whether there is anything that a crash now would leave to recover.
-  bool isOpen() const { return file_.isOpen(); }
-  /// Waits for the disk. Throws `FileError`.
-  void sync() { file_.sync(); }
+  bool isOpen() const { return file_.isOpen() || isDue_; }
+  /// Records what has not been yet and waits for the disk. Throws `FileError`.
+  void sync();
 
   // --- What others have left
 
@@ -59,6 +62,9 @@ class EditJournal {
 
  private:
   void changed();
+  void recordChanges();
+  /// About how many entities the next record, or the snapshot in its place, goes through.
+  std::size_t sizeOfNext() const;
   void followBasis();
   bool isCaughtUp() const;
   /// What changed since the last record; absent where the undo steps are other ones altogether.
@@ -94,6 +100,8 @@ class EditJournal {
   std::uint64_t undoWrites_ = 0;
   std::uint64_t nameWrites_ = 0;
 
+  ScheduledTask later_;  // records what changed much
+  bool isDue_ = false;   // … and has not yet
   Subscription subscription_;
 };
 

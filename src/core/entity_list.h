@@ -63,7 +63,8 @@ class EntityList {
   void removeAll(const std::unordered_set<UUID>& ids);
   void clear() { root_.reset(); }
 
-  /// About how many entities lie in storage that the other list does not share. Costs little for any list.
+  /// How many entities lie in chunks that the other list does not share: at least as many as differ. Costs
+  /// little for any list.
   std::size_t unsharedSize(const EntityList& other) const;
 
   /// Exact equality entity by entity.

@@ -64,12 +64,23 @@ bool operator==(const EntityList& a, const EntityList& b) {
 
 std::size_t EntityList::unsharedSize(const EntityList& other) const {
   if (!root_ || root_ == other.root_) return 0;
-  std::unordered_set<const Node*> shared;
-  if (other.root_) {
-    for (const NodePointer& node : other.root_->nodes) shared.insert(node.get());
+  if (!other.root_) return size();
+  // Most edits leave the nodes where they are, so that the few between those in common are looked at alone.
+  const auto& nodes = root_->nodes;
+  const auto& others = other.root_->nodes;
+  const std::size_t most = std::min(nodes.size(), others.size());
+  std::size_t start = 0;
+  while (start < most && nodes[start] == others[start]) ++start;
+  std::size_t end = 0;
+  while (end < most - start && fromEnd(nodes, end) == fromEnd(others, end)) ++end;
+  std::unordered_set<const Chunk*> shared;
+  for (std::size_t i = start; i < others.size() - end; ++i) {
+    for (const auto& chunk : others[i]->chunks) shared.insert(chunk.get());
   }
   std::size_t size = 0;
-  for (const NodePointer& node : root_->nodes) size += shared.contains(node.get()) ? 0 : node->size();
+  for (std::size_t i = start; i < nodes.size() - end; ++i) {
+    for (const auto& chunk : nodes[i]->chunks) size += shared.contains(chunk.get()) ? 0 : chunk->size();
+  }
   return size;
 }
 

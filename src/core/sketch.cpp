@@ -87,8 +87,10 @@ EntitySet Sketch::setOfAll() const {
 
 // --- Work on much of the drawing
 
+bool Sketch::worksAside(std::size_t entities) const { return runWork_ && entities >= kMuchWork; }
+
 void Sketch::work(std::size_t entities, const std::function<void()>& work) const {
-  if (runWork_ && entities >= kMuchWork && !tracker_.isOpen()) {
+  if (worksAside(entities) && !tracker_.isOpen()) {
     index();  // brought up to date here, so that asking for it is no more than reading meanwhile
     runWork_(work);
   } else {
@@ -97,7 +99,7 @@ void Sketch::work(std::size_t entities, const std::function<void()>& work) const
 }
 
 EntityList Sketch::prepared(std::size_t changed, const std::function<EntityList()>& make) {
-  if (!runWork_ || changed < kMuchWork || tracker_.isOpen()) return make();
+  if (!worksAside(changed) || tracker_.isOpen()) return make();
   EntityList next;
   EntityIndex index;
   EntitySet followed = selection->ids;

@@ -114,6 +114,8 @@ class Sketch {
   using WorkRunner = std::function<void(const std::function<void()>& work)>;
   /// Without one all work is done at once, and wherever an operation is under way already.
   void setWorkRunner(WorkRunner runner) { runWork_ = std::move(runner); }
+  /// Whether work on about so many entities is done by the runner.
+  bool worksAside(std::size_t entities) const;
   /// Does work on about so many entities, by the runner where they are many.
   void work(std::size_t entities, const std::function<void()>& work) const;
   /// What `make` gives, which an edit is going to put in the place of the entities. It is made by `work`, and

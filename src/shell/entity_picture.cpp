@@ -23,6 +23,9 @@ namespace {
 constexpr int kEntitiesPerLook = 200;
 /// With more changes than this the whole picture counts as changed.
 constexpr std::size_t kMostEditsInPlace = 256;
+// So many entities in chunks of the list that two drawings do not share: more have been edited than are
+// painted in place.
+constexpr std::size_t kMostUnshared = kMostEditsInPlace * 128;
 /// So many entities are little enough to be painted at once.
 constexpr std::size_t kLittle = 2000;
 /// What is painted at once is painted in tiles of this side, device pixels, and the clock looked at
@@ -399,10 +402,11 @@ void EntityPicture::markEdits(const PictureContent& content, const EntityIndex& 
   Picture& picture = *picture_;
   const bool sameIDs = picture.content.ids == content.ids;
   if (sameIDs && picture.content.entities.sharesAllStorage(content.entities)) return;
-  // Another document has come, or another large group: there is no use in comparing entity by entity.
-  const bool isOther = content.entities.size() > kLittle &&
-                       picture.content.entities.commonStart(content.entities) == 0 &&
-                       picture.content.entities.commonEnd(content.entities) == 0;
+  // Another document has come, much was edited, or another large group is named: there is no use in comparing
+  // entity by entity.
+  const EntityList& before = picture.content.entities;
+  const bool isOther =
+      std::max(content.entities.unsharedSize(before), before.unsharedSize(content.entities)) > kMostUnshared;
   if (isOther || (!sameIDs && std::max(picture.content.ids.size(), content.ids.size()) > kMostEditsInPlace)) {
     picture.stale = picture.image.rect();
     picture.content = content;
