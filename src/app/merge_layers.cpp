@@ -4,6 +4,7 @@
 #include <limits>
 #include <utility>
 
+#include "core/plan_items.h"
 #include "interaction/drawing_bounds.h"
 
 namespace ostrelon {
@@ -23,6 +24,15 @@ std::optional<SketchBox> coveredBounds(const std::optional<SketchEntity>& entity
   const auto* wall = std::get_if<WallEntity>(&*entity);
   if (!box || wall == nullptr) return box;
   return box->grown(std::abs(paintedWallThickness(*wall, drawing.wallSystemSpecs)) / 2);
+}
+
+// Of an opening, its wall's.
+std::optional<SketchBox> coveredBounds(const std::optional<PlanItem>& item, const Drawing& drawing) {
+  if (!item) return std::nullopt;
+  const auto wall = wallOf(*item);
+  if (!wall) return planItemBounds(*item);
+  const SketchEntity* entity = drawing.entities.find(*wall);
+  return entity == nullptr ? std::nullopt : coveredBounds(std::optional(*entity), drawing);
 }
 
 void addBothSides(const EntityConflict& conflict, DrawingDifference& difference) {
@@ -51,14 +61,8 @@ std::optional<SketchBox> conflictBounds(const MergeConflict& conflict, const Dra
                    }
                    return box;
                  },
-                 [&](const OpeningConflict& openings) {
-                   const UUID& id = (openings.ours ? *openings.ours : *openings.theirs).wallID;
-                   const auto wallOf = [&](const Drawing& drawing) -> std::optional<SketchBox> {
-                     const SketchEntity* wall = drawing.entities.find(id);
-                     if (wall == nullptr) return std::nullopt;
-                     return coveredBounds(*wall, drawing);
-                   };
-                   return united(wallOf(ours), wallOf(theirs));
+                 [&](const PlanItemConflict& items) {
+                   return united(coveredBounds(items.ours, ours), coveredBounds(items.theirs, theirs));
                  },
                  [&](const EntityConflict& entities) {
                    return united(coveredBounds(entities.ours, ours), coveredBounds(entities.theirs, theirs));

@@ -28,6 +28,11 @@ concept HasCaseNames = requires {
   CaseNames<Enumeration>::names();
 };
 
+template <HasNamedCases Enumeration>
+struct CaseNames<Enumeration> {
+  static constexpr auto names() { return caseNamesOf(Enumeration()); }
+};
+
 template <>
 struct CaseNames<AxisSnap> {
   static constexpr auto names() {

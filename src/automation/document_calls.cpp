@@ -56,12 +56,12 @@ Json differenceIDs(const DrawingDifference& difference, const Drawing& before, c
       {"removed", ids(systemIDs(difference.removedSystems), entityIDs(difference.removed), before.entities)},
       {"changed", ids(changedSystems, changed, after.entities)},
       {"conflicts", toJson(open)}};
-  const auto addOpening = [&](const char* group, const Opening& opening) {
-    result[group].push_back(toJson(opening.id));
+  const auto add = [&](const char* group, const PlanItem& item) {
+    result[group].push_back(toJson(planItemID(item)));
   };
-  for (const Opening& opening : difference.plan.added) addOpening("added", opening);
-  for (const Opening& opening : difference.plan.removed) addOpening("removed", opening);
-  for (const auto& [old, now] : difference.plan.changed) addOpening("changed", now);
+  for (const PlanItem& item : difference.plan.added) add("added", item);
+  for (const PlanItem& item : difference.plan.removed) add("removed", item);
+  for (const auto& [old, now] : difference.plan.changed) add("changed", now);
   return result;
 }
 

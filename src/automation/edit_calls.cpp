@@ -115,6 +115,18 @@ void addEditCalls(CallTable& table) {
   });
   table["deleteOpening"] = call(deletePlanItem);
 
+  // --- Items of the plan, whatever their kind
+  table["addPlanItem"] = call([](Sketch& sketch, const PlanItem& item) {
+    if (findPlanItem(sketch.drawing->plan, planItemID(item))) return;
+    sketch.edit([&](Drawing& drawing) { putPlanItem(drawing.plan, item); });
+  });
+  table["selectPlanItem"] = call(&Sketch::selectPlanItem);
+  table["changePlanItem"] = call([](Sketch& sketch, const PlanItem& item) {
+    return orNull(changePlanItem(sketch, item, UndoStep::own));
+  });
+  table["movePlanItem"] = call(movePlanItem);
+  table["deletePlanItem"] = call(deletePlanItem);
+
   // --- Trim and extend
   table["applyTrim"] = call(applyTrim);
   table["handleTrimClick"] =

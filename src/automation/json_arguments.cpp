@@ -250,6 +250,50 @@ Opening Reader<Opening>::read(const Json& json, const ReadContext& context) {
   return opening;
 }
 
+namespace {
+
+// A member that is missing is as in an empty record.
+template <HasFields Record>
+void readFields(const Json& json, const ReadContext& context, Record& record) {
+  expectObject(json, "an item of the plan");
+  forEachField(
+      [&]<class T>(std::string_view name, T& value) {
+        const auto found = json.find(name);
+        if (found == json.end()) return;
+        if constexpr (HasFields<T>) {
+          readFields(*found, context, value);
+        } else if constexpr (std::is_same_v<T, std::uint32_t>) {
+          value = static_cast<std::uint32_t>(std::clamp(Reader<double>::read(*found, context), 0.0, 4e9));
+        } else {
+          value = Reader<T>::read(*found, context);
+        }
+      },
+      record);
+}
+
+template <HasFields Record>
+std::vector<Record> readRecords(const Json& json, const ReadContext& context) {
+  std::vector<Record> records;
+  for (const Json& element : json) readFields(element, context, records.emplace_back());
+  return records;
+}
+
+}  // namespace
+
+template <>
+PlanItem Reader<PlanItem>::read(const Json& json, const ReadContext& context) {
+  expectObject(json, "an item of the plan");
+  const auto fields = [&](auto record) -> PlanItem {
+    readFields(json, context, record);
+    return record;
+  };
+  if (json.contains("name")) return fields(RoomName());
+  if (json.contains("text")) return fields(Note());
+  if (json.contains("from")) return fields(Dimension());
+  if (json.contains("start")) return fields(RoomDivider());
+  return Reader<Opening>::read(json, context);
+}
+
 template <>
 Plan Reader<Plan>::read(const Json& json, const ReadContext& context) {
   expectObject(json, "a plan {\"look\":{…},\"openings\":[…]}");
@@ -258,9 +302,17 @@ Plan Reader<Plan>::read(const Json& json, const ReadContext& context) {
     const Json& look = json.at("look");
     expectObject(look, "a look {\"cleanWalls\":true,…}");
     plan.look = {member<bool>(look, "cleanWalls", context), member<bool>(look, "filledWalls", context),
-                 member<bool>(look, "lineWeights", context)};
+                 member<bool>(look, "lineWeights", context),
+                 look.contains("dimensionStrings") && member<bool>(look, "dimensionStrings", context)};
   }
   if (json.contains("openings")) plan.openings = member<std::vector<Opening>>(json, "openings", context);
+  if (json.contains("roomNames")) plan.roomNames = readRecords<RoomName>(json.at("roomNames"), context);
+  if (json.contains("roomDividers")) {
+    plan.roomDividers = readRecords<RoomDivider>(json.at("roomDividers"), context);
+  }
+  if (json.contains("dimensions")) plan.dimensions = readRecords<Dimension>(json.at("dimensions"), context);
+  if (json.contains("notes")) plan.notes = readRecords<Note>(json.at("notes"), context);
+  if (json.contains("sheet")) readFields(json.at("sheet"), context, plan.sheet);
   return plan;
 }
 

@@ -152,16 +152,54 @@ Json toJson(const Opening& value) {
   return json;
 }
 
+namespace {
+
+template <HasFields Record>
+Json fieldsOf(const Record& record) {
+  Json json = Json::object();
+  forEachField(
+      [&]<class T>(std::string_view name, const T& member) {
+        if constexpr (HasFields<T>) {
+          json[std::string(name)] = fieldsOf(member);
+        } else if constexpr (std::is_arithmetic_v<T> || std::is_same_v<T, std::string>) {
+          json[std::string(name)] = member;
+        } else {
+          json[std::string(name)] = toJson(member);
+        }
+      },
+      record);
+  return json;
+}
+
+}  // namespace
+
+Json toJson(const RoomName& value) { return fieldsOf(value); }
+Json toJson(const RoomDivider& value) { return fieldsOf(value); }
+Json toJson(const Dimension& value) { return fieldsOf(value); }
+Json toJson(const Note& value) { return fieldsOf(value); }
+Json toJson(const PlanSheet& value) { return fieldsOf(value); }
+
 Json toJson(const PlanItem& value) {
   return std::visit([](const auto& item) { return toJson(item); }, value);
 }
 
+// What a plan without them does not say stays unsaid.
 Json toJson(const Plan& value) {
-  return {{"look",
-           {{"cleanWalls", value.look.cleanWalls},
-            {"filledWalls", value.look.filledWalls},
-            {"lineWeights", value.look.lineWeights}}},
-          {"openings", toJson(value.openings.list())}};
+  Json json{{"look",
+             {{"cleanWalls", value.look.cleanWalls},
+              {"filledWalls", value.look.filledWalls},
+              {"lineWeights", value.look.lineWeights}}},
+            {"openings", toJson(value.openings.list())}};
+  if (value.look.dimensionStrings) json["look"]["dimensionStrings"] = true;
+  const auto add = [&](const char* name, const auto& list) {
+    if (!list.empty()) json[name] = toJson(list.list());
+  };
+  add("roomNames", value.roomNames);
+  add("roomDividers", value.roomDividers);
+  add("dimensions", value.dimensions);
+  add("notes", value.notes);
+  if (value.sheet != PlanSheet()) json["sheet"] = toJson(value.sheet);
+  return json;
 }
 
 Json toJson(const SketchUndoSnapshot& value) {

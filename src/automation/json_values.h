@@ -74,6 +74,11 @@ Json toJson(const SelectMarqueeState& value);
 Json toJson(const SelectionHandle& value);
 Json toJson(const SelectDragState& value);
 Json toJson(const Opening& value);
+Json toJson(const RoomName& value);
+Json toJson(const RoomDivider& value);
+Json toJson(const Dimension& value);
+Json toJson(const Note& value);
+Json toJson(const PlanSheet& value);
 Json toJson(const PlanItem& value);
 Json toJson(const Plan& value);
 /// With "plan" where the snapshot holds one that is not empty.

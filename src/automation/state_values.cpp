@@ -103,10 +103,12 @@ constexpr std::array kStateFields{
     StateField{"plan", [](const Workspace& w) { return toJson(w.sketch.drawing->plan); }},
     StateField{"selectedOpening",
                [](const Workspace& w) { return toJson(selectedPlanItem<Opening>(w.sketch)); }},
+    StateField{"selectedPlanItem", [](const Workspace& w) { return toJson(selectedPlanItem(w.sketch)); }},
 };
 
 // Shown only where they are asked for.
-constexpr std::array<std::string_view, 3> kFieldsOnDemand{"consoleLines", "plan", "selectedOpening"};
+constexpr std::array<std::string_view, 4> kFieldsOnDemand{"consoleLines", "plan", "selectedOpening",
+                                                          "selectedPlanItem"};
 
 }  // namespace
 

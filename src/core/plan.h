@@ -1,65 +1,42 @@
-// What makes a drawing of lines and walls a building plan: how the walls look, and the doors, windows and
-// openings that live in them. Everything is off or empty in a new document. A plain value whose copies share
-// their storage: an undo step or a snapshot of it costs nothing that grows with it.
+// What makes a drawing of lines and walls a building plan: how the walls look, the doors, windows and
+// openings that live in them, rooms, dimensions and notes, and what the sheet says. Everything is off or
+// empty in a new document. A plain value whose copies share their storage: an undo step or a snapshot of it
+// costs nothing that grows with it.
 //
-// A kind of item that is added here is a record with an identifier, a list of it in `Plan` and `PlanChange`,
-// and its rows in documents/plan_rows.h; undo, files, the journal and snapshots then have it. As a member of
-// `PlanItem` in core/plan_items.h it can be selected, moved and deleted.
+// A kind of item that is added here is a record in core/plan_records.h, a member of `PlanItem` and
+// `ForPlanKinds`, and a list in `Plan` and `forEachPlanList`; undo, files, the journal, comparing, merging
+// and snapshots then have it, and the compiler names what else must be said of it.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <tuple>
+#include <variant>
 #include <vector>
 
-#include "core/entity_list.h"
+#include "core/plan_records.h"
 #include "core/shared_list.h"
-#include "platform/uuid.h"
 
 namespace ostrelon {
 
 struct PlanLook {
-  bool cleanWalls = false;   ///< walls that meet are joined
-  bool filledWalls = false;  ///< walls are filled
-  bool lineWeights = false;  ///< each kind of entity has a pen of its own width
+  bool cleanWalls = false;        ///< walls that meet are joined
+  bool filledWalls = false;       ///< walls are filled
+  bool lineWeights = false;       ///< each kind of entity has a pen of its own width
+  bool dimensionStrings = false;  ///< the outside of the plan is dimensioned
   friend bool operator==(const PlanLook&, const PlanLook&) = default;
-};
-
-enum class OpeningKind : std::uint8_t { door, window, opening };
-/// Which jamb a door is hung on, as seen from the wall's start to its end: `left` is the jamb nearer the
-/// start.
-enum class DoorHinge : std::uint8_t { left, right };
-/// To which side of the wall a door opens, as seen from its start to its end: `in` is to the left.
-enum class DoorSwing : std::uint8_t { in, out };
-
-/// The four ways in which a door hangs and swings, one after the other: left and in, right and in, right and
-/// out, left and out.
-struct DoorHanging {
-  DoorHinge hinge = DoorHinge::left;
-  DoorSwing swing = DoorSwing::in;
-  friend bool operator==(const DoorHanging&, const DoorHanging&) = default;
-};
-DoorHanging flipped(DoorHanging hanging);
-
-/// A gap in a wall, which stays whole beneath it. The wall may have become a line meanwhile: the opening
-/// then waits, unseen, until it is a wall again.
-struct Opening {
-  UUID id;
-  UUID wallID;
-  OpeningKind kind = OpeningKind::door;
-  double distance = 0;  ///< from the wall's start to the near jamb, sketch units; negative in front of it
-  double width = 0;     ///< sketch units
-  DoorHinge hinge = DoorHinge::left;
-  DoorSwing swing = DoorSwing::in;
-  friend bool operator==(const Opening&, const Opening&) = default;
 };
 
 struct Plan {
   PlanLook look;
-  SharedList<Opening> openings;  ///< in the order of their making
-  /// Members of a file that this version does not know, each as it stands there: "rooms":[…]
+  SharedList<Opening> openings;  ///< in the order of their making, as all of them
+  /// Members of a file that this version does not know, each as it stands there: "levels":[…]
   SharedList<std::string> further;
+  SharedList<RoomName> roomNames;
+  SharedList<RoomDivider> roomDividers;
+  SharedList<Dimension> dimensions;
+  SharedList<Note> notes;
+  PlanSheet sheet;
 
   bool empty() const { return *this == Plan(); }
   /// Null for an unknown identifier. Linear.
@@ -67,40 +44,37 @@ struct Plan {
   friend bool operator==(const Plan&, const Plan&) = default;
 };
 
-// --- Following the walls
+// --- Its items, whatever their kind
 
-/// Where an opening is once its wall has become `after`: as far from the start as it was, or, where the start
-/// alone has moved, as far from the end, so that it keeps its place on the ground.
-double followedDistance(double distance, const SketchEntity& before, const SketchEntity& after);
-/// The openings after an edit of the entities: moved with their walls, and gone with those that are gone.
-SharedList<Opening> followedOpenings(const SharedList<Opening>& openings, const EntityList& before,
-                                     const EntityList& after);
-/// Copies, under identifiers of their own, of the openings of these walls, for walls that are copies of them;
-/// `copies`: the wall's identifier, then its copy's.
-std::vector<Opening> copiedOpenings(const std::vector<Opening>& openings,
-                                    const std::unordered_map<UUID, UUID>& copies);
+using PlanItem = std::variant<Opening, RoomName, RoomDivider, Dimension, Note>;
+
+/// One of something for each kind of item.
+template <template <class> class Of>
+using ForPlanKinds = std::tuple<Of<Opening>, Of<RoomName>, Of<RoomDivider>, Of<Dimension>, Of<Note>>;
+
+/// Calls `visit(&Plan::openings)`, … for the list of each kind:
+///   forEachPlanList([&]<class Item>(SharedList<Item> Plan::*list) { … plan.*list … });
+template <class Visit>
+constexpr void forEachPlanList(Visit&& visit) {
+  visit(&Plan::openings);
+  visit(&Plan::roomNames);
+  visit(&Plan::roomDividers);
+  visit(&Plan::dimensions);
+  visit(&Plan::notes);
+}
 
 // --- Differences
 
-/// What makes one plan another; costs what changed.
+/// What makes one plan another; costs what changed, and the sheet's texts where one of them did.
 struct PlanChange {
   PlanLook look;
-  ListSplice<Opening> openings;
+  ForPlanKinds<ListSplice> items;
   ListSplice<std::string> further;
+  std::optional<PlanSheet> sheet;  ///< where it is another
   friend bool operator==(const PlanChange&, const PlanChange&) = default;
 };
 PlanChange planChange(const Plan& before, const Plan& after);
 /// False, with nothing changed, where it does not fit the plan.
 bool applyPlanChange(const PlanChange& change, Plan& plan);
-
-// --- Naming
-
-/// "door", "window", "opening".
-std::string_view openingKindName(OpeningKind kind);
-/// "Door", "Window", "Opening".
-std::string_view openingTypeLabel(OpeningKind kind);
-/// "left", "right"; "in", "out".
-std::string_view hingeName(DoorHinge hinge);
-std::string_view swingName(DoorSwing swing);
 
 }  // namespace ostrelon

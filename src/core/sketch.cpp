@@ -5,6 +5,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "core/plan_following.h"
 #include "core/plan_items.h"
 
 namespace ostrelon {
@@ -132,14 +133,16 @@ void Sketch::prepareRedo() {
 void Sketch::edit(const std::function<void(Drawing&)>& change, UndoStep step) {
   const ChangeScope scope(tracker_);
   const Plan planBefore = drawing->plan;
-  // A copy of the list would have the edit copy what it changes, which only openings are worth.
+  // A copy of the list would have the edit copy what it changes, which only what follows is worth.
   const bool isDragged = step == UndoStep::none && dragStep_;
-  const EntityList entitiesBefore = planBefore.openings.empty() || isDragged ? EntityList() : entities();
+  const bool hasFollowers = !planBefore.openings.empty() || !planBefore.dimensions.empty();
+  const std::optional<Drawing> before =
+      hasFollowers && !isDragged ? std::optional(drawing.get()) : std::nullopt;
   const std::vector<WallSystemSpec> systemsBefore =
       step == UndoStep::withWallSystems ? drawing->wallSystemSpecs : std::vector<WallSystemSpec>();
   countAsEdit(step);
   change(drawing.edit());
-  followWalls(entitiesBefore, planBefore.openings, isDragged);
+  followWalls(before, planBefore);
   followEntities();
   if (selection->planItem) settleSelection();
   if (step == UndoStep::none) return;
@@ -170,19 +173,18 @@ void Sketch::followEntities() {
   if (followed.size() == selection->ids.size()) selection.represent().ids = std::move(followed);
 }
 
-void Sketch::followWalls(const EntityList& entitiesBefore, const SharedList<Opening>& openingsBefore,
-                         bool isDragged) {
-  const SharedList<Opening>& openings = drawing->plan.openings;
-  const bool areOwnEdit = openings != openingsBefore;
-  if (!areOwnEdit && !openings.empty()) {
-    drawing.edit().plan.openings =
-        isDragged ? followedOpenings(dragStep_->openings, dragStep_->followedFrom, entities())
-                  : followedOpenings(openings, entitiesBefore, entities());
+void Sketch::followWalls(const std::optional<Drawing>& before, const Plan& planBefore) {
+  const bool areOpeningsOwn = drawing->plan.openings != planBefore.openings;
+  const bool areDimensionsOwn = drawing->plan.dimensions != planBefore.dimensions;
+  const Drawing* from = before ? &*before : dragStep_ ? &dragStep_->followedFrom : nullptr;
+  if (from != nullptr && !areOpeningsOwn && !planBefore.openings.empty()) {
+    drawing.edit().plan.openings = followedOpenings(from->plan.openings, from->entities, entities());
   }
-  if (dragStep_ && (areOwnEdit || !isDragged)) {
-    dragStep_->followedFrom = entities();
-    dragStep_->openings = openings;
+  if (from != nullptr && !areDimensionsOwn && !planBefore.dimensions.empty()) {
+    drawing.edit().plan.dimensions = followedDimensions(from->plan.dimensions, *from, drawing,
+                                                        [this](const UUID& id) { return entity(id); });
   }
+  if (dragStep_ && (areOpeningsOwn || areDimensionsOwn || before)) dragStep_->followedFrom = drawing;
 }
 
 void Sketch::countAsEdit(UndoStep step) {
@@ -233,7 +235,7 @@ void Sketch::pushStep(SketchUndoSnapshot before) {
 
 // --- A drag, whose whole course is one step
 
-void Sketch::beginDragStep() { dragStep_ = DragStep{snapshot(), false, entities(), drawing->plan.openings}; }
+void Sketch::beginDragStep() { dragStep_ = DragStep{snapshot(), false, drawing}; }
 
 void Sketch::endDragStep() {
   if (!dragStep_) return;
@@ -274,7 +276,7 @@ void Sketch::replace(Drawing replacement, std::vector<SketchUndoSnapshot> undoSt
   drawing = std::move(replacement);
   dragStep_.reset();
   selection = Selection{{}, std::nullopt, selection->isInspected, {}};
-  if (!clipboard->empty() || !clipboardOpenings_.empty()) setClipboard({});
+  if (!clipboard->empty() || !clipboardItems_.empty()) setClipboard({});
   undoStack.edit().replaceUndoSnapshots(std::move(undoSteps));
 }
 

@@ -8,8 +8,9 @@
 //
 // `edit` takes the undo step, marks the sketch as changed since its last save, and notifies. Callers have
 // checked before: a refused operation does not get here. Where the edit leaves the openings as they are, they
-// follow their walls: what is gone takes its openings with it, in the same step. Operations that do several
-// things open a `change()` first, and observers are notified once, when the outermost one ends.
+// follow their walls: what is gone takes its openings with it, in the same step; dimensions follow what they
+// hold on to likewise. Operations that do several things open a `change()` first, and observers are notified
+// once, when the outermost one ends.
 //
 // The operations on entities are functions over a sketch in geometry/; those that add entities, in
 // core/adding.h.
@@ -195,22 +196,21 @@ class Sketch {
   void setInspected(bool inspected);
   /// Leaves out of the selection what is not there any more, after an edit that may have removed some.
   void keepSelectionOfEntities() { settleSelection(); }
-  /// `openings`: those of the walls among the entities.
-  void setClipboard(std::vector<SketchEntity> entities, std::vector<Opening> openings = {}) {
+  /// `items`: those of the plan that come with the entities, or one that stands by itself.
+  void setClipboard(std::vector<SketchEntity> entities, std::vector<PlanItem> items = {}) {
     const ChangeScope scope(tracker_);
     clipboard.edit() = std::move(entities);
-    clipboardOpenings_ = std::move(openings);
+    clipboardItems_ = std::move(items);
   }
-  const std::vector<Opening>& clipboardOpenings() const { return clipboardOpenings_; }
+  const std::vector<PlanItem>& clipboardItems() const { return clipboardItems_; }
 
  private:
   struct DragStep {
     SketchUndoSnapshot before;
     bool isRecorded = false;  // what was dragged can be undone already
-    // What the openings follow from: the start of the drag, so that a wall that is dragged out and back has
-    // them exactly where they were, or the last edit meanwhile that was not the drag's own.
-    EntityList followedFrom;
-    SharedList<Opening> openings;
+    // What openings and dimensions follow from: the start of the drag, so that a wall that is dragged out and
+    // back has them exactly where they were, or the last edit meanwhile that was not the drag's own.
+    Drawing followedFrom;
   };
 
   /// The drawing as it is, with its plan.
@@ -219,8 +219,8 @@ class Sketch {
   /// Has a large selection know its members by their positions in the entities as they are now.
   void followEntities();
   EntitySet followedSelection();
-  void followWalls(const EntityList& entitiesBefore, const SharedList<Opening>& openingsBefore,
-                   bool isDragged);
+  /// `before`: where there was anything to follow from, and no drag that knows it.
+  void followWalls(const std::optional<Drawing>& before, const Plan& planBefore);
   /// Leaves out of the selection what is gone. Some member becomes the primary one when that is gone;
   /// none, and no inspector, when nothing is selected.
   void settleSelection();
@@ -231,7 +231,7 @@ class Sketch {
   WorkRunner runWork_;
   int openSteps_ = 0;                                // how many `asOneStep` are under way
   std::vector<WallSystemChange> openSystemChanges_;  // what these have changed of the wall systems
-  std::vector<Opening> clipboardOpenings_;
+  std::vector<PlanItem> clipboardItems_;
   std::optional<DragStep> dragStep_;
 };
 

@@ -19,7 +19,7 @@ namespace ostrelon {
 static_assert(std::endian::native == std::endian::little, "numbers are written as they lie in memory");
 
 /// The look of a plan, as bits.
-enum JournalLook : std::uint8_t { kClean = 1, kFilled = 2, kWeights = 4 };
+enum JournalLook : std::uint8_t { kClean = 1, kFilled = 2, kWeights = 4, kDimensionStrings = 8 };
 
 // --- Values to bytes
 
@@ -107,27 +107,51 @@ class JournalOutput {
     count(systems.size());
     for (const WallSystemSpec& system : systems) wallSystem(system);
   }
-  template <class T, class Put>
-  void splice(const ListSplice<T>& splice, Put put) {
+  // --- A record is its members one by one
+
+  void value(const UUID& value) { id(value); }
+  void value(SketchPoint value) { point(value); }
+  void value(const std::string& value) { text(value); }
+  void value(bool value) { number(static_cast<std::uint8_t>(value)); }
+  void value(double value) { number(value); }
+  void value(std::uint32_t value) { number(value); }
+  template <class Enumeration>
+  requires std::is_enum_v<Enumeration>
+  void value(Enumeration value) { number(static_cast<std::uint8_t>(value)); }
+  template <class T>
+  void value(const std::optional<T>& optional) {
+    value(optional.has_value());
+    if (optional) value(*optional);
+  }
+  void value(const Opening& opening) {
+    id(opening.id);
+    id(opening.wallID);
+    value(opening.kind);
+    number(opening.distance);
+    number(opening.width);
+    value(opening.hinge);
+    value(opening.swing);
+  }
+  template <HasFields Record>
+  void value(const Record& record) {
+    forEachField([this](std::string_view, const auto& member) { value(member); }, record);
+  }
+
+  template <class T>
+  void splice(const ListSplice<T>& splice) {
     number(static_cast<std::uint64_t>(splice.at));
     number(static_cast<std::uint64_t>(splice.removed));
     count(splice.added.size());
-    for (const T& one : splice.added) put(one);
+    for (const T& one : splice.added) value(one);
   }
   void planChange(const PlanChange& change) {
-    number(static_cast<std::uint8_t>((change.look.cleanWalls ? kClean : 0) |
-                                     (change.look.filledWalls ? kFilled : 0) |
-                                     (change.look.lineWeights ? kWeights : 0)));
-    splice(change.openings, [&](const Opening& opening) {
-      id(opening.id);
-      id(opening.wallID);
-      number(static_cast<std::uint8_t>(opening.kind));
-      number(opening.distance);
-      number(opening.width);
-      number(static_cast<std::uint8_t>(opening.hinge));
-      number(static_cast<std::uint8_t>(opening.swing));
-    });
-    splice(change.further, [&](const std::string& member) { text(member); });
+    const PlanLook& look = change.look;
+    number(static_cast<std::uint8_t>((look.cleanWalls ? kClean : 0) | (look.filledWalls ? kFilled : 0) |
+                                     (look.lineWeights ? kWeights : 0) |
+                                     (look.dimensionStrings ? kDimensionStrings : 0)));
+    std::apply([this](const auto&... splices) { (splice(splices), ...); }, change.items);
+    splice(change.further);
+    value(change.sheet);
   }
   // What a step takes back beside the entities.
   void twin(const std::optional<PlanChange>& plan, const std::vector<WallSystemChange>& wallSystems) {
@@ -262,32 +286,53 @@ class JournalInput {
     if (value > static_cast<std::uint8_t>(last)) fail();
     return isGood_ ? static_cast<Enumeration>(value) : Enumeration{};
   }
-  template <class T, class Take>
-  ListSplice<T> splice(std::size_t leastBytes, Take take) {
-    ListSplice<T> splice;
+  // --- A record is its members one by one
+
+  void take(UUID& value) { value = id(); }
+  void take(SketchPoint& value) { value = point(); }
+  void take(std::string& value) { value = text(); }
+  void take(bool& value) { value = flag(); }
+  void take(double& value) { value = number<double>(); }
+  void take(std::uint32_t& value) { value = number<std::uint32_t>(); }
+  template <HasNamedCases Enumeration>
+  void take(Enumeration& value) {
+    value = oneUpTo(static_cast<Enumeration>(caseNamesOf(value).size() - 1));
+  }
+  template <class T>
+  void take(std::optional<T>& value) {
+    if (flag()) take(value.emplace());
+  }
+  void take(Opening& opening) {
+    opening.id = id();
+    opening.wallID = id();
+    opening.kind = oneUpTo(OpeningKind::opening);
+    opening.distance = number<double>();
+    opening.width = number<double>();
+    opening.hinge = oneUpTo(DoorHinge::right);
+    opening.swing = oneUpTo(DoorSwing::out);
+  }
+  template <HasFields Record>
+  void take(Record& record) {
+    forEachField([this](std::string_view, auto& member) { take(member); }, record);
+  }
+
+  template <class T>
+  void take(ListSplice<T>& splice) {
+    constexpr std::size_t kLeastBytes = 4;  // of a text; everything else has more
     splice.at = number<std::uint64_t>();
     splice.removed = number<std::uint64_t>();
-    splice.added.resize(count(leastBytes));
-    for (T& one : splice.added) one = take();
-    return splice;
+    const std::size_t added = count(kLeastBytes);
+    // One by one: a count that lies must not take more memory than the bytes that are there.
+    for (std::size_t i = 0; i < added && isGood_; ++i) take(splice.added.emplace_back());
   }
   PlanChange planChange() {
-    constexpr std::size_t kLeastBytes = 51;
     PlanChange change;
     const auto look = number<std::uint8_t>();
-    change.look = {(look & kClean) != 0, (look & kFilled) != 0, (look & kWeights) != 0};
-    change.openings = splice<Opening>(kLeastBytes, [&] {
-      Opening opening;
-      opening.id = id();
-      opening.wallID = id();
-      opening.kind = oneUpTo(OpeningKind::opening);
-      opening.distance = number<double>();
-      opening.width = number<double>();
-      opening.hinge = oneUpTo(DoorHinge::right);
-      opening.swing = oneUpTo(DoorSwing::out);
-      return opening;
-    });
-    change.further = splice<std::string>(4, [&] { return text(); });
+    change.look = {(look & kClean) != 0, (look & kFilled) != 0, (look & kWeights) != 0,
+                   (look & kDimensionStrings) != 0};
+    std::apply([this](auto&... splices) { (take(splices), ...); }, change.items);
+    take(change.further);
+    take(change.sheet);
     return change;
   }
   JournalUndoStep twin() {

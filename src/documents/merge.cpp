@@ -7,6 +7,8 @@
 #include <unordered_set>
 #include <utility>
 
+#include "core/plan_items.h"
+
 namespace ostrelon {
 namespace {
 
@@ -55,7 +57,7 @@ class Merging {
       mergeEntities();
     }
     PlanMergeResult plan =
-        mergePlans(base_ == nullptr ? nullptr : &base_->plan, ours_.plan, theirs_.plan, ourSide_, theirSide_);
+        mergePlans(base_ == nullptr ? nullptr : &base_->plan, ours_, theirs_, ourSide_, theirSide_);
     merge_.plan = std::move(plan.merge);
     order(std::move(plan.conflicts));
     return std::move(merge_);
@@ -216,7 +218,7 @@ class Merging {
 
   // --- Order
 
-  void order(std::vector<OpeningConflict> openings) {
+  void order(std::vector<PlanItemConflict> items) {
     std::unordered_set<UUID> inOurs;
     std::unordered_set<UUID> inTheirs;
     for (const EntityConflict& conflict : entityConflicts_) {
@@ -224,10 +226,11 @@ class Merging {
       if (conflict.theirs) inTheirs.insert(entityID(*conflict.theirs));
     }
     for (const Merge::Incoming& incoming : merge_.added) inTheirs.insert(entityID(incoming.entity));
-    for (const OpeningConflict& conflict : openings) {
-      const UUID& wall = (conflict.ours ? *conflict.ours : *conflict.theirs).wallID;
-      inOurs.insert(wall);
-      inTheirs.insert(wall);
+    for (const PlanItemConflict& conflict : items) {
+      const auto wall = wallOf(conflict.ours ? *conflict.ours : *conflict.theirs);
+      if (!wall) continue;
+      inOurs.insert(*wall);
+      inTheirs.insert(*wall);
     }
     const auto ours = positionsOf(inOurs, ours_.entities);
     merge_.theirPositions = positionsOf(inTheirs, theirs_.entities);
@@ -243,8 +246,8 @@ class Merging {
                 return std::pair(!a.ours, a.number) < std::pair(!b.ours, b.number);
               });
     for (EntityConflict& conflict : entityConflicts_) merge_.conflicts.emplace_back(std::move(conflict));
-    for (OpeningConflict& conflict : openings) {
-      const UUID& wall = (conflict.ours ? *conflict.ours : *conflict.theirs).wallID;
+    for (PlanItemConflict& conflict : items) {
+      const UUID wall = wallOf(conflict.ours ? *conflict.ours : *conflict.theirs).value_or(UUID());
       const auto here = ours.find(wall);
       const auto there = merge_.theirPositions.find(wall);
       if (here != ours.end()) conflict.number = here->second + 1;
@@ -267,7 +270,7 @@ class Merging {
 class Settlement {
  public:
   Settlement(const Merge& merge, const Drawing& ours)
-      : merge_(merge), drawing_(ours), pairs_(merge.systemPairs) {
+      : merge_(merge), ours_(ours), drawing_(ours), pairs_(merge.systemPairs) {
     for (const SketchEntity& entity : merge.replaced) replaced_.emplace(entityID(entity), entity);
     removed_.insert(merge.removed.begin(), merge.removed.end());
     added_ = merge.added;
@@ -314,11 +317,11 @@ class Settlement {
     }
   }
 
-  void settle(const OpeningConflict& conflict, MergeChoice choice) {
+  void settle(const PlanItemConflict& conflict, MergeChoice choice) {
     const bool isRemoval = !conflict.theirs;
-    if (choice == MergeChoice::theirs || (choice == MergeChoice::both && !isRemoval)) {
-      openings_.push_back(conflict);
-    }
+    if (choice == MergeChoice::ours || (choice == MergeChoice::both && isRemoval)) return;
+    const bool isOpening = !isRemoval && std::holds_alternative<Opening>(*conflict.theirs);
+    planItems_.push_back({conflict, choice == MergeChoice::both && !isOpening});
   }
 
   Drawing result() {
@@ -329,8 +332,8 @@ class Settlement {
     std::erase_if(drawing_.wallSystemSpecs, [&](const WallSystemSpec& system) {
       return systemsGone_.contains(system.id) && !isUsed(system.id);
     });
-    if (!(drawing_.plan.empty() && merge_.plan.empty() && merge_.plan.theirs.empty())) {
-      drawing_.plan = mergedPlan(merge_.plan, drawing_.plan, openings_, broughtIn_, drawing_.entities);
+    if (!(drawing_.plan.empty() && merge_.plan.empty() && merge_.plan.theirs.plan.empty())) {
+      drawing_.plan = mergedPlan(merge_.plan, ours_, planItems_, broughtIn_, drawing_);
     }
     return std::move(drawing_);
   }
@@ -409,6 +412,7 @@ class Settlement {
   }
 
   const Merge& merge_;
+  const Drawing& ours_;
   Drawing drawing_;
   WallSystemPairs pairs_;
   std::unordered_map<UUID, SketchEntity> replaced_;
@@ -416,7 +420,7 @@ class Settlement {
   std::vector<Merge::Incoming> added_;
   std::unordered_set<UUID> systemsGone_;
   std::vector<WallSystemSpec> addedSystems_;
-  std::vector<OpeningConflict> openings_;     // of which theirs is taken
+  std::vector<SettledPlanConflict> planItems_;
   std::unordered_map<UUID, UUID> broughtIn_;  // entities of theirs by conflicts, and what they are called now
   std::unordered_set<UUID> taken_;            // identifiers of the result that something of theirs has too
 };
@@ -439,10 +443,10 @@ std::string sideWords(const std::optional<WallSystemSpec>& base, const std::opti
                      base && base->assemblyNotes == side->assemblyNotes ? "" : ", with its notes");
 }
 
-std::string sideWords(const std::optional<Opening>& base, const std::optional<Opening>& side) {
+std::string sideWords(const std::optional<PlanItem>& base, const std::optional<PlanItem>& side) {
   if (!side) return "removed";
-  if (!base) return openingDescription(*side);
-  const std::string words = openingChange(*base, *side);
+  if (!base) return planItemDescription(*side);
+  const std::string words = planItemChange(*base, *side);
   return words.empty() ? "changed" : words;
 }
 
@@ -496,11 +500,12 @@ ConflictWords conflictWords(const MergeConflict& conflict, const Drawing& ours, 
                                   sideWords(entities.base, entities.ours, ours, ours),
                                   sideWords(entities.base, entities.theirs, ours, theirs));
                  },
-                 [](const OpeningConflict& openings) {
-                   const Opening& named = openings.ours ? *openings.ours : *openings.theirs;
-                   return wordsOf(fmt::format("{} in Wall {}", openingTypeLabel(named.kind), openings.number),
-                                  openings, sideWords(openings.base, openings.ours),
-                                  sideWords(openings.base, openings.theirs));
+                 [](const PlanItemConflict& items) {
+                   const PlanItem& named = items.ours ? *items.ours : *items.theirs;
+                   return wordsOf(
+                       wallOf(named) ? fmt::format("{} in Wall {}", planItemTypeLabel(named), items.number)
+                                     : planItemTitle(named),
+                       items, sideWords(items.base, items.ours), sideWords(items.base, items.theirs));
                  }},
       conflict);
 }
@@ -519,8 +524,8 @@ const UUID& conflictID(const MergeConflict& conflict) {
                                [](const EntityConflict& entity) -> const UUID& {
                                  return entityID(entity.ours ? *entity.ours : *entity.theirs);
                                },
-                               [](const OpeningConflict& opening) -> const UUID& {
-                                 return (opening.ours ? *opening.ours : *opening.theirs).id;
+                               [](const PlanItemConflict& item) -> const UUID& {
+                                 return planItemID(item.ours ? *item.ours : *item.theirs);
                                }},
                     conflict);
 }

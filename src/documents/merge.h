@@ -9,7 +9,7 @@
 // A wall of which one side has pulled one end and the other side the other is no conflict, as long as what
 // comes of it is no shorter than walls are drawn. Wall systems merge by the same rules; two of the same name
 // under different identifiers are one conflict where they differ, and one system where they do not.
-// Openings merge likewise, and the look of the plan switch by switch.
+// The items of the plan merge likewise, its look switch by switch and its sheet text by text.
 // Without an ancestor everything that differs is a conflict. The grid, the view and the active wall system
 // stay ours.
 #pragma once
@@ -34,8 +34,8 @@ inline constexpr double kShortestMergedWall = 1.0;
 
 using EntityConflict = Conflict<SketchEntity>;
 using WallSystemConflict = Conflict<WallSystemSpec>;
-/// An entity, a wall system or an opening.
-using MergeConflict = std::variant<WallSystemConflict, EntityConflict, OpeningConflict>;
+/// An entity, a wall system or an item of the plan.
+using MergeConflict = std::variant<WallSystemConflict, EntityConflict, PlanItemConflict>;
 
 /// How a conflict is settled. Both: theirs comes beside ours, under an identifier of its own; of an opening
 /// theirs is taken, since two have no room in one place.
@@ -61,7 +61,7 @@ struct Merge {
   std::unordered_map<UUID, std::size_t> theirPositions;  ///< 0-based, of all entities that may come in
   PlanMerge plan;
   /// Wall systems first, then entities in the order of our drawing, then those that ours has not, then
-  /// openings.
+  /// items of the plan.
   std::vector<MergeConflict> conflicts;
 
   /// There is nothing to take and nothing to ask.

@@ -1,5 +1,6 @@
 // Merging the plans of two drawings: part of merging these, by the same rules. An opening that comes or goes
-// with its wall shares the fate of the wall; a switch of the look is taken from the side that has changed it.
+// with its wall shares the fate of the wall; a switch of the look, or a text of the sheet, is taken from the
+// side that has changed it, and stays ours where both have.
 #pragma once
 
 #include <optional>
@@ -18,11 +19,11 @@ struct Conflict {
   std::optional<T> ours;
   std::optional<T> theirs;
   /// Of an entity: 1-based, in our drawing, or in theirs where ours has it not. Of an opening: that of its
-  /// wall.
+  /// wall; 0 for other items of the plan.
   std::size_t number = 0;
   friend bool operator==(const Conflict&, const Conflict&) = default;
 };
-using OpeningConflict = Conflict<Opening>;
+using PlanItemConflict = Conflict<PlanItem>;
 
 /// What has become of the entities of the base on one side.
 struct MergeSide {
@@ -32,13 +33,15 @@ struct MergeSide {
 
 /// What a merge does to our plan.
 struct PlanMerge {
-  std::vector<Opening> replaced;
+  std::vector<PlanItem> replaced;
   std::vector<UUID> removed;
-  std::vector<Opening> added;
+  std::vector<PlanItem> added;
   PlanLook look;  ///< ours, with what theirs has switched
+  PlanSheet sheet;
   SharedList<std::string> further;
-  bool isOtherLook = false;                 ///< than ours, or other members
-  SharedList<Opening> theirs;               ///< all, for a wall of theirs that a conflict brings in
+  bool isOtherLook = false;  ///< than ours, or other members, or another sheet
+  /// All of theirs: for the openings of a wall that a conflict brings in, and for dimensions to follow from.
+  Drawing theirs;
   std::unordered_map<UUID, UUID> ourWalls;  ///< their identifiers of walls, then ours
 
   bool empty() const { return replaced.empty() && removed.empty() && added.empty() && !isOtherLook; }
@@ -46,16 +49,22 @@ struct PlanMerge {
 
 struct PlanMergeResult {
   PlanMerge merge;
-  std::vector<OpeningConflict> conflicts;  ///< without their numbers, in the order of our openings
+  std::vector<PlanItemConflict> conflicts;  ///< without their numbers, in the order of our items
 };
-/// Without a base everything that differs is a conflict, and the look stays ours.
-PlanMergeResult mergePlans(const Plan* base, const Plan& ours, const Plan& theirs, const MergeSide& ourSide,
-                           const MergeSide& theirSide);
+/// Without a base everything that differs is a conflict, and look and sheet stay ours.
+PlanMergeResult mergePlans(const Plan* base, const Drawing& ours, const Drawing& theirs,
+                           const MergeSide& ourSide, const MergeSide& theirSide);
 
-/// Our plan with everything merged. `settled`: the conflicts of which theirs was chosen, or both.
-/// `broughtIn`: walls of theirs that conflicts have brought in, and what they are called now. `entities`: the
-/// merged ones; openings without a wall are left out.
-Plan mergedPlan(const PlanMerge& merge, const Plan& ours, const std::vector<OpeningConflict>& settled,
-                const std::unordered_map<UUID, UUID>& broughtIn, const EntityList& entities);
+/// A conflict of which theirs was chosen, or both.
+struct SettledPlanConflict {
+  PlanItemConflict conflict;
+  bool areBothKept = false;  ///< theirs comes beside ours, under an identifier of its own
+};
+
+/// Our plan with everything merged. `broughtIn`: walls of theirs that conflicts have brought in, and what
+/// they are called now. `merged`: our drawing with the entities merged already; openings without a wall are
+/// left out, and dimensions follow.
+Plan mergedPlan(const PlanMerge& merge, const Drawing& ours, const std::vector<SettledPlanConflict>& settled,
+                const std::unordered_map<UUID, UUID>& broughtIn, const Drawing& merged);
 
 }  // namespace ostrelon

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "documents/number_text.h"
+#include "documents/plan_item_rows.h"
 
 namespace ostrelon {
 namespace {
@@ -14,51 +15,6 @@ using Value = JsonReading::Value;
 bool isWritable32(double value) { return std::isfinite(static_cast<float>(value)); }
 
 // --- Reading
-
-// One of these letters, as its position among them.
-std::size_t letterAmong(JsonReading& reading, Value& value, const JsonPlace& place, std::string_view letters,
-                        std::string_view what) {
-  std::string other;
-  const char letter = reading.letter(value, place, other);
-  const std::size_t found = letter == '\0' ? std::string_view::npos : letters.find(letter);
-  if (found == std::string_view::npos) {
-    throw DocumentFormatError("Unknown " + std::string(what) + ": " +
-                              (letter == '\0' ? other : std::string(1, letter)));
-  }
-  return found;
-}
-
-Opening readOpening(JsonReading& reading, Value& row, const JsonPlace& place) {
-  Opening opening;
-  JsonReading::Elements elements(reading, reading.array(row, place));
-  Value element;
-  std::size_t position = 0;
-  const auto next = [&] {
-    if (!elements.next(element)) JsonReading::fail(place, "the row of an opening is too short");
-    return place.at(position++);
-  };
-  const JsonPlace kind = next();
-  opening.kind = static_cast<OpeningKind>(letterAmong(reading, element, kind, "DWO", "kind of opening"));
-  const JsonPlace id = next();
-  opening.id = reading.uuid(element, id);
-  const JsonPlace wall = next();
-  opening.wallID = reading.uuid(element, wall);
-  const JsonPlace distance = next();
-  opening.distance = reading.number(element, distance);
-  const JsonPlace width = next();
-  opening.width = reading.number(element, width);
-  // A row must not be asked for more once it has ended.
-  bool hasMore = elements.next(element);
-  if (opening.kind == OpeningKind::door && hasMore) {
-    opening.hinge =
-        static_cast<DoorHinge>(letterAmong(reading, element, place.at(position++), "LR", "hinge"));
-    const JsonPlace swing = next();
-    opening.swing = static_cast<DoorSwing>(letterAmong(reading, element, swing, "IO", "swing"));
-    hasMore = elements.next(element);
-  }
-  for (; hasMore; hasMore = elements.next(element)) reading.pass(element, place.at(position++));
-  return opening;
-}
 
 PlanLook readLook(JsonReading& reading, Value& value, const JsonPlace& place) {
   PlanLook look;
@@ -70,6 +26,8 @@ PlanLook readLook(JsonReading& reading, Value& value, const JsonPlace& place) {
       look.filledWalls = reading.boolean(field, here);
     } else if (key == "weights") {
       look.lineWeights = reading.boolean(field, here);
+    } else if (key == "dimensions") {
+      look.dimensionStrings = reading.boolean(field, here);
     } else {
       reading.pass(field, here);
     }
@@ -104,13 +62,9 @@ Plan readPlanMembers(JsonReading& reading, Value& value, const JsonPlace& place,
     const JsonPlace here = place.under(key);
     if (key == "look") {
       plan.look = readLook(reading, field, here);
-    } else if (key == "openings") {
-      std::vector<Opening> openings;
-      JsonReading::Elements rows(reading, reading.array(field, here));
-      Value row;
-      while (rows.next(row)) openings.push_back(readOpening(reading, row, here.at(openings.size())));
-      plan.openings = std::move(openings);
-    } else if (!other(key, field, here)) {
+    } else if (key == "sheet") {
+      plan.sheet = readPlanSheet(reading, field, here);
+    } else if (!readPlanItems(reading, key, field, here, plan) && !other(key, field, here)) {
       const std::string name = quotedText(std::string(key));
       const char* const first = JsonReading::start(field);
       reading.pass(field, here);
@@ -154,52 +108,29 @@ void readUndoStep(JsonReading& reading, Value& value, const JsonPlace& place, st
 
 // --- Writing
 
-std::string openingText(const Opening& opening) {
-  constexpr std::string_view kinds = "DWO";
-  std::string text = "[\"";
-  text += kinds[static_cast<std::size_t>(opening.kind)];
-  text += "\",\"" + opening.id.text() + "\",\"" + opening.wallID.text() + "\"," +
-          number64Text(opening.distance) + "," + number64Text(opening.width);
-  const bool isUsual = opening.hinge == DoorHinge::left && opening.swing == DoorSwing::in;
-  if (opening.kind == OpeningKind::door && !isUsual) {
-    text += opening.hinge == DoorHinge::left ? ",\"L\"" : ",\"R\"";
-    text += opening.swing == DoorSwing::in ? ",\"I\"" : ",\"O\"";
-  }
-  return text + "]";
-}
-
-// The members of an object or the elements of an array, in the order in which they come.
-class Joined {
- public:
-  void add(const std::string& text) { text_ += (text_.empty() ? "" : ",") + text; }
-  bool empty() const { return text_.empty(); }
-  std::string in(char open, char close) const { return open + text_ + close; }
-
- private:
-  std::string text_;
-};
-
-Joined planMembers(const Plan& plan) {
-  Joined members;
-  Joined look;
+JoinedJson planMembers(const Plan& plan) {
+  JoinedJson members;
+  JoinedJson look;
   if (plan.look.cleanWalls) look.add("\"clean\":true");
   if (plan.look.filledWalls) look.add("\"fill\":true");
   if (plan.look.lineWeights) look.add("\"weights\":true");
+  if (plan.look.dimensionStrings) look.add("\"dimensions\":true");
   if (!look.empty()) members.add("\"look\":" + look.in('{', '}'));
-  Joined openings;
-  for (const Opening& opening : plan.openings) openings.add(openingText(opening));
-  if (!openings.empty()) members.add("\"openings\":" + openings.in('[', ']'));
+  writePlanItems(plan, [&](std::string_view key, const std::string& rows) {
+    members.add(quotedText(std::string(key)) + ":" + rows);
+  });
+  if (plan.sheet != PlanSheet()) members.add("\"sheet\":" + planSheetText(plan.sheet));
   for (const std::string& member : plan.further) members.add(member);
   return members;
 }
 
 std::string twinText(const UndoTwin& twin, std::size_t back) {
-  Joined step;
+  JoinedJson step;
   step.add("\"back\":" + std::to_string(back));
   if (twin.plan) step.add("\"plan\":" + planMembers(*twin.plan).in('{', '}'));
-  Joined systems;
+  JoinedJson systems;
   for (const WallSystemChange& change : twin.wallSystems) {
-    Joined one;
+    JoinedJson one;
     one.add("\"at\":" + std::to_string(change.position));
     if (change.before) one.add("\"before\":" + wallSystemText(*change.before));
     if (change.after) one.add("\"after\":" + wallSystemText(*change.after));
@@ -275,11 +206,7 @@ ReadPlan readPlan(JsonReading& reading, Value& value, const JsonPlace& place) {
   return read;
 }
 
-bool isWritable(const Plan& plan) {
-  return std::all_of(plan.openings.begin(), plan.openings.end(), [](const Opening& opening) {
-    return std::isfinite(opening.distance) && std::isfinite(opening.width);
-  });
-}
+bool isWritable(const Plan& plan) { return arePlanItemsWritable(plan) && isWritable(plan.sheet); }
 
 bool isWritable(const UndoTwin& twin) {
   return (!twin.plan || isWritable(*twin.plan)) &&
@@ -290,8 +217,8 @@ bool isWritable(const UndoTwin& twin) {
 }
 
 std::string planText(const Plan& plan, const std::vector<UndoTwin>& twins) {
-  Joined members = planMembers(plan);
-  Joined steps;
+  JoinedJson members = planMembers(plan);
+  JoinedJson steps;
   for (std::size_t i = 0; i < twins.size(); ++i) {
     if (!twins[i].empty()) steps.add(twinText(twins[i], twins.size() - i));
   }

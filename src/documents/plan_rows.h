@@ -1,15 +1,14 @@
 // The key "plan" of a document file, which is there only when it holds something:
 //
-//   "plan":{"look":{"clean":true,"fill":true,"weights":true},
-//           "openings":[["D","5D7A…","8E11…",3.5,3,"R","O"],["W","03C2…","8E11…",9,4]],
+//   "plan":{"look":{"clean":true,"fill":true,"weights":true,"dimensions":true},
+//           "openings":[…],"rooms":[…],"dividers":[…],"dimensions":[…],"notes":[…],
+//           "sheet":{"unitsPerInch":4,"north":30,"project":"Lake House"},
 //           "undo":[{"back":1,"plan":{"openings":[…]},"ws":[{"at":0,"before":{"i":…},"after":{"i":…}}]}]}
 //
-// "look" names what is on. An opening is a row: its kind, "D" door, "W" window or "O" opening; its identifier
-// and its wall's; the distance of its near jamb from the wall's start and its width, 64-bit numbers of
-// sketch units; of a door whose leaf does not hang left and swing in, "L" or "R" and "I" or "O". "undo" is a
-// twin of the document's list of undo steps, for those steps that take back more than entities: "back" counts
-// from 1 for the newest, "plan" is the plan as it was, "ws" what the step changed of the wall systems, by
-// their places and rows as under "ws" of the document.
+// "look" names what is on. The rows of items are described in documents/plan_item_rows.h. "sheet" has those
+// members of `PlanSheet` that say something. "undo" is a twin of the document's list of undo steps, for those
+// steps that take back more than entities: "back" counts from 1 for the newest, "plan" is the plan as it was,
+// "ws" what the step changed of the wall systems, by their places and rows as under "ws" of the document.
 //
 // Unknown members of the plan are kept and written again, so that a document survives a version that knows
 // less; other unknown keys and further elements of a row are passed over.

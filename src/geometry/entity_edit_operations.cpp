@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "core/adding.h"
+#include "core/plan_items.h"
 #include "geometry/edit_operations.h"
 #include "geometry/entity_edits.h"
 #include "geometry/entity_geometry.h"
@@ -47,34 +48,23 @@ std::string countedReport(std::size_t count, const std::string& verb) {
   return count == 1 ? "Entity " + verb + "." : std::to_string(count) + " entities " + verb + ".";
 }
 
-// The openings of the walls among these.
-std::vector<Opening> openingsOf(const Plan& plan, const std::vector<SketchEntity>& entities) {
-  std::vector<Opening> found;
-  if (plan.openings.empty()) return found;
-  std::unordered_set<UUID> ids;
-  for (const SketchEntity& entity : entities) ids.insert(entityID(entity));
-  std::copy_if(plan.openings.begin(), plan.openings.end(), std::back_inserter(found),
-               [&](const Opening& opening) { return ids.contains(opening.wallID); });
-  return found;
-}
-
-// What is copied: entities, and the openings of the walls among them.
+// What is copied: entities, and the items of the plan that come with them.
 struct Copied {
   std::vector<SketchEntity> entities;
-  std::vector<Opening> openings;
+  std::vector<PlanItem> items;
 };
 
 Copied copiedAt(const EntityList& entities, const Plan& plan, const std::vector<std::size_t>& positions) {
   Copied copied{entitiesAt(entities, positions), {}};
-  copied.openings = openingsOf(plan, copied.entities);
+  copied.items = itemsOf(plan, copied.entities);
   return copied;
 }
 
-// Appends moved copies of `count` entities, walls with copies of their openings, as one step and makes them
-// the selection, the first one primary. `originals` may be called away from the main thread.
+// Appends moved copies of `count` entities, with copies of what they take along of the plan, as one step and
+// makes them the selection, the first one primary. `originals` may be called away from the main thread.
 void appendCopies(Sketch& sketch, std::size_t count, const std::function<Copied()>& originals, double dx,
                   double dy) {
-  std::vector<Opening> openings;
+  std::vector<PlanItem> items;
   const std::size_t place = sketch.entities().size();
   const EntityList next = sketch.prepared(count, [&, list = sketch.entities()]() mutable {
     Copied copies = originals();
@@ -82,9 +72,9 @@ void appendCopies(Sketch& sketch, std::size_t count, const std::function<Copied(
     for (SketchEntity& copy : copies.entities) {
       const UUID original = entityID(copy);
       copy = duplicatedEntity(copy, dx, dy);
-      if (!copies.openings.empty()) copyIDs.emplace(original, entityID(copy));
+      if (!copies.items.empty()) copyIDs.emplace(original, entityID(copy));
     }
-    if (!copies.openings.empty()) openings = copiedOpenings(copies.openings, copyIDs);
+    items = copiedPlanItems(copies.items, std::move(copyIDs), {dx, dy});
     list.append(std::move(copies.entities));
     return list;
   });
@@ -93,12 +83,35 @@ void appendCopies(Sketch& sketch, std::size_t count, const std::function<Copied(
   sketch.clearSelection();
   sketch.edit([&](Drawing& drawing) {
     drawing.entities = next;
-    if (openings.empty()) return;
-    std::vector<Opening> all = drawing.plan.openings.list();
-    all.insert(all.end(), openings.begin(), openings.end());
-    drawing.plan.openings = std::move(all);
+    addPlanItems(drawing.plan, items);
   });
   sketch.select({EntitySet::from(sketch.entities(), place), entityID(next[place]), isInspected, {}});
+}
+
+// The item of the plan that is selected, and can stand by itself; or nothing.
+std::vector<PlanItem> selectedFreeItem(const Sketch& sketch) {
+  const auto& id = sketch.selection->planItem;
+  const auto item = id ? findPlanItem(sketch.drawing->plan, *id) : std::nullopt;
+  return item && !wallOf(*item) ? std::vector{*item} : std::vector<PlanItem>();
+}
+
+// Copies of items that stand by themselves, as one step; the last one is selected.
+int appendItems(Sketch& sketch, const std::vector<PlanItem>& items, SketchPoint by) {
+  std::vector<PlanItem> copies;
+  for (const PlanItem& item : items) {
+    PlanItem copy = movedPlanItem(withPlanItemID(item, UUID::random()), by);
+    // A copy that stands elsewhere holds on to nothing.
+    if (auto* dimension = std::get_if<Dimension>(&copy)) {
+      dimension->from.anchor = AnchorKind::none;
+      dimension->to.anchor = AnchorKind::none;
+    }
+    copies.push_back(std::move(copy));
+  }
+  if (copies.empty()) return 0;
+  const auto change = sketch.change();
+  sketch.edit([&](Drawing& drawing) { addPlanItems(drawing.plan, copies); });
+  sketch.selectPlanItem(planItemID(copies.back()));
+  return static_cast<int>(copies.size());
 }
 
 }  // namespace
@@ -219,6 +232,13 @@ void duplicateEntity(Sketch& sketch, Messages& messages, const UUID& id, double 
 }
 
 void duplicateSelection(Sketch& sketch, Messages& messages, double dx, double dy) {
+  const std::vector<PlanItem> item = selectedFreeItem(sketch);
+  if (!item.empty()) {
+    const auto change = sketch.change();
+    appendItems(sketch, item, {dx, dy});
+    messages.appendSystem(std::string(planItemTypeLabel(item.front())) + " duplicated.");
+    return;
+  }
   const std::vector<std::size_t> positions = sketch.selectedPositions();
   if (positions.empty()) return;
   const auto originals = [&positions, list = sketch.entities(), plan = sketch.drawing->plan] {
@@ -229,24 +249,28 @@ void duplicateSelection(Sketch& sketch, Messages& messages, double dx, double dy
 }
 
 int copySelection(Sketch& sketch) {
+  if (std::vector<PlanItem> item = selectedFreeItem(sketch); !item.empty()) {
+    sketch.setClipboard({}, std::move(item));
+    return 1;
+  }
   const std::vector<std::size_t> positions = sketch.selectedPositions();
   if (positions.empty()) return 0;
   Copied copied;
   sketch.work(positions.size(),
               [&] { copied = copiedAt(sketch.entities(), sketch.drawing->plan, positions); });
-  if (*sketch.clipboard != copied.entities || sketch.clipboardOpenings() != copied.openings) {
-    sketch.setClipboard(std::move(copied.entities), std::move(copied.openings));
+  if (*sketch.clipboard != copied.entities || sketch.clipboardItems() != copied.items) {
+    sketch.setClipboard(std::move(copied.entities), std::move(copied.items));
   }
   return static_cast<int>(positions.size());
 }
 
 int pasteClipboard(Sketch& sketch, SketchPoint offset) {
   const std::size_t count = sketch.clipboard->size();
-  if (count == 0) return 0;
+  if (count == 0) return appendItems(sketch, sketch.clipboardItems(), offset);
   appendCopies(
       sketch, count,
       [&] {
-        return Copied{sketch.clipboard, sketch.clipboardOpenings()};
+        return Copied{sketch.clipboard, sketch.clipboardItems()};
       },
       offset.x, offset.y);
   return static_cast<int>(count);

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <unordered_map>
 
+#include "geometry/entity_geometry.h"
 #include "geometry/hit_testing.h"
 #include "geometry/opening_operations.h"
 
@@ -15,10 +16,11 @@ constexpr double kLeastMove = 0.5 / 12;  // an opening that is dragged by less s
 // Whether the change asks for another place.
 bool changesPlace(const PlanItem& before, const PlanItem& after) {
   return std::visit(Overloaded{[&](const Opening& now) {
-                      const auto* old = std::get_if<Opening>(&before);
-                      return old == nullptr || old->wallID != now.wallID || old->distance != now.distance ||
-                             old->width != now.width;
-                    }},
+                                 const auto* old = std::get_if<Opening>(&before);
+                                 return old == nullptr || old->wallID != now.wallID ||
+                                        old->distance != now.distance || old->width != now.width;
+                               },
+                               [](const auto&) { return false; }},
                     after);
 }
 
@@ -57,41 +59,95 @@ std::optional<UUID> pickOpening(const Sketch& sketch, SketchPoint point, double 
 }  // namespace
 
 std::optional<UUID> pickPlanItem(const Sketch& sketch, SketchPoint point, double scale) {
-  double least = 0;
-  return pickOpening(sketch, point, kEntityPickTolerance / scale, least);
+  const double tolerance = kEntityPickTolerance / scale;
+  double least = tolerance;
+  const auto opening = pickOpening(sketch, point, tolerance, least);
+  const auto other = pickShape(planItemShapes(sketch.drawing->plan), point, least);
+  return other ? other : opening;
+}
+
+std::vector<PlanItemShape> planItemShapes(const Plan& plan) {
+  std::vector<PlanItemShape> shapes;
+  for (const RoomName& room : plan.roomNames) {
+    const SketchPoint label = room.place + room.labelOffset;
+    shapes.push_back({room.id, {{label, label}}});
+  }
+  for (const RoomDivider& divider : plan.roomDividers) {
+    shapes.push_back({divider.id, {{divider.start, divider.end}}});
+  }
+  for (const Dimension& dimension : plan.dimensions) {
+    const SketchPoint axis = dimensionAxis(dimension);
+    const SketchPoint start = dimension.from.point + perpendicular(axis) * dimension.offset;
+    const SketchPoint end = start + axis * dot(dimension.to.point - dimension.from.point, axis);
+    shapes.push_back(
+        {dimension.id, {{start, end}, {dimension.from.point, start}, {dimension.to.point, end}}});
+  }
+  for (const Note& note : plan.notes) {
+    shapes.push_back({note.id, {{note.place, note.target.value_or(note.place)}}});
+  }
+  return shapes;
+}
+
+std::optional<UUID> pickShape(const std::vector<PlanItemShape>& shapes, SketchPoint point, double tolerance) {
+  std::optional<UUID> nearest;
+  double least = tolerance;
+  for (const PlanItemShape& shape : shapes) {
+    for (const auto& [start, end] : shape.strokes) {
+      const double distance = distanceToSegment(point, start, end);
+      if (!(distance <= least)) continue;
+      nearest = shape.id;
+      least = distance;
+    }
+  }
+  return nearest;
 }
 
 std::string planItemMisfit(const Sketch& sketch, const PlanItem& item) {
   return std::visit(Overloaded{[&](const Opening& opening) {
-                      const auto placed = placedOpening(sketch, opening);
-                      if (!placed) return std::string("Its wall is a line now.");
-                      return openingMisfitText(*placed, sketch.drawing->plan);
-                    }},
+                                 const auto placed = placedOpening(sketch, opening);
+                                 if (!placed) return std::string("Its wall is a line now.");
+                                 return openingMisfitText(*placed, sketch.drawing->plan);
+                               },
+                               [](const auto&) { return std::string(); }},
                     item);
 }
 
 PlanItem draggedPlanItem(const Sketch& sketch, const PlanItem& item, SketchPoint from, SketchPoint to) {
   return std::visit(Overloaded{[&](Opening opening) -> PlanItem {
-                      const auto wall = openingWall(sketch, opening.wallID);
-                      if (!wall) return opening;
-                      const double by = wall->along(to) - wall->along(from);
-                      if (std::abs(by) < kLeastMove) return opening;
-                      const double middle = opening.distance + opening.width / 2 + by;
-                      opening.distance = roundedDistance(*wall, middle, opening.width,
-                                                         sketch.drawing->plan.openings, opening.id);
-                      return opening;
-                    }},
+                                 const auto wall = openingWall(sketch, opening.wallID);
+                                 if (!wall) return opening;
+                                 const double by = wall->along(to) - wall->along(from);
+                                 if (std::abs(by) < kLeastMove) return opening;
+                                 const double middle = opening.distance + opening.width / 2 + by;
+                                 opening.distance = roundedDistance(
+                                     *wall, middle, opening.width, sketch.drawing->plan.openings, opening.id);
+                                 return opening;
+                               },
+                               [&](RoomName room) -> PlanItem {
+                                 room.labelOffset = room.labelOffset + (to - from);
+                                 return room;
+                               },
+                               [&](Dimension dimension) -> PlanItem {
+                                 dimension.offset += dot(to - from, perpendicular(dimensionAxis(dimension)));
+                                 return dimension;
+                               },
+                               [&](Note note) -> PlanItem {  // its leader goes on pointing where it points
+                                 note.place = note.place + (to - from);
+                                 return note;
+                               },
+                               [&](const RoomDivider& divider) { return movedPlanItem(divider, to - from); }},
                     item);
 }
 
 std::optional<PlanItem> flippedPlanItem(const PlanItem& item) {
   return std::visit(Overloaded{[](Opening opening) -> std::optional<PlanItem> {
-                      if (opening.kind != OpeningKind::door) return std::nullopt;
-                      const DoorHanging next = flipped({opening.hinge, opening.swing});
-                      opening.hinge = next.hinge;
-                      opening.swing = next.swing;
-                      return opening;
-                    }},
+                                 if (opening.kind != OpeningKind::door) return std::nullopt;
+                                 const DoorHanging next = flipped({opening.hinge, opening.swing});
+                                 opening.hinge = next.hinge;
+                                 opening.swing = next.swing;
+                                 return opening;
+                               },
+                               [](const auto&) -> std::optional<PlanItem> { return std::nullopt; }},
                     item);
 }
 
@@ -104,6 +160,11 @@ std::string changePlanItem(Sketch& sketch, const PlanItem& item, UndoStep step) 
   }
   sketch.edit([&](Drawing& drawing) { putPlanItem(drawing.plan, item); }, step);
   return {};
+}
+
+void movePlanItem(Sketch& sketch, const UUID& id, double dx, double dy) {
+  const auto found = findPlanItem(sketch.drawing->plan, id);
+  if (found) changePlanItem(sketch, movedPlanItem(*found, {dx, dy}));
 }
 
 void deletePlanItem(Sketch& sketch, Messages& messages, const UUID& id) {

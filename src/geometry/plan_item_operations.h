@@ -5,12 +5,24 @@
 
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "core/messages.h"
 #include "core/plan_items.h"
 #include "core/sketch.h"
 
 namespace ostrelon {
+
+/// What of an item is clicked on, as straight strokes. An opening is found by its own shape.
+struct PlanItemShape {
+  UUID id;
+  std::vector<std::pair<SketchPoint, SketchPoint>> strokes;
+};
+/// The shapes of all items but openings, from their places alone: a label is the point at its middle.
+std::vector<PlanItemShape> planItemShapes(const Plan& plan);
+/// The nearest within the tolerance, the last of equal ones.
+std::optional<UUID> pickShape(const std::vector<PlanItemShape>& shapes, SketchPoint point, double tolerance);
 
 /// The item nearest to the point within the tolerance of a click. `scale` is view points per sketch unit.
 std::optional<UUID> pickPlanItem(const Sketch& sketch, SketchPoint point, double scale);
@@ -19,7 +31,7 @@ std::optional<UUID> pickPlanItem(const Sketch& sketch, SketchPoint point, double
 std::string planItemMisfit(const Sketch& sketch, const PlanItem& item);
 
 /// The item after a drag that took it from `from` to `to`: an opening goes along its wall, to the inch, and
-/// keeps out of its neighbours.
+/// keeps out of its neighbours; of a room, its label moves; of a dimension, its line; other items go along.
 PlanItem draggedPlanItem(const Sketch& sketch, const PlanItem& item, SketchPoint from, SketchPoint to);
 
 /// The next way in which it stands: of a door how it hangs and swings. Absent for what has one way alone.
@@ -28,6 +40,8 @@ std::optional<PlanItem> flippedPlanItem(const PlanItem& item);
 /// Puts another in the place of the one of its identifier. The answer says why not, and is empty where it
 /// was done or stood so already. Unknown ones are refused.
 std::string changePlanItem(Sketch& sketch, const PlanItem& item, UndoStep step = UndoStep::own);
+/// Moves one that stands by itself; nothing for an opening or an unknown one.
+void movePlanItem(Sketch& sketch, const UUID& id, double dx, double dy);
 /// Removes it and reports that in the console; an unknown one does nothing.
 void deletePlanItem(Sketch& sketch, Messages& messages, const UUID& id);
 

@@ -100,15 +100,30 @@ void paintSquare(CanvasPainter& painter, const CanvasFrame& frame, SketchPoint p
   if (outline) painter.strokeRoundedRect(square, 0, *outline);
 }
 
+void paintEmphasizedShape(CanvasPainter& painter, const CanvasFrame& frame, const Sketch& sketch,
+                          const UUID& id, OpeningEmphasis emphasis) {
+  const bool isHovered = emphasis == OpeningEmphasis::hovered;
+  const Stroke stroke{.color = frame.palette.active,
+                      .width = isHovered ? kHoverWidth : kSelectionWidth,
+                      .dash = isHovered ? kHoverDash : decltype(Stroke::dash)()};
+  for (const PlanItemShape& shape : planItemShapes(sketch.drawing->plan)) {
+    if (shape.id != id) continue;
+    for (const auto& [start, end] : shape.strokes) {
+      strokeSegment(painter, frame, {frame.toView(start), frame.toView(end)}, stroke);
+    }
+  }
+}
+
 /// An unknown identifier paints nothing.
 void paintEmphasizedItem(CanvasPainter& painter, const CanvasFrame& frame, const Sketch& sketch,
                          const UUID& id, OpeningEmphasis emphasis) {
   const auto item = findPlanItem(sketch.drawing->plan, id);
   if (!item) return;
-  std::visit(Overloaded{[&](const Opening& opening) {
-               paintEmphasizedOpening(painter, frame, sketch, opening, emphasis);
-             }},
-             *item);
+  std::visit(
+      Overloaded{
+          [&](const Opening& opening) { paintEmphasizedOpening(painter, frame, sketch, opening, emphasis); },
+          [&](const auto& other) { paintEmphasizedShape(painter, frame, sketch, other.id, emphasis); }},
+      *item);
 }
 
 Stroke draftStroke(const CanvasFrame& frame) {

@@ -7,10 +7,7 @@
 namespace ostrelon {
 
 EntityListModel::EntityListModel(const Sketch& sketch, QObject* parent)
-    : QAbstractListModel(parent),
-      sketch_(sketch),
-      rows_(sketch, {}),
-      openings_(sketch.drawing->plan.openings) {}
+    : QAbstractListModel(parent), sketch_(sketch), rows_(sketch, {}), plan_(sketch.drawing->plan) {}
 
 int EntityListModel::rowCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : rows_.count() - hidden_;
@@ -50,8 +47,9 @@ Icon EntityListModel::icon(int row) const {
   return place.item != nullptr ? iconOf(*place.item) : iconOf(rows_.entities()[place.position]);
 }
 
-const UUID& EntityListModel::entityAt(int row) const {
-  return entityID(rows_.entities()[placeOf(row).position]);
+UUID EntityListModel::entityAt(int row) const {
+  const std::size_t position = placeOf(row).position;
+  return position < rows_.entities().size() ? entityID(rows_.entities()[position]) : UUID();
 }
 
 bool EntityListModel::isSelected(int row) const {
@@ -70,9 +68,9 @@ int EntityListModel::selectedRow() const {
 }
 
 void EntityListModel::update() {
-  const SharedList<Opening>& openings = sketch_.drawing->plan.openings;
-  if (rows_.entities().sharesAllStorage(sketch_.entities()) && openings_ == openings) return;
-  openings_ = openings;
+  const Plan& plan = sketch_.drawing->plan;
+  if (rows_.entities().sharesAllStorage(sketch_.entities()) && plan_ == plan) return;
+  plan_ = plan;
   take(ListedRows(sketch_, folded_));
 }
 

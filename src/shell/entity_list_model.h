@@ -27,8 +27,8 @@ class EntityListModel final : public QAbstractListModel {
   QVariant data(const QModelIndex& index, int role) const override;
   Icon icon(int row) const;
   ListedRows::Row place(int row) const { return placeOf(row); }
-  /// The entity, or the wall that the item is in.
-  const UUID& entityAt(int row) const;
+  /// The entity, or the wall that the item is in; null for an item that stands by itself.
+  UUID entityAt(int row) const;
   bool isSelected(int row) const;
   /// The row of the item that is selected, else of the primary entity; -1 without either.
   int selectedRow() const;
@@ -48,7 +48,7 @@ class EntityListModel final : public QAbstractListModel {
   // While rows go and others come: those that have not come yet.
   int hiddenFrom_ = 0;
   int hidden_ = 0;
-  SharedList<Opening> openings_;  // those that the rows show
+  Plan plan_;  // as the rows show it
   std::unordered_set<UUID> folded_;
 };
 

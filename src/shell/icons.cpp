@@ -122,18 +122,22 @@ Icon iconOf(SketchTool tool) {
 }
 
 Icon iconOf(const PlanItem& item) {
-  return std::visit(Overloaded{[](const Opening& opening) {
-                      switch (opening.kind) {
-                        case OpeningKind::door:
-                          return Icon::door;
-                        case OpeningKind::window:
-                          return Icon::window;
-                        case OpeningKind::opening:
-                          return Icon::opening;
-                      }
-                      return Icon::none;
-                    }},
-                    item);
+  return std::visit(
+      Overloaded{[](const Opening& opening) {
+                   switch (opening.kind) {
+                     case OpeningKind::door:
+                       return Icon::door;
+                     case OpeningKind::window:
+                       return Icon::window;
+                     case OpeningKind::opening:
+                       return Icon::opening;
+                   }
+                   return Icon::none;
+                 },
+                 [](const RoomName&) { return Icon::rectangle; },
+                 [](const RoomDivider&) { return Icon::line; }, [](const Dimension&) { return Icon::trim; },
+                 [](const Note&) { return Icon::select; }},
+      item);
 }
 
 Icon iconOf(const SketchEntity& entity) {

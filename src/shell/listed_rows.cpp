@@ -20,6 +20,9 @@ ListedRows::ListedRows(const Sketch& sketch, const std::unordered_set<UUID>& fol
   }
   std::sort(groups_.begin(), groups_.end(),
             [](const Group& a, const Group& b) { return a.position < b.position; });
+  for (PlanItem& item : planItems(sketch.drawing->plan)) {
+    if (!wallOf(item)) free_.push_back(std::move(item));
+  }
   int above = 0;
   for (Group& group : groups_) {
     group.row = static_cast<int>(group.position) + above;
@@ -28,6 +31,10 @@ ListedRows::ListedRows(const Sketch& sketch, const std::unordered_set<UUID>& fol
 }
 
 ListedRows::Row ListedRows::at(int row) const {
+  const int behind = row - rowOf(entities_.size());
+  if (behind >= 0 && behind < static_cast<int>(free_.size())) {
+    return {entities_.size(), &free_[static_cast<std::size_t>(behind)], false, false};
+  }
   const auto after = std::upper_bound(groups_.begin(), groups_.end(), row,
                                       [](int wanted, const Group& group) { return wanted < group.row; });
   if (after == groups_.begin()) return {static_cast<std::size_t>(row), nullptr, false, false};
@@ -55,6 +62,9 @@ int ListedRows::rowOfItem(const UUID& id) const {
       if (planItemID(group.items[i]) != id) continue;
       return group.isFolded ? group.row : group.row + 1 + static_cast<int>(i);
     }
+  }
+  for (std::size_t i = 0; i < free_.size(); ++i) {
+    if (planItemID(free_[i]) == id) return rowOf(entities_.size()) + static_cast<int>(i);
   }
   return -1;
 }
@@ -93,16 +103,24 @@ ListedRows::Difference ListedRows::differenceTo(const ListedRows& later) const {
   if (last < a.size()) end = std::min(end, oldCount - 1 - a[a.size() - 1 - last].position);
   if (last < b.size()) end = std::min(end, newCount - 1 - b[b.size() - 1 - last].position);
   end = std::min(end, most - start);
+  std::size_t lastFree = 0;
+  while (lastFree < free_.size() && lastFree < later.free_.size() &&
+         free_[free_.size() - 1 - lastFree] == later.free_[later.free_.size() - 1 - lastFree]) {
+    ++lastFree;
+  }
+  const bool areFreeSame = lastFree == free_.size() && lastFree == later.free_.size();
+  if (!areFreeSame) end = 0;
 
   // Then the rows of the stretch that is left.
   Difference difference;
   difference.changedFrom = later.rowOf(start);
-  difference.changedEnd = later.rowOf(newCount - end);
+  difference.changedEnd = areFreeSame ? later.rowOf(newCount - end) : later.count();
   const int oldRows = count();
   const int newRows = later.count();
   const int least = std::min(oldRows, newRows);
   int from = std::min(rowOf(start), least);
-  int behind = std::min(oldRows - rowOf(oldCount - end), least - from);
+  const int sameBehind = areFreeSame ? oldRows - rowOf(oldCount - end) : static_cast<int>(lastFree);
+  int behind = std::min(sameBehind, least - from);
   while (from < least - behind && key(from) == later.key(from)) ++from;
   while (behind < least - from && key(oldRows - 1 - behind) == later.key(newRows - 1 - behind)) ++behind;
   difference.from = from;

@@ -1,5 +1,6 @@
 // The rows of the list of entities, as a value: each entity, and beneath each wall the items of the plan in
-// it, unless they are folded away. Finding a row costs the logarithm of the number of walls with items.
+// it, unless they are folded away; behind them all the items that stand by themselves. Finding a row costs
+// the logarithm of the number of walls with items.
 #pragma once
 
 #include <unordered_set>
@@ -14,7 +15,8 @@ class ListedRows {
  public:
   /// What a row stands for.
   struct Row {
-    std::size_t position = 0;        ///< of the entity, or of the wall that the item is in
+    /// Of the entity, or of the wall that the item is in; for an item that stands by itself, behind the last.
+    std::size_t position = 0;
     const PlanItem* item = nullptr;  ///< null for an entity's own row
     bool hasItems = false;           ///< of an entity's own row: there are some beneath it
     bool isFolded = false;           ///< … and they are not shown
@@ -26,9 +28,9 @@ class ListedRows {
 
   const EntityList& entities() const { return entities_; }
   bool hasItems() const { return !groups_.empty(); }
-  int count() const { return rowOf(entities_.size()); }
+  int count() const { return rowOf(entities_.size()) + static_cast<int>(free_.size()); }
   Row at(int row) const;
-  /// The row of the entity at this position, or the number of rows for the end of the list.
+  /// The row of the entity at this position, or the one behind all of them for the end of the list.
   int rowOf(std::size_t position) const;
   /// The row of the item, or of its wall while it is folded; -1 for an unknown one.
   int rowOfItem(const UUID& id) const;
@@ -60,6 +62,7 @@ class ListedRows {
 
   EntityList entities_;
   std::vector<Group> groups_;
+  std::vector<PlanItem> free_;
 };
 
 }  // namespace ostrelon

@@ -395,14 +395,23 @@ TEST(DocumentFormat, HoldsTwentyUndoStepsInLittleMoreThanTheEntitiesThemselves) 
 TEST(DocumentFormat, HoldsAPlanOnlyWhereThereIsOneAndKeepsWhatLaterVersionsPutThere) {
   const std::string i = kID;
   const std::string plan = R"("plan":{"look":{"clean":true},"openings":[["D",")" + i + R"(",")" + i +
-                           R"(",-1.25,12.541666666666666,"R","O"]],"rooms":[{"a": 1}]})";
+                           R"(",-1.25,12.541666666666666,"R","O"]],"levels":[{"a": 1}]})";
   EXPECT_THAT(encodeDocument(readV2(fileWith("[]", "," + plan))), HasSubstr(plan));
   EXPECT_THAT(encodeDocument(readV2(fileWith("[]"))), Not(HasSubstr("plan")));
+  const std::string items =
+      R"("plan":{"look":{"dimensions":true},"rooms":[[")" + i + R"(",12,4.5,"Bath",0,-1]],"dividers":[[")" +
+      i + R"(",1,2,3,4]],"dimensions":[[")" + i + R"(",[0,0,"startLeft",")" + i +
+      R"("],[42,0],"vertical",-3],[")" + i + R"(",[0,0],[42,0]]],"notes":[[")" + i +
+      R"(",3,7,"Verify",[1,2]],[")" + i + R"(",3,7]],"sheet":{"unitsPerInch":8,"north":-30.5,"by":"MW"}})";
+  EXPECT_THAT(encodeDocument(readV2(fileWith("[]", "," + items))), HasSubstr(items));
   const auto planFailure = [&](const std::string& text) {
     return failure(fileWith("[]", ",\"plan\":" + text));
   };
   EXPECT_EQ(planFailure(R"({"openings":[["G",")" + i + R"("]]})"), "Unknown kind of opening: G");
   EXPECT_THAT(planFailure(R"({"openings":[["D",")" + i + R"("]]})"), HasSubstr("plan.openings[0]: the row"));
+  EXPECT_THAT(planFailure(R"({"notes":[[")" + i + R"(",1]]})"), HasSubstr("plan.notes[0]: the row"));
+  EXPECT_THAT(planFailure(R"({"dimensions":[[")" + i + R"(",[0,0,"top"],[1,1]]]})"),
+              HasSubstr("unknown name: top"));
   EXPECT_THAT(planFailure(R"({"look":{"clean":1}})"), HasSubstr("plan.look.clean: expected"));
   EXPECT_THAT(planFailure("[]"), HasSubstr("expected an object"));
   EXPECT_EQ(planFailure("null"), "(no failure)");

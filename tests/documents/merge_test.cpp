@@ -353,5 +353,58 @@ TEST(Merge, OpeningsMergeByIdentifierAndShareTheFateOfTheirWalls) {
   EXPECT_EQ(back.plan.openings[1].wallID, second);
 }
 
+TEST(Merge, TakesRoomsNotesAndTheSheetAndDimensionsFollowTheMergedWalls) {
+  const UUID wall = UUID::random();
+  const auto end = [&](SketchPoint point, AnchorKind anchor) {
+    return DimensionEnd{point, anchor, wall, 0, false};
+  };
+  const auto dimension = [&](double y) {
+    return Dimension{UUID::random(), end({0, y}, AnchorKind::start), end({20, y}, AnchorKind::end),
+                     DimensionDirection::aligned, 2};
+  };
+  Drawing base;
+  base.entities.append(WallEntity{wall, {0, 0}, {20, 0}, {}});
+  base.plan.dimensions = {dimension(0)};
+  base.plan.roomNames = {RoomName{UUID::random(), {5, 5}, "Bath", {}}};
+  base.plan.notes = {Note{UUID::random(), {1, 1}, "Verify", {}}};
+
+  Drawing ours = base;
+  ours.entities.replace(0, WallEntity{wall, {0, 3}, {20, 3}, {}});
+  Dimension followed = base.plan.dimensions[0];
+  followed.from.point = {0, 3};
+  followed.to.point = {20, 3};
+  ours.plan.dimensions = {followed};
+  ours.plan.sheet.project = "Lake House";
+  Drawing theirs = base;
+  RoomName kitchen = base.plan.roomNames[0];
+  kitchen.name = "Kitchen";
+  theirs.plan.roomNames = {kitchen};
+  theirs.plan.notes = {};
+  theirs.plan.dimensions = {base.plan.dimensions[0], dimension(0)};
+  theirs.plan.sheet.client = "M. Weber";
+
+  EXPECT_EQ(differenceCounts(compareDrawings(base, theirs)),
+            "Rooms: 1 changed; dimensions: 1 added; notes: 1 removed; other sheet.");
+  EXPECT_THAT(differenceLines(compareDrawings(base, ours), base, ours),
+              ElementsAre("Wall 1: moved 3' up", "Sheet: project now Lake House"));
+  EXPECT_THAT(mergeDrawings(&base, ours, theirs).conflicts, IsEmpty());
+  const Plan plan = merged(base, ours, theirs, MergeChoice::ours).plan;
+  EXPECT_EQ(plan.roomNames, theirs.plan.roomNames);
+  EXPECT_TRUE(plan.notes.empty());
+  EXPECT_EQ(plan.sheet.project + " " + plan.sheet.client, "Lake House M. Weber");
+  ASSERT_THAT(plan.dimensions, SizeIs(2));
+  for (const Dimension& one : plan.dimensions) EXPECT_EQ(one.to.point, (SketchPoint{20, 3}));
+
+  RoomName hall = kitchen;
+  hall.name = "Hall";
+  ours.plan.roomNames = {hall};
+  const Merge torn = mergeDrawings(&base, ours, theirs);
+  ASSERT_THAT(torn.conflicts, SizeIs(1));
+  EXPECT_EQ(conflictText(torn.conflicts[0], ours, theirs),
+            "Room Hall: here renamed to Hall, there renamed to Kitchen");
+  EXPECT_EQ(merged(base, ours, theirs, MergeChoice::theirs).plan.roomNames, theirs.plan.roomNames);
+  EXPECT_THAT(merged(base, ours, theirs, MergeChoice::both).plan.roomNames, SizeIs(2));
+}
+
 }  // namespace
 }  // namespace ostrelon

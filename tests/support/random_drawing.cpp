@@ -129,7 +129,8 @@ SketchDocumentV2 RandomDrawing::document(int mostEntities) {
 }
 
 Plan RandomDrawing::plan(const EntityList& entities) {
-  Plan plan{{chance(2), chance(2), chance(2)}, {}, {}};
+  Plan plan;
+  plan.look = {chance(2), chance(2), chance(2), chance(4)};
   std::vector<Opening> openings;
   for (int count = below(4); count > 0; --count) {
     const bool isInWall = !entities.empty() && !chance(8);
@@ -139,7 +140,23 @@ Plan RandomDrawing::plan(const EntityList& entities) {
     if (openings.back().kind == OpeningKind::door && chance(2)) openings.back().hinge = DoorHinge::right;
   }
   plan.openings = std::move(openings);
-  if (chance(4)) plan.further = {R"("rooms":[ {"n":"Bad \"1\""} ])", "\"a\\tb\":null"};
+  const auto place = [&] { return SketchPoint{number(-9, 9), number(-9, 9)}; };
+  const auto held = [&] {
+    DimensionEnd end{place(), static_cast<AnchorKind>(below(11)), UUID::random(), 0, chance(4)};
+    if (chance(2)) end.corner = static_cast<std::uint32_t>(below(4));
+    return end;
+  };
+  if (chance(2)) plan.roomNames = {RoomName{UUID::random(), place(), "Bath \"1\"", place()}};
+  if (chance(2)) plan.roomDividers = {RoomDivider{UUID::random(), place(), place()}};
+  if (chance(2)) {
+    plan.dimensions = {
+        Dimension{UUID::random(), held(), held(), static_cast<DimensionDirection>(below(3)), number(-3, 3)}};
+  }
+  if (chance(2)) plan.notes = {Note{UUID::random(), place(), "Verify\non site", {}}};
+  if (chance(4)) plan.notes = {Note{UUID::random(), place(), {}, place()}};
+  if (chance(4)) plan.sheet.north = number(-180, 180);
+  if (chance(4)) plan.sheet.client = "M. Weber";
+  if (chance(4)) plan.further = {R"("levels":[ {"n":"Bad \"1\""} ])", "\"a\\tb\":null"};
   return plan;
 }
 
