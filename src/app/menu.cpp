@@ -11,6 +11,7 @@
 #include "documents/document_store.h"
 #include "documents/history_prompts.h"
 #include "geometry/edit_operations.h"
+#include "geometry/plan_item_operations.h"
 #include "interaction/canvas_transform.h"
 #include "platform/dialogs.h"
 
@@ -29,9 +30,11 @@ bool canRedo(const Application& app) { return !app.workspace().sketch.undoStack-
 void showHelp(Application& app) {
   CommandInterpreter::executeCommandLine("help", app.workspace().commands());
 }
+// Of entities or of an item of the plan, whichever is selected.
 void duplicate(Application& app) {
-  duplicateSelection(app.workspace().sketch, app.workspace().messages, kDuplicateOffset.x,
-                     kDuplicateOffset.y);
+  Workspace& workspace = app.workspace();
+  duplicateSelection(workspace.sketch, workspace.messages, kDuplicateOffset.x, kDuplicateOffset.y);
+  duplicateSelectedPlanItem(workspace.sketch, workspace.messages);
 }
 void zoomBy(Application& app, double factor) {
   const SketchSize canvas = app.workspace().board.view->canvasSize;
@@ -195,7 +198,7 @@ constexpr std::array kMenuCommands{
     row(
         "Sketch", "Inspect", "⌘I", [](Application& app) { showEntityInspector(app.workspace().sketch); },
         hasAnySelection),
-    row("Sketch", "Duplicate", "⌘D", duplicate, hasSelection),
+    row("Sketch", "Duplicate", "⌘D", duplicate, hasAnySelection),
     separator("Sketch"),
     row("Sketch", "Clear Sketch", "⇧⌘K", [](Application& app) { app.workspace().board.clearSketch(); }),
     row("Sketch", "Toggle Grid", "⌘G", toggleGrid),

@@ -44,7 +44,7 @@ template <>
 struct CaseNames<EntitySnapKind> {
   static constexpr auto names() {
     return std::to_array<std::string_view>({"endpoint", "midpoint", "center", "quadrant", "tangent", "corner",
-                                            "edgeMidpoint", "faceCorner", "face"});
+                                            "edgeMidpoint", "faceCorner", "face", "jamb"});
   }
 };
 

@@ -7,6 +7,13 @@
 #include "core/typed_length.h"
 
 namespace ostrelon {
+namespace {
+
+constexpr double kInch = 1.0 / 12;
+constexpr double kBetweenCopies = 0.5;  // sketch units
+constexpr int kMostPlaces = 2400;       // that are tried on one side, an inch apart
+
+}  // namespace
 
 std::optional<OpeningWall> openingWall(const Sketch& sketch, const UUID& wallID) {
   const auto position = sketch.positionOf(wallID);
@@ -36,6 +43,27 @@ std::optional<PlacedOpening> addOpening(Sketch& sketch, const Opening& opening) 
     drawing.plan.openings = std::move(openings);
   });
   return placed;
+}
+
+std::optional<Opening> copyBeside(const Sketch& sketch, const Opening& opening) {
+  Opening copy = opening;
+  copy.id = UUID::random();
+  for (const int side : {1, -1}) {
+    copy.distance = opening.distance + side * (opening.width + kBetweenCopies);
+    for (int place = 0; place < kMostPlaces; ++place) {
+      const auto placed = placedOpening(sketch, copy);
+      if (!placed || placed->fit == OpeningFit::beyondWall) break;
+      if (placed->fit == OpeningFit::fits) return copy;
+      if (placed->fit == OpeningFit::overlaps) {
+        const Opening& other = sketch.drawing->plan.openings[placed->obstacle];
+        copy.distance = side > 0 ? other.distance + other.width + kBetweenCopies
+                                 : other.distance - copy.width - kBetweenCopies;
+      } else {
+        copy.distance += side * kInch;
+      }
+    }
+  }
+  return std::nullopt;
 }
 
 std::string openingMisfitText(const PlacedOpening& placed, const Plan& plan) {

@@ -23,6 +23,10 @@ double centeredDistance(const OpeningWall& wall, double width);
 /// nothing is changed either where the answer does not fit.
 std::optional<PlacedOpening> addOpening(Sketch& sketch, const Opening& opening);
 
+/// A copy of the opening in its wall, with an identifier of its own: behind it, else in front of it, at the
+/// nearest place where it fits and leaves 6" between. Absent where there is none.
+std::optional<Opening> copyBeside(const Sketch& sketch, const Opening& opening);
+
 /// Why it does not fit: "Does not fit Wall 3 (8'-5 1/2\").", "Overlaps the door at 4'-0\" in Wall 3.",
 /// "Wall 5 crosses Wall 3 there."; empty where it fits.
 std::string openingMisfitText(const PlacedOpening& placed, const Plan& plan);

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <unordered_map>
 
+#include "core/entity_edits.h"
 #include "geometry/entity_geometry.h"
 #include "geometry/hit_testing.h"
 #include "geometry/opening_operations.h"
@@ -180,6 +181,18 @@ std::optional<PlanItem> selectedPlanItem(const Sketch& sketch) {
   return id ? findPlanItem(sketch.drawing->plan, *id) : std::nullopt;
 }
 
+std::optional<SketchBox> selectedPlanItemBounds(const Sketch& sketch) {
+  const auto item = selectedPlanItem(sketch);
+  if (!item) return std::nullopt;
+  return std::visit(Overloaded{[&](const Opening& opening) -> std::optional<SketchBox> {
+                                 const auto wall = openingWall(sketch, opening.wallID);
+                                 if (!wall) return std::nullopt;
+                                 return openingBounds(openingShape(opening, *wall));
+                               },
+                               [](const auto& other) { return planItemBounds(other); }},
+                    *item);
+}
+
 void flipSelectedPlanItem(Sketch& sketch, Messages& messages) {
   const auto item = selectedPlanItem(sketch);
   const auto next = item ? flippedPlanItem(*item) : std::nullopt;
@@ -187,6 +200,27 @@ void flipSelectedPlanItem(Sketch& sketch, Messages& messages) {
   const auto change = sketch.change();
   const std::string refusal = changePlanItem(sketch, *next);
   if (!refusal.empty()) messages.append(refusal, false, false);
+}
+
+void duplicateSelectedPlanItem(Sketch& sketch, Messages& messages) {
+  const auto item = selectedPlanItem(sketch);
+  if (!item) return;
+  const auto copy = std::visit(
+      Overloaded{
+          [&](const Opening& opening) -> std::optional<PlanItem> { return copyBeside(sketch, opening); },
+          [](const auto& other) -> std::optional<PlanItem> {
+            return movedPlanItem(withPlanItemID(other, UUID::random()), kDuplicateOffset);
+          }},
+      *item);
+  const std::string label(planItemTypeLabel(*item));
+  if (!copy) {
+    messages.append(label + " not duplicated: there is no room for it in its wall.", false, false);
+    return;
+  }
+  const auto change = sketch.change();
+  sketch.edit([&](Drawing& drawing) { putPlanItem(drawing.plan, *copy); });
+  sketch.selectPlanItem(planItemID(*copy));
+  messages.appendSystem(label + " duplicated.");
 }
 
 void deleteSelectedPlanItem(Sketch& sketch, Messages& messages) {

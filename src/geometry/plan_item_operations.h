@@ -56,8 +56,12 @@ std::optional<Item> selectedPlanItem(const Sketch& sketch) {
   return found != nullptr ? std::optional(*found) : std::nullopt;
 }
 std::optional<PlanItem> selectedPlanItem(const Sketch& sketch);
+/// The box around all that is drawn of it; absent too for what is not drawn.
+std::optional<SketchBox> selectedPlanItemBounds(const Sketch& sketch);
 /// Says in the console why not, where it does not fit.
 void flipSelectedPlanItem(Sketch& sketch, Messages& messages);
+/// Puts a copy beside it and selects that; says in the console what was done, or why not.
+void duplicateSelectedPlanItem(Sketch& sketch, Messages& messages);
 void deleteSelectedPlanItem(Sketch& sketch, Messages& messages);
 
 }  // namespace ostrelon

@@ -28,6 +28,7 @@ ContextMenu planItemMenu(const PlanItem& item) {
   ContextMenu menu;
   menu.push_back({"Inspect", "⌘I", ContextMenuCommand::inspect});
   menu.push_back({{}, {}, ContextMenuSeparator{}});
+  menu.push_back({"Duplicate", {}, ContextMenuCommand::duplicatePlanItem});
   if (flippedPlanItem(item)) menu.push_back({"Flip", {}, ContextMenuCommand::flipPlanItem});
   menu.push_back({"Delete", {}, ContextMenuCommand::deletePlanItem});
   return menu;
@@ -68,6 +69,9 @@ void runContextMenuItem(const ContextMenuItem& item, Sketch& sketch, Messages& m
                        break;
                      case ContextMenuCommand::deleteSelection:
                        deleteSelection(sketch, messages);
+                       break;
+                     case ContextMenuCommand::duplicatePlanItem:
+                       duplicateSelectedPlanItem(sketch, messages);
                        break;
                      case ContextMenuCommand::flipPlanItem:
                        flipSelectedPlanItem(sketch, messages);

@@ -16,7 +16,14 @@ namespace ostrelon {
 struct ContextMenuItem;
 
 /// What choosing an item does.
-enum class ContextMenuCommand { inspect, duplicateSelection, deleteSelection, flipPlanItem, deletePlanItem };
+enum class ContextMenuCommand {
+  inspect,
+  duplicateSelection,
+  deleteSelection,
+  duplicatePlanItem,
+  flipPlanItem,
+  deletePlanItem,
+};
 /// Gives this wall system to every selected wall, and reports it in the console.
 struct AssignWallSystemChoice {
   UUID wallSystemID;

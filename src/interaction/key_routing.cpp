@@ -36,6 +36,7 @@ bool hasTextFocus(const KeyEvent& event) { return event.textFocus || event.conso
 KeyOutcome duplicate(const KeyEvent& event, Board& board) {
   if (textControlClaimsKey(event)) return KeyOutcome::passed;
   duplicateSelection(board.sketch(), board.messages(), kDuplicateOffset.x, kDuplicateOffset.y);
+  duplicateSelectedPlanItem(board.sketch(), board.messages());
   return KeyOutcome::consumed;
 }
 

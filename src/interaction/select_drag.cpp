@@ -13,6 +13,7 @@
 #include "geometry/plan_item_operations.h"
 #include "geometry/selection_handles.h"
 #include "interaction/board.h"
+#include "interaction/canvas_frame.h"
 #include "interaction/face_snapping.h"
 #include "interaction/sketch_snapping.h"
 
@@ -20,14 +21,23 @@ namespace ostrelon {
 namespace {
 
 // The movement of a whole entity (or of the group that it leads) whose pointer went from `start` to
-// `pointer`, as a snap result whose point is the movement: entity points first, then the grid if asked
-// for, then the axes.
+// `pointer`, as a snap result whose point is the movement: entity points first, then the faces of clean
+// walls, then the grid if asked for, then the axes.
 SketchSnapResult snappedMove(SketchPoint start, SketchPoint pointer, const SketchViewport& viewport,
-                             const SketchEntity& lead, EntitySource entities,
+                             const SketchEntity& lead, EntitySource entities, const Drawing& drawing,
                              const SketchSnapping::EntityIDs& excluded, bool useGrid) {
   const SketchPoint delta = pointer - start;
   SketchSnapResult result;
-  if (const auto match = SketchSnapping::snapEntityMove(delta, viewport, lead, entities, excluded)) {
+  auto match = SketchSnapping::snapEntityMove(delta, viewport, lead, entities, excluded);
+  if (!match && drawing.plan.look.cleanWalls) {
+    const EntitySet alone{entityID(lead)};
+    const EntitySet& moved = excluded.empty() ? alone : excluded;
+    const auto* wall = std::get_if<WallEntity>(&lead);
+    match = snapEntityMoveToFaces(
+        delta, lead, wall != nullptr ? paintedWallThickness(*wall, drawing.wallSystemSpecs) : 0,
+        [&](SketchPoint point) { return NearWallFaces(entities, drawing, moved, point, viewport.scale); });
+  }
+  if (match) {
     const auto& [source, target] = *match;
     result.point = target.point - source.point;
     result.entitySnap = target;
@@ -121,7 +131,7 @@ void Board::updateHandleDrag(const SelectDrag& drag, const HandleDrag& handle, S
 void Board::updateBodyDrag(const BodyDrag& drag, SketchPoint point) {
   if (sketch_.entity(drag.entityID) == nullptr) return;
   const SketchSnapResult move = snappedMove(drag.startSketchPoint, point, viewport(), drag.anchor,
-                                            sketch_.index(), {}, sketch_.drawing->showGrid);
+                                            sketch_.index(), sketch_.drawing, {}, sketch_.drawing->showGrid);
   replaceEntity(sketch_, drag.entityID, translatedEntity(drag.anchor, move.point.x, move.point.y));
   publishSnap(move);
 }
@@ -159,7 +169,7 @@ void Board::updateGroupDrag(const MultiBodyDrag& drag, SketchPoint point) {
   GroupMove& group = groupMove(drag);
   if (group.places.empty()) return;
   const SketchSnapResult move = snappedMove(drag.startSketchPoint, point, viewport(), drag.lead,
-                                            sketch_.staleIndex(), drag.entityIDs, false);
+                                            sketch_.staleIndex(), sketch_.drawing, drag.entityIDs, false);
   const auto moved = [&](const SketchEntity& anchor) {
     return translatedEntity(anchor, move.point.x, move.point.y);
   };

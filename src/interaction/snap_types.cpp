@@ -20,6 +20,8 @@ std::string_view entitySnapKindWord(EntitySnapKind kind) {
       return "Corner";
     case EntitySnapKind::face:
       return "Face";
+    case EntitySnapKind::jamb:
+      return "Jamb";
   }
   return {};
 }

@@ -24,6 +24,7 @@ enum class EntitySnapKind {
   edgeMidpoint,
   faceCorner,  ///< of a clean wall
   face,        ///< anywhere along a face of a clean wall
+  jamb,        ///< where a face of a clean wall ends at a door, window or opening
 };
 
 /// A point of an entity that the pointer can snap to.

@@ -57,7 +57,7 @@ SketchSnapResult Board::snapPointer(SketchPoint point, bool useGrid) const {
 
 NearWallFaces Board::wallFacesNear(SketchPoint point, const SketchSnapping::EntityIDs& excluded) const {
   if (!sketch_.drawing->plan.look.cleanWalls) return {};
-  return {sketch_.index(), sketch_.drawing->wallSystemSpecs, excluded, point, view->viewport.scale};
+  return {sketch_.index(), sketch_.drawing, excluded, point, view->viewport.scale};
 }
 
 SketchSnapResult Board::onWallFaces(const SketchSnapResult& plain, const NearWallFaces& faces) {

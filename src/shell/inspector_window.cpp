@@ -14,6 +14,7 @@
 #include "app/shortcut_text.h"
 #include "geometry/edit_operations.h"
 #include "geometry/marquee.h"
+#include "geometry/plan_item_operations.h"
 #include "interaction/canvas_transform.h"
 #include "shell/qt_text.h"
 
@@ -412,6 +413,8 @@ void InspectorWindow::placeClear() {
     workspace_.sketch.visitSelected([&](const SketchEntity& entity) {
       if (entityIntersectsRect(entity, {low.x, low.y, high.x, high.y})) ++hidden;
     });
+    const auto item = selectedPlanItemBounds(workspace_.sketch);
+    if (item && item->overlaps({low.x, low.y, high.x, high.y})) ++hidden;
     if (!best || hidden < leastHidden) {
       best = place;
       leastHidden = hidden;

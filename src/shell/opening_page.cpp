@@ -73,6 +73,11 @@ OpeningPage::OpeningPage(Workspace& workspace, Theme& theme, QWidget* parent)
   flip_->setKeyHint(QStringLiteral("Space"));
   connect(flip_, &QPushButton::clicked, this, [this] { workspace_.board.flipSelectedItem(); });
   column->addWidget(flip_);
+  auto* duplicate = new Button(theme_, Button::Kind::outlined, QStringLiteral("Duplicate"), this);
+  duplicate->setObjectName(QStringLiteral("inspector.opening.duplicate"));
+  connect(duplicate, &QPushButton::clicked, this,
+          [this] { duplicateSelectedPlanItem(workspace_.sketch, workspace_.messages); });
+  column->addWidget(duplicate);
   auto* remove = new Button(theme_, Button::Kind::dangerous, QStringLiteral("Delete"), this);
   remove->setObjectName(QStringLiteral("inspector.opening.delete"));
   remove->setIconDrawing(Icon::bin, 16);
