@@ -54,7 +54,7 @@ TextTable scheduleTable(ExportSchedule schedule, const Sketch& sketch, const Ope
     case ExportSchedule::openings:
       return openingScheduleTable(openings);
     case ExportSchedule::rooms:
-      return roomScheduleTable(roomPlan(sketch.entities(), systems));
+      return roomScheduleTable(roomPlan(sketch.entities(), systems), sketch.drawing->plan.roomNames);
     case ExportSchedule::takeoff:
       return takeoffTable(takeoff(sketch.entities(), systems, openings), openings);
   }

@@ -110,6 +110,13 @@ struct AddOpening {
 };
 struct ListOpenings {};
 
+// --- Rooms (room_commands.h)
+
+struct NameRoom {
+  SketchPoint place;
+  std::string name;  ///< not empty
+};
+
 // --- Other schedules (schedule_commands.h)
 
 struct ListRooms {};
@@ -194,7 +201,7 @@ struct ShowMore {};
 using Action = std::variant<
     DrawLine, DrawWall, DrawCircle, DrawRectangle, DrawPolygon, DrawRun, ClearDrawing, ActivateTool,
     SelectEntities, CopySelection, PasteClipboard, AssignWallSystem, MoveSelectedLine, SetSelectedLength,
-    NudgeSelection, AlignSelection, ConvertSelection, TrimEntity, ExtendToBoundary, AddOpening, ListOpenings,
+    NudgeSelection, AlignSelection, ConvertSelection, TrimEntity, ExtendToBoundary, AddOpening, ListOpenings, NameRoom,
     ListRooms, ShowTakeoff, UseWallSystem, ShowWallSystem, ListWallSystems, AddWallSystem, ChangeWallSystem,
     DeleteWallSystem, ConvertWallSystems, ZoomView, ChangeLook, SaveCheckpoint, ShowHistory, CreateBranch,
     SwitchBranch, ListKept, RestoreKept, CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;

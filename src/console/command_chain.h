@@ -62,6 +62,7 @@ struct ChainExecutionContext {
   int doorsAdded = 0;
   int windowsAdded = 0;
   int openingsAdded = 0;
+  int roomsAdded = 0;
 };
 
 /// Runs one command; a message says why it could not run.

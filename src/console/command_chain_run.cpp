@@ -67,6 +67,7 @@ int* counterOf(const Action& command, ChainExecutionContext& chain) {
                                  : add.kind == OpeningKind::window ? &chain.windowsAdded
                                                                    : &chain.openingsAdded;
                         },
+                        [&](const NameRoom&) { return &chain.roomsAdded; },
                         [&](const SelectEntities&) { return &chain.selectionUpdates; },
                         [&](const AssignWallSystem&) { return &chain.wallAssignments; },
                         [&](const UseWallSystem&) { return &chain.specCommands; },
@@ -143,6 +144,7 @@ std::string chainSummary(const ChainExecutionContext& chain, std::size_t count) 
       Part{chain.doorsAdded, "door added", "doors added"},
       Part{chain.windowsAdded, "window added", "windows added"},
       Part{chain.openingsAdded, "opening added", "openings added"},
+      Part{chain.roomsAdded, "room added", "rooms added"},
   };
   std::string text;
   for (const Part& part : parts) {

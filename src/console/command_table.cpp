@@ -10,6 +10,7 @@
 #include "console/kept_commands.h"
 #include "console/look_command.h"
 #include "console/opening_commands.h"
+#include "console/room_commands.h"
 #include "console/run_command.h"
 #include "console/schedule_commands.h"
 #include "console/selection_commands.h"
@@ -204,6 +205,12 @@ std::vector<Command> makeTable() {
        .summary = "the schedule of doors, windows and openings",
        .example = "openings",
        .parse = parseOpenings},
+      {.word = "room",
+       .usage = "room <x> <y> <name>",
+       .summary = "name the room around a place",
+       .example = "room 12 8'6 Living Room",
+       .isKnownInChains = true,
+       .parse = parseRoom},
       {.word = "rooms",
        .usage = "rooms",
        .summary = "the rooms between the walls: size, area, perimeter, total and gross area",

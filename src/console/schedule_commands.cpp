@@ -19,9 +19,18 @@ ParseResult parseTakeoff(const Words& words, const ParseState& /*state*/, Place 
 
 Reply run(const ListRooms& /*list*/, const CommandContext& context) {
   const Drawing& drawing = context.sketch.drawing;
-  const TextTable table = roomScheduleTable(roomPlan(drawing.entities, drawing.wallSystemSpecs));
-  if (table.size() == 1) return Reply::done("No rooms: no walls close in on any place.");
-  context.messages.appendSystem(columnsText(table));
+  const RoomPlan plan = roomPlan(drawing.entities, drawing.wallSystemSpecs);
+  const TextTable table = roomScheduleTable(plan, drawing.plan.roomNames);
+  std::string open;
+  std::size_t number = 0;
+  for (const NamedRoom& named : namedRooms(plan, drawing.plan.roomNames)) {
+    if (named.room == nullptr) open += (open.empty() ? "" : "\n") + openRoomText(drawing, number);
+    ++number;
+  }
+  if (table.size() == 1) {
+    return Reply::done(open.empty() ? "No rooms: no walls close in on any place." : open);
+  }
+  context.messages.appendSystem(columnsText(table) + (open.empty() ? "" : "\n" + open));
   return Reply::silent();
 }
 

@@ -4,9 +4,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 #include "core/typed_length.h"
+#include "geometry/entity_geometry.h"
 #include "geometry/outline.h"
 #include "geometry/wall_grid.h"
 #include "geometry/wall_loops.h"
@@ -115,14 +118,79 @@ std::string roomSizeText(const Room& room) {
 
 std::string areaText(double squareFeet) { return fmt::format("{:.0f} SF", std::round(squareFeet)); }
 
-TextTable roomScheduleTable(const RoomPlan& plan) {
+std::vector<NamedRoom> namedRooms(const RoomPlan& plan, const SharedList<RoomName>& names) {
+  std::vector<NamedRoom> named;
+  for (const RoomName& name : names) {
+    const auto room = std::find_if(plan.rooms.begin(), plan.rooms.end(),
+                                   [&](const Room& one) { return one.contains(name.place); });
+    named.push_back({&name, room == plan.rooms.end() ? nullptr : &*room});
+  }
+  return named;
+}
+
+std::vector<std::string> roomLabelLines(const NamedRoom& named) {
+  std::vector<std::string> lines{named.name->name};
+  if (named.room == nullptr) return lines;
+  if (std::string size = roomSizeText(*named.room); !size.empty()) lines.push_back(std::move(size));
+  lines.push_back(areaText(named.room->area));
+  return lines;
+}
+
+std::optional<SketchPoint> freeWallEnd(const EntityList& entities, std::span<const WallSystemSpec> systems,
+                                       SketchPoint place) {
+  struct Body {
+    SketchPoint from;
+    SketchPoint to;
+    double half = 0;
+  };
+  std::vector<Body> walls;
+  for (const SketchEntity& entity : entities) {
+    const auto* wall = std::get_if<WallEntity>(&entity);
+    if (wall == nullptr) continue;
+    const auto system = std::find_if(systems.begin(), systems.end(), [&](const WallSystemSpec& one) {
+      return one.id == wall->systemSpecID;
+    });
+    const double thickness = system == systems.end() ? kUnknownWallThickness : system->thickness;
+    walls.push_back({wall->from, wall->to, std::abs(thickness) / 2});
+  }
+  std::vector<std::pair<double, std::pair<SketchPoint, std::size_t>>> ends;
+  for (std::size_t i = 0; i < walls.size(); ++i) {
+    for (const SketchPoint end : {walls[i].from, walls[i].to}) {
+      ends.push_back({distanceBetween(end, place), {end, i}});
+    }
+  }
+  std::sort(ends.begin(), ends.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+  for (const auto& [distance, end] : ends) {
+    const bool isMet = std::any_of(walls.begin(), walls.end(), [&](const Body& other) {
+      return &other != &walls[end.second] &&
+             distanceToSegment(end.first, other.from, other.to) <= other.half + walls[end.second].half;
+    });
+    if (!isMet) return end.first;
+  }
+  return std::nullopt;
+}
+
+std::string openRoomText(const Drawing& drawing, std::size_t position) {
+  const SketchPoint place = drawing.plan.roomNames[position].place;
+  const auto end = freeWallEnd(drawing.entities, drawing.wallSystemSpecs, place);
+  if (!end) return fmt::format("Room {} is open.", position + 1);
+  return fmt::format("Room {} is open near ({:.1f}, {:.1f}).", position + 1, end->x + 0.0, end->y + 0.0);
+}
+
+TextTable roomScheduleTable(const RoomPlan& plan, const SharedList<RoomName>& names) {
+  std::unordered_map<const Room*, std::string> namesOf;
+  for (const NamedRoom& named : namedRooms(plan, names)) {
+    std::string& text = namesOf[named.room];
+    text += (text.empty() ? "" : " / ") + named.name->name;
+  }
   TextTable table{{"Room", "Size", "Area", "Perimeter"}};
   double total = 0;
   for (std::size_t i = 0; i < plan.rooms.size(); ++i) {
     const Room& room = plan.rooms[i];
     total += room.area;
-    table.push_back(
-        {std::to_string(i + 1), roomSizeText(room), areaText(room.area), formatLength(room.perimeter)});
+    const auto name = namesOf.find(&room);
+    table.push_back({name == namesOf.end() ? std::to_string(i + 1) : name->second, roomSizeText(room),
+                     areaText(room.area), formatLength(room.perimeter)});
   }
   if (plan.rooms.empty()) return table;
   table.push_back({"Rooms", "", areaText(total), ""});

@@ -2,11 +2,12 @@
 // windows closed. Sketch units, which are feet.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
-#include "core/entity_list.h"
+#include "core/drawing.h"
 #include "core/sketch_box.h"
 #include "core/sketch_point.h"
 #include "core/text_table.h"
@@ -40,8 +41,28 @@ std::string roomSizeText(const Room& room);
 /// `149 SF`, in whole square feet.
 std::string areaText(double squareFeet);
 
+/// Where a name of the plan stands.
+struct NamedRoom {
+  const RoomName* name = nullptr;
+  const Room* room = nullptr;  ///< null where no walls close in on the place: the room is open
+};
+/// The names with their rooms, in the order of the names. Valid as long as both lists.
+std::vector<NamedRoom> namedRooms(const RoomPlan& plan, const SharedList<RoomName>& names);
+/// What a label says, line by line: the name, the size of a rectangular room, the area. Of an open room the
+/// name alone.
+std::vector<std::string> roomLabelLines(const NamedRoom& named);
+
+/// The wall end nearest to the place at which no other wall is; absent where each wall meets others at both.
+std::optional<SketchPoint> freeWallEnd(const EntityList& entities, std::span<const WallSystemSpec> systems,
+                                       SketchPoint place);
+
+/// "Room 2 is open near (26.0, 12.0).": the name at this position of the plan, counted from 1 in the text, and
+/// where a wall ends freely; without the place where none does.
+std::string openRoomText(const Drawing& drawing, std::size_t position);
+
 /// The schedule as rows of texts with their headings first: Room, Size, Area, Perimeter; then the total of
-/// the rooms, the walls and the gross area. No rooms: the headings alone.
-TextTable roomScheduleTable(const RoomPlan& plan);
+/// the rooms, the walls and the gross area. A room has its names, or its number where it has none; two names
+/// in one room share its row, and open rooms have none. No rooms: the headings alone.
+TextTable roomScheduleTable(const RoomPlan& plan, const SharedList<RoomName>& names = {});
 
 }  // namespace ostrelon

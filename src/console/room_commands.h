@@ -1,0 +1,12 @@
+// The console command that names rooms.
+#pragma once
+
+#include "console/command.h"
+
+namespace ostrelon::CommandInterpreter {
+
+ParseResult parseRoom(const Words& words, const ParseState& state, Place place);
+
+Reply run(const NameRoom& room, const CommandContext& context);
+
+}  // namespace ostrelon::CommandInterpreter
