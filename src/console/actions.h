@@ -201,9 +201,9 @@ struct ShowMore {};
 using Action = std::variant<
     DrawLine, DrawWall, DrawCircle, DrawRectangle, DrawPolygon, DrawRun, ClearDrawing, ActivateTool,
     SelectEntities, CopySelection, PasteClipboard, AssignWallSystem, MoveSelectedLine, SetSelectedLength,
-    NudgeSelection, AlignSelection, ConvertSelection, TrimEntity, ExtendToBoundary, AddOpening, ListOpenings, NameRoom,
-    ListRooms, ShowTakeoff, UseWallSystem, ShowWallSystem, ListWallSystems, AddWallSystem, ChangeWallSystem,
-    DeleteWallSystem, ConvertWallSystems, ZoomView, ChangeLook, SaveCheckpoint, ShowHistory, CreateBranch,
-    SwitchBranch, ListKept, RestoreKept, CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;
+    NudgeSelection, AlignSelection, ConvertSelection, TrimEntity, ExtendToBoundary, AddOpening, ListOpenings,
+    NameRoom, ListRooms, ShowTakeoff, UseWallSystem, ShowWallSystem, ListWallSystems, AddWallSystem,
+    ChangeWallSystem, DeleteWallSystem, ConvertWallSystems, ZoomView, ChangeLook, SaveCheckpoint, ShowHistory,
+    CreateBranch, SwitchBranch, ListKept, RestoreKept, CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;
 
 }  // namespace ostrelon::CommandInterpreter

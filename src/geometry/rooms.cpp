@@ -147,9 +147,8 @@ std::optional<SketchPoint> freeWallEnd(const EntityList& entities, std::span<con
   for (const SketchEntity& entity : entities) {
     const auto* wall = std::get_if<WallEntity>(&entity);
     if (wall == nullptr) continue;
-    const auto system = std::find_if(systems.begin(), systems.end(), [&](const WallSystemSpec& one) {
-      return one.id == wall->systemSpecID;
-    });
+    const auto system = std::find_if(systems.begin(), systems.end(),
+                                     [&](const WallSystemSpec& one) { return one.id == wall->systemSpecID; });
     const double thickness = system == systems.end() ? kUnknownWallThickness : system->thickness;
     walls.push_back({wall->from, wall->to, std::abs(thickness) / 2});
   }

@@ -56,8 +56,8 @@ std::vector<std::string> roomLabelLines(const NamedRoom& named);
 std::optional<SketchPoint> freeWallEnd(const EntityList& entities, std::span<const WallSystemSpec> systems,
                                        SketchPoint place);
 
-/// "Room 2 is open near (26.0, 12.0).": the name at this position of the plan, counted from 1 in the text, and
-/// where a wall ends freely; without the place where none does.
+/// "Room 2 is open near (26.0, 12.0).": the name at this position of the plan, counted from 1 in the text,
+/// and where a wall ends freely; without the place where none does.
 std::string openRoomText(const Drawing& drawing, std::size_t position);
 
 /// The schedule as rows of texts with their headings first: Room, Size, Area, Perimeter; then the total of

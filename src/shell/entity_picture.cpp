@@ -404,9 +404,9 @@ void EntityPicture::markEdits(const PictureContent& content, const EntityIndex& 
   if (sameIDs && picture.content.entities.sharesAllStorage(content.entities)) return;
   // Another document has come, much was edited, or another large group is named: there is no use in comparing
   // entity by entity.
-  const EntityList& before = picture.content.entities;
+  const EntityList& shown = picture.content.entities;
   const bool isOther =
-      std::max(content.entities.unsharedSize(before), before.unsharedSize(content.entities)) > kMostUnshared;
+      std::max(content.entities.unsharedSize(shown), shown.unsharedSize(content.entities)) > kMostUnshared;
   if (isOther || (!sameIDs && std::max(picture.content.ids.size(), content.ids.size()) > kMostEditsInPlace)) {
     picture.stale = picture.image.rect();
     picture.content = content;

@@ -241,5 +241,40 @@ TEST(EditJournal, HoldsWhatWasDrawnWhileASaveWasBeingWritten) {
   EXPECT_EQ(next.workspace.document.fileURL.get(), folder / "Plan.ostrel");
 }
 
+TEST(EditJournal, RecordsMuchInATurnOfItsOwnAndMissesNothing) {
+  TemporaryFolder folder;
+  const auto drawMuch = [](Program& program) {
+    std::vector<SketchEntity> lines;
+    for (int i = 0; i < 25'000; ++i) {
+      lines.emplace_back(LineEntity{UUID::random(), SketchPoint{double(i), 0}, SketchPoint{double(i), 1}});
+    }
+    program.workspace.sketch.edit([&](Drawing& drawing) { drawing.entities.append(std::move(lines)); });
+  };
+  int runs = 0;
+  std::string text;
+  {
+    Program program(folder / "a");
+    program.workspace.sketch.setWorkRunner([&](const std::function<void()>& work) {
+      ++runs;
+      work();
+    });
+    program.draw(1);
+    const auto journal = journalsIn(folder / "a").at(0);
+    const auto size = std::filesystem::file_size(journal);
+    drawMuch(program);
+    EXPECT_EQ(std::filesystem::file_size(journal), size) << "the window may paint first";
+    program.draw(2);
+    program.workspace.sketch.undo();
+    program.scheduler.advance(Seconds(0));
+    EXPECT_EQ(runs, 1);
+    drawMuch(program);
+    program.journal.sync();  // the session ends before the turn
+    text = program.text();
+  }
+  Program next(folder / "a");
+  next.journal.recover(next.journal.recoverable().at(0).id);
+  EXPECT_EQ(next.text(), text);
+}
+
 }  // namespace
 }  // namespace ostrelon
