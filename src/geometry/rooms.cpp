@@ -152,19 +152,23 @@ std::optional<SketchPoint> freeWallEnd(const EntityList& entities, std::span<con
     const double thickness = system == systems.end() ? kUnknownWallThickness : system->thickness;
     walls.push_back({wall->from, wall->to, std::abs(thickness) / 2});
   }
-  std::vector<std::pair<double, std::pair<SketchPoint, std::size_t>>> ends;
+  struct End {
+    SketchPoint point;
+    std::size_t wall = 0;
+    double distance = 0;
+  };
+  std::vector<End> ends;
   for (std::size_t i = 0; i < walls.size(); ++i) {
-    for (const SketchPoint end : {walls[i].from, walls[i].to}) {
-      ends.push_back({distanceBetween(end, place), {end, i}});
-    }
+    for (const SketchPoint point : {walls[i].from, walls[i].to})
+      ends.push_back({point, i, distanceBetween(point, place)});
   }
-  std::sort(ends.begin(), ends.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
-  for (const auto& [distance, end] : ends) {
+  std::sort(ends.begin(), ends.end(), [](const End& a, const End& b) { return a.distance < b.distance; });
+  for (const End& end : ends) {
     const bool isMet = std::any_of(walls.begin(), walls.end(), [&](const Body& other) {
-      return &other != &walls[end.second] &&
-             distanceToSegment(end.first, other.from, other.to) <= other.half + walls[end.second].half;
+      return &other != &walls[end.wall] &&
+             distanceToSegment(end.point, other.from, other.to) <= other.half + walls[end.wall].half;
     });
-    if (!isMet) return end.first;
+    if (!isMet) return end.point;
   }
   return std::nullopt;
 }
