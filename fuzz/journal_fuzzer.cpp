@@ -56,15 +56,15 @@ void check(std::string_view bytes) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::string_view bytes(reinterpret_cast<const char*>(data), size);
   check(bytes);
-  std::string made = "OSTRELON JOURNAL 1\n";
+  std::string frames;
   for (std::uint32_t number = 0; bytes.size() >= 4; ++number) {
     std::uint32_t length = 0;
     std::memcpy(&length, bytes.data(), 4);
     bytes.remove_prefix(4);
     const std::string_view content = bytes.substr(0, length);
     bytes.remove_prefix(content.size());
-    made += framed(content, number);
+    frames += framed(content, number);
   }
-  check(made);
+  for (const char* firstLine : {"OSTRELON JOURNAL 1\n", "OSTRELON JOURNAL 2\n"}) check(firstLine + frames);
   return 0;
 }

@@ -10,7 +10,8 @@ namespace ostrelon {
 namespace {
 
 constexpr std::string_view kAnyFirstLine = "OSTRELON JOURNAL ";
-constexpr std::string_view kFirstLine = "OSTRELON JOURNAL 1\n";
+constexpr std::string_view kFirstLine = "OSTRELON JOURNAL 2\n";
+constexpr std::string_view kFirstLineOfOpeningsOnly = "OSTRELON JOURNAL 1\n";
 constexpr std::size_t kFrameHead = 16;
 constexpr std::uint64_t kMostPlaceholders = 100'000'000;
 
@@ -27,6 +28,14 @@ enum Part : std::uint8_t {
   kDate = 64,
   kPlan = 128,
 };
+
+// By the first line; absent for what is no journal, or one of another version.
+std::optional<JournalForm> formOf(std::string_view bytes) {
+  static_assert(kFirstLine.size() == kFirstLineOfOpeningsOnly.size());
+  if (bytes.starts_with(kFirstLine)) return JournalForm::current;
+  if (bytes.starts_with(kFirstLineOfOpeningsOnly)) return JournalForm::openingsOnly;
+  return std::nullopt;
+}
 
 // --- Frames
 
@@ -116,8 +125,8 @@ bool takeTwin(JournalUndoStep step, const Plan& before, UndoTwin& twin) {
   return applyPlanChange(*step.plan, *twin.plan);
 }
 
-std::optional<JournalBase> baseOf(std::string_view content) {
-  JournalInput input(content);
+std::optional<JournalBase> baseOf(std::string_view content, JournalForm form) {
+  JournalInput input(content, form);
   if (input.number<std::uint8_t>() != static_cast<std::uint8_t>(Kind::base)) return std::nullopt;
   const auto parts = input.number<std::uint8_t>();
   JournalBase base;
@@ -177,8 +186,8 @@ void putRecord(JournalOutput& output, const JournalRecord& record) {
   for (const JournalUndoStep& step : record.steps) output.twin(step.plan, step.wallSystems);
 }
 
-std::optional<JournalEntry> entryOf(std::string_view content) {
-  JournalInput input(content);
+std::optional<JournalEntry> entryOf(std::string_view content, JournalForm form) {
+  JournalInput input(content, form);
   const auto kind = input.number<std::uint8_t>();
   if (kind == static_cast<std::uint8_t>(Kind::mark)) {
     JournalSaveMark mark{input.text()};
@@ -330,19 +339,20 @@ std::optional<Date> JournalContent::changedAt() const {
 }
 
 std::optional<JournalContent> readJournal(std::string_view bytes) {
-  if (!bytes.starts_with(kFirstLine)) return std::nullopt;
+  const auto form = formOf(bytes);
+  if (!form) return std::nullopt;
   bytes.remove_prefix(kFirstLine.size());
   std::uint32_t number = 0;
   const Frame first = takeFrame(bytes, number);
   if (first.end != JournalContent::End::whole) return std::nullopt;
-  auto base = baseOf(first.content);
+  auto base = baseOf(first.content, *form);
   if (!base) return std::nullopt;
   JournalContent journal{std::move(*base), {}, JournalContent::End::whole};
   while (!bytes.empty()) {
     const Frame frame = takeFrame(bytes, ++number);
     journal.end = frame.end;
     if (frame.end != JournalContent::End::whole) break;
-    auto entry = entryOf(frame.content);
+    auto entry = entryOf(frame.content, *form);
     if (!entry) {
       journal.end = JournalContent::End::damaged;
       break;
@@ -353,8 +363,7 @@ std::optional<JournalContent> readJournal(std::string_view bytes) {
 }
 
 bool isJournalOfAnotherVersion(std::string_view bytes) {
-  return bytes.starts_with(kAnyFirstLine) && bytes.size() >= kFirstLine.size() &&
-         !bytes.starts_with(kFirstLine);
+  return bytes.starts_with(kAnyFirstLine) && bytes.size() >= kFirstLine.size() && !formOf(bytes);
 }
 
 bool settleOnFile(JournalContent& journal, const HashOfFile& hashOfFile) {

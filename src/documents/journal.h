@@ -2,7 +2,7 @@
 // program that dies loses no more than the edit in progress. Pure functions from values to bytes and back;
 // journal_file.h puts them on the disk.
 //
-//   OSTRELON JOURNAL 1
+//   OSTRELON JOURNAL 2
 //   frame: the base           what the records go out from: a file by its path and content, or a snapshot
 //   frame: a record           one operation: what it changed, and what it did to the undo steps
 //   frame: a mark             the document, as it stands here, is about to take its file's place
@@ -133,9 +133,9 @@ struct JournalContent {
   std::optional<Date> changedAt() const;
 };
 
-/// Absent for what is no journal of this version, or has no whole base.
+/// Absent for what is no journal of this version or an earlier one, or has no whole base.
 std::optional<JournalContent> readJournal(std::string_view bytes);
-/// Whether the bytes begin as a journal of some other version does.
+/// Whether the bytes begin as a journal does, of a version that cannot be read.
 bool isJournalOfAnotherVersion(std::string_view bytes);
 /// Gives the hash of a file's content, nothing where it cannot be read.
 using HashOfFile = std::function<std::optional<std::uint64_t>(const FilePath& path)>;

@@ -18,6 +18,14 @@ namespace ostrelon {
 
 static_assert(std::endian::native == std::endian::little, "numbers are written as they lie in memory");
 
+/// The forms that can be read; written is always the current one. Whoever adds a member to a record of the
+/// plan, or a kind of them, makes a new form and keeps reading the present ones: a journal is what is left of
+/// somebody's work, whichever version wrote it.
+enum class JournalForm : std::uint8_t {
+  openingsOnly = 1,  ///< of a plan its look, its openings and further members
+  current = 2,
+};
+
 /// The look of a plan, as bits.
 enum JournalLook : std::uint8_t { kClean = 1, kFilled = 2, kWeights = 4, kDimensionStrings = 8 };
 
@@ -134,7 +142,7 @@ class JournalOutput {
   }
   template <HasFields Record>
   void value(const Record& record) {
-    forEachField([this](std::string_view, const auto& member) { value(member); }, record);
+    forEachField([this](std::string_view, const auto& member) { this->value(member); }, record);
   }
 
   template <class T>
@@ -174,7 +182,8 @@ class JournalOutput {
 
 class JournalInput {
  public:
-  explicit JournalInput(std::string_view bytes) : bytes_(bytes) {}
+  explicit JournalInput(std::string_view bytes, JournalForm form = JournalForm::current)
+      : bytes_(bytes), form_(form) {}
 
   bool isGood() const { return isGood_; }
   bool isAtEnd() const { return isGood_ && bytes_.empty(); }
@@ -313,7 +322,7 @@ class JournalInput {
   }
   template <HasFields Record>
   void take(Record& record) {
-    forEachField([this](std::string_view, auto& member) { take(member); }, record);
+    forEachField([this](std::string_view, auto& member) { this->take(member); }, record);
   }
 
   template <class T>
@@ -330,6 +339,11 @@ class JournalInput {
     const auto look = number<std::uint8_t>();
     change.look = {(look & kClean) != 0, (look & kFilled) != 0, (look & kWeights) != 0,
                    (look & kDimensionStrings) != 0};
+    if (form_ == JournalForm::openingsOnly) {
+      take(std::get<ListSplice<Opening>>(change.items));
+      take(change.further);
+      return change;
+    }
     std::apply([this](auto&... splices) { (take(splices), ...); }, change.items);
     take(change.further);
     take(change.sheet);
@@ -351,6 +365,7 @@ class JournalInput {
 
  private:
   std::string_view bytes_;
+  JournalForm form_;
   bool isGood_ = true;
 };
 

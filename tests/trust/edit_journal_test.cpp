@@ -224,6 +224,23 @@ TEST(EditJournal, OnlyTheJournalsOfTheDeadThatHoldMoreThanTheirFilesAreOffered) 
   EXPECT_THAT(journalsIn(folder / "discarded"), IsEmpty());
 }
 
+// Drawn, given a door and a window, cleared and undone by the version that knew openings alone.
+TEST(EditJournal, ReadsWhatAnEarlierVersionLeft) {
+  TemporaryFolder folder;
+  leave(folder / "a", bytesOf(FilePath(OSTRELON_SOURCE_DIR) / "tests/trust/left/openings_only.journal"));
+  Program program(folder / "a");
+  const auto offers = program.journal.recoverable();
+  ASSERT_THAT(offers, SizeIs(1));
+  program.journal.recover(offers[0].id);
+  Sketch& sketch = program.workspace.sketch;
+  EXPECT_EQ(sketch.entities().size(), 1u);
+  EXPECT_TRUE(sketch.drawing->plan.look.cleanWalls);
+  ASSERT_EQ(sketch.drawing->plan.openings.size(), 2u);
+  EXPECT_EQ(sketch.drawing->plan.openings[1].kind, OpeningKind::window);
+  EXPECT_TRUE(sketch.undo());
+  EXPECT_EQ(sketch.drawing->plan.openings.size(), 1u);
+}
+
 TEST(EditJournal, HoldsWhatWasDrawnWhileASaveWasBeingWritten) {
   TemporaryFolder folder;
   {
