@@ -6,6 +6,20 @@
 #include "core/length_text.h"
 
 namespace ostrelon {
+namespace {
+
+// What can be read of a damaged file; absent where that is nothing.
+std::optional<DxfFile> salvagedDxf(const std::string& bytes) {
+  try {
+    DxfFile file = parseDxf(bytes, DxfDamage::salvage);
+    if (!file.items.empty()) return file;
+  } catch (const DxfError&) {
+    // The damage that was found first is the one to tell of.
+  }
+  return std::nullopt;
+}
+
+}  // namespace
 
 DrawingImport::DrawingImport(FileSystem& files, const FilePath& path) : name_(path.filename().string()) {
   const std::string bytes = files.readFile(path);
@@ -13,21 +27,16 @@ DrawingImport::DrawingImport(FileSystem& files, const FilePath& path) : name_(pa
     file_ = parseDxf(bytes);
   } catch (const DxfError& error) {
     damage_ = error.what();
-    const auto refused = error;
-    try {
-      file_ = parseDxf(bytes, DxfDamage::salvage);
-    } catch (const DxfError&) {
-      throw refused;
-    }
-    if (file_.items.empty()) throw refused;
+    auto salvaged = salvagedDxf(bytes);
+    if (!salvaged) throw;
+    file_ = std::move(*salvaged);
   }
 }
 
 std::string DrawingImport::extentText(const PreparedDxf& prepared) {
   if (!prepared.bounds) return "Nothing to draw";
   const SketchBox& box = *prepared.bounds;
-  const std::string feet =
-      fmt::format("{} × {}", formatFeetInches(box.width()), formatFeetInches(box.height()));
+  std::string feet = fmt::format("{} × {}", formatFeetInches(box.width()), formatFeetInches(box.height()));
   if (prepared.unit == kDxfFeet) return feet;
   return fmt::format("{:.6g} × {:.6g} {}, {}", box.width() / prepared.unit.feet,
                      box.height() / prepared.unit.feet, prepared.unit.name, feet);

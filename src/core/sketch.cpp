@@ -117,14 +117,14 @@ EntityList Sketch::prepared(std::size_t changed, const std::function<EntityList(
 void Sketch::prepareUndo() {
   const auto& steps = undoStack->undoSnapshots();
   if (steps.empty()) return;
-  const EntityList next = steps.back().entities;
+  EntityList next = steps.back().entities;
   prepared(std::max(next.unsharedSize(entities()), entities().unsharedSize(next)), [&] { return next; });
 }
 
 void Sketch::prepareRedo() {
   const auto& steps = undoStack->redoSnapshots();
   if (steps.empty()) return;
-  const EntityList next = steps.back().entities;
+  EntityList next = steps.back().entities;
   prepared(std::max(next.unsharedSize(entities()), entities().unsharedSize(next)), [&] { return next; });
 }
 

@@ -67,7 +67,7 @@ DxfShape checkedSpline(DxfSpline spline, const std::vector<SketchPoint>& fitPoin
   if (spline.points.empty()) return DxfNothing{DxfReason::noSize};
   if (spline.degree < 1 || spline.degree > kLargestSplineDegree)
     object.refuse("has a degree that no spline has");
-  const std::size_t degree = static_cast<std::size_t>(spline.degree);
+  const auto degree = static_cast<std::size_t>(spline.degree);
   if (spline.points.size() <= degree) object.refuse("has too few control points");
   if (spline.knots.size() != spline.points.size() + degree + 1)
     object.refuse("has another number of knots than it needs");

@@ -224,7 +224,7 @@ void duplicateEntity(Sketch& sketch, Messages& messages, const UUID& id, double 
   const auto position = sketch.positionOf(id);
   if (!position) return;
   const auto change = sketch.change();
-  const Copied original = copiedAt(sketch.entities(), sketch.drawing->plan, {*position});
+  Copied original = copiedAt(sketch.entities(), sketch.drawing->plan, {*position});
   const std::string label(entityTypeLabel(original.entities.front()));
   appendCopies(
       sketch, 1, [&] { return original; }, dx, dy);

@@ -104,9 +104,9 @@ void paintGrid(CanvasPainter& painter, const CanvasFrame& frame) {
   path.stroke(painter, palette.foreground, kAxisOpacity, kAxisWidth);
 }
 
-EntityLayerPainter::EntityLayerPainter(CanvasFrame frame, std::span<const WallSystemSpec> systems,
+EntityLayerPainter::EntityLayerPainter(const CanvasFrame& frame, std::span<const WallSystemSpec> systems,
                                        const DrawingLook& look)
-    : frame_(std::move(frame)),
+    : frame_(frame),
       systems_(systems),
       look_(look),
       walls_(frame_, wallFill(frame_.palette, look.plan.filledWalls), strokeOf(WallEntity{})),

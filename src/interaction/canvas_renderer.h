@@ -61,7 +61,8 @@ void paintGrid(CanvasPainter& painter, const CanvasFrame& frame);
 class EntityLayerPainter {
  public:
   /// `systems` and `look` must outlive the painter.
-  EntityLayerPainter(CanvasFrame frame, std::span<const WallSystemSpec> systems, const DrawingLook& look);
+  EntityLayerPainter(const CanvasFrame& frame, std::span<const WallSystemSpec> systems,
+                     const DrawingLook& look);
   EntityLayerPainter(const EntityLayerPainter&) = delete;
   EntityLayerPainter& operator=(const EntityLayerPainter&) = delete;
 

@@ -31,7 +31,10 @@ std::uint64_t scaledTwo(std::uint64_t pixels, std::uint64_t by) {
 }
 
 /// 0 to 255 for a coverage of 0 to 1.
-std::uint32_t shareOf(double coverage) { return static_cast<std::uint32_t>(coverage * 255 + 0.5); }
+std::uint32_t shareOf(double coverage) {
+  constexpr double kToNearest = 0.5;  // what is never negative needs no slower rounding
+  return static_cast<std::uint32_t>(coverage * 255 + kToNearest);
+}
 
 /// Lays one colour over pixels by coverage.
 class Ink {

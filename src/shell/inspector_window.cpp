@@ -256,7 +256,7 @@ void EntityInspectorView::refresh() {
   QWidget* page = opening ? openingPage_ : count > 1 ? manyPage_ : entity != nullptr ? onePage_ : emptyPage_;
   if (opening) openingPage_->showOpening(*opening);
   if (page == manyPage_) manyHeading_->setText(qtText(inspectorSelectionHeading(workspace_)));
-  if (page == onePage_) {
+  if (page == onePage_ && entity != nullptr) {
     showEntity(*entity);
   } else {
     shown_.reset();

@@ -20,7 +20,7 @@ constexpr std::array<Part, 3> kParts{Part{"Clean Walls", "cleanWalls", &PlanLook
 
 }  // namespace
 
-LookSwitches::LookSwitches(Theme& theme, const QString& prefix, const PlanLook& look) : switches_{} {
+LookSwitches::LookSwitches(Theme& theme, const QString& prefix, const PlanLook& look) {
   QGridLayout& form = *makeForm(this);
   for (std::size_t i = 0; i < kParts.size(); ++i) {
     auto* part = new Switch(theme, {});

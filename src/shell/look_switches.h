@@ -28,7 +28,7 @@ class LookSwitches : public QWidget {
   void changed();
 
  private:
-  std::array<Switch*, 3> switches_;
+  std::array<Switch*, 3> switches_{};
 };
 
 }  // namespace ostrelon
