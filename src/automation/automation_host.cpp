@@ -12,6 +12,7 @@
 #include "documents/document_store.h"
 #include "platform/disk_file_system.h"
 #include "platform/json_user_defaults.h"
+#include "platform/near_names.h"
 #include "platform/unicode.h"
 #include "updates/base64.h"
 #include "updates/update_configuration.h"
@@ -90,12 +91,20 @@ Json serve(AutomationSession& session, const Json& request) {
   return nullptr;
 }
 
+template <class Table>
+[[noreturn]] void refuseUnknown(const std::string& name, const Table& table) {
+  std::vector<std::string_view> known;
+  known.reserve(table.size());
+  for (const auto& [knownName, operation] : table) known.emplace_back(knownName);
+  throw ArgumentError("Unknown operation \"" + name + "\"." + didYouMean(name, known));
+}
+
 Json callByName(AutomationSession& session, const Json& request) {
   const auto name = requestMember<std::string>(session, request, "name");
   const Json& arguments = memberOf(request, "args");
   if (!arguments.is_null() && !arguments.is_array()) throw ArgumentError("\"args\": expected a list.");
   const auto found = callTable().find(name);
-  if (found == callTable().end()) throw ArgumentError("Unknown operation \"" + name + "\".");
+  if (found == callTable().end()) refuseUnknown(name, callTable());
   static const Json none = Json::array();
   return found->second(session, arguments.is_null() ? none : arguments);
 }
@@ -179,7 +188,7 @@ const std::map<std::string, Operation, std::less<>>& operations() {
        }},
       {"canvas.scroll",
        [](AutomationSession& session, const Json& request) -> Json {
-         const double dx = requestMember<double>(session, request, "dx");
+         const auto dx = requestMember<double>(session, request, "dx");
          session.gestures.scroll(dx, requestMember<double>(session, request, "dy"));
          return nullptr;
        }},
@@ -229,7 +238,7 @@ const std::map<std::string, Operation, std::less<>>& operations() {
        }},
       {"time.advance",
        [](AutomationSession& session, const Json& request) -> Json {
-         const double seconds = requestMember<double>(session, request, "seconds");
+         const auto seconds = requestMember<double>(session, request, "seconds");
          if (!(seconds >= 0) || seconds > kLongestAdvance) {
            throw ArgumentError("\"seconds\": expected a number from 0 to 1e8.");
          }
@@ -290,7 +299,7 @@ class AutomationHost::Program {
       if (request->contains("id")) id = (*request)["id"];
       const auto op = requestMember<std::string>(session_, *request, "op");
       const auto operation = operations().find(op);
-      if (operation == operations().end()) throw ArgumentError("Unknown operation \"" + op + "\".");
+      if (operation == operations().end()) refuseUnknown(op, operations());
       Json result = operation->second(session_, *request);
       reply["ok"] = true;
       reply["result"] = std::move(result);

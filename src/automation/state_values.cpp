@@ -4,6 +4,7 @@
 
 #include "automation/automation_session.h"
 #include "geometry/plan_item_operations.h"
+#include "platform/near_names.h"
 
 namespace ostrelon {
 namespace {
@@ -125,7 +126,12 @@ Json stateOf(const Workspace& workspace, const std::optional<std::vector<std::st
   for (const std::string& name : *names) {
     const auto* const found = std::find_if(kStateFields.begin(), kStateFields.end(),
                                            [&](const StateField& field) { return field.name == name; });
-    if (found == kStateFields.end()) throw ArgumentError("There is no field \"" + name + "\".");
+    if (found == kStateFields.end()) {
+      std::vector<std::string_view> fields;
+      fields.reserve(kStateFields.size());
+      for (const StateField& field : kStateFields) fields.push_back(field.name);
+      throw ArgumentError("There is no field \"" + name + "\"." + didYouMean(name, fields));
+    }
     state[name] = found->value(workspace);
   }
   return state;

@@ -11,6 +11,7 @@
 #include "geometry/joined_walls.h"
 #include "interaction/canvas_transform.h"
 #include "interaction/drawing_bounds.h"
+#include "platform/near_names.h"
 #include "platform/unicode.h"
 
 namespace ostrelon {
@@ -21,7 +22,7 @@ constexpr double kOwnSheetMargin = 18;
 // The largest side of a sheet of the drawing's own size: what a PDF may have, 200 inches.
 constexpr double kLargestSheetSide = 200 * kPointsPerInch;
 
-[[noreturn]] void refuse(std::string text) { throw ExportOptionError(std::move(text)); }
+[[noreturn]] void refuse(const std::string& text) { throw ExportOptionError(text); }
 
 std::optional<int> wholeNumber(std::string_view text, int most) {
   int value = 0;
@@ -248,7 +249,8 @@ void setExportOption(ExportOptions& options, std::string_view name, const std::s
     option.set(options, value);
     return;
   }
-  refuse(fmt::format("There is no export option \"{}\".", name));
+  refuse(fmt::format("There is no export option \"{}\".{}", name,
+                     didYouMean(name, {kOptionNames.begin(), kOptionNames.end()})));
 }
 
 std::vector<PicturePage> picturePages(ExportFormat format, const EntityList& entities,
