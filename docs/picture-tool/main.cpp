@@ -104,7 +104,7 @@ class Studio {
     Board& board = workspace().board;
     const SketchSize canvas = board.view->canvasSize;
     board.zoomToFit(canvas);
-    board.zoom(1.5, {canvas.width / 2, canvas.height / 2});
+    board.zoom(2.6, {canvas.width / 2, canvas.height / 2});
     settle();
   }
 
@@ -119,7 +119,7 @@ class Studio {
 
 /// An inner wall with free space beside it, for scenes that need one.
 UUID aWall(Workspace& workspace) {
-  constexpr std::size_t number = 12;
+  constexpr std::size_t number = 6;
   return entityID((workspace.sketch.entities())[number - 1]);
 }
 
@@ -179,7 +179,7 @@ void shootMenus(Studio& studio) {
   }
   selectSingleEntity(workspace.sketch, aWall(workspace));
   QMenu menu;
-  fillContextMenu(menu, *entityContextMenu(workspace.sketch), workspace.sketch, workspace.messages);
+  fillContextMenu(menu, *selectionContextMenu(workspace.sketch), workspace.sketch, workspace.messages);
   menu.popup(QPoint(0, 0));
   menu.setActiveAction(menu.actions().back());
   studio.shoot(menu, "menu-context");

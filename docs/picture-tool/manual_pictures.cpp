@@ -103,7 +103,9 @@ bool makeManualPictures(const QString& folder) {
   }
   selectSingleEntity(workspace.sketch, longestWall(workspace));
   Photographer::settle();
-  workspace.board.zoomToFit(workspace.board.view->canvasSize);
+  const SketchSize size = workspace.board.view->canvasSize;
+  workspace.board.zoomToFit(size);
+  workspace.board.zoom(2.6, {size.width / 2, size.height / 2});
   workspace.board.recordPointer(SketchPoint{420, 300});
   photographer.shoot(window, "main");
 
