@@ -80,6 +80,7 @@ RoomPlan roomPlan(const EntityList& entities, std::span<const WallSystemSpec> sy
             [&](const Room& a, const Room& b) { return place(a) < place(b); });
   if (plan.rooms.empty()) {
     plan.grossArea = plan.wallArea;
+    plan.outsides = std::move(bodies);
     return plan;
   }
 
@@ -102,6 +103,7 @@ RoomPlan roomPlan(const EntityList& entities, std::span<const WallSystemSpec> sy
     const double area = signedArea(body);
     if (around == nullptr) {
       plan.grossArea += area;
+      plan.outsides.push_back(std::move(body));
       continue;
     }
     around->area -= area;

@@ -31,6 +31,8 @@ struct RoomPlan {
   std::vector<Room> rooms;  ///< from the left, at the same place from below
   double wallArea = 0;      ///< what the walls cover, each place once
   double grossArea = 0;     ///< within the outer faces of the outermost walls
+  /// Around the walls that stand in no room, counter-clockwise: the outlines of the buildings.
+  std::vector<std::vector<SketchPoint>> outsides;
 };
 
 /// Worked out from all walls that can be joined.

@@ -48,8 +48,11 @@ class WallGrid {
   }
   template <class Visit>
   void visitCells(const Cells& cells, Visit visit) const {
-    for (double y = cells.minY; y <= cells.maxY; ++y) {
-      for (double x = cells.minX; x <= cells.maxX; ++x) visit(bucketOf(x, y));
+    if (!(cells.count() >= 1)) return;  // no numbers
+    const int columns = static_cast<int>(cells.maxX - cells.minX) + 1;
+    const int rows = static_cast<int>(cells.maxY - cells.minY) + 1;
+    for (int row = 0; row < rows; ++row) {
+      for (int column = 0; column < columns; ++column) visit(bucketOf(cells.minX + column, cells.minY + row));
     }
   }
 

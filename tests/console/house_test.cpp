@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "core/typed_length.h"
+#include "geometry/dimension_strings.h"
 #include "geometry/opening_operations.h"
 #include "geometry/opening_schedule.h"
 #include "geometry/rooms.h"
@@ -96,7 +97,54 @@ TEST_F(HouseTest, ItsRoomsAndWallsMakeUpTheHouse) {
 Rooms                           1060 SF
 Walls                           116 SF
 Gross                           1176 SF)table");
-  ;
+}
+
+// The strings of the drawing, a line each: sides in front, behind, left and right.
+std::string stringTexts(const Sketch& sketch) {
+  const Drawing& drawing = sketch.drawing;
+  std::string text;
+  for (const DimensionString& string : dimensionStrings(
+           drawing, roomPlan(drawing.entities, drawing.wallSystemSpecs), openingLayout(sketch), 4)) {
+    for (const double length : string.lengths()) text += formatLength(length) + "  ";
+    text.replace(text.size() - 2, 2, "\n");
+  }
+  return text;
+}
+
+TEST_F(HouseTest, ItsDimensionStringsSayWhatWasWorkedOutByHand) {
+  EXPECT_EQ(stringTexts(sketch),
+            R"(2'-3 1/4"  5'-0"  2'-0"  3'-0"  2'-0"  6'-0"  5'-0"  4'-0"  6'-0"  4'-0"  2'-8 3/4"
+21'-9 3/4"  4 1/2"  9'-7 1/2"  4 1/2"  9'-9 3/4"
+42'-0"
+3'-8 3/4"  4'-0"  5'-4"  2'-8"  6"  4'-0"  4'-6"  2'-0"  6'-0"  5'-0"  4'-3 1/4"
+9'-4 1/4"  4 1/2"  12'-1"  4 1/2"  6'-7 1/2"  4 1/2"  12'-9 3/4"
+42'-0"
+6'-8 3/4"  6'-0"  7'-0"  3'-0"  5'-3 1/4"
+15'-9 3/4"  4 1/2"  11'-9 3/4"
+28'-0"
+4'-3 1/4"  4'-0"  11'-0"  5'-0"  3'-8 3/4"
+11'-9 3/4"  4 1/2"  3'-1 1/2"  4 1/2"  12'-3 3/4"
+28'-0"
+)");
+}
+
+TEST_F(HouseTest, AndSoDoThoseOfTheCottage) {
+  std::ifstream file(OSTRELON_SOURCE_DIR "/examples/cottage");
+  submit("clear");
+  for (std::string line; std::getline(file, line);) submit(line);
+  EXPECT_EQ(stringTexts(sketch), R"(4'-3 1/4"  7'-0"  8'-7 3/4"  3'-6"  5'-10 1/4"  7'-0"  3'-6 3/4"
+16'-11 1/8"  4 1/2"  10'-0 5/16"  4 1/2"  12'-1 9/16"
+39'-10"
+5'-10 3/4"  8'-0"  4'-4"  4'-6"  6'-0"  8'-0"  3'-1 1/4"
+16'-11 1/8"  4 1/2"  10'-0 5/16"  4 1/2"  12'-1 9/16"
+39'-10"
+5'-5 3/4"  6'-0"  13'-1 1/4"
+13'-3 5/8"  4 1/2"  10'-10 7/8"
+24'-7"
+5'-5 1/4"  6'-0"  13'-1 3/4"
+13'-3 5/8"  4 1/2"  10'-10 7/8"
+24'-7"
+)");
 }
 
 TEST_F(HouseTest, ItsTakeoffCountsEachPlaceOnce) {
