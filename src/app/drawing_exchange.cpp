@@ -54,7 +54,7 @@ TextTable scheduleTable(ExportSchedule schedule, const Sketch& sketch, const Ope
     case ExportSchedule::openings:
       return openingScheduleTable(openings);
     case ExportSchedule::rooms:
-      return roomScheduleTable(roomPlan(sketch.entities(), systems), sketch.drawing->plan.roomNames);
+      return roomScheduleTable(roomPlan(sketch.drawing), sketch.drawing->plan.roomNames);
     case ExportSchedule::takeoff:
       return takeoffTable(takeoff(sketch.entities(), systems, openings), openings);
   }
@@ -95,7 +95,7 @@ std::string exportDrawing(const Workspace& workspace, const FilePath& path, cons
   options.documentName = workspace.document.name;
   options.date = workspace.host().scheduler.now();
   if (!options.look) options.look = workspace.sketch.drawing->plan.look;
-  options.openings = std::make_shared<const OpeningLayout>(openingLayout(workspace.sketch));
+  takePlan(options, workspace.sketch);
   std::string leftOut = leftOutText(*options.openings);
   if (isTableFile(path)) {
     if (!options.schedule) {

@@ -9,6 +9,7 @@
 #include <variant>
 #include <vector>
 
+#include "core/drawing_scale.h"
 #include "core/entity_edits.h"
 #include "core/plan.h"
 #include "core/sketch_point.h"
@@ -117,6 +118,23 @@ struct NameRoom {
   std::string name;  ///< not empty
 };
 
+struct PartRooms {
+  SketchPoint start;
+  SketchPoint end;
+};
+
+// --- Notes and the sheet (sheet_commands.h)
+
+struct AddNote {
+  SketchPoint place;
+  std::string text;  ///< not empty; lines are parted by \n
+  std::optional<SketchPoint> target;
+};
+/// The drawing scale; told where there is none.
+struct ScaleSheet {
+  std::optional<DrawingScale> scale;
+};
+
 // --- Other schedules (schedule_commands.h)
 
 struct ListRooms {};
@@ -198,12 +216,14 @@ struct MergeDrawing {
 struct ShowHelp {};
 struct ShowMore {};
 
-using Action = std::variant<
-    DrawLine, DrawWall, DrawCircle, DrawRectangle, DrawPolygon, DrawRun, ClearDrawing, ActivateTool,
-    SelectEntities, CopySelection, PasteClipboard, AssignWallSystem, MoveSelectedLine, SetSelectedLength,
-    NudgeSelection, AlignSelection, ConvertSelection, TrimEntity, ExtendToBoundary, AddOpening, ListOpenings,
-    NameRoom, ListRooms, ShowTakeoff, UseWallSystem, ShowWallSystem, ListWallSystems, AddWallSystem,
-    ChangeWallSystem, DeleteWallSystem, ConvertWallSystems, ZoomView, ChangeLook, SaveCheckpoint, ShowHistory,
-    CreateBranch, SwitchBranch, ListKept, RestoreKept, CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;
+using Action =
+    std::variant<DrawLine, DrawWall, DrawCircle, DrawRectangle, DrawPolygon, DrawRun, ClearDrawing,
+                 ActivateTool, SelectEntities, CopySelection, PasteClipboard, AssignWallSystem,
+                 MoveSelectedLine, SetSelectedLength, NudgeSelection, AlignSelection, ConvertSelection,
+                 TrimEntity, ExtendToBoundary, AddOpening, ListOpenings, NameRoom, PartRooms, AddNote,
+                 ScaleSheet, ListRooms, ShowTakeoff, UseWallSystem, ShowWallSystem, ListWallSystems,
+                 AddWallSystem, ChangeWallSystem, DeleteWallSystem, ConvertWallSystems, ZoomView, ChangeLook,
+                 SaveCheckpoint, ShowHistory, CreateBranch, SwitchBranch, ListKept, RestoreKept,
+                 CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;
 
 }  // namespace ostrelon::CommandInterpreter

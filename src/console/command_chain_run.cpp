@@ -68,6 +68,7 @@ int* counterOf(const Action& command, ChainExecutionContext& chain) {
                                                                    : &chain.openingsAdded;
                         },
                         [&](const NameRoom&) { return &chain.roomsAdded; },
+                        [&](const AddNote&) { return &chain.notesAdded; },
                         [&](const SelectEntities&) { return &chain.selectionUpdates; },
                         [&](const AssignWallSystem&) { return &chain.wallAssignments; },
                         [&](const UseWallSystem&) { return &chain.specCommands; },
@@ -145,6 +146,7 @@ std::string chainSummary(const ChainExecutionContext& chain, std::size_t count) 
       Part{chain.windowsAdded, "window added", "windows added"},
       Part{chain.openingsAdded, "opening added", "openings added"},
       Part{chain.roomsAdded, "room added", "rooms added"},
+      Part{chain.notesAdded, "note added", "notes added"},
   };
   std::string text;
   for (const Part& part : parts) {

@@ -14,6 +14,7 @@
 #include "console/run_command.h"
 #include "console/schedule_commands.h"
 #include "console/selection_commands.h"
+#include "console/sheet_commands.h"
 #include "console/system_commands.h"
 #include "console/trim_commands.h"
 #include "console/wall_system_commands.h"
@@ -211,6 +212,27 @@ std::vector<Command> makeTable() {
        .example = "room 12 8'6 Living Room",
        .isKnownInChains = true,
        .parse = parseRoom},
+      {.word = "divide",
+       .usage = "divide <x1> <y1> <x2> <y2>",
+       .summary = "part an open plan for rooms alone",
+       .example = "divide 12 0 12 14'",
+       .isKnownInChains = true,
+       .chainRefusal = "divide cannot be used in a chain.",
+       .parse = parseDivide},
+      {.word = "note",
+       .usage = "note <x> <y> [to <x> <y>] <text>",
+       .summary = "write a note on the plan, with a leader to a place; \\n begins another line",
+       .example = "note 30 20 to 24 14 Beam above",
+       .isKnownInChains = true,
+       .parse = parseNote},
+      {.word = "sheet",
+       .usage = "sheet scale [<scale>]",
+       .summary = "the scale at which texts and dimensions are as large as they should be",
+       .example = "sheet scale 1/4",
+       .completions = {{.words = {"scale"}}},
+       .isKnownInChains = true,
+       .chainRefusal = "sheet cannot be used in a chain.",
+       .parse = parseSheet},
       {.word = "rooms",
        .usage = "rooms",
        .summary = "the rooms between the walls: size, area, perimeter, total and gross area",

@@ -57,4 +57,16 @@ std::string joinedWords(const Words& words, std::size_t first) {
   return text;
 }
 
+std::variant<PointInWords, ParseResult> readPointAt(const Words& words, std::size_t place) {
+  PointInWords read{{}, place};
+  for (double* coordinate : {&read.point.x, &read.point.y}) {
+    if (read.next >= words.size()) return WrongUse{};
+    const auto length = readLengthAt(words, read.next);
+    if (const auto* reply = std::get_if<Reply>(&length)) return *reply;
+    *coordinate = std::get<LengthInWords>(length).value;
+    read.next = std::get<LengthInWords>(length).next;
+  }
+  return read;
+}
+
 }  // namespace ostrelon::CommandInterpreter

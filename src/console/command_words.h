@@ -29,6 +29,12 @@ struct LengthInWords {
 /// The length at this place, which there must be, by core/typed_length.h: of one word, or of two as in
 /// `12'-6 1/2"`. Else the reply that says what is wrong with it.
 std::variant<LengthInWords, Reply> readLengthAt(const Words& words, std::size_t place);
+/// Two lengths, x and y, at this place; `WrongUse` where there are none.
+struct PointInWords {
+  SketchPoint point;
+  std::size_t next = 0;
+};
+std::variant<PointInWords, ParseResult> readPointAt(const Words& words, std::size_t place);
 /// The reply to a text that is not a length.
 Reply notALength(std::string_view text, LengthProblem problem);
 /// The word at this place in lower case; empty when there is none.

@@ -19,7 +19,7 @@ ParseResult parseTakeoff(const Words& words, const ParseState& /*state*/, Place 
 
 Reply run(const ListRooms& /*list*/, const CommandContext& context) {
   const Drawing& drawing = context.sketch.drawing;
-  const RoomPlan plan = roomPlan(drawing.entities, drawing.wallSystemSpecs);
+  const RoomPlan plan = roomPlan(drawing);
   const TextTable table = roomScheduleTable(plan, drawing.plan.roomNames);
   std::string open;
   std::size_t number = 0;

@@ -8,7 +8,10 @@
 #include <sstream>
 
 #include "core/plan_look.h"
+#include "geometry/annotation_builder.h"
+#include "geometry/annotations.h"
 #include "geometry/joined_walls.h"
+#include "geometry/opening_operations.h"
 #include "interaction/canvas_transform.h"
 #include "interaction/drawing_bounds.h"
 #include "platform/near_names.h"
@@ -187,6 +190,9 @@ std::optional<SketchBox> withPlan(std::optional<SketchBox> box, const EntityList
       add(openingBounds(openingShape(placed.opening, placed.wall)));
     }
   }
+  if (options.annotations != nullptr) {
+    for (const Annotation& annotation : *options.annotations) add(annotation.box);
+  }
   return box;
 }
 
@@ -225,6 +231,16 @@ std::vector<PicturePage> paperPages(const EntityList& entities, std::span<const 
 }
 
 }  // namespace
+
+void takePlan(ExportOptions& options, const Sketch& sketch) {
+  const Drawing& drawing = sketch.drawing;
+  options.openings = std::make_shared<const OpeningLayout>(openingLayout(sketch));
+  const RoomPlan rooms = needsRooms(drawing.plan) ? roomPlan(drawing) : RoomPlan();
+  const double perInch =
+      options.scale ? kPointsPerInch / options.scale->pointsPerUnit() : unitsPerInch(drawing.plan);
+  options.annotations = std::make_shared<const std::vector<Annotation>>(
+      annotations(drawing, &rooms, *options.openings, perInch));
+}
 
 std::string_view fileEnding(ExportFormat format) { return kEndings[static_cast<std::size_t>(format)].word; }
 

@@ -12,9 +12,11 @@
 #include <vector>
 
 #include "core/plan.h"
+#include "core/sketch.h"
 #include "core/sketch_viewport.h"
 #include "exchange/dxf_version.h"
 #include "exchange/page_layout.h"
+#include "geometry/annotation.h"
 #include "geometry/openings.h"
 #include "platform/date.h"
 
@@ -61,6 +63,8 @@ struct ExportOptions {
 
   /// The openings of the walls, for whoever exports a drawing to give; null: none.
   std::shared_ptr<const OpeningLayout> openings;
+  /// The room labels, dimensions and notes, likewise.
+  std::shared_ptr<const std::vector<Annotation>> annotations;
 
   /// The document's name and the present time, for files and sheets that tell them; may be absent.
   std::string documentName = {};
@@ -68,6 +72,10 @@ struct ExportOptions {
 
   bool isOnPaper() const { return paper.has_value() || scale.has_value(); }
 };
+
+/// Gives the options the openings and annotations of a drawing. Sizes on paper are those at the scale of the
+/// options, or else at the drawing's.
+void takePlan(ExportOptions& options, const Sketch& sketch);
 
 /// ".pdf" and so on.
 std::string_view fileEnding(ExportFormat format);

@@ -14,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/drawing_scale.h"
 #include "core/entity_bounds.h"
 #include "core/entity_list.h"
 #include "core/sketch_point.h"
@@ -27,9 +28,6 @@ class PageLayoutError : public UserError {
  public:
   using UserError::UserError;
 };
-
-inline constexpr double kPointsPerInch = 72;
-inline constexpr double kInchesPerFoot = 12;
 
 // --- Paper
 
@@ -46,24 +44,6 @@ std::span<const PaperSize> paperSizes();
 /// By name, without regard to case and blanks. Other usual names are known too, such as "ANSI B" and "Ledger"
 /// for Tabloid, "US Letter" and "ISO A3".
 std::optional<PaperSize> paperSizeNamed(std::string_view name);
-
-// --- Scale
-
-/// How many times larger the building is than its drawing: 48 for a quarter of an inch to the foot.
-struct DrawingScale {
-  double ratio = 48;
-  /// The length of one sketch unit on paper, points.
-  double pointsPerUnit() const { return kInchesPerFoot * kPointsPerInch / ratio; }
-  friend bool operator==(const DrawingScale&, const DrawingScale&) = default;
-};
-
-/// The scales in common use, large drawings first.
-std::span<const DrawingScale> commonScales();
-/// Reads `1:50`, `1/4"`, `1/4" = 1'`, `1 1/2" = 1'-0"`, `1" = 20'`, with "in" for the inch mark and
-/// "ft" for the foot mark as well; absent for anything else. The ratio lies in 0.001 to 1,000,000.
-std::optional<DrawingScale> parseDrawingScale(std::string_view text);
-/// `1/4" = 1'-0"`, `1" = 20'` or `1:50`, whichever is the usual form of the scale; it reads back.
-std::string drawingScaleText(DrawingScale scale);
 
 // --- Layout
 

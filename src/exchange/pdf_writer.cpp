@@ -256,7 +256,8 @@ class PdfWriter::Page final : public CanvasPainter {
     compressWhenFull();
   }
 
-  void drawText(std::string_view text, SketchPoint center, double height, const Fill& fill) override {
+  void drawText(std::string_view text, SketchPoint center, double height, const Fill& fill,
+                double angle) override {
     beginFill(fill);
     // One letter for each code point; those that the encoding of the type has not, as a question mark.
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
@@ -275,9 +276,14 @@ class PdfWriter::Page final : public CanvasPainter {
     }
     text_ += "BT /F1 ";
     number(height);
-    text_ += "Tf 1 0 0 -1 ";
-    number(center.x - count * kLetterWidth * height / 2);
-    number(center.y + height * 0.3);
+    text_ += "Tf ";
+    const double cosine = std::cos(angle);
+    const double sine = std::sin(angle);
+    for (const double part : {cosine, -sine, -sine, -cosine}) number(part);
+    const double left = count * kLetterWidth * height / 2;
+    const double down = height * 0.3;
+    number(center.x - left * cosine + down * sine);
+    number(center.y + left * sine + down * cosine);
     text_ += "Tm (" + letters + ") Tj ET\n";
     compressWhenFull();
   }

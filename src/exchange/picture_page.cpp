@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "exchange/pdf_writer.h"
+#include "interaction/annotation_painting.h"
 #include "interaction/canvas_renderer.h"
 #include "interaction/opening_painting.h"
 
@@ -45,10 +46,12 @@ void paintDrawing(CanvasPainter& painter, const PicturePage& page, const EntityL
   if (options.showGrid) paintGrid(painter, frame);
   paintEntities(painter, frame, entities, systems, {},
                 drawingLook(options.look.value_or(PlanLook()), entities, systems));
-  if (options.openings == nullptr) return;
-  if (!hasBackground(options)) frame.palette.background = {1, 1, 1};
-  paintOpeningGaps(painter, frame, *options.openings);
-  paintOpenings(painter, frame, *options.openings, OpeningMisfits::leftOut);
+  if (options.openings != nullptr) {
+    if (!hasBackground(options)) frame.palette.background = {1, 1, 1};
+    paintOpeningGaps(painter, frame, *options.openings);
+    paintOpenings(painter, frame, *options.openings, OpeningMisfits::leftOut);
+  }
+  if (options.annotations != nullptr) paintAnnotations(painter, frame, *options.annotations);
 }
 
 void paintSheetMarks(CanvasPainter& painter, const PicturePage& page, const ThemePalette& palette) {

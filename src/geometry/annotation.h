@@ -25,11 +25,10 @@ struct AnnotationFill {
 };
 
 struct AnnotationText {
-  std::string text;           ///< one line
-  SketchPoint middle;         ///< of its width, and of the height of its capitals
-  double height = 0;          ///< of its capitals, sketch units
-  double angle = 0;           ///< radians from +x, counter-clockwise, within ±π/2: never upside down
-  bool isEmphasised = false;  ///< in the typeface's bold face
+  std::string text;    ///< one line
+  SketchPoint middle;  ///< of its width, and of the height of its capitals
+  double height = 0;   ///< of its capitals, sketch units
+  double angle = 0;    ///< radians from +x, counter-clockwise, within ±π/2: never upside down
 };
 
 struct Annotation {

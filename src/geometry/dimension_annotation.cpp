@@ -139,7 +139,7 @@ class LinePainter {
     const double height = kTextHeight * inch_;
     const double left = middleOf(placed.level) * inch_;
     annotation_.texts.push_back(
-        {piece.text, at(placed.middle(), left), height, std::atan2(along_.y, along_.x), false});
+        {piece.text, at(placed.middle(), left), height, std::atan2(along_.y, along_.x)});
     const double free = kBesideText * inch_;
     if (placed.level != Level::over) {
       const bool isElsewhere = placed.begin > piece.end || placed.end < piece.begin;

@@ -21,6 +21,8 @@ namespace {
 constexpr double kRectangularShare = 0.95;
 /// Faces so near, sketch units, are in line where rooms are put in order.
 constexpr double kSamePlace = 1.0 / 192;
+/// Thin enough to cover nothing that a text shows, and thick enough to be told from a wall that is a line.
+constexpr double kDividerThickness = 1e-5;
 
 // The systems as one family, with those that walls name and the drawing does not have.
 std::vector<WallSystemSpec> asOneFamily(const EntityList& entities, std::span<const WallSystemSpec> systems) {
@@ -42,6 +44,22 @@ std::vector<WallSystemSpec> asOneFamily(const EntityList& entities, std::span<co
   return one;
 }
 
+// The entities with a wall for each divider.
+EntityList withDividers(const EntityList& entities, const SharedList<RoomDivider>& dividers,
+                        std::vector<WallSystemSpec>& systems) {
+  if (dividers.empty()) return entities;
+  WallSystemSpec system;
+  system.id = UUID::random();
+  system.name = "Wall";
+  system.thickness = kDividerThickness;
+  systems.push_back(system);
+  EntityList all = entities;
+  for (const RoomDivider& divider : dividers) {
+    all.append(WallEntity{divider.id, divider.start, divider.end, system.id});
+  }
+  return all;
+}
+
 }  // namespace
 
 bool Room::contains(SketchPoint point) const {
@@ -54,9 +72,15 @@ bool Room::isRectangular() const {
   return islands.empty() && area >= kRectangularShare * box.width() * box.height();
 }
 
-RoomPlan roomPlan(const EntityList& entities, std::span<const WallSystemSpec> systems) {
+RoomPlan roomPlan(const Drawing& drawing) {
+  return roomPlan(drawing.entities, drawing.wallSystemSpecs, drawing.plan.roomDividers);
+}
+
+RoomPlan roomPlan(const EntityList& walls, std::span<const WallSystemSpec> systems,
+                  const SharedList<RoomDivider>& dividers) {
   RoomPlan plan;
-  const auto oneFamily = asOneFamily(entities, systems);
+  auto oneFamily = asOneFamily(walls, systems);
+  const EntityList entities = withDividers(walls, dividers, oneFamily);
   std::vector<std::vector<SketchPoint>> bodies;  // what lies around walls
   for (WallLoop& loop : wallLoops(JoinedWalls::of(entities, oneFamily))) {
     const double area = signedArea(loop.points);

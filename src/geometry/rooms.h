@@ -35,8 +35,10 @@ struct RoomPlan {
   std::vector<std::vector<SketchPoint>> outsides;
 };
 
-/// Worked out from all walls that can be joined.
-RoomPlan roomPlan(const EntityList& entities, std::span<const WallSystemSpec> systems);
+/// Worked out from all walls that can be joined. A divider is a wall of no thickness to speak of.
+RoomPlan roomPlan(const EntityList& entities, std::span<const WallSystemSpec> systems,
+                  const SharedList<RoomDivider>& dividers = {});
+RoomPlan roomPlan(const Drawing& drawing);
 
 /// `13'-3" × 9'-9"`; empty for a room that is not rectangular.
 std::string roomSizeText(const Room& room);

@@ -119,8 +119,13 @@ class CanvasPainter {
   virtual void fillEllipse(const CanvasEllipse& ellipse, const Fill& fill) = 0;
   virtual void fillRoundedRect(const SketchBox& rect, double cornerRadius, const Fill& fill) = 0;
 
-  /// One line of text in the measurement type, centred on a point. `height`: of the type, view points.
-  virtual void drawText(std::string_view text, SketchPoint center, double height, const Fill& fill) = 0;
+  /// One line of text in the measurement type, centred on a point. `height`: of the type, view points;
+  /// `angle`: radians from the right, counter-clockwise.
+  virtual void drawText(std::string_view text, SketchPoint center, double height, const Fill& fill,
+                        double angle) = 0;
+  void drawText(std::string_view text, SketchPoint center, double height, const Fill& fill) {
+    drawText(text, center, height, fill, 0);
+  }
 };
 
 }  // namespace ostrelon

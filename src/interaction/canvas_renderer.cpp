@@ -4,6 +4,7 @@
 
 #include "core/entity_list.h"
 #include "geometry/opening_operations.h"
+#include "interaction/annotation_painting.h"
 #include "interaction/board.h"
 #include "interaction/canvas_overlays.h"
 #include "interaction/opening_painting.h"
@@ -173,6 +174,7 @@ void paintLayer(CanvasPainter& painter, CanvasLayer layer, const Board& board, c
       const OpeningLayout layout = openingLayout(board.sketch());
       paintOpeningGaps(painter, frame, layout);
       paintOpenings(painter, frame, layout, OpeningMisfits::shown);
+      paintAnnotations(painter, frame, KeptAnnotations().of(board.sketch()));
       return;
     }
     case CanvasLayer::hover:

@@ -22,7 +22,7 @@ enum class CanvasLayer {
   grid,
   snapGuides,
   entities,
-  openings,  ///< doors, windows and openings, over the walls that they are in
+  openings,  ///< doors, windows and openings, over the walls that they are in, and annotations
   hover,
   selection,  ///< the highlights, and the handles of a single selection
   marquee,

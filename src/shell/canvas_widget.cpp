@@ -440,6 +440,7 @@ void CanvasWidget::paintLive(QPainter& painter, const PictureView& now) {
     }
   }
   paintOpeningsOver(painter, frame);
+  paintAnnotations(canvas, frame, annotations_.of(board_.sketch()));
   paintLayer(canvas, CanvasLayer::hover, board_, frame);
   if (isSelectionPicture()) {
     selection_.paint(painter, moved);

@@ -18,6 +18,7 @@
 #include "core/observable.h"
 #include "core/theme_palette.h"
 #include "geometry/openings.h"
+#include "interaction/annotation_painting.h"
 #include "interaction/canvas_gestures.h"
 #include "interaction/difference_layers.h"
 #include "shell/entity_picture.h"
@@ -124,6 +125,7 @@ class CanvasWidget : public QWidget {
   QImage clouds_;
   std::optional<std::pair<PictureView, CanvasDifference>> cloudsOf_;  // blend left at its default
   bool isExact_ = false;
+  KeptAnnotations annotations_;
   OpeningLayout openings_;
   std::uint64_t openingsOf_ = 0;  // the writes of the drawing when these were laid out
   QRegion overlay_;               // what lay over the pictures after the last change, widget coordinates

@@ -43,7 +43,8 @@ PictureMaker picturesWithoutDisplay() {
   auto qt = std::make_shared<std::optional<DisplaylessApplication>>();
   return [qt](ExportFormat format, const EntityList& entities, std::span<const WallSystemSpec> systems,
               const ExportOptions& options) {
-    if (format != ExportFormat::png && !qt->has_value()) qt->emplace();
+    const bool hasText = options.annotations != nullptr && !options.annotations->empty();
+    if ((hasText || format != ExportFormat::png) && !qt->has_value()) qt->emplace();
     return drawingPictureBytes(format, entities, systems, options);
   };
 }

@@ -177,7 +177,7 @@ void ExportSheet::chooseFile() {
     // What cannot be laid out is reported here, where it can be corrected.
     if (format() != ExportFormat::dxf) {
       ExportOptions complete = chosen;
-      complete.openings = std::make_shared<const OpeningLayout>(openingLayout(workspace.sketch));
+      takePlan(complete, workspace.sketch);
       picturePages(format(), workspace.sketch.entities(), workspace.sketch.drawing->wallSystemSpecs,
                    complete);
     }

@@ -101,7 +101,8 @@ void PaintedRegion::fillRoundedRect(const SketchBox& rect, double /*cornerRadius
   touch(rect.grown(kSoftEdge));
 }
 
-void PaintedRegion::drawText(std::string_view text, SketchPoint center, double height, const Fill& /*fill*/) {
+void PaintedRegion::drawText(std::string_view text, SketchPoint center, double height, const Fill& /*fill*/,
+                             double /*angle*/) {
   // No letter of the measurement type is wider than it is high.
   touch(SketchBox::centered(center, std::max(1.0, static_cast<double>(text.size())) * height));
 }

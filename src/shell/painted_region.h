@@ -22,7 +22,9 @@ class PaintedRegion final : public CanvasPainter {
   void fillPath(const CanvasPath& path, const Fill& fill) override;
   void fillEllipse(const CanvasEllipse& ellipse, const Fill& fill) override;
   void fillRoundedRect(const SketchBox& rect, double cornerRadius, const Fill& fill) override;
-  void drawText(std::string_view text, SketchPoint center, double height, const Fill& fill) override;
+  using CanvasPainter::drawText;
+  void drawText(std::string_view text, SketchPoint center, double height, const Fill& fill,
+                double angle) override;
 
  private:
   void touch(const SketchBox& rect) { touched_.push_back(rect); }

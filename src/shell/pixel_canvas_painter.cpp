@@ -164,9 +164,9 @@ void PixelCanvasPainter::fillRoundedRect(const SketchBox& rect, double cornerRad
   canvas_.fillRoundedRect(rect, cornerRadius, fill);
 }
 
-void PixelCanvasPainter::drawText(std::string_view text, SketchPoint center, double height,
-                                  const Fill& fill) {
-  canvas_.drawText(text, center, height, fill);
+void PixelCanvasPainter::drawText(std::string_view text, SketchPoint center, double height, const Fill& fill,
+                                  double angle) {
+  canvas_.drawText(text, center, height, fill, angle);
 }
 
 // Most strokes of a drawing have the colour of the one before.

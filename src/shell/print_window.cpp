@@ -33,9 +33,9 @@ void setSheet(QPrinter& printer, SketchSize page) {
   printer.setFullPage(true);
 }
 
-// The options with the openings of the drawing.
+// The options with the openings and annotations of the drawing.
 ExportOptions complete(ExportOptions options, const Workspace& workspace) {
-  options.openings = std::make_shared<const OpeningLayout>(openingLayout(workspace.sketch));
+  takePlan(options, workspace.sketch);
   return options;
 }
 

@@ -3,6 +3,7 @@
 #include <QFont>
 #include <QPaintEngine>
 #include <QPainterPath>
+#include <QtMath>
 #include <algorithm>
 
 #include "shell/pixel_canvas_painter.h"
@@ -145,7 +146,21 @@ void QtCanvasPainter::fillRoundedRect(const SketchBox& rect, double cornerRadius
   }
 }
 
-void QtCanvasPainter::drawText(std::string_view text, SketchPoint center, double height, const Fill& fill) {
+void QtCanvasPainter::drawText(std::string_view text, SketchPoint center, double height, const Fill& fill,
+                               double angle) {
+  // Type has whole pixels; any other height, and any angle, is that of the painter.
+  if (angle != 0 || height != std::floor(height)) {
+    constexpr double kType = 64;
+    painter_.save();
+    painter_.translate(center.x, center.y);
+    painter_.rotate(-qRadiansToDegrees(angle));
+    painter_.scale(height / kType, height / kType);
+    drawText(text, {0, 0}, kType, fill, 0);
+    painter_.restore();
+    stroke_.reset();
+    fill_.reset();
+    return;
+  }
   QFont font;
   font.setFamilies({"JetBrains Mono", "DejaVu Sans Mono"});
   font.setPixelSize(static_cast<int>(height));

@@ -47,9 +47,13 @@ class RecordingPainter final : public CanvasPainter {
   void fillRoundedRect(const SketchBox& rect, double cornerRadius, const Fill& fill) override {
     noteRect("fill", rect, cornerRadius) << paint(fill);
   }
-  void drawText(std::string_view words, SketchPoint center, double height, const Fill& fill) override {
+  using CanvasPainter::drawText;
+  void drawText(std::string_view words, SketchPoint center, double height, const Fill& fill,
+                double angle) override {
     calls.emplace_back();
-    text_ << "text \"" << words << "\" at " << place(center) << " high " << number(height) << paint(fill);
+    text_ << "text \"" << words << "\" at " << place(center) << " high " << number(height);
+    if (angle != 0) text_ << " turned " << number(angle);
+    text_ << paint(fill);
   }
 
  private:
