@@ -123,6 +123,18 @@ struct PartRooms {
   SketchPoint end;
 };
 
+// --- Dimensions (dimension_commands.h)
+
+struct AddDimension {
+  SketchPoint from;
+  SketchPoint to;
+  DimensionDirection direction = DimensionDirection::aligned;
+  std::optional<double> offset;  ///< to the left of from → to; absent: a little on paper
+};
+struct SwitchDimensionStrings {
+  bool isOn = false;
+};
+
 // --- Notes and the sheet (sheet_commands.h)
 
 struct AddNote {
@@ -221,9 +233,9 @@ using Action =
                  ActivateTool, SelectEntities, CopySelection, PasteClipboard, AssignWallSystem,
                  MoveSelectedLine, SetSelectedLength, NudgeSelection, AlignSelection, ConvertSelection,
                  TrimEntity, ExtendToBoundary, AddOpening, ListOpenings, NameRoom, PartRooms, AddNote,
-                 ScaleSheet, ListRooms, ShowTakeoff, UseWallSystem, ShowWallSystem, ListWallSystems,
-                 AddWallSystem, ChangeWallSystem, DeleteWallSystem, ConvertWallSystems, ZoomView, ChangeLook,
-                 SaveCheckpoint, ShowHistory, CreateBranch, SwitchBranch, ListKept, RestoreKept,
-                 CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;
+                 ScaleSheet, AddDimension, SwitchDimensionStrings, ListRooms, ShowTakeoff, UseWallSystem,
+                 ShowWallSystem, ListWallSystems, AddWallSystem, ChangeWallSystem, DeleteWallSystem,
+                 ConvertWallSystems, ZoomView, ChangeLook, SaveCheckpoint, ShowHistory, CreateBranch,
+                 SwitchBranch, ListKept, RestoreKept, CompareDrawing, MergeDrawing, ShowHelp, ShowMore>;
 
 }  // namespace ostrelon::CommandInterpreter

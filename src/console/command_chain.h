@@ -63,6 +63,7 @@ struct ChainExecutionContext {
   int windowsAdded = 0;
   int openingsAdded = 0;
   int roomsAdded = 0;
+  int dimensionsAdded = 0;
   int notesAdded = 0;
 };
 

@@ -68,6 +68,7 @@ int* counterOf(const Action& command, ChainExecutionContext& chain) {
                                                                    : &chain.openingsAdded;
                         },
                         [&](const NameRoom&) { return &chain.roomsAdded; },
+                        [&](const AddDimension&) { return &chain.dimensionsAdded; },
                         [&](const AddNote&) { return &chain.notesAdded; },
                         [&](const SelectEntities&) { return &chain.selectionUpdates; },
                         [&](const AssignWallSystem&) { return &chain.wallAssignments; },
@@ -146,6 +147,7 @@ std::string chainSummary(const ChainExecutionContext& chain, std::size_t count) 
       Part{chain.windowsAdded, "window added", "windows added"},
       Part{chain.openingsAdded, "opening added", "openings added"},
       Part{chain.roomsAdded, "room added", "rooms added"},
+      Part{chain.dimensionsAdded, "dimension added", "dimensions added"},
       Part{chain.notesAdded, "note added", "notes added"},
   };
   std::string text;

@@ -3,6 +3,7 @@
 
 #include "console/command.h"
 #include "console/compare_commands.h"
+#include "console/dimension_commands.h"
 #include "console/drawing_commands.h"
 #include "console/edit_commands.h"
 #include "console/help_commands.h"
@@ -238,6 +239,17 @@ std::vector<Command> makeTable() {
        .summary = "the rooms between the walls: size, area, perimeter, total and gross area",
        .example = "rooms",
        .parse = parseRooms},
+      {.word = "dim",
+       .usage = "dim <x1> <y1> <x2> <y2> [<offset>] [aligned|horizontal|vertical] | dim auto on|off",
+       .summary = "a dimension between two points, its line to the left of them; auto: the strings "
+                  "around the plan",
+       .example = "dim 0 0 42' 0 -3'",
+       .completions = {{.words = {"auto"}},
+                       {.position = 2, .words = {"off", "on"}, .onlyAfter = "auto"},
+                       {.position = 5, .words = {"aligned", "horizontal", "vertical"}},
+                       {.position = 6, .words = {"aligned", "horizontal", "vertical"}}},
+       .isKnownInChains = true,
+       .parse = parseDimension},
       {.word = "takeoff",
        .usage = "takeoff",
        .summary = "what the plan is made of: walls by system, openings by width, shapes by kind",
