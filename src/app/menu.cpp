@@ -120,6 +120,24 @@ std::vector<MenuChoice> planLookChoices(Application& app) {
   return choices;
 }
 
+bool hasDimensionStrings(const Application& app) {
+  return app.workspace().sketch.drawing->plan.look.dimensionStrings;
+}
+void toggleDimensionStrings(Application& app) {
+  PlanLook look = app.workspace().sketch.drawing->plan.look;
+  look.dimensionStrings = !look.dimensionStrings;
+  setPlanLook(app.workspace().sketch, look);
+}
+std::vector<MenuChoice> drawingScaleChoices(Application& app) {
+  std::vector<MenuChoice> choices;
+  const DrawingScale now = drawingScale(app.workspace().sketch.drawing->plan);
+  for (const DrawingScale scale : commonScales()) {
+    choices.push_back({drawingScaleText(scale), true, scale == now,
+                       [scale](Application& to) { setDrawingScale(to.workspace().sketch, scale); }});
+  }
+  return choices;
+}
+
 // Runs what a window does for the program; nothing where there is none.
 void runIfThere(const std::function<void()>& action) {
   if (action) action();
@@ -153,13 +171,19 @@ void mergeFromMenu(Application& app) {
 
 constexpr MenuCommand row(std::string_view menu, std::string_view title, std::string_view shortcut,
                           void (*run)(Application&), bool (*enabled)(const Application&) = nullptr) {
-  return {menu, title, shortcut, run, enabled, nullptr};
+  return {menu, title, shortcut, run, enabled, nullptr, nullptr};
+}
+constexpr MenuCommand toggle(std::string_view menu, std::string_view title, void (*run)(Application&),
+                             bool (*isOn)(const Application&)) {
+  return {menu, title, {}, run, nullptr, nullptr, isOn};
 }
 constexpr MenuCommand submenu(std::string_view menu, std::string_view title,
                               std::vector<MenuChoice> (*choices)(Application&)) {
-  return {menu, title, {}, nullptr, nullptr, choices};
+  return {menu, title, {}, nullptr, nullptr, choices, nullptr};
 }
-constexpr MenuCommand separator(std::string_view menu) { return {menu, {}, {}, nullptr, nullptr, nullptr}; }
+constexpr MenuCommand separator(std::string_view menu) {
+  return {menu, {}, {}, nullptr, nullptr, nullptr, nullptr};
+}
 
 constexpr std::array kMenuCommands{
     row("File", "New Document", "⌘N", [](Application& app) { app.newDocument(); }),
@@ -224,6 +248,8 @@ constexpr std::array kMenuCommands{
         }),
     separator("View"),
     submenu("View", "Plan Look", planLookChoices),
+    toggle("View", "Dimension Strings", toggleDimensionStrings, hasDimensionStrings),
+    submenu("View", "Drawing Scale", drawingScaleChoices),
     row("Help", "Manual", "", [](Application& app) { runIfThere(app.windowActions().showManual); }),
     row("Help", "Keyboard Shortcuts", "",
         [](Application& app) { runIfThere(app.windowActions().showShortcuts); }),

@@ -29,6 +29,7 @@ struct MenuCommand {
   void (*run)(Application&) = nullptr;                         ///< null: a submenu or a separator
   bool (*isEnabled)(const Application&) = nullptr;             ///< null: always
   std::vector<MenuChoice> (*choices)(Application&) = nullptr;  ///< rows of the submenu
+  bool (*isOn)(const Application&) = nullptr;  ///< of a row that is a switch; null: it is none
 };
 
 /// The menus from left to right.

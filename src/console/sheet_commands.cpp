@@ -4,8 +4,8 @@
 
 #include "console/command_words.h"
 #include "core/plan_items.h"
+#include "core/plan_look.h"
 #include "core/sketch.h"
-#include "geometry/annotation_builder.h"
 
 namespace ostrelon::CommandInterpreter {
 namespace {
@@ -56,12 +56,8 @@ Reply run(const AddNote& added, const CommandContext& context) {
 }
 
 Reply run(const ScaleSheet& sheet, const CommandContext& context) {
-  if (sheet.scale) {
-    const double perInch = kPointsPerInch / sheet.scale->pointsPerUnit();
-    context.sketch.edit([&](Drawing& drawing) { drawing.plan.sheet.unitsPerInch = perInch; });
-  }
-  const DrawingScale scale{unitsPerInch(context.sketch.drawing->plan) * kInchesPerFoot};
-  return Reply::done("Drawing scale: " + drawingScaleText(scale) + ".");
+  if (sheet.scale) setDrawingScale(context.sketch, *sheet.scale);
+  return Reply::done("Drawing scale: " + drawingScaleText(drawingScale(context.sketch.drawing->plan)) + ".");
 }
 
 }  // namespace ostrelon::CommandInterpreter

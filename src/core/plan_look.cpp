@@ -1,5 +1,7 @@
 #include "core/plan_look.h"
 
+#include <cmath>
+
 #include "core/sketch.h"
 
 namespace ostrelon {
@@ -14,6 +16,16 @@ bool* planLookPart(PlanLook& look, std::string_view word) {
 void setPlanLook(Sketch& sketch, const PlanLook& look) {
   if (sketch.drawing->plan.look == look) return;
   sketch.edit([&](Drawing& drawing) { drawing.plan.look = look; });
+}
+
+DrawingScale drawingScale(const Plan& plan) {
+  const double said = plan.sheet.unitsPerInch;
+  return std::isfinite(said) && said > 0 ? DrawingScale{said * kInchesPerFoot} : DrawingScale{};
+}
+
+void setDrawingScale(Sketch& sketch, DrawingScale scale) {
+  if (drawingScale(sketch.drawing->plan) == scale) return;
+  sketch.edit([&](Drawing& drawing) { drawing.plan.sheet.unitsPerInch = scale.ratio / kInchesPerFoot; });
 }
 
 }  // namespace ostrelon

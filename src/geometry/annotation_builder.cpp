@@ -5,6 +5,8 @@
 #include <numbers>
 #include <utility>
 
+#include "core/plan_look.h"
+
 namespace ostrelon {
 namespace {
 
@@ -20,10 +22,7 @@ std::size_t letterCount(std::string_view text) {
 
 }  // namespace
 
-double unitsPerInch(const Plan& plan) {
-  const double said = plan.sheet.unitsPerInch;
-  return std::isfinite(said) && said > 0 ? said : kDefaultUnitsPerInch;
-}
+double unitsPerInch(const Plan& plan) { return drawingScale(plan).ratio / kInchesPerFoot; }
 
 double annotationTextWidth(std::string_view text) {
   return static_cast<double>(letterCount(text)) * kLetterWidth;

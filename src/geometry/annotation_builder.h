@@ -18,9 +18,7 @@ inline constexpr double kAnnotationTick = 1.0 / 8;         ///< from end to end
 /// From one line of a text to the next, in heights of its capitals.
 inline constexpr double kAnnotationLineSpacing = 1.7;
 
-/// Sketch units to an inch of paper where the plan does not say it: 1/4" = 1'.
-inline constexpr double kDefaultUnitsPerInch = 4;
-/// Those of the plan.
+/// Sketch units to an inch of paper, at the scale of the plan.
 double unitsPerInch(const Plan& plan);
 
 /// The width of a text of one line, ems. Its typeface has one width for all letters.

@@ -59,7 +59,13 @@ MenuBar::MenuBar(Application& application, QWidget* parent)
 }
 
 void MenuBar::refresh() {
-  for (const Row& row : rows_) row.action->setEnabled(ostrelon::isEnabled(*row.command, application_));
+  for (const Row& row : rows_) {
+    row.action->setEnabled(ostrelon::isEnabled(*row.command, application_));
+    if (row.command->isOn == nullptr) continue;
+    const bool isOn = row.command->isOn(application_);
+    row.action->setCheckable(isOn);
+    row.action->setChecked(isOn);
+  }
 }
 
 void MenuBar::fillSubmenu(QMenu& menu, const MenuCommand& command) {
