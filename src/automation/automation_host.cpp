@@ -8,6 +8,7 @@
 #include "app/settings_notes.h"
 #include "automation/automation_session.h"
 #include "automation/import_request.h"
+#include "automation/operation_list.h"
 #include "build_information.h"
 #include "documents/document_store.h"
 #include "platform/disk_file_system.h"
@@ -106,7 +107,7 @@ Json callByName(AutomationSession& session, const Json& request) {
   const auto found = callTable().find(name);
   if (found == callTable().end()) refuseUnknown(name, callTable());
   static const Json none = Json::array();
-  return found->second(session, arguments.is_null() ? none : arguments);
+  return found->second.run(session, arguments.is_null() ? none : arguments);
 }
 
 Json closeWindow(AutomationSession& session) {
@@ -143,6 +144,7 @@ const std::map<std::string, Operation, std::less<>>& operations() {
       {"update",
        [](AutomationSession& session, const Json&) { return updateOf(session.application.updates()); }},
       {"call", callByName},
+      {"operations", [](AutomationSession&, const Json&) { return operationList(); }},
       {"canvas.resize",
        [](AutomationSession& session, const Json& request) -> Json {
          session.workspace().board.resizeCanvas({requestMember<double>(session, request, "width"),

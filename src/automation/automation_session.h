@@ -5,6 +5,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "app/application.h"
 #include "automation/json_values.h"
@@ -39,7 +40,21 @@ T requestMember(const AutomationSession& session, const Json& request, const cha
 
 // --- Operations called by name: {"op":"call","name":"zoomViewport","args":[1.25,[0,0]]}
 
-using Call = std::function<Json(AutomationSession& session, const Json& arguments)>;
+/// What a call takes and gives, in words (value_names.h).
+struct CallSignature {
+  struct Argument {
+    std::string type;
+    /// May be null, and left out where it is among the last.
+    bool isOptional = false;
+  };
+  std::vector<Argument> arguments;
+  std::string result;
+};
+
+struct Call {
+  std::function<Json(AutomationSession& session, const Json& arguments)> run;
+  CallSignature (*signature)() = nullptr;
+};
 using CallTable = std::map<std::string, Call, std::less<>>;
 
 /// All operations that `call` reaches, by the names that they have in the code.

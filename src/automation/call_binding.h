@@ -19,6 +19,7 @@
 #include <utility>
 
 #include "automation/automation_session.h"
+#include "automation/value_names.h"
 
 namespace ostrelon {
 
@@ -142,16 +143,34 @@ Json callWith(AutomationSession& session, const Json& arguments, const Function&
   }
 }
 
-template <class... Parameters, class Function>
+template <class Parameter>
+void addArgument(CallSignature& signature) {
+  if constexpr (!isPart<Parameter>) {
+    using Argument = typename Held<Parameter>::Type;
+    signature.arguments.push_back({valueName<Argument>(), IsOptional<Argument>::value});
+  }
+}
+
+template <class Result, class... Parameters>
+CallSignature signatureOf() {
+  CallSignature signature;
+  (addArgument<Parameters>(signature), ...);
+  signature.result = valueName<Result>();
+  return signature;
+}
+
+template <class Result, class... Parameters, class Function>
 Call bound(Function function) {
-  return [function](AutomationSession& session, const Json& arguments) {
-    return callWith<Parameters...>(session, arguments, function, std::index_sequence_for<Parameters...>());
-  };
+  return {[function](AutomationSession& session, const Json& arguments) {
+            return callWith<Parameters...>(session, arguments, function,
+                                           std::index_sequence_for<Parameters...>());
+          },
+          signatureOf<Result, Parameters...>};
 }
 
 template <class Function, class Result, class... Parameters>
 Call boundLambda(Function function, Result (Function::*)(Parameters...) const) {
-  return bound<Parameters...>(function);
+  return bound<Result, Parameters...>(function);
 }
 
 }  // namespace binding
@@ -159,18 +178,18 @@ Call boundLambda(Function function, Result (Function::*)(Parameters...) const) {
 /// A function.
 template <class Result, class... Parameters>
 Call call(Result (*function)(Parameters...)) {
-  return binding::bound<Parameters...>([function](auto&... values) { return function(values...); });
+  return binding::bound<Result, Parameters...>([function](auto&... values) { return function(values...); });
 }
 
 /// A member of one of the parts.
 template <class Owner, class Result, class... Parameters>
 Call call(Result (Owner::*member)(Parameters...)) {
-  return binding::bound<Owner&, Parameters...>(
+  return binding::bound<Result, Owner&, Parameters...>(
       [member](Owner& owner, auto&... values) { return (owner.*member)(values...); });
 }
 template <class Owner, class Result, class... Parameters>
 Call call(Result (Owner::*member)(Parameters...) const) {
-  return binding::bound<Owner&, Parameters...>(
+  return binding::bound<Result, Owner&, Parameters...>(
       [member](const Owner& owner, auto&... values) { return (owner.*member)(values...); });
 }
 

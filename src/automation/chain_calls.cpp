@@ -98,6 +98,13 @@ Json advancedState(AutomationSession& session, const Action& command,
 }  // namespace
 
 template <>
+constexpr std::string_view kValueName<Action> = "command";
+template <>
+constexpr std::string_view kValueName<ParseState> = "chain state";
+template <>
+constexpr std::string_view kValueName<ChainExecutionContext> = "chain counters";
+
+template <>
 Action Reader<Action>::read(const Json& json, const ReadContext& context) {
   if (!json.is_object()) throw ArgumentError("expected a command of a chain");
   const auto kind = Reader<std::string>::read(memberOf(json, "case"), context);

@@ -24,15 +24,17 @@ bool isPoint(const Json& json) { return json.is_array() && json.size() == 2 && j
 // An operation on segments, which also takes each segment as its two ends one after the other.
 template <class Function>
 Call segmentCall(Function function) {
-  return [call = call(function)](AutomationSession& session, const Json& arguments) {
+  const Call plain = call(function);
+  const auto run = [run = plain.run](AutomationSession& session, const Json& arguments) {
     Json folded = Json::array();
     for (std::size_t i = 0; i < arguments.size(); ++i) {
       const bool isPair = i + 1 < arguments.size() && isPoint(arguments[i]) && isPoint(arguments[i + 1]);
       folded.push_back(isPair ? Json::array({arguments[i], arguments[i + 1]}) : arguments[i]);
       if (isPair) ++i;
     }
-    return call(session, folded);
+    return run(session, folded);
   };
+  return {run, plain.signature};
 }
 
 }  // namespace
