@@ -153,7 +153,9 @@ void exportWithPanel(Application& application, const ExportOptions& options, Exp
 void importFrom(Application& application, const FilePath& path) {
   std::shared_ptr<const DrawingImport> import;
   try {
-    import = std::make_shared<const DrawingImport>(application.host().files, path);
+    application.workspace().sketch.work(Sketch::kUnknownSize, [&] {
+      import = std::make_shared<const DrawingImport>(application.host().files, path);
+    });
     if (import->damage() && !application.windowActions().showImport) throw DxfError(*import->damage());
   } catch (const UserError& error) {
     tellFailure(application.workspace(), "Import", error);

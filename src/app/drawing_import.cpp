@@ -33,6 +33,12 @@ DrawingImport::DrawingImport(FileSystem& files, const FilePath& path) : name_(pa
   }
 }
 
+PreparedDxf DrawingImport::prepared(const Sketch& sketch, const DxfImportOptions& options) const {
+  PreparedDxf prepared;
+  sketch.work(file_.items.size(), [&] { prepared = prepareDxf(file_, options); });
+  return prepared;
+}
+
 std::string DrawingImport::extentText(const PreparedDxf& prepared) {
   if (!prepared.bounds) return "Nothing to draw";
   const SketchBox& box = *prepared.bounds;
@@ -45,7 +51,7 @@ std::string DrawingImport::extentText(const PreparedDxf& prepared) {
 void addImport(Application& application, const DrawingImport& import, const DxfImportOptions& options) {
   Workspace& workspace = application.workspace();
   try {
-    PreparedDxf prepared = import.prepared(options);
+    PreparedDxf prepared = import.prepared(workspace.sketch, options);
     importDxf(workspace.board, prepared, import.name());
     workspace.messages.showToast("Imported " + import.name(), DocumentToastState::Style::success);
   } catch (const UserError& error) {

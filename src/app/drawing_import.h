@@ -11,6 +11,7 @@
 namespace ostrelon {
 
 class Application;
+class Sketch;
 
 class DrawingImport {
  public:
@@ -22,8 +23,9 @@ class DrawingImport {
   /// What is wrong with the file, as a whole sentence; absent for one that is whole.
   const std::optional<std::string>& damage() const { return damage_; }
 
-  /// What would be added. Throws `DxfError` where that is too much.
-  PreparedDxf prepared(const DxfImportOptions& options) const { return prepareDxf(file_, options); }
+  /// What would be added. Of a large file it is worked out by `sketch`'s runner. Throws `DxfError` where that
+  /// is too much.
+  PreparedDxf prepared(const Sketch& sketch, const DxfImportOptions& options) const;
   /// "12000 × 8000 millimeters, 39'4" × 26'3"": the extent in the unit of the file and in feet.
   static std::string extentText(const PreparedDxf& prepared);
 

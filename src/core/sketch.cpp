@@ -114,18 +114,18 @@ EntityList Sketch::prepared(std::size_t changed, const std::function<EntityList(
   return next;
 }
 
+void Sketch::prepareFor(const EntityList& next) {
+  prepared(std::max(next.unsharedSize(entities()), entities().unsharedSize(next)), [&] { return next; });
+}
+
 void Sketch::prepareUndo() {
   const auto& steps = undoStack->undoSnapshots();
-  if (steps.empty()) return;
-  EntityList next = steps.back().entities;
-  prepared(std::max(next.unsharedSize(entities()), entities().unsharedSize(next)), [&] { return next; });
+  if (!steps.empty()) prepareFor(EntityList(steps.back().entities));
 }
 
 void Sketch::prepareRedo() {
   const auto& steps = undoStack->redoSnapshots();
-  if (steps.empty()) return;
-  EntityList next = steps.back().entities;
-  prepared(std::max(next.unsharedSize(entities()), entities().unsharedSize(next)), [&] { return next; });
+  if (!steps.empty()) prepareFor(EntityList(steps.back().entities));
 }
 
 // --- The one way to edit

@@ -18,6 +18,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -115,6 +116,8 @@ class Sketch {
   using WorkRunner = std::function<void(const std::function<void()>& work)>;
   /// Without one all work is done at once, and wherever an operation is under way already.
   void setWorkRunner(WorkRunner runner) { runWork_ = std::move(runner); }
+  /// For work on a file of which only its reading will tell how much it holds: it counts as much.
+  static constexpr std::size_t kUnknownSize = std::numeric_limits<std::size_t>::max();
   /// Whether work on about so many entities is done by the runner.
   bool worksAside(std::size_t entities) const;
   /// Does work on about so many entities, by the runner where they are many.
@@ -123,6 +126,8 @@ class Sketch {
   /// where they are many, what follows from the list as well: its index, and what is selected in it.
   /// `changed`: about how many entities are others.
   EntityList prepared(std::size_t changed, const std::function<EntityList()>& make);
+  /// Prepares what follows from a list that is about to take the place of the entities.
+  void prepareFor(const EntityList& next);
   /// Prepares the entities of the next undo or redo.
   void prepareUndo();
   void prepareRedo();

@@ -51,6 +51,7 @@ SketchDocumentV2 DocumentSession::makeDocument(bool includeUndo) const {
 void DocumentSession::adopt(LoadedSketchDocument document) {
   OpenedDocument opened = openedDocument(std::move(document), sketch_.drawing);
   keepWhatIsLost({.reason = "Opened " + opened.name, .drawing = &opened.drawing});
+  sketch_.prepareFor(opened.drawing.entities);
   adopt(std::move(opened));
 }
 
@@ -72,6 +73,7 @@ void DocumentSession::adoptUnsaved(OpenedDocument document, SketchUndoStack undo
                                    std::optional<DocumentOnDisk> file, std::optional<Date> savedAt,
                                    const std::string& reason) {
   keepWhatIsLost({.reason = reason, .drawing = &document.drawing});
+  sketch_.prepareFor(document.drawing.entities);
   const auto scope = change();
   adopt(std::move(document));
   sketch_.setUndoStack(std::move(undo));
@@ -145,6 +147,7 @@ void DocumentSession::open(const FilePath& url, const std::string& reason) {
 void DocumentSession::finishOpening(DocumentReading& reading, const std::string& reason) {
   OpenedDocument opened = openedDocument(reading.document(), sketch_.drawing);
   keepWhatIsLost({.reason = reason.empty() ? "Opened " + opened.name : reason, .drawing = &opened.drawing});
+  sketch_.prepareFor(opened.drawing.entities);
   const auto scope = change();
   reading.release();
   adopt(std::move(opened));

@@ -90,14 +90,18 @@ DocumentHistoryBranch DocumentSession::switchBranch(const std::string& nameOrID)
   if (head == nullptr) throw Error(Error::Case::checkpointNotFound, *branch.headCheckpointID);
 
   // The new document is a value until both files are in their places; only then is it shown.
-  OpenedDocument next = openedDocument(
-      SketchDocumentIO::decodeDocument(readCheckpoint(host_.files, *url, branch.id, head->fileName)),
-      sketch_.drawing);
+  OpenedDocument next;
+  sketch_.work(Sketch::kUnknownSize, [&] {
+    next = openedDocument(
+        SketchDocumentIO::decodeDocument(readCheckpoint(host_.files, *url, branch.id, head->fileName)),
+        sketch_.drawing);
+  });
   next.name = documentNameFor(*url);
   next.undo.clear();
   keepWhatIsLost(
       {.reason = "Switched to branch " + branch.name, .drawing = &next.drawing, .writtenFile = *url});
   writeSwitched(*url, next, state.metadata, branch.id);
+  sketch_.prepareFor(next.drawing.entities);
 
   const auto scope = change();
   adopt(std::move(next));
@@ -129,7 +133,7 @@ void DocumentSession::writeSwitched(const FilePath& url, const OpenedDocument& n
                                     const DocumentHistoryMetadata& before, const std::string& branchID) {
   // Both are complete and synchronized by fsync before either takes its place.
   DocumentSave save(url, documentOf(next.name, next.drawing, next.viewport));
-  save.write(host_.files);
+  sketch_.work(next.drawing.entities.size(), [&] { save.write(host_.files); });
   DocumentHistoryMetadata after = before;
   after.currentBranchID = branchID;
   const auto metadata = prepareHistoryMetadata(host_.files, url, after);

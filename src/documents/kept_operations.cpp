@@ -62,11 +62,15 @@ void DocumentSession::keepDrawingsIn(KeptDrawings store, std::function<void()> k
 void DocumentSession::keepWhatIsLost(const Replacement& replacement) {
   if (!kept_ || mayLose_) return;
   bool hasKept = false;
+  const Date now = host_.scheduler.now();
+  const std::size_t next = replacement.drawing != nullptr ? replacement.drawing->entities.size() : 0;
   try {
-    for (const LostDrawing& lost : lostBy(*this, replacement)) {
-      keep(*kept_, lost, replacement.reason, host_.scheduler.now());
-      hasKept = true;
-    }
+    sketch_.work(std::max(sketch_.entities().size(), next), [&] {
+      for (const LostDrawing& lost : lostBy(*this, replacement)) {
+        keep(*kept_, lost, replacement.reason, now);
+        hasKept = true;
+      }
+    });
   } catch (const UserError& error) {
     throw DrawingNotKeptError(std::string("What would be replaced could not be kept. ") + error.what());
   }

@@ -103,9 +103,13 @@ void addWithSystems(Sketch& sketch, DxfDrawing& drawing) {
     }
   }
   const bool addsSystems = systems.size() > sketch.drawing->wallSystemSpecs.size();
+  const EntityList next = sketch.prepared(drawing.entities.size(), [&, list = sketch.entities()]() mutable {
+    list.append(std::exchange(drawing.entities, {}));
+    return list;
+  });
   sketch.edit(
       [&](Drawing& edited) {
-        edited.entities.append(std::exchange(drawing.entities, {}));
+        edited.entities = next;
         if (addsSystems) edited.wallSystemSpecs = std::move(systems);
         if (drawing.openings.empty()) return;
         std::vector<Opening> openings = edited.plan.openings.list();

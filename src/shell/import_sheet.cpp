@@ -103,7 +103,7 @@ ImportSheet::ImportSheet(Application& application, Theme& theme, QWidget& window
 
   PreparedDxf prepared;
   try {
-    prepared = import_->prepared({});
+    prepared = import_->prepared(application.workspace().sketch, {});
   } catch (const UserError&) {
     // `showChoices` says so.
   }
@@ -241,7 +241,7 @@ void ImportSheet::showChoices() {
   }
   bool isAnything = false;
   try {
-    PreparedDxf prepared = import_->prepared(options());
+    PreparedDxf prepared = import_->prepared(application_.workspace().sketch, options());
     isAnything = !prepared.drawing.entities.empty();
     extent_->setText(qtText(DrawingImport::extentText(prepared)));
     if (prepared.bounds && liesFarFromOrigin(*prepared.bounds)) {

@@ -61,9 +61,12 @@ void paintPages(QPrinter& printer, const std::vector<PicturePage>& pages, const 
 
 int printDrawing(QPrinter& printer, const Workspace& workspace, const ExportOptions& given) {
   const ExportOptions options = complete(given, workspace);
-  const std::vector<PicturePage> pages = printPages(workspace, options);
-  setSheet(printer, pages.front().size);
-  paintPages(printer, pages, workspace, options);
+  std::vector<PicturePage> pages;
+  workspace.sketch.work(workspace.sketch.entities().size(), [&] {
+    pages = printPages(workspace, options);
+    setSheet(printer, pages.front().size);
+    paintPages(printer, pages, workspace, options);
+  });
   return static_cast<int>(pages.size());
 }
 
