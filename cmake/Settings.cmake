@@ -52,6 +52,7 @@ endif()
 
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(XXHASH REQUIRED IMPORTED_TARGET libxxhash)
+pkg_check_modules(HARFBUZZ REQUIRED IMPORTED_TARGET harfbuzz-subset)
 find_package(ICU REQUIRED COMPONENTS uc i18n data)
 find_package(fmt REQUIRED)
 find_package(nlohmann_json REQUIRED)

@@ -10,12 +10,16 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
+#include <map>
+#include <numbers>
 #include <optional>
 #include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "exchange/pdf_typeface.h"
 #include "platform/user_error.h"
 
 namespace ostrelon {
@@ -30,9 +34,6 @@ constexpr double kLargestCoordinate = 1e6;
 /// How far the control points of a quarter of a circle lie along its tangents, in radii:
 /// 4/3 · (√2 − 1).
 constexpr double kQuarterCircle = 0.5522847498307936;
-/// The width of a letter of Courier, in heights of the type.
-constexpr double kLetterWidth = 0.6;
-
 // The objects that every file has, by number.
 constexpr int kCatalog = 1;
 constexpr int kPages = 2;
@@ -61,6 +62,12 @@ int thousandthsOf(double opacity) {
   return static_cast<int>(std::lround(std::clamp(opacity, 0.0, 1.0) * 1000));
 }
 
+// UTF-16 in hexadecimal.
+std::string utf16Digits(char32_t c) {
+  if (c <= 0xFFFF) return fmt::format("{:04X}", static_cast<unsigned>(c));
+  return fmt::format("{:04X}{:04X}", static_cast<unsigned>(U16_LEAD(c)), static_cast<unsigned>(U16_TRAIL(c)));
+}
+
 // A text of the file's information: UTF-16 in hexadecimal, which every character has.
 std::string textString(std::string_view text) {
   const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
@@ -69,14 +76,41 @@ std::string textString(std::string_view text) {
     UChar32 c = 0;
     U8_NEXT(bytes, at, text.size(), c);
     if (c < 0) c = 0xFFFD;
-    if (c > 0xFFFF) {
-      result += fmt::format("{:04X}{:04X}", static_cast<unsigned>(U16_LEAD(c)),
-                            static_cast<unsigned>(U16_TRAIL(c)));
-    } else {
-      result += fmt::format("{:04X}", static_cast<unsigned>(c));
-    }
+    result += utf16Digits(static_cast<char32_t>(c));
   }
   return result + ">";
+}
+
+// The bytes as a stream of the file holds them, compressed.
+std::string deflated(std::string_view bytes) {
+  uLongf size = compressBound(static_cast<uLong>(bytes.size()));
+  std::string result(size, '\0');
+  if (compress(reinterpret_cast<Bytef*>(result.data()), &size, reinterpret_cast<const Bytef*>(bytes.data()),
+               static_cast<uLong>(bytes.size())) != Z_OK) {
+    throw UserError("There is not enough memory to write a PDF.");
+  }
+  result.resize(size);
+  return result;
+}
+
+// Which character each letter of the typeface stands for, so that text can be searched and copied.
+std::string characterMap(const std::map<std::uint16_t, char32_t>& letters) {
+  constexpr std::size_t kMostInBlock = 100;
+  std::string text =
+      "/CIDInit /ProcSet findresource begin\n12 dict begin\nbegincmap\n"
+      "/CIDSystemInfo << /Registry (Adobe) /Ordering (UCS) /Supplement 0 >> def\n"
+      "/CMapName /Adobe-Identity-UCS def\n/CMapType 2 def\n"
+      "1 begincodespacerange\n<0000> <FFFF>\nendcodespacerange\n";
+  for (auto letter = letters.begin(); letter != letters.end();) {
+    const auto left = static_cast<std::size_t>(std::distance(letter, letters.end()));
+    const std::size_t count = std::min(left, kMostInBlock);
+    text += fmt::format("{} beginbfchar\n", count);
+    for (std::size_t i = 0; i < count; ++i, ++letter) {
+      text += fmt::format("<{:04X}> <{}>\n", letter->first, utf16Digits(letter->second));
+    }
+    text += "endbfchar\n";
+  }
+  return text + "endcmap\nCMapName currentdict /CMap defineresource pop\nend\nend\n";
 }
 
 // " /CreationDate (D:20260301120000Z)"; empty for none.
@@ -121,8 +155,10 @@ class PdfWriter::File {
     return fmt::format("/A{}", thousandths);
   }
   void addPage(int number) { pages_.push_back(number); }
+  PdfTypeface& typeface() { return typeface_; }
 
   void finish() {
+    const std::string type = typeface_.isUsed() ? fmt::format("/Font << /F1 {} 0 R >> ", putTypeface()) : "";
     beginObject(kCatalog);
     put(fmt::format("<< /Type /Catalog /Pages {} 0 R >>\nendobj\n", kPages));
     beginObject(kPages);
@@ -136,10 +172,7 @@ class PdfWriter::File {
       appendNumber(opacity, thousandths / 1000.0);
       states += fmt::format("/A{0} << /CA {1} /ca {1} >> ", thousandths, opacity);
     }
-    put(
-        fmt::format("<< /ExtGState << {}>> /Font << /F1 << /Type /Font /Subtype /Type1 /BaseFont /Courier "
-                    "/Encoding /WinAnsiEncoding >> >> >>\nendobj\n",
-                    states));
+    put(fmt::format("<< /ExtGState << {}>> {}>>\nendobj\n", states, type));
     beginObject(kInformation);
     put(fmt::format("<< /Title {} /Creator (Ostrelon) /Producer (Ostrelon){} >>\nendobj\n",
                     textString(information_.title), dateEntry(information_.date)));
@@ -153,8 +186,51 @@ class PdfWriter::File {
   }
 
  private:
+  int putStream(std::string_view bytes, std::string_view entries) {
+    const int number = newObject();
+    const std::string packed = deflated(bytes);
+    beginObject(number);
+    put(fmt::format("<< /Length {} /Filter /FlateDecode{} >>\nstream\n", packed.size(), entries));
+    put(packed);
+    put("\nendstream\nendobj\n");
+    return number;
+  }
+  int putObject(std::string_view entries) {
+    const int number = newObject();
+    beginObject(number);
+    put(fmt::format("<< {} >>\nendobj\n", entries));
+    return number;
+  }
+
+  // The letters used of the typeface, with all that tells a reader about them: the number of its object.
+  int putTypeface() {
+    // Six letters before the name say that it is a part of the typeface.
+    constexpr std::string_view kName = "OSTREL+JetBrainsMono-Medium";
+    constexpr int kFixedPitchAndOwnLetters = 5;
+    constexpr int kWidth = static_cast<int>(PdfTypeface::kLetterWidth * 1000);
+    const std::string bytes = typeface_.subset();
+    const int letters = putStream(bytes, fmt::format(" /Length1 {}", bytes.size()));
+    const PdfTypeface::Metrics metrics = typeface_.metrics();
+    const int descriptor = putObject(fmt::format(
+        "/Type /FontDescriptor /FontName /{} /Flags {} /FontBBox [ {} {} {} {} ] /ItalicAngle 0 /Ascent {} "
+        "/Descent {} /CapHeight {} /StemV 80 /FontFile2 {} 0 R",
+        kName, kFixedPitchAndOwnLetters, metrics.left, metrics.bottom, metrics.right, metrics.top,
+        metrics.ascent, metrics.descent, metrics.capitals, letters));
+    const int font = putObject(
+        fmt::format("/Type /Font /Subtype /CIDFontType2 /BaseFont /{} /CIDSystemInfo << /Registry (Adobe) "
+                    "/Ordering (Identity) /Supplement 0 >> /DW {} /CIDToGIDMap /Identity "
+                    "/FontDescriptor {} 0 R",
+                    kName, kWidth, descriptor));
+    const int characters = putStream(characterMap(typeface_.used()), "");
+    return putObject(
+        fmt::format("/Type /Font /Subtype /Type0 /BaseFont /{} /Encoding /Identity-H "
+                    "/DescendantFonts [ {} 0 R ] /ToUnicode {} 0 R",
+                    kName, font, characters));
+  }
+
   Write write_;
   PdfInformation information_;
+  PdfTypeface typeface_;
   std::uint64_t position_ = 0;
   std::vector<std::uint64_t> offsets_;  // by number of the object; 0 is none
   std::vector<int> pages_;
@@ -229,6 +305,27 @@ class PdfWriter::Page final : public CanvasPainter {
     endStroke();
   }
 
+  void strokeArc(const CanvasArc& arc, const CanvasPath& chords, const Stroke& stroke) override {
+    if (!areFinite(chords.points(chords.pieces().front()))) return;
+    beginStroke(stroke);
+    const int quarters = std::max(1, static_cast<int>(std::ceil(arc.sweep / (std::numbers::pi / 2) - 1e-9)));
+    const double step = arc.sweep / quarters;
+    // How far the control points lie along the tangents, in radii: 4/3 · tan(step / 4).
+    const double along = 4.0 / 3.0 * std::tan(step / 4);
+    SketchPoint from = arc.at(arc.startAngle);
+    moveTo(from);
+    for (int i = 1; i <= quarters; ++i) {
+      const double angle = arc.startAngle + step * i;
+      const SketchPoint to = arc.at(angle);
+      const auto tangent = [&](double at) {
+        return SketchPoint{-arc.radius * std::sin(at) * along, -arc.radius * std::cos(at) * along};
+      };
+      curveTo(from + tangent(angle - step), to - tangent(angle), to);
+      from = to;
+    }
+    endStroke();
+  }
+
   void strokeRoundedRect(const SketchBox& rect, double cornerRadius, const Stroke& stroke) override {
     beginStroke(stroke);
     roundedRectangle(rect, cornerRadius);
@@ -259,32 +356,18 @@ class PdfWriter::Page final : public CanvasPainter {
   void drawText(std::string_view text, SketchPoint center, double height, const Fill& fill,
                 double angle) override {
     beginFill(fill);
-    // One letter for each code point; those that the encoding of the type has not, as a question mark.
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-    std::string letters;
-    int count = 0;
-    for (std::size_t at = 0; at < text.size(); ++count) {
-      UChar32 c = 0;
-      U8_NEXT(bytes, at, text.size(), c);
-      if (c == '(' || c == ')' || c == '\\') letters += '\\';
-      const bool isLatin = c >= 0xA0 && c <= 0xFF;
-      if (isLatin) {
-        letters += fmt::format("\\{:03o}", static_cast<unsigned>(c));
-      } else {
-        letters += c >= 0x20 && c < 0x7F ? static_cast<char>(c) : '?';
-      }
-    }
+    const PdfTypeface::Letters letters = file_.typeface().letters(text);
     text_ += "BT /F1 ";
     number(height);
     text_ += "Tf ";
     const double cosine = std::cos(angle);
     const double sine = std::sin(angle);
     for (const double part : {cosine, -sine, -sine, -cosine}) number(part);
-    const double left = count * kLetterWidth * height / 2;
-    const double down = height * 0.3;
+    const double left = letters.count * PdfTypeface::kLetterWidth * height / 2;
+    const double down = PdfTypeface::kMiddle * height;
     number(center.x - left * cosine + down * sine);
     number(center.y + left * sine + down * cosine);
-    text_ += "Tm (" + letters + ") Tj ET\n";
+    text_ += "Tm <" + letters.numbers + "> Tj ET\n";
     compressWhenFull();
   }
 

@@ -3,6 +3,7 @@
 // one renderer serves them all. Colours are values; a painter keeps no state between its calls.
 #pragma once
 
+#include <cmath>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -101,6 +102,20 @@ struct CanvasEllipse {
   friend bool operator==(const CanvasEllipse&, const CanvasEllipse&) = default;
 };
 
+/// A part of a circle, counter-clockwise as it is seen.
+struct CanvasArc {
+  SketchPoint center;
+  double radius = 0;      ///< view points
+  double startAngle = 0;  ///< radians from the right, counter-clockwise
+  double sweep = 0;       ///< radians, above 0
+
+  /// A point of its circle, view points.
+  SketchPoint at(double angle) const {
+    return {center.x + radius * std::cos(angle), center.y - radius * std::sin(angle)};
+  }
+  friend bool operator==(const CanvasArc&, const CanvasArc&) = default;
+};
+
 class CanvasPainter {
  public:
   CanvasPainter() = default;
@@ -112,6 +127,10 @@ class CanvasPainter {
   /// Segments that share nothing but the stroke, which is opaque and solid.
   virtual void strokeSegments(std::span<const CanvasSegment> segments, const Stroke& stroke) = 0;
   virtual void strokeEllipse(const CanvasEllipse& ellipse, const Stroke& stroke) = 0;
+  /// `chords`: the same arc in straight pieces, which painters without curves stroke.
+  virtual void strokeArc(const CanvasArc& /*arc*/, const CanvasPath& chords, const Stroke& stroke) {
+    strokePath(chords, stroke);
+  }
   virtual void strokeRoundedRect(const SketchBox& rect, double cornerRadius, const Stroke& stroke) = 0;
 
   /// Fills the pieces, each taken as closed, by the non-zero winding rule.

@@ -74,6 +74,7 @@ void outlineEntity(const SketchEntity& entity, double wallThickness, const Canva
   using Kind = EntityShape::Kind;
   shape.path.clear();
   shape.path.begin();
+  shape.arc.reset();
   const auto add = [&](SketchPoint point) { shape.path.add(frame.toView(point)); };
   const auto closedPath = [&shape] {
     shape.path.close();
@@ -100,6 +101,7 @@ void outlineEntity(const SketchEntity& entity, double wallThickness, const Canva
             // Written so that a sweep that is not a number paints nothing either.
             if (!(sweep > kSmallestArcSweep)) return Kind::nothing;
             visitArcPoints(arc.center, arc.radius, arc.startAngle, sweep, add);
+            shape.arc = {frame.toView(arc.center), arc.radius * frame.scale(), arc.startAngle, sweep};
             return Kind::polyline;
           },
           [&](const RectangleEntity& rectangle) {
@@ -157,7 +159,11 @@ void strokeShape(CanvasPainter& painter, const CanvasFrame& frame, const EntityS
     case EntityShape::Kind::polyline:
     case EntityShape::Kind::closedPath:
       if (isWithin(shape.points(), stroke.isDashed() ? frame.paintedRect().grown(kDashClipMargin) : box)) {
-        painter.strokePath(shape.path, stroke);
+        if (shape.arc) {
+          painter.strokeArc(*shape.arc, shape.path, stroke);
+        } else {
+          painter.strokePath(shape.path, stroke);
+        }
         return;
       }
       if (stroke.isDashed()) {

@@ -2,6 +2,8 @@
 // and drafts all paint the same shapes.
 #pragma once
 
+#include <optional>
+
 #include "interaction/canvas_frame.h"
 
 namespace ostrelon {
@@ -13,6 +15,7 @@ struct EntityShape {
   Kind kind = Kind::nothing;
   CanvasPath path;  ///< of a polyline or closed path: one piece
   CanvasEllipse ellipse;
+  std::optional<CanvasArc> arc;  ///< that the polyline is the chords of
 
   bool hasArea() const { return kind == Kind::closedPath || kind == Kind::ellipse; }
   std::span<const SketchPoint> points() const { return path.points(path.pieces().front()); }
