@@ -1,12 +1,23 @@
 #include "console/selection_commands.h"
 
+#include <string>
+#include <vector>
+
 #include "console/command_words.h"
+#include "core/plan_items.h"
 #include "geometry/edit_operations.h"
 
 namespace ostrelon::CommandInterpreter {
 namespace {
 
 std::string entityCount(int count) { return count == 1 ? "1 entity" : std::to_string(count) + " entities"; }
+
+// What was copied or pasted: entities, or an item of the plan that stands by itself, by its kind.
+std::string clipboardText(const Sketch& sketch, int count) {
+  const std::vector<PlanItem>& items = sketch.clipboardItems();
+  if (sketch.clipboard->empty() && items.size() == 1) return std::string(planItemTypeLabel(items.front()));
+  return entityCount(count);
+}
 
 }  // namespace
 
@@ -45,13 +56,13 @@ Reply run(const SelectEntities& select, const CommandContext& context) {
 Reply run(const CopySelection& /*copy*/, const CommandContext& context) {
   const int count = copySelection(context.sketch);
   if (count == 0) return Reply::refused("Select an entity to copy.");
-  return Reply::done(entityCount(count) + " copied.");
+  return Reply::done(clipboardText(context.sketch, count) + " copied.");
 }
 
 Reply run(const PasteClipboard& /*paste*/, const CommandContext& context) {
   const int count = pasteClipboard(context.sketch);
   if (count == 0) return Reply::refused("Clipboard is empty.");
-  return Reply::done(entityCount(count) + " pasted.");
+  return Reply::done(clipboardText(context.sketch, count) + " pasted.");
 }
 
 }  // namespace ostrelon::CommandInterpreter

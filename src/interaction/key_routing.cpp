@@ -141,8 +141,8 @@ KeyOutcome actOnRows(KeyTest test, const KeyModifiers& modifiers, const KeyEvent
 
 constexpr std::array kPlanItemKeys{
     PlanItemKey{KeyName::space, "Space", "Flip the door: the next of four ways to hang and swing"},
-    PlanItemKey{KeyName::deleteBackward, "Backspace", "Delete the selected opening"},
-    PlanItemKey{KeyName::forwardDelete, "Delete", "Delete the selected opening"},
+    PlanItemKey{KeyName::deleteBackward, "Backspace", "Delete the selected item"},
+    PlanItemKey{KeyName::forwardDelete, "Delete", "Delete the selected item"},
     PlanItemKey{KeyName::escape, "Escape", "Stop adding, or select nothing"},
 };
 
