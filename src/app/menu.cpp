@@ -235,6 +235,8 @@ constexpr std::array kMenuCommands{
         [](Application& app) { app.workspace().board.beginOpeningPlacing(OpeningKind::window); }),
     row("Sketch", "Add Opening", "",
         [](Application& app) { app.workspace().board.beginOpeningPlacing(OpeningKind::opening); }),
+    row("Sketch", "Add Dimension", "",
+        [](Application& app) { app.workspace().board.beginDimensionPlacing(); }),
     row("Console", "Show Help", "", showHelp),
     submenu("View", "Appearance", appearanceChoices),
     separator("View"),

@@ -131,6 +131,7 @@ void addEditCalls(CallTable& table) {
   table["applyTrim"] = call(applyTrim);
   table["handleTrimClick"] =
       call([](Board& board, SketchPoint point) { return board.trimAt(point).message; });
+  table["instruction"] = call(&Board::instruction);
   table["trimInstruction"] = call(&Board::trimInstruction);
   table["clearTrimCuttingEdge"] = call(&Board::clearTrimCuttingEdge);
   table["extendLine"] = call(extendLine);

@@ -199,6 +199,7 @@ constexpr auto kTexts = std::to_array<OperationText>({
     {"inspectorMetricRows", "entity", "The measures that the inspector shows.",
      "list of (object of `label` and `value`)"},
     {"inspectorSelectionHeading", "", "The heading of the inspector."},
+    {"instruction", "", "What the next click does, while something is clicked step by step."},
     {"isInsideProjectsFolder", "path", "Whether a path lies in the projects folder."},
     {"isProjectsFolderConfigured", "", "Whether a projects folder has been chosen."},
     {"isTrimmable", "entity", "Whether entities of this kind can be trimmed."},

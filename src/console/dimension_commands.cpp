@@ -67,14 +67,7 @@ Reply run(const AddDimension& add, const CommandContext& context) {
     return Reply::refused(std::move(refusal));
   }
   sketch.edit([&](Drawing& drawing) { putPlanItem(drawing.plan, dimension); });
-  std::string text = planItemTitle(dimension) + " added";
-  std::string from = heldText(sketch, dimension.from);
-  std::string to = heldText(sketch, dimension.to);
-  if (from.empty() || from == to) std::swap(from, to);
-  if (from == to) to.clear();
-  if (!from.empty()) text += ", following " + from;
-  if (!to.empty()) text += " and " + to;
-  return Reply::done(text + ".");
+  return Reply::done(dimensionAddedText(sketch, dimension));
 }
 
 Reply run(const SwitchDimensionStrings& strings, const CommandContext& context) {

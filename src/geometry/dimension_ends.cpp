@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "core/plan_following.h"
@@ -158,6 +159,18 @@ Dimension dimensionBetween(SketchPoint from, SketchPoint to, DimensionDirection 
   return dimension;
 }
 
+DimensionDirection directionTowards(SketchPoint from, SketchPoint to, SketchPoint line) {
+  const SketchPoint span = to - from;
+  if (std::abs(span.y) < kSamePoint) return DimensionDirection::horizontal;
+  if (std::abs(span.x) < kSamePoint) return DimensionDirection::vertical;
+  // The line runs at a right angle to the direction in which it lies from the middle, as nearly as it can.
+  const SketchPoint off = line - (from + span * 0.5);
+  const double aligned = std::abs(cross(span, off)) / lengthOf(span);
+  const double most = std::max(std::abs(off.x), std::abs(off.y));
+  if (aligned >= most) return DimensionDirection::aligned;
+  return std::abs(off.y) >= std::abs(off.x) ? DimensionDirection::horizontal : DimensionDirection::vertical;
+}
+
 std::string dimensionRefusal(const Dimension& dimension) {
   if (measuredLength(dimension) * 192 >= 0.5) return {};
   switch (dimension.direction) {
@@ -177,6 +190,17 @@ std::string heldText(const Sketch& sketch, const DimensionEnd& end) {
   const auto position = sketch.positionOf(end.entityID);
   if (!position) return {};
   return std::string(entityTypeLabel(sketch.entities()[*position])) + " " + std::to_string(*position + 1);
+}
+
+std::string dimensionAddedText(const Sketch& sketch, const Dimension& dimension) {
+  std::string text = planItemTitle(dimension) + " added";
+  std::string from = heldText(sketch, dimension.from);
+  std::string to = heldText(sketch, dimension.to);
+  if (from.empty() || from == to) std::swap(from, to);
+  if (from == to) to.clear();
+  if (!from.empty()) text += ", following " + from;
+  if (!to.empty()) text += " and " + to;
+  return text + ".";
 }
 
 }  // namespace ostrelon

@@ -26,10 +26,18 @@ Dimension dimensionBetween(SketchPoint from, SketchPoint to, DimensionDirection 
                            std::optional<double> offset, const Drawing& drawing, const EntitySource& entities,
                            double tolerance);
 
+/// What a dimension between two points measures whose line is to lie at a third: their distance along x or y
+/// where the line lies above, below or beside them, else the way itself. Points that share a coordinate are
+/// measured along the other.
+DimensionDirection directionTowards(SketchPoint from, SketchPoint to, SketchPoint line);
+
 /// Why there is nothing to measure, as a sentence; empty where there is.
 std::string dimensionRefusal(const Dimension& dimension);
 
 /// "Wall 2", `Door 3'-0" wide in Wall 2`; empty for an end that holds on to nothing, or no longer.
 std::string heldText(const Sketch& sketch, const DimensionEnd& end);
+
+/// `Dimension 20'-0" added, following Wall 2 and Wall 3.`
+std::string dimensionAddedText(const Sketch& sketch, const Dimension& dimension);
 
 }  // namespace ostrelon

@@ -82,7 +82,7 @@ void Board::documentOpened(const SketchViewport& viewport) {
 
 void Board::documentBegun() {
   const auto scope = change();
-  if (draft() != nullptr) gesture = Gesture();
+  if (draft() != nullptr || dimensionPlacing() != nullptr) gesture = Gesture();
   changeView([](BoardView& changed) { changed.isInitialized = false; });
 }
 

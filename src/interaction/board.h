@@ -84,6 +84,9 @@ class Board {
   const SelectMarqueeState* marquee() const { return std::get_if<SelectMarqueeState>(&gesture.get()); }
   const SelectDrag* selectDrag() const { return std::get_if<SelectDrag>(&gesture.get()); }
   const OpeningPlacing* openingPlacing() const { return std::get_if<OpeningPlacing>(&gesture.get()); }
+  const DimensionPlacing* dimensionPlacing() const { return std::get_if<DimensionPlacing>(&gesture.get()); }
+  /// Items of the plan are being added, click by click.
+  bool isPlacing() const { return openingPlacing() != nullptr || dimensionPlacing() != nullptr; }
   bool isDrawing() const { return draft() != nullptr || polygonDraft() != nullptr; }
 
   // --- Undo, redo and clearing, which end what is in progress (board.cpp)
@@ -229,6 +232,21 @@ class Board {
   /// Adds the one that is previewed, or says in the console why it does not fit.
   void placeOpening();
 
+  // --- Dimensions by the pointer (dimension_placing.cpp); nothing unless they are being placed
+
+  /// Begins with nothing selected.
+  void beginDimensionPlacing();
+  /// The pointer is here; absent: off the canvas.
+  void updateDimensionPlacing(std::optional<SketchPoint> point);
+  /// A click where the pointer is: an end, or the line, which adds the dimension. Says in the console where
+  /// there is nothing to measure.
+  void placeDimensionPoint();
+  /// Takes back the last click; without one the mode ends.
+  void stepBackFromDimension();
+
+  /// What the next click does, in words, while something is clicked step by step.
+  std::optional<std::string> instruction() const;
+
   // --- Hovering (hover.cpp); view points, absent when the pointer has left the canvas
 
   /// Sets `cursor` alone.
@@ -275,6 +293,8 @@ class Board {
   void pollTrackingDwell();
   /// What hovering shows for a tool whose first point is not placed yet: entity points alone.
   void showEntityPointFeedback(SketchPoint point);
+  /// Where the end of a dimension goes: as `snapPointer`, and to whatever it can hold on to.
+  SketchSnapResult snapDimensionEnd(SketchPoint point) const;
   void showHovered(std::optional<UUID> id, std::optional<SketchPoint> viewPoint,
                    std::optional<UUID> planItem = std::nullopt);
   /// Clears the snap state unless a draft or a drag shows it.

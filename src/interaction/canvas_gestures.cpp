@@ -50,7 +50,7 @@ void CanvasGestures::drag(SketchPoint viewPoint) {
 }
 
 void CanvasGestures::changed(SketchPoint viewPoint) {
-  if (board_.openingPlacing() != nullptr) {
+  if (board_.isPlacing()) {
     hover(viewPoint);
     return;
   }
@@ -81,6 +81,10 @@ void CanvasGestures::release(SketchPoint viewPoint, bool shift) {
   const bool isClick = distanceBetween(press, viewPoint) < kDragStartThreshold;
   if (board_.openingPlacing() != nullptr) {
     board_.placeOpening();
+    return;
+  }
+  if (board_.dimensionPlacing() != nullptr) {
+    board_.placeDimensionPoint();
     return;
   }
   switch (*board_.tool) {

@@ -6,8 +6,11 @@
 #include <set>
 #include <utility>
 
+#include "geometry/annotation_builder.h"
+#include "geometry/dimension_annotation.h"
 #include "geometry/plan_item_operations.h"
 #include "geometry/selection_handles.h"
+#include "interaction/annotation_painting.h"
 #include "interaction/board.h"
 #include "interaction/canvas_clipping.h"
 #include "interaction/drawing_tools.h"
@@ -129,6 +132,16 @@ void paintEmphasizedItem(CanvasPainter& painter, const CanvasFrame& frame, const
 Stroke draftStroke(const CanvasFrame& frame) {
   return {
       .color = frame.palette.active, .width = kDraftWidth, .cap = LineCap::round, .join = LineJoin::round};
+}
+
+void paintDimensionPreview(CanvasPainter& painter, const CanvasFrame& frame, const Sketch& sketch,
+                           const Dimension& dimension) {
+  CanvasFrame active = frame;
+  active.palette.foreground = frame.palette.active;
+  const auto width = [](std::string_view text) { return annotationTextWidth(text); };
+  paintAnnotations(
+      painter, active,
+      dimensionAnnotations(SharedList<Dimension>{dimension}, unitsPerInch(sketch.drawing->plan), width));
 }
 
 void paintPolygonDraft(CanvasPainter& painter, const CanvasFrame& frame, const PolygonDraft& draft) {
@@ -281,6 +294,9 @@ void paintDrafts(CanvasPainter& painter, const Board& board, const CanvasFrame& 
   if (board.polygonDraft() != nullptr) paintPolygonDraft(painter, frame, *board.polygonDraft());
   if (board.openingPlacing() != nullptr && board.openingPlacing()->preview) {
     paintOpeningPreview(painter, frame, board.sketch(), *board.openingPlacing()->preview);
+  }
+  if (board.dimensionPlacing() != nullptr && board.dimensionPlacing()->preview) {
+    paintDimensionPreview(painter, frame, board.sketch(), *board.dimensionPlacing()->preview);
   }
 }
 

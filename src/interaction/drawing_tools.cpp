@@ -6,6 +6,7 @@
 #include "core/adding.h"
 #include "core/circle.h"
 #include "core/length_text.h"
+#include "geometry/dimension_annotation.h"
 #include "interaction/board.h"
 #include "interaction/canvas_frame.h"
 #include "interaction/sketch_snapping.h"
@@ -196,7 +197,7 @@ void Board::activateSelectTool() {
   trimCuttingEdge = std::nullopt;
   if (tool == SketchTool::trim) sketch_.clearSelection();
   if (selectDrag() != nullptr) cancelSelectDrag();
-  if (marquee() != nullptr || openingPlacing() != nullptr) gesture = Gesture();
+  if (marquee() != nullptr || isPlacing()) gesture = Gesture();
   tool = SketchTool::select;
   releaseTracking();
   clearSnap();
@@ -205,7 +206,7 @@ void Board::activateSelectTool() {
 void Board::endSelectGestures() {
   const auto scope = change();
   if (selectDrag() != nullptr) finishSelectDrag();
-  if (marquee() != nullptr || openingPlacing() != nullptr) gesture = Gesture();
+  if (marquee() != nullptr || isPlacing()) gesture = Gesture();
   if (sketch_.selection->planItem) sketch_.clearSelection();
 }
 
@@ -239,7 +240,10 @@ void Board::handleEscape() {
     releaseTracking();
   } else if (selectDrag() != nullptr) {
     cancelSelectDrag();
-  } else if (marquee() != nullptr || openingPlacing() != nullptr) {
+  } else if (dimensionPlacing() != nullptr) {
+    stepBackFromDimension();
+    return;
+  } else if (marquee() != nullptr || isPlacing()) {
     gesture = Gesture();
   } else if (tool == SketchTool::select && !isDrawing()) {
     if (!sketch_.selection->isNothing()) {
@@ -254,11 +258,22 @@ void Board::handleEscape() {
 
 // --- What is being drawn, in words
 
+std::optional<std::string> Board::instruction() const {
+  const DimensionPlacing* placing = dimensionPlacing();
+  if (placing == nullptr) return trimInstruction();
+  if (!placing->from) return "Click the first end of the dimension";
+  if (!placing->to) return "Click the second end";
+  return "Click where the dimension line goes";
+}
+
 std::optional<std::string> Board::draftMeasurementText() const {
   if (tool == SketchTool::polygon && polygonDraft() != nullptr && !polygonDraft()->vertices.empty()) {
     const PolygonDraft& polygon = *polygonDraft();
     return "Vertices " + std::to_string(polygon.vertices.size()) + " · Segment " +
            formatShortNumber(distanceBetween(polygon.vertices.back(), polygon.current));
+  }
+  if (dimensionPlacing() != nullptr && dimensionPlacing()->preview) {
+    return dimensionText(*dimensionPlacing()->preview);
   }
   if (draft() == nullptr) return std::nullopt;
   const SketchPoint span = draft()->current - draft()->start;

@@ -38,9 +38,19 @@ struct OpeningPlacing {
   friend bool operator==(const OpeningPlacing&, const OpeningPlacing&) = default;
 };
 
+/// Dimensions are being placed: a click for each end, then one for the line; and from the start again until
+/// something ends it. Sketch units.
+struct DimensionPlacing {
+  std::optional<SketchPoint> from;     ///< once clicked, as all of them
+  std::optional<SketchPoint> to;       ///< once clicked
+  std::optional<SketchPoint> pointer;  ///< where the next click goes, snapped
+  std::optional<Dimension> preview;    ///< as it would be now, with a null identifier
+  friend bool operator==(const DimensionPlacing&, const DimensionPlacing&) = default;
+};
+
 /// The gesture in progress; `std::monostate` is none.
-using Gesture =
-    std::variant<std::monostate, SketchDraft, PolygonDraft, SelectMarqueeState, SelectDrag, OpeningPlacing>;
+using Gesture = std::variant<std::monostate, SketchDraft, PolygonDraft, SelectMarqueeState, SelectDrag,
+                             OpeningPlacing, DimensionPlacing>;
 
 /// The last snap, as the canvas shows it. Sketch units.
 struct SnapState {

@@ -24,9 +24,10 @@ void Board::recordPointer(std::optional<SketchPoint> viewPoint) {
 void Board::hoverMoved(std::optional<SketchPoint> viewPoint) {
   const auto scope = change();
   recordPointer(viewPoint);
-  if (openingPlacing() != nullptr) {
+  if (isPlacing()) {
     showHovered(std::nullopt, std::nullopt);
     updateOpeningPlacing(viewPoint ? *cursor : std::nullopt);
+    updateDimensionPlacing(viewPoint ? *cursor : std::nullopt);
     return;
   }
   if (!viewPoint || !isPositive(view->canvasSize)) {

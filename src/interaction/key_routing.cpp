@@ -25,7 +25,7 @@ bool isPolygonGrowing(const Board& board) {
 
 bool isAnythingInProgress(const Board& board) {
   return board.lengthEditor->isOpen || board.draft() != nullptr || board.polygonDraft() != nullptr ||
-         board.selectDrag() != nullptr || board.openingPlacing() != nullptr || *board.trimCuttingEdge ||
+         board.selectDrag() != nullptr || board.isPlacing() || *board.trimCuttingEdge ||
          board.tool != SketchTool::select;
 }
 

@@ -417,12 +417,11 @@ void CanvasOverlay::refreshPointerBadges() {
     coordinates_->setAccessibleName(
         QStringLiteral("Cursor coordinates X %1 Y %2").arg(number(cursor->x), number(cursor->y)));
   }
-  trimInstruction_->setVisible(false);
-  if (workspace_.board.tool == SketchTool::trim) {
-    if (const auto instruction = workspace_.board.trimInstruction()) {
-      trimInstruction_->setVisible(true);
-      trimInstruction_->setParts({{.icon = Icon::trim, .words = qtText(*instruction)}});
-    }
+  const auto instruction = workspace_.board.instruction();
+  trimInstruction_->setVisible(instruction.has_value());
+  if (instruction) {
+    const Icon icon = workspace_.board.isPlacing() ? Icon::ruler : Icon::trim;
+    trimInstruction_->setParts({{.icon = icon, .words = qtText(*instruction)}});
   }
   showBadge(*snapFeedback_, workspace_.board.snap->feedback, Icon::scope, TextStyle::badge);
   showBadge(*measurement_, workspace_.board.draftMeasurementText(), Icon::ruler, TextStyle::measurement);

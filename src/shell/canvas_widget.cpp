@@ -148,7 +148,7 @@ void CanvasWidget::boardChanged(FieldMask fields) {
     touchesPictures = true;
   }
   if (fields & fieldsOf(sketch.selection)) touchesPictures |= takeSelected();
-  if (fields & fieldsOf(board_.tool)) updateCursor();
+  if (fields & fieldsOf(board_.tool, board_.gesture)) updateCursor();
   const QRegion before = std::exchange(overlay_, overlayRegion());
   if (touchesPictures) {
     isExact_ = false;
@@ -158,7 +158,14 @@ void CanvasWidget::boardChanged(FieldMask fields) {
   }
 }
 
-void CanvasWidget::updateCursor() { setCursor(canvasCursor(*board_.tool, palette_, devicePixelRatioF())); }
+void CanvasWidget::updateCursor() {
+  // Adding aims as drawing does.
+  const SketchTool tool = board_.dimensionPlacing() != nullptr ? SketchTool::line : *board_.tool;
+  const CursorLook look{tool, palette_, devicePixelRatioF()};
+  if (cursorLook_ == look) return;
+  cursorLook_ = look;
+  setCursor(canvasCursor(tool, palette_, devicePixelRatioF()));
+}
 
 PictureView CanvasWidget::view() const {
   return {{board_.viewport(), {static_cast<double>(width()), static_cast<double>(height())}},

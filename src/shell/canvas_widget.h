@@ -13,6 +13,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <tuple>
 #include <utility>
 
 #include "core/observable.h"
@@ -128,7 +129,9 @@ class CanvasWidget : public QWidget {
   KeptAnnotations annotations_;
   OpeningLayout openings_;
   std::uint64_t openingsOf_ = 0;  // the writes of the drawing when these were laid out
-  QRegion overlay_;               // what lay over the pictures after the last change, widget coordinates
+  using CursorLook = std::tuple<SketchTool, ThemePalette, double>;
+  std::optional<CursorLook> cursorLook_;  // of the cursor that is set
+  QRegion overlay_;  // what lay over the pictures after the last change, widget coordinates
 };
 
 }  // namespace ostrelon
